@@ -1,0 +1,46 @@
+// The seam to the disk: a file of pages. The engine reads and writes through this interface only, so that
+// tests can cut the power between any two writes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace jet {
+
+// A file of bytes with positional access, flush and byte-range locks. Every call throws jet::Error (DiskIo,
+// DiskFull,
+// ...) on failure.
+class StorageFile {
+public:
+    virtual ~StorageFile() = default;
+    virtual std::uint64_t size() = 0;
+    // Reads up to `length` bytes at `offset`; gives how many there were.
+    virtual std::size_t read(std::uint64_t offset, void* into, std::size_t length) = 0;
+    virtual void write(std::uint64_t offset, const void* from, std::size_t length) = 0;
+    virtual void truncate(std::uint64_t size) = 0;
+    // Returns when everything written so far survives a power cut.
+    virtual void flush() = 0;
+    // Byte-range lock beyond or inside the file, held by this open file (not by the process). False: held by
+    // another.
+    virtual bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool wait) = 0;
+    virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+};
+
+// Where files are opened, made, renamed and removed. Paths are host paths in UTF-8.
+class Storage {
+public:
+    virtual ~Storage() = default;
+    enum class Open { ReadOnly, ReadWrite, CreateNew };
+    virtual std::unique_ptr<StorageFile> open(const std::string& path, Open how) = 0;
+    virtual bool exists(const std::string& path) = 0;
+    virtual void remove(const std::string& path) = 0;
+    // Replaces `to` atomically.
+    virtual void rename(const std::string& from, const std::string& to) = 0;
+};
+
+// The machine's own files.
+Storage& MachineStorage();
+
+} // namespace jet

@@ -1,0 +1,17 @@
+// Code page 1252, the single-byte text of every file of the suite. The bytes 81 8D 8F 90 9D, which it leaves
+// open, map to U+0081 and so on and back, as the platform's own conversion does; what does not fit becomes
+// '?'.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace tolvex::platform {
+
+QByteArray ToCodePage(const QString& text);
+QString FromCodePage(const char* bytes, qsizetype length);
+inline QString FromCodePage(const QByteArray& bytes) {
+    return FromCodePage(bytes.constData(), bytes.size());
+}
+
+} // namespace tolvex::platform

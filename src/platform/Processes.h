@@ -1,0 +1,23 @@
+// Starting other programs.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tolvex::platform {
+
+enum class ProcessWait {
+    None,        // return at once
+    InputIdle,   // until the program waits for input; off Windows: until it has started
+    End,         // until it ended, in steps, events running between
+    IdleThenEnd, // both
+};
+
+// Starts a program (a Windows path, or a bare name looked up on the path) with its arguments as one text, in
+// a normal window, inheriting no handles. `stepMilliseconds` is the step of a wait for the end. Off Windows a
+// path that names a host program runs as it is; one that names a Windows program runs through the interpreter
+// that the system has registered for it, if any. False, with a reason in *why, when it could not be started.
+bool StartProcess(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
+                  QString* why = nullptr);
+
+} // namespace tolvex::platform
