@@ -1,0 +1,237 @@
+#include "platform/HostFiles.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+namespace tolvex::platform {
+
+namespace {
+
+// As many links as the kernel itself follows.
+constexpr int mostLinks = 40;
+
+// File systems that <linux/magic.h> of some systems does not name.
+constexpr long cifsMagic = 0xFF534D42;
+constexpr long smb2Magic = 0xFE534D42;
+
+constexpr HostCalls systemCalls{::write, ::fsync, ::rename};
+HostCalls installed = systemCalls;
+
+bool isFolder(const QString& hostPath) {
+    struct stat info {};
+    return ::stat(HostName(hostPath).constData(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// Keeps mode and owner of the file that is about to be replaced. A foreign owner cannot always be kept; then
+// the file is at least ours with the same rights.
+void takeOver(int descriptor, const struct stat& old) {
+    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0)
+        errno = 0;
+    if (::fchmod(descriptor, old.st_mode & 07777) != 0)
+        errno = 0;
+}
+
+int flushFolder(const QString& folder) {
+    const Descriptor descriptor(::open(HostName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.open() || hostCalls().flush(descriptor.get()) == 0)
+        return NoError;
+    // Network file systems that cannot flush a folder say so; they keep names by themselves.
+    return errno == EINVAL || errno == EBADF || errno == ENOTSUP ? NoError : DeviceIoError;
+}
+
+} // namespace
+
+HostCalls& hostCalls() {
+    return installed;
+}
+
+void RestoreHostCalls() {
+    installed = systemCalls;
+}
+
+Descriptor::~Descriptor() {
+    close();
+}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    if (this != &other) {
+        close();
+        number_ = other.number_;
+        other.number_ = -1;
+    }
+    return *this;
+}
+
+int Descriptor::close() {
+    const int number = number_;
+    number_ = -1;
+    return number < 0 || ::close(number) == 0 ? 0 : errno;
+}
+
+int FileErrorFor(int systemError, const QString& hostPath) {
+    switch (systemError) {
+    case 0:
+        return NoError;
+    case ENOENT:
+        return isFolder(HostFolder(hostPath)) ? FileNotFound : PathNotFound;
+    case ENOTDIR:
+    case ELOOP:
+        return PathNotFound;
+    case EEXIST:
+        return FileAlreadyExists;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+    case ENOTEMPTY:
+        return PathFileAccess;
+    case EAGAIN:
+    case EBUSY:
+    case ETXTBSY:
+        return PermissionDenied;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return DiskFull;
+    case ENAMETOOLONG:
+    case EILSEQ:
+    case EINVAL:
+    case EBADF:
+        return BadFileNumber;
+    case ENODEV:
+    case ENXIO:
+    case ENOMEDIUM:
+        return DiskNotReady;
+    default:
+        return DeviceIoError;
+    }
+}
+
+QString HostFolder(const QString& hostPath) {
+    const qsizetype slash = hostPath.lastIndexOf(u'/');
+    return slash > 0 ? hostPath.left(slash) : QStringLiteral("/");
+}
+
+std::optional<QString> FollowLinks(const QString& hostPath) {
+    QString path = hostPath;
+    for (int i = 0; i < mostLinks; ++i) {
+        char target[4096];
+        const ssize_t length = ::readlink(HostName(path).constData(), target, sizeof target);
+        if (length < 0)
+            return path;
+        const QString to = QString::fromUtf8(target, length);
+        path = to.startsWith(u'/') ? to : HostFolder(path) + u'/' + to;
+    }
+    return std::nullopt;
+}
+
+bool OnNetwork(const QString& hostPath) {
+    struct statfs info {};
+    if (::statfs(HostName(hostPath).constData(), &info) != 0)
+        return false;
+    const auto type = static_cast<unsigned long>(info.f_type) & 0xFFFFFFFFUL;
+    for (const unsigned long remote : {0UL + NFS_SUPER_MAGIC, 0UL + SMB_SUPER_MAGIC, 0UL + cifsMagic,
+                                       0UL + smb2Magic, 0UL + AFS_SUPER_MAGIC, 0UL + CODA_SUPER_MAGIC,
+                                       0UL + V9FS_MAGIC, 0UL + FUSE_SUPER_MAGIC, 0UL + NCP_SUPER_MAGIC})
+        if (type == (remote & 0xFFFFFFFFUL))
+            return true;
+    return false;
+}
+
+int WriteFully(int descriptor, const char* bytes, qint64 length) {
+    while (length > 0) {
+        const ssize_t written = hostCalls().write(descriptor, bytes, static_cast<size_t>(length));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return written < 0 ? errno : ENOSPC;
+        bytes += written;
+        length -= written;
+    }
+    return 0;
+}
+
+std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, int* error) {
+    const auto fail = [error](int number) {
+        if (error)
+            *error = number;
+        return std::nullopt;
+    };
+    // Without O_NONBLOCK a named pipe in place of the file would wait for ever.
+    const Descriptor file(::open(HostName(hostPath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file.open())
+        return fail(FileErrorFor(errno, hostPath));
+    struct stat info {};
+    if (::fstat(file.get(), &info) != 0)
+        return fail(FileErrorFor(errno, hostPath));
+    if (!S_ISREG(info.st_mode))
+        return fail(PathFileAccess);
+    if (info.st_size > limit)
+        return fail(DeviceIoError);
+    // One byte more than it should have, so that growth meanwhile is noticed without another call.
+    QByteArray bytes(info.st_size + 1, Qt::Uninitialized);
+    qint64 length = 0;
+    for (;;) {
+        const ssize_t got =
+            ::read(file.get(), bytes.data() + length, static_cast<size_t>(bytes.size() - length));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return fail(FileErrorFor(errno, hostPath));
+        length += got;
+        if (got == 0)
+            break;
+        if (length > limit)
+            return fail(DeviceIoError);
+        if (length == bytes.size())
+            bytes.resize(length * 2);
+    }
+    bytes.resize(length);
+    if (error)
+        *error = NoError;
+    return bytes;
+}
+
+int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes) {
+    const std::optional<QString> target = FollowLinks(hostPath);
+    if (!target)
+        return PathNotFound;
+    const QByteArray name = HostName(*target);
+    struct stat old {};
+    const bool replaces = ::stat(name.constData(), &old) == 0;
+    if (replaces && (!S_ISREG(old.st_mode) || ::access(name.constData(), W_OK) != 0))
+        return PathFileAccess;
+
+    // A short name of its own, so that a long file name leaves room for it.
+    static int counter = 0;
+    const QString folder = HostFolder(*target);
+    const QByteArray beside = HostName(QStringLiteral("%1/.tolvex-%2-%3.new")
+                                           .arg(folder)
+                                           .arg(static_cast<qint64>(::getpid()))
+                                           .arg(++counter));
+    Descriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file.open())
+        return FileErrorFor(errno, *target);
+    if (replaces)
+        takeOver(file.get(), old);
+    int failed = WriteFully(file.get(), bytes.constData(), bytes.size());
+    if (failed == 0 && hostCalls().flush(file.get()) != 0)
+        failed = errno;
+    if (const int closing = file.close(); failed == 0)
+        failed = closing;
+    if (failed == 0 && hostCalls().rename(beside.constData(), name.constData()) != 0)
+        failed = errno;
+    if (failed != 0) {
+        ::unlink(beside.constData());
+        return FileErrorFor(failed, *target);
+    }
+    return flushFolder(folder);
+}
+
+} // namespace tolvex::platform
