@@ -1,0 +1,32 @@
+// The registry operations of the suite. None of them reports anything: a failure gives the default on reading
+// and nothing on writing. A value equal to its default is never stored.
+#pragma once
+
+#include "platform/RegistryStore.h"
+
+namespace tolvex {
+
+using platform::LocalMachineHive;
+
+// Keys of the suite, in the local machine hive.
+inline constexpr char16_t TolvexKey[] = u"SOFTWARE\\Norvane\\Tolvex";      // options of this program
+inline constexpr char16_t TolvexV2Key[] = u"Software\\Norvane\\Tolvex v2"; // settings without an ini file
+
+// The text up to its first zero character; `fallback` when the value is missing or is no text (type 1).
+QString ReadRegistryString(quint32 hive, const QString& key, const QString& name, const QString& fallback);
+
+// The first 4 bytes of a value of any type; `fallback` when it is missing or has another length.
+qint32 ReadRegistryLong(quint32 hive, const QString& key, const QString& name, qint32 fallback);
+
+// Sets the value, making its key; removes it when `value` equals `fallback` exactly. Nothing is made for a
+// default.
+void WriteRegistryString(quint32 hive, const QString& key, const QString& name, const QString& value,
+                         const QString& fallback);
+void WriteRegistryLong(quint32 hive, const QString& key, const QString& name, qint32 value, qint32 fallback);
+
+void DeleteRegistryValue(quint32 hive, const QString& key, const QString& name);
+
+// Whether the key opens with full access.
+bool RegistryKeyExists(quint32 hive, const QString& key);
+
+} // namespace tolvex
