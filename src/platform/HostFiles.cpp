@@ -1,5 +1,8 @@
 #include "platform/HostFiles.h"
 
+#include "platform/PathParts.h"
+#include "platform/Paths.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -144,17 +147,21 @@ bool OnNetwork(const QString& hostPath) {
     return false;
 }
 
-int WriteFully(int descriptor, const char* bytes, qint64 length) {
-    while (length > 0) {
-        const ssize_t written = hostCalls().write(descriptor, bytes, static_cast<size_t>(length));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return written < 0 ? errno : ENOSPC;
-        bytes += written;
-        length -= written;
+int WriteFully(int descriptor, const char* bytes, qint64 length, qint64* written) {
+    qint64 done = 0;
+    int failed = 0;
+    while (done < length && failed == 0) {
+        const ssize_t now = hostCalls().write(descriptor, bytes + done, static_cast<size_t>(length - done));
+        if (now > 0)
+            done += now;
+        else if (now == 0)
+            failed = ENOSPC;
+        else if (errno != EINTR)
+            failed = errno;
     }
-    return 0;
+    if (written)
+        *written = done;
+    return failed;
 }
 
 std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, int* error) {
@@ -198,40 +205,81 @@ std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, in
     return bytes;
 }
 
-int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes) {
+Replacement::Replacement(const QString& hostPath) {
     const std::optional<QString> target = FollowLinks(hostPath);
-    if (!target)
-        return PathNotFound;
-    const QByteArray name = HostName(*target);
+    if (!target) {
+        error_ = PathNotFound;
+        return;
+    }
+    target_ = *target;
+    const QByteArray name = HostName(target_);
     struct stat old {};
     const bool replaces = ::stat(name.constData(), &old) == 0;
-    if (replaces && (!S_ISREG(old.st_mode) || ::access(name.constData(), W_OK) != 0))
-        return PathFileAccess;
-
+    if (replaces && (!S_ISREG(old.st_mode) || ::access(name.constData(), W_OK) != 0)) {
+        error_ = PathFileAccess;
+        return;
+    }
     // A short name of its own, so that a long file name leaves room for it.
     static int counter = 0;
-    const QString folder = HostFolder(*target);
-    const QByteArray beside = HostName(QStringLiteral("%1/.tolvex-%2-%3.new")
-                                           .arg(folder)
-                                           .arg(static_cast<qint64>(::getpid()))
-                                           .arg(++counter));
-    Descriptor file(::open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
-    if (!file.open())
-        return FileErrorFor(errno, *target);
-    if (replaces)
-        takeOver(file.get(), old);
-    int failed = WriteFully(file.get(), bytes.constData(), bytes.size());
-    if (failed == 0 && hostCalls().flush(file.get()) != 0)
+    beside_ = HostName(QStringLiteral("%1/.tolvex-%2-%3.new")
+                           .arg(HostFolder(target_))
+                           .arg(static_cast<qint64>(::getpid()))
+                           .arg(++counter));
+    file_ =
+        Descriptor(::open(beside_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file_.open())
+        error_ = FileErrorFor(errno, target_);
+    else if (replaces)
+        takeOver(file_.get(), old);
+}
+
+Replacement::~Replacement() {
+    if (file_.open())
+        ::unlink(beside_.constData());
+}
+
+int Replacement::write(const char* bytes, qint64 length) {
+    if (error_ == NoError)
+        error_ = FileErrorFor(WriteFully(file_.get(), bytes, length), target_);
+    return error_;
+}
+
+int Replacement::commit(const struct timespec* modified) {
+    if (error_ != NoError)
+        return error_;
+    const struct timespec times[2] = {{0, UTIME_OMIT}, modified ? *modified : timespec{0, UTIME_OMIT}};
+    int failed = ::futimens(file_.get(), times) == 0 || errno == EPERM ? 0 : errno;
+    if (failed == 0 && hostCalls().flush(file_.get()) != 0)
         failed = errno;
-    if (const int closing = file.close(); failed == 0)
+    if (const int closing = file_.close(); failed == 0)
         failed = closing;
-    if (failed == 0 && hostCalls().rename(beside.constData(), name.constData()) != 0)
+    if (failed == 0 && hostCalls().rename(beside_.constData(), HostName(target_).constData()) != 0)
         failed = errno;
     if (failed != 0) {
-        ::unlink(beside.constData());
-        return FileErrorFor(failed, *target);
+        ::unlink(beside_.constData());
+        return error_ = FileErrorFor(failed, target_);
     }
-    return flushFolder(folder);
+    return error_ = flushFolder(HostFolder(target_));
+}
+
+int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes) {
+    Replacement replacement(hostPath);
+    replacement.write(bytes.constData(), bytes.size());
+    return replacement.commit();
+}
+
+ResolvedPath::ResolvedPath(const QString& windowsPath)
+    : host(HostPath(windowsPath))
+    , name(HostName(host)) {
+    if (host.isEmpty())
+        error = windowsPath.isEmpty() || windowsPath.contains(QChar(0)) ? BadFileNumber : PathNotFound;
+}
+
+int ResolvedPath::asNew() const {
+    struct stat info {};
+    if (error != NoError || ::lstat(name.constData(), &info) == 0)
+        return error;
+    return IsValidName(host.section(u'/', -1)) ? NoError : BadFileNumber;
 }
 
 } // namespace tolvex::platform

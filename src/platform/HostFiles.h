@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cerrno>
 #include <optional>
 
 #include <sys/stat.h>
@@ -37,14 +38,8 @@ bool OnNetwork(const QString& hostPath);
 // than `limit` bytes.
 std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, int* error = nullptr);
 
-// Replaces (or makes) a regular file as a whole: written beside, flushed, renamed over it, folder flushed.
-// Links are followed and stay links; mode and, where allowed, owner stay. The file is the old one or the new
-// one whenever the machine stops. FileError; on every error but DeviceIoError of the last step (the folder's
-// flush) the old file is in place.
-int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes);
-
-// Writes all bytes at the file's position. 0 or errno.
-int WriteFully(int descriptor, const char* bytes, qint64 length);
+// Writes all bytes at the file's position. 0 or errno, with what was written until then in *written.
+int WriteFully(int descriptor, const char* bytes, qint64 length, qint64* written = nullptr);
 
 // The calls by which bytes become lasting. Tests put others in place, which fail or stop half-way.
 struct HostCalls {
@@ -73,6 +68,44 @@ public:
 
 private:
     int number_;
+};
+
+// Replaces (or makes) a regular file as a whole: written beside, flushed, renamed over it, folder flushed.
+// Links are followed and stay links; mode and, where allowed, owner stay. The file is the old one or the new
+// one whenever the machine stops. Without a commit the old file stays and nothing is left beside it.
+class Replacement {
+public:
+    explicit Replacement(const QString& hostPath);
+    ~Replacement();
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    // Adds bytes; the FileError of the first failure of all, here and below.
+    int write(const char* bytes, qint64 length);
+    // Puts the file in place, with another time of change if one is given. On an error the old file is there,
+    // but for a folder that would not be flushed: then the new one is, and DeviceIoError tells.
+    int commit(const struct timespec* modified = nullptr);
+    int error() const { return error_; }
+
+private:
+    QString target_;
+    QByteArray beside_;
+    Descriptor file_;
+    int error_ = NoError;
+};
+int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes);
+
+// A Windows path resolved (Paths.h), with the error that stands for one that does not resolve.
+struct ResolvedPath {
+    explicit ResolvedPath(const QString& windowsPath);
+    // The FileError for the errno that a call on it just left.
+    int failed() const { return FileErrorFor(errno, host); }
+    // The error that forbids giving it to a new file or folder; an existing one may keep any name.
+    int asNew() const;
+
+    QString host;
+    QByteArray name; // the same, as the system takes it
+    int error = NoError;
 };
 
 } // namespace tolvex::platform

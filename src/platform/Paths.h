@@ -4,8 +4,8 @@
 // they stand. Elsewhere they are resolved against one machine folder, laid out as Wine lays out a prefix:
 // dosdevices/c: and the like are folders or links, dosdevices/z: is "/", dosdevices/com1 and the like link to
 // devices, dosdevices/unc/SERVER/SHARE holds shares. Names match without regard to case, component by
-// component; an exact spelling wins over another one. Only this floor and jet/ see host paths; above it they
-// serve for showing only.
+// component; an exact spelling wins over another one, and among others the first in byte order. Only this
+// floor and jet/ see host paths; above it they serve for showing only.
 #pragma once
 
 #include <QString>
@@ -25,7 +25,8 @@ QString MachineFolder();
 // resolves to the Windows folder (the rule of the private profile files) when `bareNameIn` is WindowsFolder,
 // else to the current folder of the current drive. ".." never leaves a drive's or share's root. Empty when
 // the path is empty, names a drive or share that is not there, or holds a zero character. Cost: one hash
-// look-up a component while the folders are unchanged, one stat a folder to know that.
+// look-up a component while the folders are unchanged, one stat a folder to know that; one stat in all for a
+// path that exists as it is spelled.
 enum class BareName { WindowsFolder, CurrentFolder };
 QString HostPath(const QString& path, BareName bareName = BareName::CurrentFolder);
 
@@ -55,7 +56,8 @@ QString ShortPath(const QString& path);
 quint32 LogicalDrives();
 
 // The platform's numbers: 0 unknown, 1 no such drive, 2 removable, 3 fixed, 4 remote, 5 CD-ROM, 6 RAM disk.
-// From the file system behind the drive's link.
+// From the file system behind the drive's link. Tests put another type in place, until the next
+// SetMachineFolder.
 enum class DriveType {
     Unknown = 0,
     NoRoot = 1,
@@ -66,6 +68,7 @@ enum class DriveType {
     RamDisk = 6
 };
 DriveType TypeOfDrive(QChar letter);
+void SetTypeOfDrive(QChar letter, DriveType type);
 
 // The current drive and folder, as a Windows path ("C:\" at start). Set gives false when it is not a folder.
 QString CurrentFolder();

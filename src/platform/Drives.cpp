@@ -1,0 +1,59 @@
+// Which drives there are, and what is behind each.
+#include "platform/PathState.h"
+#include "platform/Paths.h"
+
+#include "platform/Files.h"
+
+#include <QStorageInfo>
+
+#include <algorithm>
+#include <iterator>
+
+namespace tolvex::platform {
+
+namespace {
+
+// File systems by the names the kernel lists them under.
+constexpr const char* remoteSystems[] = {
+    "9p",          "afs",        "ceph",           "cifs",           "coda",
+    "davfs",       "fuse.davfs", "fuse.curlftpfs", "fuse.glusterfs", "fuse.gvfsd-fuse",
+    "fuse.rclone", "fuse.sshfs", "lustre",         "ncpfs",          "nfs",
+    "nfs4",        "smb3",       "smbfs",
+};
+constexpr const char* opticalSystems[] = {"cdfs", "iso9660", "udf"};
+
+template<size_t count>
+bool holds(const char* const (&names)[count], const QByteArray& name) {
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+} // namespace
+
+quint32 LogicalDrives() {
+    quint32 mask = 0;
+    for (int bit = 0; bit < 26; ++bit)
+        if (FolderExists(QChar(u'A' + bit) + QStringLiteral(":\\")))
+            mask |= 1U << bit;
+    return mask;
+}
+
+DriveType TypeOfDrive(QChar letter) {
+    const QString root = HostPath(letter.toUpper() + QStringLiteral(":\\"));
+    if (letter.toUpper() < u'A' || letter.toUpper() > u'Z' || root.isEmpty())
+        return DriveType::NoRoot;
+    if (const auto placed = pathState().driveTypes.constFind(letter.toUpper());
+        placed != pathState().driveTypes.constEnd())
+        return *placed;
+    const QByteArray system = QStorageInfo(root).fileSystemType();
+    if (system.isEmpty())
+        return DriveType::Unknown;
+    if (holds(remoteSystems, system))
+        return DriveType::Remote;
+    return holds(opticalSystems, system) ? DriveType::CdRom : DriveType::Fixed;
+}
+
+void SetTypeOfDrive(QChar letter, DriveType type) {
+    pathState().driveTypes.insert(letter.toUpper(), type);
+}
+
+} // namespace tolvex::platform
