@@ -1,0 +1,83 @@
+// The catalogue of a database: which objects there are, where the tables' definitions lie, the properties of
+// objects and columns, and who may use what.
+#pragma once
+
+#include "jet/PropertyBlob.h"
+#include "jet/Table.h"
+
+#include <optional>
+
+namespace jet {
+
+// One row of MSysObjects, without the long columns.
+struct CatalogObject {
+    enum Kind : std::int16_t {
+        TableKind = 1,
+        DatabaseKind = 2,
+        ContainerKind = 3,
+        LinkedServerKind = 4,
+        QueryKind = 5,
+        LinkedTableKind = 6,
+        RelationshipKind = 8,
+    };
+    static constexpr std::uint32_t SystemFlags = 0x80000002;
+    static constexpr std::uint32_t HiddenFlag = 8;
+
+    RowPointer row;
+    std::int32_t id = 0; // of a table: its definition page
+    std::int32_t parent = 0;
+    std::u16string name;
+    std::int16_t kind = TableKind; // or a kind of another program
+    Date created;
+    Date updated;
+    Bytes owner; // security identifier as stored
+    std::uint32_t flags = 0;
+
+    bool isTable() const { return kind == TableKind; }
+    bool isSystem() const { return (flags & SystemFlags) != 0; }
+};
+
+class Catalog {
+public:
+    static constexpr PageNumber ObjectsPage = 2;
+    static constexpr PageNumber PermissionsPage = 3;
+    static constexpr PageNumber RelationshipsPage = 5;
+    static constexpr std::int32_t TablesContainer = 0x0F000001;
+    static constexpr std::int32_t RelationshipsContainer = 0x0F000003;
+
+    // Reads nothing yet. The pager outlives the catalogue and its tables.
+    explicit Catalog(Pager& pager)
+        : pager_(&pager) {}
+
+    Pager& pager() const { return *pager_; }
+
+    // All objects in the order of the catalogue's rows. A damaged row throws.
+    std::vector<CatalogObject> objects() const;
+    // The user's tables (neither system nor linked), in the order of the catalogue.
+    std::vector<CatalogObject> tables() const;
+    // The table of this name, system tables included. Cost: one walk over the catalogue's rows.
+    std::optional<CatalogObject> findTable(std::u16string_view name) const;
+
+    // Opens a table. Throws ItemNotFound with the name.
+    Table table(std::u16string_view name) const;
+    Table table(const CatalogObject& object) const;
+
+    PropertyBlob properties(const CatalogObject& object) const;
+    // Stores the properties of an object and the time of the change.
+    void setProperties(const CatalogObject& object, const PropertyBlob& properties);
+    void rename(const CatalogObject& object, std::u16string_view name);
+    // Sets the time of the last change of an object's design to now.
+    void touch(const CatalogObject& object);
+
+    // Enters a new table with its permissions, given as the engine gives them: each inheritable one of the
+    // container of tables.
+    void addTable(PageNumber definition, std::u16string_view name, const PropertyBlob& properties);
+    // Takes out an object's row, its permissions, and the relationships that a table of this name takes part
+    // in.
+    void removeTable(const CatalogObject& object);
+
+private:
+    Pager* pager_;
+};
+
+} // namespace jet

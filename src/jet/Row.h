@@ -1,0 +1,56 @@
+// One row as bytes: taking columns out of it, and building it from values.
+#pragma once
+
+#include "jet/TableDefinition.h"
+
+#include <functional>
+#include <span>
+
+namespace jet {
+
+// Longest row that a page is asked to hold.
+inline constexpr int MaximumRowLength = 4060;
+
+// A row where it lies, on a page or elsewhere: nothing is copied, so it lives as long as the bytes.
+class RowView {
+public:
+    RowView() = default;
+    // Throws ReadVerification, naming `page`, if the parts of the row do not fit into its bytes.
+    RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns);
+
+    // Null as stored. A Boolean is never null.
+    bool isNull(const Column& column) const;
+    // The stored bytes of a column that is not null; of a null one nothing. Memo and OLE: the definition of
+    // the long value (LongValue.h). A Boolean has no bytes.
+    std::span<const std::uint8_t> bytes(const Column& column) const;
+    bool boolean(const Column& column) const { return maskBit(column.number); }
+    // All bytes of the row.
+    std::span<const std::uint8_t> all() const { return bytes_; }
+    PageNumber page() const { return page_; }
+
+private:
+    bool maskBit(int number) const;
+
+    std::span<const std::uint8_t> bytes_;
+    PageNumber page_ = 0;
+    int columns_ = 0;     // column count stored in the row
+    int variables_ = 0;   // variable columns stored in the row
+    int variableEnd_ = 0; // where the number of variable columns stands
+    int mask_ = 0;        // where the null mask begins
+};
+
+// The value of a column of a row, put into `value`, whose memory is used again where it fits. Memo and OLE
+// are read whole through the pager. Throws ReadVerification for bytes that are no such value.
+void DecodeColumn(Pager& pager, const RowView& row, const Column& column, Value& value);
+
+// The same for the stored bytes of anything but Boolean, Memo and OLE.
+void DecodeStored(const Column& column, std::span<const std::uint8_t> bytes, PageNumber page, Value& value);
+
+// Builds the bytes of a row. Values are in the order of definition.columns and of the columns' own kinds
+// (Convert.h makes them so). `putLong` appends the stored form of a Memo or OLE value to the row. `into` is
+// replaced; its memory is used again. Throws FieldTooSmall, DataTypeMismatch or RecordTooLarge.
+using PutLongValue = std::function<void(int column, const Value& value, Bytes& into)>;
+void EncodeRow(const TableDefinition& definition, std::span<const Value> values, const PutLongValue& putLong,
+               Bytes& into);
+
+} // namespace jet
