@@ -1,0 +1,18 @@
+// The suite's colours: blue-green-red integers (0x0000FF is red); values with the top bit set name system
+// colours, which follow the palette of the running program.
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+namespace tolvex {
+
+// The two that forms have unless the user chose others.
+inline constexpr qint32 SystemButtonFace = static_cast<qint32>(0x8000000Fu);
+inline constexpr qint32 SystemButtonText = static_cast<qint32>(0x80000012u);
+
+QColor ToColor(qint32 colour, const QPalette& palette);
+// Never a system colour.
+qint32 FromColor(const QColor& colour);
+
+} // namespace tolvex

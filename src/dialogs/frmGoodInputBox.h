@@ -1,0 +1,73 @@
+// The program's input box: one question, one text as the answer. It stays above all other windows.
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmGoodInputBox;
+}
+
+namespace tolvex {
+
+class frmGoodInputBox : public QDialog {
+    Q_OBJECT
+
+public:
+    // The entry control that is visible, and what the answer is.
+    enum class Mode {
+        Text,         // Text1: the text
+        Combo,        // comboCombo: the text, free or chosen
+        List,         // comboList: the chosen text
+        SortedList,   // comboSortedList: the chosen text
+        MultipleList, // listMulti: the 1-based numbers of all selected items, each followed by a comma
+        SingleList,   // listMultiNonSel: the 1-based number of the selected item
+    };
+
+    explicit frmGoodInputBox(QWidget* parent = nullptr);
+    ~frmGoodInputBox() override;
+
+    void setMode(Mode mode);
+    void setPrompt(const QString& prompt);
+    // The items of the mode in force.
+    void setItems(const QStringList& items);
+    void setText(const QString& text);
+    // Longest text that typing may reach, 0 for no limit; a longer text that is there already stays until
+    // changed.
+    void setMaximumLength(int length);
+    // The first character masks the input; empty: plain input.
+    void setPasswordCharacter(const QString& character);
+    // A colour of the suite; text follows so that it stays readable.
+    void setBackColour(qint32 colour);
+
+    bool cancelled() const;
+    QString answer() const { return tag_; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    // Escape and the close button count as Cancel.
+    void reject() override;
+
+private:
+    QWidget* control() const;
+    void takeAnswer();
+    void holdLength(const QString& text);
+
+    std::unique_ptr<Ui::frmGoodInputBox> ui_;
+    Mode mode_ = Mode::Text;
+    QString prompt_;
+    QString tag_;
+    QString lastText_;
+    int maximumLength_ = 0;
+    bool shown_ = false;
+};
+
+// Asks for a text. True when the user cancelled: `result` is then empty. `modal`: shown modally on ownerForm,
+// else shown and waited for with events running. The icon comes from parentForm, else from ownerForm.
+bool GoodInputBox(const QString& prompt, const QString& title, const QString& initial, qint32 maxLength,
+                  QString& result, QWidget* ownerForm, const QString& passwordChar = {}, bool modal = true,
+                  qint32 backColour = qint32(0x8000000Fu), QWidget* parentForm = nullptr);
+
+} // namespace tolvex
