@@ -1,0 +1,61 @@
+// The audiowall: which part, folder and files a cart number means, opening and creating the cart lists, and
+// reading one cart. The table of the parts and everything that a settings file holds of them lies in
+// settings(); the open list files and the empty record live here.
+//
+// Cart numbers run from 1 to settings().NoCarts, whatever that holds: 0 and less leave no cart at all. A list
+// is never grown beyond what 99,999 carts need.
+#pragma once
+
+#include "audio/CartRecord.h"
+#include "core/Settings.h"
+
+#include <array>
+
+namespace tolvex {
+
+inline constexpr int HighestCart = 99999;
+inline constexpr int CartsInPart = 1000;
+
+// What a cart player is doing, by the number it has for that; empty where it has no word.
+inline constexpr int PlayerStateCount = 21;
+const std::array<QString, PlayerStateCount>& PlayerStateWords();
+
+// The record of an empty cart, and its file form, which new and grown lists are filled with.
+const CartRecord& EmptyCartRecord();
+const CartListRecord& EmptyCartListRecord();
+
+// Gives the file form of the empty record the empty cart colours that the settings now hold.
+void ColourEmptyCartListRecord();
+
+// Sets every player to Empty (15), fills the words, builds the empty record in the colours of the settings,
+// and sets MaintainLegacyCartList and PlayCartsInstantly, which a loader then replaces. Where no range of
+// carts is set yet it becomes 1 to 99999.
+void InitCartState();
+
+// Closes every list file, forgets the words and the empty record: the state at start. Tests call it too.
+void ResetCartStore();
+
+// 1 to 10, a thousand carts each; 11 above 10000 and below 0; 0 for cart 0.
+int PartOfCart(qint32 cart);
+
+// Location of the cart's part, "\TLV" and the number with at least five digits; empty outside 1 to NoCarts.
+QString CartFileStem(qint32 cart);
+
+// Opens the list of one part, or with 0 of parts 1 to that of cart NoCarts, making and growing list files as
+// needed, and sets the State of each part by whether its folder is there. Not silent, it asks before it makes
+// a list (Cancel ends the call; nothing is asked during automatic configuration) and reports folders that are
+// missing. An unset location among them ends the call before any file is touched. Failures to open or grow a
+// list are not reported: the part's IsOpen tells. Gives 0, or -1 when no part asked for is available.
+int OpenCartParts(int part, bool silent);
+
+// Whether a part's list is open, and whether it may be written (false: another user's read-only file).
+bool CartListIsOpen(int part);
+bool CartListIsWritable(int part);
+
+// A cart's record as the files have it now; the empty record for an empty cart, outside 1 to NoCarts and on
+// any error. *status: 0, the FileError, or -1 outside the range and when its part cannot be opened. Opens the
+// part's list if need be. With UseIndividualCartListFiles the cart's own file comes first. Reports nothing.
+// No system call while the list is open and no file of its own is looked for.
+CartRecord ReadCart(qint32 cart, qint16* status = nullptr);
+
+} // namespace tolvex

@@ -1,0 +1,20 @@
+// Loads everything about audio and the audiowall: the player table, the audio and display settings, the cart
+// locations and the settings that lie in Audwall.ini beside the audio.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// Below the local machine hive.
+inline constexpr char AudioRegistryRoot[] = "Software\\Norvane\\Tolvex v2";
+
+// Fills settings() from an ini file, or, when `iniPath` is empty, from the registry below `registryRoot`.
+// Where the first part of the audiowall has an Audwall.ini of a version below 2.6, backs up the cart lists
+// and writes the new version.
+void LoadAudioSettings(const QString& iniPath, const QString& registryRoot);
+
+// Audwall.ini in the location of the first part; "\Audwall.ini" while that is empty.
+QString AudiowallIniFile();
+
+} // namespace tolvex

@@ -1,0 +1,210 @@
+#include "network/TerminalList.h"
+
+#include "core/Dates.h"
+#include "core/RecordLayout.h"
+#include "core/Settings.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/Machine.h"
+#include "platform/Prompts.h"
+
+#include <memory>
+
+namespace tolvex {
+
+namespace {
+
+using platform::Answer;
+using platform::Buttons;
+using platform::Icon;
+using platform::RecordFile;
+
+constexpr auto layout = MakeRecordLayout<TerminalRecordLength, TerminalRecord>(
+    TextField{0, TerminalNameLength, &TerminalRecord::IdName},
+    TextField{30, TerminalNameLength, &TerminalRecord::NetworkName},
+    NumberField{60, &TerminalRecord::LastUsedDay}, NumberField{64, &TerminalRecord::LastUsedSeconds},
+    NumberField{68, &TerminalRecord::Number68}, TextField{72, 56, &TerminalRecord::Text72});
+static_assert(layout.coversEachByteOnce());
+
+constexpr qint32 lastShownDay = 60000;
+constexpr int secondsOfDay = 86400;
+
+std::unique_ptr<RecordFile> list;
+TerminalRecord own = BlankTerminalRecord();
+
+std::unique_ptr<RecordFile> openFile() {
+    return RecordFile::open(TerminalListPath(), TerminalRecordLength, true);
+}
+
+QByteArray blankBytes() {
+    const TerminalBytes bytes = EncodeTerminalRecord(BlankTerminalRecord());
+    return QByteArray(bytes.data(), TerminalRecordLength);
+}
+
+// The name of a computer in a record, as comparisons take it. A zero character ends it: what follows is
+// left over from an older name.
+QString networkName(const TerminalRecord& record) {
+    return record.NetworkName.section(QChar(0), 0, 0).trimmed();
+}
+
+bool sameName(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+QDateTime TerminalRecord::lastUsed() const {
+    if (LastUsedDay < 1 || LastUsedDay >= lastShownDay)
+        return {};
+    // Anything that is no time of a day counts as midnight.
+    const bool valid = LastUsedSeconds >= 0 && LastUsedSeconds < secondsOfDay;
+    const int milliseconds = valid ? std::min(qRound(LastUsedSeconds * 1000.0), secondsOfDay * 1000 - 1) : 0;
+    return QDateTime(FromSerialDate(LastUsedDay).date(), QTime::fromMSecsSinceStartOfDay(milliseconds));
+}
+
+void TerminalRecord::setLastUsed(const QDateTime& time) {
+    LastUsedDay = qint32(SerialDate(time.date().startOfDay()));
+    LastUsedSeconds = float(time.time().msecsSinceStartOfDay() / 1000.0);
+}
+
+TerminalRecord BlankTerminalRecord() {
+    TerminalRecord record;
+    record.IdName = record.NetworkName = QString(TerminalNameLength, u' ');
+    record.Text72 = QString(56, u' ');
+    return record;
+}
+
+TerminalBytes EncodeTerminalRecord(const TerminalRecord& record) {
+    TerminalBytes bytes;
+    layout.encode(record, bytes.data());
+    return bytes;
+}
+
+TerminalRecord DecodeTerminalRecord(const TerminalBytes& bytes) {
+    TerminalRecord record;
+    layout.decode(bytes.data(), record);
+    return record;
+}
+
+QString TerminalListPath() {
+    return settings().DataLocation + QStringLiteral("\\Terminal.Lst");
+}
+
+bool OpenTerminalList() {
+    const int wanted = settings().NumberTerminals;
+    if (settings().LastOneWas == -1 || wanted < 1)
+        return false;
+    CloseTerminalList();
+    if (!settings().AutoConfigInProgress && platform::FileSize(TerminalListPath()) < 0) {
+        const Answer answer =
+            platform::prompts().ask({.text = QStringLiteral("The Terminal List has not been found.\n\n"
+                                                            "Do you wish to create it in :\n\n") +
+                                             TerminalListPath(),
+                                     .icon = Icon::Exclamation,
+                                     .buttons = Buttons::YesNoCancel,
+                                     .title = QStringLiteral("File System Startup Error")});
+        if (answer == Answer::Cancel)
+            return false;
+        if (answer == Answer::No)
+            return true;
+    }
+    list = openFile();
+    if (!list)
+        return false;
+    if (const qint64 there = list->count(); there < wanted) {
+        // What cannot be added reads as blank, so a full disk or a file that is read-only here stops nobody.
+        list->append(blankBytes(), wanted - there);
+        list.reset();
+        list = openFile();
+    }
+    return list != nullptr;
+}
+
+void CloseTerminalList() {
+    list.reset();
+}
+
+bool TerminalListIsOpen() {
+    return list != nullptr;
+}
+
+TerminalRecord ReadTerminal(int id) {
+    TerminalBytes bytes;
+    if (id < 1 || !list || list->read(id, bytes.data()) != platform::NoError)
+        return BlankTerminalRecord();
+    return DecodeTerminalRecord(bytes);
+}
+
+int WriteTerminal(int id, const TerminalRecord& record) {
+    if (!list || id < 1 || id > settings().NumberTerminals)
+        return platform::BadFileNumber;
+    return list->write(id, EncodeTerminalRecord(record).data());
+}
+
+QList<TerminalRecord> ReadTerminals() {
+    QList<TerminalRecord> records;
+    for (int id = 1; id <= settings().NumberTerminals; ++id)
+        records += ReadTerminal(id);
+    return records;
+}
+
+void ReadOwnTerminalRecord() {
+    OpenTerminalList();
+    if (settings().LinkMeshId >= 1)
+        own = ReadTerminal(settings().LinkMeshId);
+}
+
+const TerminalRecord& OwnTerminalRecord() {
+    return own;
+}
+
+int TerminalForComputer(const QString& computerName) {
+    int firstFree = 0;
+    for (int id = 1; id <= settings().NumberTerminals; ++id) {
+        const QString name = networkName(ReadTerminal(id));
+        if (sameName(name, computerName))
+            return id;
+        if (firstFree == 0 && name.isEmpty())
+            firstFree = id;
+    }
+    return std::max(firstFree, 1);
+}
+
+int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName) {
+    for (int id = 1; id <= settings().NumberTerminals; ++id) {
+        TerminalRecord record = ReadTerminal(id);
+        if (id <= idNames.size())
+            record.IdName = idNames[id - 1].trimmed();
+        if (id == chosenId)
+            record.NetworkName = computerName;
+        else if (sameName(networkName(record), computerName))
+            record.NetworkName.clear();
+        if (const int error = WriteTerminal(id, record); error != platform::NoError)
+            return error;
+    }
+    return platform::NoError;
+}
+
+int RenameTerminal(int id, const QString& name) {
+    TerminalRecord record = ReadTerminal(id);
+    record.IdName = name.trimmed();
+    return WriteTerminal(id, record);
+}
+
+bool StampOwnTerminalRecord() {
+    if (!list && !OpenTerminalList())
+        return false;
+    const int id = settings().LinkMeshId;
+    TerminalRecord record = ReadTerminal(id);
+    record.NetworkName = platform::ComputerName();
+    record.setLastUsed(platform::clock().now());
+    const bool written = WriteTerminal(id, record) == platform::NoError;
+    return OpenTerminalList() && written;
+}
+
+void ResetTerminalList() {
+    CloseTerminalList();
+    own = BlankTerminalRecord();
+}
+
+} // namespace tolvex

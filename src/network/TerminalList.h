@@ -1,0 +1,82 @@
+// The Terminal list: Terminal.Lst in the data location, one record of 128 bytes for each workstation number
+// (LinkMesh ID) of the station, shared by all of them (docs/formats/terminal-list.md). The numbers in use are
+// 1 to settings().NumberTerminals. The list stays open between OpenTerminalList and CloseTerminalList.
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QStringList>
+
+#include <array>
+
+namespace tolvex {
+
+inline constexpr int TerminalRecordLength = 128;
+inline constexpr int TerminalNameLength = 30;
+
+// Texts are as long as their fields, padded with blanks; a longer one is cut when it is written.
+struct TerminalRecord {
+    QString IdName;            // what users call this number
+    QString NetworkName;       // computer that uses it
+    qint32 LastUsedDay = 0;    // day count whose day 1 is 31 December 1899
+    float LastUsedSeconds = 0; // since midnight
+    qint32 Number68 = 0;       // kept as read
+    QString Text72;            // kept as read
+
+    bool operator==(const TerminalRecord&) const = default;
+    // When the number was last used; not valid where the day is below 1 or from 60000 upward.
+    QDateTime lastUsed() const;
+    void setLastUsed(const QDateTime& time);
+};
+using TerminalBytes = std::array<char, TerminalRecordLength>;
+
+TerminalRecord BlankTerminalRecord();
+TerminalBytes EncodeTerminalRecord(const TerminalRecord& record);
+TerminalRecord DecodeTerminalRecord(const TerminalBytes& bytes);
+
+// Opens the list, making it (after a question, unless automatic configuration runs) and growing it with blank
+// records to NumberTerminals. True when the caller may go on, which includes No to the question: the list is
+// then not open. False on Cancel, without system settings or workstations, and when the file cannot be
+// opened.
+bool OpenTerminalList();
+void CloseTerminalList();
+bool TerminalListIsOpen();
+
+// Full path of the list.
+QString TerminalListPath();
+
+// One record. A number beyond the end of the file, or any failure, gives the blank record.
+TerminalRecord ReadTerminal(int id);
+// FileError number; BadFileNumber while the list is closed, and for a number below 1 or above
+// NumberTerminals.
+int WriteTerminal(int id, const TerminalRecord& record);
+
+// The records of numbers 1 to NumberTerminals; entry 0 is number 1.
+QList<TerminalRecord> ReadTerminals();
+
+// Opens the list and reads the record of this workstation's number, if that is 1 or more, into the record
+// that OwnTerminalRecord gives.
+void ReadOwnTerminalRecord();
+const TerminalRecord& OwnTerminalRecord();
+
+// The number that the setup form's rule or automatic configuration picks for a computer: the one whose
+// network name is that name, without regard to case; else the first without a network name; else 1. The list
+// is open.
+int TerminalForComputer(const QString& computerName);
+
+// Writes every record from 1 to NumberTerminals: its name from `idNames` (entry 0 is number 1; where the list
+// is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that name.
+// The list is open. FileError number of the first failure, which ends it.
+int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName);
+
+// Gives a number another name. FileError number.
+int RenameTerminal(int id, const QString& name);
+
+// Puts this computer and the present time on the record of this workstation's number, and opens the list
+// again. False when there is no such number or the record cannot be written.
+bool StampOwnTerminalRecord();
+
+// Closes the list and forgets the own record: the state at start.
+void ResetTerminalList();
+
+} // namespace tolvex

@@ -1,0 +1,38 @@
+// A clock of a test's own: stands still until the test or a wait moves it. Installed for its life.
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/Prompts.h"
+
+namespace tolvex::tests {
+
+class FixedClock : public platform::Clock {
+public:
+    explicit FixedClock(const QDateTime& start)
+        : time(start)
+        , before_(platform::setClock(this)) {}
+    ~FixedClock() override { platform::setClock(before_); }
+    FixedClock(const FixedClock&) = delete;
+    FixedClock& operator=(const FixedClock&) = delete;
+
+    QDateTime time;
+    bool maySet = true;
+    double slept = 0; // seconds, in all
+
+    QDateTime now() const override { return time; }
+    void sleep(double seconds) override {
+        slept += seconds;
+        time = time.addMSecs(qRound64(seconds * 1000));
+        platform::prompts().processEvents();
+    }
+    bool set(const QDateTime& value) override {
+        if (maySet)
+            time = value;
+        return maySet;
+    }
+
+private:
+    platform::Clock* before_;
+};
+
+} // namespace tolvex::tests
