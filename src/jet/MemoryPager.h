@@ -2,7 +2,7 @@
 // tests.
 #pragma once
 
-#include "jet/Pager.h"
+#include "jet/UsageMap.h"
 #include "jet/Value.h"
 
 #include <array>
@@ -17,6 +17,8 @@ public:
     explicit MemoryPager(PageNumber pages = 1);
     // A database image, a whole number of pages: its own map of free pages serves allocate() and release().
     explicit MemoryPager(const Bytes& image);
+    MemoryPager(const MemoryPager&) = delete;
+    MemoryPager& operator=(const MemoryPager&) = delete;
 
     const std::uint8_t* read(PageNumber page) override;
     std::uint8_t* edit(PageNumber page) override;
@@ -34,6 +36,7 @@ private:
     std::vector<std::unique_ptr<Page>> pages_;
     std::vector<PageNumber> released_;
     bool mapped_ = false; // the image has a map of free pages
+    FreeMap free_{*this, {1, 0}};
 };
 
 } // namespace jet
