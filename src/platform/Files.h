@@ -20,8 +20,10 @@ enum FileError : int {
     FileAlreadyOpen = 55,
     DeviceIoError = 57,
     FileAlreadyExists = 58,
+    BadRecordLength = 59,
     DiskFull = 61,
     PastEndOfFile = 62,
+    BadRecordNumber = 63,
     PermissionDenied = 70,
     DiskNotReady = 71,
     PathFileAccess = 75,
@@ -61,24 +63,32 @@ int AppendToFile(const QString& path, const QByteArray& bytes);
 
 // A file of fixed records, numbered from 1, shared for reading and writing with other programs and changed in
 // place. Not copyable; closes with its life.
+//
+// Errors of all calls: FileNotFound when the file was removed or replaced by another one after it was opened,
+// DeviceIoError when its disk or share failed, BadRecordNumber below 1.
 class RecordFile {
 public:
-    // The open file, or null with the FileError in *error. `create` makes a missing one. A file that cannot
-    // be opened for writing is opened for reading only (writable() says so).
+    // The open file, or null with the FileError in *error: BadRecordLength for a length below 1,
+    // PathFileAccess for what is no file. `create` makes a missing one. A file that cannot be opened for
+    // writing is opened for reading only (writable() says so).
     static std::unique_ptr<RecordFile> open(const QString& path, int recordLength, bool create,
                                             int* error = nullptr);
     virtual ~RecordFile() = default;
 
     virtual bool writable() const = 0;
-    // Whole records in the file as it is now; a rest shorter than a record does not count.
+    // Whole records in the file as it is now; a rest shorter than a record does not count. 0 for a file that
+    // is gone.
     virtual qint64 count() const = 0;
-    // Exactly one record. FileError number: PastEndOfFile beyond the last whole record (`record` is then
-    // untouched). Sees what other programs wrote meanwhile. No system call in the common case: records come
-    // from pages of the file shared with every other program that has it open.
+    // Exactly one record. FileError: PastEndOfFile beyond the last whole record. On an error `record` is
+    // untouched. Sees at once what other programs of this machine wrote, and on a share, within a quarter of
+    // a second, what other machines did. No system call in the common case: records come from pages of the
+    // file shared with every other program that has it open, checked against the disk ten times a second.
     virtual int read(qint64 number, char* record) = 0;
-    // Writes exactly one record, growing the file when `number` is count() + 1 or more.
+    // Writes exactly one record, growing the file when `number` is count() + 1 or more; records between are
+    // zeros. PathFileAccess when the file is open for reading only. A record that does not fit on the disk
+    // leaves the file as long as it was.
     virtual int write(qint64 number, const char* record) = 0;
-    // Appends `copies` equal records in as few writes as possible.
+    // Appends `copies` equal records in as few writes as possible, all or none.
     virtual int append(const QByteArray& record, qint64 copies) = 0;
 };
 
