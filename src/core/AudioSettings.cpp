@@ -1,8 +1,7 @@
 // The rows about cart players, audio and the look of carts, with their registry forms, and those of
 // Audwall.ini.
+#include "core/PathNames.h"
 #include "core/SettingRowBuilders.h"
-
-#include "platform/Paths.h"
 
 namespace tolvex {
 
@@ -51,9 +50,11 @@ std::optional<QString> soundCardNumber(const Settings& values, int index) {
     return QString::number(values.CartPlayerTable[index].Device);
 }
 
-// Older programs of the suite start the editor by its short path.
+// Older programs of the suite start the editor by its short path. The platform has none for a program that is
+// not there at the moment (a drive that is not connected); the full one then stands, so that nothing is lost.
 std::optional<QString> sampleEditor(const Settings& values, int) {
-    return platform::ShortPath(values.AudioEditor);
+    const QString shortPath = MakeShortPath(values.AudioEditor);
+    return shortPath.isEmpty() ? values.AudioEditor : shortPath;
 }
 
 constexpr SettingRow playerAssignment[] = {

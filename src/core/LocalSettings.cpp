@@ -1,4 +1,5 @@
 // The rows of the local and system ini files that are not about audio.
+#include "core/PathNames.h"
 #include "core/SettingRowBuilders.h"
 
 namespace tolvex {
@@ -15,10 +16,7 @@ SettingRef jumpButton(Settings& values, int index) {
 }
 
 QString dataFolder(const Settings& values, const char* name) {
-    QString folder = values.DataLocation;
-    if (folder.endsWith(u'\\'))
-        folder.chop(1);
-    return folder + QLatin1String(name);
+    return WithoutTrailingBackslash(values.DataLocation) + QLatin1String(name);
 }
 
 std::optional<QString> schedules(const Settings& values, int) {

@@ -9,8 +9,9 @@ namespace tolvex {
 using platform::LocalMachineHive;
 
 // Keys of the suite, in the local machine hive.
-inline constexpr char16_t TolvexKey[] = u"SOFTWARE\\Norvane\\Tolvex";      // options of this program
-inline constexpr char16_t TolvexV2Key[] = u"Software\\Norvane\\Tolvex v2"; // settings without an ini file
+inline const QString TolvexKey = QStringLiteral("SOFTWARE\\Norvane\\Tolvex"); // options of this program
+inline const QString TolvexV2Key =
+    QStringLiteral("Software\\Norvane\\Tolvex v2"); // settings without an ini file
 
 // The text up to its first zero character; `fallback` when the value is missing or is no text (type 1).
 QString ReadRegistryString(quint32 hive, const QString& key, const QString& name, const QString& fallback);

@@ -2,6 +2,7 @@
 
 #include "core/Dates.h"
 #include "core/Numbers.h"
+#include "core/PathNames.h"
 #include "core/Registry.h"
 #include "platform/ProfileFile.h"
 
@@ -146,10 +147,7 @@ std::optional<QString> StoredText(const SettingRow& row, int index, Settings& va
         return row.written(values, index);
     return std::visit(Overloaded{
                           [&](const QString* text) {
-                              QString stored = *text;
-                              if (row.kind == SettingKind::Path && stored.endsWith(u'\\'))
-                                  stored.chop(1);
-                              return stored;
+                              return row.kind == SettingKind::Path ? WithoutTrailingBackslash(*text) : *text;
                           },
                           [](const double* date) { return DateText(FromSerialDate(*date)); },
                           [](const auto* number) { return QString::number(*number); },

@@ -1,0 +1,17 @@
+// Whether the data access components that the suite's databases need are usable.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// True when a version of at least 2.5 is installed; *version gets it, and is empty otherwise. With
+// `showMessages` the user is told what is missing; for a version too old the download page is opened in any
+// case.
+bool CheckDataEngine(bool showMessages, QString* version = nullptr);
+
+// This program brings its own engine where the platform has none: says so in the place that CheckDataEngine
+// looks at, unless a version stands there already. Call it once, at start, off Windows.
+void RegisterDataEngine();
+
+} // namespace tolvex

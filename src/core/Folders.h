@@ -1,0 +1,35 @@
+// Folders and files by Windows path, as every part of the system tests for them and makes them.
+#pragma once
+
+#include "platform/FileCopy.h"
+
+#include <QString>
+
+namespace tolvex {
+
+using platform::CopyFileWithProgress;
+
+// Whether a folder (or a file of that name) is there. A share without a folder behind it and a bare drive get
+// their trailing backslash first. Empty paths and errors are false.
+bool DirectoryExists(const QString& path);
+
+// Makes a folder with all of its parents (of a share, the one folder only); true when it is there afterwards.
+// Says what went wrong unless `quiet`. The current drive and folder stay as they are.
+bool CreatePath(const QString& path, bool quiet = false);
+
+// Length of a file in bytes, -1 when it cannot be read. A file counts as present when this is above 0.
+qint64 FileLength(const QString& path);
+
+// The folder picker, starting at `start`; empty on Cancel. A root loses its backslash ("C:").
+QString BrowseForFolder(const QString& prompt, const QString& start);
+
+// A free file name in `folder` (the temporary folder when empty): up to three characters of `prefix`,
+// upper-cased without blanks, four digits, the extension. No file of that name is there. Empty, after a stop
+// box, when there is no such folder.
+QString TempFileName(const QString& folder, const QString& prefix, const QString& extension = {});
+
+// Makes the folders of a data location that are missing: USERS, SCHEDULE, Logs, Commands, Scripts. Nothing
+// for an empty path; stops when USERS cannot be made.
+void CreateDataDirectories(const QString& path);
+
+} // namespace tolvex

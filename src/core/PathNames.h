@@ -1,0 +1,23 @@
+// Parts of a path; "\" and "/" separate alike.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// The part behind the last separator; the whole path when it has none.
+QString FileNameOf(const QString& path);
+
+// The text before the last point, if no separator follows it; else the whole path.
+QString PathWithoutExtension(const QString& path);
+
+// The text before the last separator, with it where `keepSeparator` is set; empty when there is none.
+QString FolderOf(const QString& path, bool keepSeparator = false);
+
+// The platform's short form of a path, at most 1023 characters; empty when the path does not exist.
+QString MakeShortPath(const QString& path);
+
+// The text without one trailing backslash.
+QString WithoutTrailingBackslash(QString path);
+
+} // namespace tolvex

@@ -1,0 +1,30 @@
+// Text helpers.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+enum class CharacterClass {
+    Digits = 1,
+    DigitsAndLetters = 2,
+    Letters = 3,
+    DigitsLettersBlank = 4,
+    DigitsBlank = 5,
+};
+
+// Whether every character belongs to the class; letters are A to Z and a to z. An unknown class passes
+// everything.
+bool ValidateCharacters(const QString& text, CharacterClass allowed);
+
+// The field of `text` that begins at `start` (from 1) and runs to the next separator. With `skipLeading` it
+// begins at the first character from there that is no blank. *position gets the separator's position, or 0
+// when the text ended first. With `trim` the field is trimmed. Empty when nothing is left to read.
+QString TextField(const QString& text, qsizetype start, QChar separator, qsizetype* position = nullptr,
+                  bool trim = true, bool skipLeading = false);
+
+// The value of a switch of the command line: the text behind its first match up to the next blank, trimmed.
+// Null when the switch is not there. Switches are upper-case, as the command line is.
+QString SwitchValue(const QString& commandLine, const QString& name);
+
+} // namespace tolvex
