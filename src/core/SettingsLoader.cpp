@@ -142,17 +142,20 @@ void SizeJumpCartButtons(Settings& values) {
     values.JumpCartButtons.resize(HigherOf<qsizetype>(0, values.NumberCartJumpButtons));
 }
 
+QString MemberText(const SettingRow& row, int index, Settings& values) {
+    return std::visit(
+        Overloaded{
+            [&](const QString* text) {
+                return row.kind == SettingKind::Path ? WithoutTrailingBackslash(*text) : *text;
+            },
+            [](const double* date) { return *date > 0 ? DateText(FromSerialDate(*date)) : QString(); },
+            [](const auto* number) { return QString::number(*number); },
+        },
+        row.at(values, index));
+}
+
 std::optional<QString> StoredText(const SettingRow& row, int index, Settings& values) {
-    if (row.written)
-        return row.written(values, index);
-    return std::visit(Overloaded{
-                          [&](const QString* text) {
-                              return row.kind == SettingKind::Path ? WithoutTrailingBackslash(*text) : *text;
-                          },
-                          [](const double* date) { return DateText(FromSerialDate(*date)); },
-                          [](const auto* number) { return QString::number(*number); },
-                      },
-                      row.at(values, index));
+    return row.written ? row.written(values, index) : MemberText(row, index, values);
 }
 
 QString DefaultText(const SettingRow& row, int index, const Settings& values) {

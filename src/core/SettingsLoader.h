@@ -25,6 +25,10 @@ void LoadRows(SettingRows rows, const SettingSource& source, Settings& values = 
 // Sizes JumpCartButtons by NumberCartJumpButtons, keeping its content.
 void SizeJumpCartButtons(Settings& values = settings());
 
+// The text of an entry's member as its kind is written; a date that was never set is empty. The row is one
+// that is read.
+QString MemberText(const SettingRow& row, int index, Settings& values = settings());
+
 // The text that saving writes for an entry; nothing when the key is to be removed.
 std::optional<QString> StoredText(const SettingRow& row, int index, Settings& values = settings());
 

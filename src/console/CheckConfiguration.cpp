@@ -1,0 +1,85 @@
+#include "console/CheckConfiguration.h"
+
+#include "audio/CartStore.h"
+#include "core/Folders.h"
+#include "core/Numbers.h"
+#include "core/SettingsLoader.h"
+
+namespace tolvex {
+
+namespace {
+
+// Number of the last part that carts are in.
+int lastPart() {
+    return HeldBetween(PartOfCart(settings().NoCarts), 0, CartPartCount);
+}
+
+int unsetLocations() {
+    int count = 0;
+    for (int part = 1; part <= lastPart(); ++part)
+        count += settings().CartPartTable[part].Location.trimmed().isEmpty();
+    return count;
+}
+
+void noteState(const QString& location, CartPartState state) {
+    for (CartPart& part : settings().CartPartTable)
+        if (part.Location == location)
+            part.State = state;
+}
+
+int missingLocations() {
+    int count = 0;
+    for (int number = 1; number <= lastPart(); ++number) {
+        const CartPart& part = settings().CartPartTable[number];
+        if (part.State == NotChecked)
+            noteState(part.Location, DirectoryExists(part.Location) ? Available : Unavailable);
+        count += part.State == Unavailable;
+    }
+    return count;
+}
+
+QString stateWord(const CartPart& part, bool needed) {
+    if (part.Location.trimmed().isEmpty())
+        return needed ? QStringLiteral("not set") : QStringLiteral("not needed");
+    return DirectoryExists(part.Location) ? QStringLiteral("available") : QStringLiteral("missing");
+}
+
+} // namespace
+
+QString CheckConfiguration() {
+    const Settings& values = settings();
+    QStringList lines;
+    if (!DirectoryExists(values.DataLocation))
+        lines << QStringLiteral("The Data Location could not be found");
+    if (values.DataLocation.trimmed().isEmpty())
+        lines << QStringLiteral("The Data Location has not been set");
+    if (const int count = unsetLocations(); count > 0)
+        lines << QString::number(count) + QStringLiteral(" AudioWall Location/s have not been set");
+    if (const int count = missingLocations(); count > 0)
+        lines << QString::number(count) + QStringLiteral(" AudioWall Location/s could not be found");
+    if (values.LinkMeshId < 1)
+        lines << QStringLiteral("LinkMesh ID No has not been set");
+    if (values.KHz == 0 || values.Channels == 0 || values.Format == 0)
+        lines << QStringLiteral("the Default Audio Format has not been set");
+    return lines.isEmpty() ? QString() : u'\n' + lines.join(u'\n');
+}
+
+ConfigurationStatus LookAtConfiguration() {
+    Settings& values = settings();
+    LoadRows(ConfigNameRows, {values.LocalIniFile});
+    ConfigurationStatus status;
+    status.localIni = values.LocalIniFile;
+    status.configName = values.ConfigName.trimmed();
+    status.systemIni = values.SystemIniFile;
+    status.dataLocation = values.DataLocation;
+    status.linkMeshId = values.LinkMeshId;
+    status.cartPlayers = values.TotalNumberCartPlayers;
+    status.missing = CheckConfiguration().split(u'\n', Qt::SkipEmptyParts);
+    for (int number = 1; number <= CartPartCount; ++number) {
+        const CartPart& part = values.CartPartTable[number];
+        status.locations.append({number, part.Location, stateWord(part, number <= lastPart())});
+    }
+    return status;
+}
+
+} // namespace tolvex

@@ -1,0 +1,27 @@
+// Filling the global settings from the files of this workstation and of the station. A missing file or key is
+// not reported: its default stands.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// The local ini file, with what belongs to the audiowall (LoadAudioSettings). False when the user cancelled
+// the choice of the file.
+bool LoadLocalSettings();
+
+// Section AudioWall.
+void LoadAudioWallDisplaySettings(const QString& iniFile);
+
+// How control is passed between studios: section KOVA.
+void LoadAutomationControlSettings(const QString& iniFile);
+
+// The system ini file, in the data location unless another one was named. Without its folder LastOneWas
+// becomes -1. Always true.
+bool LoadSystemSettings();
+
+// Everything: local settings, missing folders of the data location, system settings, update notice, Terminal
+// list, hotlist. Stops early where the user cancels and without a data location; the wait pointer then stays.
+void LoadAllSettings();
+
+} // namespace tolvex

@@ -1,0 +1,155 @@
+#include "console/StartUp.h"
+
+#include "console/ScreenFacts.h"
+#include "core/Numbers.h"
+#include "core/Registry.h"
+#include "core/Settings.h"
+#include "core/TextFields.h"
+#include "platform/Machine.h"
+#include "platform/Prompts.h"
+
+#include <numeric>
+
+namespace tolvex {
+
+namespace {
+
+struct StartUpState {
+    QString typedCommandLine;
+    QString localIni;
+    QString systemIni;
+    bool iniFileChosen = false;
+};
+StartUpState state;
+
+struct LogSource {
+    const char* shortName;
+    const char* name;
+};
+// By log item type; the types above have no name.
+constexpr LogSource logSources[] = {
+    {"Srce", "Source"},    {"Time", "Ab. Time"},   {"Cart", "Cart"},        {"Link", "R. Link"},
+    {"Ad", "Ad. Break"},   {"Hdwr", "Hardware"},   {"RWF", "R.W. Frame"},   {"Song", "Rotaweave"},
+    {"Text", "Text Msg"},  {"ST", "S Tailor"},     {"----", "<Empty>"},     {"CMD", "Command"},
+    {"S.Ct", "Spl. Cart"}, {"S.Gr", "Spl. Group"}, {"S.Ad", "Spl. Advert"},
+};
+
+void fillLogSources() {
+    settings().LogSourceShortNames.fill({});
+    settings().LogSourceNames.fill({});
+    for (std::size_t type = 0; type < std::size(logSources); ++type) {
+        settings().LogSourceShortNames.at(type) = QLatin1String(logSources[type].shortName);
+        settings().LogSourceNames.at(type) = QLatin1String(logSources[type].name);
+    }
+}
+
+void warnOfLowScreen() {
+    constexpr int lowestHeight = 600;
+    const QString name = QStringLiteral("LowDisplayResWarning");
+    const ScreenFacts& screen = screenFacts();
+    if (screen.PrimaryHeight >= lowestHeight || ReadRegistryLong(LocalMachineHive, TolvexV2Key, name, 0) != 0)
+        return;
+    platform::Message message;
+    message.text = QStringLiteral(
+        "Tolvex Configuration is designed to work with a minimum screen resolution of 800x600.\n\n"
+        "Your screen is set smaller than this, so some graphics will not appear correctly.\n\n"
+        "Norvane supports Tolvex Configuration only at a resolution of 800x600 or higher; ask "
+        "support@norvane.example for more information.");
+    message.icon = platform::Icon::Exclamation;
+    platform::prompts().ask(message);
+    WriteRegistryLong(LocalMachineHive, TolvexV2Key, name, 1, 0);
+}
+
+// Several screens are told apart on the versions that were tried with them, and on no later one.
+bool knowsSeveralMonitors(const platform::SystemVersion& version) {
+    return version.platform == 1 ? version.minor == 10 : version.platform == 2 && version.major == 5;
+}
+
+qint32 twips(int pixels, double twipsPerPixel) {
+    return ToLong(pixels * twipsPerPixel);
+}
+
+void measureScreens() {
+    Settings& values = settings();
+    const ScreenFacts& screen = screenFacts();
+    int width = screen.PrimaryWidth;
+    values.MonitorCount = 1;
+    if (values.MultiMonitorAllowed) {
+        const QList<int>& monitors = screen.MonitorWidths;
+        values.MonitorCount = static_cast<qint16>(monitors.size());
+        // A window that spans more than two screens helps nobody.
+        width = monitors.size() < 3 ? screen.DesktopWidth : monitors[0] + monitors[1];
+    }
+    values.ScreenWidthTwips = twips(width, screen.TwipsPerPixelX);
+    // Whatever the screens' heights: no window reaches below the primary screen's work area.
+    values.ScreenHeightTwips = twips(screen.WorkAreaBottom, screen.TwipsPerPixelY);
+}
+
+} // namespace
+
+ScreenFacts& screenFacts() {
+    static ScreenFacts facts;
+    return facts;
+}
+
+void SetTypedCommandLine(const QString& commandLine) {
+    state.typedCommandLine = commandLine;
+}
+
+void SetIniFiles(const QString& localIni, const QString& systemIni) {
+    state.localIni = localIni;
+    state.systemIni = systemIni;
+}
+
+QString RunByProgram() {
+    const QString name = QStringLiteral("/RUNBY=");
+    const qsizetype found = state.typedCommandLine.indexOf(name, 0, Qt::CaseInsensitive);
+    return found < 0 ? QString() : state.typedCommandLine.mid(found + name.size()).trimmed();
+}
+
+QString NamedSystemIniFile() {
+    return state.systemIni.isEmpty() ? SwitchValue(settings().CommandLine, QStringLiteral("/SI:"))
+                                     : state.systemIni;
+}
+
+bool ChooseLocalIniFile() {
+    QString& iniFile = settings().LocalIniFile;
+    iniFile = QStringLiteral("TOLVEX.INI");
+    const QString named = state.localIni.isEmpty()
+                              ? SwitchValue(settings().CommandLine, QStringLiteral("/LI:"))
+                              : state.localIni;
+    if (!named.isNull()) {
+        iniFile = named;
+        return true;
+    }
+    if (ReadRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("MultiConfigFile"), 0) == 0)
+        return true;
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    iniFile = platform::prompts().chooseConfigurationSet(TolvexKey, QStringLiteral("tolvex.ini"));
+    return !iniFile.isEmpty();
+}
+
+bool InitialiseProgram() {
+    Settings& values = settings();
+    values.CommandLine = u' ' + state.typedCommandLine.toUpper();
+    if (!state.iniFileChosen && !ChooseLocalIniFile())
+        return false;
+    state.iniFileChosen = true;
+    if (values.DebugLevel == 0 && values.CommandLine.contains(QLatin1String("/DEBUG")))
+        values.DebugLevel = -1;
+    values.OSVersion = platform::OperatingSystem();
+    warnOfLowScreen();
+    const bool severalMonitors = !values.CommandLine.contains(QLatin1String("/NOMULTIMONITOR")) &&
+                                 knowsSeveralMonitors(values.OSVersion);
+    values.MultiMonitorAllowed = severalMonitors ? -1 : 0;
+    measureScreens();
+    fillLogSources();
+    return true;
+}
+
+void ResetStartUp() {
+    state = StartUpState{};
+    screenFacts() = ScreenFacts{};
+}
+
+} // namespace tolvex
