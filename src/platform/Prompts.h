@@ -68,7 +68,8 @@ public:
     // Colours are blue-green-red integers.
     virtual std::optional<qint32> pickColour(qint32 initial) = 0;
     virtual std::optional<WaveFormat> pickWaveFormat(const WaveFormat& initial) = 0;
-    // Lets the user choose printer, copies and range; false on Cancel. Where there are no windows nobody prints.
+    // Lets the user choose printer, copies and range; false on Cancel. Where there are no windows nobody
+    // prints.
     virtual bool pickPrinter(QPrinter& /*printer*/, bool /*withSelection*/) { return false; }
     virtual std::unique_ptr<Progress> beginProgress(const QString& title, bool canStop) = 0;
 

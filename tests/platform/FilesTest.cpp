@@ -1,8 +1,8 @@
 // Files by Windows path: what a failure leaves behind, and what it is called.
 #include "platform/FileCopy.h"
 #include "platform/HostFiles.h"
-#include "platform/Prompts.h"
 #include "support/MachineFolder.h"
+#include "support/ScriptedPrompts.h"
 
 #include <gtest/gtest.h>
 
@@ -186,69 +186,21 @@ TEST_F(Files, AreCopiedWithTheirTimeAllOrNothing) {
     EXPECT_EQ(FileModified("C:\\Old.ini"), time);
 }
 
-namespace {
-
-// Answers one question with `answer` and stops progress at once where `stops`.
-class CopyPrompts : public Prompts {
-public:
-    Answer ask(const Message& message) override {
-        question = message.text;
-        return answer;
-    }
-    std::unique_ptr<Progress> beginProgress(const QString& title, bool canStop) override {
-        class Stopping : public Progress {
-        public:
-            explicit Stopping(bool stops)
-                : stops_(stops) {}
-            bool step(qint64, qint64, const QString&) override { return !stops_; }
-
-        private:
-            bool stops_;
-        };
-        EXPECT_TRUE(canStop);
-        progressTitle = title;
-        return std::make_unique<Stopping>(stops);
-    }
-    std::optional<QString> pickFile(const FileQuestion&) override { return {}; }
-    std::optional<QString> pickFolder(const QString&, const QString&) override { return {}; }
-    std::optional<QString> askText(const QString&, const QString&, const QString&) override { return {}; }
-    std::optional<qint32> pickColour(qint32) override { return {}; }
-    std::optional<WaveFormat> pickWaveFormat(const WaveFormat&) override { return {}; }
-    Pointer pointer() const override { return Pointer::Default; }
-    void setPointer(Pointer) override {}
-    void splash(const QString&) override {}
-    void hideSplash() override {}
-    void showUpdateNotice(const QString&, const QString&) override {}
-    QString chooseConfigurationSet(const QString&, const QString&) override { return {}; }
-    void openAddress(const QString&) override {}
-    void processEvents() override {}
-
-    Answer answer = Answer::No;
-    bool stops = false;
-    QString question;
-    QString progressTitle;
-};
-
-} // namespace
-
 TEST_F(Files, AreCopiedAsTheShellDoesIt) {
-    CopyPrompts shell;
-    Prompts* before = setPrompts(&shell);
+    tolvex::tests::ScriptedPrompts shell;
     machine.write("C:\\a.ini", "a");
     EXPECT_EQ(
         CopyFileWithProgress("C:\\A.INI", "C:\\New\\Deep\\b.ini", "Copying Configuration", false, false), 0);
-    EXPECT_EQ(shell.progressTitle, "Copying Configuration");
-    EXPECT_EQ(shell.question, QString());
+    EXPECT_EQ(shell.progressTitles, QStringList("Copying Configuration"));
     EXPECT_EQ(machine.read("C:\\New\\Deep\\b.ini"), "a");
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\New", "", true, true), 0);
     EXPECT_EQ(machine.read("C:\\New\\a.ini"), "a");
 
     machine.write("C:\\b.ini", "b");
+    shell.answers = {Answer::No, Answer::Yes, Answer::Yes};
+    shell.progressGoesOn = {false};
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\b.ini", "", false, true), ShellCancelled);
-    EXPECT_TRUE(shell.question.contains("C:\\b.ini"));
-    EXPECT_EQ(machine.read("C:\\b.ini"), "b");
-    shell.stops = true;
-    shell.answer = Answer::Yes;
+    EXPECT_TRUE(shell.texts().value(0).contains("C:\\b.ini"));
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\b.ini", "", false, false), ShellCancelled);
     EXPECT_EQ(machine.read("C:\\b.ini"), "b");
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\b.ini", "", false, true), 0);
@@ -258,5 +210,4 @@ TEST_F(Files, AreCopiedAsTheShellDoesIt) {
     EXPECT_EQ(CopyFileWithProgress("C:\\New", "C:\\x", "", true, true), 5);
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\b.ini\\x", "", true, true), 3);
     EXPECT_EQ(CopyFileWithProgress("C:\\a.ini", "C:\\*.ini", "", true, true), 123);
-    setPrompts(before);
 }

@@ -1,0 +1,102 @@
+#include "platform/Processes.h"
+
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/Prompts.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace tolvex::platform {
+
+namespace {
+
+// Longest time, in milliseconds, that a wait leaves the events alone, whatever step is asked for.
+constexpr int longestRest = 20;
+
+// The host path of a program: a path as it stands; a bare name in the folders the platform searches, then on
+// the host's own search path; each also with ".exe" behind. Empty when there is none.
+QString findProgram(const QString& program) {
+    for (const QString& name : {program, program + QStringLiteral(".exe")}) {
+        if (name.contains(u'\\') || name.contains(u'/') || name.contains(u':')) {
+            if (FileExists(name))
+                return HostPath(name);
+            continue;
+        }
+        for (const QString& folder : {ApplicationFolder(), CurrentFolder(), SystemFolder(), WindowsFolder()})
+            if (const QString path = folder + u'\\' + name; FileExists(path))
+                return HostPath(path);
+        if (const QString onPath = QStandardPaths::findExecutable(name); !onPath.isEmpty())
+            return onPath;
+    }
+    return {};
+}
+
+bool isWindowsProgram(const QString& hostPath) {
+    QFile file(hostPath);
+    return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
+}
+
+// The parts of the process that are the same however it is waited for.
+void prepare(QProcess& process, const QString& hostPath, const QString& arguments) {
+    process.setProgram(hostPath);
+    process.setArguments(QProcess::splitCommand(arguments));
+    process.setWorkingDirectory(HostPath(CurrentFolder()));
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    // Programs of the suite are to find the machine that this one works on.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TOLVEX_HOME"), MachineFolder());
+    process.setProcessEnvironment(environment);
+    // Nothing that a library of ours holds open is any business of another program.
+    ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+    // It outlives our terminal; a detached one does so anyway.
+    process.setChildProcessModifier([] { ::setsid(); });
+}
+
+} // namespace
+
+bool StartProcess(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
+                  QString* why) {
+    QString name = program.trimmed();
+    if (name.size() >= 2 && name.startsWith(u'"') && name.endsWith(u'"'))
+        name = name.mid(1, name.size() - 2);
+    const auto fail = [&](const QString& reason) {
+        if (why)
+            *why = QStringLiteral("\"%1\" %2.").arg(name, reason);
+        return false;
+    };
+    const QString hostPath = findProgram(name);
+    if (name.isEmpty() || hostPath.isEmpty())
+        return fail(QStringLiteral("was not found"));
+
+    QProcess process;
+    prepare(process, hostPath, arguments);
+    const bool waits = wait == ProcessWait::End || wait == ProcessWait::IdleThenEnd;
+    bool started = false;
+    if (waits) {
+        process.start();
+        started = process.waitForStarted(-1);
+    } else {
+        started = process.startDetached();
+    }
+    if (!started) {
+        if (isWindowsProgram(hostPath))
+            return fail(
+                QStringLiteral("is a Windows program, and nothing on this system is registered to run it"));
+        if (::access(hostPath.toUtf8().constData(), X_OK) != 0)
+            return fail(QStringLiteral("may not be run as a program"));
+        return fail(QStringLiteral("could not be started"));
+    }
+    while (waits && !process.waitForFinished(std::clamp(stepMilliseconds, 1, longestRest)) &&
+           process.state() != QProcess::NotRunning)
+        prompts().processEvents();
+    return true;
+}
+
+} // namespace tolvex::platform
