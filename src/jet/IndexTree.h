@@ -1,0 +1,112 @@
+// A tree of index entries on pages. An entry is a key (KeyEncoding.h) and the pointer of a row; entries are
+// ordered by their bytes, the pointer being part of them, so all are different although keys may be equal.
+//
+// A tree object holds no state but where the tree lies: every call starts from the root as it is on its page,
+// so several objects on one tree, and a rollback of the pager, do no harm. Pages are checked as they are met;
+// a page that does not hold what it should throws ReadVerification.
+#pragma once
+
+#include "jet/UsageMap.h"
+#include "jet/Value.h"
+
+#include <span>
+
+namespace jet {
+
+using KeyView = std::span<const std::uint8_t>;
+
+class IndexTree {
+public:
+    // `root`: the page that stays the root for life. `table`: the table's definition page, which every page
+    // of the tree names. `pages`: the map of the tree's pages.
+    IndexTree(Pager& pager, PageNumber root, PageNumber table, UsageMap pages)
+        : pager_(&pager)
+        , root_(root)
+        , table_(table)
+        , pages_(pages) {}
+
+    Pager& pager() const { return *pager_; }
+    PageNumber root() const { return root_; }
+    PageNumber table() const { return table_; }
+    const UsageMap& pages() const { return pages_; }
+
+    // Makes an empty tree: the root is written as an empty leaf and put into the map.
+    void create();
+    // Takes all entries out; the root stays. Every page of the map but the root is freed, so that this
+    // repairs a damaged tree, too.
+    void clear();
+    // Frees every page of the map, the root included: the end of the tree.
+    void destroy();
+
+    // Whether some entry has exactly this key. Cost: one page for each level.
+    bool contains(KeyView key) const;
+    // Whether an entry with this key belongs to another row than this one.
+    bool containsOther(KeyView key, RowPointer row) const;
+
+    // Adds an entry. Uniqueness is the caller's affair; an entry that is there already throws
+    // ReadVerification. Throws RecordTooLarge for a key above MaximumKeyLength. Cost: one page for each
+    // level, of which only the leaf is changed, in place, unless it has to be split.
+    void insert(KeyView key, RowPointer row);
+    // Takes an entry out; false if there is no such entry. Same cost.
+    bool remove(KeyView key, RowPointer row);
+
+private:
+    friend class IndexCursor;
+    friend class IndexBuilder;
+
+    Pager* pager_;
+    PageNumber root_;
+    PageNumber table_;
+    UsageMap pages_;
+};
+
+// A place among the entries of a tree. It holds a copy of its entry and finds its place again when the tree
+// was changed meanwhile, by whom ever: next() after the entry was removed goes to the one that followed it.
+// No memory is taken for a step once the longest key was met.
+class IndexCursor {
+public:
+    explicit IndexCursor(const IndexTree& tree)
+        : tree_(tree) {}
+
+    // Each goes to an entry and says whether there is one; if not, the cursor has no entry.
+    bool first();
+    bool last();
+    // The first entry whose key is not below `key`; with a key of leading columns: the first that begins with
+    // it or comes behind.
+    bool seekFrom(KeyView key);
+    // The first entry whose key is above `key` and does not begin with it.
+    bool seekPast(KeyView key);
+    // The last entry whose key is below `key`, and the last one that is below it or begins with it.
+    bool seekBefore(KeyView key);
+    bool seekUpTo(KeyView key);
+    // To exactly this entry, or if there is none, between its neighbours (gives false): next() and previous()
+    // go on from there, key() and row() are as given.
+    bool seekEntry(KeyView key, RowPointer row);
+
+    // To the neighbour. Without an entry they give false, and nothing moves. From the last (first) entry they
+    // give false, and the cursor has no entry any more.
+    bool next();
+    bool previous();
+
+    bool valid() const { return valid_; }
+    // Of the entry; until the next move.
+    KeyView key() const { return {entry_.data(), entry_.size() - 4}; }
+    RowPointer row() const;
+    // Whether the entry's key begins with these bytes.
+    bool matches(KeyView key) const;
+
+private:
+    bool take(const std::uint8_t* page, int offset);
+    bool seek(KeyView target, bool past);
+    bool stillThere();
+    bool forward(PageNumber page, int offset);
+    bool backward(PageNumber page, int offset);
+
+    IndexTree tree_;
+    Bytes entry_; // key and row pointer
+    PageNumber page_ = 0;
+    int offset_ = 0; // where the entry lies on its page
+    bool valid_ = false;
+};
+
+} // namespace jet
