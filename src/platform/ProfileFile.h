@@ -22,6 +22,7 @@ enum ProfileError : int {
     ProfileSharingViolation = 32,
     ProfileDiskFull = 112,
     ProfileInvalidName = 123,
+    ProfileDeviceError = 1117, // also: a file too long for a profile
 };
 
 // Text of a key: trimmed, one pair of enclosing quotes taken off, cut to bufferSize - 1 characters.
