@@ -13,6 +13,7 @@ enum class ErrorNumber : int {
     SearchKeyNotFound = 3044, // not a valid path
     CannotOpenFile = 3051,    // opened exclusively by another user, or no rights
     CannotStart = 3045,       // file already in use
+    InvalidPassword = 3031,
     DiskFull = 3026,
     DuplicateKey = 3022,
     CannotUpdateReadOnly = 3027,

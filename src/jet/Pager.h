@@ -1,5 +1,9 @@
 // Pages of one open database as the layers above see them: cached, changed inside a transaction, allocated
 // and freed. Tables, rows, long values, indexes and usage maps work on this interface and never on the file.
+//
+// Every operation that reads more than one page stands inside a Reading, every operation that changes pages
+// inside a Changing: these make it see one state of the file, and leave all of its changes or none. Both
+// nest, and cost next to nothing when nested or when the file is not shared.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +16,12 @@ using PageNumber = std::uint32_t;
 class Pager {
 public:
     virtual ~Pager() = default;
-    // The bytes of a page for reading. Valid until the next call that is not read(): copy what must live
-    // longer. Throws ReadVerification for a page beyond the end.
+    // The bytes of a page for reading. Valid until the next call that is not read(), pageCount() or
+    // version(), or until 100 other pages have been read: copy what must live longer. Throws ReadVerification
+    // for a page beyond the end.
     virtual const std::uint8_t* read(PageNumber page) = 0;
     // The bytes of a page for changing; the page belongs to the running transaction from now on. Same life as
-    // read().
+    // read(): writing through the pointer after another edit() may be lost.
     virtual std::uint8_t* edit(PageNumber page) = 0;
     // A new page, zeroed, taken from the free map or appended, and ready for edit(). The caller sets the
     // owner's map.
@@ -24,6 +29,59 @@ public:
     // Gives a page back to the free map. The caller has cleared the owner's map.
     virtual void release(PageNumber page) = 0;
     virtual PageNumber pageCount() = 0;
+    // Grows with every edit() and whenever a rollback or another program's change may have altered pages:
+    // what was worked out from pages is still true while the number is the same.
+    virtual std::uint64_t version() { return 0; }
+
+    // The brackets behind Reading and Changing.
+    virtual void beginReading() {}
+    virtual void endReading() noexcept {}
+    // `undoable`: a nested change that is rolled back is undone page by page and the outer one goes on;
+    // otherwise the outer transaction can then only be rolled back as well. Undoable ones cost a copy of each
+    // page at its first change.
+    virtual void beginChange(bool undoable) { static_cast<void>(undoable); }
+    virtual void commitChange() {}
+    virtual void rollbackChange() noexcept {}
+};
+
+// The operation in this scope sees one state of the file, the newest when it began.
+class Reading {
+public:
+    explicit Reading(Pager& pager)
+        : pager_(pager) {
+        pager_.beginReading();
+    }
+    ~Reading() { pager_.endReading(); }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+private:
+    Pager& pager_;
+};
+
+// The changes of this scope are one transaction, or join the one that runs. Without commit() they are rolled
+// back. The constructor and commit() throw (CannotUpdateReadOnly, RecordLocked, DiskFull, DiskIo).
+class Changing {
+public:
+    enum Kind { Plain, Undoable };
+    explicit Changing(Pager& pager, Kind kind = Plain)
+        : pager_(pager) {
+        pager_.beginChange(kind == Undoable);
+    }
+    ~Changing() {
+        if (!done_)
+            pager_.rollbackChange();
+    }
+    Changing(const Changing&) = delete;
+    Changing& operator=(const Changing&) = delete;
+    void commit() {
+        pager_.commitChange();
+        done_ = true;
+    }
+
+private:
+    Pager& pager_;
+    bool done_ = false;
 };
 
 } // namespace jet

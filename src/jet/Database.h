@@ -1,0 +1,69 @@
+// One open database: the face of the engine. Tables and their rows are reached through catalog().
+#pragma once
+
+#include "jet/Catalog.h"
+#include "jet/FilePager.h"
+
+namespace jet {
+
+class Database {
+public:
+    // Opens a file (Jet 4, or Jet 3 for reading). Throws FileNotFound, Unrecognised, InvalidPassword,
+    // FileLocked, CannotOpenFile.
+    static Database open(const std::string& path, const OpenOptions& options = {});
+    static Database open(Storage& storage, const std::string& path, const OpenOptions& options = {});
+    // Makes a new, empty database (General order, code page 1252) and opens it. The file appears whole and
+    // flushed or not at all. Throws DatabaseExists.
+    static Database create(const std::string& path, const OpenOptions& options = {});
+    static Database create(Storage& storage, const std::string& path, const OpenOptions& options = {});
+
+    Database(Database&&) noexcept;
+    Database& operator=(Database&&) noexcept;
+    ~Database(); // closes; errors are ignored
+
+    Catalog& catalog();
+    Pager& pager();
+    const PageZero& header() const;
+    const std::string& path() const;
+    // Empty: may be changed. Otherwise why not.
+    std::string readOnlyReason() const;
+
+    // Transactions nest: an inner rollback undoes the inner changes only. Outside of one each call that
+    // changes something is a transaction of its own. Others wait while one runs, so keep it short. Throws
+    // CannotUpdateReadOnly, RecordLocked (another program's transaction lasts too long).
+    void beginTransaction();
+    void commit();
+    void rollback();
+    int transactionDepth() const;
+
+    // Returns when everything committed so far survives a power cut.
+    void flush();
+    // Takes notice of what other programs have written since the last operation.
+    void refresh();
+    // Brings everything into the file and closes it; throws when that fails, with nothing lost.
+    void close();
+
+private:
+    struct Parts;
+    explicit Database(std::unique_ptr<Parts> parts);
+    std::unique_ptr<Parts> parts_;
+};
+
+// A transaction in a scope: rolled back unless committed.
+class Transaction {
+public:
+    explicit Transaction(Database& database)
+        : database_(database) {
+        database_.beginTransaction();
+    }
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit();
+
+private:
+    Database& database_;
+    bool done_ = false;
+};
+
+} // namespace jet
