@@ -22,7 +22,8 @@ struct WaveDevice {
     QString name;             // what the user sees
     QString id;               // the system's own name of the device
     quint16 manufacturer = 0; // 0 where the system does not tell
-    quint32 formats = 0;      // WaveFormatFlag
+    quint32 formats = 0;      // WaveFormatFlag; none of a device that is not there now
+    bool present = true;      // false: it keeps its number and is not there now
 };
 
 // In the order of their numbers, from 0. The numbering is stable from start to start: docs/platform.md says
@@ -30,5 +31,7 @@ struct WaveDevice {
 const QList<WaveDevice>& WaveOutputs();
 const QList<WaveDevice>& WaveInputs();
 void RefreshWaveDevices();
+// Tests put other devices in place, until the next RefreshWaveDevices.
+void SetWaveDevices(const QList<WaveDevice>& outputs, const QList<WaveDevice>& inputs);
 
 } // namespace tolvex::platform
