@@ -18,8 +18,6 @@ struct FieldChange {
     Value value;
 };
 
-class TableWriter;
-
 class Table {
 public:
     // `properties`: of the table's catalogue entry; they say which fields are required and may hold empty
@@ -27,12 +25,8 @@ public:
     Table(Pager& pager, PageNumber definitionPage, std::u16string name = {},
           const PropertyBlob& properties = {});
 
-    Table(Table&&) noexcept;
-    Table& operator=(Table&&) noexcept;
-    ~Table();
-
     const std::u16string& name() const { return name_; }
-    const TableDefinition& definition() const { return *definition_; }
+    const TableDefinition& definition() const { return definition_; }
     Pager& pager() const { return *pager_; }
     // What the properties say of a column.
     bool isRequired(int column) const { return rules_[static_cast<std::size_t>(column)].required; }
@@ -43,9 +37,7 @@ public:
 
     // Walks over the rows in the order of their pages: moves `at` to the next (previous) live row and gives a
     // view of it; a default RowPointer begins before the first (behind the last). False: there is none. A row
-    // that was moved is met at its slot. Rows may be inserted and removed during the walk. After a damaged
-    // row or page (ReadVerification) the walk can go on behind it, unless `at` has not moved: then the list
-    // of pages is broken.
+    // that was moved is met at its slot. Rows may be inserted and removed during the walk.
     bool next(RowPointer& at, RowView& row) const;
     bool previous(RowPointer& at, RowView& row) const;
     // The row in a slot; false if there is none (any more).
@@ -73,20 +65,14 @@ public:
     bool key(int realIndex, std::span<const Value> values, Bytes& into) const;
 
 private:
-    friend class TableWriter;
     struct Rule {
         bool required = false;
         bool zeroLength = true;
     };
-    bool view(const std::uint8_t* page, RowPointer at, RowView& row) const;
-    bool isOwn(const std::uint8_t* page) const;
-    TableWriter& writer();
-
     Pager* pager_;
     std::u16string name_;
-    std::unique_ptr<TableDefinition> definition_; // stays where it is when the table is moved
+    TableDefinition definition_;
     std::vector<Rule> rules_;
-    std::unique_ptr<TableWriter> writer_; // made for the first change
 };
 
 } // namespace jet
