@@ -23,7 +23,7 @@ constexpr T HeldBetween(T value, T low, T high) {
 }
 
 // The number at the start of a text, after any blanks: sign, digits, point, exponent; blanks between digits
-// do not count, and neither does what follows. 0 when there is none. Always a finite value.
+// do not count, and neither does what follows. 0 when there is none, or one that a double cannot hold.
 double LeadingNumber(QStringView text);
 
 // Rounds to the nearest whole number, halves to the even one, and holds it to 32 bits.
