@@ -45,12 +45,12 @@ QString CartFileStem(qint32 cart);
 // needed, and sets the State of each part by whether its folder is there. Not silent, it asks before it makes
 // a list (Cancel ends the call; nothing is asked during automatic configuration) and reports folders that are
 // missing. An unset location among them ends the call before any file is touched. Failures to open or grow a
-// list are not reported: the part's IsOpen tells. Gives 0, or -1 when no part asked for is available.
+// list are not reported: the part's IsOpen tells. Starts with InitCartState, except that the two settings it
+// sets stay off where they are off. Gives 0, or -1 when no part asked for is available.
 int OpenCartParts(int part, bool silent);
 
-// Whether a part's list is open, and whether it may be written (false: another user's read-only file).
-bool CartListIsOpen(int part);
-bool CartListIsWritable(int part);
+// The lowest channel number that neither a part's list nor the hotlist has.
+qint16 FreeFileNumber();
 
 // A cart's record as the files have it now; the empty record for an empty cart, outside 1 to NoCarts and on
 // any error. *status: 0, the FileError, or -1 outside the range and when its part cannot be opened. Opens the

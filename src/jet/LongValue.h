@@ -37,7 +37,7 @@ void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageN
 std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t> definition,
                                       PageNumber page);
 
-// Stores values of one column.
+// Stores the values of one column. Remembers nothing but where there was room last.
 class LongValueStore {
 public:
     LongValueStore(Pager& pager, RowPointer ownedMap, RowPointer freeMap)
@@ -45,18 +45,20 @@ public:
         , owned_(pager, ownedMap)
         , free_(pager, freeMap) {}
 
-    // Appends the definition of a stored value to `row`. Up to `inlineLimit` bytes follow it at once. Throws
-    // RecordTooLarge above 1 GB.
-    void write(std::span<const std::uint8_t> data, Bytes& row, std::size_t inlineLimit = MaximumInlineLength);
+    // Appends the definition of a stored value to `row`. Up to MaximumInlineLength bytes follow it at once;
+    // `apart`: not even those. Throws RecordTooLarge at 1 GB.
+    void write(std::span<const std::uint8_t> data, bool apart, Bytes& row);
     // Frees the rows of a value and the pages that become empty.
     void remove(std::span<const std::uint8_t> definition, PageNumber page);
 
 private:
-    RowPointer put(std::span<const std::uint8_t> head, std::span<const std::uint8_t> data);
+    RowPointer put(std::span<const std::uint8_t> row);
+    PageNumber newPage();
 
     Pager* pager_;
     UsageMap owned_;
     UsageMap free_;
+    PageNumber roomy_ = 0;
 };
 
 } // namespace jet

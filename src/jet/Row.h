@@ -46,11 +46,30 @@ void DecodeColumn(Pager& pager, const RowView& row, const Column& column, Value&
 // The same for the stored bytes of anything but Boolean, Memo and OLE.
 void DecodeStored(const Column& column, std::span<const std::uint8_t> bytes, PageNumber page, Value& value);
 
-// Builds the bytes of a row. Values are in the order of definition.columns and of the columns' own kinds
-// (Convert.h makes them so). `putLong` appends the stored form of a Memo or OLE value to the row. `into` is
-// replaced; its memory is used again. Throws FieldTooSmall, DataTypeMismatch or RecordTooLarge.
-using PutLongValue = std::function<void(int column, const Value& value, Bytes& into)>;
-void EncodeRow(const TableDefinition& definition, std::span<const Value> values, const PutLongValue& putLong,
-               Bytes& into);
+// Builds rows of one table. Made once and used for many rows: it knows where each column goes.
+class RowEncoder {
+public:
+    // What a column of the new row holds: a value of the column's own kind (Convert.h makes it so), or the
+    // bytes that a row holds already. Neither: null.
+    struct Field {
+        const Value* value = nullptr;
+        const RowView* stored = nullptr;
+    };
+    // Appends the stored form of a Memo or OLE value to the row.
+    using PutLongValue = std::function<void(int column, const Value& value, Bytes& into)>;
+
+    // The definition must live as long as the encoder.
+    explicit RowEncoder(const TableDefinition& definition);
+    // Builds a row from one field for each column of the definition. `into` is replaced and its memory used
+    // again. Throws FieldTooSmall, DataTypeMismatch or RecordTooLarge.
+    void encode(std::span<const Field> fields, const PutLongValue& putLong, Bytes& into) const;
+
+private:
+    const TableDefinition& definition_;
+    std::vector<int> variable_; // by variable index: the column, or -1
+    std::vector<int> fixed_;
+    std::size_t fixedEnd_ = 0; // where variable data begins
+    std::size_t columns_ = 0;  // stored column count
+};
 
 } // namespace jet

@@ -18,6 +18,8 @@ struct FieldChange {
     Value value;
 };
 
+class TableWriter;
+
 class Table {
 public:
     // `properties`: of the table's catalogue entry; they say which fields are required and may hold empty
@@ -25,8 +27,12 @@ public:
     Table(Pager& pager, PageNumber definitionPage, std::u16string name = {},
           const PropertyBlob& properties = {});
 
+    Table(Table&&) noexcept;
+    Table& operator=(Table&&) noexcept;
+    ~Table();
+
     const std::u16string& name() const { return name_; }
-    const TableDefinition& definition() const { return definition_; }
+    const TableDefinition& definition() const { return *definition_; }
     Pager& pager() const { return *pager_; }
     // What the properties say of a column.
     bool isRequired(int column) const { return rules_[static_cast<std::size_t>(column)].required; }
@@ -37,7 +43,9 @@ public:
 
     // Walks over the rows in the order of their pages: moves `at` to the next (previous) live row and gives a
     // view of it; a default RowPointer begins before the first (behind the last). False: there is none. A row
-    // that was moved is met at its slot. Rows may be inserted and removed during the walk.
+    // that was moved is met at its slot. Rows may be inserted and removed during the walk. After a damaged
+    // row or page (ReadVerification) the walk can go on behind it, unless `at` has not moved: then the list
+    // of pages is broken.
     bool next(RowPointer& at, RowView& row) const;
     bool previous(RowPointer& at, RowView& row) const;
     // The row in a slot; false if there is none (any more).
@@ -65,14 +73,20 @@ public:
     bool key(int realIndex, std::span<const Value> values, Bytes& into) const;
 
 private:
+    friend class TableWriter;
     struct Rule {
         bool required = false;
         bool zeroLength = true;
     };
+    bool view(const std::uint8_t* page, RowPointer at, RowView& row) const;
+    bool isOwn(const std::uint8_t* page) const;
+    TableWriter& writer();
+
     Pager* pager_;
     std::u16string name_;
-    TableDefinition definition_;
+    std::unique_ptr<TableDefinition> definition_; // stays where it is when the table is moved
     std::vector<Rule> rules_;
+    std::unique_ptr<TableWriter> writer_; // made for the first change
 };
 
 } // namespace jet

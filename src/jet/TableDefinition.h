@@ -18,6 +18,7 @@ inline constexpr int MaximumColumns = 255;
 inline constexpr int MaximumIndexes = 32;
 inline constexpr int MaximumIndexColumns = 10;
 inline constexpr std::uint16_t EnglishLanguage = 0x0409;
+inline constexpr std::uint32_t TableStamp = 1625; // found in every definition
 
 struct Column {
     enum Flag : std::uint8_t {
@@ -42,6 +43,7 @@ struct Column {
     std::uint16_t size = 0;        // bytes; Text: two per character; Memo and OLE: 0
     RowPointer ownedMap;           // Memo and OLE: the pages of its long values
     RowPointer freeMap;
+    std::uint32_t stamp = TableStamp;
     std::uint8_t reserved = 0;
     std::uint32_t reservedTail = 0;
 
@@ -70,6 +72,8 @@ struct RealIndex {
     std::uint32_t entriesWhenMade = 0;
     std::uint32_t distinctKeys = 0;
     std::uint32_t reservedHead = 0; // of the counters
+    std::uint32_t stamp = 1923;
+    std::array<std::uint8_t, MaximumIndexColumns> reservedOrders = {}; // of the unused column slots
     std::uint32_t reserved = 0;
     std::array<std::uint8_t, 5> reservedTail = {};
 
@@ -92,6 +96,7 @@ struct LogicalIndex {
     std::uint8_t cascadeUpdates = 4; // 4: no relationship
     std::uint8_t cascadeDeletes = 4;
     Kind kind = Kind::Plain;
+    std::uint32_t stamp = TableStamp;
     std::uint32_t reserved = 0;
 };
 
@@ -110,7 +115,7 @@ struct TableDefinition {
     std::vector<Column> columns; // in the stored order: values of a row are given in this order
     std::vector<RealIndex> realIndexes;
     std::vector<LogicalIndex> logicalIndexes;
-    std::uint32_t stamp = 1625;
+    std::uint32_t stamp = TableStamp;
     std::array<std::uint8_t, 16> reserved = {1}; // the first one lets the engine give autonumbers
 
     // Position of the column with this name (case does not matter) or number; -1: none.

@@ -45,10 +45,16 @@ struct Bits {
         }
         return 0;
     }
-    PageNumber last() const {
-        for (PageNumber byte = count / 8; byte-- > 0;)
-            if (at[byte] != 0)
-                return first + byte * 8 + static_cast<PageNumber>(std::bit_width(unsigned{at[byte]})) - 1;
+    // The highest set bit's page that is below `before`; 0: none.
+    PageNumber previous(PageNumber before) const {
+        PageNumber bit = before > first ? std::min(before - first, count) : 0;
+        while (bit > 0) {
+            const PageNumber byte = (bit - 1) / 8;
+            const unsigned rest = at[byte] & (0xFFu >> (7 - (bit - 1) % 8));
+            if (rest != 0)
+                return first + byte * 8 + static_cast<PageNumber>(std::bit_width(rest)) - 1;
+            bit = byte * 8;
+        }
         return 0;
     }
 };
@@ -151,12 +157,12 @@ PageNumber UsageMap::next(PageNumber from) const {
     return firstOf(*pager_, row_, from, [from](const Bits& bits) { return bits.next(from); });
 }
 
-PageNumber UsageMap::last() const {
+PageNumber UsageMap::previous(PageNumber before) const {
     const MapRow map = readRow(*pager_, row_);
     if (map.isInline())
-        return map.bits().last();
-    for (PageNumber index = map.entries(); index-- > 0;)
-        if (const PageNumber found = readBitmap(*pager_, map, index).last(); found != 0)
+        return map.bits().previous(before);
+    for (PageNumber index = std::min(map.entries(), before / PagesPerBitmap + 1); index-- > 0;)
+        if (const PageNumber found = readBitmap(*pager_, map, index).previous(before); found != 0)
             return found;
     return 0;
 }

@@ -32,8 +32,8 @@ public:
     // The lowest page of the map that is not below `from`; 0 if there is none. Pages of a scan: next(0), then
     // next(page + 1).
     PageNumber next(PageNumber from) const;
-    // The highest page of the map; 0 if it is empty.
-    PageNumber last() const;
+    // The highest page of the map that is below `before`; 0 if there is none.
+    PageNumber previous(PageNumber before) const;
     std::vector<PageNumber> pages() const;
     // Bitmap pages of a map by reference: they belong to no map.
     std::vector<PageNumber> bitmapPages() const;

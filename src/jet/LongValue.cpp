@@ -1,0 +1,217 @@
+#include "jet/LongValue.h"
+
+#include "jet/Damage.h"
+#include "jet/DataPage.h"
+
+#include <algorithm>
+
+namespace jet {
+
+namespace {
+
+constexpr std::size_t DefinitionLength = 12;
+constexpr std::uint32_t LengthMask = 0x3FFFFFFF;
+constexpr std::uint32_t InlineKind = 0x80000000;
+constexpr std::uint32_t SingleKind = 0x40000000;
+constexpr std::size_t MaximumSingle = 3800; // longer ones become a chain
+constexpr std::size_t PointerLength = 4;
+constexpr std::size_t ChunkData = 4072; // of each row of a chain but the last
+constexpr int StampField = 8;           // in the head of the first page of a chain
+constexpr int WorthKeeping = 128;       // a page with less room leaves the map of pages with room
+constexpr int Candidates = 4;           // pages looked at for room before a new one is taken
+
+struct Definition {
+    std::uint32_t length = 0;
+    bool isInline = false;
+    bool isSingle = false;
+    RowPointer first;
+};
+
+Definition parse(std::span<const std::uint8_t> bytes, PageNumber page) {
+    if (bytes.size() < DefinitionLength)
+        Damaged(page, "a long value has no definition");
+    const std::uint32_t head = Load32(bytes.data());
+    Definition definition{head & LengthMask, (head & InlineKind) != 0, (head & SingleKind) != 0,
+                          LoadRowPointer(bytes.data() + 4)};
+    if (definition.isInline && definition.length > bytes.size() - DefinitionLength)
+        Damaged(page, "a long value is longer than its row");
+    return definition;
+}
+
+std::span<const std::uint8_t> rowAt(Pager& pager, RowPointer at) {
+    const std::uint8_t* page = pager.read(at.page);
+    if (!datapage::IsDataPage(page) || datapage::Owner(page) != datapage::LongValueOwner)
+        Damaged(at.page, "holds no long values");
+    const datapage::Slot slot = datapage::Find(page, at.page, at.row);
+    if (slot.hidden || slot.pointer)
+        Damaged(at.page, "row " + std::to_string(at.row) + " holds no long value");
+    return datapage::BytesOf(page, slot);
+}
+
+void appendDefinition(Bytes& row, std::uint32_t head, RowPointer first, std::uint32_t stamp) {
+    const std::size_t at = row.size();
+    row.resize(at + DefinitionLength);
+    Store32(row.data() + at, head);
+    StoreRowPointer(row.data() + at + 4, first);
+    Store32(row.data() + at + 8, stamp);
+}
+
+} // namespace
+
+LongValueReader::LongValueReader(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page)
+    : pager_(&pager)
+    , from_(page) {
+    const Definition parsed = parse(definition, page);
+    length_ = left_ = parsed.length;
+    if (parsed.isInline) {
+        inline_ = definition.subspan(DefinitionLength, length_);
+        return;
+    }
+    at_ = parsed.first;
+    chained_ = !parsed.isSingle;
+    if (length_ / PageSize > pager.pageCount())
+        Damaged(page, "a long value is longer than the file");
+}
+
+std::span<const std::uint8_t> LongValueReader::next() {
+    if (left_ == 0)
+        return {};
+    if (!inline_.empty()) {
+        left_ = 0;
+        return inline_;
+    }
+    if (at_.page == 0)
+        Damaged(from_, "a long value ends too early");
+    const RowPointer at = at_;
+    from_ = at.page;
+    std::span<const std::uint8_t> piece = rowAt(*pager_, at);
+    at_ = {};
+    if (chained_) {
+        if (piece.size() <= PointerLength)
+            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
+        at_ = LoadRowPointer(piece.data());
+        piece = piece.subspan(PointerLength);
+    }
+    piece = piece.first(std::min<std::size_t>(piece.size(), left_));
+    left_ -= static_cast<std::uint32_t>(piece.size());
+    if (piece.empty())
+        Damaged(at.page, "a long value ends too early");
+    return piece;
+}
+
+void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page, Bytes& into) {
+    LongValueReader reader(pager, definition, page);
+    into.clear();
+    for (auto piece = reader.next(); !piece.empty(); piece = reader.next())
+        into.insert(into.end(), piece.begin(), piece.end());
+}
+
+std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t> definition,
+                                      PageNumber page) {
+    const Definition parsed = parse(definition, page);
+    std::vector<RowPointer> rows;
+    if (parsed.isInline || parsed.first.page == 0)
+        return rows;
+    const std::size_t most = parsed.isSingle ? 1 : parsed.length + std::size_t{1};
+    for (RowPointer at = parsed.first; at.page != 0;) {
+        if (rows.size() >= most || rows.size() > std::size_t{pager.pageCount()} * datapage::MaximumSlots)
+            Damaged(at.page, "a long value has no end");
+        rows.push_back(at);
+        const auto bytes = rowAt(pager, at);
+        if (parsed.isSingle)
+            break;
+        if (bytes.size() <= PointerLength)
+            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
+        at = LoadRowPointer(bytes.data());
+    }
+    return rows;
+}
+
+PageNumber LongValueStore::newPage() {
+    const PageNumber page = pager_->allocate();
+    datapage::Format(pager_->edit(page), datapage::LongValueOwner);
+    owned_.add(page);
+    return page;
+}
+
+// Stores one row on a page with room.
+RowPointer LongValueStore::put(std::span<const std::uint8_t> row) {
+    const int length = static_cast<int>(row.size());
+    const auto fits = [&](PageNumber page) {
+        const std::uint8_t* bytes = pager_->read(page);
+        return datapage::IsDataPage(bytes) && datapage::Owner(bytes) == datapage::LongValueOwner &&
+               datapage::Fits(bytes, length);
+    };
+    PageNumber page = roomy_ != 0 && owned_.contains(roomy_) && fits(roomy_) ? roomy_ : 0;
+    PageNumber candidate = free_.next(0);
+    for (int tried = 0; page == 0 && candidate != 0 && tried < Candidates; ++tried) {
+        if (owned_.contains(candidate) && fits(candidate))
+            page = candidate;
+        else if (datapage::FreeBytes(pager_->read(candidate)) < WorthKeeping)
+            free_.remove(candidate);
+        candidate = free_.next(candidate + 1);
+    }
+    if (page == 0) {
+        page = newPage();
+        free_.add(page);
+    }
+    roomy_ = page;
+    std::uint8_t* bytes = pager_->edit(page);
+    const std::uint8_t slot = datapage::Add(bytes, row);
+    if (!datapage::Fits(bytes, WorthKeeping))
+        free_.remove(page);
+    return {page, slot};
+}
+
+void LongValueStore::write(std::span<const std::uint8_t> data, bool apart, Bytes& row) {
+    if (data.size() > LengthMask)
+        throw Error(ErrorNumber::RecordTooLarge);
+    const auto length = static_cast<std::uint32_t>(data.size());
+    if (data.empty() || (data.size() <= MaximumInlineLength && !apart)) {
+        appendDefinition(row, length | InlineKind, {}, 0);
+        row.insert(row.end(), data.begin(), data.end());
+        return;
+    }
+    if (data.size() <= MaximumSingle)
+        return appendDefinition(row, length | SingleKind, put(data), 0);
+
+    // Every piece but the last fills a page alone; the pages are taken in the order of reading.
+    const std::size_t pieces = (data.size() + ChunkData - 1) / ChunkData;
+    std::vector<PageNumber> pages;
+    for (std::size_t piece = 0; piece < pieces; ++piece)
+        pages.push_back(newPage());
+    Bytes chunk;
+    for (std::size_t piece = 0; piece < pieces; ++piece) {
+        const auto part =
+            data.subspan(piece * ChunkData, std::min(ChunkData, data.size() - piece * ChunkData));
+        const PageNumber following = piece + 1 < pieces ? pages[piece + 1] : 0;
+        chunk.resize(PointerLength);
+        StoreRowPointer(chunk.data(), {following, 0});
+        chunk.insert(chunk.end(), part.begin(), part.end());
+        datapage::Add(pager_->edit(pages[piece]), chunk);
+    }
+    // The first page and the definition carry the same stamp; the page's number serves, as no two values
+    // share it.
+    Store32(pager_->edit(pages.front()) + StampField, pages.front());
+    if (datapage::Fits(pager_->read(pages.back()), WorthKeeping) && pieces > 1)
+        free_.add(pages.back());
+    appendDefinition(row, length, {pages.front(), 0}, pages.front());
+}
+
+void LongValueStore::remove(std::span<const std::uint8_t> definition, PageNumber page) {
+    for (const RowPointer at : LongValueRows(*pager_, definition, page)) {
+        if (!owned_.contains(at.page))
+            Damaged(at.page, "holds a long value of another column");
+        std::uint8_t* bytes = pager_->edit(at.page);
+        datapage::Remove(bytes, at.page, at.row);
+        if (datapage::HasRows(bytes, at.page)) {
+            free_.add(at.page);
+            continue;
+        }
+        owned_.remove(at.page);
+        free_.remove(at.page);
+        pager_->release(at.page);
+    }
+}
+
+} // namespace jet

@@ -1,0 +1,117 @@
+#include "jet/Table.h"
+
+#include "jet/Damage.h"
+#include "jet/DataPage.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint8_t LastSlot = 254;
+constexpr int PointerLength = 4;
+
+} // namespace
+
+bool Table::isOwn(const std::uint8_t* page) const {
+    return datapage::IsDataPage(page) && datapage::Owner(page) == definition_->page;
+}
+
+// The row in a slot of a page of this table; false if it is none.
+bool Table::view(const std::uint8_t* page, RowPointer at, RowView& row) const {
+    datapage::Slot slot = datapage::Find(page, at.page, at.row);
+    if (slot.hidden)
+        return false;
+    PageNumber number = at.page;
+    if (slot.pointer) {
+        if (slot.length < PointerLength)
+            Damaged(number, "row " + std::to_string(at.row) + " is no pointer");
+        const RowPointer target = LoadRowPointer(page + slot.offset);
+        number = target.page;
+        page = pager_->read(number);
+        if (!isOwn(page))
+            Damaged(at.page, "row " + std::to_string(at.row) + " points to a page of something else");
+        slot = datapage::Find(page, number, target.row);
+        if (!slot.hidden || slot.pointer)
+            Damaged(at.page, "row " + std::to_string(at.row) + " points to no row");
+    }
+    row = RowView(datapage::BytesOf(page, slot), number, definition_->variableColumns > 0);
+    return true;
+}
+
+std::uint32_t Table::rowCount() const {
+    return TableCounters::rowCount(*pager_, definition_->page);
+}
+
+bool Table::next(RowPointer& at, RowView& row) const {
+    const UsageMap owned(*pager_, definition_->ownedMap);
+    PageNumber number = at.page;
+    int slot = at.row + 1;
+    bool entering = false;
+    for (;;) {
+        if (number == 0 || entering) {
+            number = owned.next(number + 1);
+            if (number == 0)
+                return false;
+            slot = 0;
+            at = {number, LastSlot}; // if the page is damaged the walk goes on behind it
+        }
+        const std::uint8_t* page = pager_->read(number);
+        if (isOwn(page)) {
+            for (const int slots = datapage::SlotCount(page); slot < slots; ++slot) {
+                at = {number, static_cast<std::uint8_t>(slot)};
+                if (view(page, at, row))
+                    return true;
+            }
+        } else if (slot == 0) {
+            Damaged(number, "is no page of table '" + ToUtf8(name_) + "'");
+        } // else it was freed since the walk came to it
+        entering = true;
+    }
+}
+
+bool Table::previous(RowPointer& at, RowView& row) const {
+    const UsageMap owned(*pager_, definition_->ownedMap);
+    PageNumber number = at.page;
+    int slot = at.row - 1;
+    bool entering = number == 0;
+    for (;;) {
+        if (entering) {
+            number = owned.previous(number == 0 ? ~PageNumber{0} : number);
+            if (number == 0)
+                return false;
+            at = {number, 0};
+        }
+        const std::uint8_t* page = pager_->read(number);
+        if (isOwn(page)) {
+            if (entering)
+                slot = datapage::SlotCount(page) - 1;
+            for (; slot >= 0; --slot) {
+                at = {number, static_cast<std::uint8_t>(slot)};
+                if (view(page, at, row))
+                    return true;
+            }
+        } else if (entering) {
+            Damaged(number, "is no page of table '" + ToUtf8(name_) + "'");
+        }
+        entering = true;
+    }
+}
+
+bool Table::fetch(RowPointer at, RowView& row) const {
+    if (at.page == 0 || at.page >= pager_->pageCount())
+        return false;
+    const std::uint8_t* page = pager_->read(at.page);
+    return isOwn(page) && view(page, at, row);
+}
+
+void Table::value(const RowView& row, int column, Value& into) const {
+    DecodeColumn(*pager_, row, definition_->columns[static_cast<std::size_t>(column)], into);
+}
+
+void Table::values(const RowView& row, std::vector<Value>& into) const {
+    into.resize(definition_->columns.size());
+    for (std::size_t i = 0; i < into.size(); ++i)
+        DecodeColumn(*pager_, row, definition_->columns[i], into[i]);
+}
+
+} // namespace jet
