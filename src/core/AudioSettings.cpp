@@ -93,7 +93,7 @@ constexpr SettingRow playerColours[] = {
 
 constexpr SettingRow player[] = {
     Number<&Settings::Instant>("CartPlayers", "Instant", 0, "The player that plays instant carts.")
-        .range(0, CartPlayerCount)
+        .range(-1, CartPlayerCount)
         .otherwise(totalPlayers, "TotalNumberCartPlayers")
         .registry(PlayerOptions),
     Number<&Settings::EditPlayer>("CartPlayers", "EditPlayer", 0,
@@ -148,7 +148,7 @@ constexpr SettingRow sweptVolume[] = {
 constexpr SettingRow audio[] = {
     Number<&Settings::DuckAudioVolume>("Audio", "DuckAudioVolume", 0,
                                        "Volume of a cart that is lowered for a sweeper, in percent.")
-        .range(0, 100)
+        .range(-10, 100)
         .otherwise(belowGeneralVolume, "GeneralVolume - 10")
         .registry(AudioOptions),
     Number<&Settings::CartGroupVolume>("Audio", "CartGroupVolume", 100, "Volume of cart groups, in percent.")

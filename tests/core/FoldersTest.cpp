@@ -4,6 +4,7 @@
 #include "core/Settings.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
+#include "support/QtPrinters.h"
 #include "support/ScriptedPrompts.h"
 
 #include <gtest/gtest.h>

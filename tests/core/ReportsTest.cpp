@@ -6,6 +6,7 @@
 #include "platform/CodePage.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
+#include "support/QtPrinters.h"
 #include "support/ScriptedPrompts.h"
 
 #include <gtest/gtest.h>

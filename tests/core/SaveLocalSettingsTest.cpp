@@ -3,6 +3,7 @@
 #include "core/SettingsLoader.h"
 #include "platform/ProfileFile.h"
 #include "support/MachineFolder.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

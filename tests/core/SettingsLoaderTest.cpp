@@ -4,6 +4,7 @@
 #include "core/Registry.h"
 #include "platform/ProfileFile.h"
 #include "support/MachineFolder.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 
