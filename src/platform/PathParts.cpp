@@ -98,7 +98,7 @@ std::optional<PathParts> SplitPath(const QString& path, const PathParts& current
         parts.root = {QStringLiteral("unc")};
         addNames(parts.root, QStringView(text).left(server).mid(2));
         addNames(parts.root, QStringView(text).left(share).mid(server + 1));
-        if (server < 0 || !parts.isShare())
+        if (server < 0 || !parts.isShare() || !IsValidName(parts.root[1]) || !IsValidName(parts.root[2]))
             return std::nullopt;
         if (share >= 0)
             addNames(parts.names, QStringView(text).mid(share));

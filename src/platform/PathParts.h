@@ -22,7 +22,8 @@ struct PathParts {
 
 // Splits a path; what it leaves out (drive, folder) is taken from `current`. "/" separates as "\" does, ".."
 // stops at the root, blanks and points at the end of a name do not count, a "\\?\" in front is passed over.
-// Nothing for an empty path, a zero character, or a server without a share.
+// Nothing for an empty path, a zero character, or a share without a
+// proper name.
 std::optional<PathParts> SplitPath(const QString& path, const PathParts& current);
 
 // No separator, no drive: a name alone.
