@@ -1,0 +1,33 @@
+// The pattern of a LIKE: * any characters, ? one character, # one digit, [a-z] one of a set or range, [!a-z]
+// one that is not in it, and every other character itself, without regard to case. A sign stands for itself
+// in a set: [*]. Accented letters differ from plain ones, as in the order of texts.
+#pragma once
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace jet {
+
+class LikePattern {
+public:
+    // Throws SyntaxError for a set without its end or a range that runs backwards.
+    explicit LikePattern(std::u16string_view pattern);
+
+    // Cost: linear for patterns with one *, at worst length of text times length of pattern.
+    bool matches(std::u16string_view text) const;
+
+private:
+    using Range = std::pair<char16_t, char16_t>;
+    struct Element {
+        enum class Kind { Character, Any, One, Digit, Set, OutsideSet };
+        Kind kind = Kind::Character;
+        char16_t character = 0;
+        std::vector<Range> ranges;
+    };
+    static bool fits(const Element& element, char16_t c);
+
+    std::vector<Element> elements_;
+};
+
+} // namespace jet

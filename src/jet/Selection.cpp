@@ -1,0 +1,171 @@
+#include "jet/Selection.h"
+
+#include "jet/Collation.h"
+#include "jet/Error.h"
+#include "jet/IndexTree.h"
+#include "jet/KeyEncoding.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+
+namespace {
+
+// A key for sorting. Texts that hold characters without a known place come behind all others, by code.
+void appendSortKey(const Column& column, bool ascending, const Value& value, Bytes& into) {
+    const auto* text = std::get_if<std::u16string>(&value);
+    if (text == nullptr || !FindUnorderable(*text)) {
+        AppendKey(column.type, ascending, value, into);
+        return;
+    }
+    const std::uint8_t flip = ascending ? 0 : 0xFF;
+    const auto add = [&](int byte) { into.push_back(static_cast<std::uint8_t>(byte) ^ flip); };
+    add(0x7F);
+    add(0xFF);
+    for (const char16_t unit : *text) {
+        add(unit >> 8);
+        add(unit & 0xFF);
+    }
+    add(0);
+    add(0);
+}
+
+} // namespace
+
+TableRow::TableRow(const Table& table)
+    : table_(table)
+    , values_(table.definition().columns.size())
+    , readAt_(values_.size(), 0) {}
+
+void TableRow::moveTo(const RowView& row) {
+    row_ = row;
+    ++turn_;
+}
+
+const Value& TableRow::value(int column) {
+    const auto at = static_cast<std::size_t>(column);
+    if (readAt_[at] != turn_) {
+        table_.value(row_, column, values_[at]);
+        readAt_[at] = turn_;
+    }
+    return values_[at];
+}
+
+Selection::Selection(const Table& table, const sql::Select& select)
+    : Selection(table, select.where) {
+    const TableDefinition& definition = table.definition();
+    const auto find = [&](const std::u16string& name) {
+        return FindField(definition, table.name(), {}, name);
+    };
+    if (!select.fields.empty())
+        fields_.clear();
+    for (const std::u16string& name : select.fields)
+        fields_.push_back(find(name));
+    for (const sql::OrderTerm& term : select.order) {
+        order_.push_back({find(term.field), term.descending});
+        if (ClassOf(definition.columns[static_cast<std::size_t>(order_.back().column)].type) ==
+            ValueClass::Binary)
+            throw Error(ErrorNumber::DataTypeMismatch, "ORDER BY " + ToUtf8(term.field));
+    }
+}
+
+Selection::Selection(const Table& table, const std::optional<sql::Expression>& where)
+    : table_(table)
+    , fields_(table.definition().displayOrder()) {
+    if (where) {
+        criterion_.emplace(table.definition(), table.name(), *where);
+        range_ = ChooseIndex(table, *where);
+    }
+}
+
+void Selection::forEach(const Visit& visit) const {
+    const Reading reading(table_.pager());
+    if (order_.empty()) {
+        forEachUnsorted(visit);
+        return;
+    }
+    for (const RowPointer at : sorted()) {
+        RowView row;
+        if (table_.fetch(at, row) && !visit(at, row))
+            return;
+    }
+}
+
+std::vector<RowPointer> Selection::rows() const {
+    const Reading reading(table_.pager());
+    if (!order_.empty())
+        return sorted();
+    std::vector<RowPointer> pointers;
+    forEachUnsorted([&](RowPointer at, const RowView&) {
+        pointers.push_back(at);
+        return true;
+    });
+    return pointers;
+}
+
+void Selection::forEachUnsorted(const Visit& visit) const {
+    TableRow values(table_);
+    const auto offer = [&](RowPointer at, const RowView& row) {
+        if (criterion_) {
+            values.moveTo(row);
+            if (!criterion_->chooses(values))
+                return true;
+        }
+        return visit(at, row);
+    };
+    RowPointer at;
+    RowView row;
+    if (!range_) {
+        while (table_.next(at, row) && offer(at, row)) {
+        }
+        return;
+    }
+    const RealIndex& index = table_.definition().realIndexes[static_cast<std::size_t>(range_->realIndex)];
+    const IndexTree tree(table_.pager(), index.root, table_.definition().page,
+                         UsageMap(table_.pager(), index.pages));
+    const auto inside = [this](KeyView key) {
+        const Bytes& upper = range_->upper;
+        return std::memcmp(key.data(), upper.data(), std::min(key.size(), upper.size())) <= 0;
+    };
+    IndexCursor cursor(tree);
+    for (bool more = cursor.seekFrom(range_->lower); more && inside(cursor.key()); more = cursor.next()) {
+        at = cursor.row();
+        if (table_.fetch(at, row) && !offer(at, row))
+            return;
+    }
+}
+
+std::vector<RowPointer> Selection::sorted() const {
+    struct Place {
+        std::size_t key = 0; // where its key begins; it ends where the next one was begun
+        std::size_t end = 0;
+        RowPointer at;
+    };
+    Bytes keys;
+    std::vector<Place> places;
+    Value value;
+    forEachUnsorted([&](RowPointer at, const RowView& row) {
+        const std::size_t begin = keys.size();
+        for (const SortTerm& term : order_) {
+            table_.value(row, term.column, value);
+            appendSortKey(table_.definition().columns[static_cast<std::size_t>(term.column)],
+                          !term.descending, value, keys);
+        }
+        places.push_back({begin, keys.size(), at});
+        return true;
+    });
+    std::stable_sort(places.begin(), places.end(), [&keys](const Place& a, const Place& b) {
+        const std::size_t lengths[] = {a.end - a.key, b.end - b.key};
+        const int order =
+            std::memcmp(keys.data() + a.key, keys.data() + b.key, std::min(lengths[0], lengths[1]));
+        return order != 0 ? order < 0 : lengths[0] < lengths[1];
+    });
+    std::vector<RowPointer> pointers;
+    pointers.reserve(places.size());
+    for (const Place& place : places)
+        pointers.push_back(place.at);
+    return pointers;
+}
+
+} // namespace jet
