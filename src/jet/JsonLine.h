@@ -1,0 +1,24 @@
+// One row as one line of JSON: an object of texts, numbers, true, false and null.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+// Appends a text in quotes. `text` is UTF-8.
+void AppendJsonText(std::string_view text, std::string& into);
+
+struct JsonMember {
+    enum class Kind { Null, Flag, Number, Text };
+    std::string key;
+    Kind kind = Kind::Null;
+    std::string text; // of a number its digits as written; of a flag "true" or "false"
+};
+
+// Reads a line. Throws InvalidArgument, saying where, for what is no flat object, and for a key that is there
+// twice.
+void ParseJsonLine(std::string_view line, std::vector<JsonMember>& members);
+
+} // namespace jet
