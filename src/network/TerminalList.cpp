@@ -41,6 +41,29 @@ QByteArray blankBytes() {
     return QByteArray(bytes.data(), TerminalRecordLength);
 }
 
+// The record as it is in the file; blank beyond its end. FileError of any other failure.
+int read(int id, TerminalRecord& record) {
+    record = BlankTerminalRecord();
+    TerminalBytes bytes;
+    const int error = list && id >= 1 ? list->read(id, bytes.data()) : platform::BadFileNumber;
+    if (error == platform::NoError)
+        record = DecodeTerminalRecord(bytes);
+    return error == platform::PastEndOfFile ? platform::NoError : error;
+}
+
+// Reads a record, changes it and writes it where that made a difference. What cannot be read is not written:
+// it may hold another workstation's name. FileError.
+template<typename Change>
+int change(int id, Change apply) {
+    TerminalRecord before;
+    if (const int error = read(id, before); error != platform::NoError)
+        return error;
+    TerminalRecord after = before;
+    apply(after);
+    const bool same = EncodeTerminalRecord(after) == EncodeTerminalRecord(before);
+    return same ? platform::NoError : WriteTerminal(id, after);
+}
+
 // The name of a computer in a record, as comparisons take it. A zero character ends it: what follows is
 // left over from an older name.
 QString networkName(const TerminalRecord& record) {
@@ -129,10 +152,8 @@ bool TerminalListIsOpen() {
 }
 
 TerminalRecord ReadTerminal(int id) {
-    TerminalBytes bytes;
-    if (id < 1 || !list || list->read(id, bytes.data()) != platform::NoError)
-        return BlankTerminalRecord();
-    return DecodeTerminalRecord(bytes);
+    TerminalRecord record;
+    return read(id, record) == platform::NoError ? record : BlankTerminalRecord();
 }
 
 int WriteTerminal(int id, const TerminalRecord& record) {
@@ -171,35 +192,32 @@ int TerminalForComputer(const QString& computerName) {
 }
 
 int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName) {
-    for (int id = 1; id <= settings().NumberTerminals; ++id) {
-        TerminalRecord record = ReadTerminal(id);
-        if (id <= idNames.size())
-            record.IdName = idNames[id - 1].trimmed();
-        if (id == chosenId)
-            record.NetworkName = computerName;
-        else if (sameName(networkName(record), computerName))
-            record.NetworkName.clear();
-        if (const int error = WriteTerminal(id, record); error != platform::NoError)
-            return error;
+    int error = platform::NoError;
+    for (int id = 1; id <= settings().NumberTerminals && error == platform::NoError; ++id) {
+        error = change(id, [&](TerminalRecord& record) {
+            if (id <= idNames.size())
+                record.IdName = idNames[id - 1].trimmed();
+            if (id == chosenId)
+                record.NetworkName = computerName;
+            else if (sameName(networkName(record), computerName))
+                record.NetworkName.clear();
+        });
     }
-    return platform::NoError;
+    return error;
 }
 
 int RenameTerminal(int id, const QString& name) {
-    TerminalRecord record = ReadTerminal(id);
-    record.IdName = name.trimmed();
-    return WriteTerminal(id, record);
+    return change(id, [&](TerminalRecord& record) { record.IdName = name.trimmed(); });
 }
 
 bool StampOwnTerminalRecord() {
     if (!list && !OpenTerminalList())
         return false;
-    const int id = settings().LinkMeshId;
-    TerminalRecord record = ReadTerminal(id);
-    record.NetworkName = platform::ComputerName();
-    record.setLastUsed(platform::clock().now());
-    const bool written = WriteTerminal(id, record) == platform::NoError;
-    return OpenTerminalList() && written;
+    const int error = change(settings().LinkMeshId, [](TerminalRecord& record) {
+        record.NetworkName = platform::ComputerName();
+        record.setLastUsed(platform::clock().now());
+    });
+    return OpenTerminalList() && error == platform::NoError;
 }
 
 void ResetTerminalList() {

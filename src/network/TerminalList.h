@@ -64,9 +64,10 @@ const TerminalRecord& OwnTerminalRecord();
 // is open.
 int TerminalForComputer(const QString& computerName);
 
-// Writes every record from 1 to NumberTerminals: its name from `idNames` (entry 0 is number 1; where the list
-// is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that name.
-// The list is open. FileError number of the first failure, which ends it.
+// Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
+// list is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that
+// name. The list is open. FileError number of the first failure, which ends it; a record that cannot be read
+// is not written.
 int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName);
 
 // Gives a number another name. FileError number.

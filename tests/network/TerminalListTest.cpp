@@ -155,6 +155,11 @@ TEST_F(TerminalListTest, AWorkstationHoldsExactlyOneNumber) {
     EXPECT_EQ(AssignTerminal(3, {"Uno", " Dos "}, "PC1"), 0);
     EXPECT_EQ(machine.read(path), terminal("Uno", "") + terminal("Dos", "OTHER") +
                                       terminal("Three", "PC1  ") + terminal("Four", ""));
+    // A list that is replaced meanwhile is not written blindly.
+    QFile::remove(machine.host(path));
+    machine.write(path, terminal("New", "OTHER").repeated(4));
+    EXPECT_EQ(AssignTerminal(1, {}, "PC1"), platform::FileNotFound);
+    EXPECT_EQ(machine.read(path), terminal("New", "OTHER").repeated(4));
     CloseTerminalList();
     EXPECT_EQ(AssignTerminal(1, {}, "PC1"), platform::BadFileNumber);
 }

@@ -1,0 +1,155 @@
+// The audiowall at its largest, 99,999 carts in 11 lists of 30 MB together: reading every cart as a search
+// does, beside reading the same bytes in one plain loop; decoding alone; and looking for the notes of every
+// cart in a folder that holds 5,000 of them.
+#include "audio/CartNotes.h"
+#include "audio/CartStore.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdio>
+
+using namespace tolvex;
+
+namespace {
+
+constexpr int carts = HighestCart;
+constexpr int notes = 5000;
+const QString wallFolder = QStringLiteral("C:\\WALL");
+
+QString listPath(int part) {
+    return wallFolder + QStringLiteral("\\Carts%1.lst").arg(part);
+}
+
+QByteArray cartBytes(int cart) {
+    CartRecord record = MakeEmptyCartRecord(0xC0C0C0, 0);
+    record.Line1 = QStringLiteral("Title number %1").arg(cart);
+    record.Line2 = QStringLiteral("An artist whose name goes on beyond the head of a line");
+    record.Length = record.TotalLength = record.PlayEnd = record.PlayLength = float(cart % 600 + 1);
+    return QByteArray(EncodeCartRecord(record).data(), CartListRecordLength);
+}
+
+// A machine with a full wall, made once.
+class Wall {
+public:
+    Wall() {
+        platform::SetMachineFolder(folder_.path());
+        platform::MakeFolder(wallFolder);
+        QByteArray list;
+        for (int cart = 1; cart <= carts; ++cart) {
+            list += cartBytes(cart);
+            if (cart == carts || PartOfCart(cart + 1) != PartOfCart(cart)) {
+                platform::ReplaceWholeFile(listPath(PartOfCart(cart)), list);
+                list.clear();
+            }
+        }
+        settings().NoCarts = carts;
+        for (CartPart& part : settings().CartPartTable)
+            part.Location = wallFolder;
+        for (int note = 0; note < notes; ++note)
+            platform::ReplaceWholeFile(CartFileStem(1 + note * (carts / notes)) + QStringLiteral(".RTF"),
+                                       "x");
+        OpenCartParts(0, true);
+    }
+
+private:
+    QTemporaryDir folder_;
+};
+
+// Plain reading: the 11 files in one loop of the C library, record by record into one buffer.
+void readPlainly() {
+    char record[CartListRecordLength];
+    for (int part = 1; part <= CartPartCount; ++part) {
+        std::FILE* const file = std::fopen(platform::HostPath(listPath(part)).toUtf8().constData(), "rb");
+        while (file && std::fread(record, sizeof record, 1, file) == 1)
+            benchmark::DoNotOptimize(record);
+        if (file)
+            std::fclose(file);
+    }
+}
+
+void readEveryCart() {
+    for (int cart = 1; cart <= carts; ++cart)
+        benchmark::DoNotOptimize(ReadCart(cart));
+}
+
+double secondsOf(void (*work)()) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Both in turn, so that what else the machine does meets both alike; "ratio" is how many plain loops one
+// reading of the wall takes.
+void everyCartOfAFullWall(benchmark::State& state) {
+    double ours = 0;
+    double plain = 0;
+    for (auto _ : state) {
+        const double seconds = secondsOf(readEveryCart);
+        plain += secondsOf(readPlainly);
+        ours += seconds;
+        state.SetIterationTime(seconds);
+    }
+    state.counters["ratio"] = ours / plain;
+    state.SetItemsProcessed(state.iterations() * carts);
+}
+BENCHMARK(everyCartOfAFullWall)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void everyCartAndItsText(benchmark::State& state) {
+    for (auto _ : state)
+        for (int cart = 1; cart <= carts; ++cart)
+            benchmark::DoNotOptimize(CartDescription(ReadCart(cart), true));
+    state.SetItemsProcessed(state.iterations() * carts);
+}
+BENCHMARK(everyCartAndItsText)->Unit(benchmark::kMillisecond);
+
+void sameBytesInOnePlainLoop(benchmark::State& state) {
+    for (auto _ : state)
+        readPlainly();
+    state.SetItemsProcessed(state.iterations() * carts);
+}
+BENCHMARK(sameBytesInOnePlainLoop)->Unit(benchmark::kMillisecond);
+
+void decodeOneRecord(benchmark::State& state) {
+    const QByteArray bytes = cartBytes(42);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(DecodeCartRecord(bytes.constData()));
+}
+BENCHMARK(decodeOneRecord);
+
+void notesOfEveryCart(benchmark::State& state) {
+    for (auto _ : state) {
+        int found = 0;
+        for (int cart = 1; cart <= carts; ++cart) {
+            bool exists = false;
+            benchmark::DoNotOptimize(CartNotesPath(cart, &exists));
+            found += exists ? 1 : 0;
+        }
+        if (found != notes)
+            state.SkipWithError("notes are missing");
+    }
+    state.SetItemsProcessed(state.iterations() * carts);
+}
+BENCHMARK(notesOfEveryCart)->Unit(benchmark::kMillisecond);
+
+// The same by asking for each file.
+void notesOfEveryCartByAsking(benchmark::State& state) {
+    for (auto _ : state)
+        for (int cart = 1; cart <= carts; ++cart)
+            for (const char* extension : {".RTF", ".TXT"})
+                if (platform::FileExists(CartFileStem(cart) + QLatin1String(extension)))
+                    break;
+}
+BENCHMARK(notesOfEveryCartByAsking)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Wall wall;
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
