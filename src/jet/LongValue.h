@@ -17,6 +17,8 @@ class LongValueReader {
 public:
     LongValueReader(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page);
     std::uint32_t size() const { return length_; }
+    // The row that the next piece lies in; page 0: in the definition itself, or there is none.
+    RowPointer at() const { return at_; }
     // The next piece, valid until the next call or a change of pages; empty at the end.
     std::span<const std::uint8_t> next();
 
