@@ -69,8 +69,7 @@ bool DirectoryExists(const QString& path) {
         searched += u'\\';
     }
     DebugLog(QStringLiteral("Call Dir(") + searched + QStringLiteral(", vbDirectory)"));
-    const bool found =
-        !path.isEmpty() && (platform::FolderExists(searched) || platform::FileExists(searched));
+    const bool found = !path.isEmpty() && platform::FolderExists(searched);
     DebugLog(QStringLiteral("End DirectoryExists (") + QLatin1String(found ? "True)" : "False)"));
     return found;
 }

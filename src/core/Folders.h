@@ -9,7 +9,7 @@ namespace tolvex {
 
 using platform::CopyFileWithProgress;
 
-// Whether a folder (or a file of that name) is there. A share without a folder behind it and a bare drive get
+// Whether a folder is there. A share without a folder behind it and a bare drive get
 // their trailing backslash first. Empty paths and errors are false.
 bool DirectoryExists(const QString& path);
 

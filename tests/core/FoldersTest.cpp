@@ -28,10 +28,12 @@ TEST_F(Folders, ADriveAndAShareAreFoundWithoutTheirBackslash) {
     machine.addShare(QStringLiteral("SERVER"), QStringLiteral("AUDIO"));
     machine.addDrive(u'M', platform::DriveType::Remote);
     machine.makeFolder(QStringLiteral("M:\\Data Files"));
+    machine.write(QStringLiteral("M:\\File"), "x");
     for (const char* there : {"C:", "c:\\", "M:", "M:\\DATA FILES", "m:\\data files\\", "\\\\SERVER\\AUDIO",
                               "\\\\server\\audio\\"})
         EXPECT_TRUE(DirectoryExists(QLatin1String(there))) << there;
-    for (const char* missing : {"", "Q:", "M:\\Nowhere", "\\\\SERVER\\VIDEO", "\\\\OTHER\\AUDIO", "\\\\"})
+    for (const char* missing :
+         {"", "Q:", "M:\\Nowhere", "M:\\File", "\\\\SERVER\\VIDEO", "\\\\OTHER\\AUDIO", "\\\\"})
         EXPECT_FALSE(DirectoryExists(QLatin1String(missing))) << missing;
     EXPECT_TRUE(prompts.asked.isEmpty());
 }

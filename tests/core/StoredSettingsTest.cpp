@@ -61,7 +61,8 @@ TEST_F(StoredSettings, ListsEveryDeclaredSettingWithItsDefault) {
     for (const StoredSetting& setting : std::as_const(byKey))
         if (setting.place.row->kind != SettingKind::Date) {
             QString why;
-            EXPECT_TRUE(CheckSettingValue(*setting.place.row, setting.defaultValue, &why)) << why.toStdString();
+            EXPECT_TRUE(CheckSettingValue(*setting.place.row, setting.defaultValue, &why))
+                << why.toStdString();
         }
     // No system ini file was named; derived keys are not read.
     EXPECT_FALSE(byKey.contains(QStringLiteral("OPALTransfers/Directory")));
