@@ -41,6 +41,7 @@ class Catalog {
 public:
     static constexpr PageNumber ObjectsPage = 2;
     static constexpr PageNumber PermissionsPage = 3;
+    static constexpr PageNumber QueriesPage = 4;
     static constexpr PageNumber RelationshipsPage = 5;
     static constexpr std::int32_t TablesContainer = 0x0F000001;
     static constexpr std::int32_t RelationshipsContainer = 0x0F000003;
@@ -65,18 +66,38 @@ public:
     PropertyBlob properties(const CatalogObject& object) const;
     // Stores the properties of an object and the time of the change.
     void setProperties(const CatalogObject& object, const PropertyBlob& properties);
+    // Throws TableExists for a name that another object has.
     void rename(const CatalogObject& object, std::u16string_view name);
     // Sets the time of the last change of an object's design to now.
     void touch(const CatalogObject& object);
 
     // Enters a new table with its permissions, given as the engine gives them: each inheritable one of the
-    // container of tables.
-    void addTable(PageNumber definition, std::u16string_view name, const PropertyBlob& properties);
-    // Takes out an object's row, its permissions, and the relationships that a table of this name takes part
-    // in.
-    void removeTable(const CatalogObject& object);
+    // container of tables. `flags`: as CatalogObject's. Throws TableExists for a name that an object has.
+    void addTable(PageNumber definition, std::u16string_view name, const PropertyBlob& properties,
+                  std::uint32_t flags = 0);
+    // Takes out an object's row and its permissions.
+    void remove(const CatalogObject& object);
+
+    // One pair of columns of a relationship between two tables.
+    struct RelationshipColumn {
+        RowPointer row;
+        std::u16string name;
+        std::u16string table;
+        std::u16string column;
+        std::u16string referencedTable;
+        std::u16string referencedColumn;
+    };
+    std::vector<RelationshipColumn> relationships() const;
+    // Enters the new name of a table, or of one of its columns, in the relationships.
+    void renameInRelationships(std::u16string_view table, std::u16string_view name);
+    void renameInRelationships(std::u16string_view table, std::u16string_view column,
+                               std::u16string_view name);
 
 private:
+    bool hasSibling(std::int32_t parent, std::u16string_view name, std::int32_t except) const;
+    void updateObject(const CatalogObject& object,
+                      std::initializer_list<std::pair<const char16_t*, Value>> fields);
+
     Pager* pager_;
 };
 

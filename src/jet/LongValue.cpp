@@ -9,7 +9,6 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t DefinitionLength = 12;
 constexpr std::uint32_t LengthMask = 0x3FFFFFFF;
 constexpr std::uint32_t InlineKind = 0x80000000;
 constexpr std::uint32_t SingleKind = 0x40000000;
@@ -17,8 +16,6 @@ constexpr std::size_t MaximumSingle = 3800; // longer ones become a chain
 constexpr std::size_t PointerLength = 4;
 constexpr std::size_t ChunkData = 4072; // of each row of a chain but the last
 constexpr int StampField = 8;           // in the head of the first page of a chain
-constexpr int WorthKeeping = 128;       // a page with less room leaves the map of pages with room
-constexpr int Candidates = 4;           // pages looked at for room before a new one is taken
 
 struct Definition {
     std::uint32_t length = 0;
@@ -28,12 +25,12 @@ struct Definition {
 };
 
 Definition parse(std::span<const std::uint8_t> bytes, PageNumber page) {
-    if (bytes.size() < DefinitionLength)
+    if (bytes.size() < LongValueDefinitionLength)
         Damaged(page, "a long value has no definition");
     const std::uint32_t head = Load32(bytes.data());
     Definition definition{head & LengthMask, (head & InlineKind) != 0, (head & SingleKind) != 0,
                           LoadRowPointer(bytes.data() + 4)};
-    if (definition.isInline && definition.length > bytes.size() - DefinitionLength)
+    if (definition.isInline && definition.length > bytes.size() - LongValueDefinitionLength)
         Damaged(page, "a long value is longer than its row");
     return definition;
 }
@@ -48,12 +45,10 @@ std::span<const std::uint8_t> rowAt(Pager& pager, RowPointer at) {
     return datapage::BytesOf(page, slot);
 }
 
-void appendDefinition(Bytes& row, std::uint32_t head, RowPointer first, std::uint32_t stamp) {
-    const std::size_t at = row.size();
-    row.resize(at + DefinitionLength);
-    Store32(row.data() + at, head);
-    StoreRowPointer(row.data() + at + 4, first);
-    Store32(row.data() + at + 8, stamp);
+void putDefinition(std::uint8_t* at, std::uint32_t head, RowPointer first, std::uint32_t stamp) {
+    Store32(at, head);
+    StoreRowPointer(at + 4, first);
+    Store32(at + 8, stamp);
 }
 
 } // namespace
@@ -64,7 +59,7 @@ LongValueReader::LongValueReader(Pager& pager, std::span<const std::uint8_t> def
     const Definition parsed = parse(definition, page);
     length_ = left_ = parsed.length;
     if (parsed.isInline) {
-        inline_ = definition.subspan(DefinitionLength, length_);
+        inline_ = definition.subspan(LongValueDefinitionLength, length_);
         return;
     }
     at_ = parsed.first;
@@ -127,59 +122,29 @@ std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t
     return rows;
 }
 
-PageNumber LongValueStore::newPage() {
-    const PageNumber page = pager_->allocate();
-    datapage::Format(pager_->edit(page), datapage::LongValueOwner);
-    owned_.add(page);
-    return page;
+void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row) {
+    const std::size_t at = row.size();
+    row.resize(at + LongValueDefinitionLength);
+    putDefinition(row.data() + at, static_cast<std::uint32_t>(data.size()) | InlineKind, {}, 0);
+    row.insert(row.end(), data.begin(), data.end());
 }
 
-// Stores one row on a page with room.
-RowPointer LongValueStore::put(std::span<const std::uint8_t> row) {
-    const int length = static_cast<int>(row.size());
-    const auto fits = [&](PageNumber page) {
-        const std::uint8_t* bytes = pager_->read(page);
-        return datapage::IsDataPage(bytes) && datapage::Owner(bytes) == datapage::LongValueOwner &&
-               datapage::Fits(bytes, length);
-    };
-    PageNumber page = roomy_ != 0 && owned_.contains(roomy_) && fits(roomy_) ? roomy_ : 0;
-    PageNumber candidate = free_.next(0);
-    for (int tried = 0; page == 0 && candidate != 0 && tried < Candidates; ++tried) {
-        if (owned_.contains(candidate) && fits(candidate))
-            page = candidate;
-        else if (datapage::FreeBytes(pager_->read(candidate)) < WorthKeeping)
-            free_.remove(candidate);
-        candidate = free_.next(candidate + 1);
-    }
-    if (page == 0) {
-        page = newPage();
-        free_.add(page);
-    }
-    roomy_ = page;
-    std::uint8_t* bytes = pager_->edit(page);
-    const std::uint8_t slot = datapage::Add(bytes, row);
-    if (!datapage::Fits(bytes, WorthKeeping))
-        free_.remove(page);
-    return {page, slot};
-}
+LongValueStore::LongValueStore(Pager& pager, RowPointer ownedMap, RowPointer freeMap)
+    : pager_(&pager)
+    , space_(pager, datapage::LongValueOwner, ownedMap, freeMap) {}
 
-void LongValueStore::write(std::span<const std::uint8_t> data, bool apart, Bytes& row) {
+void LongValueStore::write(std::span<const std::uint8_t> data, std::uint8_t* definition) {
     if (data.size() > LengthMask)
         throw Error(ErrorNumber::RecordTooLarge);
     const auto length = static_cast<std::uint32_t>(data.size());
-    if (data.empty() || (data.size() <= MaximumInlineLength && !apart)) {
-        appendDefinition(row, length | InlineKind, {}, 0);
-        row.insert(row.end(), data.begin(), data.end());
-        return;
-    }
     if (data.size() <= MaximumSingle)
-        return appendDefinition(row, length | SingleKind, put(data), 0);
+        return putDefinition(definition, length | SingleKind, space_.put(data, 0), 0);
 
     // Every piece but the last fills a page alone; the pages are taken in the order of reading.
     const std::size_t pieces = (data.size() + ChunkData - 1) / ChunkData;
     std::vector<PageNumber> pages;
     for (std::size_t piece = 0; piece < pieces; ++piece)
-        pages.push_back(newPage());
+        pages.push_back(space_.newPage());
     Bytes chunk;
     for (std::size_t piece = 0; piece < pieces; ++piece) {
         const auto part =
@@ -193,25 +158,14 @@ void LongValueStore::write(std::span<const std::uint8_t> data, bool apart, Bytes
     // The first page and the definition carry the same stamp; the page's number serves, as no two values
     // share it.
     Store32(pager_->edit(pages.front()) + StampField, pages.front());
-    if (datapage::Fits(pager_->read(pages.back()), WorthKeeping) && pieces > 1)
-        free_.add(pages.back());
-    appendDefinition(row, length, {pages.front(), 0}, pages.front());
+    if (pieces > 1)
+        space_.noteRoom(pages.back());
+    putDefinition(definition, length, {pages.front(), 0}, pages.front());
 }
 
 void LongValueStore::remove(std::span<const std::uint8_t> definition, PageNumber page) {
-    for (const RowPointer at : LongValueRows(*pager_, definition, page)) {
-        if (!owned_.contains(at.page))
-            Damaged(at.page, "holds a long value of another column");
-        std::uint8_t* bytes = pager_->edit(at.page);
-        datapage::Remove(bytes, at.page, at.row);
-        if (datapage::HasRows(bytes, at.page)) {
-            free_.add(at.page);
-            continue;
-        }
-        owned_.remove(at.page);
-        free_.remove(at.page);
-        pager_->release(at.page);
-    }
+    for (const RowPointer at : LongValueRows(*pager_, definition, page))
+        space_.remove(at);
 }
 
 } // namespace jet

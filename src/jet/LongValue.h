@@ -2,7 +2,7 @@
 // at once (short values), lies in one row of a page of long values, or in a chain of such rows.
 #pragma once
 
-#include "jet/UsageMap.h"
+#include "jet/RowSpace.h"
 #include "jet/Value.h"
 
 #include <span>
@@ -10,6 +10,7 @@
 namespace jet {
 
 inline constexpr std::size_t MaximumInlineLength = 64;
+inline constexpr std::size_t LongValueDefinitionLength = 12;
 
 // Reads a long value piece by piece: nothing but the definition is read to begin with. The definition's bytes
 // must live as long as the reader. Throws ReadVerification on a bad definition, chain or page.
@@ -39,28 +40,23 @@ void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageN
 std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t> definition,
                                       PageNumber page);
 
-// Stores the values of one column. Remembers nothing but where there was room last.
+// Appends a short value (up to MaximumInlineLength bytes) to a row: its definition and itself.
+void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row);
+
+// Stores the values of one column apart from their rows.
 class LongValueStore {
 public:
-    LongValueStore(Pager& pager, RowPointer ownedMap, RowPointer freeMap)
-        : pager_(&pager)
-        , owned_(pager, ownedMap)
-        , free_(pager, freeMap) {}
+    LongValueStore(Pager& pager, RowPointer ownedMap, RowPointer freeMap);
 
-    // Appends the definition of a stored value to `row`. Up to MaximumInlineLength bytes follow it at once;
-    // `apart`: not even those. Throws RecordTooLarge at 1 GB.
-    void write(std::span<const std::uint8_t> data, bool apart, Bytes& row);
+    // Stores a value and writes its definition (LongValueDefinitionLength bytes). Throws RecordTooLarge at 1
+    // GB.
+    void write(std::span<const std::uint8_t> data, std::uint8_t* definition);
     // Frees the rows of a value and the pages that become empty.
     void remove(std::span<const std::uint8_t> definition, PageNumber page);
 
 private:
-    RowPointer put(std::span<const std::uint8_t> row);
-    PageNumber newPage();
-
     Pager* pager_;
-    UsageMap owned_;
-    UsageMap free_;
-    PageNumber roomy_ = 0;
+    RowSpace space_;
 };
 
 } // namespace jet

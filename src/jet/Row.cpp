@@ -13,6 +13,14 @@ namespace jet {
 namespace {
 
 constexpr int CountLength = 2; // of the column count before the fixed columns
+// A long value of more bytes may push the row's page out of memory while it is read.
+constexpr std::uint32_t PinnedLength = 32 * PageSize;
+
+// For putting the pieces of a memo together.
+Bytes& scratch() {
+    thread_local Bytes bytes;
+    return bytes;
+}
 
 // The alternative of the value in `into`, kept if it is there already so that its memory is used again.
 template<class T>
@@ -112,6 +120,13 @@ RowView::RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasV
         variables_ = 0;
 }
 
+void RowView::keep() const {
+    if (kept_ != nullptr)
+        return;
+    kept_ = std::make_shared<const Bytes>(bytes_.begin(), bytes_.end());
+    bytes_ = *kept_;
+}
+
 bool RowView::maskBit(int number) const {
     return number < columns_ && (bytes_[static_cast<std::size_t>(mask_ + number / 8)] >> number % 8 & 1) != 0;
 }
@@ -190,21 +205,20 @@ void DecodeColumn(Pager& pager, const RowView& row, const Column& column, Value&
         value = row.boolean(column);
     } else if (row.isNull(column)) {
         value = std::monostate{};
-    } else if (column.type == ColumnType::Memo) {
+    } else if (column.isLong()) {
         LongValueReader reader(pager, row.bytes(column), row.page());
-        auto& text = alternative<std::u16string>(value);
+        if (reader.size() > PinnedLength)
+            row.keep();
         std::span<const std::uint8_t> piece = reader.next();
-        Bytes whole;
-        if (piece.size() < reader.size()) {
-            whole.reserve(reader.size());
+        Bytes& whole = column.type == ColumnType::Ole ? alternative<Bytes>(value) : scratch();
+        whole.clear();
+        if (piece.size() < reader.size() || column.type == ColumnType::Ole) {
             for (; !piece.empty(); piece = reader.next())
                 whole.insert(whole.end(), piece.begin(), piece.end());
             piece = whole;
         }
-        if (!DecodeText(piece, text))
+        if (column.type == ColumnType::Memo && !DecodeText(piece, alternative<std::u16string>(value)))
             Damaged(row.page(), "column '" + ToUtf8(column.name) + "' holds no text");
-    } else if (column.type == ColumnType::Ole) {
-        ReadLongValue(pager, row.bytes(column), row.page(), alternative<Bytes>(value));
     } else {
         DecodeStored(column, row.bytes(column), row.page(), value);
     }

@@ -4,6 +4,7 @@
 #include "jet/TableDefinition.h"
 
 #include <functional>
+#include <memory>
 #include <span>
 
 namespace jet {
@@ -11,7 +12,9 @@ namespace jet {
 // Longest row that a page is asked to hold.
 inline constexpr int MaximumRowLength = 4060;
 
-// A row where it lies, on a page or elsewhere: nothing is copied, so it lives as long as the bytes.
+// A row where it lies, on a page or elsewhere: nothing is copied, so it lives as long as the bytes. Of a row
+// on a page that is until the next call that is no reading (see Pager::read()): take a Reading around
+// fetching a row and using its view.
 class RowView {
 public:
     RowView() = default;
@@ -27,11 +30,14 @@ public:
     // All bytes of the row.
     std::span<const std::uint8_t> all() const { return bytes_; }
     PageNumber page() const { return page_; }
+    // Copies the bytes, so that the view outlives the page's stay in memory.
+    void keep() const;
 
 private:
     bool maskBit(int number) const;
 
-    std::span<const std::uint8_t> bytes_;
+    mutable std::span<const std::uint8_t> bytes_;
+    mutable std::shared_ptr<const Bytes> kept_;
     PageNumber page_ = 0;
     int columns_ = 0;     // column count stored in the row
     int variables_ = 0;   // variable columns stored in the row

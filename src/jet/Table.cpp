@@ -2,6 +2,8 @@
 
 #include "jet/Damage.h"
 #include "jet/DataPage.h"
+#include "jet/KeyEncoding.h"
+#include "jet/TableWriter.h"
 
 namespace jet {
 
@@ -11,6 +13,21 @@ constexpr std::uint8_t LastSlot = 254;
 constexpr int PointerLength = 4;
 
 } // namespace
+
+Table::Table(Pager& pager, PageNumber definitionPage, std::u16string name, const PropertyBlob& properties)
+    : pager_(&pager)
+    , name_(std::move(name)) {
+    const Reading reading(pager);
+    definition_ = std::make_unique<TableDefinition>(ReadTableDefinition(pager, definitionPage));
+    const bool isSystem = definition_->type == TableDefinition::SystemTable;
+    for (const Column& column : definition_->columns)
+        rules_.push_back({properties.flag(column.name, u"Required"),
+                          isSystem || !column.isText() || properties.flag(column.name, u"AllowZeroLength")});
+}
+
+Table::Table(Table&&) noexcept = default;
+Table& Table::operator=(Table&&) noexcept = default;
+Table::~Table() = default;
 
 bool Table::isOwn(const std::uint8_t* page) const {
     return datapage::IsDataPage(page) && datapage::Owner(page) == definition_->page;
@@ -43,6 +60,7 @@ std::uint32_t Table::rowCount() const {
 }
 
 bool Table::next(RowPointer& at, RowView& row) const {
+    const Reading reading(*pager_);
     const UsageMap owned(*pager_, definition_->ownedMap);
     PageNumber number = at.page;
     int slot = at.row + 1;
@@ -70,6 +88,7 @@ bool Table::next(RowPointer& at, RowView& row) const {
 }
 
 bool Table::previous(RowPointer& at, RowView& row) const {
+    const Reading reading(*pager_);
     const UsageMap owned(*pager_, definition_->ownedMap);
     PageNumber number = at.page;
     int slot = at.row - 1;
@@ -98,6 +117,7 @@ bool Table::previous(RowPointer& at, RowView& row) const {
 }
 
 bool Table::fetch(RowPointer at, RowView& row) const {
+    const Reading reading(*pager_);
     if (at.page == 0 || at.page >= pager_->pageCount())
         return false;
     const std::uint8_t* page = pager_->read(at.page);
@@ -112,6 +132,75 @@ void Table::values(const RowView& row, std::vector<Value>& into) const {
     into.resize(definition_->columns.size());
     for (std::size_t i = 0; i < into.size(); ++i)
         DecodeColumn(*pager_, row, definition_->columns[i], into[i]);
+}
+
+IndexTree Table::index(int realIndex) const {
+    const RealIndex& index = definition_->realIndexes.at(static_cast<std::size_t>(realIndex));
+    return IndexTree(*pager_, index.root, definition_->page, UsageMap(*pager_, index.pages));
+}
+
+void Table::checkWritable() const {
+    for (const RealIndex& index : definition_->realIndexes)
+        for (const IndexColumn& part : index.columns) {
+            const Column& column =
+                definition_->columns[static_cast<std::size_t>(definition_->findColumnNumber(part.number))];
+            if (!IsOrderKnown(column))
+                throw Error(ErrorNumber::CannotUpdateReadOnly,
+                            "table '" + ToUtf8(name_) + "' has an index on '" + ToUtf8(column.name) +
+                                "' in an order that is not known here");
+        }
+}
+
+TableWriter& Table::writer() {
+    if (writer_ == nullptr) {
+        checkWritable();
+        writer_ = std::make_unique<TableWriter>(*pager_, *definition_, rules_);
+    }
+    return *writer_;
+}
+
+// Runs the two halves of a change as one transaction. When the first one refuses, nothing was changed yet,
+// and a transaction around this one goes on.
+template<class Prepare, class Apply>
+void Table::change(Prepare prepare, Apply apply) {
+    Changing change(*pager_);
+    try {
+        prepare(writer());
+    } catch (const Error&) {
+        change.commit();
+        throw;
+    }
+    apply(writer());
+    change.commit();
+}
+
+RowPointer Table::insert(std::span<Value> values) {
+    RowPointer at;
+    change([&](TableWriter& writer) { writer.prepareInsert(values); },
+           [&](TableWriter& writer) { at = writer.insert(); });
+    return at;
+}
+
+void Table::update(RowPointer at, std::span<const FieldChange> changes) {
+    change(
+        [&](TableWriter& writer) {
+            RowView row;
+            if (!fetch(at, row))
+                throw Error(ErrorNumber::RecordDeleted);
+            writer.prepareUpdate(row, changes);
+        },
+        [&](TableWriter& writer) { writer.update(at); });
+}
+
+void Table::remove(RowPointer at) {
+    change(
+        [&](TableWriter& writer) {
+            RowView row;
+            if (!fetch(at, row))
+                throw Error(ErrorNumber::RecordDeleted);
+            writer.prepareRemove(row);
+        },
+        [&](TableWriter& writer) { writer.remove(at); });
 }
 
 } // namespace jet

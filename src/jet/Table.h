@@ -5,6 +5,7 @@
 // open a new one.
 #pragma once
 
+#include "jet/IndexTree.h"
 #include "jet/PropertyBlob.h"
 #include "jet/Row.h"
 #include "jet/UsageMap.h"
@@ -16,6 +17,12 @@ namespace jet {
 struct FieldChange {
     int column = 0; // position in definition().columns
     Value value;
+};
+
+// What the properties of a column demand of its values.
+struct FieldRule {
+    bool required = false;
+    bool zeroLength = true; // empty text is allowed
 };
 
 class TableWriter;
@@ -69,23 +76,20 @@ public:
     // Whether rows may be changed: throws CannotUpdateReadOnly if an index is in an order not known here.
     void checkWritable() const;
 
-    // The key bytes of a row in one of definition().realIndexes; false: the index takes no entry for it.
-    bool key(int realIndex, std::span<const Value> values, Bytes& into) const;
+    // One of definition().realIndexes.
+    IndexTree index(int realIndex) const;
 
 private:
-    friend class TableWriter;
-    struct Rule {
-        bool required = false;
-        bool zeroLength = true;
-    };
     bool view(const std::uint8_t* page, RowPointer at, RowView& row) const;
     bool isOwn(const std::uint8_t* page) const;
     TableWriter& writer();
+    template<class Prepare, class Apply>
+    void change(Prepare prepare, Apply apply);
 
     Pager* pager_;
     std::u16string name_;
     std::unique_ptr<TableDefinition> definition_; // stays where it is when the table is moved
-    std::vector<Rule> rules_;
+    std::vector<FieldRule> rules_;
     std::unique_ptr<TableWriter> writer_; // made for the first change
 };
 

@@ -184,6 +184,8 @@ std::vector<PageNumber> UsageMap::bitmapPages() const {
 }
 
 void UsageMap::add(PageNumber page) {
+    if (contains(page))
+        return;
     MapRow map = readRow(*pager_, row_);
     if (map.isInline()) {
         const Bits bits = map.bits();
