@@ -46,19 +46,16 @@ public:
     std::uint32_t distinctKeys() const { return distinct_; }
 
 private:
-    struct Level;
-    void writeLeaf(PageNumber next);
+    PageNumber allocate();
+    void writeLeaf(PageNumber page, PageNumber next);
+    bool buildLevel(int level);
 
     IndexTree tree_;
-    Bytes leaf_;                    // whole entries of the leaf that is being filled
-    std::vector<std::size_t> ends_; // where each of them ends
-    std::size_t total_ = 0;
-    Bytes separators_; // last entries of the finished leaves
-    std::vector<std::size_t> separatorEnds_;
-    std::vector<PageNumber> leaves_;
-    PageNumber page_ = 0; // of the leaf; 0: not known yet
-    PageNumber previous_ = 0;
-    Bytes last_;
+    UsageMap map_;
+    indexpage::Entries leaf_;     // of the leaf that is being filled
+    indexpage::Entries children_; // last entry of each finished page of a level, and the page
+    PageNumber page_ = 0;         // of the leaf that is being filled; 0: it may be the root
+    PageNumber previous_ = 0;     // the finished leaf before
     std::uint32_t entries_ = 0;
     std::uint32_t distinct_ = 0;
 };

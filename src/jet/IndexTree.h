@@ -6,14 +6,10 @@
 // a page that does not hold what it should throws ReadVerification.
 #pragma once
 
+#include "jet/IndexPage.h"
 #include "jet/UsageMap.h"
-#include "jet/Value.h"
-
-#include <span>
 
 namespace jet {
-
-using KeyView = std::span<const std::uint8_t>;
 
 class IndexTree {
 public:
@@ -51,9 +47,6 @@ public:
     bool remove(KeyView key, RowPointer row);
 
 private:
-    friend class IndexCursor;
-    friend class IndexBuilder;
-
     Pager* pager_;
     PageNumber root_;
     PageNumber table_;
@@ -88,24 +81,24 @@ public:
     bool next();
     bool previous();
 
+    // Whether it has an entry, or a place between entries.
     bool valid() const { return valid_; }
     // Of the entry; until the next move.
-    KeyView key() const { return {entry_.data(), entry_.size() - 4}; }
-    RowPointer row() const;
+    KeyView key() const { return entry_.key(); }
+    RowPointer row() const { return entry_.row(); }
     // Whether the entry's key begins with these bytes.
     bool matches(KeyView key) const;
 
 private:
-    bool take(const std::uint8_t* page, int offset);
-    bool seek(KeyView target, bool past);
+    const std::uint8_t* page(PageNumber number);
     bool stillThere();
-    bool forward(PageNumber page, int offset);
-    bool backward(PageNumber page, int offset);
+    bool forward(PageNumber number, int offset, bool ascending);
+    bool backward(PageNumber number, int offset, bool descending);
 
     IndexTree tree_;
-    Bytes entry_; // key and row pointer
-    PageNumber page_ = 0;
-    int offset_ = 0; // where the entry lies on its page
+    indexpage::EntryBuffer entry_;
+    PageNumber page_ = 0; // where the entry lay when it was met; 0: not known
+    int offset_ = 0;
     bool valid_ = false;
 };
 

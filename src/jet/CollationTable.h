@@ -1,0 +1,25 @@
+// What each character brings into a text's key, as the General order has it.
+#pragma once
+
+#include <cstdint>
+
+namespace jet {
+
+struct CharacterOrder {
+    enum class Kind : std::uint8_t {
+        Ignored,
+        Letter,   // has a weight: any character that counts by itself, or two letters in one (ss, ae)
+        Accented, // a weight, and an accent for each of its positions
+        Minor,    // hyphens, apostrophes, controls: count by their place, behind everything else
+        Mark,     // changes the accent of the letter before it
+    };
+    Kind kind = Kind::Ignored;
+    std::uint8_t positions = 0; // letters it stands for
+    std::uint16_t weight = 0;   // one byte, or two with the high one first; 0: none
+    std::uint16_t code = 0; // accent (two positions: that of the first in the high byte), Minor or Mark code
+};
+
+// Null: the place of this UTF-16 unit in the order is not known.
+const CharacterOrder* FindCharacterOrder(char16_t unit);
+
+} // namespace jet

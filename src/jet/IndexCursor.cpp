@@ -1,0 +1,140 @@
+#include "jet/Damage.h"
+#include "jet/IndexPath.h"
+
+#include <cstring>
+
+namespace jet {
+
+using namespace indexpage;
+
+// A leaf, checked.
+const std::uint8_t* IndexCursor::page(PageNumber number) {
+    const std::uint8_t* page = ReadIndexPage(tree_, number);
+    if (!IsLeaf(page))
+        Damaged(number, "is no leaf of the index");
+    return page;
+}
+
+// Takes the entry at a place of a leaf, or the first one of the leaves behind it. `ascending`: it comes from
+// an entry, and all entries of the leaves behind must be above that one, so that a list that runs in a circle
+// ends.
+bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
+    const std::uint8_t* leaf = page(number);
+    for (PageNumber steps = 0; offset >= Used(leaf); ++steps) {
+        number = Next(leaf);
+        if (number == 0)
+            return valid_ = false;
+        if (steps > tree_.pager().pageCount())
+            Damaged(number, "lies on a circle of index pages");
+        leaf = page(number);
+        offset = Prefix(leaf);
+        if (ascending && Find(leaf, entry_.view(), true) != offset)
+            Damaged(number, "is out of order in the index");
+    }
+    CopyEntry(leaf, number, offset, entry_);
+    page_ = number;
+    offset_ = offset;
+    return valid_ = true;
+}
+
+// The same for the entry before a place.
+bool IndexCursor::backward(PageNumber number, int offset, bool descending) {
+    const std::uint8_t* leaf = page(number);
+    for (PageNumber steps = 0; offset <= Prefix(leaf); ++steps) {
+        number = Previous(leaf);
+        if (number == 0)
+            return valid_ = false;
+        if (steps > tree_.pager().pageCount())
+            Damaged(number, "lies on a circle of index pages");
+        leaf = page(number);
+        offset = Used(leaf);
+        if (descending && Find(leaf, entry_.view(), false) != offset)
+            Damaged(number, "is out of order in the index");
+    }
+    offset = Before(leaf, offset);
+    CopyEntry(leaf, number, offset, entry_);
+    page_ = number;
+    offset_ = offset;
+    return valid_ = true;
+}
+
+bool IndexCursor::first() {
+    return seekFrom({});
+}
+
+bool IndexCursor::last() {
+    return seekUpTo({});
+}
+
+bool IndexCursor::seekFrom(KeyView key) {
+    IndexPath path;
+    Descend(tree_, key, false, path);
+    return forward(path.leaf().page, path.leaf().offset, false);
+}
+
+bool IndexCursor::seekPast(KeyView key) {
+    IndexPath path;
+    Descend(tree_, key, true, path);
+    return forward(path.leaf().page, path.leaf().offset, false);
+}
+
+bool IndexCursor::seekBefore(KeyView key) {
+    IndexPath path;
+    Descend(tree_, key, false, path);
+    return backward(path.leaf().page, path.leaf().offset, false);
+}
+
+bool IndexCursor::seekUpTo(KeyView key) {
+    IndexPath path;
+    Descend(tree_, key, true, path);
+    return backward(path.leaf().page, path.leaf().offset, false);
+}
+
+bool IndexCursor::seekEntry(KeyView key, RowPointer row) {
+    const EntryBuffer entry(key, row);
+    IndexPath path;
+    const std::uint8_t* leaf = Descend(tree_, entry.view(), false, path);
+    page_ = path.leaf().page;
+    offset_ = path.leaf().offset;
+    const bool found = HoldsEntry(leaf, offset_, entry.view());
+    std::memcpy(entry_.bytes, entry.bytes, entry.size);
+    entry_.size = entry.size;
+    valid_ = true;
+    return found;
+}
+
+// Whether the entry lies where it was met. The page may have been freed meanwhile and may serve another index
+// of the table, so that the map is asked first.
+bool IndexCursor::stillThere() {
+    if (!tree_.pages().contains(page_))
+        return false;
+    const std::uint8_t* leaf = ReadIndexPage(tree_, page_);
+    return IsLeaf(leaf) && HoldsEntry(leaf, offset_, entry_.view());
+}
+
+bool IndexCursor::next() {
+    if (!valid_)
+        return false;
+    if (stillThere())
+        return forward(page_, End(page(page_), offset_), true);
+    IndexPath path;
+    Descend(tree_, entry_.view(), true, path);
+    return forward(path.leaf().page, path.leaf().offset, true);
+}
+
+bool IndexCursor::previous() {
+    if (!valid_)
+        return false;
+    if (stillThere())
+        return backward(page_, offset_, true);
+    IndexPath path;
+    Descend(tree_, entry_.view(), false, path);
+    return backward(path.leaf().page, path.leaf().offset, true);
+}
+
+bool IndexCursor::matches(KeyView key) const {
+    return valid_ && entry_.size >= key.size() + RowLength &&
+           std::memcmp(entry_.bytes, key.data(), key.size()) == 0;
+}
+
+} // namespace jet

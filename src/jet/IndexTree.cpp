@@ -1,0 +1,100 @@
+#include "jet/IndexTree.h"
+
+#include "jet/Damage.h"
+#include "jet/IndexChange.h"
+#include "jet/IndexPath.h"
+#include "jet/KeyEncoding.h"
+
+namespace jet {
+
+using namespace indexpage;
+
+static_assert(MaximumKeyLength + RowLength == MaximumEntry);
+
+const std::uint8_t* Descend(const IndexTree& tree, KeyView target, bool past, IndexPath& path) {
+    PageNumber number = tree.root();
+    for (path.depth = 0; path.depth < IndexPath::MaximumDepth;) {
+        const std::uint8_t* page = ReadIndexPage(tree, number);
+        const int offset = Find(page, target, past);
+        path.steps[path.depth++] = {number, offset};
+        if (IsLeaf(page))
+            return page;
+        number = Child(page, number, offset);
+    }
+    Damaged(tree.root(), "is the root of an index with too many levels");
+}
+
+void IndexTree::create() {
+    Format(pager_->edit(root_), {.table = table_});
+    pages_.add(root_);
+}
+
+void IndexTree::clear() {
+    for (PageNumber page = pages_.next(0); page != 0; page = pages_.next(page + 1)) {
+        if (page == root_)
+            continue;
+        pages_.remove(page);
+        pager_->release(page);
+    }
+    create();
+}
+
+void IndexTree::destroy() {
+    const std::vector<PageNumber> all = pages_.pages();
+    pages_.clear();
+    for (const PageNumber page : all)
+        pager_->release(page);
+}
+
+bool IndexTree::contains(KeyView key) const {
+    IndexPath path;
+    const std::uint8_t* page = Descend(*this, key, false, path);
+    int offset = path.leaf().offset;
+    // Behind the end of a leaf the entry can only lie in the next one, and only if a node of someone else's
+    // making says more of its child than is in it.
+    for (PageNumber steps = 0; offset >= Used(page) && Next(page) != 0; ++steps) {
+        const PageNumber next = Next(page);
+        if (steps > pager_->pageCount())
+            Damaged(next, "lies on a circle of index pages");
+        page = ReadIndexPage(*this, next);
+        if (!IsLeaf(page))
+            Damaged(next, "is no leaf of the index");
+        offset = Prefix(page);
+    }
+    return HoldsKey(page, offset, key);
+}
+
+bool IndexTree::containsOther(KeyView key, RowPointer row) const {
+    IndexCursor cursor(*this);
+    for (bool more = cursor.seekFrom(key); more && cursor.matches(key); more = cursor.next())
+        if (cursor.row() != row && cursor.key().size() == key.size())
+            return true;
+    return false;
+}
+
+void IndexTree::insert(KeyView key, RowPointer row) {
+    const EntryBuffer entry(key, row);
+    IndexPath path;
+    const std::uint8_t* page = Descend(*this, entry.view(), false, path);
+    const IndexPath::Step leaf = path.leaf();
+    if (HoldsEntry(page, leaf.offset, entry.view()))
+        Damaged(leaf.page, "has an index entry for this row already");
+    if (!Insert(pager_->edit(leaf.page), leaf.offset, entry.view()))
+        IndexChange(*this, path).insert(entry.view());
+}
+
+bool IndexTree::remove(KeyView key, RowPointer row) {
+    const EntryBuffer entry(key, row);
+    IndexPath path;
+    const std::uint8_t* page = Descend(*this, entry.view(), false, path);
+    const IndexPath::Step leaf = path.leaf();
+    if (!HoldsEntry(page, leaf.offset, entry.view()))
+        return false;
+    std::uint8_t* changed = pager_->edit(leaf.page);
+    Remove(changed, leaf.offset);
+    if (leaf.offset >= Used(changed) && path.depth > 1)
+        IndexChange(*this, path).entryRemoved(entry.view());
+    return true;
+}
+
+} // namespace jet
