@@ -45,7 +45,7 @@ void PathInAnotherCase(benchmark::State& state) {
     resolve(state, "C:\\TOLVEX\\SYSTEM\\USERS\\USERS25.MDB");
 }
 void PathOfAMissingFile(benchmark::State& state) {
-    resolve(state, "C:\\TOLVEX\\SYSTEM\\USERS\\MISSING.MDB");
+    resolve(state, "C:\\Tolvex\\System\\Users\\MISSING.MDB");
 }
 BENCHMARK(PathAsSpelled);
 BENCHMARK(PathInAnotherCase);

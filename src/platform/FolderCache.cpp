@@ -56,7 +56,7 @@ const FolderCache::Listing* FolderCache::listing(const QByteArray& folder) {
     if (nameCount_ > mostNames)
         clear();
 
-    Listing fresh;
+    Listing& fresh = listings_[folder];
     fresh.info = info;
     struct timespec now {};
     ::clock_gettime(CLOCK_REALTIME, &now);
@@ -70,11 +70,13 @@ const FolderCache::Listing* FolderCache::listing(const QByteArray& folder) {
             fresh.names.insert(FoldName(text), name);
     }
     nameCount_ += fresh.names.size();
-    return &*listings_.insert(folder, std::move(fresh));
+    return &fresh;
 }
 
-std::optional<QByteArray> FolderCache::find(const QByteArray& folder, const QString& name) {
+std::optional<QByteArray> FolderCache::find(const QByteArray& folder, const QString& name, bool* isFolder) {
     const Listing* names = listing(folder);
+    if (isFolder)
+        *isFolder = names != nullptr;
     if (!names)
         return std::nullopt;
     const QByteArray exact = name.toUtf8();

@@ -19,9 +19,9 @@ class FolderCache {
 public:
     // The name in `folder` (a host path) that `name` means: the exact spelling; else one that differs in case
     // only, the first in byte order; else the one that has it for its short name. Nothing when there is none.
-    // Names that are not UTF-8 are not seen. Cost: one stat and one hash look-up while the folder is
-    // unchanged.
-    std::optional<QByteArray> find(const QByteArray& folder, const QString& name);
+    // Names that are not UTF-8 are not seen. *isFolder tells whether `folder` is one. Cost: one stat and one
+    // hash look-up while the folder is unchanged.
+    std::optional<QByteArray> find(const QByteArray& folder, const QString& name, bool* isFolder = nullptr);
 
     // Whether `name`'s short form means `name` and no other one in its folder.
     bool hasShortName(const QByteArray& folder, const QString& name);

@@ -47,7 +47,7 @@ constexpr ShellFolder shellFolders[] = {
 };
 
 QString defaultMachineFolder() {
-    if (const QString chosen = qEnvironmentVariable("TOLVEX_HOME"); !chosen.isEmpty())
+    if (QString chosen = qEnvironmentVariable("TOLVEX_HOME"); !chosen.isEmpty())
         return chosen;
     // A relative data folder does not count, says the convention that defines it.
     QString data = qEnvironmentVariable("XDG_DATA_HOME");

@@ -11,6 +11,8 @@ bool isDriveAt(const QString& path) {
 // "COM1" to "COM256" and "LPT1" the like, with or without a colon behind, name a device wherever they stand
 // alone. Gives the name of its link, or an empty text.
 QString deviceLink(const QString& path) {
+    if (path.size() > 7)
+        return {};
     QString name = path.toLower();
     if (name.endsWith(u':'))
         name.chop(1);

@@ -100,6 +100,16 @@ QString HostPath(const QString& path, BareName bareName) {
     if (isThere(spelled))
         return QString::fromUtf8(spelled);
 
+    // The same of its folder: most often only the last name is new, or spelled in another way.
+    if (!parts->names.isEmpty()) {
+        const QByteArray folder = spelled.left(spelled.lastIndexOf('/'));
+        bool isFolder = false;
+        const std::optional<QByteArray> found =
+            pathState().folders.find(folder, parts->names.last(), &isFolder);
+        if (isFolder)
+            return QString::fromUtf8(folder + '/' + found.value_or(parts->names.last().toUtf8()));
+    }
+
     std::optional<QByteArray> host = resolveRoot(parts->root);
     if (!host)
         return {};

@@ -30,7 +30,7 @@ QString findProgram(const QString& program) {
         for (const QString& folder : {ApplicationFolder(), CurrentFolder(), SystemFolder(), WindowsFolder()})
             if (const QString path = folder + u'\\' + name; FileExists(path))
                 return HostPath(path);
-        if (const QString onPath = QStandardPaths::findExecutable(name); !onPath.isEmpty())
+        if (QString onPath = QStandardPaths::findExecutable(name); !onPath.isEmpty())
             return onPath;
     }
     return {};

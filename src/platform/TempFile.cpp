@@ -27,9 +27,8 @@ QString MakeTempFile(const QString& folder, const QString& prefix, int* error) {
     const unsigned first = firstNumber();
     for (unsigned i = 0; i < numbers && failed == FileAlreadyExists; ++i) {
         const QString number = QString::number((first + i) % numbers + 1, 16).toUpper();
-        const QString path = folder + (folder.endsWith(u'\\') ? QString() : QStringLiteral("\\")) +
-                             prefix.left(prefixLength) + number.rightJustified(4, u'0') +
-                             QStringLiteral(".TMP");
+        QString path = folder + (folder.endsWith(u'\\') ? QString() : QStringLiteral("\\")) +
+                       prefix.left(prefixLength) + number.rightJustified(4, u'0') + QStringLiteral(".TMP");
         const ResolvedPath at(path);
         failed = at.asNew();
         if (failed != NoError)

@@ -137,6 +137,6 @@ TEST(WaveNumbers, SurviveTheirFileAndAnythingElseInIt) {
     EXPECT_EQ(text.count('\n'), 3);
     EXPECT_EQ(WriteKnownWaveDevices(ReadKnownWaveDevices(text)), text);
     EXPECT_EQ(WriteKnownWaveDevices(
-                  ReadKnownWaveDevices("\n\x00\xFF\tout\nout\t\t\t4\tx\nup\t\tid\t4\tx\nout\tx\n" + text)),
+                  ReadKnownWaveDevices("\n\xFF\tout\nout\t\t\t4\tx\nup\t\tid\t4\tx\nout\tx\n" + text)),
               text);
 }
