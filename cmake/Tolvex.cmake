@@ -11,7 +11,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Test)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Test Xml)
 find_package(GTest REQUIRED)
 find_package(Threads REQUIRED)
 if(NOT WIN32)

@@ -82,6 +82,9 @@ QAbstractItemView, QTextEdit, QPlainTextEdit, QTextBrowser { background: %surfac
     border: 1px solid %line%; border-radius: 6px; selection-background-color: %selection%;
     selection-color: #ffffff; }
 QAbstractItemView:focus, QTextEdit:focus, QPlainTextEdit:focus { border-color: %accent%; }
+QGroupBox { border: none; margin-top: 8px; padding-top: 20px; }
+QGroupBox::title { subcontrol-origin: margin; left: 0; top: 4px; color: %quiet%; }
+QListView::item { padding: 4px 6px; }
 QMenuBar { background: %background%; }
 QMenuBar::item { padding: 6px 10px; border-radius: 6px; }
 QMenuBar::item:selected { background: %accentSoft%; }
@@ -90,7 +93,9 @@ QMenu::item { padding: 6px 28px 6px 24px; border-radius: 4px; }
 QMenu::item:selected { background: %accentSoft%; color: %text%; }
 QMenu::item:disabled { color: %quiet%; }
 QMenu::separator { height: 1px; background: %line%; margin: 4px 8px; }
+QScrollArea { background: %surface%; border: 1px solid %line%; border-radius: 6px; }
 QStatusBar { background: %background%; color: %quiet%; }
+QStatusBar QLabel { color: %quiet%; padding: 4px 12px; }
 QStatusBar::item { border: none; }
 QToolTip { background: %surface%; color: %text%; border: 1px solid %line%; padding: 4px; }
 QTabWidget::pane { border: 1px solid %line%; border-radius: 6px; background: %surface%; top: -1px; }

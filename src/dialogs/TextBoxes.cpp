@@ -1,12 +1,18 @@
 #include "dialogs/TextBoxes.h"
 
+#include "dialogs/Style.h"
+
 #include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 
 namespace tolvex {
 
 namespace {
+
+const QString MarkName = QStringLiteral("lblMark");
 
 class SelectOnFocus : public QObject {
 public:
@@ -32,6 +38,30 @@ void SelectAll(QLineEdit* box) {
 
 void SelectAllOnFocus(QLineEdit* box) {
     new SelectOnFocus(box);
+}
+
+void MarkBox(QLineEdit* box, const QString& word) {
+    auto* label = box->findChild<QLabel*>(MarkName);
+    if (!label && word.isEmpty())
+        return;
+    if (!label) {
+        label = new QLabel(box);
+        label->setObjectName(MarkName);
+        auto* layout = new QHBoxLayout(box);
+        layout->setContentsMargins(8, 0, 12, 0);
+        layout->addWidget(label, 0, Qt::AlignRight | Qt::AlignVCenter);
+        label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    label->setText(word);
+    label->setVisible(!word.isEmpty());
+    label->setStyleSheet(
+        QStringLiteral("color: %1; background: transparent;").arg(tokens().warningText.name()));
+    box->setStyleSheet(word.isEmpty()
+                           ? QString()
+                           : QStringLiteral("QLineEdit { border-color: %1; }").arg(tokens().warning.name()));
+    const int room = word.isEmpty() ? 0 : label->sizeHint().width() + 12;
+    box->setTextMargins(0, 0, room, 0);
+    box->setAccessibleDescription(word);
 }
 
 void TypeInUpperCase(QLineEdit* box) {

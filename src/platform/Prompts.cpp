@@ -25,7 +25,6 @@ public:
         return std::nullopt;
     }
     std::optional<qint32> pickColour(qint32) override { return std::nullopt; }
-    std::optional<WaveFormat> pickWaveFormat(const WaveFormat&) override { return std::nullopt; }
     std::unique_ptr<Progress> beginProgress(const QString&, bool) override {
         return std::make_unique<SilentProgress>();
     }

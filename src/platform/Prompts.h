@@ -67,7 +67,8 @@ public:
                                            const QString& initial) = 0;
     // Colours are blue-green-red integers.
     virtual std::optional<qint32> pickColour(qint32 initial) = 0;
-    virtual std::optional<WaveFormat> pickWaveFormat(const WaveFormat& initial) = 0;
+    // The choosers of audio formats and printers are windows: without any, they are cancelled.
+    virtual std::optional<WaveFormat> pickWaveFormat(const WaveFormat& /*initial*/) { return std::nullopt; }
     // Lets the user choose printer, copies and range; false on Cancel. Where there are no windows nobody
     // prints.
     virtual bool pickPrinter(QPrinter& /*printer*/, bool /*withSelection*/) { return false; }

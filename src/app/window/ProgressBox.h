@@ -1,0 +1,25 @@
+// The box of a long job: what, how far, how long yet, Stop. It appears only when the job takes longer than a
+// moment.
+#pragma once
+
+#include "platform/Prompts.h"
+
+#include <QElapsedTimer>
+#include <QProgressDialog>
+
+namespace tolvex {
+
+class ProgressBox : public platform::Progress {
+public:
+    ProgressBox(const QString& title, bool canStop, QWidget* parent);
+    bool step(qint64 done, qint64 total, const QString& what) override;
+
+private:
+    QString remaining(qint64 done, qint64 total) const;
+
+    QProgressDialog box_;
+    QElapsedTimer clock_;
+    qint64 lastShown_ = -1;
+};
+
+} // namespace tolvex

@@ -1,0 +1,221 @@
+#include "app/window/QtPrompts.h"
+
+#include "app/window/ProgressBox.h"
+#include "console/forms/frmMultiConfig.h"
+#include "console/forms/frmSplash.h"
+#include "core/Product.h"
+#include "core/Settings.h"
+#include "dialogs/Colours.h"
+#include "dialogs/Monitors.h"
+#include "dialogs/frmGoodInputBox.h"
+#include "dialogs/frmPrintPreview.h"
+#include "platform/Paths.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QUrl>
+
+namespace tolvex {
+
+namespace {
+
+using platform::Answer;
+using platform::Buttons;
+
+struct ButtonRow {
+    Buttons buttons;
+    QMessageBox::StandardButtons shown;
+};
+const ButtonRow buttonRows[] = {
+    {Buttons::Ok, QMessageBox::Ok},
+    {Buttons::OkCancel, QMessageBox::Ok | QMessageBox::Cancel},
+    {Buttons::YesNo, QMessageBox::Yes | QMessageBox::No},
+    {Buttons::YesNoCancel, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel},
+};
+
+struct AnswerRow {
+    Answer answer;
+    QMessageBox::StandardButton button;
+};
+constexpr AnswerRow answerRows[] = {
+    {Answer::Ok, QMessageBox::Ok},
+    {Answer::Cancel, QMessageBox::Cancel},
+    {Answer::Yes, QMessageBox::Yes},
+    {Answer::No, QMessageBox::No},
+};
+
+QMessageBox::Icon iconOf(platform::Icon icon) {
+    switch (icon) {
+    case platform::Icon::Stop:
+        return QMessageBox::Critical;
+    case platform::Icon::Question:
+        return QMessageBox::Question;
+    case platform::Icon::Exclamation:
+        return QMessageBox::Warning;
+    case platform::Icon::Information:
+        return QMessageBox::Information;
+    case platform::Icon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+// "Programs|*.EXE;*.COM|All|*.*" as Qt's choosers take it; names match in either case.
+QString filterOf(const QString& filter) {
+    const QStringList parts = filter.split(u'|');
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QStringList patterns;
+        for (const QString& pattern :
+             QString(parts[i + 1]).replace(u' ', u';').split(u';', Qt::SkipEmptyParts)) {
+            const QString each = pattern == u"*.*" ? QStringLiteral("*") : pattern;
+            patterns.append(each);
+            if (each != each.toLower())
+                patterns.append(each.toLower());
+        }
+        filters.append(parts[i] + QStringLiteral(" (") + patterns.join(u' ') + u')');
+    }
+    return filters.join(QStringLiteral(";;"));
+}
+
+QString hostFolder(const QString& windowsPath) {
+    const QString host = platform::HostPath(windowsPath.isEmpty() ? platform::CurrentFolder() : windowsPath);
+    return host.isEmpty() ? platform::HostPath(QStringLiteral("C:\\")) : host;
+}
+
+} // namespace
+
+QtPrompts::~QtPrompts() {
+    delete splash_;
+}
+
+Answer QtPrompts::ask(const platform::Message& message) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setWindowTitle(message.title.isEmpty() ? QString::fromLatin1(ProductName) : message.title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(message.text);
+    box.setIcon(iconOf(message.icon));
+    for (const ButtonRow& row : buttonRows)
+        if (row.buttons == message.buttons)
+            box.setStandardButtons(row.shown);
+    if (message.buttons == Buttons::YesNo)
+        box.setEscapeButton(QMessageBox::No);
+    for (const AnswerRow& row : answerRows)
+        if (message.defaultAnswer == row.answer)
+            box.setDefaultButton(row.button);
+    // The wait pointer over a question would tell the user to wait for himself.
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    const int pressed = box.exec();
+    for (const AnswerRow& row : answerRows)
+        if (pressed == row.button)
+            return row.answer;
+    return Answer::Cancel;
+}
+
+std::optional<QString> QtPrompts::pickFile(const platform::FileQuestion& question) {
+    QFileDialog chooser(QApplication::activeWindow(), question.title, hostFolder(question.folder),
+                        filterOf(question.filter));
+    chooser.setOption(QFileDialog::DontUseNativeDialog);
+    chooser.setAcceptMode(question.saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    chooser.setFileMode(question.mustExist && !question.saving ? QFileDialog::ExistingFile
+                                                               : QFileDialog::AnyFile);
+    chooser.setDefaultSuffix(question.defaultExtension);
+    if (!question.fileName.isEmpty() && !question.fileName.contains(u'*'))
+        chooser.selectFile(question.fileName);
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty())
+        return std::nullopt;
+    return platform::WindowsPath(chooser.selectedFiles().front());
+}
+
+std::optional<QString> QtPrompts::pickFolder(const QString& prompt, const QString& start) {
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    const QString chosen =
+        QFileDialog::getExistingDirectory(QApplication::activeWindow(), prompt, hostFolder(start),
+                                          QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
+    if (chosen.isEmpty())
+        return std::nullopt;
+    return platform::WindowsPath(chosen);
+}
+
+std::optional<QString> QtPrompts::askText(const QString& prompt, const QString& title,
+                                          const QString& initial) {
+    QString answer;
+    if (GoodInputBox(prompt, title, initial, 0, answer, QApplication::activeWindow()))
+        return std::nullopt;
+    return answer;
+}
+
+std::optional<qint32> QtPrompts::pickColour(qint32 initial) {
+    const QColor chosen =
+        QColorDialog::getColor(ToColor(initial, QApplication::palette()), QApplication::activeWindow(), {},
+                               QColorDialog::DontUseNativeDialog);
+    if (!chosen.isValid())
+        return std::nullopt;
+    return FromColor(chosen);
+}
+
+bool QtPrompts::pickPrinter(QPrinter& printer, bool withSelection) {
+    QPrintDialog chooser(&printer, QApplication::activeWindow());
+    chooser.setOption(QAbstractPrintDialog::PrintSelection, withSelection);
+    chooser.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    return chooser.exec() == QDialog::Accepted;
+}
+
+std::unique_ptr<platform::Progress> QtPrompts::beginProgress(const QString& title, bool canStop) {
+    return std::make_unique<ProgressBox>(title, canStop, QApplication::activeWindow());
+}
+
+void QtPrompts::setPointer(platform::Pointer pointer) {
+    if (pointer == pointer_)
+        return;
+    pointer_ = pointer;
+    if (pointer == platform::Pointer::Wait)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void QtPrompts::splash(const QString& status) {
+    if (!splash_) {
+        splash_ = new frmSplash;
+        splash_->adjustSize();
+        clsMonitors().CenterFormOnMonitor(splash_);
+        splash_->show();
+    }
+    splash_->setCurrentAction(status);
+    processEvents();
+}
+
+void QtPrompts::hideSplash() {
+    delete splash_;
+}
+
+void QtPrompts::showUpdateNotice(const QString& file, const QString& caption) {
+    frmPrintPreview notice;
+    notice.setWindowTitle(caption);
+    notice.LoadFile(file);
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    notice.show();
+    while (notice.isVisible())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+QString QtPrompts::chooseConfigurationSet(const QString& registryKey, const QString& defaultIni) {
+    frmMultiConfig(registryKey, defaultIni).exec();
+    return settings().LocalIniFile;
+}
+
+void QtPrompts::openAddress(const QString& address) {
+    QDesktopServices::openUrl(QUrl(address));
+}
+
+void QtPrompts::processEvents() {
+    QCoreApplication::processEvents();
+}
+
+} // namespace tolvex

@@ -1,0 +1,74 @@
+// The window program.
+#include "app/window/QtPrompts.h"
+#include "console/ScreenFacts.h"
+#include "console/StartUp.h"
+#include "console/forms/frmConfigure.h"
+#include "core/Product.h"
+#include "dialogs/Monitors.h"
+#include "dialogs/Style.h"
+#include "platform/Paths.h"
+#include "platform/SingleInstance.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QScreen>
+
+namespace {
+
+using namespace tolvex;
+
+void tellScreens() {
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    if (!primary)
+        return;
+    ScreenFacts& facts = screenFacts();
+    const clsMonitors monitors;
+    facts.PrimaryWidth = primary->geometry().width();
+    facts.PrimaryHeight = primary->geometry().height();
+    facts.WorkAreaBottom = primary->availableGeometry().bottom() + 1;
+    facts.DesktopWidth = monitors.DesktopWidth();
+    facts.DesktopHeight = monitors.DesktopHeight();
+    facts.MonitorWidths.clear();
+    for (qint16 i = 1; i <= monitors.Count(); ++i)
+        facts.MonitorWidths.append(monitors.Monitor(i)->Width);
+}
+
+// The command line as it was typed. What the shell took apart is put together again with single blanks.
+QString typedCommandLine(const QStringList& arguments) {
+    return arguments.mid(1).join(u' ');
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QString::fromLatin1(ProductName));
+    QApplication::setQuitOnLastWindowClosed(false);
+    ApplyStyle(application, DesktopScheme(application));
+
+    QString why;
+    if (!platform::SetMachineFolder({}, &why)) {
+        QMessageBox::critical(nullptr, QString::fromLatin1(ProductName), why);
+        return 3;
+    }
+    QtPrompts prompts;
+    platform::setPrompts(&prompts);
+    SetTypedCommandLine(typedCommandLine(application.arguments()));
+    tellScreens();
+
+    {
+        const platform::SingleInstance instance;
+        frmConfigure console;
+        if (console.load(instance.first())) {
+            clsMonitors().CenterFormOnMonitor(&console);
+            console.show();
+            while (console.isVisible())
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        } else {
+            console.close();
+        }
+    }
+    platform::setPrompts(nullptr);
+    return 0;
+}

@@ -1,0 +1,110 @@
+#include "console/ConfigurationSets.h"
+
+#include "core/Folders.h"
+#include "core/ProblemReport.h"
+#include "core/Registry.h"
+#include "core/TextFields.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/ProfileFile.h"
+#include "platform/RegistryStore.h"
+
+namespace tolvex {
+
+namespace {
+
+const QString General = QStringLiteral("General");
+const QString ConfigName = QStringLiteral("ConfigName");
+const QString ConfigFiles = QStringLiteral("ConfigFiles");
+
+QString readList(const QString& registryKey) {
+    return ReadRegistryString(platform::LocalMachineHive, registryKey, ConfigFiles, QString());
+}
+
+void writeList(const QString& registryKey, const QString& list) {
+    WriteRegistryString(platform::LocalMachineHive, registryKey, ConfigFiles, list, QString());
+}
+
+SetPlace placeOf(const QString& location) {
+    if (location.startsWith(QStringLiteral("\\\\")))
+        return SetPlace::Network;
+    const bool drive = location.size() >= 2 && location[1] == u':';
+    return drive && platform::TypeOfDrive(location[0]) == platform::DriveType::Remote ? SetPlace::NetworkDrive
+                                                                                      : SetPlace::LocalDrive;
+}
+
+QString inFolder(const QString& folder, const QString& name) {
+    return folder + u'\\' + name;
+}
+
+// The file that belongs to a set's name; empty when there is none to delete.
+QString fileOf(const QString& name) {
+    if (name.contains(u'\\') || name.contains(u'/'))
+        return name;
+    const QString windows = inFolder(platform::WindowsFolder(), name);
+    if (FileLength(windows) > 0)
+        return windows;
+    const QString system = inFolder(platform::SystemFolder(), name);
+    return FileLength(system) >= 0 ? system : QString();
+}
+
+} // namespace
+
+QList<ConfigurationSet> ListSets(const QString& registryKey, const QString& defaultIni) {
+    QString list = readList(registryKey);
+    if (list.isEmpty() && !defaultIni.isEmpty()) {
+        writeList(registryKey, defaultIni);
+        platform::WriteProfileText(General, ConfigName, QStringLiteral("Standard Configuration"), defaultIni);
+        list = defaultIni;
+    }
+    QList<ConfigurationSet> sets;
+    for (const QString& file : list.split(u' ', Qt::SkipEmptyParts)) {
+        ConfigurationSet set;
+        set.file = file;
+        set.description = platform::ProfileText(General, ConfigName, file, file).trimmed();
+        set.location =
+            platform::ProfileText(QStringLiteral("FileLocations"), QStringLiteral("Data"), QString(), file);
+        set.place = placeOf(set.location);
+        sets.append(set);
+    }
+    return sets;
+}
+
+QString SetFileName(const QString& answer) {
+    QString name = answer;
+    name.remove(u' ');
+    if (name.isEmpty() || !ValidateCharacters(name, CharacterClass::DigitsAndLetters))
+        return {};
+    return name.right(4).toUpper() == QStringLiteral(".INI") ? name : name + QStringLiteral(".ini");
+}
+
+bool CopySet(const QString& registryKey, const QString& from, const QString& newFile,
+             const QString& description) {
+    const QString source = inFolder(platform::WindowsFolder(), from);
+    const QString target = inFolder(platform::WindowsFolder(), newFile);
+    if (CopyFileWithProgress(source, target, QStringLiteral("Copying Configuration"), false, false) != 0)
+        return false;
+    writeList(registryKey, readList(registryKey) + u' ' + newFile);
+    platform::WriteProfileText(General, ConfigName, description, newFile);
+    return true;
+}
+
+int RenameSet(const QString& file, const QString& description) {
+    return platform::WriteProfileText(General, ConfigName, description, file);
+}
+
+bool DeleteSet(const QString& registryKey, const QString& file) {
+    const QString path = fileOf(file);
+    if (!path.isEmpty()) {
+        if (const int error = platform::RemoveFile(path)) {
+            ProblemReport(QStringLiteral("removing the configuration set"), error);
+            return false;
+        }
+    }
+    QString list = readList(registryKey);
+    list.replace(file, QString(), Qt::CaseInsensitive);
+    writeList(registryKey, list.trimmed());
+    return true;
+}
+
+} // namespace tolvex

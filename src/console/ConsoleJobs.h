@@ -1,0 +1,61 @@
+// The console's buttons as one table: for each its caption, what is checked first, which form it opens and
+// how. The form's layout, its enabling rules, menus and search all work from these rows.
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+#include <span>
+
+namespace tolvex {
+
+enum class ConsoleTab { LocalSettings, GlobalSettings, DatabaseUtilities, AutoConfig };
+
+struct ConsoleTabRow {
+    ConsoleTab tab;
+    const char* caption;
+    int helpContext;
+};
+std::span<const ConsoleTabRow> ConsoleTabs();
+
+// What has to hold before a job's form opens.
+enum class JobCheck { None, DataLocationSet, FirstCartLocationSet };
+
+// When a job's button is enabled.
+enum class JobEnabling { Always, DataLocationExists, FirstCartLocationExists };
+
+// How the form is opened. Waited: without modality, the console disabled until the form is closed. Routine:
+// no form.
+enum class JobOpening { Modal, Waited, Routine };
+
+struct ConsoleJob {
+    const char* control;
+    const char* caption;
+    ConsoleTab tab;
+    const char* icon;
+    const char* about; // one quiet line
+    JobEnabling enabling;
+    JobCheck check;
+    const char* message; // when the check fails
+    bool informs;        // its box is an information box, not an exclamation box
+    const char* form;    // or the routine's name
+    JobOpening opening;
+    bool hourglass;
+    int helpContext;
+};
+std::span<const ConsoleJob> ConsoleJobs();
+// The row of a control; null when it has none.
+const ConsoleJob* FindConsoleJob(const QString& control);
+
+// Whether a check holds for the settings as they are.
+bool CheckHolds(JobCheck check);
+
+// Whether each kind of button is enabled: asks the file system for the two folders once.
+struct ConsoleState {
+    bool dataLocationExists = false;
+    bool firstCartLocationExists = false;
+};
+ConsoleState LookAtConsoleState();
+bool IsEnabled(JobEnabling enabling, const ConsoleState& state);
+
+} // namespace tolvex

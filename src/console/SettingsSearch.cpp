@@ -1,0 +1,129 @@
+#include "console/SettingsSearch.h"
+
+#include "core/SettingsTable.h"
+
+#include <QXmlStreamReader>
+
+#include <algorithm>
+
+namespace tolvex {
+
+namespace {
+
+// Which form holds which keys; the first row that fits counts. An empty key stands for the whole section.
+struct Row {
+    const char* section;
+    const char* keyStart;
+    const char* control;
+};
+constexpr Row rows[] = {
+    {"FileLocations", "AudioEditor", "cmdAudioSetup"},
+    {"FileLocations", "SampleEditor", "cmdAudioSetup"},
+    {"FileLocations", "", "cmdFileLocations"},
+    {"LinkMesh", "", "cmdLinkmeshSetup"},
+    {"DateTimeSettings", "", "cmdDateTimeSetup"},
+    {"Display", "", "cmdDisplaySettings"},
+    {"AudioWall", "AllowAudioFileLinking", "cmdAudioSetup"},
+    {"AudioWall", "", "cmdAudiowallSetup"},
+    {"CartChunk", "", "cmdAudioSetup"},
+    {"Carts", "", "cmdAudiowallSetup"},
+    {"KOVA", "", "cmdKOVASetup"},
+    {"CartPlayers", "", "cmdAudioSetup"},
+    {"Audio", "SelectedCart", "cmdAudiowallSetup"},
+    {"Audio", "CartPlayed", "cmdAudiowallSetup"},
+    {"Audio", "CartNumber", "cmdAudiowallSetup"},
+    {"Audio", "CartFont", "cmdAudiowallSetup"},
+    {"Audio", "CartShow", "cmdAudiowallSetup"},
+    {"Audio", "DisplayCart", "cmdAudiowallSetup"},
+    {"Audio", "EmptyCart", "cmdAudiowallSetup"},
+    {"Audio", "TimesBar", "cmdAudiowallSetup"},
+    {"Audio", "ShowTimesBar", "cmdAudiowallSetup"},
+    {"Audio", "", "cmdAudioSetup"},
+    {"OPALTransfers", "", "cmdOPAL"},
+    {"CDRipping", "", "cmdCDRipping"},
+    {"CDDB", "", "cmdCDRipping"},
+};
+
+// Widgets whose text names a setting or a choice.
+bool namesSomething(QStringView widgetClass) {
+    return widgetClass == u"QLabel" || widgetClass == u"QCheckBox" || widgetClass == u"QRadioButton" ||
+           widgetClass == u"QPushButton" || widgetClass == u"QGroupBox";
+}
+
+// Buttons that every form has say nothing about what it holds.
+bool isCommonButton(const QString& text) {
+    return text == u"OK" || text == u"Cancel" || text == u"Done" || text == u"Browse..." || text == u"Test";
+}
+
+} // namespace
+
+QString ControlOfSetting(const QString& section, const QString& key) {
+    for (const Row& row : rows)
+        if (section.compare(QLatin1String(row.section), Qt::CaseInsensitive) == 0 &&
+            key.startsWith(QLatin1String(row.keyStart), Qt::CaseInsensitive))
+            return QString::fromLatin1(row.control);
+    return {};
+}
+
+QList<SearchEntry> SettingEntries() {
+    QList<SearchEntry> entries;
+    for (const SettingGroup& group : AllSettings()) {
+        for (const SettingRow& row : group.rows) {
+            const QString section = QString::fromLatin1(row.section);
+            const QString key = QString::fromLatin1(row.key);
+            const QString control = ControlOfSetting(section, key);
+            if (control.isEmpty() || !row.help)
+                continue;
+            const QString help = QString::fromUtf8(row.help);
+            entries.append({help, (help + u' ' + key).toLower(), control});
+        }
+    }
+    return entries;
+}
+
+QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control) {
+    QList<SearchEntry> entries;
+    QXmlStreamReader xml(ui);
+    QStringList widgets;
+    QString property;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement()) {
+            if (xml.name() == u"widget") {
+                widgets.append(xml.attributes().value(QLatin1String("class")).toString());
+            } else if (xml.name() == u"property") {
+                property = xml.attributes().value(QLatin1String("name")).toString();
+            } else if (xml.name() == u"string" && (property == u"text" || property == u"title") &&
+                       !widgets.isEmpty() && namesSomething(widgets.last())) {
+                QString text = xml.readElementText();
+                text.remove(u'&');
+                if (text.endsWith(u':'))
+                    text.chop(1);
+                if (!text.isEmpty() && !isCommonButton(text))
+                    entries.append({text, text.toLower(), control});
+            }
+        } else if (xml.isEndElement() && xml.name() == u"widget") {
+            widgets.removeLast();
+        }
+    }
+    return entries;
+}
+
+QList<SearchEntry> FindEntries(const QList<SearchEntry>& entries, const QString& query, int limit) {
+    const QString wanted = query.trimmed().toLower();
+    const QStringList words = wanted.split(u' ', Qt::SkipEmptyParts);
+    QList<SearchEntry> found;
+    if (words.isEmpty())
+        return found;
+    for (const SearchEntry& entry : entries)
+        if (std::all_of(words.begin(), words.end(),
+                        [&](const QString& word) { return entry.words.contains(word); }))
+            found.append(entry);
+    std::stable_partition(found.begin(), found.end(),
+                          [&](const SearchEntry& entry) { return entry.words.startsWith(wanted); });
+    if (found.size() > limit)
+        found.resize(limit);
+    return found;
+}
+
+} // namespace tolvex

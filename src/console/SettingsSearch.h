@@ -1,0 +1,29 @@
+// Finds the form that holds a setting by the setting's words: the help lines and keys of the settings table,
+// and the labels of the forms.
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace tolvex {
+
+struct SearchEntry {
+    QString text;    // what is shown: a help line or a label
+    QString words;   // what is searched: the text and the key, lower case
+    QString control; // the console's control that opens the form
+};
+
+// The console's control whose form holds a setting; empty when no form does.
+QString ControlOfSetting(const QString& section, const QString& key);
+
+// Entries of the settings table.
+QList<SearchEntry> SettingEntries();
+
+// Labels and captions in a form's design (the bytes of a .ui file), for the form behind `control`.
+QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control);
+
+// The entries that hold every word of `query`, those that begin with it first; at most `limit`.
+// Cost: one pass over the entries.
+QList<SearchEntry> FindEntries(const QList<SearchEntry>& entries, const QString& query, int limit = 12);
+
+} // namespace tolvex

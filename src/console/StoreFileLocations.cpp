@@ -1,0 +1,70 @@
+#include "console/StoreFileLocations.h"
+
+#include "core/Folders.h"
+#include "core/PathNames.h"
+#include "core/Registry.h"
+#include "core/Settings.h"
+#include "platform/ProfileFile.h"
+#include "platform/Prompts.h"
+#include "platform/RegistryStore.h"
+
+namespace tolvex {
+
+namespace {
+
+constexpr int DefaultNumberOfCarts = 9999;
+
+QString tidy(const QString& path) {
+    return WithoutTrailingBackslash(path.trimmed().toUpper());
+}
+
+void setState(const QString& location, CartPartState state) {
+    for (CartPart& part : settings().CartPartTable)
+        if (part.Location == location)
+            part.State = state;
+}
+
+} // namespace
+
+int StoreFileLocations(const QString& data, const QStringList& carts, const QString& iniFile,
+                       const QString& registryKey) {
+    const platform::PointerKeeper pointer(platform::Pointer::Wait);
+    const QString dataLocation = tidy(data);
+    auto& table = settings().CartPartTable;
+    for (int n = 1; n <= CartPartCount; ++n) {
+        table[n].Location = tidy(carts.value(n - 1));
+        table[n].State = NotChecked;
+    }
+
+    const QString section = QStringLiteral("FileLocations");
+    platform::ProfileBatch batch(iniFile);
+    for (int n = 1; n <= CartPartCount; ++n) {
+        CartPart& part = table[n];
+        if (part.State == NotChecked) {
+            const bool there = !part.Location.isEmpty() &&
+                               (DirectoryExists(part.Location) || CreatePath(part.Location, false));
+            setState(part.Location, there ? Available : Unavailable);
+        }
+        batch.put(section, QStringLiteral("Carts%1").arg(n), WithoutTrailingBackslash(part.Location));
+        if (!registryKey.isEmpty())
+            WriteRegistryString(platform::LocalMachineHive, registryKey,
+                                QStringLiteral("CartLocation%1").arg(n), part.Location, QString());
+    }
+
+    settings().DataLocation = dataLocation;
+    batch.put(section, QStringLiteral("Data"), WithoutTrailingBackslash(dataLocation));
+    batch.put(section, QStringLiteral("Schedules"), dataLocation + QStringLiteral("\\SCHEDULE"));
+    batch.put(section, QStringLiteral("Logs"), dataLocation + QStringLiteral("\\LOGS"));
+    const int error = iniFile.isEmpty() ? 0 : batch.commit();
+    if (!registryKey.isEmpty())
+        WriteRegistryString(platform::LocalMachineHive, registryKey, QStringLiteral("DataLocation"),
+                            dataLocation, QString());
+
+    CreateDataDirectories(dataLocation);
+    settings().NoCarts =
+        platform::ProfileInteger(QStringLiteral("Audiowall"), QStringLiteral("NoCarts"), DefaultNumberOfCarts,
+                                 table[1].Location + QStringLiteral("\\Audwall.ini"));
+    return error;
+}
+
+} // namespace tolvex

@@ -1,0 +1,35 @@
+// The console's search box: lists the settings whose words are typed and tells which one was chosen.
+#pragma once
+
+#include "console/SettingsSearch.h"
+
+#include <QListWidget>
+
+class QLineEdit;
+
+namespace tolvex {
+
+// The list hangs under a line edit of the same window; the first search fills the index.
+class FindBox : public QListWidget {
+    Q_OBJECT
+
+public:
+    FindBox(QLineEdit* box, QWidget* window);
+
+signals:
+    // The console's control whose form holds the chosen setting.
+    void chosen(const QString& control);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void search(const QString& query);
+    void choose(const QListWidgetItem* item);
+    void fillIndex();
+
+    QLineEdit* box_;
+    QList<SearchEntry> index_;
+};
+
+} // namespace tolvex

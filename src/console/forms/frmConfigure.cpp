@@ -1,0 +1,397 @@
+#include "console/forms/frmConfigure.h"
+
+#include "audio/CartStore.h"
+#include "audio/Hotlist.h"
+#include "console/CheckConfiguration.h"
+#include "console/ConsoleJobs.h"
+#include "console/LoadSettings.h"
+#include "console/StartUp.h"
+#include "console/WorkstationGlance.h"
+#include "console/forms/AccessKeys.h"
+#include "console/forms/FindBox.h"
+#include "console/forms/FormTable.h"
+#include "console/forms/JobTile.h"
+#include "console/forms/frmSplash.h"
+#include "core/DataEngine.h"
+#include "core/Folders.h"
+#include "core/Product.h"
+#include "core/Programs.h"
+#include "core/Registry.h"
+#include "core/SaveLocalSettings.h"
+#include "core/Settings.h"
+#include "dialogs/OpenForms.h"
+#include "dialogs/Style.h"
+#include "dialogs/frmHelp.h"
+#include "network/TerminalList.h"
+#include "platform/Paths.h"
+#include "platform/ProfileFile.h"
+#include "platform/Prompts.h"
+#include "platform/RegistryStore.h"
+#include "ui_frmConfigure.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace tolvex {
+
+namespace {
+
+const QString OptionsKey = QStringLiteral("SOFTWARE\\Norvane\\Tolvex");
+const QString MultiConfigFile = QStringLiteral("MultiConfigFile");
+const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
+
+// A "Tolvex.ini" shorter than this is a machine that was never configured.
+constexpr qint64 ShortestConfiguration = 10;
+
+QString notYet(const QString& what) {
+    return what + QStringLiteral(" is not part of this version yet.");
+}
+
+// Which menu entries do what a button does.
+struct MenuRow {
+    const char* action;
+    const char* control;
+};
+constexpr MenuRow menuRows[] = {
+    {"mnuLocalConfig", "cmdAutoConfig"},
+    {"mnuNetworkConfig", "cmdNetworkSetup"},
+    {"mnuCompactDatabase", "cmdCompress"},
+};
+
+const QString LookForSetup = QStringLiteral("LookForSetup");
+
+} // namespace
+
+frmConfigure::frmConfigure(QWidget* parent)
+    : QMainWindow(parent)
+    , ui_(std::make_unique<Ui::frmConfigure>()) {
+    ui_->setupUi(this);
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        tile(job)->setIcon(LineIcon(QString::fromLatin1(job.icon)));
+        connect(tile(job), &QPushButton::clicked, this, [this, &job] { startJob(job); });
+    }
+    for (const MenuRow& row : menuRows) {
+        const ConsoleJob* job = FindConsoleJob(QString::fromLatin1(row.control));
+        connect(findChild<QAction*>(QString::fromLatin1(row.action)), &QAction::triggered, this,
+                [this, job] { startJob(*job); });
+    }
+    connect(ui_->mnuLookForSetup, &QAction::triggered, this,
+            [this] { routines_.value(LookForSetup)(*this); });
+    connect(ui_->mnuExit, &QAction::triggered, this, &frmConfigure::exitCheck);
+    connect(ui_->mnuAllowMulti, &QAction::triggered, this,
+            [this] { toggleOption(ui_->mnuAllowMulti, MultiConfigFile); });
+    connect(ui_->mnuInhibitUserHistory, &QAction::triggered, this,
+            [this] { toggleOption(ui_->mnuInhibitUserHistory, InhibitUserHistory); });
+    connect(ui_->mnuHelpContents, &QAction::triggered, this, [this] { ShowHelp(helpFile_, 0); });
+    connect(ui_->mnuAbout, &QAction::triggered, this, &frmConfigure::about);
+    connect(ui_->pnlWorkstation, &WorkstationPanel::jobWanted, this, &frmConfigure::showJob);
+    connect(ui_->tbsConfig, &QTabWidget::currentChanged, this, &frmConfigure::selectTab);
+
+    status_ = new QLabel(this);
+    status_->setObjectName(QStringLiteral("lblStatus"));
+    status_->setTextFormat(Qt::PlainText);
+    ui_->statusbar->addWidget(status_, 1);
+    for (QMenu* menu : ui_->menubar->findChildren<QMenu*>())
+        menu->setToolTipsVisible(true);
+    auto* found = new FindBox(ui_->txtFind, this);
+    connect(found, &FindBox::chosen, this, &frmConfigure::showJob);
+    // The form sees keys before its controls.
+    qApp->installEventFilter(this);
+}
+
+frmConfigure::~frmConfigure() {
+    qApp->removeEventFilter(this);
+}
+
+JobTile* frmConfigure::tile(const ConsoleJob& job) const {
+    return findChild<JobTile*>(QString::fromLatin1(job.control));
+}
+
+void frmConfigure::setRoutine(const QString& name, Routine routine) {
+    routines_.insert(name, std::move(routine));
+}
+
+bool frmConfigure::canStart(const ConsoleJob& job) const {
+    const QString name = QString::fromLatin1(job.form);
+    return job.opening == JobOpening::Routine ? routines_.contains(name) : FormExists(name);
+}
+
+bool frmConfigure::load(bool firstInstance) {
+    if (!CheckDataEngine(true) || !firstInstance)
+        return false;
+    ui_->mnuAllowMulti->setChecked(
+        ReadRegistryLong(platform::LocalMachineHive, OptionsKey, MultiConfigFile, 0) != 0);
+    ui_->mnuInhibitUserHistory->setChecked(
+        ReadRegistryLong(platform::LocalMachineHive, OptionsKey, InhibitUserHistory, 0) != 0);
+    platform::prompts().splash(QStringLiteral("Starting Tolvex Configuration"));
+    // From here on the closing saves what was loaded; after a cancelled choice of the set there is nothing to
+    // save.
+    loaded_ = true;
+    if (!InitialiseProgram())
+        return false;
+    InitCartState();
+    LoadLocalSettings();
+    askFirstRun();
+    if (exitRequested_)
+        return false;
+
+    Settings& s = settings();
+    s.ConfigName = platform::ProfileText(QStringLiteral("General"), QStringLiteral("ConfigName"), QString(),
+                                         s.LocalIniFile)
+                       .trimmed();
+    status_->setText(s.ConfigName + QStringLiteral(" (") + s.LocalIniFile + QStringLiteral(")"));
+    LoadAllSettings();
+    LoadAutomationControlSettings(s.LocalIniFile);
+    s.UsersFolder = s.DataLocation + QStringLiteral("\\USERS\\");
+    platform::prompts().hideSplash();
+    UpdateEnabledButtons();
+    ui_->tbsConfig->setCurrentIndex(0);
+    selectTab(0);
+
+    helpFile_ = platform::ApplicationFolder();
+    if (helpFile_.endsWith(u'\\'))
+        helpFile_.chop(1);
+    helpFile_ += QStringLiteral("\\config.chm");
+    if (FileLength(helpFile_) <= 0) {
+        helpFile_.clear();
+        ui_->mnuHelpContents->setVisible(false);
+        ui_->mnuAboutSep->setVisible(false);
+    }
+    platform::prompts().setPointer(platform::Pointer::Default);
+    return true;
+}
+
+void frmConfigure::askFirstRun() {
+    if (FileLength(platform::WindowsFolder() + QStringLiteral("\\Tolvex.ini")) >= ShortestConfiguration)
+        return;
+    const platform::Message question{
+        QStringLiteral(
+            "The Configuration Wizard has found that Tolvex is not configured.\n\n"
+            "It is STRONGLY recommended that you allow Tolvex to automatically configure itself\n\n"
+            "Do you want Tolvex to proceed?"),
+        platform::Icon::Question, platform::Buttons::YesNo};
+    if (platform::prompts().ask(question) != platform::Answer::Yes)
+        return;
+    if (routines_.contains(LookForSetup)) {
+        routines_.value(LookForSetup)(*this);
+    } else {
+        platform::prompts().ask(
+            {notYet(QStringLiteral("Automatic configuration")) +
+                 QStringLiteral("\n\nPlease set the data location and the carts in File Locations."),
+             platform::Icon::Information, platform::Buttons::Ok});
+    }
+}
+
+void frmConfigure::UpdateEnabledButtons() {
+    const ConsoleState state = LookAtConsoleState();
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        JobTile* button = tile(job);
+        const QString caption = QString::fromLatin1(job.caption).remove(u'&');
+        const bool able = canStart(job);
+        button->setEnabled(able && IsEnabled(job.enabling, state));
+        button->setToolTip(
+            !able                 ? notYet(caption)
+            : button->isEnabled() ? QString()
+            : job.enabling == JobEnabling::FirstCartLocationExists
+                ? QStringLiteral("The first Cart Location (in File Locations) is needed for this.")
+                : QStringLiteral("The Data Location (in File Locations) is needed for this."));
+    }
+    for (const MenuRow& row : menuRows) {
+        const ConsoleJob* job = FindConsoleJob(QString::fromLatin1(row.control));
+        auto* action = findChild<QAction*>(QString::fromLatin1(row.action));
+        action->setEnabled(canStart(*job));
+        action->setToolTip(action->isEnabled() ? QString() : tile(*job)->toolTip());
+    }
+    ui_->mnuLookForSetup->setEnabled(routines_.contains(LookForSetup));
+    showGlance();
+}
+
+void frmConfigure::showGlance() {
+    const WorkstationGlance glance = LookAtWorkstation();
+    ui_->pnlWorkstation->showGlance(glance);
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        QString missing;
+        for (const WorkstationGlance::ToDo& item : glance.toDo)
+            if (missing.isEmpty() && item.control == QLatin1String(job.control))
+                missing = item.text;
+        tile(job)->setAttention(!missing.isEmpty());
+        tile(job)->setAbout(missing.isEmpty() ? QString::fromUtf8(job.about) : missing);
+    }
+}
+
+void frmConfigure::startJob(const ConsoleJob& job) {
+    if (waiting_)
+        return;
+    if (!CheckHolds(job.check)) {
+        platform::prompts().ask({QString::fromLatin1(job.message),
+                                 job.informs ? platform::Icon::Information : platform::Icon::Exclamation,
+                                 platform::Buttons::Ok});
+        return;
+    }
+    if (job.opening == JobOpening::Routine)
+        routines_.value(QString::fromLatin1(job.form))(*this);
+    else
+        openForm(job);
+}
+
+void frmConfigure::openForm(const ConsoleJob& job) {
+    if (job.hourglass)
+        platform::prompts().setPointer(platform::Pointer::Wait);
+    const QPointer<QDialog> form = MakeForm(QString::fromLatin1(job.form), this);
+    if (job.opening == JobOpening::Modal) {
+        form->exec();
+    } else {
+        waiting_ = true;
+        setEnabled(false);
+        form->setEnabled(true);
+        form->show();
+        while (form && form->isVisible())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        setEnabled(true);
+        activateWindow();
+        setFocus();
+        waiting_ = false;
+    }
+    delete form;
+    platform::prompts().setPointer(platform::Pointer::Default);
+    if (QLatin1String(job.control) == QLatin1String("cmdFileLocations"))
+        afterFileLocations();
+    UpdateEnabledButtons();
+}
+
+void frmConfigure::afterFileLocations() {
+    if (!DirectoryExists(settings().DataLocation))
+        return;
+    LoadSystemSettings();
+    OpenTerminalList();
+    OpenHotlist(settings().CartPartTable[1].Location);
+    OpenCartParts(0, false);
+}
+
+// From the search and the panel: the tab of a job, and its form where it can be opened.
+void frmConfigure::showJob(const QString& control) {
+    const ConsoleJob* job = FindConsoleJob(control);
+    if (!job)
+        return;
+    ui_->tbsConfig->setCurrentIndex(static_cast<int>(job->tab));
+    JobTile* button = tile(*job);
+    if (button->isEnabled()) {
+        button->setFocus();
+        button->click();
+    } else {
+        ui_->statusbar->showMessage(button->toolTip(), 6000);
+    }
+}
+
+void frmConfigure::selectTab(int) {
+    setFocus();
+}
+
+void frmConfigure::moveTab(int step) {
+    const int count = ui_->tbsConfig->count();
+    ui_->tbsConfig->setCurrentIndex((ui_->tbsConfig->currentIndex() + step + count) % count);
+}
+
+int frmConfigure::helpContext() const {
+    if (const auto* button = qobject_cast<JobTile*>(focusWidget()))
+        if (const ConsoleJob* job = FindConsoleJob(button->objectName()))
+            return job->helpContext;
+    return ConsoleTabs()[static_cast<std::size_t>(ui_->tbsConfig->currentIndex())].helpContext;
+}
+
+bool frmConfigure::eventFilter(QObject* watched, QEvent* event) {
+    const bool press = event->type() == QEvent::KeyPress;
+    if ((press || event->type() == QEvent::ShortcutOverride) && !QApplication::activePopupWidget() &&
+        !QApplication::activeModalWidget()) {
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (widget && widget->window() == this && isEnabled() && focusWidget() != ui_->txtFind) {
+            if (press && handleKey(key))
+                return true;
+            // Alt and a letter come as plain keys too, so that letters marked twice are reached in turn
+            // either way.
+            if (!press && key->modifiers() == Qt::AltModifier && !key->text().isEmpty()) {
+                key->accept();
+                return true;
+            }
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+bool frmConfigure::handleKey(QKeyEvent* key) {
+    if (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab) {
+        moveTab(key->key() == Qt::Key_Backtab || key->modifiers() & Qt::ShiftModifier ? -1 : 1);
+        return true;
+    }
+    if (key->key() == Qt::Key_F1) {
+        showHelp();
+        return true;
+    }
+    if (key->key() == Qt::Key_F && key->modifiers() == Qt::ControlModifier) {
+        ui_->txtFind->setFocus(Qt::ShortcutFocusReason);
+        ui_->txtFind->selectAll();
+        return true;
+    }
+    if (key->modifiers() & (Qt::ControlModifier | Qt::MetaModifier))
+        return false;
+    const bool letter = key->key() > Qt::Key_Space && key->key() < 0x100;
+    return letter && PressAccessKey(this, QChar(key->key()));
+}
+
+void frmConfigure::showHelp() {
+    if (!helpFile_.isEmpty())
+        ShowHelp(helpFile_, helpContext());
+}
+
+void frmConfigure::exitCheck() {
+    platform::prompts().setPointer(platform::Pointer::Wait);
+    const QString missing = CheckConfiguration();
+    platform::prompts().setPointer(platform::Pointer::Default);
+    if (!missing.isEmpty()) {
+        const platform::Message question{QStringLiteral("Tolvex is not fully configured:\n") + missing +
+                                             QStringLiteral("\n\nDefinitely Exit?"),
+                                         platform::Icon::Question, platform::Buttons::YesNo};
+        if (platform::prompts().ask(question) != platform::Answer::Yes)
+            return;
+    }
+    close();
+}
+
+void frmConfigure::toggleOption(QAction* action, const QString& value) {
+    // The click has inverted the mark already.
+    WriteRegistryLong(platform::LocalMachineHive, OptionsKey, value, action->isChecked() ? -1 : 0, 0);
+}
+
+void frmConfigure::about() {
+    frmSplash box(this);
+    box.becomeAboutBox();
+    box.exec();
+}
+
+void frmConfigure::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        for (JobTile* button : findChildren<JobTile*>())
+            button->updateGeometry();
+}
+
+void frmConfigure::closeEvent(QCloseEvent* event) {
+    if (std::exchange(loaded_, false)) {
+        const QList<QWidget*> open = OpenForms();
+        for (auto form = open.rbegin(); form != open.rend(); ++form)
+            if (*form != this)
+                (*form)->close();
+        SaveLocalSettings(settings().LocalIniFile);
+        CloseTerminalList();
+        CloseHotlist();
+        ResetCartStore();
+        platform::prompts().setPointer(platform::Pointer::Default);
+        if (const QString program = RunByProgram(); !program.isEmpty())
+            StartProgram(program, QStringLiteral("/NOPREVCHECK"));
+    }
+    QMainWindow::closeEvent(event);
+}
+
+} // namespace tolvex

@@ -1,0 +1,77 @@
+// The console: a tab strip of buttons, a menu bar, a status bar, and the workstation at a glance. Its load is
+// the program's start, its closing the program's end; every job of the program starts from a button or menu
+// entry here.
+#pragma once
+
+#include <QMainWindow>
+
+#include <QHash>
+
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class frmConfigure;
+}
+
+class QAction;
+class QKeyEvent;
+class QLabel;
+
+namespace tolvex {
+
+struct ConsoleJob;
+class JobTile;
+
+class frmConfigure : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit frmConfigure(QWidget* parent = nullptr);
+    ~frmConfigure() override;
+
+    // Everything from the check of the data engine to the console being ready, not yet shown. False when the
+    // program is to end: what there was to say has been said. `firstInstance` false: another copy is running,
+    // and this one ends without a word.
+    bool load(bool firstInstance = true);
+
+    void UpdateEnabledButtons();
+
+    // The routines behind buttons that open no form, by the names that the table of jobs gives them. A job
+    // whose routine is not here cannot be started yet: its button and menu entry say so.
+    using Routine = std::function<void(frmConfigure&)>;
+    void setRoutine(const QString& name, Routine routine);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    JobTile* tile(const ConsoleJob& job) const;
+    bool canStart(const ConsoleJob& job) const;
+    void startJob(const ConsoleJob& job);
+    void openForm(const ConsoleJob& job);
+    void afterFileLocations();
+    void showJob(const QString& control);
+    void showGlance();
+    void selectTab(int index);
+    void moveTab(int step);
+    bool handleKey(QKeyEvent* key);
+    void exitCheck();
+    void toggleOption(QAction* action, const QString& value);
+    void about();
+    void showHelp();
+    void askFirstRun();
+    int helpContext() const;
+
+    std::unique_ptr<Ui::frmConfigure> ui_;
+    QLabel* status_ = nullptr;
+    QHash<QString, Routine> routines_;
+    QString helpFile_;
+    bool loaded_ = false;
+    bool waiting_ = false; // a waited form is open
+    bool exitRequested_ = false;
+};
+
+} // namespace tolvex

@@ -1,0 +1,34 @@
+// On which port the radio clock hangs.
+#pragma once
+
+#include <QDialog>
+
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class frmDateTimeSetup;
+}
+
+namespace tolvex {
+
+class frmDateTimeSetup : public QDialog {
+    Q_OBJECT
+
+public:
+    // Shows the test of the clock on a port (1 to 4), modally. Without one the test button is disabled and
+    // says so.
+    using ClockTest = std::function<void(int port, QWidget* owner)>;
+
+    explicit frmDateTimeSetup(ClockTest test = {}, QWidget* parent = nullptr);
+    ~frmDateTimeSetup() override;
+
+private:
+    void testClock();
+    void store();
+
+    std::unique_ptr<Ui::frmDateTimeSetup> ui_;
+    ClockTest test_;
+};
+
+} // namespace tolvex

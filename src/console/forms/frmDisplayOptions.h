@@ -1,0 +1,34 @@
+// Colours of the suite's windows, the information window and how carts are clicked. Colours chosen show on
+// this form at once.
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmDisplayOptions;
+}
+
+namespace tolvex {
+
+class frmDisplayOptions : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit frmDisplayOptions(QWidget* parent = nullptr);
+    ~frmDisplayOptions() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void applyColours();
+    void enableColours(bool on);
+    void change(qint32& colour);
+    void store();
+
+    std::unique_ptr<Ui::frmDisplayOptions> ui_;
+};
+
+} // namespace tolvex

@@ -1,0 +1,166 @@
+#include "console/forms/frmFileLocations.h"
+
+#include "console/StoreFileLocations.h"
+#include "core/Folders.h"
+#include "core/PathNames.h"
+#include "core/Registry.h"
+#include "core/Settings.h"
+#include "dialogs/OpenForms.h"
+#include "dialogs/Style.h"
+#include "dialogs/TextBoxes.h"
+#include "platform/ProfileFile.h"
+#include "platform/Prompts.h"
+#include "platform/RegistryStore.h"
+#include "ui_frmFileLocations.h"
+
+namespace tolvex {
+
+namespace {
+
+constexpr int LongestLocation = 1024; // buffer of the reads
+constexpr int RestMilliseconds = 300;
+
+QString cartsKey(int part) {
+    return QStringLiteral("Carts%1").arg(part);
+}
+
+} // namespace
+
+frmFileLocations::frmFileLocations(QWidget* parent)
+    : QDialog(parent)
+    , ui_(std::make_unique<Ui::frmFileLocations>())
+    , iniFile_(settings().LocalIniFile) {
+    ui_->setupUi(this);
+    EnterForm(this);
+    const auto prepare = [this](QLineEdit* line) {
+        TypeInUpperCase(line);
+        connect(line, &QLineEdit::textChanged, this, [this] { look_.start(); });
+    };
+    prepare(ui_->txtDataLocation);
+    connect(ui_->cmdChangeDataLoc, &QPushButton::clicked, this, [this] { pick(ui_->txtDataLocation); });
+    for (int part = 1; part <= CartPartCount; ++part) {
+        prepare(box(part));
+        connect(browse(part), &QPushButton::clicked, this, [this, part] { pick(box(part)); });
+    }
+    // The text is read again: the signal of a typed letter still tells its lower case.
+    connect(box(1), &QLineEdit::textChanged, this, [this] {
+        if (ui_->chkUseOneCartLocation->isChecked())
+            for (int part = 2; part <= CartPartCount; ++part)
+                box(part)->setText(box(1)->text());
+    });
+    connect(ui_->chkUseOneCartLocation, &QCheckBox::toggled, this, &frmFileLocations::useOneLocation);
+    connect(ui_->cmdDone, &QPushButton::clicked, this, &frmFileLocations::done);
+    connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    look_.setSingleShot(true);
+    look_.setInterval(RestMilliseconds);
+    connect(&look_, &QTimer::timeout, this, &frmFileLocations::lookAtFolders);
+
+    fill(ui_->txtDataLocation, settings().DataLocation);
+    for (int part = 1; part <= CartPartCount; ++part)
+        fill(box(part), settings().CartPartTable[part].Location);
+    lookAtFolders();
+    platform::prompts().setPointer(platform::Pointer::Default);
+}
+
+frmFileLocations::~frmFileLocations() = default;
+
+QLineEdit* frmFileLocations::box(int part) const {
+    return findChild<QLineEdit*>(QStringLiteral("txtCartLocations_%1").arg(part));
+}
+
+QPushButton* frmFileLocations::browse(int part) const {
+    return findChild<QPushButton*>(QStringLiteral("cmdChangeCartLocation_%1").arg(part));
+}
+
+QLabel* frmFileLocations::label(int part) const {
+    return findChild<QLabel*>(QStringLiteral("lblCartLocations_%1").arg(part));
+}
+
+void frmFileLocations::fill(QLineEdit* line, const QString& text) {
+    line->setText(text.trimmed().toUpper());
+}
+
+void frmFileLocations::setIniFile(const QString& file) {
+    iniFile_ = file;
+    const QString section = QStringLiteral("FileLocations");
+    fill(ui_->txtDataLocation, platform::ProfileText(section, QStringLiteral("Data"), settings().DataLocation,
+                                                     file, LongestLocation));
+    for (int part = 1; part <= CartPartCount; ++part)
+        fill(box(part),
+             platform::ProfileText(section, cartsKey(part), settings().CartPartTable[part].Location, file,
+                                   LongestLocation));
+    checkOneLocation();
+}
+
+void frmFileLocations::setReg_Path(const QString& key) {
+    regPath_ = key;
+    fill(ui_->txtDataLocation, ReadRegistryString(platform::LocalMachineHive, key,
+                                                  QStringLiteral("DataLocation"), settings().DataLocation));
+    for (int part = 1; part <= CartPartCount; ++part)
+        fill(box(part),
+             ReadRegistryString(platform::LocalMachineHive, key, QStringLiteral("CartLocation%1").arg(part),
+                                settings().CartPartTable[part].Location));
+    checkOneLocation();
+}
+
+void frmFileLocations::checkOneLocation() {
+    const QString first = box(1)->text().trimmed().toUpper();
+    for (int part = 2; part <= CartPartCount; ++part)
+        if (box(part)->text().trimmed().toUpper() != first)
+            return;
+    ui_->chkUseOneCartLocation->setChecked(true);
+}
+
+void frmFileLocations::useOneLocation(bool on) {
+    const QString reason =
+        on ? QStringLiteral("All carts lie in the directory of carts 1 to 1000.") : QString();
+    for (int part = 2; part <= CartPartCount; ++part) {
+        if (on)
+            box(part)->setText(box(1)->text());
+        box(part)->setReadOnly(on);
+        box(part)->setToolTip(reason);
+        browse(part)->setEnabled(!on);
+        browse(part)->setToolTip(reason);
+        label(part)->setEnabled(!on);
+    }
+}
+
+void frmFileLocations::pick(QLineEdit* line) {
+    const QString chosen =
+        BrowseForFolder(QStringLiteral("Select the directory that the audio is stored in"), line->text());
+    if (!chosen.isEmpty())
+        fill(line, chosen);
+}
+
+// Says at the form which folders are not there yet; nothing is refused.
+void frmFileLocations::lookAtFolders() {
+    QStringList missing;
+    const auto look = [&missing](QLineEdit* line) {
+        const QString path = WithoutTrailingBackslash(line->text().trimmed().toUpper());
+        const bool absent = !path.isEmpty() && !DirectoryExists(path);
+        MarkBox(line, absent ? QStringLiteral("not found") : QString());
+        if (absent && !missing.contains(path))
+            missing.append(path);
+    };
+    look(ui_->txtDataLocation);
+    for (int part = 1; part <= CartPartCount; ++part)
+        look(box(part));
+    ui_->lblFolders->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
+    ui_->lblFolders->setText(
+        missing.isEmpty() ? QString()
+        : missing.size() == 1
+            ? QStringLiteral("%1 does not exist. It will be made when you click Done.").arg(missing.front())
+            : QStringLiteral("%1 folders do not exist. They will be made when you click Done.")
+                  .arg(missing.size()));
+    ui_->lblFolders->setToolTip(missing.join(u'\n'));
+}
+
+void frmFileLocations::done() {
+    QStringList carts;
+    for (int part = 1; part <= CartPartCount; ++part)
+        carts.append(box(part)->text());
+    StoreFileLocations(ui_->txtDataLocation->text(), carts, iniFile_, regPath_);
+    accept();
+}
+
+} // namespace tolvex

@@ -1,0 +1,49 @@
+// The chooser of configuration sets at start-up: lists the sets, lets the user copy, rename and delete them,
+// and puts the chosen file into the setting LocalIniFile (empty on Cancel).
+#pragma once
+
+#include <QMainWindow>
+
+#include <memory>
+
+namespace Ui {
+class frmMultiConfig;
+}
+
+class QListWidgetItem;
+
+namespace tolvex {
+
+class frmMultiConfig : public QMainWindow {
+    Q_OBJECT
+
+public:
+    frmMultiConfig(const QString& registryKey, const QString& defaultIni, QWidget* parent = nullptr);
+    ~frmMultiConfig() override;
+
+    // Shows the form and returns when the user chose or cancelled.
+    void exec();
+    // Refills the list, keeping the selection.
+    void UpdateDisplay();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    // An entry by its number from 1, its key and its text; any other index means the selected one.
+    const QListWidgetItem* entry(int index) const;
+    QString entryKey(int index = 0) const;
+    QString entryText(int index = 0) const;
+    void choose();
+    void copy();
+    void rename();
+    void remove();
+
+    std::unique_ptr<Ui::frmMultiConfig> ui_;
+    QString registryKey_;
+    QString defaultIni_;
+    bool chosen_ = false;
+};
+
+} // namespace tolvex

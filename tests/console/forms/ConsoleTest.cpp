@@ -1,0 +1,295 @@
+// The console: its start in the right order, which buttons are usable, keys, the check at the exit, its end.
+#include "console/forms/Station.h"
+
+#include "console/ConsoleJobs.h"
+#include "console/forms/JobTile.h"
+#include "console/forms/WorkstationPanel.h"
+#include "console/forms/frmConfigure.h"
+#include "core/Registry.h"
+#include "dialogs/OpenForms.h"
+#include "platform/RegistryStore.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QTabWidget>
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+
+namespace {
+
+const QString OptionsKey = "SOFTWARE\\Norvane\\Tolvex";
+
+// A station whose folders exist, and its console, started and shown.
+struct Console : Station {
+    explicit Console(const QByteArray& ini = configuredIni())
+        : Station(ini) {
+        machine.makeFolder("C:\\DATA");
+        machine.makeFolder("C:\\WALL");
+        // The Terminal list and the hotlist are missing: both are made.
+        prompts.answers = {platform::Answer::Yes, platform::Answer::Yes};
+    }
+    bool start() {
+        if (!form.load())
+            return false;
+        form.show();
+        form.activateWindow();
+        return QTest::qWaitForWindowActive(&form);
+    }
+    // Yes to making the ten lists of the audiowall.
+    void allowLists() { prompts.answers.assign(10, platform::Answer::Yes); }
+    int tab() { return find<QTabWidget>(form, "tbsConfig")->currentIndex(); }
+
+    frmConfigure form;
+};
+
+QStringList enabled(frmConfigure& form) {
+    QStringList names;
+    for (const ConsoleJob& job : ConsoleJobs())
+        if (find<JobTile>(form, job.control)->isEnabled())
+            names += QString::fromLatin1(job.control);
+    return names;
+}
+
+} // namespace
+
+TEST(Console, StartsInOrderAndShowsTheConfiguration) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    EXPECT_EQ(console.prompts.splashes,
+              (QStringList{"Starting Tolvex Configuration", "Loading Locale Specific Information...",
+                           "Loading System Specific Information...", "Accessing AudioWall...",
+                           "Accessing Terminals...", "Opening Public Instant Cart Hotlists...", QString()}));
+    EXPECT_EQ(find<QLabel>(console.form, "lblStatus")->text(), "Studio 1 (TOLVEX.INI)");
+    EXPECT_EQ(console.tab(), 0);
+    EXPECT_EQ(settings().UsersFolder, "C:\\DATA\\USERS\\");
+    EXPECT_EQ(console.prompts.pointer(), platform::Pointer::Default);
+    EXPECT_TRUE(console.machine.exists("C:\\DATA\\Terminal.Lst"));
+    EXPECT_TRUE(console.machine.exists("C:\\WALL\\GLIC.Lst"));
+    // No help file in the application folder: no entry for it.
+    EXPECT_FALSE(find<QAction>(console.form, "mnuHelpContents")->isVisible());
+    EXPECT_TRUE(find<QAction>(console.form, "mnuAbout")->isVisible());
+}
+
+TEST(Console, EndsAtOnceWithoutEngineInASecondInstanceOrAfterACancelledChoice) {
+    {
+        Console console;
+        EXPECT_FALSE(console.form.load(false));
+        EXPECT_TRUE(console.prompts.splashes.isEmpty());
+    }
+    {
+        Console console;
+        DeleteRegistryValue(platform::LocalMachineHive, "Software\\Microsoft\\DataAccess", "FullInstallVer");
+        EXPECT_FALSE(console.form.load());
+        ASSERT_EQ(console.prompts.asked.size(), 1);
+        EXPECT_EQ(console.prompts.asked[0].icon, platform::Icon::Stop);
+    }
+    {
+        Console console;
+        WriteRegistryLong(platform::LocalMachineHive, OptionsKey, "MultiConfigFile", -1, 0);
+        console.prompts.configurationSets = {QString()};
+        EXPECT_FALSE(console.form.load());
+        console.form.close();
+        EXPECT_EQ(console.ini(), configuredIni());
+    }
+}
+
+TEST(Console, AsksOnAMachineThatWasNeverConfigured) {
+    // Nine bytes are no configuration, ten are.
+    for (const QByteArray& ini : {QByteArray(), QByteArray("[a]\r\nb=c9"), QByteArray("[a]\r\nb=c10")}) {
+        Console console(ini);
+        console.prompts.answers = {platform::Answer::No};
+        const bool asks = ini.size() < 10;
+        ASSERT_TRUE(console.form.load());
+        EXPECT_EQ(console.prompts.texts().filter("Configuration Wizard").size(), asks ? 1 : 0) << ini.size();
+    }
+}
+
+TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    const QStringList always = {"cmdFileLocations"};
+    const QStringList withData = {"cmdFileLocations", "cmdDisplaySettings", "cmdDateTimeSetup"};
+    EXPECT_EQ(enabled(console.form), withData);
+    settings().DataLocation = "C:\\GONE";
+    console.form.UpdateEnabledButtons();
+    EXPECT_EQ(enabled(console.form), always);
+    settings().DataLocation.clear();
+    console.form.UpdateEnabledButtons();
+    EXPECT_EQ(enabled(console.form), always);
+    EXPECT_TRUE(find<JobTile>(console.form, "cmdDisplaySettings")->toolTip().contains("Data Location"));
+
+    // The rules themselves, also for the jobs whose forms come later.
+    const ConsoleState onlyCarts{false, true};
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        const QString control = job.control;
+        const bool free =
+            control == "cmdFileLocations" || control == "cmdOPAL" || job.opening == JobOpening::Routine;
+        EXPECT_EQ(IsEnabled(job.enabling, {}), free) << job.control;
+        EXPECT_EQ(IsEnabled(job.enabling, onlyCarts), free || control == "cmdAudiowallSetup") << job.control;
+    }
+}
+
+TEST(Console, TabMovesTheStripAndLettersPressButtons) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    QTest::keyClick(&console.form, Qt::Key_Tab);
+    EXPECT_EQ(console.tab(), 1);
+    QTest::keyClick(&console.form, Qt::Key_Tab, Qt::ControlModifier);
+    QTest::keyClick(&console.form, Qt::Key_Tab);
+    QTest::keyClick(&console.form, Qt::Key_Tab);
+    EXPECT_EQ(console.tab(), 0);
+    QTest::keyClick(&console.form, Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(console.tab(), 3);
+    QTest::keyClick(&console.form, Qt::Key_Tab);
+
+    console.allowLists();
+    QString opened;
+    withNextForm([&opened](QWidget& form) {
+        opened = form.objectName();
+        QTest::keyClick(&form, Qt::Key_Escape);
+    });
+    QTest::keyClick(&console.form, Qt::Key_I);
+    EXPECT_EQ(opened, "frmFileLocations");
+    withNextForm([&opened](QWidget& form) {
+        opened = form.objectName();
+        QTest::keyClick(&form, Qt::Key_Escape);
+    });
+    QTest::keyClick(&console.form, Qt::Key_T, Qt::AltModifier);
+    EXPECT_EQ(opened, "frmDateTimeSetup");
+}
+
+TEST(Console, ALetterMarkedTwiceReachesBothInTurn) {
+    Console console;
+    console.form.setRoutine("CompactRepairDatabase", [](frmConfigure&) {});
+    ASSERT_TRUE(console.start());
+    // "d" stands on the display settings and, once it can be opened, on the audio setup; here both are made
+    // usable.
+    find<JobTile>(console.form, "cmdAudioSetup")->setEnabled(true);
+    QTest::keyClick(&console.form, Qt::Key_D);
+    EXPECT_EQ(console.form.focusWidget()->objectName(), "cmdAudioSetup");
+    QTest::keyClick(&console.form, Qt::Key_D);
+    EXPECT_EQ(console.form.focusWidget()->objectName(), "cmdDisplaySettings");
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST(Console, SearchFindsASettingByItsWordsAndOpensItsForm) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    auto* box = find<QLineEdit>(console.form, "txtFind");
+    QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(box->hasFocus());
+    QTest::keyClicks(box, "touch screens");
+    EXPECT_EQ(console.tab(), 0);
+    auto* list = find<QListWidget>(console.form, "listFound");
+    ASSERT_TRUE(list->isVisible());
+    ASSERT_GE(list->count(), 1);
+    QString opened;
+    withNextForm([&opened](QWidget& form) {
+        opened = form.objectName();
+        QTest::keyClick(&form, Qt::Key_Escape);
+    });
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(opened, "frmDisplayOptions");
+    EXPECT_FALSE(list->isVisible());
+
+    // A setting is found by its key too; nonsense says so.
+    console.form.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&console.form));
+    QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(box, "radioclockcomport");
+    EXPECT_TRUE(list->item(0)->text().contains("Date/Time Setup")) << list->item(0)->text().toStdString();
+    box->setText("xyzzy");
+    EXPECT_EQ(list->item(0)->text(), "No setting has these words");
+}
+
+TEST(Console, ChecksTheConfigurationAtTheExitOnly) {
+    Console console(configuredIni().replace("LinkMeshId=1", "LinkMeshId=0"));
+    ASSERT_TRUE(console.start());
+    console.prompts.forget();
+    console.prompts.answers = {platform::Answer::No, platform::Answer::Yes};
+    auto* leave = find<QAction>(console.form, "mnuExit");
+    leave->trigger();
+    EXPECT_EQ(console.prompts.texts(),
+              QStringList{
+                  "Tolvex is not fully configured:\n\nLinkMesh ID No has not been set\n\nDefinitely Exit?"});
+    EXPECT_TRUE(console.form.isVisible());
+    leave->trigger();
+    EXPECT_FALSE(console.form.isVisible());
+}
+
+TEST(Console, ThePanelLeadsToTheFormThatMends) {
+    Console console(configuredIni().replace("Carts3=C:\\WALL", "Carts3="));
+    console.prompts.answers.push_back(platform::Answer::Yes);
+    ASSERT_TRUE(console.start());
+    auto* panel = find<WorkstationPanel>(console.form, "pnlWorkstation");
+    const auto links = panel->widget()->findChildren<QPushButton*>();
+    ASSERT_FALSE(links.isEmpty());
+    EXPECT_EQ(links.front()->text(), QString::fromUtf8("File Locations ›"));
+    EXPECT_EQ(find<JobTile>(console.form, "cmdFileLocations")->accessibleDescription(),
+              "1 AudioWall Location/s have not been set");
+    // Mending it through the link takes the line away.
+    console.allowLists();
+    withNextForm([](QWidget& form) {
+        QTest::keyClicks(find<QLineEdit>(form, "txtCartLocations_3"), "c:\\wall");
+        click(form, "cmdDone");
+    });
+    QTest::mouseClick(links.front(), Qt::LeftButton);
+    EXPECT_EQ(find<JobTile>(console.form, "cmdFileLocations")->accessibleDescription(),
+              "Where data and carts live");
+}
+
+TEST(Console, ClosingUnloadsTheOthersSavesAndStartsTheCaller) {
+    Console console;
+    console.machine.link("x:", QDir::tempPath());
+    const QString mark = console.machine.host("C:\\started");
+    console.machine.write("C:\\caller", "#!/bin/sh\necho \"$1\" > \"" + mark.toUtf8() + "\"\n");
+    QFile(console.machine.host("C:\\caller"))
+        .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    SetTypedCommandLine("/RUNBY=C:\\caller");
+    ASSERT_TRUE(console.start());
+    QDialog first;
+    QDialog last;
+    EnterForm(&first);
+    EnterForm(&last);
+    QStringList order;
+    QObject::connect(&first, &QDialog::finished, [&order] { order += "first"; });
+    QObject::connect(&last, &QDialog::finished, [&order] { order += "last"; });
+    first.show();
+    last.show();
+    settings().CartMinimumWidth = 3210;
+    console.form.close();
+    EXPECT_EQ(order, (QStringList{"last", "first"}));
+    EXPECT_EQ(console.value("AudioWall", "CartMinimumWidth"), "3210");
+    EXPECT_FALSE(TerminalListIsOpen());
+    EXPECT_TRUE(QTest::qWaitFor([&mark] { return QFileInfo(mark).size() > 0; }, 3000));
+    EXPECT_EQ(console.machine.read("C:\\started"), "/NOPREVCHECK\n");
+}
+
+TEST(Console, OptionsAreStoredAndTheirDefaultLeavesNothing) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    auto* multi = find<QAction>(console.form, "mnuAllowMulti");
+    EXPECT_FALSE(multi->isChecked());
+    multi->trigger();
+    EXPECT_EQ(ReadRegistryLong(platform::LocalMachineHive, OptionsKey, "MultiConfigFile", 7), -1);
+    multi->trigger();
+    EXPECT_FALSE(platform::RegistryRead(platform::LocalMachineHive, OptionsKey, "MultiConfigFile"));
+}
+
+TEST(Console, ChecksComeBeforeFormsWithTheirOwnMessages) {
+    Station station;
+    EXPECT_FALSE(CheckHolds(JobCheck::DataLocationSet));
+    settings().DataLocation = "C:\\DATA";
+    EXPECT_TRUE(CheckHolds(JobCheck::DataLocationSet));
+    EXPECT_FALSE(CheckHolds(JobCheck::FirstCartLocationSet));
+    EXPECT_STREQ(FindConsoleJob("cmdHardwareSetup")->message,
+                 "You must set the Data Location (in File Locations) first");
+    EXPECT_TRUE(FindConsoleJob("cmdLinkmeshSetup")->informs);
+}

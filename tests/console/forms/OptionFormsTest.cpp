@@ -1,0 +1,161 @@
+// File locations, display options, date and time: what the forms show, take and write.
+#include "console/forms/Station.h"
+
+#include "console/forms/frmDateTimeSetup.h"
+#include "console/forms/frmDisplayOptions.h"
+#include "console/forms/frmFileLocations.h"
+#include "dialogs/Colours.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+
+namespace {
+
+void type(QWidget& form, const char* name, const QString& text) {
+    auto* box = find<QLineEdit>(form, name);
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, text);
+}
+
+} // namespace
+
+TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
+    Station station("[FileLocations]\r\n; kept\r\nData=C:\\OLD\r\nOther=1\r\n");
+    frmFileLocations form;
+    form.setIniFile("TOLVEX.INI");
+    form.show();
+    EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), "C:\\OLD");
+    // All boxes are empty and so alike: the one-location box came up ticked.
+    click(form, "chkUseOneCartLocation");
+    type(form, "txtDataLocation", "c:\\data\\");
+    EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), "C:\\DATA\\");
+    type(form, "txtCartLocations_1", "c:\\wall\\one\\\\");
+    type(form, "txtCartLocations_2", "C:\\");
+    // Nothing can be made below a file.
+    station.machine.write("C:\\FILE", "x");
+    type(form, "txtCartLocations_3", "C:\\FILE\\X");
+    click(form, "cmdDone");
+
+    EXPECT_EQ(station.value("FileLocations", "Data"), "C:\\DATA");
+    EXPECT_EQ(station.value("FileLocations", "Schedules"), "C:\\DATA\\SCHEDULE");
+    EXPECT_EQ(station.value("FileLocations", "Logs"), "C:\\DATA\\LOGS");
+    EXPECT_EQ(settings().CartPartTable[1].Location, "C:\\WALL\\ONE\\");
+    EXPECT_EQ(station.value("FileLocations", "Carts1"), "C:\\WALL\\ONE");
+    EXPECT_EQ(station.value("FileLocations", "Carts2"), "C:");
+    EXPECT_EQ(station.value("FileLocations", "Carts3"), "C:\\FILE\\X");
+    EXPECT_EQ(station.value("FileLocations", "Carts4"), "");
+    EXPECT_EQ(settings().CartPartTable[1].State, Available);
+    EXPECT_EQ(settings().CartPartTable[2].State, Available);
+    EXPECT_EQ(settings().CartPartTable[3].State, Unavailable);
+    EXPECT_EQ(settings().CartPartTable[4].State, Unavailable);
+    EXPECT_EQ(station.prompts.texts().size(), 1);
+    EXPECT_TRUE(station.machine.exists("C:\\DATA\\SCRIPTS"));
+    EXPECT_TRUE(station.ini().startsWith("[FileLocations]\r\n; kept\r\nData=C:\\DATA\r\nOther=1\r\n"));
+    EXPECT_FALSE(form.isVisible());
+}
+
+TEST(FileLocations, OneDirectoryForAllCarts) {
+    Station station(configuredIni());
+    for (CartPart& part : settings().CartPartTable)
+        part.Location = "C:\\WALL";
+    frmFileLocations form;
+    form.setIniFile("TOLVEX.INI");
+    form.show();
+    EXPECT_TRUE(find<QCheckBox>(form, "chkUseOneCartLocation")->isChecked());
+    EXPECT_TRUE(find<QLineEdit>(form, "txtCartLocations_2")->isReadOnly());
+    EXPECT_FALSE(find<QPushButton>(form, "cmdChangeCartLocation_11")->isEnabled());
+    type(form, "txtCartLocations_1", "c:\\new");
+    EXPECT_EQ(find<QLineEdit>(form, "txtCartLocations_11")->text(), "C:\\NEW");
+    click(form, "chkUseOneCartLocation");
+    EXPECT_FALSE(find<QLineEdit>(form, "txtCartLocations_2")->isReadOnly());
+    type(form, "txtCartLocations_1", "c:\\other");
+    EXPECT_EQ(find<QLineEdit>(form, "txtCartLocations_11")->text(), "C:\\NEW");
+
+    station.prompts.folders = {std::nullopt, QString("m:\\audio")};
+    click(form, "cmdChangeCartLocation_2");
+    EXPECT_EQ(find<QLineEdit>(form, "txtCartLocations_2")->text(), "C:\\NEW");
+    click(form, "cmdChangeCartLocation_2");
+    EXPECT_EQ(find<QLineEdit>(form, "txtCartLocations_2")->text(), "M:\\AUDIO");
+    const QByteArray before = station.ini();
+    QTest::keyClick(&form, Qt::Key_Escape);
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_EQ(station.ini(), before);
+    EXPECT_EQ(settings().CartPartTable[1].Location, "C:\\WALL");
+}
+
+TEST(DateTimeSetup, StoresThePortAndTestsOnlyAChosenOne) {
+    Station station("[DateTimeSettings]\r\nRadioClockComPort=2\r\n");
+    settings().RadioClockComPort = 2;
+    int tested = 0;
+    frmDateTimeSetup form([&tested](int port, QWidget*) { tested = port; });
+    form.show();
+    auto* ports = find<QComboBox>(form, "comboRadioClock");
+    EXPECT_EQ(ports->currentText(), "Com Port 2");
+    click(form, "cmdTestRadioClock");
+    EXPECT_EQ(tested, 2);
+    ports->setCurrentIndex(0);
+    click(form, "cmdTestRadioClock");
+    EXPECT_EQ(station.prompts.texts(), QStringList{"You must choose a valid Com Port"});
+    ports->setCurrentIndex(4);
+    click(form, "Command1");
+    EXPECT_EQ(settings().RadioClockComPort, 4);
+    EXPECT_EQ(station.ini(), "[DateTimeSettings]\r\nRadioClockComPort=4\r\n");
+
+    // A port from a hand-edited file selects nothing and survives OK.
+    settings().RadioClockComPort = 7;
+    frmDateTimeSetup odd;
+    odd.show();
+    EXPECT_EQ(find<QComboBox>(odd, "comboRadioClock")->currentIndex(), -1);
+    EXPECT_FALSE(find<QPushButton>(odd, "cmdTestRadioClock")->isEnabled());
+    click(odd, "Command1");
+    EXPECT_EQ(settings().RadioClockComPort, 7);
+}
+
+TEST(DisplayOptions, ColoursShowAtOnceAndStayAfterEscape) {
+    Station station("[Display]\r\nShowClock=0\r\n");
+    settings().FormBackcolor = SystemButtonFace;
+    settings().FormForeColor = SystemButtonText;
+    settings().UseInformationWindow = 2;
+    settings().ShowClock = -1;
+    frmDisplayOptions form;
+    form.show();
+    EXPECT_TRUE(find<QRadioButton>(form, "optInfoWindowAtBottom")->isChecked());
+    EXPECT_TRUE(find<QCheckBox>(form, "chkInfoWindowDisplayClock")->isChecked());
+    EXPECT_FALSE(find<QPushButton>(form, "cmdChangeBackgroundColor")->isEnabled());
+    click(form, "chkAdjustSystemColors");
+    station.prompts.colours = {0x0000FF, std::nullopt};
+    click(form, "cmdChangeBackgroundColor");
+    EXPECT_EQ(settings().FormBackcolor, 0x0000FF);
+    EXPECT_EQ(form.grab().toImage().pixelColor(4, 4), QColor(255, 0, 0));
+    click(form, "cmdChangeForegroundColor");
+    EXPECT_EQ(settings().FormForeColor, SystemButtonText);
+    QTest::keyClick(&form, Qt::Key_Escape);
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_EQ(settings().FormBackcolor, 0x0000FF);
+    EXPECT_EQ(settings().AdjustTheSystemColors, 0);
+    EXPECT_EQ(station.value("Display", "FormBackcolor"), "<none>");
+}
+
+TEST(DisplayOptions, OkStoresTheChoices) {
+    Station station("[Display]\r\nShowClock=1\r\n");
+    settings().ShowClock = 1;
+    settings().UseInformationWindow = 2;
+    frmDisplayOptions form;
+    form.show();
+    click(form, "optInfoWindowAtTop");
+    click(form, "chkInfoWindowDisplayClock");
+    click(form, "chkUseSingleClick");
+    click(form, "cmdOK");
+    EXPECT_EQ(station.value("Display", "UseInformationWindow"), "1");
+    EXPECT_EQ(station.value("Display", "ShowClock"), "0");
+    EXPECT_EQ(station.value("Display", "SingleClickPlayCarts"), "-1");
+    EXPECT_EQ(settings().AdjustTheSystemColors, 0);
+}
