@@ -89,6 +89,9 @@ TEST_F(Files, NameTheirErrors) {
     machine.link("n:", "/nowhere/at/all");
     machine.addDrive(u'P');
     machine.link("com1", "/dev/full");
+    ASSERT_TRUE(QFile::link("/nowhere/at/all", machine.host("C:\\") + "/Dangling"));
+    machine.addShare("SERVER", "GONE");
+    ASSERT_TRUE(QDir(machine.host("\\\\SERVER\\GONE")).removeRecursively()); // a share that vanished
 
     EXPECT_EQ(RemoveFile("C:\\missing"), FileNotFound);
     EXPECT_EQ(RemoveFile("C:\\missing\\x"), PathNotFound);
@@ -101,6 +104,12 @@ TEST_F(Files, NameTheirErrors) {
     EXPECT_EQ(MakeFolder("C:\\a.txt"), PathFileAccess);
     EXPECT_EQ(MakeFolder("C:\\a.txt\\x"), PathNotFound);
     EXPECT_EQ(MakeFolder("C:\\missing\\x"), PathNotFound);
+    EXPECT_EQ(MakeFolder("C:\\Dangling"), PathFileAccess);
+    EXPECT_EQ(MakeFolder("C:\\Dangling\\x"), PathNotFound);
+    EXPECT_EQ(ReplaceWholeFile("C:\\Dangling\\x", "x"), PathNotFound);
+    EXPECT_EQ(ReplaceWholeFile("\\\\SERVER\\GONE\\x", "x"), PathNotFound);
+    EXPECT_EQ(AppendToFile("\\\\SERVER\\GONE\\x", "x"), PathNotFound);
+    EXPECT_FALSE(FolderExists("C:\\Dangling") || FolderExists("\\\\SERVER\\GONE"));
     EXPECT_EQ(MakeFolder("C:\\a|b"), BadFileNumber);
     EXPECT_EQ(MakeFolder(""), BadFileNumber);
     EXPECT_EQ(ReplaceWholeFile("C:\\Folder", "x"), PathFileAccess);
@@ -121,7 +130,8 @@ TEST_F(Files, NameTheirErrors) {
     EXPECT_EQ(FileSize("C:\\missing"), -1);
     EXPECT_TRUE(FolderExists("C:") && FolderExists("c:/folder/") && !FolderExists("C:\\a.txt"));
     EXPECT_TRUE(FileExists("C:\\A.TXT") && !FileExists("C:\\Folder") && !FileExists("N:\\x"));
-    EXPECT_EQ(FolderNames("C:\\"), QStringList({"a.txt", "b.txt", "Folder", "Program Files", "WINDOWS"}));
+    EXPECT_EQ(FolderNames("C:\\"),
+              QStringList({"a.txt", "b.txt", "Dangling", "Folder", "Program Files", "WINDOWS"}));
 }
 
 TEST_F(Files, AreRenamedInCaseAndAcrossDisks) {
