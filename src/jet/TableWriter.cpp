@@ -20,8 +20,9 @@ constexpr std::size_t HeadBegin = 0x18;
 constexpr std::size_t HeadEnd = 0x3F;
 
 Bytes designOf(const std::uint8_t* page) {
-    Bytes design(page + LengthField, page + LengthField + 4);
-    design.insert(design.end(), page + HeadBegin, page + HeadEnd);
+    Bytes design(4 + HeadEnd - HeadBegin);
+    std::copy_n(page + LengthField, 4, design.begin());
+    std::copy(page + HeadBegin, page + HeadEnd, design.begin() + 4);
     return design;
 }
 
