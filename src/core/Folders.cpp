@@ -6,8 +6,7 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Prompts.h"
-
-#include <QRandomGenerator>
+#include "platform/TempFile.h"
 
 namespace tolvex {
 
@@ -101,22 +100,20 @@ QString BrowseForFolder(const QString& prompt, const QString& start) {
 
 QString TempFileName(const QString& folder, const QString& prefix, const QString& extension) {
     const QString place = folder.isEmpty() ? platform::TempFolder() : folder;
-    if (!platform::FolderExists(place)) {
-        platform::Message message;
-        message.text = QStringLiteral("Error getting a temporary file name :") +
-                       QString::number(FileError::PathNotFound);
-        message.icon = platform::Icon::Stop;
-        platform::prompts().ask(message);
-        return {};
-    }
-    const QString stem =
-        place + QLatin1String(place.endsWith(u'\\') ? "" : "\\") + prefix.toUpper().remove(u' ').left(3);
-    const QString ending = u'.' + (extension.isEmpty() ? QStringLiteral("TMP") : extension);
-    const quint32 first = QRandomGenerator::global()->bounded(0x10000u);
-    for (quint32 tried = 0; tried < 0x10000u; ++tried) {
-        const quint32 number = (first + tried) & 0xFFFFu;
-        const QString name =
-            stem + QStringLiteral("%1").arg(number, 4, 16, QLatin1Char('0')).toUpper() + ending;
+    const QString ending = extension.isEmpty() ? QStringLiteral("TMP") : extension;
+    constexpr int tries = 10000;
+    for (int tried = 0; tried < tries; ++tried) {
+        int error = FileError::NoError;
+        const QString made = platform::MakeTempFile(place, prefix.toUpper().remove(u' '), &error);
+        if (made.isEmpty()) {
+            platform::Message message;
+            message.text = QStringLiteral("Error getting a temporary file name :") + QString::number(error);
+            message.icon = platform::Icon::Stop;
+            platform::prompts().ask(message);
+            return {};
+        }
+        platform::RemoveFile(made);
+        const QString name = made.chopped(3) + ending;
         if (!platform::FileExists(name))
             return name;
     }
