@@ -10,7 +10,6 @@ namespace {
 
 const QString key = QStringLiteral("Software\\Microsoft\\DataAccess");
 constexpr double oldestUsable = 2.5;
-const QString ownEngineVersion = QStringLiteral("4.0");
 
 // Where the components can be got.
 const QString downloadPage = QStringLiteral("https://www.microsoft.com/download");
@@ -46,11 +45,6 @@ bool CheckDataEngine(bool showMessages, QString* version) {
     if (version)
         *version = installed;
     return !installed.isEmpty();
-}
-
-void RegisterDataEngine() {
-    if (installedVersion().isEmpty())
-        WriteRegistryString(LocalMachineHive, key, QStringLiteral("FullInstallVer"), ownEngineVersion, {});
 }
 
 } // namespace tolvex

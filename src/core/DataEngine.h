@@ -10,8 +10,4 @@ namespace tolvex {
 // case.
 bool CheckDataEngine(bool showMessages, QString* version = nullptr);
 
-// This program brings its own engine where the platform has none: says so in the place that CheckDataEngine
-// looks at, unless a version stands there already. Call it once, at start, off Windows.
-void RegisterDataEngine();
-
 } // namespace tolvex
