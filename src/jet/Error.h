@@ -45,9 +45,11 @@ enum class ErrorNumber : int {
     ReadVerification = 3428, // a problem occurred in the database: damaged page
     DiskIo = 3043,           // disk or network error
     FileTooLarge = 3048,
-    IndexNotFound = 3015, // the table has no index of that name
-    NoIndexSet = 3019,    // operation needs a current index
-    NoEdit = 3020,        // update without add or edit
+    IndexNotFound = 3015,      // the table has no index of that name
+    NoIndexSet = 3019,         // operation needs a current index
+    UsedInIndex = 3280,        // a field that an index needs cannot be dropped
+    UsedInRelationship = 3281, // a table or index that a relationship needs cannot be dropped
+    NoEdit = 3020,             // update without add or edit
 };
 
 // The engine's sentence for a number.

@@ -178,30 +178,6 @@ void writeLogicalIndex(Writer& out, const LogicalIndex& index) {
     out.u32(index.reserved);
 }
 
-// The bytes that a column of a kind takes in the fixed part of a row; 0: as its size says.
-int fixedSizeOf(ColumnType type) {
-    switch (type) {
-    case ColumnType::Boolean:
-    case ColumnType::Byte:
-        return 1;
-    case ColumnType::Integer:
-        return 2;
-    case ColumnType::Long:
-    case ColumnType::Single:
-        return 4;
-    case ColumnType::Currency:
-    case ColumnType::Double:
-    case ColumnType::DateTime:
-        return 8;
-    case ColumnType::Guid:
-        return 16;
-    case ColumnType::Numeric:
-        return 17;
-    default:
-        return 0;
-    }
-}
-
 void checkColumns(const TableDefinition& definition) {
     std::bitset<0x10000> seen;
     for (const Column& column : definition.columns) {
@@ -211,7 +187,7 @@ void checkColumns(const TableDefinition& definition) {
         if (column.number >= definition.columnNumbers || seen[column.number])
             fault("has a bad number");
         seen[column.number] = true;
-        const int size = fixedSizeOf(column.type);
+        const int size = StoredSize(column.type);
         if (size != 0 && column.size != size)
             fault("has a bad size");
         if (column.isFixed() && (column.isLong() || column.fixedOffset + column.size > int{PageSize}))
@@ -242,6 +218,29 @@ const std::uint8_t* readDefinitionPage(Pager& pager, PageNumber page) {
 }
 
 } // namespace
+
+int StoredSize(ColumnType type) {
+    switch (type) {
+    case ColumnType::Boolean:
+    case ColumnType::Byte:
+        return 1;
+    case ColumnType::Integer:
+        return 2;
+    case ColumnType::Long:
+    case ColumnType::Single:
+        return 4;
+    case ColumnType::Currency:
+    case ColumnType::Double:
+    case ColumnType::DateTime:
+        return 8;
+    case ColumnType::Guid:
+        return 16;
+    case ColumnType::Numeric:
+        return 17;
+    default:
+        return 0;
+    }
+}
 
 int TableDefinition::findColumn(std::u16string_view name) const {
     for (std::size_t i = 0; i < columns.size(); ++i)

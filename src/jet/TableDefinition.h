@@ -130,6 +130,9 @@ struct TableDefinition {
     int fixedLength() const;
 };
 
+// The bytes that a value of a kind takes in a row; 0 for kinds whose columns say their own size.
+int StoredSize(ColumnType type);
+
 // Whether two names of tables, columns or indexes are the same one: in the order of texts, in which case does
 // not count.
 bool SameName(std::u16string_view a, std::u16string_view b);

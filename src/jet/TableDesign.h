@@ -13,7 +13,9 @@ struct FieldDesign {
     int size = 0;            // Text: characters; Binary: bytes; 0 means 255. Ignored for other kinds
     bool autonumber = false; // Long only
     bool required = false;
-    bool allowZeroLength = false;     // Text and Memo
+    bool allowZeroLength = false; // Text and Memo
+    int precision = 18;           // Numeric
+    int scale = 0;
     std::vector<Property> properties; // others ("DefaultValue", "Description", ...)
 };
 
@@ -38,16 +40,23 @@ struct TableDesign {
     std::vector<Property> properties; // of the table itself
 };
 
+// Each of these is one transaction, or an undoable part of the one that runs.
+
 // Throws TableExists, FieldExists, IndexExists, TooManyFields, TooManyIndexes, ItemNotFound (a field of an
 // index), or InvalidArgument (name or size). Gives the page of the definition.
 PageNumber AppendTable(Catalog& catalog, const TableDesign& design);
+// Appends an empty table with the very columns and indexes of a table of this or another file, numbers and
+// all, and with these properties and catalogue flags. Indexes that belong to relationships keep the pages of
+// the other tables, which the caller sets right with WriteTableDefinition().
+PageNumber AppendTableLike(Catalog& catalog, std::u16string_view name, const TableDefinition& like,
+                           const PropertyBlob& properties, std::uint32_t flags);
+// A table that takes part in a relationship cannot be dropped: UsedInRelationship.
 void DropTable(Catalog& catalog, std::u16string_view table);
 void RenameTable(Catalog& catalog, std::u16string_view table, std::u16string_view name);
 
-// Rows that are there already hold null in a new field. A required field can be appended only to an empty
-// table.
+// Rows that are there already hold null in a new field, or false, or are numbered in an autonumber.
 void AppendField(Catalog& catalog, std::u16string_view table, const FieldDesign& field);
-// A field that an index uses cannot be dropped: InvalidArgument.
+// A field that an index uses cannot be dropped: UsedInIndex.
 void DropField(Catalog& catalog, std::u16string_view table, std::u16string_view field);
 void RenameField(Catalog& catalog, std::u16string_view table, std::u16string_view field,
                  std::u16string_view name);
@@ -55,13 +64,17 @@ void RenameField(Catalog& catalog, std::u16string_view table, std::u16string_vie
 // On a filled table the index is built from its rows; DuplicateKey or NullNotAllowed leave the table as it
 // was.
 void AppendIndex(Catalog& catalog, std::u16string_view table, const IndexDesign& index);
-// An index that a relationship uses cannot be dropped: InvalidArgument.
+// An index that a relationship uses cannot be dropped: UsedInRelationship.
 void DropIndex(Catalog& catalog, std::u16string_view table, std::u16string_view index);
 void RenameIndex(Catalog& catalog, std::u16string_view table, std::u16string_view index,
                  std::u16string_view name);
 
-// What a table looks like, to make the same in another file: fields in the order of their numbers, without
-// the indexes that belong to relationships.
+// What a table looks like: fields in the order in which they are shown, without the indexes that belong to
+// relationships.
 TableDesign DescribeTable(const Catalog& catalog, const CatalogObject& table);
+
+// Makes all entries of one index anew from the table's rows, in a tree as small as can be. Throws
+// DuplicateKey or NullNotAllowed.
+void RebuildIndex(Pager& pager, PageNumber definition, int realIndex);
 
 } // namespace jet
