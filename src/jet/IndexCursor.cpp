@@ -15,6 +15,15 @@ const std::uint8_t* IndexCursor::page(PageNumber number) {
     return page;
 }
 
+// Makes the entry at a place of a leaf the cursor's own.
+bool IndexCursor::take(const std::uint8_t* leaf, PageNumber number, int offset) {
+    CopyEntry(leaf, number, offset, entry_);
+    page_ = number;
+    offset_ = offset;
+    version_ = tree_.pager().version();
+    return valid_ = true;
+}
+
 // Takes the entry at a place of a leaf, or the first one of the leaves behind it. `ascending`: it comes from
 // an entry, and all entries of the leaves behind must be above that one, so that a list that runs in a circle
 // ends.
@@ -31,10 +40,7 @@ bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
         if (ascending && Find(leaf, entry_.view(), true) != offset)
             Damaged(number, "is out of order in the index");
     }
-    CopyEntry(leaf, number, offset, entry_);
-    page_ = number;
-    offset_ = offset;
-    return valid_ = true;
+    return take(leaf, number, offset);
 }
 
 // The same for the entry before a place.
@@ -52,10 +58,7 @@ bool IndexCursor::backward(PageNumber number, int offset, bool descending) {
             Damaged(number, "is out of order in the index");
     }
     offset = Before(leaf, offset);
-    CopyEntry(leaf, number, offset, entry_);
-    page_ = number;
-    offset_ = offset;
-    return valid_ = true;
+    return take(leaf, number, offset);
 }
 
 bool IndexCursor::first() {
@@ -67,35 +70,41 @@ bool IndexCursor::last() {
 }
 
 bool IndexCursor::seekFrom(KeyView key) {
+    const Reading reading(tree_.pager());
     IndexPath path;
     Descend(tree_, key, false, path);
     return forward(path.leaf().page, path.leaf().offset, false);
 }
 
 bool IndexCursor::seekPast(KeyView key) {
+    const Reading reading(tree_.pager());
     IndexPath path;
     Descend(tree_, key, true, path);
     return forward(path.leaf().page, path.leaf().offset, false);
 }
 
 bool IndexCursor::seekBefore(KeyView key) {
+    const Reading reading(tree_.pager());
     IndexPath path;
     Descend(tree_, key, false, path);
     return backward(path.leaf().page, path.leaf().offset, false);
 }
 
 bool IndexCursor::seekUpTo(KeyView key) {
+    const Reading reading(tree_.pager());
     IndexPath path;
     Descend(tree_, key, true, path);
     return backward(path.leaf().page, path.leaf().offset, false);
 }
 
 bool IndexCursor::seekEntry(KeyView key, RowPointer row) {
+    const Reading reading(tree_.pager());
     const EntryBuffer entry(key, row);
     IndexPath path;
     const std::uint8_t* leaf = Descend(tree_, entry.view(), false, path);
     page_ = path.leaf().page;
     offset_ = path.leaf().offset;
+    version_ = 0;
     const bool found = HoldsEntry(leaf, offset_, entry.view());
     std::memcpy(entry_.bytes, entry.bytes, entry.size);
     entry_.size = entry.size;
@@ -103,9 +112,11 @@ bool IndexCursor::seekEntry(KeyView key, RowPointer row) {
     return found;
 }
 
-// Whether the entry lies where it was met. The page may have been freed meanwhile and may serve another index
-// of the table, so that the map is asked first.
+// Whether the entry lies where it was met. If pages were changed since, its page may have been freed and may
+// serve another index of the table, so that the map is asked first.
 bool IndexCursor::stillThere() {
+    if (version_ != 0 && version_ == tree_.pager().version())
+        return true;
     if (!tree_.pages().contains(page_))
         return false;
     const std::uint8_t* leaf = ReadIndexPage(tree_, page_);
@@ -115,6 +126,7 @@ bool IndexCursor::stillThere() {
 bool IndexCursor::next() {
     if (!valid_)
         return false;
+    const Reading reading(tree_.pager());
     if (stillThere())
         return forward(page_, End(page(page_), offset_), true);
     IndexPath path;
@@ -125,6 +137,7 @@ bool IndexCursor::next() {
 bool IndexCursor::previous() {
     if (!valid_)
         return false;
+    const Reading reading(tree_.pager());
     if (stillThere())
         return backward(page_, offset_, true);
     IndexPath path;

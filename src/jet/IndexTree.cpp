@@ -47,6 +47,7 @@ void IndexTree::destroy() {
 }
 
 bool IndexTree::contains(KeyView key) const {
+    const Reading reading(*pager_);
     IndexPath path;
     const std::uint8_t* page = Descend(*this, key, false, path);
     int offset = path.leaf().offset;
@@ -65,6 +66,7 @@ bool IndexTree::contains(KeyView key) const {
 }
 
 bool IndexTree::containsOther(KeyView key, RowPointer row) const {
+    const Reading reading(*pager_);
     IndexCursor cursor(*this);
     for (bool more = cursor.seekFrom(key); more && cursor.matches(key); more = cursor.next())
         if (cursor.row() != row && cursor.key().size() == key.size())

@@ -3,7 +3,8 @@
 //
 // A tree object holds no state but where the tree lies: every call starts from the root as it is on its page,
 // so several objects on one tree, and a rollback of the pager, do no harm. Pages are checked as they are met;
-// a page that does not hold what it should throws ReadVerification.
+// a page that does not hold what it should throws ReadVerification. What changes the tree is called inside a
+// Changing of the pager.
 #pragma once
 
 #include "jet/IndexPage.h"
@@ -91,6 +92,7 @@ public:
 
 private:
     const std::uint8_t* page(PageNumber number);
+    bool take(const std::uint8_t* leaf, PageNumber number, int offset);
     bool stillThere();
     bool forward(PageNumber number, int offset, bool ascending);
     bool backward(PageNumber number, int offset, bool descending);
@@ -99,6 +101,7 @@ private:
     indexpage::EntryBuffer entry_;
     PageNumber page_ = 0; // where the entry lay when it was met; 0: not known
     int offset_ = 0;
+    std::uint64_t version_ = 0; // of the pager then; 0: the pager does not count
     bool valid_ = false;
 };
 
