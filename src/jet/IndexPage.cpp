@@ -36,6 +36,17 @@ void storeHighFirst(std::uint8_t* at, std::uint32_t value) {
         at[i] = static_cast<std::uint8_t>(value >> 8 * (3 - i));
 }
 
+std::uint64_t loadHighFirst64(const std::uint8_t* at) {
+    return static_cast<std::uint64_t>(loadHighFirst(at)) << 32 | loadHighFirst(at + 4);
+}
+
+// The first 8 bytes of a key; zeros where it is shorter.
+std::uint64_t headOf(KeyView key) {
+    std::uint8_t bytes[8] = {};
+    std::memcpy(bytes, key.data(), std::min<std::size_t>(key.size(), sizeof bytes));
+    return loadHighFirst64(bytes);
+}
+
 // The mask is worked on in words of 64 bits; the last one has 5 bytes.
 constexpr int LastWord = MaskLength / 8;
 constexpr int LastBytes = MaskLength % 8;
@@ -107,6 +118,24 @@ void moveMarksDown(std::uint8_t* page, int from, int last, int by) {
             value |= source(word + words + 1) << (64 - bits);
         setMaskWord(page, word, word == first ? kept | value : value);
     }
+}
+
+// The lowest mark from `bit` up to `used`, which has one on every page that passed Check().
+int markFrom(const std::uint8_t* page, int bit, int used) {
+    int word = bit / 64;
+    std::uint64_t bits = maskWord(page, word) & bitsFrom(bit % 64);
+    while (bits == 0 && word < LastWord)
+        bits = maskWord(page, ++word);
+    return bits == 0 ? used : std::min(word * 64 + std::countr_zero(bits), used);
+}
+
+// The highest mark up to `bit`; 0 if there is none.
+int markUpTo(const std::uint8_t* page, int bit) {
+    int word = bit / 64;
+    std::uint64_t bits = maskWord(page, word) & ~(bitsFrom(bit % 64) << 1);
+    while (bits == 0 && word > 0)
+        bits = maskWord(page, --word);
+    return bits == 0 ? 0 : word * 64 + 63 - std::countl_zero(bits);
 }
 
 void setUsed(std::uint8_t* page, int used) {
@@ -226,21 +255,11 @@ int Used(const std::uint8_t* page) {
 }
 
 int End(const std::uint8_t* page, int offset) {
-    int word = (offset + 1) / 64;
-    std::uint64_t bits = maskWord(page, word) & bitsFrom((offset + 1) % 64);
-    while (bits == 0 && word < LastWord)
-        bits = maskWord(page, ++word);
-    // Every page that passed Check() has a mark at its end; this holds whatever the mask says.
-    return bits == 0 ? Used(page) : std::min(word * 64 + std::countr_zero(bits), Used(page));
+    return markFrom(page, offset + 1, Used(page));
 }
 
 int Before(const std::uint8_t* page, int offset) {
-    const int prefix = Prefix(page);
-    int word = (offset - 1) / 64;
-    std::uint64_t bits = maskWord(page, word) & ~(bitsFrom((offset - 1) % 64) << 1);
-    while (bits == 0 && word > prefix / 64)
-        bits = maskWord(page, --word);
-    return bits == 0 ? prefix : std::max(word * 64 + 63 - std::countl_zero(bits), prefix);
+    return std::max(markUpTo(page, offset - 1), Prefix(page));
 }
 
 int CountEntries(const std::uint8_t* page) {
@@ -270,12 +289,23 @@ int Find(const std::uint8_t* page, KeyView target, bool past) {
         return past ? high : low;
     target = target.subspan(shared);
 
+    // Most entries part within their first 8 bytes, which compare as one number.
     const bool leaf = IsLeaf(page);
+    const std::uint64_t head = headOf(target);
     while (low < high) {
-        const int begin = std::max(Before(page, low + (high - low) / 2 + 1), low);
-        const int end = End(page, begin);
+        const int begin = std::max(markUpTo(page, low + (high - low) / 2), low);
+        const int end = markFrom(page, begin + 1, used);
         const auto length = static_cast<std::size_t>(comparedLength(leaf, begin, end));
-        const int compared = std::memcmp(entries + begin, target.data(), std::min(length, target.size()));
+        const std::size_t common = std::min(length, target.size());
+        if (begin <= Capacity - 8) {
+            const std::uint64_t own = loadHighFirst64(entries + begin);
+            if (static_cast<std::size_t>(std::countl_zero(own ^ head)) <
+                8 * std::min<std::size_t>(common, 8)) {
+                own < head ? low = end : high = begin;
+                continue;
+            }
+        }
+        const int compared = std::memcmp(entries + begin, target.data(), common);
         const bool below = compared != 0 ? compared < 0 : past || length < target.size();
         if (below)
             low = end;

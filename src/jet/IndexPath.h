@@ -5,10 +5,11 @@
 
 namespace jet {
 
+// Steps are set as they are taken: a search for one entry does not pay for clearing all of them.
 struct IndexPath {
     struct Step {
-        PageNumber page = 0;
-        int offset = 0; // in a node: of the entry whose child comes next, or its end for the tail
+        PageNumber page;
+        int offset; // in a node: of the entry whose child comes next, or its end for the tail
     };
     // A tree of two children a node that fills the largest file has fewer levels.
     static constexpr int MaximumDepth = 24;
