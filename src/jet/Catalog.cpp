@@ -79,8 +79,9 @@ Bytes creatorOf(const Bytes& administrator) {
     return creator;
 }
 
-// The computer's local time.
-Date now() {
+} // namespace
+
+Date LocalTime() {
     const std::time_t time = std::time(nullptr);
     const std::tm* local = std::localtime(&time);
     const std::chrono::sys_days day = std::chrono::year(local->tm_year + 1900) /
@@ -91,8 +92,6 @@ Date now() {
     return {static_cast<double>((day - epoch).count()) +
             (local->tm_hour * 3600 + local->tm_min * 60 + local->tm_sec) / secondsOfDay};
 }
-
-} // namespace
 
 std::vector<CatalogObject> Catalog::objects() const {
     const SystemTable system(*pager_, ObjectsPage);
@@ -154,7 +153,7 @@ PropertyBlob Catalog::properties(const CatalogObject& object) const {
 void Catalog::updateObject(const CatalogObject& object,
                            std::initializer_list<std::pair<const char16_t*, Value>> fields) {
     SystemTable system(*pager_, ObjectsPage);
-    std::vector<FieldChange> changes{{system.column(DateUpdate), now()}};
+    std::vector<FieldChange> changes{{system.column(DateUpdate), LocalTime()}};
     for (const auto& [name, value] : fields)
         changes.push_back({system.column(name), value});
     system.table.update(object.row, changes);
@@ -194,7 +193,7 @@ void Catalog::addTable(PageNumber definition, std::u16string_view name, const Pr
     });
     const Bytes administrator = database == all.end() ? DefaultAdministrator : database->owner;
     const auto id = static_cast<std::int32_t>(definition);
-    const Date created = now();
+    const Date created = LocalTime();
     SystemTable system(*pager_, ObjectsPage);
     system.insert({{Id, id},
                    {ParentId, TablesContainer},

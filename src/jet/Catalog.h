@@ -37,6 +37,9 @@ struct CatalogObject {
     bool isSystem() const { return (flags & SystemFlags) != 0; }
 };
 
+// The computer's local time, as the catalogue keeps it.
+Date LocalTime();
+
 class Catalog {
 public:
     static constexpr PageNumber ObjectsPage = 2;

@@ -26,7 +26,7 @@ public:
     const PageZero& header() const;
     const std::string& path() const;
     // Empty: may be changed. Otherwise why not.
-    std::string readOnlyReason() const;
+    const std::string& readOnlyReason() const;
 
     // Transactions nest: an inner rollback undoes the inner changes only. Outside of one each call that
     // changes something is a transaction of its own. Others wait while one runs, so keep it short. Throws

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace jet {
@@ -22,10 +23,12 @@ public:
     virtual void truncate(std::uint64_t size) = 0;
     // Returns when everything written so far survives a power cut.
     virtual void flush() = 0;
-    // Byte-range lock beyond or inside the file, held by this open file (not by the process). False: held by
-    // another.
+    // Byte-range lock beyond or inside the file, held by this open file (not by the process) until it is
+    // closed. Locking again changes the kind of the lock. False: another holds one in the way.
     virtual bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool wait) = 0;
     virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
+    // A byte of the range on which another open file holds a lock of any kind (not always the first one).
+    virtual std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) = 0;
 };
 
 // Where files are opened, made, renamed and removed. Paths are host paths in UTF-8.
@@ -33,14 +36,20 @@ class Storage {
 public:
     virtual ~Storage() = default;
     enum class Open { ReadOnly, ReadWrite, CreateNew };
+    // CreateNew throws DatabaseExists if there is one; the others FileNotFound or CannotOpenFile. The first
+    // flush() of a new file makes its name survive a power cut too.
     virtual std::unique_ptr<StorageFile> open(const std::string& path, Open how) = 0;
     virtual bool exists(const std::string& path) = 0;
+    // Nothing happens if there is none.
     virtual void remove(const std::string& path) = 0;
-    // Replaces `to` atomically.
+    // Replaces `to` atomically; survives a power cut when it returns.
     virtual void rename(const std::string& from, const std::string& to) = 0;
 };
 
 // The machine's own files.
 Storage& MachineStorage();
+
+// The name of this computer, for the list of users of a database.
+std::string MachineName();
 
 } // namespace jet

@@ -1,0 +1,216 @@
+// Files of a POSIX system. The locks are those of open file descriptions, so that two users in one process
+// exclude each other and closing some other descriptor of the file releases nothing.
+#include "jet/Error.h"
+#include "jet/PageFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace jet {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& path, const char* what, int error, ErrorNumber otherwise) {
+    ErrorNumber number = otherwise;
+    switch (error) {
+    case ENOENT:
+        number = ErrorNumber::FileNotFound;
+        break;
+    case ENOTDIR:
+    case ENAMETOOLONG:
+        number = ErrorNumber::SearchKeyNotFound;
+        break;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        number = ErrorNumber::DiskFull;
+        break;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+    case ETXTBSY:
+        number = ErrorNumber::CannotOpenFile;
+        break;
+    case EEXIST:
+        number = ErrorNumber::DatabaseExists;
+        break;
+    default:
+        break;
+    }
+    throw Error(number, path + ": " + what + ": " + std::strerror(error));
+}
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Makes names made in a folder survive a power cut. Some network file systems refuse it for folders; they
+// keep names by themselves.
+void flushFolder(const std::string& folder) {
+    const int folderFile = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folderFile < 0)
+        return;
+    const bool done = ::fsync(folderFile) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EACCES;
+    const int error = errno;
+    ::close(folderFile);
+    if (!done)
+        fail(folder, "flush", error, ErrorNumber::DiskIo);
+}
+
+class MachineFile final : public StorageFile {
+public:
+    MachineFile(int file, std::string path, bool created)
+        : file_(file)
+        , path_(std::move(path))
+        , folderPending_(created) {}
+    ~MachineFile() override { ::close(file_); }
+    MachineFile(const MachineFile&) = delete;
+    MachineFile& operator=(const MachineFile&) = delete;
+
+    std::uint64_t size() override {
+        struct stat status {};
+        if (::fstat(file_, &status) != 0)
+            fail(path_, "size", errno, ErrorNumber::DiskIo);
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+    std::size_t read(std::uint64_t offset, void* into, std::size_t length) override {
+        std::size_t done = 0;
+        while (done < length) {
+            const auto got = ::pread(file_, static_cast<char*>(into) + done, length - done,
+                                     static_cast<off_t>(offset + done));
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got < 0)
+                fail(path_, "read", errno, ErrorNumber::DiskIo);
+            if (got == 0)
+                break;
+            done += static_cast<std::size_t>(got);
+        }
+        return done;
+    }
+
+    void write(std::uint64_t offset, const void* from, std::size_t length) override {
+        std::size_t done = 0;
+        while (done < length) {
+            const auto put = ::pwrite(file_, static_cast<const char*>(from) + done, length - done,
+                                      static_cast<off_t>(offset + done));
+            if (put < 0 && errno == EINTR)
+                continue;
+            if (put <= 0)
+                fail(path_, "write", put < 0 ? errno : ENOSPC, ErrorNumber::DiskIo);
+            done += static_cast<std::size_t>(put);
+        }
+    }
+
+    void truncate(std::uint64_t size) override {
+        if (::ftruncate(file_, static_cast<off_t>(size)) != 0)
+            fail(path_, "set length", errno, ErrorNumber::DiskIo);
+    }
+
+    void flush() override {
+        if (::fdatasync(file_) != 0)
+            fail(path_, "flush", errno, ErrorNumber::DiskIo);
+        if (folderPending_)
+            flushFolder(folderOf(path_));
+        folderPending_ = false;
+    }
+
+    bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool wait) override {
+        struct flock range = rangeOf(offset, length, exclusive ? F_WRLCK : F_RDLCK);
+        while (::fcntl(file_, wait ? F_OFD_SETLKW : F_OFD_SETLK, &range) != 0) {
+            if (errno == EINTR)
+                continue;
+            if (errno == EAGAIN || errno == EACCES)
+                return false;
+            fail(path_, "lock", errno, ErrorNumber::DiskIo);
+        }
+        return true;
+    }
+
+    void unlock(std::uint64_t offset, std::uint64_t length) override {
+        struct flock range = rangeOf(offset, length, F_UNLCK);
+        if (::fcntl(file_, F_OFD_SETLK, &range) != 0)
+            fail(path_, "unlock", errno, ErrorNumber::DiskIo);
+    }
+
+    std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) override {
+        struct flock range = rangeOf(offset, length, F_WRLCK);
+        if (::fcntl(file_, F_OFD_GETLK, &range) != 0)
+            fail(path_, "look for locks", errno, ErrorNumber::DiskIo);
+        if (range.l_type == F_UNLCK)
+            return std::nullopt;
+        return std::max(offset, static_cast<std::uint64_t>(range.l_start));
+    }
+
+private:
+    static struct flock rangeOf(std::uint64_t offset, std::uint64_t length, int type) {
+        struct flock range {};
+        range.l_type = static_cast<decltype(range.l_type)>(type);
+        range.l_whence = SEEK_SET;
+        range.l_start = static_cast<off_t>(offset);
+        range.l_len = static_cast<off_t>(length);
+        return range;
+    }
+
+    int file_;
+    std::string path_;
+    bool folderPending_; // the name is not yet known to survive a power cut
+};
+
+class MachineFiles final : public Storage {
+public:
+    std::unique_ptr<StorageFile> open(const std::string& path, Open how) override {
+        const int flags = how == Open::ReadOnly    ? O_RDONLY
+                          : how == Open::ReadWrite ? O_RDWR
+                                                   : O_RDWR | O_CREAT | O_EXCL;
+        const int file = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
+        if (file < 0)
+            fail(path, "open", errno, ErrorNumber::CannotOpenFile);
+        struct stat status {};
+        if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+            ::close(file);
+            throw Error(ErrorNumber::CannotOpenFile, path + ": not a file");
+        }
+        return std::make_unique<MachineFile>(file, path, how == Open::CreateNew);
+    }
+
+    bool exists(const std::string& path) override { return ::access(path.c_str(), F_OK) == 0; }
+
+    void remove(const std::string& path) override {
+        if (::unlink(path.c_str()) != 0 && errno != ENOENT)
+            fail(path, "remove", errno, ErrorNumber::DiskIo);
+    }
+
+    void rename(const std::string& from, const std::string& to) override {
+        if (::rename(from.c_str(), to.c_str()) != 0)
+            fail(from, "rename", errno, ErrorNumber::DiskIo);
+        flushFolder(folderOf(to));
+        if (folderOf(from) != folderOf(to))
+            flushFolder(folderOf(from));
+    }
+};
+
+} // namespace
+
+Storage& MachineStorage() {
+    static MachineFiles files;
+    return files;
+}
+
+std::string MachineName() {
+    std::array<char, 256> name{};
+    if (::gethostname(name.data(), name.size() - 1) != 0)
+        return {};
+    return name.data();
+}
+
+} // namespace jet

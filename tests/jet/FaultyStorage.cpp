@@ -1,0 +1,187 @@
+#include "jet/FaultyStorage.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet::test {
+
+namespace {
+constexpr std::size_t Sector = 512; // what a disk writes whole or not at all
+}
+
+class FaultyStorage::File final : public StorageFile {
+public:
+    File(FaultyStorage& storage, std::shared_ptr<Inode> inode)
+        : storage_(storage)
+        , inode_(std::move(inode)) {}
+    ~File() override { unlock(0, ~std::uint64_t{0}); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    std::uint64_t size() override { return inode_->content.size(); }
+
+    std::size_t read(std::uint64_t offset, void* into, std::size_t length) override {
+        if (offset >= inode_->content.size())
+            return 0;
+        length = std::min<std::size_t>(length, inode_->content.size() - offset);
+        std::memcpy(into, inode_->content.data() + offset, length);
+        return length;
+    }
+
+    void write(std::uint64_t offset, const void* from, std::size_t length) override {
+        const auto* bytes = static_cast<const std::uint8_t*>(from);
+        Write write{offset, Bytes(bytes, bytes + length)};
+        storage_.step([&] { keep({offset, Bytes(bytes, bytes + length / 2)}); });
+        keep(std::move(write));
+    }
+
+    void truncate(std::uint64_t size) override {
+        storage_.step();
+        keep({size, {}, true});
+    }
+
+    void flush() override {
+        storage_.step();
+        inode_->flushed = inode_->content;
+        inode_->pending.clear();
+        storage_.flushNames();
+    }
+
+    bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool) override {
+        for (const Lock& lock : inode_->locks)
+            if (lock.owner != this && overlaps(lock, offset, length) && (exclusive || lock.exclusive))
+                return false;
+        unlock(offset, length);
+        inode_->locks.push_back({this, offset, offset + length - 1, exclusive});
+        return true;
+    }
+
+    void unlock(std::uint64_t offset, std::uint64_t length) override {
+        std::erase_if(inode_->locks,
+                      [&](const Lock& lock) { return lock.owner == this && overlaps(lock, offset, length); });
+    }
+
+    std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) override {
+        for (const Lock& lock : inode_->locks)
+            if (lock.owner != this && overlaps(lock, offset, length))
+                return std::max(lock.from, offset);
+        return std::nullopt;
+    }
+
+private:
+    static bool overlaps(const Lock& lock, std::uint64_t offset, std::uint64_t length) {
+        return lock.from <= offset + (length - 1) && offset <= lock.to;
+    }
+    void keep(Write write) {
+        apply(write, inode_->content);
+        inode_->pending.push_back(std::move(write));
+    }
+
+    FaultyStorage& storage_;
+    std::shared_ptr<Inode> inode_;
+};
+
+void FaultyStorage::apply(const Write& write, Bytes& content) {
+    if (write.truncate) {
+        content.resize(write.offset);
+        return;
+    }
+    content.resize(std::max<std::size_t>(content.size(), write.offset + write.bytes.size()));
+    std::copy(write.bytes.begin(), write.bytes.end(),
+              content.begin() + static_cast<std::ptrdiff_t>(write.offset));
+}
+
+void FaultyStorage::step(const std::function<void()>& halfDone) {
+    ++calls_;
+    if (cutAt_ != 0 && calls_ >= cutAt_) {
+        if (calls_ == cutAt_ && halfDone)
+            halfDone();
+        throw PowerCut{};
+    }
+    if (failAt_ != 0 && (calls_ == failAt_ || (lasting_ && calls_ > failAt_))) {
+        if (halfDone)
+            halfDone();
+        throw Error(error_, "injected");
+    }
+}
+
+void FaultyStorage::changeNames(const std::function<void(Names&)>& change) {
+    pendingNames_.push_back(names_);
+    change(names_);
+}
+
+std::unique_ptr<StorageFile> FaultyStorage::open(const std::string& path, Open how) {
+    if (how != Open::ReadOnly && readOnly_)
+        throw Error(ErrorNumber::CannotOpenFile, path);
+    if (how == Open::CreateNew) {
+        if (exists(path))
+            throw Error(ErrorNumber::DatabaseExists, path);
+        step();
+        changeNames([&](Names& names) { names[path] = std::make_shared<Inode>(); });
+    }
+    if (!exists(path))
+        throw Error(ErrorNumber::FileNotFound, path);
+    return std::make_unique<File>(*this, names_[path]);
+}
+
+void FaultyStorage::remove(const std::string& path) {
+    if (!exists(path))
+        return;
+    step();
+    changeNames([&](Names& names) { names.erase(path); });
+}
+
+void FaultyStorage::rename(const std::string& from, const std::string& to) {
+    if (!exists(from))
+        throw Error(ErrorNumber::FileNotFound, from);
+    step();
+    changeNames([&](Names& names) {
+        names[to] = names[from];
+        names.erase(from);
+    });
+    flushNames();
+}
+
+void FaultyStorage::put(const std::string& path, const Bytes& content) {
+    const auto inode = std::make_shared<Inode>();
+    inode->content = inode->flushed = content;
+    names_[path] = inode;
+}
+
+std::vector<std::string> FaultyStorage::names() const {
+    std::vector<std::string> all;
+    for (const auto& [name, inode] : names_)
+        all.push_back(name);
+    return all;
+}
+
+void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& into) const {
+    std::mt19937 random(seed);
+    const auto kept = [&] { return loss == Loss::Nothing || (loss == Loss::Random && random() % 2 != 0); };
+    std::size_t changes = 0;
+    while (changes < pendingNames_.size() && kept())
+        ++changes;
+    for (const auto& [name, inode] : changes < pendingNames_.size() ? pendingNames_[changes] : names_) {
+        Bytes content = inode->flushed;
+        for (const Write& write : inode->pending) {
+            if (write.truncate) {
+                if (kept())
+                    apply(write, content);
+                continue;
+            }
+            // Each sector gets there or not.
+            for (std::size_t at = 0; at < write.bytes.size();) {
+                const std::uint64_t offset = write.offset + at;
+                const std::size_t length =
+                    std::min<std::size_t>(Sector - offset % Sector, write.bytes.size() - at);
+                const auto from = write.bytes.begin() + static_cast<std::ptrdiff_t>(at);
+                if (kept())
+                    apply({offset, Bytes(from, from + static_cast<std::ptrdiff_t>(length))}, content);
+                at += length;
+            }
+        }
+        into.put(name, content);
+    }
+}
+
+} // namespace jet::test

@@ -1,0 +1,94 @@
+// Files in memory that behave as badly as the worst disk may: what was not flushed is lost at a power cut in
+// any part and any order, and any call can be made to fail. Storage of tests; several users may be open on
+// it.
+#pragma once
+
+#include "jet/Error.h"
+#include "jet/PageFile.h"
+
+#include <functional>
+#include <map>
+#include <random>
+#include <set>
+#include <vector>
+
+namespace jet::test {
+
+// Thrown by the call at which the power goes, and by every call after it.
+struct PowerCut {};
+
+class FaultyStorage final : public Storage {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+
+    FaultyStorage() = default;
+    FaultyStorage(const FaultyStorage&) = delete;
+    FaultyStorage& operator=(const FaultyStorage&) = delete;
+
+    std::unique_ptr<StorageFile> open(const std::string& path, Open how) override;
+    bool exists(const std::string& path) override { return names_.count(path) != 0; }
+    void remove(const std::string& path) override;
+    void rename(const std::string& from, const std::string& to) override;
+
+    // Puts a file there, flushed.
+    void put(const std::string& path, const Bytes& content);
+    Bytes get(const std::string& path) const { return names_.at(path)->content; }
+    std::vector<std::string> names() const;
+
+    // Calls that change something on the disk, so far.
+    int calls() const { return calls_; }
+    // The power goes just before the call of this number (from 1) takes effect; a write may have got there in
+    // part.
+    void cutAt(int call) { cutAt_ = call; }
+    // The call of this number fails, and if `lasting` every one after it.
+    void failAt(int call, ErrorNumber error, bool lasting) {
+        failAt_ = call;
+        error_ = error;
+        lasting_ = lasting;
+    }
+    // Opening a file for writing, or making one, is refused.
+    void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
+
+    // What is on the disk when the power comes back. Nothing unflushed kept, all of it, or by chance.
+    enum class Loss { Everything, Nothing, Random };
+    void afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& into) const;
+
+private:
+    struct Write {
+        std::uint64_t offset = 0;
+        Bytes bytes;
+        bool truncate = false; // to `offset`
+    };
+    struct Lock {
+        const void* owner = nullptr;
+        std::uint64_t from = 0;
+        std::uint64_t to = 0; // last byte
+        bool exclusive = false;
+    };
+    struct Inode {
+        Bytes content;
+        Bytes flushed;
+        std::vector<Write> pending; // since the last flush, in order
+        std::vector<Lock> locks;
+    };
+    using Names = std::map<std::string, std::shared_ptr<Inode>>;
+    class File;
+
+    void step(const std::function<void()>& halfDone = {});
+    static void apply(const Write& write, Bytes& content);
+    void changeNames(const std::function<void(Names&)>& change);
+    void flushNames() { pendingNames_.clear(); }
+
+    Names names_;
+    // Names as they were before each change since the last flush, oldest first: changes of names get to the
+    // disk in order.
+    std::vector<Names> pendingNames_;
+    int calls_ = 0;
+    int cutAt_ = 0;
+    int failAt_ = 0;
+    ErrorNumber error_ = ErrorNumber::DiskIo;
+    bool lasting_ = false;
+    bool readOnly_ = false;
+};
+
+} // namespace jet::test
