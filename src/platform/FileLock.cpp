@@ -24,7 +24,7 @@ FileLock::FileLock(const QString& hostPath, int milliseconds) {
     auto pause = 1ms;
     while (!attempt() && error_ == PermissionDenied && steady_clock::now() < deadline) {
         std::this_thread::sleep_for(pause);
-        pause = std::min(pause * 2, 20ms);
+        pause = std::min(pause * 2, 4ms);
     }
 }
 

@@ -93,10 +93,13 @@ QString layOut(const QString& folder) {
     struct stat info {};
     if (::lstat(driveC.constData(), &info) != 0 &&
         !FolderCache().find(HostName(devices), QStringLiteral("c:"))) {
-        const int error = makeFolders(folder + QStringLiteral("/drive_c"));
-        if (error != 0 || ::symlink("../drive_c", driveC.constData()) != 0)
+        int error = makeFolders(folder + QStringLiteral("/drive_c"));
+        // Another program may have been quicker.
+        if (error == 0 && ::symlink("../drive_c", driveC.constData()) != 0 && errno != EEXIST)
+            error = errno;
+        if (error != 0)
             return QStringLiteral("Drive C: of the machine folder \"%1\" cannot be made: %2.")
-                .arg(folder, systemText(error != 0 ? error : errno));
+                .arg(folder, systemText(error));
     }
     if (isNew && ::symlink("/", HostName(devices + QStringLiteral("/z:")).constData()) != 0)
         errno = 0; // only a convenience
