@@ -2,6 +2,7 @@
 
 #include "console/ScreenFacts.h"
 #include "core/Numbers.h"
+#include "core/Product.h"
 #include "core/Registry.h"
 #include "core/Settings.h"
 #include "core/TextFields.h"
@@ -50,11 +51,12 @@ void warnOfLowScreen() {
     if (screen.PrimaryHeight >= lowestHeight || ReadRegistryLong(LocalMachineHive, TolvexV2Key, name, 0) != 0)
         return;
     platform::Message message;
-    message.text = QStringLiteral(
-        "Tolvex Configuration is designed to work with a minimum screen resolution of 800x600.\n\n"
-        "Your screen is set smaller than this, so some graphics will not appear correctly.\n\n"
-        "Norvane supports Tolvex Configuration only at a resolution of 800x600 or higher; ask "
-        "support@norvane.example for more information.");
+    message.text = QStringLiteral("%1 is designed to work with a minimum screen resolution of 800x600.\n\n"
+                                  "Your screen is set smaller than this, so some graphics will not appear "
+                                  "correctly.\n\n"
+                                  "Norvane supports %1 only at a resolution of 800x600 or higher; ask "
+                                  "support@norvane.example for more information.")
+                       .arg(QLatin1String(ProductName));
     message.icon = platform::Icon::Exclamation;
     platform::prompts().ask(message);
     WriteRegistryLong(LocalMachineHive, TolvexV2Key, name, 1, 0);

@@ -74,7 +74,7 @@ constexpr SettingRow soundCards[] = {
               "Wave output of the player plus one; 0 for none. Not stored while automatic.")
         .range(0, INT16_MAX)
         .otherwise(ownNumber, "number of the player")
-        .each(players)
+        .each(players, CartPlayerCount)
         .registry(Players)
         .saves(soundCardNumber),
 };
@@ -82,12 +82,12 @@ constexpr SettingRow soundCards[] = {
 constexpr SettingRow playerColours[] = {
     NumberRow(SettingKind::Colour, Field<&Settings::CartPlayerTable, &CartPlayer::BackColor>, "CartPlayers",
               "BackColor", 0, "Background of the player's display.")
-        .each(players)
+        .each(players, CartPlayerCount)
         .registry(Players),
     NumberRow(SettingKind::Colour, Field<&Settings::CartPlayerTable, &CartPlayer::ForeColor>, "CartPlayers",
               "ForeColor", 0, "Text of the player's display.")
         .otherwise(playerForeColor, "one for each player")
-        .each(players)
+        .each(players, CartPlayerCount)
         .registry(Players),
 };
 
@@ -270,7 +270,7 @@ constexpr SettingRow location[] = {
         .registry(Locations),
     TextRow(SettingKind::Path, Field<&Settings::CartPartTable, &CartPart::Location>, "FileLocations", "Carts",
             "", "Folder of the carts 1 to 1000, 1001 to 2000, ... and, for 11, all above 10000.")
-        .each(parts)
+        .each(parts, CartPartCount)
         .registry(Locations, "CartLocation"),
     TextRow(SettingKind::Text, nullptr, "FileLocations", "SampleEditor", "",
             "Short path of AudioEditor; written for other programs.")

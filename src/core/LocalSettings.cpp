@@ -74,12 +74,12 @@ constexpr SettingRow jumpButtonRows[] = {
               "Cart that the jump button leads to; 0 when it is blank.")
         .range(0, INT32_MAX)
         .older("Carts", "ShortCut_No")
-        .each(jumpButtons),
+        .each(jumpButtons, INT16_MAX),
     TextRow(SettingKind::Text, jumpButton<&JumpCartButton::Description>, "AudioWall", "JumpDescription", "",
             "Text on the jump button.")
         .atMost(25)
         .older("Carts", "ShortCut_Desc")
-        .each(jumpButtons),
+        .each(jumpButtons, INT16_MAX),
 };
 
 constexpr SettingRow audioWall[] = {

@@ -34,7 +34,8 @@ SettingPlace FindSetting(const QString& section, const QString& key) {
             const QLatin1String name(row.key);
             if (!row.count && key.compare(name, Qt::CaseInsensitive) == 0)
                 return {&row, 0, group.file};
-            if (row.count && numbered && stem.compare(name, Qt::CaseInsensitive) == 0)
+            if (row.count && numbered && stem.compare(name, Qt::CaseInsensitive) == 0 &&
+                number.toInt() <= row.highestIndex)
                 return {&row, number.toInt(), group.file};
         }
     return {};

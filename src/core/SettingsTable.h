@@ -49,6 +49,7 @@ struct SettingRow {
     const char* help = nullptr;
     At at = nullptr;       // null: the key is written and never read
     Count count = nullptr; // null: no index
+    int highestIndex = 0;  // that an entry can ever have
 
     qint32 defaultNumber = 0;
     const char* defaultText = "";
@@ -116,9 +117,10 @@ struct SettingRow {
         row.valueName = name ? name : key;
         return row;
     }
-    constexpr SettingRow each(Count entries) const {
+    constexpr SettingRow each(Count entries, int lastIndex) const {
         SettingRow row = *this;
         row.count = entries;
+        row.highestIndex = lastIndex;
         return row;
     }
     constexpr SettingRow otherwise(NumberDefault value, const char* note) const {
@@ -182,7 +184,7 @@ struct SettingGroup {
 const std::vector<SettingGroup>& AllSettings();
 
 // The row of a key and the index in it (0 for a row without one); names match without regard to case. Null
-// when no row declares that key. Every index of an indexed row up to `highestIndex` is known.
+// when no row declares that key. An index may lie above the number of entries that there are now.
 struct SettingPlace {
     const SettingRow* row = nullptr;
     int index = 0;

@@ -25,7 +25,7 @@ TEST(SettingsTable, EveryKeyIsDeclaredOnceAndFoundInAnyCase) {
             EXPECT_GT(qstrlen(row.help), 10u) << name.toStdString();
         }
     EXPECT_GT(seen.size(), 100);
-    for (const char* key : {"Carts", "Carts0", "Carts01", "Carts123456", "Cart1", "KHz1", ""})
+    for (const char* key : {"Carts", "Carts0", "Carts01", "Carts123456", "Carts12", "Cart1", "KHz1", ""})
         EXPECT_FALSE(FindSetting(QStringLiteral("FileLocations"), QLatin1String(key))) << key;
 }
 

@@ -92,7 +92,9 @@ TEST_F(StoredSettings, WhatKindOrRangeForbidIsRefusedAndNamed) {
     EXPECT_TRUE(
         refusal("FileLocations", "Logs", QStringLiteral("X:")).contains("follows from other settings"));
     EXPECT_TRUE(
-        refusal("FileLocations", "Carts12", QStringLiteral("X:")).contains("number above the last one"));
+        refusal("FileLocations", "Carts12", QStringLiteral("X:")).contains("no setting that is known"));
+    EXPECT_TRUE(
+        refusal("AudioWall", "JumpCartNumber4", QStringLiteral("1")).contains("number above the last one"));
     EXPECT_TRUE(refusal("OPALTransfers", "Default", QStringLiteral("x")).contains("no file yet"));
     EXPECT_TRUE(refusal("AudioWall", "JumpDescription1", QString(26, u'x')).contains("longer than 25"));
     EXPECT_TRUE(refusal("FileLocations", "Data", QString(255, u'x')).contains("longer than 254"));
