@@ -79,7 +79,7 @@ TEST(FileLock, LosesNoChangeOfManyWriters) {
     const QString path = folder.filePath("count");
     ASSERT_EQ(ReplaceHostFile(path, "0"), NoError);
     constexpr int writers = 4;
-    constexpr int changes = 50;
+    constexpr int changes = 20;
     for (int writer = 0; writer < writers; ++writer)
         inAnotherProcess([&path] {
             for (int i = 0; i < changes; ++i) {
