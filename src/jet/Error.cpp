@@ -44,6 +44,8 @@ constexpr Sentence Sentences[] = {
     {ErrorNumber::DatabaseExists, "The database already exists."},
     {ErrorNumber::RecordLocked, "Cannot update: the data is locked by another user."},
     {ErrorNumber::ItemNotFound, "The item was not found in this collection."},
+    {ErrorNumber::UsedInIndex, "The field cannot be deleted: it is part of an index."},
+    {ErrorNumber::UsedInRelationship, "The table or index cannot be deleted: it is used in a relationship."},
     {ErrorNumber::IndexExists, "The index already exists."},
     {ErrorNumber::RequiredFieldEmpty, "The field cannot hold a null value because it is required."},
     {ErrorNumber::ZeroLengthNotAllowed, "The field cannot hold a text of no length."},
