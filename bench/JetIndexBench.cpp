@@ -1,0 +1,177 @@
+// Index trees by themselves, on pages in memory: what an entry costs without rows, files and transactions.
+#include "jet/Collation.h"
+#include "jet/DataPage.h"
+#include "jet/IndexBuilder.h"
+#include "jet/KeyEncoding.h"
+#include "jet/MemoryPager.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+using namespace jet;
+
+namespace {
+
+// Any number to another one, all different.
+std::uint32_t scattered(std::uint32_t number) {
+    return number * 2654435761u;
+}
+
+// A Long column's key, or a Text column's of some 14 letters.
+void makeKey(bool text, std::uint32_t number, Bytes& key) {
+    key.clear();
+    if (text) {
+        std::u16string name = u"Some title ";
+        for (std::uint32_t rest = number; rest != 0; rest /= 26)
+            name += static_cast<char16_t>(u'a' + rest % 26);
+        AppendKey(ColumnType::Text, true, name, key);
+    } else {
+        AppendKey(ColumnType::Long, true, static_cast<std::int32_t>(number), key);
+    }
+}
+
+struct Tree {
+    MemoryPager pager{3};
+    IndexTree tree;
+
+    Tree()
+        : tree(makeTree(pager)) {
+        tree.create();
+    }
+    static IndexTree makeTree(Pager& pager) {
+        datapage::Format(pager.edit(1), 0);
+        datapage::Add(pager.edit(1), Bytes(UsageMapRowLength, 0));
+        return {pager, 2, 9, UsageMap(pager, {1, 0})};
+    }
+};
+
+RowPointer rowOf(std::uint32_t number) {
+    return {100 + number / 200, static_cast<std::uint8_t>(number % 200)};
+}
+
+void insertEntries(benchmark::State& state, bool text, bool ascending) {
+    const auto count = static_cast<std::uint32_t>(state.range(0));
+    std::vector<Bytes> keys(count);
+    for (std::uint32_t i = 0; i < count; ++i)
+        makeKey(text, ascending ? i : scattered(i), keys[i]);
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto tree = std::make_unique<Tree>();
+        state.ResumeTiming();
+        for (std::uint32_t i = 0; i < count; ++i)
+            tree->tree.insert(keys[i], rowOf(i));
+        state.PauseTiming();
+        tree.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
+}
+
+// A tree of a million entries, made once.
+Tree& millionEntries(bool text) {
+    static std::unique_ptr<Tree> trees[2];
+    std::unique_ptr<Tree>& tree = trees[text];
+    if (tree == nullptr) {
+        tree = std::make_unique<Tree>();
+        Bytes key;
+        for (std::uint32_t i = 0; i < 1000000; ++i) {
+            makeKey(text, scattered(i), key);
+            tree->tree.insert(key, rowOf(i));
+        }
+    }
+    return *tree;
+}
+
+void seek(benchmark::State& state, bool text) {
+    Tree& tree = millionEntries(text);
+    IndexCursor cursor(tree.tree);
+    Bytes key;
+    std::uint32_t number = 0;
+    for (auto _ : state) {
+        makeKey(text, scattered(number = (number + 7919) % 1000000), key);
+        if (!cursor.seekFrom(key) || !cursor.matches(key))
+            state.SkipWithError("an entry is missing");
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void walk(benchmark::State& state, bool forward) {
+    Tree& tree = millionEntries(false);
+    IndexCursor cursor(tree.tree);
+    bool more = forward ? cursor.first() : cursor.last();
+    for (auto _ : state) {
+        if (!more)
+            more = forward ? cursor.first() : cursor.last();
+        else
+            more = forward ? cursor.next() : cursor.previous();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void removeAndInsert(benchmark::State& state) {
+    Tree& tree = millionEntries(true);
+    Bytes key;
+    std::uint32_t number = 0;
+    for (auto _ : state) {
+        number = (number + 7919) % 1000000;
+        makeKey(true, scattered(number), key);
+        tree.tree.remove(key, rowOf(number));
+        tree.tree.insert(key, rowOf(number));
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void build(benchmark::State& state) {
+    constexpr std::uint32_t count = 1000000;
+    for (auto _ : state) {
+        Tree tree;
+        IndexEntries entries;
+        Bytes key;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            makeKey(false, scattered(i), key);
+            entries.add(key, rowOf(i));
+        }
+        entries.sort();
+        IndexBuilder builder(tree.tree);
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            builder.add(entries.key(i), entries.row(i));
+        builder.finish();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
+}
+
+void textKey(benchmark::State& state) {
+    const std::u16string text = u"The quick brown fox jumps over the dog";
+    Bytes key;
+    for (auto _ : state) {
+        key.clear();
+        AppendTextKey(text, key);
+        benchmark::DoNotOptimize(key.data());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size() * 2));
+}
+
+void compareTexts(benchmark::State& state) {
+    const std::u16string a = u"The quick brown fox jumps over the dog";
+    const std::u16string b = u"THE QUICK BROWN FOX JUMPS OVER THE CAT";
+    for (auto _ : state)
+        benchmark::DoNotOptimize(CompareTexts(a, b));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * a.size() * 2));
+}
+
+BENCHMARK_CAPTURE(insertEntries, LongAscending, false, true)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(insertEntries, LongScattered, false, false)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(insertEntries, TextScattered, true, false)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(seek, Long, false);
+BENCHMARK_CAPTURE(seek, Text, true);
+BENCHMARK_CAPTURE(walk, Forward, true);
+BENCHMARK_CAPTURE(walk, Backward, false);
+BENCHMARK(removeAndInsert);
+BENCHMARK(build)->Unit(benchmark::kMillisecond);
+BENCHMARK(textKey);
+BENCHMARK(compareTexts);
+
+} // namespace
+
+BENCHMARK_MAIN();
