@@ -32,7 +32,7 @@ QString SearchSampleEditor(const QString& path) {
     if (isFile(path))
         return path;
     if (const QString folder = platform::SpecialFolderPath(programFiles); !folder.isEmpty()) {
-        const QString cutlane = folder + QStringLiteral("\\Norvane\\Cutlane v1\\Cutlane.exe");
+        QString cutlane = folder + QStringLiteral("\\Norvane\\Cutlane v1\\Cutlane.exe");
         if (isFile(cutlane))
             return cutlane;
     }
@@ -40,8 +40,7 @@ QString SearchSampleEditor(const QString& path) {
         const QString folder =
             ReadRegistryString(LocalMachineHive, QLatin1String(editor.key), QLatin1String(editor.value), {})
                 .trimmed();
-        if (const QString program = folder + QLatin1String(editor.program);
-            !folder.isEmpty() && isFile(program))
+        if (QString program = folder + QLatin1String(editor.program); !folder.isEmpty() && isFile(program))
             return program;
     }
     return path;

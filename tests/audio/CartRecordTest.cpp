@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <QtEndian>
 
 #include <random>

@@ -145,7 +145,7 @@ private:
             ADD_FAILURE() << "Asked beyond the script: " << what.toStdString();
             return fallback;
         }
-        const Value value = script.front();
+        Value value = script.front();
         script.pop_front();
         return value;
     }
