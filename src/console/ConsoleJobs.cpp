@@ -56,6 +56,16 @@ constexpr ConsoleJob jobs[] = {
 };
 // clang-format on
 
+// Forms that no button opens.
+struct OtherForm {
+    const char* form;
+    int helpContext;
+};
+constexpr OtherForm otherForms[] = {
+    {"frmMultiConfig", 500},
+    {"frmPrintPreview", 510},
+};
+
 } // namespace
 
 std::span<const ConsoleTabRow> ConsoleTabs() {
@@ -71,6 +81,16 @@ const ConsoleJob* FindConsoleJob(const QString& control) {
         if (control == QLatin1String(job.control))
             return &job;
     return nullptr;
+}
+
+int HelpContextOfForm(const QString& form) {
+    for (const ConsoleJob& job : jobs)
+        if (form == QLatin1String(job.form))
+            return job.helpContext;
+    for (const OtherForm& other : otherForms)
+        if (form == QLatin1String(other.form))
+            return other.helpContext;
+    return 0;
 }
 
 bool CheckHolds(JobCheck check) {

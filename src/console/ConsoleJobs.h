@@ -47,6 +47,10 @@ std::span<const ConsoleJob> ConsoleJobs();
 // The row of a control; null when it has none.
 const ConsoleJob* FindConsoleJob(const QString& control);
 
+// The help page of a form by its name: that of the job that opens it, else its own; 0 (the first page) for
+// others.
+int HelpContextOfForm(const QString& form);
+
 // Whether a check holds for the settings as they are.
 bool CheckHolds(JobCheck check);
 

@@ -7,33 +7,11 @@
 
 #include <QKeyEvent>
 #include <QPointer>
-#include <QTextBrowser>
 #include <QTreeWidget>
 
 namespace tolvex {
 
 namespace {
-
-// A document whose pages and pictures come out of the help file.
-class HelpDocument : public QTextDocument {
-public:
-    HelpDocument(const HelpFile& file, QObject* parent)
-        : QTextDocument(parent)
-        , file_(file) {}
-
-protected:
-    QVariant loadResource(int type, const QUrl& name) override {
-        const std::optional<QByteArray> bytes = file_.read(name.path());
-        if (!bytes)
-            return {};
-        if (type == QTextDocument::ImageResource)
-            return QImage::fromData(*bytes);
-        return type == QTextDocument::HtmlResource ? QVariant(QString::fromUtf8(*bytes)) : QVariant(*bytes);
-    }
-
-private:
-    const HelpFile& file_;
-};
 
 QString pageSheet() {
     const Tokens& t = tokens();
@@ -56,10 +34,9 @@ frmHelp::frmHelp(std::unique_ptr<HelpFile> file, QWidget* parent)
     EnterForm(this);
     ui_->splitHelp->setStretchFactor(0, 1);
     ui_->splitHelp->setStretchFactor(1, 3);
-    auto* document = new HelpDocument(*file_, ui_->txtPage);
-    document->setDefaultStyleSheet(pageSheet());
-    document->setDocumentMargin(16);
-    ui_->txtPage->setDocument(document);
+    ui_->txtPage->setFile(file_.get());
+    ui_->txtPage->document()->setDefaultStyleSheet(pageSheet());
+    ui_->txtPage->document()->setDocumentMargin(16);
     ui_->txtPage->setOpenExternalLinks(false);
     fillContents();
     connect(ui_->cmdBack, &QPushButton::clicked, ui_->txtPage, &QTextBrowser::backward);
@@ -85,10 +62,7 @@ frmHelp::frmHelp(std::unique_ptr<HelpFile> file, QWidget* parent)
     ui_->cmdForward->setEnabled(false);
 }
 
-frmHelp::~frmHelp() {
-    // The document reads from the file until its last moment.
-    delete ui_->txtPage->document();
-}
+frmHelp::~frmHelp() = default;
 
 void frmHelp::fillContents() {
     QList<QTreeWidgetItem*> branch;
@@ -106,8 +80,8 @@ void frmHelp::fillContents() {
     ui_->treeContents->expandAll();
 }
 
-void frmHelp::markCurrent() {
-    const QString page = ui_->txtPage->source().path();
+void frmHelp::markCurrent(const QUrl& source) {
+    const QString page = source.path();
     for (QTreeWidgetItemIterator it(ui_->treeContents); *it; ++it) {
         if ((*it)->data(0, PageRole).toString() == page) {
             const QSignalBlocker quiet(ui_->treeContents);
@@ -118,6 +92,7 @@ void frmHelp::markCurrent() {
 
 void frmHelp::showContext(int context) {
     ui_->txtPage->setSource(QUrl(file_->pageOf(context)));
+    ui_->txtPage->setFocus();
 }
 
 void frmHelp::keyPressEvent(QKeyEvent* event) {
@@ -129,11 +104,15 @@ void frmHelp::keyPressEvent(QKeyEvent* event) {
 
 bool ShowHelp(const QString& helpFile, int context) {
     static QPointer<frmHelp> window;
+    // Beside a modal form only a window of its own can be used.
+    QWidget* const owner = QApplication::activeModalWidget();
+    if (window && window->parentWidget() != owner)
+        delete window;
     if (!window) {
         std::unique_ptr<HelpFile> file = HelpFile::open(helpFile);
         if (!file)
             return false;
-        window = new frmHelp(std::move(file));
+        window = new frmHelp(std::move(file), owner);
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->showContext(context);

@@ -30,9 +30,9 @@ protected:
 
 private:
     void fillContents();
-    void markCurrent();
+    void markCurrent(const QUrl& source);
 
-    std::unique_ptr<HelpFile> file_;
+    std::unique_ptr<HelpFile> file_; // read from as long as the page is shown
     std::unique_ptr<Ui::frmHelp> ui_;
 };
 

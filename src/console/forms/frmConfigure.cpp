@@ -302,6 +302,10 @@ int frmConfigure::helpContext() const {
 
 bool frmConfigure::eventFilter(QObject* watched, QEvent* event) {
     const bool press = event->type() == QEvent::KeyPress;
+    if (press && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1 && watched->isWidgetType()) {
+        showHelp(static_cast<QWidget*>(watched)->window());
+        return true;
+    }
     if ((press || event->type() == QEvent::ShortcutOverride) && !QApplication::activePopupWidget() &&
         !QApplication::activeModalWidget()) {
         const auto* widget = qobject_cast<QWidget*>(watched);
@@ -325,10 +329,6 @@ bool frmConfigure::handleKey(QKeyEvent* key) {
         moveTab(key->key() == Qt::Key_Backtab || key->modifiers() & Qt::ShiftModifier ? -1 : 1);
         return true;
     }
-    if (key->key() == Qt::Key_F1) {
-        showHelp();
-        return true;
-    }
     if (key->key() == Qt::Key_F && key->modifiers() == Qt::ControlModifier) {
         ui_->txtFind->setFocus(Qt::ShortcutFocusReason);
         ui_->txtFind->selectAll();
@@ -340,9 +340,9 @@ bool frmConfigure::handleKey(QKeyEvent* key) {
     return letter && PressAccessKey(this, QChar(key->key()));
 }
 
-void frmConfigure::showHelp() {
+void frmConfigure::showHelp(const QWidget* window) {
     if (!helpFile_.isEmpty())
-        ShowHelp(helpFile_, helpContext());
+        ShowHelp(helpFile_, window == this ? helpContext() : HelpContextOfForm(window->objectName()));
 }
 
 void frmConfigure::exitCheck() {

@@ -61,7 +61,7 @@ private:
     void exitCheck();
     void toggleOption(QAction* action, const QString& value);
     void about();
-    void showHelp();
+    void showHelp(const QWidget* window);
     void askFirstRun();
     int helpContext() const;
 

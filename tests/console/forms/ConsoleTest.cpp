@@ -16,6 +16,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QTabWidget>
+#include <QTextEdit>
 
 #include <gtest/gtest.h>
 
@@ -270,6 +271,31 @@ TEST(Console, ClosingUnloadsTheOthersSavesAndStartsTheCaller) {
     EXPECT_FALSE(TerminalListIsOpen());
     EXPECT_TRUE(QTest::qWaitFor([&mark] { return QFileInfo(mark).size() > 0; }, 3000));
     EXPECT_EQ(console.machine.read("C:\\started"), "/NOPREVCHECK\n");
+}
+
+TEST(Console, F1OpensThePageOfTheFormOneIsIn) {
+    Console console;
+    QFile built(QString(TOLVEX_BIN_DIR) + "/config.chm");
+    ASSERT_TRUE(built.open(QIODevice::ReadOnly));
+    console.machine.write("C:\\APP\\config.chm", built.readAll());
+    ASSERT_TRUE(console.start());
+    EXPECT_TRUE(find<QAction>(console.form, "mnuHelpContents")->isVisible());
+    const auto shownPage = [] {
+        const QWidget* window = OpenForms().last();
+        return window->objectName() == "frmHelp" ? window->findChild<QTextEdit*>("txtPage")->toPlainText()
+                                                 : QString();
+    };
+    QTest::keyClick(&console.form, Qt::Key_F1);
+    EXPECT_TRUE(shownPage().startsWith("The console"));
+    QString page;
+    withNextForm([&](QWidget& form) {
+        QTest::keyClick(&form, Qt::Key_F1);
+        page = shownPage();
+        QTest::keyClick(&form, Qt::Key_Escape);
+    });
+    console.form.activateWindow();
+    find<JobTile>(console.form, "cmdDateTimeSetup")->click();
+    EXPECT_TRUE(page.startsWith("Date and Time")) << page.toStdString();
 }
 
 TEST(Console, OptionsAreStoredAndTheirDefaultLeavesNothing) {
