@@ -1,0 +1,71 @@
+// One command of tolvexctl as a row: its words, its arguments, its options, its help and the routine that
+// does it. Parsing, help, the manual page and the shell completion all work from these rows.
+//
+// A subject has a file of its own with its rows and their routines ("ProfileCommands.cpp"); Commands.cpp
+// joins them.
+#pragma once
+
+#include "app/ctl/Output.h"
+
+#include <QMap>
+#include <QStringList>
+
+#include <span>
+#include <vector>
+
+namespace tolvex::ctl {
+
+// Exit status of every command.
+enum Exit : int {
+    Done = 0,  // or: the answer is yes
+    No = 1,    // the answer is no: not configured, nothing found, check failed
+    Usage = 2, // wrong usage
+    Failed = 3 // standard error says why
+};
+
+struct Option {
+    const char* name;            // "--last"
+    const char* value = nullptr; // its value in the help, "N"; null: a flag
+    const char* help = "";
+};
+
+// A command as it was called.
+struct Call;
+
+struct Command {
+    const char* words;     // "profile get"
+    const char* arguments; // "FILE SECTION KEY [DEFAULT]": optional ones in brackets, "..." any number more
+    const char* help;      // what it does, a phrase without a full stop
+    int (*run)(Call& call);
+    std::vector<Option> options = {};
+
+    int fewest() const; // arguments
+    int most() const;   // -1: any number
+};
+
+struct Call {
+    const Command& command;
+    Output& output;
+    QStringList arguments;
+    QMap<QString, QString> options; // by name; a flag's value is empty
+
+    bool has(const char* option) const { return options.contains(QLatin1String(option)); }
+    QString option(const char* name) const { return options.value(QLatin1String(name)); }
+    // An argument that may be missing.
+    QString argument(int number) const { return arguments.value(number); }
+
+    // Each writes one sentence to standard error and gives the exit status that goes with it.
+    int no(const QString& why) const { return output.say(why), No; }
+    int wrong(const QString& expected) const { return output.say(expected), Usage; }
+    int fail(const QString& why) const { return output.say(why), Failed; }
+};
+
+// A FILE argument as a path of the suite: one with a drive, a share or "\" stays as it is, and so does a bare
+// name; one with "/" is a path of this system.
+QString FileArgument(const QString& given);
+
+// Loads the settings of this workstation and of its station into settings(), as the windows have them.
+// Nothing is made or changed. False when no local ini file was chosen.
+bool LoadWorkstation();
+
+} // namespace tolvex::ctl

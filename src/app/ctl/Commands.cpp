@@ -1,0 +1,20 @@
+#include "app/ctl/Commands.h"
+
+#include <iterator>
+
+namespace tolvex::ctl {
+
+const CommandRows& AllCommands() {
+    static const CommandRows all = [] {
+        CommandRows rows;
+        for (CommandRows (*subject)() : {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands,
+                                         CartCommands, AudioCommands}) {
+            const CommandRows more = subject();
+            rows.insert(rows.end(), more.begin(), more.end());
+        }
+        return rows;
+    }();
+    return all;
+}
+
+} // namespace tolvex::ctl

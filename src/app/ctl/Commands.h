@@ -1,0 +1,20 @@
+// All commands of tolvexctl. A new subject adds its declaration here and its line in Commands.cpp.
+#pragma once
+
+#include "app/ctl/Command.h"
+
+namespace tolvex::ctl {
+
+using CommandRows = std::vector<Command>;
+
+CommandRows StatusCommands();
+CommandRows SettingsCommands();
+CommandRows ProfileCommands();
+CommandRows RegistryCommands();
+CommandRows CartCommands();
+CommandRows AudioCommands();
+
+// In the order in which the help lists them.
+const CommandRows& AllCommands();
+
+} // namespace tolvex::ctl

@@ -1,0 +1,116 @@
+#include "app/ctl/Output.h"
+
+#include <QJsonDocument>
+#include <QStringList>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace tolvex::ctl {
+
+namespace {
+
+void print(const QByteArray& bytes) {
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
+
+QString cellText(const QJsonValue& value) {
+    if (value.isArray()) {
+        QStringList parts;
+        for (const QJsonValue& part : value.toArray())
+            parts += cellText(part);
+        return parts.join(QLatin1String(", "));
+    }
+    if (value.isBool())
+        return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
+    if (value.isDouble())
+        return QString::number(value.toDouble(), 'g', 15);
+    return value.toString();
+}
+
+// Text of files and databases may hold anything; a terminal must not obey it.
+QString harmless(QString text) {
+    for (QChar& c : text)
+        if (c.category() == QChar::Other_Control)
+            c = u'\u00B7';
+    return text;
+}
+
+} // namespace
+
+void Output::records(const QJsonArray& records, const Columns& columns) {
+    if (json_) {
+        print(QJsonDocument(records).toJson());
+        return;
+    }
+    std::vector<QStringList> rows(1);
+    for (const Column& column : columns)
+        rows[0] += QLatin1String(column.heading);
+    for (const QJsonValue& value : records) {
+        const QJsonObject record = value.toObject();
+        QStringList row;
+        for (const Column& column : columns)
+            row += harmless(cellText(record[QLatin1String(column.key)]));
+        rows.push_back(row);
+    }
+    std::vector<qsizetype> widths(columns.size());
+    for (const QStringList& row : rows)
+        for (size_t i = 0; i < columns.size(); ++i)
+            widths[i] = std::max(widths[i], row[static_cast<qsizetype>(i)].size());
+    for (const QStringList& row : rows) {
+        QString text;
+        for (size_t i = 0; i < columns.size(); ++i) {
+            const QString& cell = row[static_cast<qsizetype>(i)];
+            text += columns[i].toTheRight ? cell.rightJustified(widths[i]) : cell.leftJustified(widths[i]);
+            text += QLatin1String("  ");
+        }
+        while (text.endsWith(u' '))
+            text.chop(1);
+        line(text.toUtf8());
+    }
+}
+
+void Output::record(const QJsonObject& record, const Columns& columns) {
+    if (json_) {
+        print(QJsonDocument(record).toJson());
+        return;
+    }
+    qsizetype width = 0;
+    for (const Column& column : columns)
+        width = std::max(width, QLatin1String(column.heading).size());
+    for (const Column& column : columns) {
+        const QString heading = QLatin1String(column.heading) + u':';
+        const QString text = harmless(cellText(record[QLatin1String(column.key)]));
+        line((text.isEmpty() ? heading : heading.leftJustified(width + 2) + text).toUtf8());
+    }
+}
+
+void Output::value(const char* key, const QJsonValue& value) {
+    if (json_)
+        print(QJsonDocument(QJsonObject{{QLatin1String(key), value}}).toJson());
+    else
+        line(cellText(value).toUtf8());
+}
+
+void Output::line(const QByteArray& text) {
+    print(text);
+    print("\n");
+}
+
+void Output::say(const QString& sentence) const {
+    std::fflush(stdout);
+    const QByteArray text = sentence.toLocal8Bit();
+    std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stderr);
+    std::fputc('\n', stderr);
+}
+
+void Output::note(const QString& sentence) const {
+    if (!quiet_)
+        say(sentence);
+}
+
+bool Output::finish() {
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+} // namespace tolvex::ctl

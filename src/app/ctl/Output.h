@@ -1,0 +1,52 @@
+// What a command writes: aligned columns for people or one JSON document, from the same records.
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
+
+#include <vector>
+
+namespace tolvex::ctl {
+
+// A member of a record that people see too, by its JSON key.
+struct Column {
+    const char* key;
+    const char* heading;
+    bool toTheRight = false; // numbers
+};
+using Columns = std::vector<Column>;
+
+class Output {
+public:
+    Output(bool json, bool quiet)
+        : json_(json)
+        , quiet_(quiet) {}
+
+    bool json() const { return json_; }
+
+    // Records of one kind, an array in JSON; people see the columns. Members that are arrays or objects are
+    // joined by commas.
+    void records(const QJsonArray& records, const Columns& columns);
+    // One record; people see a line "heading: value" for each column.
+    void record(const QJsonObject& record, const Columns& columns);
+    // One value: people see it alone, as it is.
+    void value(const char* key, const QJsonValue& value);
+    // A line of text that is no record, as it is. Several JSON documents make no document: only commands that
+    // say that they write one document a line use it with --json.
+    void line(const QByteArray& text);
+
+    // A sentence for people on standard error: why a command failed, what the system asks or tells.
+    void say(const QString& sentence) const;
+    // The same for what is good to know; not with --quiet.
+    void note(const QString& sentence) const;
+
+    // Writes all of it out. False when standard output did not take everything.
+    bool finish();
+
+private:
+    bool json_;
+    bool quiet_;
+};
+
+} // namespace tolvex::ctl

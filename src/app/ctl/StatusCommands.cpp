@@ -1,0 +1,47 @@
+// The configuration of this workstation in a few facts.
+#include "app/ctl/Commands.h"
+
+#include "console/CheckConfiguration.h"
+
+namespace tolvex::ctl {
+
+namespace {
+
+int status(Call& call) {
+    if (!LoadWorkstation())
+        return call.fail(QStringLiteral("No local ini file was chosen."));
+    const ConfigurationStatus facts = LookAtConfiguration();
+    QJsonArray locations;
+    for (const LocationStatus& location : facts.locations)
+        locations += QJsonObject{{QStringLiteral("part"), location.part},
+                                 {QStringLiteral("path"), location.path},
+                                 {QStringLiteral("state"), location.state}};
+    const QJsonObject record{{QStringLiteral("localIni"), facts.localIni},
+                             {QStringLiteral("configName"), facts.configName},
+                             {QStringLiteral("systemIni"), facts.systemIni},
+                             {QStringLiteral("dataLocation"), facts.dataLocation},
+                             {QStringLiteral("linkMeshId"), facts.linkMeshId},
+                             {QStringLiteral("cartPlayers"), facts.cartPlayers},
+                             {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
+                             {QStringLiteral("locations"), locations}};
+    call.output.record(record, {{"localIni", "Local ini file"},
+                                {"configName", "Configuration"},
+                                {"systemIni", "System ini file"},
+                                {"dataLocation", "Data location"},
+                                {"linkMeshId", "Workstation"},
+                                {"cartPlayers", "Cart players"},
+                                {"missing", "Not configured"}});
+    if (!call.output.json())
+        call.output.records(locations, {{"part", "Part", true}, {"path", "Location"}, {"state", "State"}});
+    return facts.missing.isEmpty() ? Done : No;
+}
+
+} // namespace
+
+CommandRows StatusCommands() {
+    return {
+        {"status", "", "Tell how this workstation is configured and what is missing", status},
+    };
+}
+
+} // namespace tolvex::ctl
