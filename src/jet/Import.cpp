@@ -1,5 +1,5 @@
 #include "jet/Csv.h"
-#include "jet/Error.h"
+#include "jet/ErrorDetail.h"
 #include "jet/JsonLine.h"
 #include "jet/Transfer.h"
 #include "jet/ValueText.h"
@@ -21,14 +21,11 @@ const Column& columnAt(const Table& table, int column) {
     return table.definition().columns[static_cast<std::size_t>(column)];
 }
 
-// What went wrong, with the line in front. The engine's own sentence is left out of the detail, since an
-// Error brings it along.
 [[noreturn]] void failAtLine(std::uint32_t line, const Error& error) {
-    std::string reason = error.what();
-    const std::string sentence = ErrorText(error.code());
-    if (reason.starts_with(sentence))
-        reason.erase(0, std::min(reason.size(), reason.find_first_not_of(" :\n", sentence.size())));
-    throw Error(error.code(), "line " + std::to_string(line) + (reason.empty() ? "" : ": " + reason));
+    std::string detail = "line " + std::to_string(line);
+    if (const std::string reason = ErrorDetail(error); !reason.empty())
+        detail.append(": ").append(reason);
+    throw Error(error.code(), detail);
 }
 
 // Takes one row out of the input at a time.

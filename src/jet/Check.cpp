@@ -1,0 +1,111 @@
+#include "jet/Check.h"
+
+#include "jet/CheckCatalog.h"
+#include "jet/CheckTable.h"
+#include "jet/DataPage.h"
+#include "jet/PageZero.h"
+
+namespace jet {
+
+namespace {
+
+class DatabaseCheck {
+public:
+    DatabaseCheck(Pager& pager, const std::function<void(const Fault&)>& report)
+        : context_(pager, report)
+        , catalog_(pager) {}
+
+    CheckResult run() {
+        result_.pages = context_.ledger.pages();
+        checkHeader();
+        std::vector<CatalogObject> objects;
+        context_.faults.setTable(u"MSysObjects");
+        const bool readable = context_.faults.guard(Catalog::ObjectsPage, [&] {
+            // What is damaged in the catalogue's own rows is reported with its table.
+            objects = ReadableObjects(catalog_, [](PageNumber, const Error&) {});
+        });
+        bool catalogListed = false;
+        for (const CatalogObject& object : objects) {
+            catalogListed = catalogListed || object.id == static_cast<std::int32_t>(Catalog::ObjectsPage);
+            if (object.isTable())
+                checkTable(static_cast<PageNumber>(object.id), object.name);
+        }
+        if (readable && !catalogListed)
+            checkTable(Catalog::ObjectsPage, u"MSysObjects");
+        CheckCatalog(context_, catalog_, objects);
+        context_.faults.setTable({});
+        checkFreePages();
+        result_.faults = context_.faults.count();
+        return result_;
+    }
+
+private:
+    void checkHeader() {
+        context_.faults.guard(0, [&] {
+            header_ = DecodePageZero({context_.pager.read(0), PageSize});
+            if (!header_.cleanlyClosed)
+                context_.faults.remark(0, "says that a program ended while it was writing");
+        });
+        if (header_.version == PageZero::Jet3)
+            throw Error(ErrorNumber::InvalidArgument, "files of the older format can only be read");
+        const PageNumber page = header_.freeMap.page;
+        const std::string name = "free pages";
+        if (context_.ledger.claim(page, context_.ledger.add("map of the " + name)) &&
+            datapage::IsDataPage(context_.pager.read(page))) {
+            context_.faults.guard(page, [&] {
+                datapage::Check(context_.pager.read(page), page);
+                for (const RowPointer map : {header_.freeMap, header_.secondMap}) {
+                    const PageLedger::Owner bitmaps = context_.ledger.add("map pages of the " + name);
+                    for (const PageNumber bitmap : UsageMap(context_.pager, map).bitmapPages())
+                        context_.ledger.claim(bitmap, bitmaps);
+                }
+            });
+        } else {
+            context_.faults.fault(page, "does not hold the map of the free pages");
+        }
+    }
+
+    void checkTable(PageNumber page, const std::u16string& name) {
+        context_.faults.setTable(name);
+        ++result_.tables;
+        context_.faults.guard(page, [&] {
+            const PageLedger::Owner definition = context_.ledger.add("definition");
+            for (const PageNumber one : DefinitionPages(context_.pager, page)) {
+                if (!context_.ledger.claim(one, definition))
+                    return; // of another table: its rows are checked there
+            }
+            const Table table(context_.pager, page, name);
+            TableCheck check(context_, table);
+            check.run();
+            result_.rows += check.rows();
+        });
+    }
+
+    void checkFreePages() {
+        context_.faults.guard(header_.freeMap.page, [&] {
+            const FreeMap free(context_.pager, header_.freeMap);
+            for (PageNumber page = 1; page < context_.ledger.pages(); ++page) {
+                const bool claimed = context_.ledger.isClaimed(page);
+                if (free.isFree(page) && claimed)
+                    context_.faults.fault(page, "is listed as free but belongs to the " +
+                                                    context_.ledger.describe(page));
+                else if (!free.isFree(page) && !claimed)
+                    context_.faults.remark(page, "is lost: it is neither free nor anyone's");
+            }
+        });
+    }
+
+    CheckContext context_;
+    Catalog catalog_;
+    PageZero header_;
+    CheckResult result_;
+};
+
+} // namespace
+
+CheckResult CheckDatabase(Pager& pager, const std::function<void(const Fault&)>& report) {
+    const Reading reading(pager);
+    return DatabaseCheck(pager, report).run();
+}
+
+} // namespace jet

@@ -1,0 +1,107 @@
+#include "jet/CheckCatalog.h"
+
+#include "jet/Collation.h"
+
+#include <algorithm>
+#include <set>
+
+namespace jet {
+
+namespace {
+
+std::u16string textOf(const Table& table, const RowView& row, std::u16string_view column) {
+    Value value;
+    if (const int at = table.definition().findColumn(column); at >= 0)
+        table.value(row, at, value);
+    const auto* text = std::get_if<std::u16string>(&value);
+    return text == nullptr ? std::u16string() : *text;
+}
+
+void checkNames(CheckContext& context, const std::vector<CatalogObject>& objects) {
+    std::vector<const CatalogObject*> sorted;
+    for (const CatalogObject& object : objects)
+        sorted.push_back(&object);
+    std::sort(sorted.begin(), sorted.end(), [](const CatalogObject* a, const CatalogObject* b) {
+        return a->parent != b->parent ? a->parent < b->parent : CompareTexts(a->name, b->name) < 0;
+    });
+    for (std::size_t i = 1; i < sorted.size(); ++i) {
+        if (sorted[i]->parent == sorted[i - 1]->parent && SameText(sorted[i]->name, sorted[i - 1]->name))
+            context.faults.fault(sorted[i]->row.page,
+                                 "two objects are named '" + ToUtf8(sorted[i]->name) + "'");
+    }
+}
+
+void checkProperties(CheckContext& context, const Catalog& catalog,
+                     const std::vector<CatalogObject>& objects) {
+    for (const CatalogObject& object : objects) {
+        try {
+            static_cast<void>(catalog.properties(object));
+        } catch (const Error& error) {
+            if (!IsDamage(error))
+                throw;
+            context.faults.fault(object.row.page, "the properties of '" + ToUtf8(object.name) +
+                                                      "' cannot be read: " + error.what());
+        }
+    }
+}
+
+void checkPermissions(CheckContext& context, const Catalog& catalog,
+                      const std::vector<CatalogObject>& objects) {
+    std::set<std::int32_t> ids;
+    for (const CatalogObject& object : objects)
+        ids.insert(object.id);
+    const Table table(catalog.pager(), Catalog::PermissionsPage, u"MSysACEs");
+    const int column = table.definition().findColumn(u"ObjectId");
+    const auto visit = [&](RowPointer at, const RowView& row) {
+        Value id;
+        if (column >= 0)
+            table.value(row, column, id);
+        const auto* number = std::get_if<std::int32_t>(&id);
+        if (number == nullptr || ids.count(*number) == 0)
+            context.faults.fault(at.page, "row " + std::to_string(at.row) +
+                                              " gives permissions for an object that is not there");
+    };
+    WalkReadable(table, visit, [](PageNumber, const Error&) {});
+}
+
+void checkRelationships(CheckContext& context, const Catalog& catalog,
+                        const std::vector<CatalogObject>& objects) {
+    const auto hasColumn = [&](std::u16string_view tableName, std::u16string_view column) {
+        for (const CatalogObject& object : objects) {
+            if (!SameName(object.name, tableName) || object.kind == CatalogObject::RelationshipKind)
+                continue;
+            if (!object.isTable())
+                return true; // linked tables and queries have their columns elsewhere
+            return catalog.table(object).definition().findColumn(column) >= 0;
+        }
+        return false;
+    };
+    const Table table(catalog.pager(), Catalog::RelationshipsPage, u"MSysRelationships");
+    const auto visit = [&](RowPointer at, const RowView& row) {
+        for (const auto& [tableColumn, columnColumn] :
+             {std::pair(u"szObject", u"szColumn"), std::pair(u"szReferencedObject", u"szReferencedColumn")}) {
+            const std::u16string name = textOf(table, row, tableColumn);
+            const std::u16string column = textOf(table, row, columnColumn);
+            if (!hasColumn(name, column))
+                context.faults.fault(at.page, "relationship '" +
+                                                  ToUtf8(textOf(table, row, u"szRelationship")) +
+                                                  "' names column '" + ToUtf8(column) + "' of table '" +
+                                                  ToUtf8(name) + "', which is not there");
+        }
+    };
+    WalkReadable(table, visit, [](PageNumber, const Error&) {});
+}
+
+} // namespace
+
+void CheckCatalog(CheckContext& context, const Catalog& catalog, const std::vector<CatalogObject>& objects) {
+    context.faults.setTable(u"MSysObjects");
+    checkNames(context, objects);
+    checkProperties(context, catalog, objects);
+    context.faults.setTable(u"MSysACEs");
+    context.faults.guard(Catalog::PermissionsPage, [&] { checkPermissions(context, catalog, objects); });
+    context.faults.setTable(u"MSysRelationships");
+    context.faults.guard(Catalog::RelationshipsPage, [&] { checkRelationships(context, catalog, objects); });
+}
+
+} // namespace jet
