@@ -1,0 +1,33 @@
+// Compaction: a new file with everything that can be read of an old one. Rows lie in the order of the primary
+// key, pages are full, indexes are built anew, nothing is left of what was deleted. It is the repair of a
+// damaged file, too: every row that can be read arrives, and what could not be saved is told.
+#pragma once
+
+#include "jet/Check.h"
+#include "jet/FilePager.h"
+
+namespace jet {
+
+struct CompactResult {
+    std::uint32_t tables = 0; // those of the system included
+    std::uint64_t rows = 0;
+    std::uint64_t losses = 0;
+};
+
+// Reports what could not be saved: a table, a row, or a column of one, with the page of the source.
+using OnLoss = std::function<void(const Fault&)>;
+
+// Reads `source` and makes `target`, which must not exist; on return it is complete and flushed, to be put in
+// place by the caller. On any error the target is removed; the source is never changed. Throws what opening
+// throws (FileLocked when another program uses the source), CannotUpdateReadOnly for a file in the older
+// format or with an index in an order that is not known here, DiskFull, DiskIo. Cost: one pass over the
+// source, and a sort of the keys of one table at a time, which are held in memory.
+CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
+                              const std::u16string& password, const OnLoss& lost);
+CompactResult CompactDatabase(const std::string& source, const std::string& target,
+                              const std::u16string& password, const OnLoss& lost);
+
+// The same between pagers. `target`: a NewFile or one like it, of which pages 0 and 1 are made.
+CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost);
+
+} // namespace jet
