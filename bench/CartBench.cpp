@@ -6,6 +6,7 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
@@ -144,6 +145,23 @@ void notesOfEveryCartByAsking(benchmark::State& state) {
                     break;
 }
 BENCHMARK(notesOfEveryCartByAsking)->Unit(benchmark::kMillisecond);
+
+// With a file of its own for one cart in ten of the first ten thousand.
+void everyCartWithOwnFiles(benchmark::State& state) {
+    constexpr int asked = 10000;
+    for (int cart = 10; cart <= asked; cart += 10) {
+        QFile file(platform::HostPath(CartFileStem(cart) + QStringLiteral(".LST")));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(cartBytes(cart));
+    }
+    settings().UseIndividualCartListFiles = -1;
+    for (auto _ : state)
+        for (int cart = 1; cart <= asked; ++cart)
+            benchmark::DoNotOptimize(ReadCart(cart));
+    settings().UseIndividualCartListFiles = 0;
+    state.SetItemsProcessed(state.iterations() * asked);
+}
+BENCHMARK(everyCartWithOwnFiles)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

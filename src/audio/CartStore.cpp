@@ -73,7 +73,7 @@ void checkFolder(const CartPart& part, bool silent) {
         ProblemReport(QStringLiteral("connecting part(s) of the Audio Wall because the directory: \n\n\"%1\""
                                      "\n\n could not be found")
                           .arg(part.Location.trimmed()));
-    setStateOfLocation(QString(part.Location), there ? Available : Unavailable);
+    setStateOfLocation(part.Location, there ? Available : Unavailable);
 }
 
 void openFile(int part) {

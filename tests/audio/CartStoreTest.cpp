@@ -4,6 +4,10 @@
 
 #include <QThread>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 using namespace tolvex;
 using namespace tolvex::tests;
 using platform::Answer;
@@ -186,6 +190,29 @@ TEST_F(CartStoreTest, AListThatCannotBeOpenedHarmsNothing) {
     QDir().rmdir(machine.host(listPath(1)));
     EXPECT_EQ(statusOf(1), 0);
     EXPECT_EQ(part(1).State, Available);
+}
+
+// No room: the carts that are there stay and can be read, and the list grows once there is room again.
+TEST_F(CartStoreTest, AFullDiskCostsNoCart) {
+    const QByteArray carts = cartBytes("There").repeated(3);
+    machine.write(listPath(1), carts);
+    struct rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit full = before;
+    full.rlim_cur = 2000;
+    ::setrlimit(RLIMIT_FSIZE, &full);
+    const int opened = OpenCartParts(1, true);
+    const QString line = firstLine(3);
+    const qint16 beyond = statusOf(4);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(opened, 0);
+    EXPECT_EQ(line, QString("There"));
+    EXPECT_EQ(beyond, platform::PastEndOfFile);
+    EXPECT_EQ(machine.read(listPath(1)), carts);
+    EXPECT_EQ(OpenCartParts(1, true), 0);
+    EXPECT_EQ(machine.read(listPath(1)), carts + emptyCarts(997));
 }
 
 TEST_F(CartStoreTest, ReadingRepairsThePlayTimesThatAFileLacks) {
