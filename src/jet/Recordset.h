@@ -1,94 +1,162 @@
 // A program's view of rows, one of which is current: a table in the order of one of its indexes, or what a
 // query selects. Moving, seeking, finding, adding, editing and removing rows under the names that programs
 // of the suite know.
+//
+// Values that were read stay as they are until the recordset moves, whatever others do; update() refuses to
+// overwrite what others have changed since edit().
 #pragma once
 
-#include "jet/IndexTree.h"
-#include "jet/KeyEncoding.h"
-#include "jet/Table.h"
+#include "jet/RowOrder.h"
 
+#include <memory>
 #include <optional>
 
 namespace jet {
 
-enum class Comparison { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
+class Catalog;
+class Database;
+class Selection;
+
+enum class SeekComparison { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
 
 // "=", ">", ">=", "<", "<="; throws InvalidArgument for anything else.
-Comparison ParseComparison(std::string_view text);
+SeekComparison ParseSeekComparison(std::string_view text);
 
 class Recordset {
 public:
     // Table: all rows of one table, in the order of its pages or of an index. Dynaset: the rows that a query
     // selected, by their pointers: values are read when they are asked for, rows may be changed. Snapshot:
-    // the rows as they were when it was opened, for reading.
+    // the rows as they were when it was opened, all in memory, for reading.
     enum class Kind { Table, Dynaset, Snapshot };
 
-    // A table; the first row is current, if there is one.
-    explicit Recordset(Table table);
+    // Opens the table of this name or, unless the kind is Table, what a SELECT chooses. The first row is
+    // current, if there is one. The database outlives the recordset. Throws TableNotFound and what parsing
+    // and selecting throw.
+    static Recordset open(Database& database, std::u16string_view source, Kind kind = Kind::Table);
+    static Recordset open(const Catalog& catalog, std::u16string_view source, Kind kind = Kind::Table,
+                          bool updatable = true);
+
+    Recordset(Recordset&&) noexcept;
+    Recordset& operator=(Recordset&&) noexcept;
+    ~Recordset();
 
     Kind kind() const { return kind_; }
+    // Of the table.
+    const std::u16string& name() const { return table_->name(); }
     // Whether rows can be added, edited and removed.
-    bool updatable() const;
-    const Table& table() const { return table_; }
+    bool updatable() const { return updatable_; }
+
+    // Fields are counted from 0, in the order in which they were asked for or are shown.
+    int fieldCount() const { return static_cast<int>(fields_.size()); }
+    const Column& column(int field) const;
+    // Declared size: characters of Text, bytes of Binary; 0 for all others.
+    int size(int field) const;
     // Position of a field; throws ItemNotFound with the name.
     int field(std::u16string_view name) const;
 
-    // Table kind only: the index that orders the rows; an empty name goes back to the order of pages. Moves
-    // to the first row. Throws IndexNotFound.
+    // Table kind only (others throw InvalidArgument): the index that orders the rows; an empty name goes back
+    // to the order of pages. Moves to the first row. Throws IndexNotFound.
     void setIndex(std::u16string_view name);
-    // Goes to the first row (last row for Less and LessOrEqual), in the order of the index, whose key
+    const std::u16string& index() const { return indexName_; }
+    // Goes to the first row (Less and LessOrEqual: the last row), in the order of the index, whose key
     // compares so with the given values; fewer values than the index has fields compare the leading ones. If
-    // there is none noMatch() is true and no row is current. Throws NoIndexSet.
-    void seek(Comparison comparison, std::span<const Value> values);
+    // there is none noMatch() is true and no row is current. In a descending index "greater" means behind.
+    // Throws NoIndexSet, TypeConversion. Cost: one page for each level of the index.
+    void seek(SeekComparison comparison, std::span<const Value> values);
+    void seek(SeekComparison comparison, const Value& value) { seek(comparison, {&value, 1}); }
+
+    // Goes to the first, last, next or previous row, from the current one, for which a criterion holds (what
+    // may stand behind WHERE). If there is none noMatch() is true and the current row stays. Throws what
+    // parsing and evaluating the criterion throw. Cost: one row after the other is looked at.
+    void findFirst(std::u16string_view criterion);
+    void findLast(std::u16string_view criterion);
+    void findNext(std::u16string_view criterion);
+    void findPrevious(std::u16string_view criterion);
+    // Whether the last seek() or find...() found nothing.
     bool noMatch() const { return noMatch_; }
 
-    // Each throws NoCurrentRecord when it starts from no row (first and last: when there is none at all).
+    // Moving gives up an edit that was not saved. first and last throw NoCurrentRecord if there are no rows,
+    // next at eof(), previous at bof(), and both after a seek() that found nothing.
     void moveFirst();
     void moveLast();
     void moveNext();
     void movePrevious();
     bool bof() const { return place_ == Place::Before || place_ == Place::Empty; }
     bool eof() const { return place_ == Place::Behind || place_ == Place::Empty; }
-    // Table: the number of rows. Otherwise the number of rows selected that were not removed through here.
+    // Table: the number of rows. Otherwise the rows selected and added, less those removed, through here.
     std::uint32_t recordCount() const;
 
-    // The current row's value, or, between addNew() or edit() and update(), the value set so far. Throws
+    // The current row's value or, between addNew() or edit() and update(), the value set so far. Throws
     // NoCurrentRecord, or RecordDeleted if the row is gone.
     Value value(int field);
     Value value(std::u16string_view name) { return value(field(name)); }
-    // Throws NoEdit outside addNew() or edit(). Converted to the field's kind, checked when the row is saved.
+    // Throws NoEdit outside addNew() and edit(), TypeConversion for a value that the field's kind cannot
+    // hold. Size and rules are checked by update().
     void set(int field, Value value);
     void set(std::u16string_view name, Value value) { set(field(name), std::move(value)); }
 
+    // Both throw CannotUpdateReadOnly.
     void addNew();
     void edit();
-    // Saves the new or edited row; the row that was current stays current. If it throws, the values set so
-    // far are kept for another try.
+    // Saves the new or edited row; the row that was current stays current, and a row added where there was
+    // none becomes current. Throws what Table::insert() and update() throw, RecordChanged if others have
+    // changed the row since edit(), RecordDeleted. If it throws, the values set so far are kept for another
+    // try.
     void update();
     void cancelUpdate();
+    bool isEditing() const { return editing_ != Editing::No; }
     // Removes the current row. No row is current until the next move, which goes to its neighbour.
     void remove();
 
-    // Where the current row lies, to come back to it; setBookmark() throws NoCurrentRecord if it is gone.
+    // Where the current row lies, to come back to it; throws NoCurrentRecord.
     RowPointer bookmark() const;
+    // Throws NoCurrentRecord if that row is gone.
     void setBookmark(RowPointer at);
     // The row that update() saved last.
     RowPointer lastModified() const { return lastModified_; }
 
 private:
-    enum class Place { Empty, Before, On, Behind, Nowhere };
+    enum class Place { Empty, Before, On, Removed, Nowhere, Behind };
     enum class Editing { No, Adding, Changing };
+    using Step = bool (RowOrder::*)();
+
+    explicit Recordset(Table table);
+    void fillSnapshot(const Selection& selection);
+    void setOrder(std::unique_ptr<RowOrder> order);
+    void leave();
+    void move(Step step, Place end, Place otherEnd, Step enter);
+    void find(std::u16string_view criterion, Step start, Step step);
+    std::size_t columnOf(int field) const;
+    void loadRow();
+    Value storedValue(std::size_t column);
+    void checkUpdatable() const;
+    void begin(Editing editing);
+    void saveNew();
+    void saveChanged();
+    void checkUnchanged(RowPointer at);
 
     Kind kind_ = Kind::Table;
-    Table table_;
-    std::optional<IndexCursor> cursor_;
-    KeyEncoder encoder_;
-    RowPointer at_;
+    bool updatable_ = true;
+    std::unique_ptr<Table> table_; // stays where it is when the recordset is moved
+    std::vector<int> fields_;      // positions of the columns
+    std::unique_ptr<RowOrder> order_;
+    IndexOrder* indexOrder_ = nullptr; // order_, if it is one
+    ListOrder* listOrder_ = nullptr;
+    std::u16string indexName_;
+    std::vector<std::vector<Value>> snapshot_; // per row its fields
     Place place_ = Place::Empty;
     bool noMatch_ = false;
+
+    Bytes bytes_; // of the current row, when loaded_
+    RowView row_;
+    bool loaded_ = false;
+
     Editing editing_ = Editing::No;
-    std::vector<Value> values_;
+    std::vector<Value> values_; // of the row being added or edited
+    std::vector<bool> set_;     // which of them were set
+    std::vector<Value> longs_;  // long values as edit() met them
     std::vector<FieldChange> changes_;
+    Bytes key_;
     RowPointer lastModified_;
 };
 
