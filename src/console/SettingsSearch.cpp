@@ -44,6 +44,9 @@ constexpr Row rows[] = {
     {"CDDB", "", "cmdCDRipping"},
 };
 
+// Longer texts explain; they name nothing.
+constexpr qsizetype LongestLabel = 90;
+
 // Widgets whose text names a setting or a choice.
 bool namesSomething(QStringView widgetClass) {
     return widgetClass == u"QLabel" || widgetClass == u"QCheckBox" || widgetClass == u"QRadioButton" ||
@@ -99,7 +102,7 @@ QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control) {
                 text.remove(u'&');
                 if (text.endsWith(u':'))
                     text.chop(1);
-                if (!text.isEmpty() && !isCommonButton(text))
+                if (!text.isEmpty() && text.size() <= LongestLabel && !isCommonButton(text))
                     entries.append({text, text.toLower(), control});
             }
         } else if (xml.isEndElement() && xml.name() == u"widget") {

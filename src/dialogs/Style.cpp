@@ -139,7 +139,9 @@ public:
         : svg_(std::move(svg)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const QColor colour = mode == QIcon::Disabled ? tokens().quiet : tokens().accent;
+        const QColor colour = mode == QIcon::Disabled   ? tokens().quiet
+                              : mode == QIcon::Selected ? QColor(Qt::white)
+                                                        : tokens().accent;
         QByteArray coloured = svg_;
         coloured.replace("currentColor", colour.name().toLatin1());
         QSvgRenderer(coloured).render(painter, rect);

@@ -11,6 +11,7 @@ CommandRows StatusCommands();
 CommandRows SettingsCommands();
 CommandRows ProfileCommands();
 CommandRows RegistryCommands();
+CommandRows SetsCommands();
 CommandRows CartCommands();
 CommandRows AudioCommands();
 

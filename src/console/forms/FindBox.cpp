@@ -26,6 +26,8 @@ FindBox::FindBox(QLineEdit* box, QWidget* window)
     setObjectName(QStringLiteral("listFound"));
     setAccessibleName(QStringLiteral("Settings found"));
     setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVisible(false);
     box_->installEventFilter(this);
     connect(box_, &QLineEdit::textChanged, this, &FindBox::search);

@@ -1,0 +1,122 @@
+// Sets up a station in the machine folder and saves a picture of each form: screenshots <folder> light|dark
+#include "console/ConfigurationSets.h"
+#include "console/StartUp.h"
+#include "console/forms/FormTable.h"
+#include "console/forms/frmConfigure.h"
+#include "console/forms/frmMultiConfig.h"
+#include "console/forms/frmSplash.h"
+#include "core/Settings.h"
+#include "dialogs/Style.h"
+#include "dialogs/frmGoodInputBox.h"
+#include "dialogs/frmHelp.h"
+#include "dialogs/frmPrintPreview.h"
+#include "platform/Paths.h"
+#include "platform/Prompts.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QFile>
+#include <QListWidget>
+#include <QTabWidget>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+using namespace tolvex;
+
+QString folder;
+
+void write(const QString& windowsPath, const QByteArray& bytes) {
+    const QString path = platform::HostPath(windowsPath);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+}
+
+void makeStation() {
+    QByteArray ini = "[General]\r\nConfigName=Studio 1\r\n[FileLocations]\r\nData=C:\\TOLVEX\\SYSTEM\r\n";
+    for (int part = 1; part <= CartPartCount; ++part)
+        ini += "Carts" + QByteArray::number(part) +
+               (part == 3 ? "=C:\\TOLVEX\\AUDIO3\r\n" : "=C:\\TOLVEX\\AUDIO\r\n");
+    write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
+    write(QStringLiteral("C:\\WINDOWS\\studio2.ini"), "[General]\r\nConfigName=Studio 2, news\r\n");
+    for (const char* name : {"C:\\TOLVEX\\SYSTEM", "C:\\TOLVEX\\AUDIO"})
+        QDir().mkpath(platform::HostPath(QString::fromLatin1(name)));
+    write(QStringLiteral("C:\\notes.rtf"), "{\\rtf1{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset2 "
+                                           "Symbol;}}{\\colortbl;\\red179\\green38\\blue30;}\\f0\\fs28{\\b "
+                                           "What is new}\\par\\fs20{\\f1\\'B7}\\tab Carts can be {\\i found} "
+                                           "by their length.\\par{\\f1\\'B7}\\tab "
+                                           "{\\cf1 Please} make a backup first.\\par}");
+}
+
+void save(QWidget& form, const char* name) {
+    form.show();
+    QCoreApplication::processEvents();
+    const QString path = folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png");
+    std::printf("%s %s\n", form.grab().save(path) ? "saved" : "NOT SAVED", qPrintable(path));
+}
+
+void saveForm(const char* form, const char* name) {
+    const std::unique_ptr<QDialog> dialog(MakeForm(QString::fromLatin1(form), nullptr));
+    save(*dialog, name);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: screenshots FOLDER light|dark\n");
+        return 2;
+    }
+    folder = QString::fromLocal8Bit(argv[1]);
+    QDir().mkpath(folder);
+    ApplyStyle(application, QByteArray(argv[2]) == "dark" ? Scheme::Dark : Scheme::Light);
+    makeStation();
+    SetTypedCommandLine({});
+
+    frmConfigure console;
+    if (!console.load())
+        return 1;
+    save(console, "console");
+    auto* tabs = console.findChild<QTabWidget*>(QStringLiteral("tbsConfig"));
+    tabs->setCurrentIndex(2);
+    save(console, "console-database");
+    tabs->setCurrentIndex(3);
+    save(console, "console-autoconfig");
+    tabs->setCurrentIndex(0);
+    console.findChild<QLineEdit*>(QStringLiteral("txtFind"))->setText(QStringLiteral("clock"));
+    save(console, "console-search");
+
+    saveForm("frmFileLocations", "filelocations");
+    saveForm("frmDisplayOptions", "displayoptions");
+    saveForm("frmDateTimeSetup", "datetime");
+    frmMultiConfig sets(QString::fromUtf16(SetsRegistryKey), QStringLiteral("tolvex.ini studio2.ini"));
+    sets.findChild<QListWidget*>()->setCurrentRow(0);
+    save(sets, "configurationsets");
+    frmSplash splash;
+    splash.setCurrentAction(QStringLiteral("Accessing AudioWall..."));
+    splash.adjustSize();
+    save(splash, "splash");
+    frmSplash about;
+    about.becomeAboutBox();
+    about.adjustSize();
+    save(about, "about");
+    frmPrintPreview notice;
+    notice.LoadFile(QStringLiteral("C:\\notes.rtf"));
+    save(notice, "printpreview");
+    frmGoodInputBox box;
+    box.setPrompt(
+        QStringLiteral("What filename do you want to use for the new Configuration Set?\n\n(You can only use "
+                       "letters and numbers)"));
+    save(box, "inputbox");
+    ShowHelp(platform::ApplicationFolder() + QStringLiteral("\\config.chm"), 100);
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->objectName() == QStringLiteral("frmHelp"))
+            save(*window, "help");
+    return 0;
+}
