@@ -16,7 +16,7 @@ struct FieldDesign {
     bool allowZeroLength = false; // Text and Memo
     int precision = 18;           // Numeric
     int scale = 0;
-    std::vector<Property> properties; // others ("DefaultValue", "Description", ...)
+    std::vector<Property> properties = {}; // others ("DefaultValue", "Description", ...)
 };
 
 struct IndexField {
