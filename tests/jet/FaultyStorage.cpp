@@ -158,6 +158,7 @@ std::vector<std::string> FaultyStorage::names() const {
 void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& into) const {
     std::mt19937 random(seed);
     const auto kept = [&] { return loss == Loss::Nothing || (loss == Loss::Random && random() % 2 != 0); };
+    const bool wholeWrites = random() % 2 != 0;
     std::size_t changes = 0;
     while (changes < pendingNames_.size() && kept())
         ++changes;
@@ -169,13 +170,14 @@ void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& 
                     apply(write, content);
                 continue;
             }
-            // Each sector gets there or not.
+            // Each write, or each sector of it, gets there or not.
+            const bool thisWrite = kept();
             for (std::size_t at = 0; at < write.bytes.size();) {
                 const std::uint64_t offset = write.offset + at;
                 const std::size_t length =
                     std::min<std::size_t>(Sector - offset % Sector, write.bytes.size() - at);
                 const auto from = write.bytes.begin() + static_cast<std::ptrdiff_t>(at);
-                if (kept())
+                if (wholeWrites ? thisWrite : kept())
                     apply({offset, Bytes(from, from + static_cast<std::ptrdiff_t>(length))}, content);
                 at += length;
             }

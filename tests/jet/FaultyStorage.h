@@ -15,7 +15,10 @@
 namespace jet::test {
 
 // Thrown by the call at which the power goes, and by every call after it.
-struct PowerCut {};
+struct PowerCut : Error {
+    PowerCut()
+        : Error(ErrorNumber::DiskIo, "no power") {}
+};
 
 class FaultyStorage final : public Storage {
 public:
