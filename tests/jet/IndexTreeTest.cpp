@@ -279,6 +279,56 @@ TEST(IndexTree, TellsDuplicatesOfOthers) {
     EXPECT_THROW(tree->insert(Bytes(1801, 1), {9, 1}), Error);
 }
 
+// A page that one index frees may serve another one of the same table next, with the very bytes at the very
+// place that a cursor remembers.
+TEST(IndexTree, ACursorKnowsThePagesOfItsIndex) {
+    int met = 0;
+    for (std::size_t leaf = 1; leaf < 4; ++leaf) {
+        Tree tree;
+        datapage::Add(tree.pager.edit(1), Bytes(UsageMapRowLength, 0));
+        IndexTree other(tree.pager, tree.pager.allocate(), TablePage, UsageMap(tree.pager, {1, 1}));
+        other.create();
+        const auto insertFrom = [](IndexTree& into, std::uint32_t from) {
+            for (std::uint32_t i = from; i < from + 2500; ++i)
+                into.insert(longKey(i), {100, static_cast<std::uint8_t>(i % 100)});
+        };
+        insertFrom(tree.tree, 0);
+        IndexCursor cursor(tree.tree);
+        cursor.first();
+        std::vector<std::uint32_t> firsts{0}; // first entries of the leaves
+        for (std::uint32_t i = 0; i < 2500; ++i, cursor.next())
+            for (const PageNumber page : tree->pages().pages())
+                if (i != 0 && indexpage::IsLeaf(tree.pager.read(page)) &&
+                    indexpage::HoldsKey(tree.pager.read(page), indexpage::Prefix(tree.pager.read(page)),
+                                        longKey(i)))
+                    firsts.push_back(i);
+        ASSERT_GT(firsts.size(), leaf);
+        const std::uint32_t first = firsts[leaf];
+        ASSERT_TRUE(cursor.seekFrom(longKey(first)));
+        // The cursor's leaf is freed before another one, and so given out as the second of them.
+        const auto removeFrom = [&](std::uint32_t from, std::uint32_t to) {
+            for (std::uint32_t i = from; i < to; ++i)
+                tree->remove(longKey(i), {100, static_cast<std::uint8_t>(i % 100)});
+        };
+        removeFrom(first, leaf + 1 < firsts.size() ? firsts[leaf + 1] : 2500);
+        removeFrom(leaf == 1 ? firsts[leaf + 1] : firsts[1], leaf == 1 ? firsts[leaf + 2] : firsts[2]);
+        insertFrom(other, first);
+        for (const PageNumber page : other.pages().pages())
+            met += indexpage::HoldsKey(tree.pager.read(page), indexpage::Prefix(tree.pager.read(page)),
+                                       longKey(first))
+                       ? 1
+                       : 0;
+        Model rest;
+        ASSERT_TRUE(faultsOf(tree.tree, &rest).empty());
+        const auto next = rest.lower_bound({longKey(first), {}});
+        ASSERT_EQ(cursor.next(), next != rest.end());
+        if (next != rest.end()) {
+            ASSERT_EQ(Bytes(cursor.key().begin(), cursor.key().end()), next->first);
+        }
+    }
+    EXPECT_GT(met, 0);
+}
+
 // Whatever is written over a page, reading, walking, changing and checking end with an answer or an error.
 TEST(IndexTree, DamagedPagesGiveErrors) {
     std::mt19937 random(5);
