@@ -1,0 +1,79 @@
+// The table of hardware cards: up to three in a workstation, each with up to 100 numbered lines that are
+// inputs or outputs and stand for one action of the playout system each. HardwareStore.h reads and writes it,
+// LineActions.h tells what the action codes mean.
+#pragma once
+
+#include "core/DayTime.h"
+#include "core/Settings.h"
+
+#include <array>
+#include <span>
+
+namespace tolvex {
+
+inline constexpr int HardwareCardCount = 3;
+inline constexpr int LinesPerCard = 100;
+
+struct HardwareLine {
+    qint32 LineType = 0;    // 0 input, any other value output
+    qint16 OutputState = 0; // of an output: 0 off, -1 on; never stored
+    qint16 ActiveLow = 0;   // -1: reads or drives inverted
+    qint16 Flashing = 0;    // -1 while the output flashes; never stored
+    DayTime PulseEnd;       // when a pulsed output falls; never stored
+    QString Description;
+    qint32 Color = 0; // kept as it stands; nothing here edits it
+    qint32 Action = 0;
+    std::array<qint32, 4> ActionData{}; // parameters 1 to 4
+
+    bool isOutput() const { return LineType != 0; }
+    // Trimmed, as it is shown.
+    QString description() const { return Description.trimmed(); }
+    // A line that is kept in the file.
+    bool inUse() const { return Action != 0 || !description().isEmpty(); }
+};
+
+struct HardwareCard {
+    qint32 CardType = 0;    // a row of CardTypes()
+    qint16 BaseAddress = 0; // device number of an Advantech card, port number of an RS232 based controller
+    qint16 ComPort = 0;     // a copy of it for the controller, 0 for an Advantech card
+    NumberedTable<HardwareLine, LinesPerCard> Lines;
+    qint16 NumberLines = 0;
+    qint16 NumberInputs = 0;
+    qint16 NumberOutputs = 0;
+};
+
+using HardwareCardTable = NumberedTable<HardwareCard, HardwareCardCount>;
+
+// The one table. Empty until ReadHardwareSettings fills it.
+HardwareCardTable& HardwareCards();
+// Puts it back to its start values, for every test.
+void ResetHardwareCards();
+
+enum HardwareCardType : qint32 {
+    CardDisabled = 0,
+    CardPorts24 = 1,
+    CardPorts48 = 2,
+    CardRS232 = 3,
+    CardAdvantech = 4,
+    CardJoystick = 5,
+};
+
+// What is known of each type of card. The counts of an Advantech card stand in while its driver cannot be
+// asked.
+struct CardTypeRow {
+    qint32 type;
+    const char* name; // in the dialog; null: it is not offered
+    qint16 lines;
+    qint16 inputs;
+    qint16 outputs;
+    const char* addressCaption; // null: the caption stays as it was
+    bool usesAddress;
+    bool usesPort;
+    bool fixedLines; // line types belong to the card and cannot be changed
+    bool byEights;   // line types change in groups of eight
+};
+std::span<const CardTypeRow> CardTypes();
+// Null for a type that nothing is known of: such a card's section is left as it is.
+const CardTypeRow* FindCardType(qint32 type);
+
+} // namespace tolvex

@@ -1,0 +1,163 @@
+#include "hardware/HardwareStore.h"
+
+#include "core/Numbers.h"
+#include "platform/ProfileFile.h"
+#include "platform/Prompts.h"
+
+namespace tolvex {
+
+namespace {
+
+constexpr int LongestText = 255; // buffer of the reads
+
+const QString cardTypeKey = QStringLiteral("CardType");
+const QString baseAddressKey = QStringLiteral("BaseAddress");
+
+QString sectionOf(int card) {
+    return QStringLiteral("Hardware%1").arg(card);
+}
+
+// The nine keys of a line, in the order in which they are written.
+struct LineKeys {
+    QString type;
+    QString activeLow;
+    QString description;
+    QString color;
+    QString action;
+    std::array<QString, 4> data;
+
+    explicit LineKeys(int line) {
+        const QString number = QString::number(line);
+        type = QLatin1String("LineType") + number;
+        activeLow = QLatin1String("ActiveLow") + number;
+        description = QLatin1String("Description") + number;
+        color = QLatin1String("Color") + number;
+        action = QLatin1String("Action") + number;
+        for (std::size_t k = 0; k < data.size(); ++k)
+            data[k] = action + QLatin1String("Data") + QString::number(k + 1);
+    }
+    template<typename Do>
+    void forEach(Do act) const {
+        for (const QString* key : {&type, &activeLow, &description, &color, &action})
+            act(*key);
+        for (const QString& key : data)
+            act(key);
+    }
+};
+
+qint16 toWord(double value) {
+    return static_cast<qint16>(HeldBetween(ToLong(value), -32768, 32767));
+}
+
+class CardReader {
+public:
+    CardReader(int card, const QString& file)
+        : section_(sectionOf(card))
+        , file_(file) {}
+
+    void read(HardwareCard& card, DriverReports& reports) const {
+        card.CardType = ToLong(LeadingNumber(text(cardTypeKey)));
+        card.BaseAddress = toWord(LeadingNumber(text(baseAddressKey)));
+        card.ComPort = card.BaseAddress;
+        GetCardLineCounts(card.CardType, card.BaseAddress, card.NumberLines, card.NumberInputs,
+                          card.NumberOutputs, reports);
+        for (int number = 1; number <= LinesPerCard; ++number) {
+            HardwareLine& line = card.Lines[number];
+            line = {};
+            if (number <= card.NumberLines)
+                readLine(LineKeys(number), card, number, line);
+        }
+    }
+
+private:
+    QString text(const QString& key) const {
+        return platform::ProfileText(section_, key, QString(), file_, LongestText);
+    }
+    qint32 number(const QString& key) const { return platform::ProfileInteger(section_, key, 0, file_); }
+
+    // An output unless the key says otherwise; what is no number says nothing.
+    qint32 lineType(const QString& key) const {
+        constexpr qint32 output = 1;
+        const qint32 type = platform::ProfileInteger(section_, key, output, file_);
+        if (type != 0)
+            return type;
+        const QString stored = text(key);
+        const QChar last = stored.isEmpty() ? QChar() : stored[stored.startsWith(u'-') && stored.size() > 1];
+        return last >= u'0' && last <= u'9' ? type : output;
+    }
+
+    void readLine(const LineKeys& keys, const HardwareCard& card, int n, HardwareLine& line) const {
+        line.LineType =
+            card.CardType == CardAdvantech ? (n > card.NumberInputs ? 1 : 0) : lineType(keys.type);
+        line.ActiveLow = toWord(number(keys.activeLow));
+        line.Color = number(keys.color);
+        line.Description = text(keys.description);
+        line.Action = number(keys.action);
+        for (std::size_t k = 0; k < keys.data.size(); ++k)
+            line.ActionData[k] = number(keys.data[k]);
+    }
+
+    QString section_;
+    QString file_;
+};
+
+void putLine(platform::ProfileBatch& batch, const QString& section, const LineKeys& keys,
+             const HardwareLine& line) {
+    batch.put(section, keys.type, line.LineType);
+    batch.put(section, keys.activeLow, line.ActiveLow);
+    batch.put(section, keys.description, line.Description);
+    batch.put(section, keys.color, line.Color);
+    batch.put(section, keys.action, line.Action);
+    for (std::size_t k = 0; k < keys.data.size(); ++k)
+        batch.put(section, keys.data[k], line.ActionData[k]);
+}
+
+void putCard(platform::ProfileBatch& batch, int number, HardwareCard& card, DriverReports& reports) {
+    const QString section = sectionOf(number);
+    if (card.CardType == CardDisabled) {
+        batch.removeSection(section);
+        return;
+    }
+    if (!FindCardType(card.CardType))
+        return;
+    batch.put(section, cardTypeKey, card.CardType);
+    batch.put(section, baseAddressKey, card.BaseAddress);
+    GetCardLineCounts(card.CardType, card.BaseAddress, card.NumberLines, card.NumberInputs,
+                      card.NumberOutputs, reports);
+    for (int n = 1; n <= LinesPerCard; ++n) {
+        const LineKeys keys(n);
+        if (n <= card.NumberLines && card.Lines[n].inUse())
+            putLine(batch, section, keys, card.Lines[n]);
+        else
+            keys.forEach([&](const QString& key) { batch.remove(section, key); });
+    }
+}
+
+} // namespace
+
+void ReadHardwareSettings(const QString& iniPath, DriverReports& reports) {
+    for (int card = 1; card <= HardwareCardCount; ++card)
+        CardReader(card, iniPath).read(HardwareCards()[card], reports);
+}
+
+void ReadHardwareSettings(const QString& iniPath) {
+    DriverReports reports;
+    ReadHardwareSettings(iniPath, reports);
+}
+
+int WriteHardwareSettings(const QString& iniPath, DriverReports& reports) {
+    platform::prompts().setPointer(platform::Pointer::Wait);
+    platform::ProfileBatch batch(iniPath);
+    for (int card = 1; card <= HardwareCardCount; ++card)
+        putCard(batch, card, HardwareCards()[card], reports);
+    const int error = batch.commit();
+    platform::prompts().setPointer(platform::Pointer::Default);
+    return error;
+}
+
+int WriteHardwareSettings(const QString& iniPath) {
+    DriverReports reports;
+    return WriteHardwareSettings(iniPath, reports);
+}
+
+} // namespace tolvex

@@ -1,0 +1,74 @@
+// A driver of a test's own: boards by device number, each step of a call able to fail. Installed for its
+// life.
+#pragma once
+
+#include "hardware/AdvantechDriver.h"
+#include "hardware/HardwareCards.h"
+
+#include <QMap>
+#include <QStringList>
+
+namespace tolvex::tests {
+
+class FakeDriver : public AdvantechDriver {
+public:
+    struct Board {
+        BoardFeatures features;
+        PortModes modes{};
+    };
+
+    FakeDriver() {
+        current = this;
+        SetAdvantechDriver([]() -> AdvantechDriver* { return current; });
+    }
+    ~FakeDriver() override { SetAdvantechDriver(nullptr); }
+    FakeDriver(const FakeDriver&) = delete;
+    FakeDriver& operator=(const FakeDriver&) = delete;
+
+    QMap<qint32, Board> boards; // a device that is not here does not open
+    QString failing;            // "features", "portModes" or "close"
+    QStringList calls;          // "open 3", "features", ...
+
+    // A board of fixed channels.
+    void addFixed(qint32 device, qint32 inputs, qint32 outputs) {
+        boards[device].features = {1, inputs, outputs};
+    }
+
+    qint32 open(qint32 device, qint32& handle) override {
+        calls += QStringLiteral("open %1").arg(device);
+        handle = device + 1000;
+        return boards.contains(device) ? 0 : 11;
+    }
+    qint32 features(qint32 handle, BoardFeatures& features) override {
+        calls += QStringLiteral("features");
+        features = boards.value(handle - 1000).features;
+        return fails("features", 12);
+    }
+    qint32 portModes(qint32 handle, PortModes& modes) override {
+        calls += QStringLiteral("portModes");
+        modes = boards.value(handle - 1000).modes;
+        return fails("portModes", 13);
+    }
+    qint32 close(qint32) override {
+        calls += QStringLiteral("close");
+        return fails("close", 14);
+    }
+    QString errorText(qint32 error) override { return QStringLiteral("Driver error %1").arg(error); }
+
+private:
+    qint32 fails(const char* step, qint32 error) const { return failing == QLatin1String(step) ? error : 0; }
+
+    inline static FakeDriver* current = nullptr;
+};
+
+// No driver at all, for a test's life.
+struct NoDriver {
+    NoDriver() {
+        SetAdvantechDriver([]() -> AdvantechDriver* { return nullptr; });
+    }
+    ~NoDriver() { SetAdvantechDriver(nullptr); }
+    NoDriver(const NoDriver&) = delete;
+    NoDriver& operator=(const NoDriver&) = delete;
+};
+
+} // namespace tolvex::tests
