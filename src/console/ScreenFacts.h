@@ -14,7 +14,6 @@ struct ScreenFacts {
     int PrimaryHeight = 768;
     int WorkAreaBottom = 768; // lower edge of what the task bar leaves of the primary screen
     int DesktopWidth = 1024;  // all screens together
-    int DesktopHeight = 768;
     QList<int> MonitorWidths = {1024};
 };
 

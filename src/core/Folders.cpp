@@ -113,7 +113,7 @@ QString TempFileName(const QString& folder, const QString& prefix, const QString
             return {};
         }
         platform::RemoveFile(made);
-        const QString name = made.chopped(3) + ending;
+        QString name = made.chopped(3) + ending;
         if (!platform::FileExists(name))
             return name;
     }

@@ -151,7 +151,7 @@ std::optional<QString> CheckSettingValue(const SettingRow& row, const QString& v
     const QString plain = value.trimmed();
     switch (row.kind) {
     case SettingKind::Flag:
-        if (const std::optional<QString> flag = flagText(plain))
+        if (std::optional<QString> flag = flagText(plain))
             return flag;
         return refuse(why, quoted(plain) + QStringLiteral(" is neither on (1) nor off (0)"));
     case SettingKind::Word:

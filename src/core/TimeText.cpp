@@ -110,7 +110,7 @@ double TimeToSeconds(const QString& text, int format) {
         const int value = fieldValue(field);
         if (value < 0)
             return -1;
-        seconds += static_cast<double>(value * (hundredthsIn.at(static_cast<std::size_t>(part)) / 100));
+        seconds += value * (static_cast<double>(hundredthsIn.at(static_cast<std::size_t>(part))) / 100);
         ++part;
     }
     return seconds;

@@ -28,7 +28,6 @@ void tellScreens() {
     facts.PrimaryHeight = primary->geometry().height();
     facts.WorkAreaBottom = primary->availableGeometry().bottom() + 1;
     facts.DesktopWidth = monitors.DesktopWidth();
-    facts.DesktopHeight = monitors.DesktopHeight();
     facts.MonitorWidths.clear();
     for (qint16 i = 1; i <= monitors.Count(); ++i)
         facts.MonitorWidths.append(monitors.Monitor(i)->Width);
