@@ -94,6 +94,7 @@ Date LocalTime() {
 }
 
 std::vector<CatalogObject> Catalog::objects() const {
+    const Reading reading(*pager_);
     const SystemTable system(*pager_, ObjectsPage);
     const int id = system.column(Id), parent = system.column(ParentId), name = system.column(Name),
               type = system.column(Type), created = system.column(DateCreate),
@@ -130,6 +131,7 @@ std::optional<CatalogObject> Catalog::findTable(std::u16string_view name) const 
 }
 
 Table Catalog::table(std::u16string_view name) const {
+    const Reading reading(*pager_);
     const auto object = findTable(name);
     if (!object)
         throw Error(ErrorNumber::ItemNotFound, ToUtf8(name));
@@ -137,12 +139,14 @@ Table Catalog::table(std::u16string_view name) const {
 }
 
 Table Catalog::table(const CatalogObject& object) const {
+    const Reading reading(*pager_);
     if (!object.isTable())
         throw Error(ErrorNumber::ItemNotFound, ToUtf8(object.name));
     return Table(*pager_, static_cast<PageNumber>(object.id), object.name, properties(object));
 }
 
 PropertyBlob Catalog::properties(const CatalogObject& object) const {
+    const Reading reading(*pager_);
     const SystemTable system(*pager_, ObjectsPage);
     RowView row;
     if (!system.table.fetch(object.row, row))
