@@ -52,14 +52,14 @@ bool sameName(QStringView a, QStringView b) {
 }
 
 // Only characters of code page 1252.
-QString narrowed(QString text) {
+QString narrowed(const QString& text) {
     const bool plain = std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x80; });
     return plain ? text : FromCodePage(ToCodePage(text));
 }
 
 QString writable(QString text) {
     text.removeIf([](QChar c) { return isLineBreak(c) || c.isNull(); });
-    return narrowed(std::move(text));
+    return narrowed(text);
 }
 
 // A name as the operations take it.

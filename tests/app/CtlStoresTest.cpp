@@ -1,6 +1,8 @@
 // The stores from a shell: ini files, registry, settings, status, carts. What a script gets, and what stays.
 #include "RunCtl.h"
 
+#include "audio/CartRecord.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -145,12 +147,45 @@ TEST_F(Ctl, TellsWhatIsNotConfiguredAndWhereTheAudiowallLies) {
     EXPECT_EQ(run({"carts", "locations"}).status, 0);
     EXPECT_EQ(run({"carts", "show", "12345678"}).status, 2);
     EXPECT_EQ(run({"carts", "list", "5-2"}).status, 2);
-    const Result empty = run({"--json", "carts", "show", "17"});
-    EXPECT_EQ(empty.status, 1);
-    EXPECT_EQ(empty.json()["empty"], true);
-    EXPECT_EQ(empty.json()["number"].toInt(), 17);
-    EXPECT_EQ(run({"carts", "list", "1-20"}).status, 1);
+}
+
+TEST_F(Ctl, ReadsCartsAndMakesNoList) {
+    write(onC("WINDOWS/TOLVEX.INI"), "[FileLocations]\r\nCarts1=C:\\CARTS\r\nCarts2=C:\\CARTS\r\n");
+    QDir().mkpath(onC("CARTS"));
+    EXPECT_EQ(run({"carts", "show", "17"}).status, 3);
+    EXPECT_EQ(run({"carts", "list"}).status, 3);
+    EXPECT_TRUE(QDir(onC("CARTS")).isEmpty()) << "a command that reads makes nothing";
+
+    tolvex::CartRecord cart = tolvex::MakeEmptyCartRecord(0, 0);
+    cart.Line1 = "Jingle";
+    cart.Line2 = QString::fromUtf8("Café €");
+    cart.Length = 12.3F;
+    cart.TotalLength = 12.5F;
+    cart.BackColor = 255;
+    const auto empty = tolvex::EncodeCartRecord(tolvex::MakeEmptyCartRecord(0, 0));
+    QByteArray list;
+    for (int number = 1; number <= 1000; ++number) {
+        const auto bytes = number == 17 ? tolvex::EncodeCartRecord(cart) : empty;
+        list.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    }
+    write(onC("CARTS/Carts1.lst"), list);
+    const Result shown = run({"--json", "carts", "show", "17"});
+    EXPECT_EQ(shown.status, 0);
+    EXPECT_EQ(shown.json()["line2"], QString::fromUtf8("Café €"));
+    EXPECT_EQ(shown.json()["length"].toDouble(), 12.3);
+    EXPECT_EQ(shown.json()["backColor"].toInt(), 255);
+    EXPECT_EQ(shown.json()["status"].toInt(), 0);
+    const QJsonArray all = run({"--json", "--quiet", "carts", "list"}).json().array();
+    ASSERT_EQ(all.size(), 1);
+    EXPECT_EQ(all[0], shown.json().object());
+    EXPECT_TRUE(run({"carts", "list", "17"}).out.contains("Jingle"));
+    EXPECT_EQ(run({"carts", "list", "18-20"}).status, 1);
+    const Result other = run({"--json", "carts", "show", "18"});
+    EXPECT_EQ(other.status, 1);
+    EXPECT_EQ(other.json()["empty"], true);
+    EXPECT_EQ(run({"carts", "show", "1017"}).status, 3);
     EXPECT_EQ(run({"carts", "backup"}).status, 0);
+    EXPECT_EQ(QDir(onC("CARTS/Backups")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
 }
 
 TEST_F(Ctl, ListsWaveDevicesOrSaysThatThereAreNone) {

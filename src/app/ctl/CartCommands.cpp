@@ -4,7 +4,7 @@
 #include "audio/CartBackup.h"
 #include "audio/CartStore.h"
 #include "console/CheckConfiguration.h"
-#include "core/TimeText.h"
+#include "core/Folders.h"
 
 #include <cmath>
 
@@ -47,6 +47,14 @@ std::optional<qint32> cartNumber(const QString& text) {
     return good && number >= 1 && number <= HighestCart ? std::optional(number) : std::nullopt;
 }
 
+// Opens the list of a part; one that is not there is not made, since these commands only read.
+bool openExisting(int part) {
+    const CartPart& entry = settings().CartPartTable[part];
+    const QString list = entry.Location + QStringLiteral("\\Carts%1.lst").arg(part);
+    return !entry.Location.trimmed().isEmpty() && FileLength(list) >= 0 && OpenCartParts(part, true) == 0 &&
+           entry.IsOpen;
+}
+
 int locations(Call& call) {
     if (!LoadWorkstation())
         return call.fail(noIni);
@@ -86,16 +94,28 @@ int list(Call& call) {
     }
     if (!LoadWorkstation())
         return call.fail(noIni);
-    if (OpenCartParts(0, true) != 0)
+    QJsonArray records;
+    last = std::min(last, settings().NoCarts);
+    bool anyList = false;
+    for (int part = PartOfCart(first); first <= last && part <= PartOfCart(last); ++part) {
+        if (!openExisting(part)) {
+            call.output.note(QStringLiteral("Part %1 of the AudioWall has no list: %2")
+                                 .arg(part)
+                                 .arg(settings().CartPartTable[part].Location));
+            continue;
+        }
+        anyList = true;
+        const qint32 end = part == CartPartCount ? last : std::min(last, part * CartsInPart);
+        for (qint32 number = std::max(first, (part - 1) * CartsInPart + 1); number <= end; ++number) {
+            qint16 status = 0;
+            const CartRecord cart = ReadCart(number, &status);
+            if (!cart.isEmpty())
+                records += recordOf(number, cart, status);
+        }
+    }
+    if (!anyList && first <= last)
         return call.fail(QStringLiteral(
             "No cart list could be opened; \"tolvexctl carts locations\" tells which folders are missing."));
-    QJsonArray records;
-    for (qint32 number = first; number <= std::min(last, settings().NoCarts); ++number) {
-        qint16 status = 0;
-        const CartRecord cart = ReadCart(number, &status);
-        if (!cart.isEmpty())
-            records += recordOf(number, cart, status);
-    }
     if (records.isEmpty() && !call.output.json())
         return call.no(QStringLiteral("There is no cart in that range."));
     call.output.records(records, {{"number", "Cart", true},
@@ -114,9 +134,9 @@ int show(Call& call) {
                               .arg(call.argument(0)));
     if (!LoadWorkstation())
         return call.fail(noIni);
-    OpenCartParts(0, true);
-    qint16 status = 0;
-    const CartRecord cart = ReadCart(*number, &status);
+    const bool there = *number <= settings().NoCarts && openExisting(PartOfCart(*number));
+    qint16 status = -1;
+    const CartRecord cart = there ? ReadCart(*number, &status) : CartRecord();
     if (status != 0)
         return call.fail(
             QStringLiteral("Cart %1 could not be read: its number is above %2, or its list is not there.")
