@@ -66,13 +66,14 @@ TEST_F(ProfileFile, AnswersAndLeavesFilesAsThePlatformDoes) {
     ASSERT_TRUE(fixture.open(QIODevice::ReadOnly));
     const QJsonArray cases = QJsonDocument::fromJson(fixture.readAll()).array();
     ASSERT_GT(cases.size(), 100);
-    for (const QJsonValue& entry : cases) {
+    for (const auto& entry : cases) {
         const QJsonObject row = entry.toObject();
         SCOPED_TRACE(row["name"].toString().toStdString());
         ::unlink(HostName(HostPath(ini)).constData());
         if (!row["file"].isNull())
             store(row["file"].toString().toLatin1());
-        for (const QJsonValue& value : row["steps"].toArray()) {
+        const QJsonArray steps = row["steps"].toArray();
+        for (const auto& value : steps) {
             const QJsonArray step = value.toArray();
             const QString what = step[0].toString();
             const QString section = textOf(step[1]);

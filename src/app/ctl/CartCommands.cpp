@@ -99,9 +99,9 @@ int list(Call& call) {
     bool anyList = false;
     for (int part = PartOfCart(first); first <= last && part <= PartOfCart(last); ++part) {
         if (!openExisting(part)) {
-            call.output.note(QStringLiteral("Part %1 of the AudioWall has no list: %2")
-                                 .arg(part)
-                                 .arg(settings().CartPartTable[part].Location));
+            if (const QString& folder = settings().CartPartTable[part].Location; !folder.isEmpty())
+                call.output.note(
+                    QStringLiteral("Part %1 of the AudioWall has no list in %2.").arg(part).arg(folder));
             continue;
         }
         anyList = true;

@@ -65,7 +65,8 @@ struct Call {
 QString FileArgument(const QString& given);
 
 // Loads the settings of this workstation and of its station into settings(), as the windows have them.
-// Nothing is made or changed. False when no local ini file was chosen.
+// Nothing is made or changed but what every load keeps up to date (the version in Audwall.ini). False when no
+// local ini file was chosen.
 bool LoadWorkstation();
 
 } // namespace tolvex::ctl

@@ -17,7 +17,8 @@ void print(const QByteArray& bytes) {
 QString cellText(const QJsonValue& value) {
     if (value.isArray()) {
         QStringList parts;
-        for (const QJsonValue& part : value.toArray())
+        const QJsonArray array = value.toArray();
+        for (const auto& part : array)
             parts += cellText(part);
         return parts.join(QLatin1String(", "));
     }
@@ -46,7 +47,7 @@ void Output::records(const QJsonArray& records, const Columns& columns) {
     std::vector<QStringList> rows(1);
     for (const Column& column : columns)
         rows[0] += QLatin1String(column.heading);
-    for (const QJsonValue& value : records) {
+    for (const auto& value : records) {
         const QJsonObject record = value.toObject();
         QStringList row;
         for (const Column& column : columns)
