@@ -178,9 +178,11 @@ bool Catalog::hasSibling(std::int32_t parent, std::u16string_view name, std::int
 }
 
 void Catalog::rename(const CatalogObject& object, std::u16string_view name) {
+    Changing change(*pager_, Changing::Undoable);
     if (hasSibling(object.parent, name, object.id))
         throw Error(ErrorNumber::TableExists, ToUtf8(name));
     updateObject(object, {{Name, std::u16string(name)}});
+    change.commit();
 }
 
 void Catalog::touch(const CatalogObject& object) {
@@ -189,6 +191,7 @@ void Catalog::touch(const CatalogObject& object) {
 
 void Catalog::addTable(PageNumber definition, std::u16string_view name, const PropertyBlob& properties,
                        std::uint32_t flags) {
+    Changing change(*pager_, Changing::Undoable);
     if (hasSibling(TablesContainer, name, 0))
         throw Error(ErrorNumber::TableExists, ToUtf8(name));
     const std::vector<CatalogObject> all = objects();
@@ -226,9 +229,11 @@ void Catalog::addTable(PageNumber definition, std::u16string_view name, const Pr
                             {SecurityId, who == creator ? administrator : who},
                             {AccessMask, what},
                             {Inheritable, false}});
+    change.commit();
 }
 
 void Catalog::remove(const CatalogObject& object) {
+    Changing change(*pager_, Changing::Undoable);
     SystemTable permissions(*pager_, PermissionsPage);
     const int id = permissions.column(ObjectId);
     RowPointer at;
@@ -236,9 +241,11 @@ void Catalog::remove(const CatalogObject& object) {
         if (permissions.get<std::int32_t>(row, id) == object.id)
             permissions.table.remove(at);
     Table(*pager_, ObjectsPage).remove(object.row);
+    change.commit();
 }
 
 std::vector<Catalog::RelationshipColumn> Catalog::relationships() const {
+    const Reading reading(*pager_);
     const SystemTable system(*pager_, RelationshipsPage);
     const int name = system.column(Relationship), table = system.column(ReferencingTable),
               column = system.column(ReferencingColumn), referencedTable = system.column(ReferencedTable),
@@ -253,6 +260,7 @@ std::vector<Catalog::RelationshipColumn> Catalog::relationships() const {
 }
 
 void Catalog::renameInRelationships(std::u16string_view table, std::u16string_view name) {
+    Changing change(*pager_, Changing::Undoable);
     SystemTable system(*pager_, RelationshipsPage);
     const Value changed = std::u16string(name);
     for (const RelationshipColumn& pair : relationships()) {
@@ -261,10 +269,12 @@ void Catalog::renameInRelationships(std::u16string_view table, std::u16string_vi
         if (SameName(pair.referencedTable, table))
             system.table.update(pair.row, std::array{FieldChange{system.column(ReferencedTable), changed}});
     }
+    change.commit();
 }
 
 void Catalog::renameInRelationships(std::u16string_view table, std::u16string_view column,
                                     std::u16string_view name) {
+    Changing change(*pager_, Changing::Undoable);
     SystemTable system(*pager_, RelationshipsPage);
     const Value changed = std::u16string(name);
     for (const RelationshipColumn& pair : relationships()) {
@@ -273,6 +283,7 @@ void Catalog::renameInRelationships(std::u16string_view table, std::u16string_vi
         if (SameName(pair.referencedTable, table) && SameName(pair.referencedColumn, column))
             system.table.update(pair.row, std::array{FieldChange{system.column(ReferencedColumn), changed}});
     }
+    change.commit();
 }
 
 } // namespace jet

@@ -231,10 +231,24 @@ RowEncoder::RowEncoder(const TableDefinition& definition)
     for (std::size_t i = 0; i < definition.columns.size(); ++i) {
         const Column& column = definition.columns[i];
         columns_ = std::max<std::size_t>(columns_, column.number + 1u);
-        if (!column.isFixed())
-            variable_[column.variableIndex] = static_cast<int>(i);
-        else if (column.type != ColumnType::Boolean)
-            fixed_.push_back(static_cast<int>(i));
+        if (column.isFixed()) {
+            if (column.type != ColumnType::Boolean)
+                fixed_.push_back(static_cast<int>(i));
+            continue;
+        }
+        if (variable_[column.variableIndex] >= 0)
+            Damaged(definition.page, "two columns have one place in the row");
+        variable_[column.variableIndex] = static_cast<int>(i);
+    }
+    std::sort(fixed_.begin(), fixed_.end(), [&](int a, int b) {
+        return definition.columns[static_cast<std::size_t>(a)].fixedOffset <
+               definition.columns[static_cast<std::size_t>(b)].fixedOffset;
+    });
+    for (std::size_t i = 1; i < fixed_.size(); ++i) {
+        const Column& before = definition.columns[static_cast<std::size_t>(fixed_[i - 1])];
+        if (before.fixedOffset + before.size >
+            definition.columns[static_cast<std::size_t>(fixed_[i])].fixedOffset)
+            Damaged(definition.page, "two columns have one place in the row");
     }
 }
 

@@ -64,7 +64,7 @@ public:
     // Appends the stored form of a Memo or OLE value to the row.
     using PutLongValue = std::function<void(int column, const Value& value, Bytes& into)>;
 
-    // The definition must live as long as the encoder.
+    // The definition must live as long as the encoder. Throws ReadVerification if columns overlap.
     explicit RowEncoder(const TableDefinition& definition);
     // Builds a row from one field for each column of the definition. `into` is replaced and its memory used
     // again. Throws FieldTooSmall, DataTypeMismatch or RecordTooLarge.

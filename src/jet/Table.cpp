@@ -140,15 +140,16 @@ IndexTree Table::index(int realIndex) const {
 }
 
 void Table::checkWritable() const {
-    for (const RealIndex& index : definition_->realIndexes)
-        for (const IndexColumn& part : index.columns) {
-            const Column& column =
-                definition_->columns[static_cast<std::size_t>(definition_->findColumnNumber(part.number))];
+    for (const RealIndex& index : definition_->realIndexes) {
+        const KeyEncoder encoder(*definition_, index); // throws if it names a column that is not there
+        for (const KeyEncoder::Part& part : encoder.parts()) {
+            const Column& column = definition_->columns[static_cast<std::size_t>(part.column)];
             if (!IsOrderKnown(column))
                 throw Error(ErrorNumber::CannotUpdateReadOnly,
                             "table '" + ToUtf8(name_) + "' has an index on '" + ToUtf8(column.name) +
                                 "' in an order that is not known here");
         }
+    }
 }
 
 TableWriter& Table::writer() {

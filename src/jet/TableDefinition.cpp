@@ -1,5 +1,6 @@
 #include "jet/TableDefinition.h"
 
+#include "jet/Collation.h"
 #include "jet/Damage.h"
 
 #include <algorithm>
@@ -198,13 +199,6 @@ void checkColumns(const TableDefinition& definition) {
 }
 
 void checkIndexes(const TableDefinition& definition) {
-    for (const RealIndex& index : definition.realIndexes) {
-        if (index.columns.empty())
-            Damaged(definition.page, "an index has no columns");
-        for (const IndexColumn& column : index.columns)
-            if (definition.findColumnNumber(column.number) < 0)
-                Damaged(definition.page, "an index uses a column that is not there");
-    }
     for (const LogicalIndex& index : definition.logicalIndexes)
         if (index.real >= definition.realIndexes.size())
             Damaged(definition.page, "index '" + ToUtf8(index.name) + "' has no tree");
@@ -218,6 +212,10 @@ const std::uint8_t* readDefinitionPage(Pager& pager, PageNumber page) {
 }
 
 } // namespace
+
+bool SameName(std::u16string_view a, std::u16string_view b) {
+    return a == b || SameText(a, b);
+}
 
 int StoredSize(ColumnType type) {
     switch (type) {
@@ -457,13 +455,13 @@ void TableCounters::setLastAutonumber(Pager& pager, PageNumber page, std::uint32
     Store32(pager.edit(page) + AutonumberField, value);
 }
 
-void TableCounters::addDistinctKey(Pager& pager, PageNumber page, int realIndex) {
+void TableCounters::addDistinctKeys(Pager& pager, PageNumber page, int realIndex, std::uint32_t count) {
     const std::uint32_t at =
         CountersField + CounterLength * static_cast<std::uint32_t>(realIndex) + DistinctField;
     if (at + 4 > PageSize)
         return;
     std::uint8_t* field = pager.edit(page) + at;
-    Store32(field, Load32(field) + 1);
+    Store32(field, Load32(field) + count);
 }
 
 } // namespace jet

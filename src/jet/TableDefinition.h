@@ -137,8 +137,8 @@ int StoredSize(ColumnType type);
 // not count.
 bool SameName(std::u16string_view a, std::u16string_view b);
 
-// Reads the definition that begins on `page`, over as many pages as it has, and checks that it is sound:
-// counts, lengths, column numbers, offsets and index columns. Throws ReadVerification if it is not.
+// Reads the definition that begins on `page`, over as many pages as it has, and checks what reading rows relies
+// on: counts, lengths, column numbers and offsets. Throws ReadVerification if it is not sound.
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
 
 // The pages that a definition lies on, the first one included.
@@ -159,7 +159,7 @@ struct TableCounters {
     // Adds to the number of rows.
     static void addRows(Pager& pager, PageNumber page, int count);
     static void setLastAutonumber(Pager& pager, PageNumber page, std::uint32_t value);
-    static void addDistinctKey(Pager& pager, PageNumber page, int realIndex);
+    static void addDistinctKeys(Pager& pager, PageNumber page, int realIndex, std::uint32_t count);
 };
 
 } // namespace jet

@@ -13,6 +13,8 @@ namespace jet {
 namespace {
 
 constexpr std::size_t PointerLength = 4;
+constexpr std::uint32_t CountedExactly = 1024;
+constexpr std::uint32_t SampleEvery = 16;
 // The parts of a definition page that a change of design alters: the definition's length, and its head from
 // behind the counters up to the maps.
 constexpr std::size_t LengthField = 0x08;
@@ -69,19 +71,37 @@ void TableWriter::checkRule(std::size_t column, const Value& value) const {
         throw Error(ErrorNumber::ZeroLengthNotAllowed, ToUtf8(definition_.columns[column].name));
 }
 
+// The number of distinct keys in an index is there for whoever plans queries. In a large table one row in
+// SampleEvery is looked at and stands for all of them, unless the index must be searched anyway.
+void TableWriter::chooseSample() {
+    const std::uint32_t rows = TableCounters::rowCount(pager_, definition_.page);
+    sample_ = rows < CountedExactly ? 1 : rows % SampleEvery == 0 ? SampleEvery : 0;
+}
+
+void TableWriter::countKeys(std::size_t index) {
+    if (indexes_[index].newKeys > 0)
+        TableCounters::addDistinctKeys(pager_, definition_.page, static_cast<int>(index),
+                                       indexes_[index].newKeys);
+}
+
 // Makes the key of a row, and refuses a null or a duplicate where the index does not take it.
 void TableWriter::prepareKey(Index& index, std::span<const Value> values) {
     const RealIndex& real = *index.definition;
     const KeyKind kind = index.encoder.encodeRow(values, index.key);
     index.present = !(real.ignoresNulls() && kind == KeyKind::AllNull);
-    index.isNew = false;
+    index.newKeys = 0;
     if (real.isRequired() && kind != KeyKind::Plain)
         throw Error(ErrorNumber::NullNotAllowed);
     if (!index.present || (index.oldPresent && index.key == index.oldKey))
         return;
-    index.isNew = !index.tree.contains(index.key);
-    if (!index.isNew && real.isUnique() && kind != KeyKind::AllNull)
+    const bool mustDiffer = real.isUnique() && kind != KeyKind::AllNull;
+    if (!mustDiffer && sample_ == 0)
+        return;
+    const bool isNew = !index.tree.contains(index.key);
+    if (!isNew && mustDiffer)
         throw Error(ErrorNumber::DuplicateKey);
+    if (isNew)
+        index.newKeys = mustDiffer ? 1 : sample_;
 }
 
 // Builds the row; long values that do not stay in it have an empty definition for now.
@@ -147,6 +167,7 @@ void TableWriter::prepareInsert(std::span<Value> values) {
         checkRule(i, values[i]);
         fields_.push_back({&values[i], nullptr});
     }
+    chooseSample();
     for (Index& index : indexes_) {
         index.oldPresent = false;
         prepareKey(index, values);
@@ -161,8 +182,7 @@ RowPointer TableWriter::insert() {
         if (!indexes_[i].present)
             continue;
         indexes_[i].tree.insert(indexes_[i].key, at);
-        if (indexes_[i].isNew)
-            TableCounters::addDistinctKey(pager_, definition_.page, static_cast<int>(i));
+        countKeys(i);
     }
     TableCounters::addRows(pager_, definition_.page, 1);
     if (newAutonumber_ != 0)
@@ -195,11 +215,12 @@ void TableWriter::prepareUpdate(const RowView& row, std::span<const FieldChange>
         checkRule(column, changed_.back());
         fields_[column] = {&changed_.back(), nullptr};
     }
+    chooseSample();
     const auto newValue = [&](const KeyEncoder::Part& part) {
         return fields_[static_cast<std::size_t>(part.column)].value;
     };
     for (Index& index : indexes_) {
-        index.present = index.oldPresent = index.isNew = false;
+        index.present = index.oldPresent = false;
         const auto parts = index.encoder.parts();
         if (std::none_of(parts.begin(), parts.end(), newValue))
             continue;
@@ -228,8 +249,7 @@ void TableWriter::update(RowPointer at) {
             Damaged(index.tree.root(), "an index lacks the entry of a row");
         if (index.present)
             index.tree.insert(index.key, at);
-        if (index.isNew)
-            TableCounters::addDistinctKey(pager_, definition_.page, static_cast<int>(i));
+        countKeys(i);
     }
 }
 

@@ -33,7 +33,7 @@ private:
         Bytes oldKey;
         bool present = false; // the row has an entry
         bool oldPresent = false;
-        bool isNew = false; // no other row has this key
+        std::uint32_t newKeys = 0; // what the row adds to the number of distinct keys
     };
     // A long value of the row being built that goes to pages of its own.
     struct Apart {
@@ -49,6 +49,8 @@ private:
     RowPointer movedTo(RowPointer at);
     void checkRule(std::size_t column, const Value& value) const;
     void prepareKey(Index& index, std::span<const Value> values);
+    void chooseSample();
+    void countKeys(std::size_t index);
     void buildRow();
     void encode(bool allApart);
     void storeApart();
@@ -70,6 +72,7 @@ private:
     Bytes oldRow_;
     RowView old_;                     // of oldRow_
     std::uint32_t newAutonumber_ = 0; // 0: none
+    std::uint32_t sample_ = 1;        // for how many rows this one stands
     std::vector<RowEncoder::Field> fields_;
     std::vector<Value> values_;
     std::vector<Value> changed_;
