@@ -73,13 +73,14 @@ void RegistryDocument::index() {
         if (line.trimmed().startsWith(u'[')) {
             const QString path = ParseRegistryHeader(line);
             // "[-path]" asks an import to remove; no key of a store begins like that.
-            key = path.isEmpty() || path.startsWith(u'-') ? nullptr : &keys_[folded(path)];
+            key = path.isEmpty() || path.startsWith(u'-') || !fitsOnALine(path) ? nullptr
+                                                                                : &keys_[folded(path)];
             firstBlock = key && key->path.isEmpty();
             if (firstBlock)
                 *key = {path, number + 1, {}};
         } else if (key) {
             const std::optional<RegistryLine> parsed = ParseRegistryLine(line, ansi_);
-            if (!parsed)
+            if (!parsed || !fitsOnALine(parsed->name))
                 continue;
             if (firstBlock)
                 key->end = number + 1;

@@ -54,6 +54,24 @@ TEST_F(Ctl, SaysWhyAFileCannotBeWritten) {
     }
 }
 
+// The suite's own writers are silent about a full disk; a script must learn of it.
+TEST_F(Ctl, AFullDiskIsAFailureAndLosesNothing) {
+    const QString host = folder_.filePath("x.ini");
+    write(host, "[s]\r\nk=1\r\n");
+    EXPECT_EQ(run({"registry", "set", "Software\\X", "n", "1"}).status, 0);
+    for (const QString& command :
+         {QString("profile set ./x.ini s k 2"), QString("registry set 'Software\\X' n 2"),
+          QString("settings set Display ShowClock 0"), QString("settings export ./all.json")}) {
+        const Result result = shell("trap '' XFSZ; ulimit -f 0; $ctl " + command);
+        EXPECT_EQ(result.status, 3) << command.toStdString();
+        EXPECT_FALSE(result.err.isEmpty());
+    }
+    EXPECT_EQ(read(host), "[s]\r\nk=1\r\n");
+    EXPECT_EQ(run({"registry", "get", "Software\\X", "n"}).out, "1\n");
+    EXPECT_FALSE(QFile::exists(folder_.filePath("all.json")));
+    EXPECT_EQ(shell("$ctl settings list > /dev/full").status, 3);
+}
+
 TEST_F(Ctl, ChangesRegistryValuesAndKeepsTheRest) {
     EXPECT_EQ(
         run({"registry", "set", "HKLM\\Software\\Norvane\\Tolvex", "MultiConfigFile", "1", "--dword"}).status,

@@ -21,6 +21,13 @@ protected:
 
     // `input`: standard input, which is no terminal.
     Result run(const QStringList& words, const QByteArray& input = {}) const {
+        return start(QStringLiteral(TOLVEX_BIN_DIR "/tolvexctl"), words, input);
+    }
+    // A line of shell, in which $ctl is the program.
+    Result shell(const QString& line) const {
+        return start(QStringLiteral("bash"), {"-c", "ctl='" TOLVEX_BIN_DIR "/tolvexctl'; " + line});
+    }
+    Result start(const QString& program, const QStringList& words, const QByteArray& input = {}) const {
         QProcess process;
         process.setWorkingDirectory(folder_.path());
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -28,7 +35,7 @@ protected:
         environment.insert("LC_ALL", "C.UTF-8");
         environment.remove("ALSA_CONFIG_PATH");
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(TOLVEX_BIN_DIR "/tolvexctl"), words);
+        process.start(program, words);
         process.write(input);
         process.closeWriteChannel();
         EXPECT_TRUE(process.waitForFinished(60000)) << "tolvexctl hangs";
