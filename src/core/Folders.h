@@ -24,8 +24,8 @@ qint64 FileLength(const QString& path);
 QString BrowseForFolder(const QString& prompt, const QString& start);
 
 // A free file name in `folder` (the temporary folder when empty): up to three characters of `prefix`,
-// upper-cased without blanks, a number of four digits, the extension (TMP when empty). No file of that name is
-// there. Empty, after a stop box, when none can be made in that folder.
+// upper-cased without blanks, a number of four digits, the extension (TMP when empty). No file of that name
+// is there. Empty, after a stop box, when none can be made in that folder.
 QString TempFileName(const QString& folder, const QString& prefix, const QString& extension = {});
 
 // Makes the folders of a data location that are missing: USERS, SCHEDULE, Logs, Commands, Scripts. Nothing

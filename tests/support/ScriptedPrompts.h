@@ -145,9 +145,10 @@ private:
             ADD_FAILURE() << "Asked beyond the script: " << what.toStdString();
             return fallback;
         }
-        Value value = script.front();
+        const Value value = script.front();
         script.pop_front();
-        return value;
+        return value; // NOLINT(performance-no-automatic-move): the copy is small, and const keeps a false
+                      // alarm away
     }
 
     platform::Prompts* before_;

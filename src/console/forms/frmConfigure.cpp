@@ -18,15 +18,13 @@
 #include "core/Programs.h"
 #include "core/Registry.h"
 #include "core/SaveLocalSettings.h"
-#include "core/Settings.h"
+#include "core/SettingsLoader.h"
 #include "dialogs/OpenForms.h"
 #include "dialogs/Style.h"
 #include "dialogs/frmHelp.h"
 #include "network/TerminalList.h"
 #include "platform/Paths.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
-#include "platform/RegistryStore.h"
 #include "ui_frmConfigure.h"
 
 #include <QCloseEvent>
@@ -37,7 +35,6 @@ namespace tolvex {
 
 namespace {
 
-const QString OptionsKey = QStringLiteral("SOFTWARE\\Norvane\\Tolvex");
 const QString MultiConfigFile = QStringLiteral("MultiConfigFile");
 const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
 
@@ -120,10 +117,9 @@ bool frmConfigure::canStart(const ConsoleJob& job) const {
 bool frmConfigure::load(bool firstInstance) {
     if (!CheckDataEngine(true) || !firstInstance)
         return false;
-    ui_->mnuAllowMulti->setChecked(
-        ReadRegistryLong(platform::LocalMachineHive, OptionsKey, MultiConfigFile, 0) != 0);
+    ui_->mnuAllowMulti->setChecked(ReadRegistryLong(LocalMachineHive, TolvexKey, MultiConfigFile, 0) != 0);
     ui_->mnuInhibitUserHistory->setChecked(
-        ReadRegistryLong(platform::LocalMachineHive, OptionsKey, InhibitUserHistory, 0) != 0);
+        ReadRegistryLong(LocalMachineHive, TolvexKey, InhibitUserHistory, 0) != 0);
     platform::prompts().splash(QStringLiteral("Starting Tolvex Configuration"));
     // From here on the closing saves what was loaded; after a cancelled choice of the set there is nothing to
     // save.
@@ -137,13 +133,11 @@ bool frmConfigure::load(bool firstInstance) {
         return false;
 
     Settings& s = settings();
-    s.ConfigName = platform::ProfileText(QStringLiteral("General"), QStringLiteral("ConfigName"), QString(),
-                                         s.LocalIniFile)
-                       .trimmed();
+    LoadRows(ConfigNameRows, {s.LocalIniFile});
+    s.ConfigName = s.ConfigName.trimmed();
     status_->setText(s.ConfigName + QStringLiteral(" (") + s.LocalIniFile + QStringLiteral(")"));
     LoadAllSettings();
     LoadAutomationControlSettings(s.LocalIniFile);
-    s.UsersFolder = s.DataLocation + QStringLiteral("\\USERS\\");
     platform::prompts().hideSplash();
     UpdateEnabledButtons();
     ui_->tbsConfig->setCurrentIndex(0);
@@ -361,7 +355,7 @@ void frmConfigure::exitCheck() {
 
 void frmConfigure::toggleOption(QAction* action, const QString& value) {
     // The click has inverted the mark already.
-    WriteRegistryLong(platform::LocalMachineHive, OptionsKey, value, action->isChecked() ? -1 : 0, 0);
+    WriteRegistryLong(LocalMachineHive, TolvexKey, value, action->isChecked() ? -1 : 0, 0);
 }
 
 void frmConfigure::about() {

@@ -1,0 +1,124 @@
+// The window program's prompts: real boxes and choosers, answered by mouse and keyboard.
+#include "app/window/QtPrompts.h"
+#include "app/window/ProgressBox.h"
+#include "console/forms/Station.h"
+#include "console/forms/frmSplash.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QTextEdit>
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+using platform::Answer;
+using platform::Buttons;
+
+namespace {
+
+struct Window : Station {
+    Window() { platform::setPrompts(&qt); }
+    ~Window() { platform::setPrompts(nullptr); }
+    QtPrompts qt;
+};
+
+Answer askPressing(QtPrompts& prompts, const platform::Message& message, Qt::Key key) {
+    withNextForm([key](QWidget& box) { QTest::keyClick(&box, key); });
+    return prompts.ask(message);
+}
+
+} // namespace
+
+TEST(QtPrompts, AnswersByDefaultButtonEscapeAndMouse) {
+    Window window;
+    const platform::Message question{QString("Text & more"), platform::Icon::Question, Buttons::YesNo,
+                                     Answer::No};
+    EXPECT_EQ(askPressing(window.qt, question, Qt::Key_Return), Answer::No);
+    EXPECT_EQ(askPressing(window.qt, question, Qt::Key_Escape), Answer::No);
+    withNextForm([](QWidget& form) {
+        auto* box = qobject_cast<QMessageBox*>(&form);
+        EXPECT_EQ(box->text(), "Text & more");
+        EXPECT_EQ(box->windowTitle(), "Tolvex Configuration");
+        QTest::mouseClick(box->button(QMessageBox::Yes), Qt::LeftButton);
+    });
+    EXPECT_EQ(window.qt.ask(question), Answer::Yes);
+    const platform::Message three{QString("?"), platform::Icon::Exclamation, Buttons::YesNoCancel};
+    EXPECT_EQ(askPressing(window.qt, three, Qt::Key_Escape), Answer::Cancel);
+    EXPECT_EQ(askPressing(window.qt, three, Qt::Key_Return), Answer::Yes);
+}
+
+TEST(QtPrompts, PicksFilesAndFoldersAsWindowsPaths) {
+    Window window;
+    window.machine.write("C:\\SOUND\\a.exe", "x");
+    window.machine.addDrive(u'M');
+    platform::FileQuestion question;
+    question.title = "Select";
+    question.filter = "Programs|*.EXE;*.COM";
+    question.folder = "C:\\SOUND";
+    withNextForm([](QWidget& chooser) {
+        find<QLineEdit>(chooser, "fileNameEdit")->setText("a.exe");
+        QTest::keyClick(find<QLineEdit>(chooser, "fileNameEdit"), Qt::Key_Return);
+    });
+    EXPECT_EQ(window.qt.pickFile(question), QString("C:\\SOUND\\a.exe"));
+    withNextForm([](QWidget& chooser) { QTest::keyClick(&chooser, Qt::Key_Escape); });
+    EXPECT_EQ(window.qt.pickFile(question), std::nullopt);
+    withNextForm([&window](QWidget& chooser) {
+        find<QLineEdit>(chooser, "fileNameEdit")->setText(window.machine.host("M:\\"));
+        QTest::keyClick(find<QLineEdit>(chooser, "fileNameEdit"), Qt::Key_Return);
+    });
+    EXPECT_EQ(window.qt.pickFolder("Where", "C:\\"), QString("M:\\"));
+    withNextForm([](QWidget& chooser) { QTest::keyClick(&chooser, Qt::Key_Escape); });
+    EXPECT_EQ(window.qt.pickColour(0x0000FF), std::nullopt);
+}
+
+TEST(QtPrompts, ProgressCanBeStoppedAndTellsWhatIsDone) {
+    Window window;
+    ProgressBox progress("Copying", true, nullptr);
+    EXPECT_TRUE(progress.step(0, 100, "first"));
+    QProgressDialog* box = nullptr;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* found = qobject_cast<QProgressDialog*>(widget))
+            box = found;
+    ASSERT_NE(box, nullptr);
+    QTest::qWait(60);
+    EXPECT_TRUE(progress.step(50, 100, "second"));
+    EXPECT_EQ(box->value(), 500);
+    EXPECT_TRUE(box->labelText().startsWith("second"));
+    box->cancel();
+    EXPECT_FALSE(progress.step(51, 100, "third"));
+}
+
+TEST(QtPrompts, ShowsTheSplashTheNoticeAndTheSets) {
+    Window window;
+    window.qt.splash("Starting");
+    window.qt.splash("Going on");
+    QList<frmSplash*> splashes;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* splash = qobject_cast<frmSplash*>(widget))
+            splashes += splash;
+    ASSERT_EQ(splashes.size(), 1);
+    EXPECT_EQ(find<QLabel>(*splashes[0], "lblCurrentAction")->text(), "Going on");
+    window.qt.hideSplash();
+
+    window.machine.write("C:\\Updates.txt", "news");
+    QTimer::singleShot(50, [] {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == "frmPrintPreview" && widget->isVisible()) {
+                EXPECT_EQ(widget->windowTitle(), "Notice");
+                EXPECT_EQ(find<QTextEdit>(*widget, "rtfFile")->toPlainText(), "news");
+                click(*widget, "cmdDone");
+            }
+    });
+    window.qt.showUpdateNotice("C:\\Updates.txt", "Notice");
+
+    QTimer::singleShot(50, [] {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == "frmMultiConfig" && widget->isVisible())
+                widget->close();
+    });
+    EXPECT_EQ(window.qt.chooseConfigurationSet("SOFTWARE\\Norvane\\Tolvex", "tolvex.ini"), "");
+}

@@ -1,0 +1,84 @@
+// No form cuts its texts off, at the usual text size and at twice that size.
+#include "console/forms/Station.h"
+
+#include "console/forms/FormTable.h"
+#include "console/forms/frmConfigure.h"
+#include "console/forms/frmMultiConfig.h"
+#include "console/forms/frmSplash.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QLabel>
+#include <QRadioButton>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+
+namespace {
+
+// Every visible text has the room that it asks for.
+void expectNothingCut(QWidget& form) {
+    form.resize(form.size().expandedTo(form.sizeHint()).expandedTo(form.minimumSizeHint()));
+    form.show();
+    QCoreApplication::processEvents();
+    QList<QWidget*> texts;
+    for (QLabel* label : form.findChildren<QLabel*>()) {
+        if (!label->wordWrap()) {
+            texts += label;
+        } else if (label->isVisible() && label->parentWidget()->objectName() != "pageGlance") {
+            EXPECT_GE(label->height() + 1, label->heightForWidth(label->width()))
+                << form.objectName().toStdString() << ": " << label->objectName().toStdString();
+        }
+    }
+    for (QAbstractButton* button : form.findChildren<QAbstractButton*>())
+        texts += button;
+    for (const QWidget* text : texts) {
+        const bool scrolled = text->parentWidget()->objectName() == "pageGlance";
+        if (!text->isVisible() || text->objectName().startsWith("Scroll") || scrolled)
+            continue;
+        EXPECT_GE(text->width(), text->minimumSizeHint().width())
+            << form.objectName().toStdString() << ": " << text->objectName().toStdString();
+        // Thirteen rows at twice the size are higher than the screen of this platform: rows give a little
+        // then.
+        const int given = form.sizeHint().height() > form.screen()->size().height() ? 8 : 0;
+        EXPECT_GE(text->height() + given, text->minimumSizeHint().height())
+            << form.objectName().toStdString() << ": " << text->objectName().toStdString();
+    }
+}
+
+class TextSize : public testing::TestWithParam<double> {
+protected:
+    void SetUp() override {
+        before_ = QApplication::font();
+        QFont large = before_;
+        large.setPointSizeF(before_.pointSizeF() * GetParam());
+        QApplication::setFont(large);
+    }
+    void TearDown() override { QApplication::setFont(before_); }
+
+    QFont before_;
+};
+
+} // namespace
+
+TEST_P(TextSize, LeavesEveryTextItsRoom) {
+    Station station(configuredIni());
+    for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup"}) {
+        const std::unique_ptr<QDialog> form(MakeForm(name, nullptr));
+        expectNothingCut(*form);
+    }
+    frmMultiConfig sets("SOFTWARE\\Norvane\\Tolvex", "tolvex.ini");
+    expectNothingCut(sets);
+    frmSplash about;
+    about.becomeAboutBox();
+    expectNothingCut(about);
+    frmConfigure console;
+    console.UpdateEnabledButtons();
+    expectNothingCut(console);
+}
+
+INSTANTIATE_TEST_SUITE_P(Percent, TextSize, testing::Values(1.0, 1.5, 2.0),
+                         [](const auto& size) { return std::to_string(int(size.param * 100)); });
