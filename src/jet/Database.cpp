@@ -2,19 +2,53 @@
 
 #include "jet/CreateDatabase.h"
 #include "jet/Error.h"
+#include "jet/Jet3File.h"
+#include "jet/Jet3Import.h"
 #include "jet/PageFile.h"
+
+#include <optional>
 
 namespace jet {
 
+namespace {
+
+// A file of the older format, whole; nothing if it is none.
+std::optional<Bytes> readOlder(Storage& storage, const std::string& path) {
+    const auto file = storage.open(path, Storage::Open::ReadOnly);
+    Bytes bytes(Jet3File::PageSize3);
+    if (file->read(0, bytes.data(), bytes.size()) < bytes.size() ||
+        DecodePageZero(bytes).version != PageZero::Jet3)
+        return std::nullopt;
+    bytes.resize(file->size());
+    bytes.resize(file->read(0, bytes.data(), bytes.size()));
+    return bytes;
+}
+
+} // namespace
+
 struct Database::Parts {
     std::string path;
-    std::unique_ptr<FilePager> pager;
+    std::unique_ptr<FilePager> file;    // either this
+    std::unique_ptr<MemoryPager> older; // or a copy of a file of the older format, with the rest
+    PageZero olderHeader;
+    std::string olderReason;
+    std::vector<std::string> olderFaults;
     Catalog catalog;
 
-    Parts(Storage& storage, const std::string& file, const OpenOptions& options)
-        : path(file)
-        , pager(std::make_unique<FilePager>(storage, file, options))
-        , catalog(*pager) {}
+    Parts(Storage& storage, const std::string& name, const OpenOptions& options)
+        : path(name)
+        , file(std::make_unique<FilePager>(storage, name, options))
+        , catalog(*file) {}
+
+    Parts(const std::string& name, const PageZero& header, Jet3Import import)
+        : path(name)
+        , older(std::move(import.pager))
+        , olderHeader(header)
+        , olderReason(name + " is of an older version, which is only read")
+        , olderFaults(std::move(import.faults))
+        , catalog(*older) {
+        older->setReadOnly(olderReason);
+    }
 };
 
 Database::Database(std::unique_ptr<Parts> parts)
@@ -28,7 +62,19 @@ Database Database::open(const std::string& path, const OpenOptions& options) {
 }
 
 Database Database::open(Storage& storage, const std::string& path, const OpenOptions& options) {
-    return Database(std::make_unique<Parts>(storage, path, options));
+    try {
+        return Database(std::make_unique<Parts>(storage, path, options));
+    } catch (const Error& error) {
+        if (error.code() != ErrorNumber::Unrecognised)
+            throw;
+        const std::optional<Bytes> older = readOlder(storage, path);
+        if (!older)
+            throw;
+        const PageZero header = DecodePageZero(*older);
+        if (!header.password.empty() && header.password != options.password)
+            throw Error(ErrorNumber::InvalidPassword, path);
+        return Database(std::make_unique<Parts>(path, header, ImportJet3(*older)));
+    }
 }
 
 Database Database::create(const std::string& path, const OpenOptions& options) {
@@ -58,11 +104,11 @@ Catalog& Database::catalog() {
 }
 
 Pager& Database::pager() {
-    return *parts_->pager;
+    return parts_->catalog.pager();
 }
 
 const PageZero& Database::header() const {
-    return parts_->pager->header();
+    return parts_->file ? parts_->file->header() : parts_->olderHeader;
 }
 
 const std::string& Database::path() const {
@@ -70,39 +116,46 @@ const std::string& Database::path() const {
 }
 
 const std::string& Database::readOnlyReason() const {
-    return parts_->pager->readOnlyReason();
+    return parts_->file ? parts_->file->readOnlyReason() : parts_->olderReason;
+}
+
+const std::vector<std::string>& Database::importFaults() const {
+    return parts_->olderFaults;
 }
 
 void Database::beginTransaction() {
-    parts_->pager->beginChange(true);
+    pager().beginChange(true);
 }
 
 void Database::commit() {
     if (transactionDepth() == 0)
         throw Error(ErrorNumber::InvalidArgument, "no transaction is running");
-    parts_->pager->commitChange();
+    pager().commitChange();
 }
 
 void Database::rollback() {
     if (transactionDepth() == 0)
         throw Error(ErrorNumber::InvalidArgument, "no transaction is running");
-    parts_->pager->rollbackChange();
+    pager().rollbackChange();
 }
 
 int Database::transactionDepth() const {
-    return parts_->pager->changeDepth();
+    return parts_->file ? parts_->file->changeDepth() : 0;
 }
 
 void Database::flush() {
-    parts_->pager->flush();
+    if (parts_->file)
+        parts_->file->flush();
 }
 
 void Database::refresh() {
-    parts_->pager->refresh();
+    if (parts_->file)
+        parts_->file->refresh();
 }
 
 void Database::close() {
-    parts_->pager->close();
+    if (parts_->file)
+        parts_->file->close();
 }
 
 Transaction::~Transaction() {

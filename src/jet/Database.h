@@ -8,8 +8,8 @@ namespace jet {
 
 class Database {
 public:
-    // Opens a file (Jet 4, or Jet 3 for reading). Throws FileNotFound, Unrecognised, InvalidPassword,
-    // FileLocked, CannotOpenFile.
+    // Opens a file (Jet 4, or Jet 3 for reading, which is read into memory as a whole). Throws FileNotFound,
+    // Unrecognised, InvalidPassword, FileLocked, CannotOpenFile.
     static Database open(const std::string& path, const OpenOptions& options = {});
     static Database open(Storage& storage, const std::string& path, const OpenOptions& options = {});
     // Makes a new, empty database (General order, code page 1252) and opens it. The file appears whole and
@@ -27,6 +27,8 @@ public:
     const std::string& path() const;
     // Empty: may be changed. Otherwise why not.
     const std::string& readOnlyReason() const;
+    // What of a Jet 3 file could not be read, or not be kept as it was.
+    const std::vector<std::string>& importFaults() const;
 
     // Transactions nest: an inner rollback undoes the inner changes only. Outside of one each call that
     // changes something is a transaction of its own. Others wait while one runs, so keep it short. Throws

@@ -29,13 +29,24 @@ const std::uint8_t* MemoryPager::read(PageNumber page) {
     return pages_[page]->data();
 }
 
+void MemoryPager::checkWritable() const {
+    if (!readOnlyReason_.empty())
+        throw Error(ErrorNumber::CannotUpdateReadOnly, readOnlyReason_);
+}
+
+void MemoryPager::beginChange(bool) {
+    checkWritable();
+}
+
 std::uint8_t* MemoryPager::edit(PageNumber page) {
+    checkWritable();
     if (page >= pages_.size())
         Damaged(page, "lies beyond the end of the file");
     return pages_[page]->data();
 }
 
 PageNumber MemoryPager::allocate() {
+    checkWritable();
     PageNumber page = 0;
     if (mapped_) {
         page = free_.allocate([this] { return append(); });
@@ -50,6 +61,7 @@ PageNumber MemoryPager::allocate() {
 }
 
 void MemoryPager::release(PageNumber page) {
+    checkWritable();
     if (mapped_)
         free_.release(page);
     else

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace jet {
@@ -26,15 +27,21 @@ public:
     void release(PageNumber page) override;
     PageNumber pageCount() override { return static_cast<PageNumber>(pages_.size()); }
 
+    // From now on every change throws CannotUpdateReadOnly with this reason.
+    void setReadOnly(std::string reason) { readOnlyReason_ = std::move(reason); }
+    void beginChange(bool undoable) override;
+
     // All pages, one after the other.
     Bytes image() const;
 
 private:
     using Page = std::array<std::uint8_t, PageSize>;
     PageNumber append();
+    void checkWritable() const;
 
     std::vector<std::unique_ptr<Page>> pages_;
     std::vector<PageNumber> released_;
+    std::string readOnlyReason_;
     bool mapped_ = false; // the image has a map of free pages
     FreeMap free_{*this, {1, 0}};
 };

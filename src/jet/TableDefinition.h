@@ -137,8 +137,8 @@ int StoredSize(ColumnType type);
 // not count.
 bool SameName(std::u16string_view a, std::u16string_view b);
 
-// Reads the definition that begins on `page`, over as many pages as it has, and checks what reading rows relies
-// on: counts, lengths, column numbers and offsets. Throws ReadVerification if it is not sound.
+// Reads the definition that begins on `page`, over as many pages as it has, and checks what reading rows
+// relies on: counts, lengths, column numbers and offsets. Throws ReadVerification if it is not sound.
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
 
 // The pages that a definition lies on, the first one included.
