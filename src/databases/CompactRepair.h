@@ -1,0 +1,16 @@
+// Compacting and repairing a database file. The old file stays beside it under a numbered name.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// Rewrites a file through the engine's compaction, which also saves what can be read of a damaged one, and
+// keeps the old file as "<name>-0001.BAK", or the next number that is free. `fileName` empty: the user picks
+// the file if `withDialog`, starting in `initialFolder`. Unless `silent` the user is asked first, sees the
+// progress, may stop it, and is told of the success. True when the file was rewritten; otherwise nothing was
+// changed. Cost: one pass over the file.
+bool CompactRepairDatabase(const QString& fileName, bool withDialog, const QString& initialFolder,
+                           bool silent);
+
+} // namespace tolvex

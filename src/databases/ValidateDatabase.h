@@ -1,0 +1,16 @@
+// Making sure that a database exists, opens, and says what it is.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// Makes sure that the database exists and has a filled Description table; creates what is missing and changes
+// nothing that is there. `databaseName`: a path (".mdb" is added if absent) or, with an ODBC connect string
+// in `connect`, a name on a server. `silentMode`: nothing is asked of the user. *title: the description of a
+// database that has none; asked for when it is empty, and set to what is stored. A file of no bytes is made
+// anew. Result: 0; -1 when the user declined; else, reported, the number of the error.
+qint16 ValidateDatabase(const QString& databaseName, qint32 type, bool silentMode, QString* title,
+                        const QString& connect = {});
+
+} // namespace tolvex

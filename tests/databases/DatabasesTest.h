@@ -1,0 +1,43 @@
+// A machine with databases on it, and what readers that are not ours make of them.
+#pragma once
+
+#include "databases/DatabaseInformation.h"
+#include "databases/DatabaseKinds.h"
+#include "databases/SuiteDatabase.h"
+#include "databases/ValidateDatabase.h"
+#include "support/MachineFolder.h"
+#include "support/ScriptedPrompts.h"
+
+#include <QProcess>
+
+namespace tolvex::tests {
+
+class DatabasesTest : public testing::Test {
+protected:
+    // Makes a database of a kind with its Description row.
+    void make(const QString& path, qint32 type, QString title = QStringLiteral("A title")) const {
+        ASSERT_EQ(ValidateDatabase(path, type, true, &title), 0) << prompts.texts().join('|').toStdString();
+    }
+
+    // What a program of mdbtools prints about a database, without the line end.
+    QString mdb(const char* program, const QString& path, const QStringList& words = {}) const {
+        QProcess process;
+        process.start(QLatin1String(program), QStringList{machine.host(path)} + words);
+        EXPECT_TRUE(process.waitForFinished()) << program;
+        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+    // Rows of a table without the heading, "|" between them; fractions as mdb-export has them ("2.5999999").
+    std::string rows(const QString& path, const QString& table) const {
+        return mdb("mdb-export", path, {QStringLiteral("-H"), QStringLiteral("-Q"), table})
+            .replace(u'\n', u'|')
+            .toStdString();
+    }
+
+    QStringList texts() const { return prompts.texts(); }
+
+    TestMachine machine;
+    ScriptedPrompts prompts;
+};
+
+} // namespace tolvex::tests
