@@ -1,6 +1,7 @@
 #include "dialogs/frmGoodInputBox.h"
 
 #include "dialogs/Colours.h"
+#include "dialogs/FitForm.h"
 #include "dialogs/Monitors.h"
 #include "dialogs/OpenForms.h"
 #include "platform/Prompts.h"
@@ -182,7 +183,7 @@ void frmGoodInputBox::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(shown_, true))
         return;
-    adjustSize();
+    FitForm(this);
     clsMonitors().CenterFormOnMonitor(this, parentWidget());
     control()->setFocus();
     if (mode_ == Mode::Text)

@@ -6,6 +6,7 @@
 #include "core/Product.h"
 #include "core/Settings.h"
 #include "dialogs/Colours.h"
+#include "dialogs/FitForm.h"
 #include "dialogs/Monitors.h"
 #include "dialogs/frmGoodInputBox.h"
 #include "dialogs/frmPrintPreview.h"
@@ -183,7 +184,7 @@ void QtPrompts::setPointer(platform::Pointer pointer) {
 void QtPrompts::splash(const QString& status) {
     if (!splash_) {
         splash_ = new frmSplash;
-        splash_->adjustSize();
+        FitForm(splash_);
         clsMonitors().CenterFormOnMonitor(splash_);
         splash_->show();
     }

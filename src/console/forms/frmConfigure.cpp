@@ -19,6 +19,7 @@
 #include "core/Registry.h"
 #include "core/SaveLocalSettings.h"
 #include "core/SettingsLoader.h"
+#include "dialogs/FitForm.h"
 #include "dialogs/OpenForms.h"
 #include "dialogs/Style.h"
 #include "dialogs/frmHelp.h"
@@ -233,6 +234,7 @@ void frmConfigure::openForm(const ConsoleJob& job) {
     if (job.hourglass)
         platform::prompts().setPointer(platform::Pointer::Wait);
     const QPointer<QDialog> form = MakeForm(QString::fromLatin1(job.form), this);
+    FitForm(form);
     if (job.opening == JobOpening::Modal) {
         form->exec();
     } else {
