@@ -8,7 +8,7 @@ const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
         for (CommandRows (*subject)() : {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands,
-                                         SetsCommands, CartCommands, AudioCommands}) {
+                                         SetsCommands, CartCommands, AudioCommands, DbCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

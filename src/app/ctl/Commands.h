@@ -14,6 +14,7 @@ CommandRows RegistryCommands();
 CommandRows SetsCommands();
 CommandRows CartCommands();
 CommandRows AudioCommands();
+CommandRows DbCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();

@@ -98,6 +98,10 @@ void Output::line(const QByteArray& text) {
     print("\n");
 }
 
+void Output::piece(std::string_view bytes) {
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+}
+
 void Output::say(const QString& sentence) const {
     std::fflush(stdout);
     const QByteArray text = sentence.toLocal8Bit();

@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <string_view>
 #include <vector>
 
 namespace tolvex::ctl {
@@ -35,6 +36,8 @@ public:
     // A line of text that is no record, as it is. Several JSON documents make no document: only commands that
     // say that they write one document a line use it with --json.
     void line(const QByteArray& text);
+    // Part of a document that is made piece by piece, as it is.
+    void piece(std::string_view bytes);
 
     // A sentence for people on standard error: why a command failed, what the system asks or tells.
     void say(const QString& sentence) const;

@@ -1,0 +1,329 @@
+// Any Jet file: its tables, their design, rows out and in, queries, check and compaction.
+#include "app/ctl/Commands.h"
+
+#include "jet/Check.h"
+#include "jet/Compact.h"
+#include "jet/Database.h"
+#include "jet/Error.h"
+#include "jet/Execute.h"
+#include "jet/PageFile.h"
+#include "jet/TableDesign.h"
+#include "jet/Transfer.h"
+#include "platform/Paths.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <cstdio>
+
+namespace tolvex::ctl {
+
+namespace {
+
+QString hostFile(const Call& call) {
+    return platform::HostPath(FileArgument(call.argument(0)));
+}
+
+std::string pathOf(const QString& hostPath) {
+    return hostPath.toStdString();
+}
+
+QString toQString(std::u16string_view text) {
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Runs what needs the engine; its error becomes the command's.
+template<typename Job>
+int guarded(Call& call, Job job) {
+    try {
+        return job();
+    } catch (const jet::Error& error) {
+        return call.fail(QStringLiteral("%1: %2 (error %3)")
+                             .arg(call.argument(0), QString::fromStdString(error.what()))
+                             .arg(error.number()));
+    }
+}
+
+jet::Database openFile(const Call& call, bool readOnly) {
+    jet::OpenOptions options;
+    options.readOnly = readOnly;
+    return jet::Database::open(pathOf(hostFile(call)), options);
+}
+
+const char* nameOf(jet::ColumnType type) {
+    using jet::ColumnType;
+    switch (type) {
+    case ColumnType::Boolean:
+        return "Boolean";
+    case ColumnType::Byte:
+        return "Byte";
+    case ColumnType::Integer:
+        return "Integer";
+    case ColumnType::Long:
+        return "Long";
+    case ColumnType::Currency:
+        return "Currency";
+    case ColumnType::Single:
+        return "Single";
+    case ColumnType::Double:
+        return "Double";
+    case ColumnType::DateTime:
+        return "DateTime";
+    case ColumnType::Binary:
+        return "Binary";
+    case ColumnType::Text:
+        return "Text";
+    case ColumnType::Ole:
+        return "OLE";
+    case ColumnType::Memo:
+        return "Memo";
+    case ColumnType::Guid:
+        return "GUID";
+    case ColumnType::Numeric:
+        return "Numeric";
+    case ColumnType::Private:
+        return "Private";
+    }
+    return "unknown";
+}
+
+std::vector<jet::CatalogObject> listedTables(const Call& call, jet::Database& database) {
+    std::vector<jet::CatalogObject> tables = database.catalog().objects();
+    std::erase_if(tables, [&](const jet::CatalogObject& object) {
+        return !object.isTable() || (object.isSystem() && !call.has("--system"));
+    });
+    return tables;
+}
+
+int tables(Call& call) {
+    return guarded(call, [&]() -> int {
+        jet::Database database = openFile(call, true);
+        QJsonArray records;
+        for (const jet::CatalogObject& object : listedTables(call, database)) {
+            const jet::Table table = database.catalog().table(object);
+            records += QJsonObject{{QStringLiteral("table"), toQString(object.name)},
+                                   {QStringLiteral("rows"), static_cast<qint64>(table.rowCount())}};
+        }
+        call.output.records(records, {{"table", "Table"}, {"rows", "Rows", true}});
+        return Done;
+    });
+}
+
+QJsonArray columnsOf(const jet::TableDesign& design) {
+    QJsonArray columns;
+    for (const jet::FieldDesign& field : design.fields) {
+        columns += QJsonObject{{QStringLiteral("name"), toQString(field.name)},
+                               {QStringLiteral("type"), QLatin1String(nameOf(field.type))},
+                               {QStringLiteral("size"), field.size},
+                               {QStringLiteral("autonumber"), field.autonumber},
+                               {QStringLiteral("required"), field.required},
+                               {QStringLiteral("allowZeroLength"), field.allowZeroLength}};
+    }
+    return columns;
+}
+
+QJsonArray indexesOf(const jet::TableDesign& design) {
+    QJsonArray indexes;
+    for (const jet::IndexDesign& index : design.indexes) {
+        QJsonArray fields;
+        for (const jet::IndexField& field : index.fields)
+            fields += toQString(field.name) + (field.descending ? QStringLiteral(" DESC") : QString());
+        indexes += QJsonObject{{QStringLiteral("name"), toQString(index.name)},
+                               {QStringLiteral("fields"), fields},
+                               {QStringLiteral("unique"), index.unique || index.primary},
+                               {QStringLiteral("primary"), index.primary},
+                               {QStringLiteral("ignoreNulls"), index.ignoreNulls}};
+    }
+    return indexes;
+}
+
+int schema(Call& call) {
+    return guarded(call, [&]() -> int {
+        jet::Database database = openFile(call, true);
+        QJsonArray all;
+        for (const jet::CatalogObject& object : listedTables(call, database)) {
+            if (call.arguments.size() > 1 && !jet::SameName(object.name, call.argument(1).toStdU16String()))
+                continue;
+            const jet::TableDesign design = jet::DescribeTable(database.catalog(), object);
+            all += QJsonObject{{QStringLiteral("table"), toQString(design.name)},
+                               {QStringLiteral("columns"), columnsOf(design)},
+                               {QStringLiteral("indexes"), indexesOf(design)}};
+        }
+        if (all.isEmpty() && call.arguments.size() > 1)
+            return call.no(QStringLiteral("%1 has no table %2.").arg(call.argument(0), call.argument(1)));
+        if (call.output.json()) {
+            call.output.records(all, {});
+            return Done;
+        }
+        for (const QJsonValue& value : all) {
+            const QJsonObject table = value.toObject();
+            call.output.value("table", table[QLatin1String("table")]);
+            call.output.records(table[QLatin1String("columns")].toArray(),
+                                {{"name", "Column"},
+                                 {"type", "Type"},
+                                 {"size", "Size", true},
+                                 {"autonumber", "Autonumber"},
+                                 {"required", "Required"},
+                                 {"allowZeroLength", "Empty text"}});
+            call.output.records(table[QLatin1String("indexes")].toArray(), {{"name", "Index"},
+                                                                            {"fields", "Columns"},
+                                                                            {"unique", "Unique"},
+                                                                            {"primary", "Primary"},
+                                                                            {"ignoreNulls", "Skips nulls"}});
+            call.output.line({});
+        }
+        return Done;
+    });
+}
+
+jet::TextFormat formatOf(const Call& call) {
+    return call.output.json() ? jet::TextFormat::JsonLines : jet::TextFormat::Csv;
+}
+
+void exportRows(Call& call, const jet::Selection& selection) {
+    jet::ExportRows(selection, formatOf(call), [&](std::string_view text) { call.output.piece(text); });
+}
+
+int exportTable(Call& call) {
+    return guarded(call, [&]() -> int {
+        jet::Database database = openFile(call, true);
+        const jet::Table table = jet::FindTable(database.catalog(), call.argument(1).toStdU16String());
+        exportRows(call, jet::Selection(table, std::nullopt));
+        return Done;
+    });
+}
+
+int importTable(Call& call) {
+    return guarded(call, [&]() -> int {
+        jet::Database database = openFile(call, false);
+        jet::Table table = jet::FindTable(database.catalog(), call.argument(1).toStdU16String());
+        jet::TextInput input(
+            [](char* into, std::size_t length) { return std::fread(into, 1, length, stdin); });
+        const std::uint32_t rows = jet::ImportRows(table, formatOf(call), input);
+        database.close();
+        call.output.note(QStringLiteral("%1 rows were added to %2.").arg(rows).arg(call.argument(1)));
+        return Done;
+    });
+}
+
+int query(Call& call) {
+    return guarded(call, [&]() -> int {
+        const jet::sql::Statement statement = jet::sql::ParseStatement(call.argument(1).toStdU16String());
+        const auto* select = std::get_if<jet::sql::Select>(&statement);
+        jet::Database database = openFile(call, select != nullptr);
+        if (select != nullptr) {
+            const jet::Table table = jet::FindTable(database.catalog(), select->table);
+            exportRows(call, jet::Selection(table, *select));
+            return Done;
+        }
+        const std::uint32_t rows = jet::Execute(database.catalog(), statement);
+        database.close();
+        call.output.value("rows", static_cast<qint64>(rows));
+        return Done;
+    });
+}
+
+QJsonObject recordOf(const jet::Fault& fault) {
+    return {{QStringLiteral("page"), static_cast<qint64>(fault.page)},
+            {QStringLiteral("table"), toQString(fault.table)},
+            {QStringLiteral("reason"), QString::fromStdString(fault.reason)}};
+}
+
+const Columns faultColumns = {{"page", "Page", true}, {"table", "Table"}, {"reason", "Reason"}};
+
+int check(Call& call) {
+    return guarded(call, [&]() -> int {
+        jet::Database database = openFile(call, true);
+        QJsonArray faults;
+        const auto report = [&](const jet::Fault& fault) {
+            if (!fault.harmless)
+                faults += recordOf(fault);
+            else if (!call.output.json())
+                call.output.note(QStringLiteral("Remark: page %1 %2")
+                                     .arg(fault.page)
+                                     .arg(QString::fromStdString(fault.reason)));
+        };
+        const jet::CheckResult result = jet::CheckDatabase(database.pager(), report);
+        const QJsonObject record{{QStringLiteral("faults"), faults},
+                                 {QStringLiteral("pages"), static_cast<qint64>(result.pages)},
+                                 {QStringLiteral("tables"), static_cast<qint64>(result.tables)},
+                                 {QStringLiteral("rows"), static_cast<qint64>(result.rows)}};
+        if (!call.output.json() && !faults.isEmpty())
+            call.output.records(faults, faultColumns);
+        call.output.record(record,
+                           {{"pages", "Pages", true}, {"tables", "Tables", true}, {"rows", "Rows", true}});
+        return faults.isEmpty() ? Done : No;
+    });
+}
+
+// The first name "FILE-0001.BAK", "FILE-0002.BAK", ... that is free, as the system names its backups.
+QString backupName(const QString& file) {
+    const QFileInfo info(file);
+    const QString stem = info.path() + u'/' + info.completeBaseName();
+    for (int number = 1;; ++number) {
+        const QString name = QStringLiteral("%1-%2.BAK").arg(stem).arg(number, 4, 10, QLatin1Char('0'));
+        if (!QFileInfo::exists(name))
+            return name;
+    }
+}
+
+QString temporaryName(const QString& file) {
+    QTemporaryFile temporary(QFileInfo(file).path() + QStringLiteral("/MDBXXXXXX.tmp"));
+    return temporary.open() ? temporary.fileName() : file + QStringLiteral(".tmp");
+}
+
+// The old file goes back if the new one cannot take its name.
+void putInPlace(const std::string& fresh, const std::string& file, const std::string& backup) {
+    jet::Storage& storage = jet::MachineStorage();
+    storage.rename(file, backup);
+    try {
+        storage.rename(fresh, file);
+    } catch (const jet::Error&) {
+        storage.rename(backup, file);
+        storage.remove(fresh);
+        throw;
+    }
+}
+
+int compact(Call& call) {
+    return guarded(call, [&]() -> int {
+        const QString file = hostFile(call);
+        const QString fresh = temporaryName(file); // free again when this returns
+        QJsonArray losses;
+        const jet::CompactResult result = jet::CompactDatabase(
+            pathOf(file), pathOf(fresh), {}, [&](const jet::Fault& loss) { losses += recordOf(loss); });
+        const QString backup = backupName(file);
+        putInPlace(pathOf(fresh), pathOf(file), pathOf(backup));
+        if (!call.output.json() && !losses.isEmpty())
+            call.output.records(losses, faultColumns);
+        call.output.record({{QStringLiteral("backup"), platform::WindowsPath(backup)},
+                            {QStringLiteral("losses"), losses},
+                            {QStringLiteral("tables"), static_cast<qint64>(result.tables)},
+                            {QStringLiteral("rows"), static_cast<qint64>(result.rows)}},
+                           {{"backup", "Old file"}, {"tables", "Tables", true}, {"rows", "Rows", true}});
+        return losses.isEmpty() ? Done : No;
+    });
+}
+
+} // namespace
+
+CommandRows DbCommands() {
+    const Option system{"--system", nullptr, "with the tables of the system"};
+    return {
+        {"db tables", "FILE", "List the tables of a database with their numbers of rows", tables, {system}},
+        {"db schema", "FILE [TABLE]", "Show the columns and indexes of the tables", schema, {system}},
+        {"db export", "FILE TABLE", "Write the rows of a table as CSV, or with --json as JSON lines",
+         exportTable},
+        {"db import", "FILE TABLE",
+         "Add rows from standard input, CSV or with --json JSON lines: all or none", importTable},
+        {"db query", "FILE SQL", "Run SELECT, INSERT, UPDATE or DELETE; rows are written as export does",
+         query},
+        {"db check", "FILE", "Check the integrity of a database and list its faults", check},
+        {"db compact", "FILE", "Compact and repair a database, keeping the old file as FILE-0001.BAK",
+         compact},
+    };
+}
+
+} // namespace tolvex::ctl
