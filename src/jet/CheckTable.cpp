@@ -107,12 +107,16 @@ void TableCheck::checkRow(RowPointer at, RowView row) {
     if (count > definition.columnNumbers)
         context_.faults.fault(at.page, rowText(at) + " has " + std::to_string(count) + " columns");
     for (const Column& column : definition.columns) {
-        if (!column.isLong() && column.type != ColumnType::Boolean && !row.isNull(column))
-            DecodeStored(column, row.bytes(column), row.page(), value_);
+        context_.faults.guard(at.page, [&] {
+            if (!column.isLong() && column.type != ColumnType::Boolean && !row.isNull(column))
+                DecodeStored(column, row.bytes(column), row.page(), value_);
+        });
     }
     for (LongValueCheck& check : longValues_) {
-        if (!row.isNull(check.column()))
-            check.check(row);
+        context_.faults.guard(at.page, [&] {
+            if (!row.isNull(check.column()))
+                check.check(row);
+        });
     }
     indexes_.addRow(at, row);
 }

@@ -33,6 +33,7 @@ class CsvRows {
 public:
     CsvRows(const Table& table, TextInput& input)
         : table_(table)
+        , input_(input)
         , reader_(input) {
         if (!reader_.next(fields_))
             throw Error(ErrorNumber::InvalidArgument, "a heading line of column names is needed");
@@ -43,7 +44,9 @@ public:
             columns_.push_back(column);
         }
     }
-    bool next(std::vector<Value>& values) {
+    // `line`: where the row begins.
+    bool next(std::vector<Value>& values, std::uint32_t& line) {
+        line = input_.line();
         if (!reader_.next(fields_))
             return false;
         if (fields_.size() != columns_.size())
@@ -59,6 +62,7 @@ public:
 
 private:
     const Table& table_;
+    TextInput& input_;
     CsvReader reader_;
     std::vector<CsvField> fields_;
     std::vector<int> columns_;
@@ -69,8 +73,9 @@ public:
     JsonRows(const Table& table, TextInput& input)
         : table_(table)
         , input_(input) {}
-    bool next(std::vector<Value>& values) {
+    bool next(std::vector<Value>& values, std::uint32_t& line) {
         do {
+            line = input_.line();
             if (!input_.getLine(text_))
                 return false;
         } while (text_.find_first_not_of(" \t") == std::string::npos);
@@ -97,9 +102,9 @@ private:
 
 // Reads and stores one row; false: there is no more.
 template<typename Rows>
-bool importRow(Table& table, Rows& rows, std::vector<Value>& values) {
+bool importRow(Table& table, Rows& rows, std::vector<Value>& values, std::uint32_t& line) {
     values.assign(table.definition().columns.size(), Value{});
-    if (!rows.next(values))
+    if (!rows.next(values, line))
         return false;
     table.insert(values);
     return true;
@@ -113,7 +118,7 @@ std::uint32_t importAll(Table& table, TextInput& input) {
     try {
         Rows rows(table, input);
         std::vector<Value> values;
-        for (line = input.line(); importRow(table, rows, values); line = input.line())
+        while (importRow(table, rows, values, line))
             ++count;
     } catch (const Error& error) {
         failAtLine(line, error);
