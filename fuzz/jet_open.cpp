@@ -1,0 +1,122 @@
+// A database file from outside: opening it, reading everything in it, checking it and saving what can be
+// read must end, whatever the bytes are. An input of a page or more is the file; a shorter one is damage to a
+// sound file: four bytes each, an offset and the byte that stands there.
+#include "jet/Check.h"
+#include "jet/Compact.h"
+#include "jet/CreateDatabase.h"
+#include "jet/Error.h"
+#include "jet/Execute.h"
+#include "jet/MemoryPager.h"
+#include "jet/NewFile.h"
+#include "jet/Salvage.h"
+#include "jet/TableDesign.h"
+#include "jet/Transfer.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using namespace jet;
+
+// The longest file looked at; what is longer tells nothing new.
+constexpr std::size_t longest = 100 * PageSize;
+
+class MemoryFile final : public StorageFile {
+public:
+    std::uint64_t size() override { return bytes_.size(); }
+    std::size_t read(std::uint64_t offset, void* into, std::size_t length) override {
+        const std::size_t n =
+            offset >= bytes_.size() ? 0 : std::min<std::size_t>(length, bytes_.size() - offset);
+        std::memcpy(into, bytes_.data() + offset, n);
+        return n;
+    }
+    void write(std::uint64_t offset, const void* from, std::size_t length) override {
+        bytes_.resize(std::max<std::size_t>(bytes_.size(), offset + length));
+        std::memcpy(bytes_.data() + offset, from, length);
+    }
+    void truncate(std::uint64_t size) override { bytes_.resize(size); }
+    void flush() override {}
+    bool lock(std::uint64_t, std::uint64_t, bool, bool) override { return true; }
+    void unlock(std::uint64_t, std::uint64_t) override {}
+    std::optional<std::uint64_t> findLock(std::uint64_t, std::uint64_t) override { return std::nullopt; }
+
+private:
+    Bytes bytes_;
+};
+
+// Two tables with long values, moved and deleted rows and indexes of two levels.
+Bytes soundFile() {
+    MemoryPager pager(FreshDatabase(Date{45000}));
+    Catalog catalog(pager);
+    for (const char16_t* name : {u"One", u"Two"}) {
+        AppendTable(catalog, {name,
+                              {{u"a", ColumnType::Long, 0, true},
+                               {u"b", ColumnType::Text, 200},
+                               {u"c", ColumnType::Memo},
+                               {u"d", ColumnType::Boolean},
+                               {u"e", ColumnType::Ole}},
+                              {{u"Main", {{u"a"}}, true, true}, {u"B", {{u"b"}, {u"a", true}}}},
+                              {}});
+        Table table = catalog.table(name);
+        for (int i = 0; i < 60; ++i) {
+            const auto length = static_cast<std::size_t>(i);
+            std::vector<Value> row{Value{}, std::u16string(length * 2 + 1, u'b'),
+                                   std::u16string(length % 9 == 0 ? 5000 : length + 1, u'é'), true,
+                                   Bytes(length, 1)};
+            table.insert(row);
+        }
+        const std::u16string of = name;
+        Execute(catalog, u"UPDATE " + of + u" SET b = '" + std::u16string(150, u'x') + u"' WHERE a < 9");
+        Execute(catalog, u"DELETE FROM " + of + u" WHERE a BETWEEN 20 AND 25");
+    }
+    return pager.image();
+}
+
+Bytes damagedFile(const std::uint8_t* data, std::size_t size) {
+    static const Bytes sound = soundFile();
+    Bytes file = sound;
+    for (; size >= 4; size -= 4, data += 4) {
+        const std::size_t at =
+            data[0] | static_cast<std::size_t>(data[1]) << 8 | static_cast<std::size_t>(data[2]) << 16;
+        file[at % file.size()] = data[3];
+    }
+    return file;
+}
+
+template<typename Step>
+void attempt(Step step) {
+    try {
+        step();
+    } catch (const Error&) {
+        // what a damaged file is answered with
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size > longest)
+        return 0;
+    MemoryPager pager(size < PageSize ? damagedFile(data, size) : Bytes(data, data + size));
+    const auto ignore = [](const Fault&) {};
+    attempt([&] { CheckDatabase(pager, ignore); });
+    attempt([&] {
+        const Catalog catalog(pager);
+        for (const CatalogObject& object : ReadableObjects(catalog, [](PageNumber, const Error&) {})) {
+            if (!object.isTable())
+                continue;
+            attempt([&] {
+                const Table table = catalog.table(object);
+                ExportRows(Selection(table, std::nullopt), TextFormat::Csv, [](std::string_view) {});
+            });
+        }
+    });
+    attempt([&] {
+        MemoryFile file;
+        NewFile target(file, PageZero());
+        CompactPages(pager, target, ignore);
+        target.finish();
+    });
+    return 0;
+}

@@ -1,0 +1,93 @@
+// The database commands of tolvexctl, run as a user runs them.
+#include "app/RunCtl.h"
+
+#include "jet/Database.h"
+#include "jet/TableDesign.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace tolvex::tests {
+namespace {
+
+class CtlDb : public Ctl {
+protected:
+    CtlDb() {
+        jet::Database database = jet::Database::create(file().toStdString());
+        jet::AppendTable(database.catalog(), {u"Settings",
+                                              {{u"Item", jet::ColumnType::Text, 250, false, false, true},
+                                               {u"Value", jet::ColumnType::Memo, 0, false, false, true}},
+                                              {{u"Main", {{u"Item"}}, true}},
+                                              {}});
+        database.close();
+    }
+    QString file() const { return folder_.filePath("a.mdb"); }
+    Result db(const char* command, const QStringList& rest = {}, const QByteArray& input = {}) const {
+        return run(QStringList{"db", command, file()} + rest, input);
+    }
+};
+
+TEST_F(CtlDb, MovesRowsInAndOut) {
+    const QByteArray csv = "Item,Value\r\nName,\"a, \"\"b\"\"\"\r\nEmpty,\"\"\r\nNull,\r\n";
+    EXPECT_EQ(db("import", {"settings"}, csv).status, 0);
+    EXPECT_EQ(db("export", {"Settings"}).out, csv);
+    const Result lines = run({"--json", "db", "export", file(), "Settings"});
+    EXPECT_EQ(lines.out,
+              "{\"Item\":\"Name\",\"Value\":\"a, \\\"b\\\"\"}\n{\"Item\":\"Empty\",\"Value\":\"\"}\n"
+              "{\"Item\":\"Null\",\"Value\":null}\n");
+
+    const Result twice = db("import", {"Settings"}, "Value,Item\nx,New\ny,NAME\n");
+    EXPECT_EQ(twice.status, 3);
+    EXPECT_TRUE(twice.err.contains("line 3") && twice.err.contains("3022")) << twice.err.toStdString();
+    EXPECT_EQ(db("export", {"Settings"}).out, csv);
+    EXPECT_EQ(run({"--json", "db", "import", file(), "Settings"}, "{\"Item\":\"J\",\"Value\":null}\n").status,
+              0);
+    EXPECT_EQ(db("query", {"SELECT Item FROM Settings WHERE Item > 'I' ORDER BY Item DESC"}).out,
+              "Item\r\nNull\r\nName\r\nJ\r\n");
+    EXPECT_EQ(run({"--json", "db", "query", file(), "DELETE FROM Settings WHERE Value IS NULL"})
+                  .json()["rows"]
+                  .toInt(),
+              2);
+    const QJsonArray tables = run({"--json", "db", "tables", file()}).json().array();
+    ASSERT_EQ(tables.size(), 1);
+    EXPECT_EQ(tables[0]["rows"].toInt(), 2);
+}
+
+TEST_F(CtlDb, TellsTheDesign) {
+    const QJsonObject table = run({"--json", "db", "schema", file()}).json().array()[0].toObject();
+    EXPECT_EQ(table["columns"][1]["type"].toString(), "Memo");
+    EXPECT_EQ(table["columns"][0]["size"].toInt(), 250);
+    EXPECT_TRUE(table["indexes"][0]["unique"].toBool());
+    EXPECT_EQ(db("schema", {"Nothing"}).status, 1);
+    EXPECT_EQ(db("export", {"Nothing"}).status, 3);
+    EXPECT_EQ(db("query", {"SELECT"}).status, 3);
+}
+
+TEST_F(CtlDb, ChecksAndCompacts) {
+    db("import", {"Settings"}, "Item,Value\na,1\nb,2\n");
+    const QByteArray before = read(file());
+    EXPECT_EQ(db("check").status, 0);
+    EXPECT_EQ(db("compact").status, 0);
+    EXPECT_EQ(read(folder_.filePath("a-0001.BAK")), before);
+    EXPECT_EQ(db("export", {"Settings"}).out, "Item,Value\r\na,1\r\nb,2\r\n");
+
+    QByteArray damaged = before;
+    damaged[2 * 4096 + 16] = 99; // the number of rows of a system table
+    write(file(), damaged);
+    const Result check = run({"--json", "db", "check", file()});
+    EXPECT_EQ(check.status, 1);
+    ASSERT_EQ(check.json()["faults"].toArray().size(), 1);
+    EXPECT_EQ(check.json()["faults"][0]["page"].toInt(), 2);
+    EXPECT_EQ(check.json()["faults"][0]["table"].toString(), "MSysObjects");
+    EXPECT_EQ(db("compact").status, 0);
+    EXPECT_EQ(db("check").status, 0);
+    EXPECT_EQ(read(folder_.filePath("a-0002.BAK")), damaged);
+
+    write(file(), "no database");
+    EXPECT_EQ(db("compact").status, 3);
+    EXPECT_EQ(read(file()), "no database");
+    EXPECT_EQ(QDir(folder_.path()).entryList({"MDB*"}), QStringList());
+}
+
+} // namespace
+} // namespace tolvex::tests

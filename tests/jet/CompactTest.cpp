@@ -1,0 +1,209 @@
+// Compaction keeps everything, saves what it can of damaged files, and leaves either a whole new file or
+// none.
+#include "jet/Compact.h"
+
+#include "jet/DataPage.h"
+#include "jet/Database.h"
+#include "jet/Execute.h"
+#include "jet/FaultyStorage.h"
+#include "jet/Samples.h"
+#include "jet/TableDesign.h"
+#include "jet/Transfer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+using test::FaultyStorage;
+
+const std::string source = "a.mdb";
+const std::string target = "b.mdb";
+
+std::vector<Fault> compact(FaultyStorage& storage, CompactResult* result = nullptr) {
+    std::vector<Fault> losses;
+    const CompactResult told =
+        CompactDatabase(storage, source, target, {}, [&](const Fault& loss) { losses.push_back(loss); });
+    EXPECT_EQ(told.losses, losses.size());
+    if (result != nullptr)
+        *result = told;
+    return losses;
+}
+
+std::string faultsOf(const Bytes& image) {
+    MemoryPager pager(image);
+    std::string text;
+    CheckDatabase(pager, [&](const Fault& fault) {
+        if (!fault.harmless)
+            text += "page " + std::to_string(fault.page) + " " + fault.reason + "\n";
+    });
+    return text;
+}
+
+// Every table's rows as sorted lines.
+std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
+    MemoryPager pager(image);
+    const Catalog catalog(pager);
+    std::map<std::u16string, std::vector<std::string>> all;
+    for (const CatalogObject& object : catalog.objects()) {
+        if (!object.isTable() || object.name.starts_with(u"MSysObjects") || object.name == u"MSysACEs")
+            continue; // these hold the new pages
+        const Table table = catalog.table(object);
+        std::string text;
+        ExportRows(Selection(table, std::nullopt), TextFormat::JsonLines,
+                   [&](std::string_view piece) { text += piece; });
+        auto& lines = all[object.name];
+        for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
+            lines.push_back(text.substr(at, text.find('\n', at) - at));
+        std::sort(lines.begin(), lines.end());
+    }
+    return all;
+}
+
+TEST(CompactTest, KeepsTheEnginesFiles) {
+    for (const char* name : tests::Jet4Samples) {
+        FaultyStorage storage;
+        storage.put(source, tests::ReadSample(name));
+        EXPECT_TRUE(compact(storage).empty()) << name;
+        EXPECT_EQ(storage.get(source), tests::ReadSample(name)) << name;
+        EXPECT_EQ(faultsOf(storage.get(target)), "") << name;
+        EXPECT_EQ(rowsOf(storage.get(target)), rowsOf(storage.get(source))) << name;
+        EXPECT_LT(storage.get(target).size(), storage.get(source).size()) << name;
+    }
+}
+
+class CompactOwnTest : public ::testing::Test {
+protected:
+    CompactOwnTest() {
+        Database database = Database::create(storage_, source);
+        AppendTable(database.catalog(), {u"Log",
+                                         {{u"Id", ColumnType::Long, 0, true},
+                                          {u"Text", ColumnType::Text, 60},
+                                          {u"Gone", ColumnType::Text, 60},
+                                          {u"Note", ColumnType::Memo}},
+                                         {{u"Main", {{u"Id", true}}, true, true},
+                                          {u"ByText", {{u"Text"}}},
+                                          {u"Unique", {{u"Text"}, {u"Id"}}, true}},
+                                         {}});
+        Transaction transaction(database);
+        Table table = database.catalog().table(u"Log");
+        for (int i = 0; i < 900; ++i) {
+            std::vector<Value> row{Value{}, ToUtf16("text " + std::to_string(i % 10)),
+                                   std::u16string(50, u'g'), std::u16string(i % 7 == 0 ? 9000 : 40, u'n')};
+            table.insert(row);
+        }
+        Execute(database.catalog(), u"DELETE FROM Log WHERE Id > 800");
+        Execute(database.catalog(), u"DELETE FROM Log WHERE Text = 'text 3'");
+        transaction.commit();
+        DropField(database.catalog(), u"Log", u"Gone");
+        database.close();
+        image_ = storage_.get(source);
+    }
+    TableDefinition definition(const Bytes& image) {
+        MemoryPager pager(image);
+        return Catalog(pager).table(u"Log").definition();
+    }
+
+    FaultyStorage storage_;
+    Bytes image_;
+};
+
+TEST_F(CompactOwnTest, LeavesNothingOver) {
+    ASSERT_EQ(faultsOf(image_), "");
+    EXPECT_TRUE(compact(storage_).empty());
+    const Bytes small = storage_.get(target);
+    EXPECT_EQ(faultsOf(small), "");
+    EXPECT_EQ(rowsOf(small), rowsOf(image_));
+    MemoryPager pager(small);
+    const Table table = Catalog(pager).table(u"Log");
+    EXPECT_EQ(table.definition().lastAutonumber, 900u);
+    RowPointer at;
+    Value id;
+    std::int32_t before = 1000;
+    for (RowView row; table.next(at, row);) { // the primary key descends
+        table.value(row, 0, id);
+        ASSERT_LT(std::get<std::int32_t>(id), before);
+        before = std::get<std::int32_t>(id);
+    }
+    for (PageNumber page = 0; page < pager.pageCount(); ++page)
+        ASSERT_FALSE(FreeMap(pager, {1, 0}).isFree(page));
+    // Again: nothing is left to gain.
+    FaultyStorage again;
+    again.put(source, small);
+    compact(again);
+    EXPECT_EQ(again.get(target).size(), small.size());
+}
+
+// The disk fails at every call in turn, or the power goes: the source stays, and no half file remains.
+TEST_F(CompactOwnTest, FailsWhole) {
+    FaultyStorage counted;
+    counted.put(source, image_);
+    const int before = counted.calls();
+    compact(counted);
+    const int calls = counted.calls() - before;
+    ASSERT_GT(calls, 5);
+    for (int call = 1; call <= calls; ++call) {
+        FaultyStorage storage;
+        storage.put(source, image_);
+        storage.failAt(storage.calls() + call, ErrorNumber::DiskFull, false);
+        try {
+            compact(storage);
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorNumber::DiskFull);
+            EXPECT_FALSE(storage.exists(target)) << call;
+        }
+        EXPECT_EQ(storage.get(source), image_);
+        if (storage.exists(target)) {
+            EXPECT_EQ(faultsOf(storage.get(target)), "") << call;
+        }
+    }
+    counted.put(target, {1, 2, 3});
+    EXPECT_THROW(compact(counted), Error);
+    EXPECT_EQ(counted.get(target), (Bytes{1, 2, 3})) << "a file that was there is not ours";
+}
+
+TEST_F(CompactOwnTest, SavesWhatCanBeRead) {
+    const TableDefinition log = definition(image_);
+    MemoryPager pager(image_);
+    const std::vector<PageNumber> rows = UsageMap(pager, log.ownedMap).pages();
+    ASSERT_GT(rows.size(), 5u);
+    const std::size_t all = rowsOf(image_)[u"Log"].size();
+
+    // A page of rows is gone, an index is rubbish, a memo leads astray.
+    Bytes damaged = image_;
+    const auto at = [&](PageNumber page) { return damaged.data() + std::size_t{page} * PageSize; };
+    const std::size_t lostRows = static_cast<std::size_t>(datapage::SlotCount(at(rows[1])));
+    std::fill_n(at(rows[1]), PageSize, std::uint8_t{0xEE});
+    std::fill_n(at(log.realIndexes[1].root), PageSize, std::uint8_t{0xEE});
+    const PageNumber memos = UsageMap(pager, log.columns[2].ownedMap).pages().front();
+    at(memos)[0] = 0;
+    storage_.put(source, damaged);
+    CompactResult result;
+    const std::vector<Fault> losses = compact(storage_, &result);
+    EXPECT_EQ(faultsOf(storage_.get(target)), "");
+    const std::size_t saved = rowsOf(storage_.get(target))[u"Log"].size();
+    EXPECT_LE(saved, all);
+    EXPECT_GE(saved, all - lostRows);
+    EXPECT_TRUE(std::any_of(losses.begin(), losses.end(),
+                            [&](const Fault& loss) { return loss.page == rows[1] && loss.table == u"Log"; }));
+    EXPECT_TRUE(std::any_of(losses.begin(), losses.end(), [&](const Fault& loss) {
+        return loss.reason.find("lost its 'Note'") != std::string::npos;
+    }));
+}
+
+TEST_F(CompactOwnTest, LosesATableWithoutDefinition) {
+    Bytes damaged = image_;
+    damaged[std::size_t{definition(image_).page} * PageSize] = 0;
+    storage_.put(source, damaged);
+    const std::vector<Fault> losses = compact(storage_);
+    ASSERT_EQ(losses.size(), 1u);
+    EXPECT_EQ(losses[0].table, u"Log");
+    EXPECT_EQ(faultsOf(storage_.get(target)), "");
+    MemoryPager pager(storage_.get(target));
+    EXPECT_TRUE(Catalog(pager).tables().empty());
+}
+
+} // namespace
+} // namespace jet
