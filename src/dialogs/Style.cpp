@@ -63,8 +63,7 @@ QPalette paletteOf(const Tokens& t, Scheme scheme) {
 // Sizes are in logical pixels and paddings in steps of 4; heights follow the font, so that larger text is
 // never cut.
 constexpr const char* sheet = R"(
-QPushButton { background: %surface%; color: %text%; border: 1px solid %line%; border-radius: 6px;
-    padding: 5px 16px; min-height: 18px; }
+QPushButton { background: %surface%; color: %text%; border: 1px solid %line%; border-radius: 6px; padding: 5px 16px; }
 QPushButton:hover { border-color: %accent%; }
 QPushButton:focus { border: 2px solid %accent%; padding: 4px 15px; }
 QPushButton:pressed { background: %accentSoft%; }
@@ -72,9 +71,9 @@ QPushButton:default { background: %button%; color: #ffffff; border-color: %butto
 QPushButton:default:focus { border: 2px solid %text%; }
 QPushButton:disabled { background: %background%; color: %quiet%; border-color: %line%; }
 QLineEdit, QComboBox, QAbstractSpinBox { background: %surface%; color: %text%; border: 1px solid %line%;
-    border-radius: 6px; padding: 4px 8px; min-height: 18px; selection-background-color: %selection%;
+    border-radius: 6px; padding: 5px 8px; selection-background-color: %selection%;
     selection-color: #ffffff; }
-QLineEdit:focus, QComboBox:focus, QAbstractSpinBox:focus { border: 2px solid %accent%; padding: 3px 7px; }
+QLineEdit:focus, QComboBox:focus, QAbstractSpinBox:focus { border: 2px solid %accent%; padding: 4px 7px; }
 QLineEdit:disabled, QLineEdit:read-only, QComboBox:disabled { background: %background%; color: %quiet%; }
 QComboBox::drop-down { border: none; width: 24px; }
 QComboBox::down-arrow { image: url(%chevron%); width: 12px; height: 12px; }
