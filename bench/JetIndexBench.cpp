@@ -1,12 +1,17 @@
-// Index trees by themselves, on pages in memory: what an entry costs without rows, files and transactions.
+// Index trees by themselves, on pages in memory, then rows with their index entries in a file: inserts,
+// seeks, edits and deletes.
 #include "jet/Collation.h"
 #include "jet/DataPage.h"
+#include "jet/Database.h"
 #include "jet/IndexBuilder.h"
 #include "jet/KeyEncoding.h"
 #include "jet/MemoryPager.h"
+#include "jet/Recordset.h"
+#include "jet/TableDesign.h"
 
 #include <benchmark/benchmark.h>
 
+#include <filesystem>
 #include <memory>
 
 using namespace jet;
@@ -160,6 +165,163 @@ void compareTexts(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * a.size() * 2));
 }
 
+// A file of one table with two indexes: a Long key, Text(50), DateTime and a Memo.
+class File {
+public:
+    explicit File(std::size_t cachePages = 4096)
+        : path_(std::filesystem::temp_directory_path() / "tolvex-bench-rows.mdb") {
+        std::filesystem::remove(path_);
+        OpenOptions options;
+        options.exclusive = true;
+        options.cachePages = cachePages;
+        database_ = std::make_unique<Database>(Database::create(path_.string(), options));
+        TableDesign design;
+        design.name = u"Songs";
+        const std::pair<const char16_t*, ColumnType> fields[] = {{u"Id", ColumnType::Long},
+                                                                 {u"Title", ColumnType::Text},
+                                                                 {u"Played", ColumnType::DateTime},
+                                                                 {u"Note", ColumnType::Memo}};
+        for (const auto& [name, type] : fields) {
+            FieldDesign field;
+            field.name = name;
+            field.type = type;
+            field.size = 50;
+            field.allowZeroLength = true;
+            design.fields.push_back(field);
+        }
+        design.indexes = {{.name = u"Main", .fields = {{u"Id"}}, .unique = true, .primary = true},
+                          {.name = u"ByTitle", .fields = {{u"Title"}}}};
+        AppendTable(database_->catalog(), design);
+    }
+    ~File() {
+        database_.reset();
+        std::filesystem::remove(path_);
+    }
+    Database& operator*() { return *database_; }
+    Database* operator->() { return database_.get(); }
+
+    void insert(Table& table, std::uint32_t from, std::uint32_t to) {
+        values_.resize(4);
+        for (std::uint32_t i = from; i < to; ++i) {
+            values_[0] = static_cast<std::int32_t>(scattered(i));
+            auto* title = std::get_if<std::u16string>(&values_[1]);
+            if (title == nullptr)
+                title = &values_[1].emplace<std::u16string>();
+            *title = u"Some title ";
+            for (std::uint32_t rest = scattered(i); rest != 0; rest /= 26)
+                *title += static_cast<char16_t>(u'a' + rest % 26);
+            values_[2] = Date{40000 + i / 1000.0};
+            if (!std::holds_alternative<std::u16string>(values_[3]))
+                values_[3] = u"Played at the request of a listener";
+            table.insert(values_);
+        }
+    }
+
+private:
+    std::filesystem::path path_;
+    std::unique_ptr<Database> database_;
+    std::vector<Value> values_;
+};
+
+void insertRows(benchmark::State& state) {
+    const auto count = static_cast<std::uint32_t>(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto file = std::make_unique<File>();
+        Table table = (*file)->catalog().table(u"Songs");
+        state.ResumeTiming();
+        Transaction transaction(**file);
+        file->insert(table, 0, count);
+        transaction.commit();
+        state.PauseTiming();
+        file.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
+}
+
+// A table of a million rows in a file that the page cache holds whole, made once.
+File& millionRows() {
+    static std::unique_ptr<File> file;
+    if (file == nullptr) {
+        file = std::make_unique<File>(100000);
+        Table table = (*file)->catalog().table(u"Songs");
+        for (std::uint32_t i = 0; i < 1000000; i += 20000) {
+            Transaction transaction(**file);
+            file->insert(table, i, i + 20000);
+            transaction.commit();
+        }
+    }
+    return *file;
+}
+
+void seekRows(benchmark::State& state, bool read) {
+    Recordset set = Recordset::open(*millionRows(), u"Songs");
+    set.setIndex(u"Main");
+    std::uint32_t number = 0;
+    for (auto _ : state) {
+        set.seek(SeekComparison::Equal, Value(static_cast<std::int32_t>(scattered(number))));
+        number = (number + 7919) % 1000000;
+        if (set.noMatch() || (read && IsNull(set.value(1))))
+            state.SkipWithError("a row is missing");
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void walkRows(benchmark::State& state, const char16_t* index) {
+    Recordset set = Recordset::open(*millionRows(), u"Songs");
+    set.setIndex(index);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(set.value(0));
+        set.moveNext();
+        if (set.eof())
+            set.moveFirst();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void editRows(benchmark::State& state) {
+    File& file = millionRows();
+    Recordset set = Recordset::open(*file, u"Songs");
+    set.setIndex(u"Main");
+    std::uint32_t number = 0;
+    auto transaction = std::make_unique<Transaction>(*file);
+    for (auto _ : state) {
+        set.seek(SeekComparison::Equal, Value(static_cast<std::int32_t>(scattered(number))));
+        number = (number + 7919) % 1000000;
+        set.edit();
+        set.set(2, Date{1.0 + number});
+        set.update();
+    }
+    transaction->commit();
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+
+void removeRows(benchmark::State& state) {
+    constexpr std::uint32_t count = 100000;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto file = std::make_unique<File>();
+        Table table = (*file)->catalog().table(u"Songs");
+        {
+            Transaction transaction(**file);
+            file->insert(table, 0, count);
+            transaction.commit();
+        }
+        Recordset set = Recordset::open(**file, u"Songs");
+        set.setIndex(u"ByTitle");
+        state.ResumeTiming();
+        Transaction transaction(**file);
+        for (; !set.eof(); set.moveNext())
+            set.remove();
+        transaction.commit();
+        state.PauseTiming();
+        file.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
+}
+
 BENCHMARK_CAPTURE(insertEntries, LongAscending, false, true)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(insertEntries, LongScattered, false, false)->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(insertEntries, TextScattered, true, false)->Arg(1000000)->Unit(benchmark::kMillisecond);
@@ -171,6 +333,13 @@ BENCHMARK(removeAndInsert);
 BENCHMARK(build)->Unit(benchmark::kMillisecond);
 BENCHMARK(textKey);
 BENCHMARK(compareTexts);
+BENCHMARK(insertRows)->Arg(20000)->Arg(500000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(seekRows, Find, false);
+BENCHMARK_CAPTURE(seekRows, FindAndRead, true);
+BENCHMARK_CAPTURE(walkRows, ByPage, u"");
+BENCHMARK_CAPTURE(walkRows, ById, u"Main");
+BENCHMARK(editRows);
+BENCHMARK(removeRows)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
