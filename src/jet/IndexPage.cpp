@@ -48,17 +48,16 @@ std::uint64_t headOf(KeyView key) {
 }
 
 // The mask is worked on in words of 64 bits; the last one has 5 bytes.
-constexpr int LastWord = MaskLength / 8;
-constexpr int LastBytes = MaskLength % 8;
+constexpr unsigned LastWord = MaskLength / 8;
+constexpr unsigned LastBytes = MaskLength % 8;
 
-inline std::uint64_t maskWord(const std::uint8_t* page, int word) {
-    const std::uint8_t* at = page + MaskField + 8 * word;
-    if (word < LastWord)
-        return Load64(at);
-    return Load32(at) | static_cast<std::uint64_t>(at[LastBytes - 1]) << 32;
+inline std::uint64_t maskWord(const std::uint8_t* page, unsigned word) {
+    // What follows the mask are the entries' first bytes: reading over its end is harmless.
+    const std::uint64_t value = Load64(page + MaskField + 8 * word);
+    return word < LastWord ? value : value & ((std::uint64_t{1} << 8 * LastBytes) - 1);
 }
 
-void setMaskWord(std::uint8_t* page, int word, std::uint64_t value) {
+void setMaskWord(std::uint8_t* page, unsigned word, std::uint64_t value) {
     std::uint8_t* at = page + MaskField + 8 * word;
     if (word < LastWord)
         return Store64(at, value);
@@ -74,68 +73,77 @@ void setMark(std::uint8_t* page, int offset) {
     page[MaskField + offset / 8] = static_cast<std::uint8_t>(page[MaskField + offset / 8] | 1 << offset % 8);
 }
 
+// The bits of a word from this one up, and up to this one; only the place in its word counts.
 constexpr std::uint64_t bitsFrom(int bit) {
-    return ~std::uint64_t{0} << bit;
+    return ~std::uint64_t{0} << (static_cast<unsigned>(bit) % 64);
+}
+
+constexpr std::uint64_t bitsUpTo(int bit) {
+    return ~std::uint64_t{0} >> (63 - static_cast<unsigned>(bit) % 64);
 }
 
 // Moves all marks behind `from` up by `by`; `last`: the highest mark.
 void moveMarksUp(std::uint8_t* page, int from, int last, int by) {
     const int first = (from + 1) / 64;
-    const std::uint64_t moving = bitsFrom((from + 1) % 64);
+    const std::uint64_t moving = bitsFrom(from + 1);
     const int words = by / 64;
     const int bits = by % 64;
-    const auto source = [&](int word) {
-        return word < first ? 0 : word == first ? maskWord(page, word) & moving : maskWord(page, word);
+    const auto source = [&](int word) -> std::uint64_t {
+        if (word < first)
+            return 0;
+        const std::uint64_t value = maskWord(page, static_cast<unsigned>(word));
+        return word == first ? value & moving : value;
     };
     for (int word = (last + by) / 64; word > first; --word) {
         std::uint64_t value = source(word - words) << bits;
         if (bits != 0)
             value |= source(word - words - 1) >> (64 - bits);
-        setMaskWord(page, word, value);
+        setMaskWord(page, static_cast<unsigned>(word), value);
     }
-    const std::uint64_t staying = maskWord(page, first) & ~moving;
-    setMaskWord(page, first, staying | (words == 0 ? source(first) << bits : 0));
+    const std::uint64_t staying = maskWord(page, static_cast<unsigned>(first)) & ~moving;
+    setMaskWord(page, static_cast<unsigned>(first), staying | (words == 0 ? source(first) << bits : 0));
 }
 
 // Moves all marks behind `from` down by `by`, over the marks in between; `last`: the highest mark.
 void moveMarksDown(std::uint8_t* page, int from, int last, int by) {
     const int first = (from - by + 1) / 64; // the lowest word that changes
-    const std::uint64_t staying = ~bitsFrom((from - by + 1) % 64);
     const int start = (from + 1) / 64;
-    const std::uint64_t moving = bitsFrom((from + 1) % 64);
     const int end = last / 64;
+    const std::uint64_t moving = bitsFrom(from + 1);
     const int words = by / 64;
     const int bits = by % 64;
-    const auto source = [&](int word) {
-        return word < start || word > end ? 0
-               : word == start            ? maskWord(page, word) & moving
-                                          : maskWord(page, word);
+    const auto source = [&](int word) -> std::uint64_t {
+        if (word < start || word > end)
+            return 0;
+        const std::uint64_t value = maskWord(page, static_cast<unsigned>(word));
+        return word == start ? value & moving : value;
     };
-    const std::uint64_t kept = maskWord(page, first) & staying;
+    const std::uint64_t staying = maskWord(page, static_cast<unsigned>(first)) & ~bitsFrom(from - by + 1);
     for (int word = first; word <= end; ++word) {
         std::uint64_t value = source(word + words) >> bits;
         if (bits != 0)
             value |= source(word + words + 1) << (64 - bits);
-        setMaskWord(page, word, word == first ? kept | value : value);
+        setMaskWord(page, static_cast<unsigned>(word), word == first ? staying | value : value);
     }
 }
 
 // The lowest mark from `bit` up to `used`, which has one on every page that passed Check().
 int markFrom(const std::uint8_t* page, int bit, int used) {
-    int word = bit / 64;
-    std::uint64_t bits = maskWord(page, word) & bitsFrom(bit % 64);
+    unsigned word = static_cast<unsigned>(bit) / 64;
+    std::uint64_t bits = maskWord(page, word) & bitsFrom(bit);
     while (bits == 0 && word < LastWord)
         bits = maskWord(page, ++word);
-    return bits == 0 ? used : std::min(word * 64 + std::countr_zero(bits), used);
+    const int mark = static_cast<int>(word * 64) + std::countr_zero(bits); // no mark: 64 more
+    return std::min(mark, used);
 }
 
-// The highest mark up to `bit`; 0 if there is none.
+// The highest mark up to `bit`; 0 or less if there is none.
 int markUpTo(const std::uint8_t* page, int bit) {
-    int word = bit / 64;
-    std::uint64_t bits = maskWord(page, word) & ~(bitsFrom(bit % 64) << 1);
+    unsigned word = static_cast<unsigned>(bit) / 64;
+    std::uint64_t bits = maskWord(page, word) & bitsUpTo(bit);
     while (bits == 0 && word > 0)
         bits = maskWord(page, --word);
-    return bits == 0 ? 0 : word * 64 + 63 - std::countl_zero(bits);
+    return static_cast<int>(word * 64) + 63 - std::countl_zero(bits);
 }
 
 // In a large tree hardly a page is in the processor's cache, and a search waits for memory at each of its
@@ -285,7 +293,7 @@ int CountEntries(const std::uint8_t* page) {
 
 int CountMarks(const std::uint8_t* page) {
     int count = 0;
-    for (int word = 0; word <= LastWord; ++word)
+    for (unsigned word = 0; word <= LastWord; ++word)
         count += std::popcount(maskWord(page, word));
     return count;
 }
