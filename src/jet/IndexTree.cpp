@@ -51,6 +51,7 @@ bool IndexTree::contains(KeyView key) const {
     IndexPath path;
     const std::uint8_t* page = Descend(*this, key, false, path);
     int offset = path.leaf().offset;
+    near_ = path.leaf().page;
     // Behind the end of a leaf the entry can only lie in the next one, and only if a node of someone else's
     // making says more of its child than is in it.
     for (PageNumber steps = 0; offset >= Used(page) && Next(page) != 0; ++steps) {
@@ -74,11 +75,29 @@ bool IndexTree::containsOther(KeyView key, RowPointer row) const {
     return false;
 }
 
+// Adds an entry to the leaf that was looked at last, if it is still one of this tree and the entry's place is
+// between two of its entries, or at an end of the tree.
+bool IndexTree::insertNear(KeyView entry) {
+    if (near_ == 0 || !pages_.contains(near_))
+        return false;
+    const std::uint8_t* page = ReadIndexPage(*this, near_);
+    if (!IsLeaf(page) || IsEmpty(page))
+        return false;
+    const int offset = Find(page, entry, false);
+    if ((offset <= Prefix(page) && Previous(page) != 0) || (offset >= Used(page) && Next(page) != 0) ||
+        HoldsEntry(page, offset, entry))
+        return false;
+    return Insert(pager_->edit(near_), offset, entry);
+}
+
 void IndexTree::insert(KeyView key, RowPointer row) {
     const EntryBuffer entry(key, row);
+    if (insertNear(entry.view()))
+        return;
     IndexPath path;
     const std::uint8_t* page = Descend(*this, entry.view(), false, path);
     const IndexPath::Step leaf = path.leaf();
+    near_ = leaf.offset >= Used(page) ? leaf.page : 0; // ascending keys come there again
     if (HoldsEntry(page, leaf.offset, entry.view()))
         Damaged(leaf.page, "has an index entry for this row already");
     if (!Insert(pager_->edit(leaf.page), leaf.offset, entry.view()))

@@ -1,10 +1,10 @@
 // A tree of index entries on pages. An entry is a key (KeyEncoding.h) and the pointer of a row; entries are
 // ordered by their bytes, the pointer being part of them, so all are different although keys may be equal.
 //
-// A tree object holds no state but where the tree lies: every call starts from the root as it is on its page,
-// so several objects on one tree, and a rollback of the pager, do no harm. Pages are checked as they are met;
-// a page that does not hold what it should throws ReadVerification. What changes the tree is called inside a
-// Changing of the pager.
+// A tree object holds no state but where the tree lies and, as a hint, the leaf that it looked at last: every
+// call works on the pages as they are, so several objects on one tree, and a rollback of the pager, do no
+// harm. Pages are checked as they are met; a page that does not hold what it should throws ReadVerification.
+// What changes the tree is called inside a Changing of the pager.
 #pragma once
 
 #include "jet/IndexPage.h"
@@ -40,18 +40,22 @@ public:
     // Whether an entry with this key belongs to another row than this one.
     bool containsOther(KeyView key, RowPointer row) const;
 
-    // Adds an entry. Uniqueness is the caller's affair; an entry that is there already throws
-    // ReadVerification. Throws RecordTooLarge for a key above MaximumKeyLength. Cost: one page for each
-    // level, of which only the leaf is changed, in place, unless it has to be split.
+    // Adds an entry; cheapest if contains() was asked for its key before. Uniqueness is the caller's affair;
+    // an entry that is there already throws ReadVerification. Throws RecordTooLarge for a key above
+    // MaximumKeyLength. Cost: one page for each level, of which only the leaf is changed, in place, unless it
+    // has to be split.
     void insert(KeyView key, RowPointer row);
     // Takes an entry out; false if there is no such entry. Same cost.
     bool remove(KeyView key, RowPointer row);
 
 private:
+    bool insertNear(KeyView entry);
+
     Pager* pager_;
     PageNumber root_;
     PageNumber table_;
     UsageMap pages_;
+    mutable PageNumber near_ = 0; // the leaf looked at last
 };
 
 // A place among the entries of a tree. It holds a copy of its entry and finds its place again when the tree

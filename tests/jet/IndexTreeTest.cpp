@@ -123,6 +123,8 @@ protected:
     void insertSome(int count) {
         for (int i = 0; i < count; ++i) {
             const auto [at, added] = model_.emplace(key(), row());
+            if (random_() % 2 == 0) // looking a key up shortens the way of the next insert
+                tree_->contains(random_() % 4 == 0 ? key() : at->first);
             if (added)
                 tree_->insert(at->first, at->second);
         }
