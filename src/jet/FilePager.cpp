@@ -74,6 +74,7 @@ struct FilePager::Impl {
     PageNumber append();
     void spill();
 
+    void checkOpen() const;
     void enter();
     void leave() noexcept;
     void takeNews();
@@ -247,7 +248,13 @@ void FilePager::Impl::takeNews() {
 
 // ---- Reading
 
+void FilePager::Impl::checkOpen() const {
+    if (closed)
+        throw Error(ErrorNumber::InvalidArgument, path + ": closed");
+}
+
 void FilePager::Impl::enter() {
+    checkOpen();
     sharing->lockReading();
     try {
         takeNews();
@@ -392,6 +399,7 @@ void FilePager::beginChange(bool undoable) {
             d.saving = d.serial;
         return;
     }
+    d.checkOpen();
     if (!d.readOnlyReason.empty())
         throw Error(ErrorNumber::CannotUpdateReadOnly, d.path + ": " + d.readOnlyReason);
     if (!d.sharing->lockWriting())
@@ -418,6 +426,8 @@ void FilePager::beginChange(bool undoable) {
 
 void FilePager::commitChange() {
     Impl& d = *impl_;
+    if (d.levels.empty())
+        throw Error(ErrorNumber::InvalidArgument, "no transaction is running");
     Impl::Level& level = d.levels.back();
     if (level.broken)
         throw Error(ErrorNumber::InvalidArgument,
@@ -602,6 +612,7 @@ void FilePager::Impl::writePages() {
 
 void FilePager::flush() {
     Impl& d = *impl_;
+    d.checkOpen();
     if (!d.levels.empty())
         throw Error(ErrorNumber::InvalidArgument, "flush inside a transaction");
     if (!d.readOnlyReason.empty())
@@ -622,6 +633,7 @@ void FilePager::flush() {
 
 void FilePager::refresh() {
     Impl& d = *impl_;
+    d.checkOpen();
     if (d.sharing->isExclusive() || !d.levels.empty())
         return;
     const Reading now(*this);
@@ -640,7 +652,6 @@ void FilePager::close() {
         return;
     while (!d.levels.empty())
         rollbackChange();
-    d.closed = true;
     d.close();
 }
 
@@ -663,6 +674,8 @@ void FilePager::Impl::close() {
         if (last && fileWritable)
             failure = std::current_exception();
     }
+    closed = true;
+    ready = false;
     sharing->finishLeaving(last);
     log.reset();
     file.reset();

@@ -292,6 +292,21 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + "-unused"));
 }
 
+TEST_F(FilePagerTest, AClosedOneSaysSo) {
+    FilePager pager(storage_, Path, exclusive());
+    {
+        Changing change(pager);
+        Fill(pager.edit(2), 1);
+        pager.close();
+        EXPECT_THROW(change.commit(), Error);
+    }
+    EXPECT_EQ(onDisk(2), 0u);
+    for (const std::function<void()>& call : std::initializer_list<std::function<void()>>{
+             [&] { pager.read(2); }, [&] { pager.pageCount(); }, [&] { fill(pager, 2, 1); },
+             [&] { pager.flush(); }, [&] { pager.refresh(); }})
+        EXPECT_EQ(errorOf(call), ErrorNumber::InvalidArgument);
+}
+
 TEST_F(FilePagerTest, TheCacheStaysWithinItsLimit) {
     storage_.put(Path, RawFile(3000));
     OpenOptions small = exclusive();
