@@ -1,0 +1,19 @@
+// The first run of a users database: its groups, and the accounts of an older users file.
+#pragma once
+
+#include <QString>
+
+namespace tolvex {
+
+// Makes the default groups anew in the open users database and offers to import the accounts of the older
+// users file that Tolvex.ini names, or of one that the user picks.
+void MakeDefaultGroupsAndImport(bool silent);
+
+// The older users file that Tolvex.ini names, as a full path; empty when it names none.
+QString OlderUsersFile();
+
+// Hides passwords from a passing glance, and shows them again: swaps bits 0 and 4 and bits 1 and 3 of each
+// character's code. Without `keepCase` the text is upper-cased first.
+QString TransformPassword(const QString& text, bool keepCase);
+
+} // namespace tolvex

@@ -1,0 +1,27 @@
+// The tables of the users database.
+#pragma once
+
+#include "databases/Schema.h"
+
+namespace tolvex {
+
+const Table& UsersSchema();
+const Table& UserGroupsSchema();
+const Table& UserHistorySchema();
+const Table& UserPreferencesSchema();
+
+// Brings all tables of a users database up to date. Result: 0 or, reported, the error number of the first
+// failure.
+qint16 ValidateUsersDatabaseTables(const QString& databaseName);
+
+// A group of users that every new users database has.
+struct UserGroup {
+    int number;
+    const char* name;
+    bool allowMultipleUsers;
+    bool accessRights; // all six
+};
+inline constexpr int AccessRightCount = 6;
+std::span<const UserGroup> DefaultUserGroups();
+
+} // namespace tolvex
