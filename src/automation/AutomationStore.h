@@ -1,0 +1,27 @@
+// Loading and saving the automation settings, and the database that a workstation has from the start.
+#pragma once
+
+#include "automation/AutomationSettings.h"
+
+#include <functional>
+
+namespace tolvex {
+
+class SuiteDatabase;
+
+// Reads all items of an open automation database into kovaDatabaseSettings(). `showDialogIfNew`, if given,
+// is called for a database that was never configured, to have the user do so. Result: 0; -1 when the database
+// is still not configured; or an error number: those of the table are reported, an item that holds a number
+// too large ends the reading with 6 and leaves the members behind it unchanged.
+qint32 LoadKOVASettings(SuiteDatabase& database, const std::function<void()>& showDialogIfNew = {});
+
+// Writes kovaDatabaseSettings(), all items or, when one cannot be written, none. Result: 0 or, reported, the
+// error number.
+qint16 SaveKOVASettings(SuiteDatabase& database);
+
+// Makes the automation database of the data location unless the workstation has a default one or the folder
+// for them holds one of the kind. `setAsDefault` names it in the local ini file. Result: -1 (true) when it
+// made a database, else 0.
+qint32 CreateDefaultKOVADatabase(bool setAsDefault);
+
+} // namespace tolvex
