@@ -11,7 +11,6 @@
 #include "platform/ProfileFile.h"
 #include "support/FixedClock.h"
 
-
 using namespace tolvex;
 using namespace tolvex::tests;
 using platform::Answer;
