@@ -132,22 +132,6 @@ void DesignEditor::makeTree(RealIndex& index) {
     IndexTree(pager_, index.root, definition_.page, UsageMap(pager_, index.pages)).create();
 }
 
-void DesignEditor::makeAnew() {
-    definition_.ownedMap = definition_.freeMap = {};
-    for (RealIndex& index : definition_.realIndexes)
-        index.pages = {};
-    for (Column& column : definition_.columns)
-        column.ownedMap = column.freeMap = {};
-    makeMaps();
-    for (RealIndex& index : definition_.realIndexes)
-        makeTree(index);
-    for (Column& column : definition_.columns)
-        if (column.isLong()) {
-            column.ownedMap = makeMap();
-            column.freeMap = makeMap();
-        }
-}
-
 void DesignEditor::addField(const FieldDesign& field) {
     CheckName(field.name);
     if (definition_.findColumn(field.name) >= 0)

@@ -16,9 +16,6 @@ public:
 
     // The maps of a new table.
     void makeMaps();
-    // New maps and empty trees for all columns and indexes of a definition that was copied from another
-    // table.
-    void makeAnew();
 
     void addField(const FieldDesign& field);
     // The pages of its long values are freed.

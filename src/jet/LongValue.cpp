@@ -45,6 +45,27 @@ std::span<const std::uint8_t> rowAt(Pager& pager, RowPointer at) {
     return datapage::BytesOf(page, slot);
 }
 
+// The rows that a value lies in; none if it follows its definition.
+std::vector<RowPointer> rowsOf(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page) {
+    const Definition parsed = parse(definition, page);
+    std::vector<RowPointer> rows;
+    if (parsed.isInline || parsed.first.page == 0)
+        return rows;
+    const std::size_t most = parsed.isSingle ? 1 : parsed.length + std::size_t{1};
+    for (RowPointer at = parsed.first; at.page != 0;) {
+        if (rows.size() >= most || rows.size() > std::size_t{pager.pageCount()} * datapage::MaximumSlots)
+            Damaged(at.page, "a long value has no end");
+        rows.push_back(at);
+        const auto bytes = rowAt(pager, at);
+        if (parsed.isSingle)
+            break;
+        if (bytes.size() <= PointerLength)
+            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
+        at = LoadRowPointer(bytes.data());
+    }
+    return rows;
+}
+
 void putDefinition(std::uint8_t* at, std::uint32_t head, RowPointer first, std::uint32_t stamp) {
     Store32(at, head);
     StoreRowPointer(at + 4, first);
@@ -101,27 +122,6 @@ void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageN
         into.insert(into.end(), piece.begin(), piece.end());
 }
 
-std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t> definition,
-                                      PageNumber page) {
-    const Definition parsed = parse(definition, page);
-    std::vector<RowPointer> rows;
-    if (parsed.isInline || parsed.first.page == 0)
-        return rows;
-    const std::size_t most = parsed.isSingle ? 1 : parsed.length + std::size_t{1};
-    for (RowPointer at = parsed.first; at.page != 0;) {
-        if (rows.size() >= most || rows.size() > std::size_t{pager.pageCount()} * datapage::MaximumSlots)
-            Damaged(at.page, "a long value has no end");
-        rows.push_back(at);
-        const auto bytes = rowAt(pager, at);
-        if (parsed.isSingle)
-            break;
-        if (bytes.size() <= PointerLength)
-            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
-        at = LoadRowPointer(bytes.data());
-    }
-    return rows;
-}
-
 void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row) {
     const std::size_t at = row.size();
     row.resize(at + LongValueDefinitionLength);
@@ -164,7 +164,7 @@ void LongValueStore::write(std::span<const std::uint8_t> data, std::uint8_t* def
 }
 
 void LongValueStore::remove(std::span<const std::uint8_t> definition, PageNumber page) {
-    for (const RowPointer at : LongValueRows(*pager_, definition, page))
+    for (const RowPointer at : rowsOf(*pager_, definition, page))
         space_.remove(at);
 }
 

@@ -36,10 +36,6 @@ private:
 // The whole value.
 void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page, Bytes& into);
 
-// The rows that a value lies in, for checking; the definition's own data counts as none.
-std::vector<RowPointer> LongValueRows(Pager& pager, std::span<const std::uint8_t> definition,
-                                      PageNumber page);
-
 // Appends a short value (up to MaximumInlineLength bytes) to a row: its definition and itself.
 void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row);
 

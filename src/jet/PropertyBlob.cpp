@@ -147,11 +147,6 @@ void PropertyBlob::setFlag(std::u16string_view column, std::u16string_view name,
     set(column, {std::u16string(name), true, ColumnType::Boolean, {value ? True : std::uint8_t{0}}});
 }
 
-void PropertyBlob::setText(std::u16string_view column, std::u16string_view name, ColumnType type,
-                           bool definition, std::u16string_view value) {
-    set(column, {std::u16string(name), definition, type, toBytes(value)});
-}
-
 void PropertyBlob::renameColumn(std::u16string_view from, std::u16string_view to) {
     const auto owner = findOwner(owners, from);
     if (owner != owners.end())

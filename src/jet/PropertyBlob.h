@@ -40,8 +40,6 @@ struct PropertyBlob {
     std::u16string text(std::u16string_view column, std::u16string_view name) const;
     void set(std::u16string_view column, Property property);
     void setFlag(std::u16string_view column, std::u16string_view name, bool value);
-    void setText(std::u16string_view column, std::u16string_view name, ColumnType type, bool definition,
-                 std::u16string_view value);
     void renameColumn(std::u16string_view from, std::u16string_view to);
     void removeColumn(std::u16string_view column);
     bool empty() const { return owners.empty() && others.empty(); }

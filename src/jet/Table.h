@@ -41,9 +41,6 @@ public:
     const std::u16string& name() const { return name_; }
     const TableDefinition& definition() const { return *definition_; }
     Pager& pager() const { return *pager_; }
-    // What the properties say of a column.
-    bool isRequired(int column) const { return rules_[static_cast<std::size_t>(column)].required; }
-    bool allowsZeroLength(int column) const { return rules_[static_cast<std::size_t>(column)].zeroLength; }
 
     // Number of rows, as the table's own counter says.
     std::uint32_t rowCount() const;

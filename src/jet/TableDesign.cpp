@@ -134,21 +134,6 @@ PageNumber AppendTable(Catalog& catalog, const TableDesign& design) {
     return definition.page;
 }
 
-PageNumber AppendTableLike(Catalog& catalog, std::u16string_view name, const TableDefinition& like,
-                           const PropertyBlob& properties, std::uint32_t flags) {
-    Pager& pager = catalog.pager();
-    Changing change(pager, Changing::Undoable);
-    TableDefinition definition = like;
-    PropertyBlob same = properties;
-    definition.page = pager.allocate();
-    definition.rowCount = 0;
-    DesignEditor(pager, definition, same).makeAnew();
-    WriteTableDefinition(pager, definition);
-    catalog.addTable(definition.page, name, properties, flags);
-    change.commit();
-    return definition.page;
-}
-
 void DropTable(Catalog& catalog, std::u16string_view table) {
     Redesign design(catalog, table);
     const auto takesPart = [&](const Catalog::RelationshipColumn& pair) {
@@ -279,16 +264,6 @@ TableDesign DescribeTable(const Catalog& catalog, const CatalogObject& object) {
                 into->push_back(property);
     }
     return design;
-}
-
-void RebuildIndex(Pager& pager, PageNumber page, int realIndex) {
-    Changing change(pager, Changing::Undoable);
-    const Table table(pager, page);
-    TableDefinition definition = table.definition();
-    table.index(realIndex).clear();
-    fill(table, definition, realIndex);
-    WriteTableDefinition(pager, definition);
-    change.commit();
 }
 
 } // namespace jet

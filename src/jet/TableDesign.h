@@ -45,11 +45,6 @@ struct TableDesign {
 // Throws TableExists, FieldExists, IndexExists, TooManyFields, TooManyIndexes, ItemNotFound (a field of an
 // index), or InvalidArgument (name or size). Gives the page of the definition.
 PageNumber AppendTable(Catalog& catalog, const TableDesign& design);
-// Appends an empty table with the very columns and indexes of a table of this or another file, numbers and
-// all, and with these properties and catalogue flags. Indexes that belong to relationships keep the pages of
-// the other tables, which the caller sets right with WriteTableDefinition().
-PageNumber AppendTableLike(Catalog& catalog, std::u16string_view name, const TableDefinition& like,
-                           const PropertyBlob& properties, std::uint32_t flags);
 // A table that takes part in a relationship cannot be dropped: UsedInRelationship.
 void DropTable(Catalog& catalog, std::u16string_view table);
 void RenameTable(Catalog& catalog, std::u16string_view table, std::u16string_view name);
@@ -72,9 +67,5 @@ void RenameIndex(Catalog& catalog, std::u16string_view table, std::u16string_vie
 // What a table looks like: fields in the order in which they are shown, without the indexes that belong to
 // relationships.
 TableDesign DescribeTable(const Catalog& catalog, const CatalogObject& table);
-
-// Makes all entries of one index anew from the table's rows, in a tree as small as can be. Throws
-// DuplicateKey or NullNotAllowed.
-void RebuildIndex(Pager& pager, PageNumber definition, int realIndex);
 
 } // namespace jet
