@@ -5,7 +5,7 @@
 #include <QLibrary>
 #include <QtEndian>
 
-#include <cstring>
+#include <utility>
 
 // The calling convention of the library, on systems that have several.
 #ifdef QT_WIN_CALLBACK
@@ -116,8 +116,8 @@ std::unique_ptr<AdvantechDriver> LoadAdvantechDriver(const QString& library) {
     return driver;
 }
 
-void SetAdvantechDriver(DriverSource source) {
-    inForce = source ? source : installedDriver;
+DriverSource SetAdvantechDriver(DriverSource source) {
+    return std::exchange(inForce, source);
 }
 
 } // namespace tolvex

@@ -39,9 +39,9 @@ AdvantechDriver* advantechDriver();
 // A library by its name or host path; null when it cannot be loaded or lacks an operation.
 std::unique_ptr<AdvantechDriver> LoadAdvantechDriver(const QString& library);
 
-// Tests put another driver in place (not owned), or none by a routine that gives null; an empty one brings
-// the machine's back.
+// Tests put another driver in place (not owned), or none by a routine that gives null. Gives the source that
+// was in force.
 using DriverSource = AdvantechDriver* (*)();
-void SetAdvantechDriver(DriverSource source);
+DriverSource SetAdvantechDriver(DriverSource source);
 
 } // namespace tolvex

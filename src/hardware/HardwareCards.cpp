@@ -23,6 +23,11 @@ constexpr CardTypeRow types[] = {
 
 } // namespace
 
+bool HardwareLine::isStoredAs(const HardwareLine& other) const {
+    return LineType == other.LineType && ActiveLow == other.ActiveLow && Description == other.Description &&
+           Color == other.Color && Action == other.Action && ActionData == other.ActionData;
+}
+
 HardwareCardTable& HardwareCards() {
     return table;
 }

@@ -30,6 +30,8 @@ struct HardwareLine {
     QString description() const { return Description.trimmed(); }
     // A line that is kept in the file.
     bool inUse() const { return Action != 0 || !description().isEmpty(); }
+    // Whether the file would hold the same for both.
+    bool isStoredAs(const HardwareLine& other) const;
 };
 
 struct HardwareCard {

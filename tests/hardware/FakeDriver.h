@@ -17,11 +17,11 @@ public:
         PortModes modes{};
     };
 
-    FakeDriver() {
+    FakeDriver()
+        : before_(SetAdvantechDriver([]() -> AdvantechDriver* { return current; })) {
         current = this;
-        SetAdvantechDriver([]() -> AdvantechDriver* { return current; });
     }
-    ~FakeDriver() override { SetAdvantechDriver(nullptr); }
+    ~FakeDriver() override { SetAdvantechDriver(before_); }
     FakeDriver(const FakeDriver&) = delete;
     FakeDriver& operator=(const FakeDriver&) = delete;
 
@@ -59,16 +59,18 @@ private:
     qint32 fails(const char* step, qint32 error) const { return failing == QLatin1String(step) ? error : 0; }
 
     inline static FakeDriver* current = nullptr;
+    DriverSource before_;
 };
 
 // No driver at all, for a test's life.
 struct NoDriver {
-    NoDriver() {
-        SetAdvantechDriver([]() -> AdvantechDriver* { return nullptr; });
-    }
-    ~NoDriver() { SetAdvantechDriver(nullptr); }
+    NoDriver()
+        : before(SetAdvantechDriver([]() -> AdvantechDriver* { return nullptr; })) {}
+    ~NoDriver() { SetAdvantechDriver(before); }
     NoDriver(const NoDriver&) = delete;
     NoDriver& operator=(const NoDriver&) = delete;
+
+    DriverSource before;
 };
 
 } // namespace tolvex::tests

@@ -4,6 +4,7 @@
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
 #include "core/Settings.h"
+#include "hardware/forms/frmHardwareSettings.h"
 
 #include <QFile>
 
@@ -30,6 +31,7 @@ const Row rows[] = {
      }},
     {"frmDisplayOptions", [](QWidget* owner) -> QDialog* { return new frmDisplayOptions(owner); }},
     {"frmDateTimeSetup", [](QWidget* owner) -> QDialog* { return new frmDateTimeSetup({}, owner); }},
+    {"frmHardwareSettings", [](QWidget* owner) -> QDialog* { return new frmHardwareSettings(owner); }},
 };
 
 const Row* find(const QString& form) {

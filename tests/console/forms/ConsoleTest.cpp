@@ -116,7 +116,8 @@ TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
     Console console;
     ASSERT_TRUE(console.start());
     const QStringList always = {"cmdFileLocations"};
-    const QStringList withData = {"cmdFileLocations", "cmdDisplaySettings", "cmdDateTimeSetup"};
+    const QStringList withData = {"cmdFileLocations", "cmdHardwareSetup", "cmdDisplaySettings",
+                                  "cmdDateTimeSetup"};
     EXPECT_EQ(enabled(console.form), withData);
     settings().DataLocation = "C:\\GONE";
     console.form.UpdateEnabledButtons();

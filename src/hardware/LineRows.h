@@ -1,0 +1,25 @@
+// Lines as tab-separated text, for the clipboard: from card to card, to a spreadsheet and back. The words
+// that the grid shows come first, the stored numbers behind them. Where both say the same the numbers count,
+// so that a copy is exact; where the words were edited, the words count.
+#pragma once
+
+#include "hardware/LineEdits.h"
+
+#include <optional>
+
+namespace tolvex {
+
+// A heading and one row for each line.
+QString RowsOfLines(const HardwareCard& card, const LineNumbers& lines);
+
+// The lines of such a text. Columns are found by their headings; without a heading they stand in the order of
+// RowsOfLines, and those at the end may be missing. Nothing, with a sentence in *why, when a row cannot be
+// understood.
+std::optional<QList<HardwareLine>> LinesOfRows(const QString& text, QString* why);
+
+// Puts lines over those given, as many as both have. All or, with a sentence in *why, none: on a card whose
+// line types are fixed, every line has to meet one of its own type.
+bool PasteLines(HardwareCard& card, const CardTypeRow& type, const LineNumbers& over,
+                const QList<HardwareLine>& lines, QString* why);
+
+} // namespace tolvex

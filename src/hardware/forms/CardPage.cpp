@@ -1,0 +1,182 @@
+#include "hardware/forms/CardPage.h"
+
+#include "dialogs/TextBoxes.h"
+#include "hardware/forms/LineUsageModel.h"
+#include "ui_CardPage.h"
+
+namespace tolvex {
+
+namespace {
+
+constexpr int SerialPorts = 4;
+
+} // namespace
+
+CardPage::CardPage(int number, QWidget* parent)
+    : QWidget(parent)
+    , ui_(std::make_unique<Ui::CardPage>())
+    , number_(number)
+    , card_(HardwareCards()[number])
+    , model_(new LineUsageModel(card_, this)) {
+    ui_->setupUi(this);
+    ui_->gridUsage->setLines(model_);
+    for (const CardTypeRow& row : CardTypes())
+        if (row.name)
+            ui_->CardTypeList->addItem(QLatin1String(row.name), row.type);
+    for (int port = 1; port <= SerialPorts; ++port)
+        ui_->ComPortlist->addItem(QString::number(port));
+    ui_->ComPortlist->setCurrentIndex(-1);
+    SelectAllOnFocus(ui_->PortAddressT);
+
+    connect(ui_->CardTypeList, &QComboBox::currentIndexChanged, this, &CardPage::selectType);
+    connect(ui_->PortAddressT, &QLineEdit::textChanged, this, &CardPage::addressChanged);
+    connect(ui_->PortAddressT, &QLineEdit::editingFinished, this, [this] { reports_.show(); });
+    connect(ui_->ComPortlist, &QComboBox::currentIndexChanged, this, &CardPage::edited);
+    connect(ui_->gridUsage, &LineGrid::linesChanged, this, &CardPage::edited);
+    connect(ui_->chkOnlyInUse, &QCheckBox::toggled, ui_->gridUsage, &LineGrid::showOnlyLinesInUse);
+}
+
+CardPage::~CardPage() = default;
+
+void CardPage::load(DriverReports& reports) {
+    loading_ = &reports;
+    const int entry = ui_->CardTypeList->findData(card_.CardType);
+    if (entry < 0)
+        ui_->CardTypeList->setPlaceholderText(
+            QStringLiteral("Type %1 (not supported here)").arg(card_.CardType));
+    ui_->CardTypeList->setCurrentIndex(entry);
+    if (entry <= 0)
+        selectType();
+    ui_->PortAddressT->setText(AddressText(card_.BaseAddress));
+    if (card_.CardType == CardRS232)
+        ui_->ComPortlist->setCurrentIndex(
+            card_.ComPort >= 1 && card_.ComPort <= SerialPorts ? card_.ComPort - 1 : -1);
+    loading_ = nullptr;
+    markStored();
+}
+
+// A type that the list does not offer is the card's own.
+qint32 CardPage::selectedType() const {
+    const QVariant value = ui_->CardTypeList->currentData();
+    return value.isValid() ? value.toInt() : card_.CardType;
+}
+
+CardChoice CardPage::choice() const {
+    return {selectedType(), ui_->PortAddressT->text(), ui_->ComPortlist->currentIndex()};
+}
+
+void CardPage::selectType() {
+    if (loading_) {
+        showLines(*loading_);
+        return;
+    }
+    reports_.clear();
+    reports_.show();
+    showLines(reports_);
+}
+
+void CardPage::addressChanged() {
+    if (selectedType() != CardAdvantech) {
+        emit edited();
+        return;
+    }
+    if (loading_) {
+        showLines(*loading_);
+        return;
+    }
+    // What the driver says of a number that is half typed is told when it is typed.
+    reports_.clear();
+    reports_.hold();
+    showLines(reports_);
+}
+
+void CardPage::showLines(DriverReports& reports) {
+    const qint32 type = selectedType();
+    ui_->gridUsage->finishEditing();
+    ui_->gridUsage->setCardType(FindCardType(type));
+    const int lines = SelectCardType(card_, type, ui_->PortAddressT->text(), reports);
+    answered_ = type != CardAdvantech || lines > 0;
+    model_->setLines(lines);
+    model_->UpdateGridDisplay();
+    ui_->gridUsage->showOnlyLinesInUse(onlyInUse());
+    ui_->gridUsage->setEmptyText(
+        type == CardDisabled ? QStringLiteral("This card is disabled. Choose its type to see its lines here.")
+        : type == CardAdvantech
+            ? QStringLiteral("The card does not answer, so its lines cannot be shown. What is set for them "
+                             "stays in the file. Check the device number and the driver.")
+            : QStringLiteral("Nothing is known of this type of card. It stays in the file as it is."));
+    enableFields();
+    emit edited();
+}
+
+void CardPage::enableFields() {
+    static const QString reason = QStringLiteral("The chosen type of card does not use this.");
+    const CardTypeRow* row = FindCardType(selectedType());
+    const bool address = row && row->usesAddress;
+    const bool port = row && row->usesPort;
+    if (row && row->addressCaption)
+        ui_->PortAddressL->setText((address ? QStringLiteral("&") : QString()) +
+                                   QLatin1String(row->addressCaption));
+    ui_->PortAddressL->setEnabled(address);
+    ui_->PortAddressT->setEnabled(address);
+    ui_->PortAddressT->setToolTip(
+        address ? QStringLiteral("0 to FF. While you type, the number is tried as a decimal one.") : reason);
+    ui_->ComportL->setEnabled(port);
+    ui_->ComPortlist->setEnabled(port);
+    ui_->ComPortlist->setToolTip(port ? QStringLiteral("The serial port of the controller") : reason);
+    const bool good = !address || DeviceNumber(ui_->PortAddressT->text());
+    MarkBox(ui_->PortAddressT, !good        ? QStringLiteral("0 to FF")
+                               : !answered_ ? QStringLiteral("no answer")
+                                            : QString());
+}
+
+ListedCard CardPage::listed() const {
+    const CardChoice now = choice();
+    const CardTypeRow* row = FindCardType(now.type);
+    QString about = row && row->name ? QString::fromLatin1(row->name) : QString::number(now.type);
+    if (row && row->usesPort && now.port >= 0)
+        about += QStringLiteral(", attached to port %1").arg(now.port + 1);
+    if (row && row->usesAddress)
+        about += QStringLiteral(", device %1").arg(now.address);
+    return {number_, about, model_->rowCount(), &card_};
+}
+
+bool CardPage::onlyInUse() const {
+    return ui_->chkOnlyInUse->isChecked();
+}
+
+void CardPage::markStored() {
+    storedChoice_ = choice();
+    storedLines_ = card_.Lines;
+}
+
+bool CardPage::isChanged() const {
+    const CardChoice now = choice();
+    const CardTypeRow* row = FindCardType(now.type);
+    if (now.type != storedChoice_.type || (row && row->usesPort && now.port != storedChoice_.port) ||
+        (row && row->usesAddress && now.address != storedChoice_.address))
+        return true;
+    for (int n = 1; n <= model_->rowCount(); ++n)
+        if (!card_.Lines[n].isStoredAs(storedLines_[n]))
+            return true;
+    return false;
+}
+
+void CardPage::finishEditing() {
+    ui_->gridUsage->finishEditing();
+}
+
+void CardPage::showWrongField() {
+    for (QWidget* field : {static_cast<QWidget*>(ui_->PortAddressT), static_cast<QWidget*>(ui_->ComPortlist),
+                           static_cast<QWidget*>(ui_->CardTypeList)})
+        if (field->isEnabled()) {
+            field->setFocus();
+            return;
+        }
+}
+
+void CardPage::focusGrid() {
+    ui_->gridUsage->setFocus();
+}
+
+} // namespace tolvex

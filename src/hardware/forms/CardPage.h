@@ -1,0 +1,65 @@
+// One card of the hardware form: its type, where it is attached, and the grid of its lines.
+#pragma once
+
+#include "hardware/CardSetup.h"
+#include "hardware/LineList.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class CardPage;
+}
+
+namespace tolvex {
+
+class LineUsageModel;
+
+class CardPage : public QWidget {
+    Q_OBJECT
+
+public:
+    // `number` is the card's, 1 to 3. Shows nothing before load().
+    explicit CardPage(int number, QWidget* parent = nullptr);
+    ~CardPage() override;
+
+    // Shows the card as the table has it. The driver may be asked several times.
+    void load(DriverReports& reports);
+    // What the controls say now, for Apply.
+    CardChoice choice() const;
+    ListedCard listed() const;
+    bool onlyInUse() const;
+
+    // Whether anything differs from what was marked as stored last.
+    bool isChanged() const;
+    void markStored();
+
+    void finishEditing();
+    // Puts the focus on the field that Apply found wrong.
+    void showWrongField();
+    void focusGrid();
+
+signals:
+    void edited();
+
+private:
+    void selectType();
+    void addressChanged();
+    void showLines(DriverReports& reports);
+    void enableFields();
+    qint32 selectedType() const;
+
+    std::unique_ptr<Ui::CardPage> ui_;
+    int number_;
+    HardwareCard& card_;
+    LineUsageModel* model_;
+    DriverReports* loading_ = nullptr; // while load() runs
+    DriverReports reports_;            // of what the user does
+    bool answered_ = true;             // the driver did, the last time it was asked
+
+    CardChoice storedChoice_;
+    NumberedTable<HardwareLine, LinesPerCard> storedLines_;
+};
+
+} // namespace tolvex

@@ -1,0 +1,25 @@
+// A small form without controls that holds the hardware open while the program runs. It stays minimised.
+#pragma once
+
+#include <QWidget>
+
+namespace tolvex {
+
+class frmHardwareManager : public QWidget {
+    Q_OBJECT
+
+public:
+    // The one form is made and shown, or taken away. Either does nothing when it was done before.
+    static void LoadManager();
+    static void UnloadManager();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    frmHardwareManager();
+    void backToMinimised();
+};
+
+} // namespace tolvex

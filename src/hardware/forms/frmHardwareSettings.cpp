@@ -1,0 +1,184 @@
+#include "hardware/forms/frmHardwareSettings.h"
+
+#include "core/ProblemReport.h"
+#include "core/Settings.h"
+#include "core/StoredSettings.h"
+#include "dialogs/Monitors.h"
+#include "dialogs/OpenForms.h"
+#include "dialogs/Style.h"
+#include "hardware/HardwareStore.h"
+#include "hardware/forms/CardPage.h"
+#include "hardware/forms/frmHardwareManager.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/Prompts.h"
+#include "ui_frmHardwareSettings.h"
+
+#include <QBuffer>
+#include <QPdfWriter>
+#include <QPrinter>
+#include <QScreen>
+#include <QTextDocument>
+
+#include <utility>
+
+namespace tolvex {
+
+namespace {
+
+void inform(const QString& text) {
+    platform::prompts().ask({text, platform::Icon::Information, platform::Buttons::Ok});
+}
+
+} // namespace
+
+frmHardwareSettings::frmHardwareSettings(QWidget* parent)
+    : QDialog(parent)
+    , ui_(std::make_unique<Ui::frmHardwareSettings>()) {
+    ui_->setupUi(this);
+    setWindowFlag(Qt::WindowMaximizeButtonHint, true);
+    EnterForm(this);
+    ui_->lblChanges->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
+    connect(ui_->cmdApply, &QPushButton::clicked, this, &frmHardwareSettings::apply);
+    connect(ui_->cmdOK, &QPushButton::clicked, this, &frmHardwareSettings::ok);
+    connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(ui_->cmdPrint, &QPushButton::clicked, this, &frmHardwareSettings::print);
+    connect(ui_->cmdSaveList, &QPushButton::clicked, this, &frmHardwareSettings::saveList);
+
+    DriverReports reports;
+    ReadHardwareSettings(settings().LocalIniFile, reports);
+    for (int card = 1; card <= HardwareCardCount; ++card) {
+        auto* page = new CardPage(card, this);
+        pages_.append(page);
+        ui_->tbsSettings->addTab(page, QStringLiteral("Card &%1").arg(card));
+        page->load(reports);
+        connect(page, &CardPage::edited, this, &frmHardwareSettings::showChanges);
+    }
+    loaded_ = true;
+    showChanges();
+    platform::prompts().setPointer(platform::Pointer::Default);
+}
+
+frmHardwareSettings::~frmHardwareSettings() = default;
+
+void frmHardwareSettings::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (std::exchange(shown_, true))
+        return;
+    // Room for all columns and some thirty lines, where the screen has it and nobody chose a size.
+    if (!testAttribute(Qt::WA_Resized))
+        resize(QSize(1200, 860).boundedTo(screen()->availableGeometry().size() * 9 / 10));
+    clsMonitors().CenterFormOnMonitor(this, parentWidget());
+    pages_.first()->focusGrid();
+}
+
+void frmHardwareSettings::showChanges() {
+    if (!loaded_)
+        return;
+    QStringList cards;
+    for (int i = 0; i < pages_.size(); ++i)
+        if (pages_[i]->isChanged())
+            cards += QString::number(i + 1);
+    ui_->lblChanges->setText(
+        cards.isEmpty()
+            ? QString()
+            : QStringLiteral("Not applied yet: card %1").arg(cards.join(QStringLiteral(" and "))));
+}
+
+void frmHardwareSettings::apply() {
+    for (CardPage* page : std::as_const(pages_))
+        page->finishEditing();
+    frmHardwareManager::UnloadManager();
+    for (int i = 0; i < pages_.size(); ++i) {
+        const QString wrong = TakeCardChoice(HardwareCards()[i + 1], pages_[i]->choice());
+        if (wrong.isEmpty())
+            continue;
+        ui_->tbsSettings->setCurrentIndex(i);
+        inform(wrong);
+        pages_[i]->showWrongField();
+        return;
+    }
+    const QString file = settings().LocalIniFile;
+    if (const int error = WriteHardwareSettings(file)) {
+        ShowExclamation(ProfileErrorText(error, ProfilePath(file)));
+        return;
+    }
+    frmHardwareManager::LoadManager();
+    ui_->cmdApply->setProperty("tag", QStringLiteral("1"));
+    for (CardPage* page : std::as_const(pages_))
+        page->markStored();
+    showChanges();
+}
+
+// After an earlier Apply the form closes even when this one finds something wrong.
+void frmHardwareSettings::ok() {
+    apply();
+    if (ui_->cmdApply->property("tag").toInt() != 0)
+        accept();
+}
+
+void frmHardwareSettings::reject() {
+    for (CardPage* page : std::as_const(pages_))
+        page->finishEditing();
+    showChanges();
+    if (!ui_->lblChanges->text().isEmpty()) {
+        const platform::Message question{
+            QStringLiteral("The changes to the hardware lines have not been applied.\n\nClose without them?"),
+            platform::Icon::Question, platform::Buttons::YesNo, platform::Answer::No};
+        if (platform::prompts().ask(question) != platform::Answer::Yes)
+            return;
+    }
+    QDialog::reject();
+}
+
+QString frmHardwareSettings::listHtml() const {
+    QList<ListedCard> cards;
+    for (const CardPage* page : pages_)
+        cards.append(page->listed());
+    const auto* page = static_cast<const CardPage*>(ui_->tbsSettings->currentWidget());
+    const QString date = platform::clock().now().toString(QStringLiteral("d MMMM yyyy, hh:mm"));
+    return LineListHtml(QStringLiteral("Hardware lines"),
+                        settings().ConfigName + QStringLiteral(" (") + settings().LocalIniFile +
+                            QStringLiteral("), ") + date,
+                        cards, page->onlyInUse());
+}
+
+void frmHardwareSettings::print() {
+    pages_[ui_->tbsSettings->currentIndex()]->finishEditing();
+    QPrinter printer;
+    if (!platform::prompts().pickPrinter(printer, false))
+        return;
+    QTextDocument document;
+    document.setHtml(listHtml());
+    document.print(&printer);
+    if (printer.printerState() == QPrinter::Error || !printer.isValid())
+        ProblemReport(QStringLiteral("while printing."), platform::DeviceIoError);
+}
+
+void frmHardwareSettings::saveList() {
+    pages_[ui_->tbsSettings->currentIndex()]->finishEditing();
+    platform::FileQuestion question;
+    question.title = QStringLiteral("Save the list of lines");
+    question.filter = QStringLiteral("PDF|*.PDF");
+    question.fileName = QStringLiteral("Hardware.pdf");
+    question.defaultExtension = QStringLiteral("PDF");
+    question.mustExist = false;
+    question.saving = true;
+    const std::optional<QString> file = platform::prompts().pickFile(question);
+    if (!file || file->trimmed().isEmpty())
+        return;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setTitle(QStringLiteral("Hardware lines"));
+    writer.setResolution(300);
+    QTextDocument document;
+    document.setHtml(listHtml());
+    document.print(&writer);
+    buffer.close();
+    if (const int error = platform::ReplaceWholeFile(file->trimmed(), bytes))
+        ProblemReport(QStringLiteral("saving the file ") + file->trimmed(), error);
+}
+
+} // namespace tolvex

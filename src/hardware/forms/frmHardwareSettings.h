@@ -1,0 +1,45 @@
+// What the lines of the hardware cards do: one tab for each card. Apply writes the whole table to the local
+// ini file, OK applies and closes, Cancel closes without writing.
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmHardwareSettings;
+}
+
+namespace tolvex {
+
+class CardPage;
+
+class frmHardwareSettings : public QDialog {
+    Q_OBJECT
+
+public:
+    // Reads the table from the local ini file. The driver's failures are told once.
+    explicit frmHardwareSettings(QWidget* parent = nullptr);
+    ~frmHardwareSettings() override;
+
+    // Cancel, Escape and the window's own close button: asks while there are changes that were not applied.
+    void reject() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void apply();
+    void ok();
+    void print();
+    void saveList();
+    void showChanges();
+    QString listHtml() const;
+
+    std::unique_ptr<Ui::frmHardwareSettings> ui_;
+    QList<CardPage*> pages_;
+    bool loaded_ = false;
+    bool shown_ = false;
+};
+
+} // namespace tolvex

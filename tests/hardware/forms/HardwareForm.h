@@ -1,0 +1,133 @@
+// The hardware form on a workstation of a test's own, with what a user does to its grids.
+#pragma once
+
+#include "support/MachineFolder.h"
+#include "support/ScriptedPrompts.h"
+
+#include "core/Settings.h"
+#include "hardware/FakeDriver.h"
+#include "hardware/LineDisplay.h"
+#include "hardware/forms/LineGrid.h"
+#include "hardware/forms/OptionList.h"
+#include "hardware/forms/frmHardwareManager.h"
+#include "hardware/forms/frmHardwareSettings.h"
+#include "platform/ProfileFile.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+
+namespace tolvex::tests {
+
+const QString iniPath = QStringLiteral("C:\\WINDOWS\\TOLVEX.INI");
+
+struct HardwareForm {
+    TestMachine machine;
+    ScriptedPrompts prompts;
+    FakeDriver driver;
+    std::unique_ptr<frmHardwareSettings> form;
+
+    explicit HardwareForm(const QByteArray& ini) {
+        platform::ForgetProfiles();
+        ResetSettings();
+        ResetHardwareCards();
+        settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
+        machine.write(iniPath, ini);
+        driver.addFixed(0, 1, 1);
+    }
+    ~HardwareForm() { frmHardwareManager::UnloadManager(); }
+
+    void open() {
+        form = std::make_unique<frmHardwareSettings>();
+        form->resize(1100, 640);
+        form->show();
+        form->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    }
+    QByteArray ini() const { return machine.read(iniPath); }
+
+    template<typename Widget>
+    Widget* on(int card, const char* name) const {
+        auto* page = form->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->widget(card - 1);
+        auto* widget = page->findChild<Widget*>(QString::fromLatin1(name));
+        if (!widget)
+            throw std::runtime_error(std::string("no control ") + name);
+        return widget;
+    }
+    LineGrid* grid(int card) const { return on<LineGrid>(card, "gridUsage"); }
+    OptionList* list(int card) const { return on<OptionList>(card, "ListOptions"); }
+    QComboBox* type(int card) const { return on<QComboBox>(card, "CardTypeList"); }
+    QLineEdit* address(int card) const { return on<QLineEdit>(card, "PortAddressT"); }
+    void showCard(int card) const {
+        form->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->setCurrentIndex(card - 1);
+    }
+    void press(const char* button) const {
+        auto* widget = form->findChild<QPushButton*>(QString::fromLatin1(button));
+        ASSERT_TRUE(widget && widget->isVisible() && widget->isEnabled()) << button;
+        QTest::mouseClick(widget, Qt::LeftButton);
+    }
+    QString changes() const { return form->findChild<QLabel*>(QStringLiteral("lblChanges"))->text(); }
+
+    QString cell(int card, int line, int column) const {
+        return grid(card)->model()->index(line - 1, column).data().toString();
+    }
+    QPoint at(int card, int line, int column) const {
+        LineGrid* view = grid(card);
+        const QModelIndex index = view->model()->index(line - 1, column);
+        view->scrollTo(index);
+        return view->visualRect(index).center();
+    }
+    void click(int card, int line, int column, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::mouseClick(grid(card)->viewport(), Qt::LeftButton, modifiers, at(card, line, column));
+    }
+    // Presses on one line, moves over the others, wandering into the next column, and lets go.
+    void drag(int card, int first, int last, int column) const {
+        QWidget* viewport = grid(card)->viewport();
+        QTest::mousePress(viewport, Qt::LeftButton, {}, at(card, first, column));
+        for (int line = first; line != last; line += last > first ? 1 : -1)
+            QTest::mouseMove(viewport, at(card, line, column + 1));
+        const QPoint end = at(card, last, column + 1);
+        QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton, Qt::LeftButton,
+                         {});
+        QApplication::sendEvent(viewport, &move);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
+    }
+    // Chooses an entry of the open list by the mouse.
+    void choose(int card, const QString& text) const {
+        OptionList* options = list(card);
+        ASSERT_TRUE(options->isVisible());
+        const int entry = options->findText(text);
+        ASSERT_GE(entry, 0) << text.toStdString();
+        QAbstractItemView* view = options->view();
+        const QModelIndex index = options->model()->index(entry, 0);
+        view->scrollTo(index);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+        QApplication::processEvents();
+        EXPECT_FALSE(options->isVisible());
+    }
+    // A key into whatever has it: the open list or the widget with the focus.
+    void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
+        for (int card = 1; card <= HardwareCardCount; ++card)
+            if (list(card)->isVisible()) {
+                QTest::keyClick(list(card)->view(), Qt::Key(key), modifiers);
+                QApplication::processEvents();
+                return;
+            }
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : form.get(), Qt::Key(key), modifiers);
+        QApplication::processEvents();
+    }
+    QList<qint32> firstData(int card, int first, int last) const {
+        QList<qint32> data;
+        for (int n = first; n <= last; ++n)
+            data.append(HardwareCards()[card].Lines[n].ActionData[0]);
+        return data;
+    }
+};
+
+} // namespace tolvex::tests

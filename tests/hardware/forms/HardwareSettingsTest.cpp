@@ -1,0 +1,234 @@
+// The form: what opening shows and asks, the fields of each type, Apply, OK, Cancel, the line list.
+#include "hardware/forms/HardwareForm.h"
+
+#include "support/QtPrinters.h"
+
+#include "hardware/LineList.h"
+
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+
+namespace {
+
+const QByteArray threeCards = "[Hardware1]\r\nCardType=3\r\nBaseAddress=2\r\nLineType1=0\r\nAction1=1\r\n"
+                              "Action1Data1=4\r\n[Hardware2]\r\nCardType=4\r\nBaseAddress=16\r\n";
+
+QString plain(QString caption) {
+    return caption.remove(u'&');
+}
+
+} // namespace
+
+TEST(HardwareSettings, OpensWithTheCardsAsTheyAreStored) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(16, 3, 2);
+    hw.driver.addFixed(10, 2, 2);
+    hw.open();
+    EXPECT_EQ(hw.form->windowTitle(), "Hardware Settings");
+    EXPECT_EQ(hw.type(1)->currentText(), "RS232 based controller");
+    EXPECT_EQ(hw.on<QComboBox>(1, "ComPortlist")->currentText(), "2");
+    EXPECT_EQ(plain(hw.on<QLabel>(1, "PortAddressL")->text()), "Not Used");
+    EXPECT_FALSE(hw.address(1)->isEnabled());
+    EXPECT_EQ(hw.grid(1)->model()->rowCount(), 8);
+    EXPECT_EQ(hw.cell(1, 1, ColumnDescription), "IC Trigger 4");
+    EXPECT_EQ(hw.cell(1, 2, ColumnType), "Output");
+    EXPECT_EQ(hw.type(2)->currentText(), "Advantech Card (i.e. PCI 1750)");
+    EXPECT_EQ(plain(hw.on<QLabel>(2, "PortAddressL")->text()), "Device Number(Hex)");
+    EXPECT_EQ(hw.address(2)->text(), "10");
+    EXPECT_FALSE(hw.on<QComboBox>(2, "ComPortlist")->isEnabled());
+    // Reading asks the real device; then device 0, while the address is empty; then the text as a decimal.
+    EXPECT_EQ(hw.driver.calls.filter("open"), (QStringList{"open 16", "open 0", "open 10"}));
+    EXPECT_EQ(hw.grid(2)->model()->rowCount(), 4);
+    EXPECT_EQ(hw.type(3)->currentText(), "Disabled");
+    EXPECT_EQ(hw.grid(3)->model()->rowCount(), 0);
+    // A default description made on opening is no change of the user's.
+    EXPECT_EQ(hw.changes(), "");
+    EXPECT_EQ(hw.prompts.pointer(), platform::Pointer::Default);
+    EXPECT_TRUE(hw.prompts.asked.isEmpty());
+    QStringList headings;
+    for (int column = 0; column < hw.grid(1)->model()->columnCount(); ++column)
+        headings += hw.grid(1)->model()->headerData(column, Qt::Horizontal).toString();
+    EXPECT_EQ(headings, (QStringList{"Line", "Type", "L", "Description", "Action", "Info 1", "Info 2",
+                                     "Info 3", "Info 4"}));
+}
+
+TEST(HardwareSettings, AMissingDriverIsToldOncePerActionAndNotPerKey) {
+    HardwareForm hw("[Hardware1]\r\nCardType=4\r\n[Hardware3]\r\nCardType=4\r\nBaseAddress=9\r\n");
+    {
+        const NoDriver none;
+        hw.open();
+        EXPECT_EQ(hw.prompts.asked.size(), 1);
+        EXPECT_EQ(hw.grid(1)->model()->rowCount(), 0);
+        hw.address(1)->setFocus();
+        QTest::keyClicks(hw.address(1), "255");
+        EXPECT_EQ(hw.prompts.asked.size(), 1);
+        hw.grid(1)->setFocus();
+        EXPECT_EQ(hw.prompts.asked.size(), 2);
+        hw.press("cmdApply");
+        EXPECT_EQ(hw.prompts.asked.size(), 3);
+    }
+    hw.driver.addFixed(12, 3, 3);
+    hw.driver.calls.clear();
+    hw.address(1)->setFocus();
+    QApplication::processEvents();
+    QTest::keyClicks(hw.address(1), "12");
+    EXPECT_EQ(hw.driver.calls.filter("open"), (QStringList{"open 1", "open 12"}));
+    hw.grid(1)->setFocus();
+    // "1" did not answer, but it was only on the way.
+    EXPECT_EQ(hw.prompts.asked.size(), 3);
+    EXPECT_EQ(hw.grid(1)->model()->rowCount(), 6);
+    // Choosing a type is an action of its own.
+    hw.type(2)->setCurrentIndex(2);
+    EXPECT_EQ(hw.grid(2)->model()->rowCount(), 2);
+    EXPECT_EQ(hw.prompts.asked.size(), 3);
+}
+
+TEST(HardwareSettings, FieldsAndLinesFollowTheType) {
+    HardwareForm hw("[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n");
+    hw.open();
+    struct Case {
+        const char* type;
+        const char* caption;
+        bool address;
+        bool port;
+        int rows;
+    };
+    for (const Case& c : {Case{"Joystick Port", "Not Used", false, false, 4},
+                          Case{"Advantech Card (i.e. PCI 1750)", "Device Number(Hex)", true, false, 0},
+                          Case{"Disabled", "Device Number(Hex)", false, false, 0},
+                          Case{"RS232 based controller", "Not Used", false, true, 8}}) {
+        hw.type(1)->setCurrentText(c.type);
+        EXPECT_EQ(plain(hw.on<QLabel>(1, "PortAddressL")->text()), c.caption);
+        EXPECT_EQ(hw.address(1)->isEnabled(), c.address) << c.type;
+        EXPECT_EQ(hw.on<QComboBox>(1, "ComPortlist")->isEnabled(), c.port) << c.type;
+        EXPECT_EQ(hw.grid(1)->model()->rowCount(), c.rows) << c.type;
+        // Each type forced its lines for good.
+        EXPECT_FALSE(HardwareCards()[1].Lines[4].isOutput());
+        EXPECT_TRUE(HardwareCards()[1].Lines[5].isOutput());
+    }
+    EXPECT_EQ(hw.prompts.asked.size(), 1); // device 1 does not answer
+}
+
+TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(16, 3, 2);
+    hw.open();
+    hw.showCard(3);
+    hw.type(3)->setCurrentText("RS232 based controller");
+    hw.on<QComboBox>(1, "ComPortlist")->setCurrentIndex(3);
+    const QByteArray before = hw.ini();
+    hw.press("cmdOK");
+    EXPECT_EQ(hw.prompts.texts().back(), "You must specify a Serial Port to connect to");
+    EXPECT_EQ(hw.prompts.asked.back().icon, platform::Icon::Information);
+    EXPECT_TRUE(hw.form->isVisible());
+    EXPECT_EQ(hw.ini(), before);
+    EXPECT_EQ(HardwareCards()[1].BaseAddress, 4); // taken up already
+    EXPECT_EQ(HardwareCards()[3].CardType, 0);
+    EXPECT_TRUE(hw.changes().contains("1 and 3"));
+
+    hw.on<QComboBox>(3, "ComPortlist")->setCurrentIndex(0);
+    hw.address(2)->setText(" 1f");
+    hw.driver.addFixed(31, 2, 2);
+    hw.press("cmdApply");
+    EXPECT_TRUE(hw.ini().contains("[Hardware2]\r\nCardType=4\r\nBaseAddress=31\r\n"));
+    EXPECT_TRUE(hw.ini().contains("[Hardware3]\r\nCardType=3\r\nBaseAddress=1\r\n"));
+    EXPECT_EQ(hw.changes(), "");
+    const auto managers = [] {
+        int count = 0;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == "frmHardwareManager") {
+                EXPECT_TRUE(widget->isMinimized());
+                ++count;
+            }
+        return count;
+    };
+    EXPECT_EQ(managers(), 1);
+
+    for (const char* wrong : {"100", "FFFF"}) {
+        hw.address(2)->setText(wrong);
+        hw.prompts.forget();
+        hw.press("cmdApply");
+        EXPECT_EQ(hw.prompts.texts().back(), "You must specify a Device Number from 0 to FF") << wrong;
+        EXPECT_EQ(managers(), 0);
+        EXPECT_TRUE(hw.form->isVisible());
+    }
+    hw.prompts.forget();
+    hw.press("cmdOK");
+    EXPECT_EQ(hw.prompts.texts().back(), "You must specify a Device Number from 0 to FF");
+    EXPECT_FALSE(hw.form->isVisible());
+    EXPECT_TRUE(hw.ini().contains("BaseAddress=31"));
+}
+
+TEST(HardwareSettings, OkWritesAndAFileThatCannotBeWrittenKeepsTheFormOpen) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(16, 3, 2);
+    hw.driver.addFixed(10, 3, 2);
+    hw.open();
+    hw.click(1, 2, ColumnLogic);
+    settings().LocalIniFile = "C:\\GONE\\TOLVEX.INI";
+    hw.press("cmdOK");
+    EXPECT_TRUE(hw.form->isVisible());
+    ASSERT_EQ(hw.prompts.asked.size(), 1);
+    EXPECT_TRUE(hw.prompts.texts().front().startsWith("C:\\GONE\\TOLVEX.INI was not changed"));
+    settings().LocalIniFile = "TOLVEX.INI";
+    hw.press("cmdOK");
+    EXPECT_FALSE(hw.form->isVisible());
+    // The line that is not in use is not stored; the description that was made is.
+    EXPECT_TRUE(hw.ini().contains("Description1=IC Trigger 4\r\n"));
+    EXPECT_FALSE(hw.ini().contains("ActiveLow2"));
+}
+
+TEST(HardwareSettings, CancelAsksOnlyWhenSomethingWouldBeLost) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(16, 3, 2);
+    hw.driver.addFixed(10, 3, 2);
+    hw.open();
+    hw.click(1, 3, ColumnType);
+    EXPECT_TRUE(hw.changes().contains("card 1"));
+    hw.prompts.answers = {platform::Answer::No, platform::Answer::Yes};
+    hw.key(Qt::Key_Escape);
+    EXPECT_TRUE(hw.form->isVisible());
+    EXPECT_EQ(hw.prompts.asked.back().defaultAnswer, platform::Answer::No);
+    hw.form->close();
+    EXPECT_FALSE(hw.form->isVisible());
+    EXPECT_EQ(hw.ini(), threeCards);
+    EXPECT_FALSE(HardwareCards()[1].Lines[3].isOutput()); // until the next opening
+    hw.open();
+    EXPECT_EQ(hw.cell(1, 3, ColumnType), "Output");
+    hw.click(1, 3, ColumnType);
+    hw.click(1, 3, ColumnType);
+    hw.press("cmdCancel");
+    EXPECT_FALSE(hw.form->isVisible());
+    EXPECT_EQ(hw.prompts.asked.size(), 2);
+}
+
+TEST(HardwareSettings, TheLineListNamesWhatIsWired) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(16, 3, 2);
+    hw.driver.addFixed(10, 3, 2);
+    hw.open();
+    HardwareLine& line = HardwareCards()[1].Lines[2];
+    line.Description = "Lamp <A> & B";
+    line.ActiveLow = -1;
+    const ListedCard card{1, "RS232 based controller", 8, &HardwareCards()[1]};
+    const QString html =
+        LineListHtml("Lines", "Studio 1", {card, {3, "Disabled", 0, &HardwareCards()[3]}}, true);
+    EXPECT_TRUE(html.contains("Lamp &lt;A&gt; &amp; B"));
+    EXPECT_TRUE(html.contains("Active low"));
+    EXPECT_TRUE(html.contains("IC Trigger, Instant Cart 4"));
+    EXPECT_EQ(html.count("<tr>"), 3);
+    EXPECT_FALSE(html.contains("Card 3"));
+    EXPECT_EQ(LineListHtml("Lines", "", {card}, false).count("<tr>"), 9);
+
+    hw.prompts.files = {std::nullopt, QString("C:\\LINES.PDF"), QString("C:\\GONE\\LINES.PDF")};
+    for (int i = 0; i < 3; ++i)
+        hw.press("cmdSaveList");
+    EXPECT_TRUE(hw.machine.read("C:\\LINES.PDF").startsWith("%PDF-"));
+    ASSERT_EQ(hw.prompts.asked.size(), 1);
+    EXPECT_TRUE(
+        hw.prompts.texts().front().startsWith("There was a problem saving the file C:\\GONE\\LINES.PDF"));
+}
