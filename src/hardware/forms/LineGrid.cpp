@@ -53,8 +53,9 @@ LineGrid::LineGrid(QWidget* parent)
     for (QLineEdit* box : {txtDescription_, txtInfo_})
         box->installEventFilter(this);
 
-    setStyleSheet(QStringLiteral("QTableView { gridline-color: %1; } QHeaderView::section { padding: 6px 4px; }")
-                      .arg(tokens().line.name()));
+    setStyleSheet(
+        QStringLiteral("QTableView { gridline-color: %1; } QHeaderView::section { padding: 6px 4px; }")
+            .arg(tokens().line.name()));
     setSelectionMode(QAbstractItemView::ContiguousSelection);
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
