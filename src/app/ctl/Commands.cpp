@@ -7,8 +7,9 @@ namespace tolvex::ctl {
 const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
-        for (CommandRows (*subject)() : {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands,
-                                         SetsCommands, CartCommands, AudioCommands, DbCommands}) {
+        for (CommandRows (*subject)() :
+             {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
+              AudioCommands, DatabaseCommands, DbCommands, UsersCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

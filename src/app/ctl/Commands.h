@@ -14,7 +14,9 @@ CommandRows RegistryCommands();
 CommandRows SetsCommands();
 CommandRows CartCommands();
 CommandRows AudioCommands();
+CommandRows DatabaseCommands();
 CommandRows DbCommands();
+CommandRows UsersCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();
