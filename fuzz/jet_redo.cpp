@@ -1,0 +1,61 @@
+// A redo log as somebody may find it beside a database: recovered when nobody else is there, and followed
+// when another user has the file open. Whatever it holds, opening, reading and writing end with an error or
+// well.
+#include "jet/FaultyStorage.h"
+#include "jet/FilePager.h"
+#include "jet/RawFile.h"
+#include "jet/RedoLog.h"
+
+#include <cstdlib>
+
+using namespace jet;
+using namespace jet::test;
+
+namespace {
+
+constexpr char Path[] = "F.MDB";
+
+void use(FilePager& pager) {
+    try {
+        const PageNumber pages = pager.pageCount();
+        for (PageNumber page = 0; page < pages && page < 100; ++page)
+            pager.read(page);
+        Changing change(pager);
+        Fill(pager.edit(2), 1);
+        change.commit();
+        if (FilledWith(pager.read(2)) != 1)
+            std::abort();
+    } catch (const Error&) {
+        // As it should be.
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const Bytes log(data, data + size);
+    OpenOptions options;
+    options.lockWait = std::chrono::milliseconds(0);
+    options.logPages = 2;
+    try {
+        FaultyStorage storage;
+        storage.put(Path, RawFile());
+        storage.put(RedoLog::PathFor(Path), log);
+        FilePager pager(storage, Path, options);
+        use(pager);
+    } catch (const Error&) {
+        // As it should be.
+    }
+    try {
+        FaultyStorage storage;
+        storage.put(Path, RawFile());
+        FilePager other(storage, Path, options);
+        storage.put(RedoLog::PathFor(Path), log);
+        FilePager pager(storage, Path, options);
+        use(pager);
+        use(other);
+    } catch (const Error&) {
+        // As it should be.
+    }
+    return 0;
+}
