@@ -128,7 +128,8 @@ void RowView::keep() const {
 }
 
 bool RowView::maskBit(int number) const {
-    return number < columns_ && (bytes_[static_cast<std::size_t>(mask_ + number / 8)] >> number % 8 & 1) != 0;
+    const int at = mask_ + number / 8;
+    return number < columns_ && (bytes_[static_cast<std::size_t>(at)] >> number % 8 & 1) != 0;
 }
 
 bool RowView::isNull(const Column& column) const {

@@ -71,6 +71,8 @@ bool Table::next(RowPointer& at, RowView& row) const {
             if (number == 0)
                 return false;
             slot = 0;
+            if (number >= pager_->pageCount()) // and so does all that follows
+                Damaged(number, "of table '" + ToUtf8(name_) + "' lies beyond the end of the file");
             at = {number, LastSlot}; // if the page is damaged the walk goes on behind it
         }
         const std::uint8_t* page = pager_->read(number);
@@ -95,7 +97,7 @@ bool Table::previous(RowPointer& at, RowView& row) const {
     bool entering = number == 0;
     for (;;) {
         if (entering) {
-            number = owned.previous(number == 0 ? ~PageNumber{0} : number);
+            number = owned.previous(number == 0 ? pager_->pageCount() : number);
             if (number == 0)
                 return false;
             at = {number, 0};

@@ -325,20 +325,24 @@ TEST(JetTable, WalksOnBehindADamagedPage) {
     const PageNumber bad = *std::next(pages.begin());
     const int lost = datapage::SlotCount(database.pager.read(bad));
     database.pager.edit(bad)[0] = 9;
+    // The list of pages goes on beyond the end of the file: the walk says so and does not move any more.
+    UsageMap(database.pager, table.definition().ownedMap).add(database.pager.pageCount() + 100);
     for (const bool forwards : {true, false}) {
         int rows = 0, faults = 0;
         RowPointer at;
         for (bool more = true; more;) {
             RowView row;
+            const RowPointer before = at;
             try {
                 more = forwards ? table.next(at, row) : table.previous(at, row);
                 rows += more ? 1 : 0;
             } catch (const Error& error) {
                 EXPECT_EQ(error.number(), 3428);
                 ++faults;
+                more = at != before;
             }
         }
         EXPECT_EQ(rows, 200 - lost);
-        EXPECT_EQ(faults, 1);
+        EXPECT_EQ(faults, forwards ? 2 : 1);
     }
 }
