@@ -19,7 +19,16 @@ struct CharacterOrder {
     std::uint16_t code = 0; // accent (two positions: that of the first in the high byte), Minor or Mark code
 };
 
+// The characters that nearly all texts are made of, found without a search.
+inline constexpr char16_t LatinEnd = 0x218;
+extern const CharacterOrder LatinOrders[LatinEnd];
+
+// The same for all others.
+const CharacterOrder* FindOrderBeyondLatin(char16_t unit);
+
 // Null: the place of this UTF-16 unit in the order is not known.
-const CharacterOrder* FindCharacterOrder(char16_t unit);
+inline const CharacterOrder* FindCharacterOrder(char16_t unit) {
+    return unit < LatinEnd ? &LatinOrders[unit] : FindOrderBeyondLatin(unit);
+}
 
 } // namespace jet
