@@ -4,6 +4,7 @@
 #include "databases/DatabaseSettings.h"
 
 #include "core/Dates.h"
+#include "jet/Database.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -155,6 +156,29 @@ TEST_F(DatabaseInformationTest, TellsMissingEmptyAndForeignDatabasesApart) {
     EXPECT_EQ(GetDatabaseInformation("C:\\NOROW.MDB", &information, true), 0);
     EXPECT_EQ(texts(), QStringList{"C:\\NOROW.MDB\n\nThere was no Description information in the "
                                    "database.\n\nPlease contact Norvane Ltd."});
+}
+
+TEST_F(DatabaseInformationTest, TellsThatAnotherProgramHasItAlone) {
+    make(Path, 14, "Log");
+    jet::OpenOptions alone;
+    alone.exclusive = true;
+    auto holder =
+        std::make_unique<jet::Database>(jet::Database::open(machine.host(Path).toStdString(), alone));
+    DatabaseInformation information;
+    const int error = GetDatabaseInformation(Path, &information, true);
+    EXPECT_EQ(error, 3356);
+    EXPECT_TRUE(
+        texts().last().startsWith("There was a problem C:\\DATA\\A.MDB\n\nopening the database to read "
+                                  "it's information and"));
+    QString title = "x";
+    EXPECT_EQ(ValidateDatabase(Path, 14, true, &title), 3356);
+    EXPECT_EQ(ChangeDatabaseDescription(Path, "x"), 0);
+    prompts.forget();
+    EXPECT_EQ(GetDatabaseInformation(Path, &information, false), 3356);
+    EXPECT_TRUE(prompts.asked.isEmpty());
+    holder.reset();
+    EXPECT_EQ(GetDatabaseInformation(Path, &information, true), 0);
+    EXPECT_EQ(information.Description, "Log");
 }
 
 TEST_F(DatabaseInformationTest, ChangesTheDescription) {

@@ -1,0 +1,113 @@
+// What start-up and the automation forms ask of databases.
+#include "automation/AutomationSchema.h"
+#include "automation/AutomationStore.h"
+#include "core/Settings.h"
+#include "databases/DatabaseKinds.h"
+#include "databases/FindDatabases.h"
+#include "databases/SuiteDatabase.h"
+#include "databases/UsersDatabase.h"
+#include "databases/UsersSchema.h"
+#include "databases/ValidateDatabase.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+using namespace tolvex;
+
+namespace {
+
+const QString Users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
+const QString Log = QStringLiteral("C:\\DATA\\SCHEDULE\\KOVA26.MDB");
+
+// A machine with a complete users database and a complete automation database.
+void prepare() {
+    static const QTemporaryDir folder;
+    if (platform::MachineFolder() == folder.path())
+        return;
+    platform::SetMachineFolder(folder.path());
+    settings().DataLocation = QStringLiteral("C:\\DATA");
+    OpenUsersDatabase(Users);
+    CloseUsersDatabase();
+    QString title = QStringLiteral("Log");
+    ValidateDatabase(Log, KOVAType, true, &title);
+    ValidateKOVADatabaseTables(Log);
+}
+
+void CreateAutomationDatabase(benchmark::State& state) {
+    prepare();
+    const QString path = QStringLiteral("C:\\DATA\\NEW.MDB");
+    for (auto _ : state) {
+        platform::RemoveFile(path);
+        QString title = QStringLiteral("New");
+        ValidateDatabase(path, KOVAType, true, &title);
+        ValidateKOVADatabaseTables(path);
+    }
+}
+BENCHMARK(CreateAutomationDatabase)->Unit(benchmark::kMillisecond);
+
+void ValidateUsersDatabase(benchmark::State& state) {
+    prepare();
+    for (auto _ : state) {
+        QString title;
+        ValidateDatabase(Users, UsersDatabaseType, true, &title);
+        ValidateUsersDatabaseTables(Users);
+    }
+}
+BENCHMARK(ValidateUsersDatabase)->Unit(benchmark::kMillisecond);
+
+void ValidateAutomationDatabase(benchmark::State& state) {
+    prepare();
+    for (auto _ : state) {
+        QString title;
+        ValidateDatabase(Log, KOVAType, true, &title);
+        ValidateKOVADatabaseTables(Log);
+    }
+}
+BENCHMARK(ValidateAutomationDatabase)->Unit(benchmark::kMillisecond);
+
+void SaveAutomationSettings(benchmark::State& state) {
+    prepare();
+    const auto database = OpenSuiteDatabase(Log);
+    LoadKOVASettings(*database);
+    for (auto _ : state) {
+        ++kovaDatabaseSettings().KOVA_PreCueTime;
+        SaveKOVASettings(*database);
+    }
+}
+BENCHMARK(SaveAutomationSettings)->Unit(benchmark::kMillisecond);
+
+void LoadAutomationSettings(benchmark::State& state) {
+    prepare();
+    const auto database = OpenSuiteDatabase(Log);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(LoadKOVASettings(*database));
+}
+BENCHMARK(LoadAutomationSettings)->Unit(benchmark::kMillisecond);
+
+// Many in one second: each steps over those before it.
+void AddHistoryEvent(benchmark::State& state) {
+    prepare();
+    OpenUsersDatabase(Users);
+    for (auto _ : state)
+        AddEventToUserHistory(QStringLiteral("ANN"), AutomationSettingsSaved, EventSucceeded, Log);
+    CloseUsersDatabase();
+}
+BENCHMARK(AddHistoryEvent)->Unit(benchmark::kMillisecond)->Iterations(100);
+
+void FindAmong200Databases(benchmark::State& state) {
+    prepare();
+    platform::MakeFolder(QStringLiteral("C:\\FOUND"));
+    for (int i = 0; i < 200; ++i)
+        platform::CopyWholeFile(i % 4 == 0 ? Log : Users, QStringLiteral("C:\\FOUND\\D%1.MDB").arg(i));
+    QString first;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FindDatabaseOfType(QStringLiteral("C:\\FOUND"), KOVAType, &first, 0));
+}
+BENCHMARK(FindAmong200Databases)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
