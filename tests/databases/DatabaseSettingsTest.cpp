@@ -1,10 +1,14 @@
 // Named values in a Settings table, and what a database says about itself.
 #include "DatabasesTest.h"
 
+#include "databases/CompactRepair.h"
 #include "databases/DatabaseSettings.h"
 
 #include "core/Dates.h"
 #include "jet/Database.h"
+#include "support/WithoutRights.h"
+
+#include <sys/stat.h>
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -179,6 +183,39 @@ TEST_F(DatabaseInformationTest, TellsThatAnotherProgramHasItAlone) {
     holder.reset();
     EXPECT_EQ(GetDatabaseInformation(Path, &information, true), 0);
     EXPECT_EQ(information.Description, "Log");
+}
+
+TEST_F(DatabaseInformationTest, ReadsWhatMayNotBeWritten) {
+    make(Path, 14, "Log");
+    {
+        auto database = OpenSuiteDatabase(Path);
+        ASSERT_EQ(ValidateSettingsTable(*database), 0);
+        auto rows = database->open("Settings", RecordsetMode::Table);
+        PutDatabaseSetting(rows.get(), "Item", 5, 0);
+    }
+    ASSERT_EQ(::chmod(machine.path().toUtf8().constData(), 0755), 0);
+    ASSERT_EQ(::chmod(machine.host(Path).toUtf8().constData(), 0444), 0);
+    EXPECT_TRUE(PassesWithoutRights([&] {
+        machine.use();
+        DatabaseInformation information;
+        EXPECT_EQ(GetDatabaseInformation(Path, &information, true), 0);
+        EXPECT_EQ(information.Description, "Log");
+        QString title;
+        EXPECT_EQ(ValidateDatabase(Path, 14, true, &title), 0); // it is complete
+        {
+            auto database = OpenSuiteDatabase(Path);
+            auto rows = database->open("Settings", RecordsetMode::Table);
+            EXPECT_EQ(GetDatabaseSetting(rows.get(), "Item", 1), "5");
+            EXPECT_EQ(PutDatabaseSetting(rows.get(), "Item", 6, 0), 0); // nothing happens
+            EXPECT_EQ(GetDatabaseSetting(rows.get(), "Item", 1), "5");
+            EXPECT_TRUE(prompts.asked.isEmpty());
+            EXPECT_EQ(CheckTable(*database, {"More", {{"A", FieldKind::Long}}, {}}), 3027);
+            EXPECT_TRUE(texts().last().startsWith("There was a problem creating the More Table and"));
+        }
+        EXPECT_EQ(ChangeDatabaseDescription(Path, "x"), 0);
+        EXPECT_TRUE(texts().last().startsWith("There was a problem editing the details and"));
+        EXPECT_FALSE(CompactRepairDatabase(Path, false, {}, true));
+    }));
 }
 
 TEST_F(DatabaseInformationTest, ChangesTheDescription) {

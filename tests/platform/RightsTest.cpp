@@ -1,35 +1,11 @@
 // What a user meets who may not do everything. The tests' user often may: they run as somebody else then.
 #include "platform/FileLock.h"
 #include "support/MachineFolder.h"
-
-#include <gtest/gtest.h>
-
-#include <sys/wait.h>
-#include <unistd.h>
+#include "support/WithoutRights.h"
 
 using namespace tolvex::platform;
+using tolvex::tests::PassesWithoutRights;
 using tolvex::tests::TestMachine;
-
-namespace {
-
-constexpr uid_t nobody = 65534;
-
-// Runs a test's checks in a process of its own without the rights of root. True when none failed there.
-template<class Checks>
-bool passesWithoutRights(Checks checks) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0))
-            ::_exit(2);
-        checks();
-        ::_exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = -1;
-    ::waitpid(child, &status, 0);
-    return status == 0;
-}
-
-} // namespace
 
 TEST(Rights, ThatAreMissingGiveAnErrorAndChangeNothing) {
     TestMachine machine;
@@ -50,7 +26,7 @@ TEST(Rights, ThatAreMissingGiveAnErrorAndChangeNothing) {
     mode("C:\\Unlisted", 0111);
     mode("C:\\Carts1.lst", 0444);
 
-    EXPECT_TRUE(passesWithoutRights([&machine] {
+    EXPECT_TRUE(PassesWithoutRights([&machine] {
         machine.use(); // the machine folder itself need not be writable
         EXPECT_EQ(ReplaceWholeFile("C:\\Data\\ReadOnly.ini", "x"), PathFileAccess);
         EXPECT_EQ(ReplaceWholeFile("C:\\Data\\New.ini", "x"), PathFileAccess);
