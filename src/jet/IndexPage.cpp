@@ -303,6 +303,8 @@ int Find(const std::uint8_t* page, KeyView target, bool past) {
     const int used = Used(page);
     int low = Prefix(page);
     int high = used;
+    if (target.empty()) // what every entry begins with
+        return past ? high : low;
     fetchAhead(page, used);
     const auto shared = std::min(static_cast<std::size_t>(low), target.size());
     const int order = shared == 0 ? 0 : std::memcmp(entries, target.data(), shared);
