@@ -19,6 +19,7 @@ std::u16string textOf(const Table& table, const RowView& row, std::u16string_vie
 
 void checkNames(CheckContext& context, const std::vector<CatalogObject>& objects) {
     std::vector<const CatalogObject*> sorted;
+    sorted.reserve(objects.size());
     for (const CatalogObject& object : objects)
         sorted.push_back(&object);
     std::sort(sorted.begin(), sorted.end(), [](const CatalogObject* a, const CatalogObject* b) {

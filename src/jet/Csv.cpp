@@ -2,10 +2,14 @@
 
 #include "jet/Error.h"
 
+#include <algorithm>
+
 namespace jet {
 
 void AppendCsvField(std::string_view text, std::string& into) {
-    if (!text.empty() && text.find_first_of("\",\r\n") == std::string_view::npos) {
+    const bool plain = std::none_of(text.begin(), text.end(),
+                                    [](char c) { return c == '"' || c == ',' || c == '\r' || c == '\n'; });
+    if (plain && !text.empty()) {
         into += text;
         return;
     }

@@ -1,5 +1,6 @@
 #include "jet/Csv.h"
 #include "jet/JsonLine.h"
+#include "jet/LongValue.h"
 #include "jet/Transfer.h"
 #include "jet/ValueText.h"
 
@@ -11,6 +12,7 @@ namespace jet {
 namespace {
 
 constexpr std::size_t pieceLength = 65536;
+constexpr std::uint32_t inlineMark = 0x80000000; // of a long value that lies in its row
 
 // Writes one row after the other into a buffer. What costs is text, so squeezed plain text goes from the
 // page to the buffer without becoming a Value.
@@ -102,15 +104,32 @@ private:
                std::holds_alternative<std::int32_t>(value_);
     }
 
+    // The bytes of a Text, or of a Memo that lies in its row; nothing for what is to be read as a value.
+    static std::span<const std::uint8_t> storedText(const Column& column, const RowView& row) {
+        if (column.type == ColumnType::Text)
+            return row.bytes(column);
+        if (column.type != ColumnType::Memo)
+            return {};
+        const auto definition = row.bytes(column);
+        if (definition.size() < LongValueDefinitionLength)
+            return {};
+        const std::uint32_t head = Load32(definition.data());
+        const std::size_t length = head & ~inlineMark;
+        const auto data = definition.subspan(LongValueDefinitionLength);
+        return (head & inlineMark) != 0 && length <= data.size() ? data.first(length)
+                                                                 : std::span<const std::uint8_t>();
+    }
+
     // Squeezed text of nothing but ASCII is put into text_ as it lies on the page.
     bool plainText(const Field& field, const RowView& row) {
-        if (field.column->type != ColumnType::Text)
-            return false;
-        const auto bytes = row.bytes(*field.column);
+        const auto bytes = storedText(*field.column, row);
         if (bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != 0xFE)
             return false;
         const auto text = bytes.subspan(2);
-        if (!std::all_of(text.begin(), text.end(), [](std::uint8_t c) { return c > 0 && c < 0x80; }))
+        unsigned strange = 0;
+        for (const std::uint8_t c : text)
+            strange |= c | (c - 1u); // the top bit of a byte: 0, or above 127
+        if ((strange & 0x80u) != 0)
             return false;
         text_.assign(text.begin(), text.end());
         return true;

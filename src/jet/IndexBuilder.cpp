@@ -43,10 +43,30 @@ void IndexEntries::add(KeyView key, RowPointer row) {
     bytes_.insert(bytes_.end(), entry.bytes, entry.bytes + entry.size);
 }
 
+// Keys of one index often begin alike; what they have in common says nothing about their order, so the heads
+// are taken from behind it.
 void IndexEntries::sort() {
-    std::sort(places_.begin(), places_.end(), [this](const Place& a, const Place& b) {
+    if (places_.empty())
+        return;
+    const KeyView first = entry(places_.front());
+    std::size_t common = first.size();
+    for (const Place& place : places_) {
+        const KeyView other = entry(place);
+        common = std::min(common, other.size());
+        if (std::memcmp(first.data(), other.data(), common) != 0)
+            common = static_cast<std::size_t>(
+                std::mismatch(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(common),
+                              other.begin())
+                    .first -
+                first.begin());
+    }
+    for (Place& place : places_)
+        place.head = headOf(entry(place).subspan(common));
+    const auto before = [this](const Place& a, const Place& b) {
         return a.head != b.head ? a.head < b.head : compareBytes(entry(a), entry(b)) < 0;
-    });
+    };
+    if (!std::is_sorted(places_.begin(), places_.end(), before))
+        std::sort(places_.begin(), places_.end(), before);
 }
 
 bool IndexEntries::findDuplicate(const std::function<bool(KeyView)>& skip, RowPointer& one,
