@@ -168,6 +168,7 @@ void FilePager::Impl::readHeader() {
 }
 
 void FilePager::Impl::takeOverLog(Sharing::Others others) {
+    log->setShared(!sharing->isExclusive());
     // Without a living writer the session that left this log died, perhaps with the power: only what the
     // frames' checksums prove is true.
     if (!others.writers)
@@ -233,8 +234,11 @@ void FilePager::Impl::takeNews() {
         return;
     if (log == nullptr) {
         log = RedoLog::open(storage, RedoLog::PathFor(path), !fileWritable, identity);
-        if (log != nullptr)
-            takeFrames(0, true);
+        if (log == nullptr)
+            return;
+        log->setShared(true);
+        log->refresh();
+        takeFrames(0, true);
         return;
     }
     const RedoLog::State known = log->state();
@@ -506,6 +510,7 @@ void FilePager::Impl::spill() {
 void FilePager::Impl::ensureLog() {
     if (log == nullptr)
         log = RedoLog::create(storage, RedoLog::PathFor(path), identity, pages);
+    log->setShared(!sharing->isExclusive());
 }
 
 void FilePager::Impl::commitOutermost() {

@@ -24,6 +24,8 @@ constexpr std::size_t HeaderLength = 40;
 constexpr std::size_t StateAt = 512; // generation, frames, pages, chain, frames before, 0, checksum
 constexpr std::size_t StateLength = 40;
 constexpr std::size_t FramesAt = 1024;
+constexpr std::uint64_t StateByte = std::uint64_t{1}
+                                    << 40; // a byte behind every log, locked around the state
 
 // A frame: page number, page count of the database if this ends a transaction, checksum; then the page.
 constexpr std::size_t FrameHead = 16;
@@ -122,16 +124,35 @@ bool RedoLog::readHeader() {
 }
 
 bool RedoLog::readState(State& state) {
-    // Another user may be writing it at this moment: look again.
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        std::uint8_t at[StateLength];
-        if (file_->read(StateAt, at, StateLength) == StateLength && Load64(at + 32) == checksum(0, at, 32)) {
-            state = {Load64(at), Load32(at + 8), Load32(at + 12), Load64(at + 16), Load32(at + 24)};
-            return true;
+    std::uint8_t at[StateLength];
+    if (file_->read(StateAt, at, StateLength) != StateLength || Load64(at + 32) != checksum(0, at, 32))
+        return false;
+    state = {Load64(at), Load32(at + 8), Load32(at + 12), Load64(at + 16), Load32(at + 24)};
+    return true;
+}
+
+// Holds the published state locked.
+class RedoLog::StateLock {
+public:
+    StateLock(const RedoLog& log, bool exclusive)
+        : file_(log.shared_ ? log.file_.get() : nullptr) {
+        if (file_ != nullptr && !file_->lock(StateByte, 1, exclusive, true))
+            throw Error(ErrorNumber::RecordLocked, "the redo log");
+    }
+    ~StateLock() {
+        try {
+            if (file_ != nullptr)
+                file_->unlock(StateByte, 1);
+        } catch (const Error&) {
+            // Closing the file releases it.
         }
     }
-    return false;
-}
+    StateLock(const StateLock&) = delete;
+    StateLock& operator=(const StateLock&) = delete;
+
+private:
+    StorageFile* file_;
+};
 
 void RedoLog::writeHeader() {
     std::uint8_t head[StateAt + StateLength] = {};
@@ -146,6 +167,7 @@ void RedoLog::writeHeader() {
 
 bool RedoLog::refresh() {
     State state;
+    const StateLock lock(*this, false);
     if (!readState(state))
         throw Error(ErrorNumber::Corrupt, "the redo log is damaged");
     if (state == state_)
@@ -214,6 +236,7 @@ void RedoLog::writeOut() {
 }
 
 void RedoLog::publish(PageNumber pages) {
+    const StateLock lock(*this, true);
     writeOut();
     State state = state_;
     state.frames = end_;

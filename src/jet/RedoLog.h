@@ -33,6 +33,9 @@ public:
     // being made and so holds nothing.
     static std::unique_ptr<RedoLog> open(Storage& storage, const std::string& path, bool readOnly,
                                          std::uint64_t identity);
+    // Whether others may read and publish at the same time: both then lock the log for that moment, which
+    // also makes other machines see what was written to a share.
+    void setShared(bool shared) { shared_ = shared; }
     // Makes an empty log. One that is of another database is kept under another name.
     static std::unique_ptr<RedoLog> create(Storage& storage, const std::string& path, std::uint64_t identity,
                                            PageNumber pages);
@@ -70,6 +73,7 @@ public:
     void reset(PageNumber pages);
 
 private:
+    class StateLock;
     explicit RedoLog(std::unique_ptr<StorageFile> file)
         : file_(std::move(file)) {}
     bool readHeader();
@@ -87,6 +91,7 @@ private:
     std::uint32_t buffered_ = 0; // frames at the end that are not written yet
     bool resetPending_ = false;  // the header of the empty log is not on the disk yet
     bool flushFailed_ = false;
+    bool shared_ = false;
     std::vector<std::uint8_t> buffer_;
 };
 
