@@ -9,7 +9,7 @@ const CommandRows& AllCommands() {
         CommandRows rows;
         for (CommandRows (*subject)() :
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, DatabaseCommands, DbCommands, UsersCommands}) {
+              AudioCommands, DatabaseCommands, DbCommands, UsersCommands, HardwareCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

@@ -17,6 +17,7 @@ CommandRows AudioCommands();
 CommandRows DatabaseCommands();
 CommandRows DbCommands();
 CommandRows UsersCommands();
+CommandRows HardwareCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();
