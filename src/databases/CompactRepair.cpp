@@ -47,10 +47,9 @@ QString backupName(const QString& name) {
 
 // Compacts into a new file. A file whose first page is no database's is read once more under a page of a new
 // database. Throws DatabaseError, or CompactionStopped.
-void compact(const QString& from, const QString& to, platform::Progress* progress) {
+void compact(const QString& from, const QString& to, platform::Progress* progress, const jet::OnLoss& lost) {
     const std::string source = EnginePath(from);
     const std::string target = EnginePath(to);
-    const jet::OnLoss lost = [](const jet::Fault&) {};
     CompactionStorage storage(source, progress);
     try {
         try {
@@ -77,7 +76,7 @@ int exchange(const QString& name, const QString& compacted) {
     return error;
 }
 
-bool rewrite(const QString& name, bool silent) {
+bool rewrite(const QString& name, bool silent, const jet::OnLoss& lost) {
     const QString action = QStringLiteral("Compacting/Repairing the database: ") + name.trimmed();
     const QString temporary = TempFileName(FolderOf(name), QStringLiteral("MDB"));
     if (temporary.isEmpty())
@@ -87,7 +86,7 @@ bool rewrite(const QString& name, bool silent) {
         const auto progress =
             silent ? nullptr
                    : platform::prompts().beginProgress(QStringLiteral("Compact/Repair Database"), true);
-        compact(name, temporary, progress.get());
+        compact(name, temporary, progress.get(), lost);
     } catch (const DatabaseError& error) {
         Report(action, error);
         return false;
@@ -105,11 +104,13 @@ bool rewrite(const QString& name, bool silent) {
 } // namespace
 
 bool CompactRepairDatabase(const QString& fileName, bool withDialog, const QString& initialFolder,
-                           bool silent) {
+                           bool silent, const jet::OnLoss& lost) {
     QString name = fileName;
     if (name.isEmpty() && withDialog)
         name = pickDatabase(initialFolder);
-    if (name.isEmpty() || (!silent && !isConfirmed(name)) || !rewrite(name, silent))
+    if (name.isEmpty() || (!silent && !isConfirmed(name)) ||
+        !rewrite(
+            name, silent, lost ? lost : [](const jet::Fault&) {}))
         return false;
     if (!silent)
         platform::prompts().ask(

@@ -1,6 +1,8 @@
 // Compacting and repairing a database file. The old file stays beside it under a numbered name.
 #pragma once
 
+#include "jet/Compact.h"
+
 #include <QString>
 
 namespace tolvex {
@@ -9,8 +11,8 @@ namespace tolvex {
 // keeps the old file as "<name>-0001.BAK", or the next number that is free. `fileName` empty: the user picks
 // the file if `withDialog`, starting in `initialFolder`. Unless `silent` the user is asked first, sees the
 // progress, may stop it, and is told of the success. True when the file was rewritten; otherwise nothing was
-// changed. Cost: one pass over the file.
+// changed. `lost` gets what could not be saved. Cost: one pass over the file.
 bool CompactRepairDatabase(const QString& fileName, bool withDialog, const QString& initialFolder,
-                           bool silent);
+                           bool silent, const jet::OnLoss& lost = {});
 
 } // namespace tolvex

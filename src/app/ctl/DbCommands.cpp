@@ -1,20 +1,14 @@
 // Any Jet file: its tables, their design, rows out and in, queries, check and compaction.
 #include "app/ctl/Commands.h"
 
+#include "databases/CompactRepair.h"
 #include "jet/Check.h"
-#include "jet/Compact.h"
 #include "jet/Database.h"
 #include "jet/Error.h"
 #include "jet/Execute.h"
-#include "jet/PageFile.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
 #include "platform/Paths.h"
-
-#include <QDateTime>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <cstdio>
 
@@ -258,53 +252,15 @@ int check(Call& call) {
     });
 }
 
-// The first name "FILE-0001.BAK", "FILE-0002.BAK", ... that is free, as the system names its backups.
-QString backupName(const QString& file) {
-    const QFileInfo info(file);
-    const QString stem = info.path() + u'/' + info.completeBaseName();
-    for (int number = 1;; ++number) {
-        const QString name = QStringLiteral("%1-%2.BAK").arg(stem).arg(number, 4, 10, QLatin1Char('0'));
-        if (!QFileInfo::exists(name))
-            return name;
-    }
-}
-
-QString temporaryName(const QString& file) {
-    QTemporaryFile temporary(QFileInfo(file).path() + QStringLiteral("/MDBXXXXXX.tmp"));
-    return temporary.open() ? temporary.fileName() : file + QStringLiteral(".tmp");
-}
-
-// The old file goes back if the new one cannot take its name.
-void putInPlace(const std::string& fresh, const std::string& file, const std::string& backup) {
-    jet::Storage& storage = jet::MachineStorage();
-    storage.rename(file, backup);
-    try {
-        storage.rename(fresh, file);
-    } catch (const jet::Error&) {
-        storage.rename(backup, file);
-        storage.remove(fresh);
-        throw;
-    }
-}
-
+// Silent: a script that says "db compact" has been asked. What fails is reported on standard error.
 int compact(Call& call) {
-    return guarded(call, [&]() -> int {
-        const QString file = hostFile(call);
-        const QString fresh = temporaryName(file); // free again when this returns
-        QJsonArray losses;
-        const jet::CompactResult result = jet::CompactDatabase(
-            pathOf(file), pathOf(fresh), {}, [&](const jet::Fault& loss) { losses += recordOf(loss); });
-        const QString backup = backupName(file);
-        putInPlace(pathOf(fresh), pathOf(file), pathOf(backup));
-        if (!call.output.json() && !losses.isEmpty())
-            call.output.records(losses, faultColumns);
-        call.output.record({{QStringLiteral("backup"), platform::WindowsPath(backup)},
-                            {QStringLiteral("losses"), losses},
-                            {QStringLiteral("tables"), static_cast<qint64>(result.tables)},
-                            {QStringLiteral("rows"), static_cast<qint64>(result.rows)}},
-                           {{"backup", "Old file"}, {"tables", "Tables", true}, {"rows", "Rows", true}});
-        return losses.isEmpty() ? Done : No;
-    });
+    QJsonArray losses;
+    const auto lost = [&](const jet::Fault& loss) { losses += recordOf(loss); };
+    if (!CompactRepairDatabase(FileArgument(call.argument(0)), false, {}, true, lost))
+        return call.fail(QStringLiteral("%1 was not compacted.").arg(call.argument(0)));
+    if (!losses.isEmpty() || call.output.json())
+        call.output.records(losses, faultColumns);
+    return losses.isEmpty() ? Done : No;
 }
 
 } // namespace
@@ -321,7 +277,8 @@ CommandRows DbCommands() {
         {"db query", "FILE SQL", "Run SELECT, INSERT, UPDATE or DELETE; rows are written as export does",
          query},
         {"db check", "FILE", "Check the integrity of a database and list its faults", check},
-        {"db compact", "FILE", "Compact and repair a database, keeping the old file as FILE-0001.BAK",
+        {"db compact", "FILE",
+         "Compact and repair a database, keeping the old file as -0001.BAK; list what could not be saved",
          compact},
     };
 }
