@@ -4,6 +4,8 @@
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "core/Product.h"
+#include "core/Settings.h"
+#include "databases/CompactRepair.h"
 #include "dialogs/Monitors.h"
 #include "dialogs/Style.h"
 #include "platform/Paths.h"
@@ -59,6 +61,9 @@ int main(int argc, char** argv) {
     {
         const platform::SingleInstance instance;
         frmConfigure console;
+        console.setRoutine(QStringLiteral("CompactRepairDatabase"), [](frmConfigure&) {
+            CompactRepairDatabase({}, true, settings().DataLocation, false);
+        });
         if (console.load(instance.first())) {
             clsMonitors().CenterFormOnMonitor(&console);
             console.show();

@@ -43,7 +43,7 @@ std::uint64_t loadHighFirst64(const std::uint8_t* at) {
 // The first 8 bytes of a key; zeros where it is shorter.
 std::uint64_t headOf(KeyView key) {
     std::uint8_t bytes[8] = {};
-    std::memcpy(bytes, key.data(), std::min<std::size_t>(key.size(), sizeof bytes));
+    std::copy_n(key.begin(), std::min<std::size_t>(key.size(), sizeof bytes), bytes);
     return loadHighFirst64(bytes);
 }
 

@@ -35,6 +35,7 @@ std::string describe(const std::vector<Fault>& faults) {
 }
 
 TEST(CheckTest, EngineFilesAreSound) {
+    NEED_SAMPLES();
     for (const char* name : tests::Jet4Samples) {
         MemoryPager pager(tests::ReadSample(name));
         EXPECT_EQ(describe(faultsOf(pager)), "") << name;

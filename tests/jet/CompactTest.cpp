@@ -63,6 +63,7 @@ std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
 }
 
 TEST(CompactTest, KeepsTheEnginesFiles) {
+    NEED_SAMPLES();
     for (const char* name : tests::Jet4Samples) {
         FaultyStorage storage;
         storage.put(source, tests::ReadSample(name));

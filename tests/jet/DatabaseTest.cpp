@@ -75,6 +75,7 @@ TEST_F(DatabaseTest, TransactionsNest) {
 }
 
 TEST_F(DatabaseTest, TheOlderFormatIsForReading) {
+    NEED_SAMPLES();
     std::filesystem::copy_file(SampleFolder() + "jet3-deleted-rows.mdb", path_);
     Database database = Database::open(path_);
     EXPECT_EQ(database.header().version, PageZero::Jet3);

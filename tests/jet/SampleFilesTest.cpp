@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <sstream>
 
@@ -108,15 +109,29 @@ std::vector<std::string> sortedLines(const std::string& text) {
     return lines;
 }
 
+// What an independent reader makes of a table, one line a row.
+std::string exported(const std::string& sample, const std::string& table) {
+    const std::string command =
+        "mdb-export -e -b hex -Q -d '|' -0 NULL -D '%Y-%m-%d %H:%M:%S' -T '%Y-%m-%d %H:%M:%S' '" +
+        SampleFolder() + sample + ".mdb' '" + table + "'";
+    std::string text;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe)
+        throw std::runtime_error("cannot run mdb-export");
+    char buffer[4096];
+    for (std::size_t got = 0; (got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        text.append(buffer, got);
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return text;
+}
+
 void expectDumps(Pager& pager, const std::string& sample) {
     const Catalog catalog(pager);
     EXPECT_FALSE(catalog.tables().empty());
     for (const CatalogObject& object : catalog.tables()) {
-        const std::string path = SampleFolder() + "expected/" + sample + "." + ToUtf8(object.name) + ".txt";
-        const Bytes expected = ReadFile(path);
-        const Table table = catalog.table(object);
-        EXPECT_EQ(sortedLines(dump(table)), sortedLines(std::string(expected.begin(), expected.end())))
-            << path;
+        const std::string name = ToUtf8(object.name);
+        EXPECT_EQ(sortedLines(dump(catalog.table(object))), sortedLines(exported(sample, name)))
+            << sample << ' ' << name;
     }
 }
 
@@ -161,6 +176,7 @@ void expectSound(Pager& pager) {
 } // namespace
 
 TEST(JetSamples, EveryTableReadsAsAnIndependentReaderReadsIt) {
+    NEED_SAMPLES();
     for (const char* sample : Jet4Samples) {
         MemoryPager pager(ReadSample(sample));
         expectDumps(pager, sample);
@@ -174,17 +190,19 @@ TEST(JetSamples, EveryTableReadsAsAnIndependentReaderReadsIt) {
 }
 
 TEST(JetSamples, FilesOfTheOlderFormatOpenForReading) {
+    NEED_SAMPLES();
     Database database = Database::open(SampleFolder() + "jet3-long-values.mdb");
     EXPECT_EQ(database.header().version, PageZero::Jet3);
     EXPECT_FALSE(database.readOnlyReason().empty());
     EXPECT_TRUE(database.importFaults().empty());
-    EXPECT_EQ(database.catalog().table(u"MSP_PROJECTS").rowCount(), 1u);
-    EXPECT_EQ(ErrorOf([&] { DropTable(database.catalog(), u"MSP_PROJECTS"); }), 3027);
+    const std::u16string first = database.catalog().tables().front().name;
+    EXPECT_EQ(ErrorOf([&] { DropTable(database.catalog(), first); }), 3027);
     EXPECT_EQ(ErrorOf([&] { database.beginTransaction(); }), 3027);
     database.close();
 }
 
 TEST(JetSamples, DefinitionsAreWrittenAsTheyWereRead) {
+    NEED_SAMPLES();
     for (const char* sample : Jet4Samples) {
         MemoryPager pager(ReadSample(sample));
         for (const CatalogObject& object : Catalog(pager).objects()) {
@@ -206,6 +224,7 @@ TEST(JetSamples, DefinitionsAreWrittenAsTheyWereRead) {
 }
 
 TEST(JetSamples, PropertiesSurviveReadingAndWriting) {
+    NEED_SAMPLES();
     int read = 0;
     for (const char* sample : Jet4Samples) {
         MemoryPager pager(ReadSample(sample));
@@ -228,6 +247,7 @@ TEST(JetSamples, PropertiesSurviveReadingAndWriting) {
 }
 
 TEST(JetSamples, TheirTablesCanBeChanged) {
+    NEED_SAMPLES();
     for (const char* sample : Jet4Samples) {
         SCOPED_TRACE(sample);
         MemoryPager pager(ReadSample(sample));
@@ -271,6 +291,7 @@ TEST(JetSamples, TheirTablesCanBeChanged) {
 }
 
 TEST(JetSamples, RelationshipsHoldTheirTablesAndIndexes) {
+    NEED_SAMPLES();
     MemoryPager pager(ReadSample("relationships"));
     Catalog catalog(pager);
     const TableDefinition definition = catalog.table(u"Table1").definition();

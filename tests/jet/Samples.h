@@ -1,9 +1,13 @@
-// The engine's own files in tests/data/jet.
+// Files that the original engine wrote, where there are any: the folder that TOLVEX_JET_SAMPLES names. They
+// are not part of the project; tests that want them are skipped without.
 #pragma once
 
 #include "jet/Jet3Import.h"
 #include "jet/MemoryPager.h"
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -22,9 +26,15 @@ inline Bytes ReadFile(const std::string& path) {
     return Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
+// With its ending slash; empty when there are no samples.
 inline std::string SampleFolder() {
-    return TOLVEX_SOURCE_DIR "/tests/data/jet/";
+    const char* folder = std::getenv("TOLVEX_JET_SAMPLES");
+    return folder && *folder ? std::string(folder) + '/' : std::string();
 }
+
+#define NEED_SAMPLES()                                                                                       \
+    if (jet::tests::SampleFolder().empty())                                                                  \
+    GTEST_SKIP() << "TOLVEX_JET_SAMPLES names no folder of the engine's own files"
 
 inline Bytes ReadSample(const std::string& name) {
     return ReadFile(SampleFolder() + name + ".mdb");

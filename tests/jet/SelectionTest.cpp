@@ -14,6 +14,8 @@
 #include <filesystem>
 #include <random>
 
+#include <unistd.h>
+
 namespace jet {
 namespace {
 
@@ -190,7 +192,8 @@ TEST_F(SelectionTest, ChangesRows) {
 
 // An UPDATE that fails half-way leaves every row as it was.
 TEST(ExecuteTest, LeavesNothingHalfDone) {
-    const auto folder = std::filesystem::temp_directory_path() / "tolvex-execute-test";
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("tolvex-execute-test-" + std::to_string(::getpid()));
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     {

@@ -18,6 +18,8 @@
 #include <filesystem>
 #include <limits>
 
+#include <unistd.h>
+
 namespace jet {
 namespace {
 
@@ -158,7 +160,8 @@ protected:
         database_->flush();
     }
 
-    const std::filesystem::path folder_ = std::filesystem::temp_directory_path() / "tolvex-transfer-test";
+    const std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / ("tolvex-transfer-test-" + std::to_string(::getpid()));
     const std::string file_ = (folder_ / "a.mdb").string();
     std::optional<Database> database_;
 };

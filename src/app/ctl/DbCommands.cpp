@@ -151,7 +151,7 @@ int schema(Call& call) {
             call.output.records(all, {});
             return Done;
         }
-        for (const QJsonValue& value : all) {
+        for (const QJsonValue value : all) {
             const QJsonObject table = value.toObject();
             call.output.value("table", table[QLatin1String("table")]);
             call.output.records(table[QLatin1String("columns")].toArray(),

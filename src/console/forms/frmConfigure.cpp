@@ -106,8 +106,8 @@ JobTile* frmConfigure::tile(const ConsoleJob& job) const {
     return findChild<JobTile*>(QString::fromLatin1(job.control));
 }
 
-void frmConfigure::setRoutine(const QString& name, Routine routine) {
-    routines_.insert(name, std::move(routine));
+void frmConfigure::setRoutine(const QString& name, const Routine& routine) {
+    routines_.insert(name, routine);
 }
 
 bool frmConfigure::canStart(const ConsoleJob& job) const {

@@ -40,7 +40,7 @@ public:
     // The routines behind buttons that open no form, by the names that the table of jobs gives them. A job
     // whose routine is not here cannot be started yet: its button and menu entry say so.
     using Routine = std::function<void(frmConfigure&)>;
-    void setRoutine(const QString& name, Routine routine);
+    void setRoutine(const QString& name, const Routine& routine);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

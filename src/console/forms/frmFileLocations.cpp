@@ -49,7 +49,7 @@ frmFileLocations::frmFileLocations(QWidget* parent)
                 box(part)->setText(box(1)->text());
     });
     connect(ui_->chkUseOneCartLocation, &QCheckBox::toggled, this, &frmFileLocations::useOneLocation);
-    connect(ui_->cmdDone, &QPushButton::clicked, this, &frmFileLocations::done);
+    connect(ui_->cmdDone, &QPushButton::clicked, this, &frmFileLocations::store);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     look_.setSingleShot(true);
     look_.setInterval(RestMilliseconds);
@@ -155,7 +155,7 @@ void frmFileLocations::lookAtFolders() {
     ui_->lblFolders->setToolTip(missing.join(u'\n'));
 }
 
-void frmFileLocations::done() {
+void frmFileLocations::store() {
     QStringList carts;
     for (int part = 1; part <= CartPartCount; ++part)
         carts.append(box(part)->text());

@@ -39,7 +39,7 @@ private:
     void useOneLocation(bool on);
     void pick(QLineEdit* box);
     void lookAtFolders();
-    void done();
+    void store();
 
     std::unique_ptr<Ui::frmFileLocations> ui_;
     QString iniFile_;
