@@ -41,7 +41,7 @@ QString inFolder(const QString& folder, const QString& name) {
 QString fileOf(const QString& name) {
     if (name.contains(u'\\') || name.contains(u'/'))
         return name;
-    const QString windows = inFolder(platform::WindowsFolder(), name);
+    QString windows = inFolder(platform::WindowsFolder(), name);
     if (FileLength(windows) > 0)
         return windows;
     const QString system = inFolder(platform::SystemFolder(), name);
