@@ -38,7 +38,7 @@ bool isConfirmed(const QString& name) {
 
 QString backupName(const QString& name) {
     for (int number = 1;; ++number) {
-        const QString backup =
+        QString backup =
             PathWithoutExtension(name) + QStringLiteral("-%1.BAK").arg(number, 4, 10, QLatin1Char('0'));
         if (FileLength(backup) < 0)
             return backup;

@@ -104,7 +104,7 @@ std::optional<qint32> ParameterByText(const Parameter& parameter, const QString&
         if ((value.listed || anyNumber) && (value.on & kind) && same(wanted, value.inGrid()))
             return value.value;
     const QLatin1String prefix(parameter.prefix);
-    const bool prefixed = prefix.size() > 0 && wanted.startsWith(prefix.trimmed(), Qt::CaseInsensitive);
+    const bool prefixed = !prefix.isEmpty() && wanted.startsWith(prefix.trimmed(), Qt::CaseInsensitive);
     bool good = false;
     const qint32 number = (prefixed ? wanted.mid(prefix.trimmed().size()) : wanted).trimmed().toInt(&good);
     if (good) {

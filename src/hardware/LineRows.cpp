@@ -41,7 +41,7 @@ QString toCell(QString text) {
 }
 
 QString fromCell(const QString& cell) {
-    const QString text = cell.trimmed();
+    QString text = cell.trimmed();
     if (text.size() < 2 || !text.startsWith(u'"') || !text.endsWith(u'"'))
         return text;
     return text.mid(1, text.size() - 2).replace(QLatin1String("\"\""), QLatin1String("\""));

@@ -159,8 +159,12 @@ void Database::close() {
 }
 
 Transaction::~Transaction() {
-    if (!done_ && database_.transactionDepth() > 0)
-        database_.rollback();
+    try {
+        if (!done_ && database_.transactionDepth() > 0)
+            database_.rollback();
+    } catch (...) {
+        done_ = true; // the database was closed meanwhile, and its transaction with it
+    }
 }
 
 void Transaction::commit() {

@@ -36,7 +36,8 @@ PageCache::Frame& PageCache::add(PageNumber page) {
     if (page >= table_.size())
         table_.resize(page + page / 8 + 64);
     ++clock_;
-    table_[page] = std::unique_ptr<Frame>(new Frame); // not made by make_unique: the bytes need no zeroing
+    // Not made by make_unique: the bytes need no zeroing.
+    table_[page] = std::unique_ptr<Frame>(new Frame); // NOLINT(modernize-make-unique)
     Frame& frame = *table_[page];
     frame.page = page;
     link(frame);

@@ -133,8 +133,9 @@ std::vector<int> Sharing::otherSlots() {
     const std::function<void(int, int)> find = [&](int from, int to) {
         if (from > to)
             return;
-        const auto found = lockFile->findLock(UserLockBase + static_cast<std::uint64_t>(from) - 1,
-                                              static_cast<std::uint64_t>(to - from + 1));
+        const auto found =
+            lockFile->findLock(UserLockBase + static_cast<std::uint64_t>(from) - 1,
+                               static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from) + 1);
         if (!found)
             return;
         const int slot = std::clamp(static_cast<int>(*found - UserLockBase) + 1, from, to);

@@ -71,7 +71,7 @@ LineGrid::LineGrid(QWidget* parent)
     connect(ListOptions_, &OptionList::clicked, this, &LineGrid::choose);
     connect(ListOptions_, &OptionList::reached, this, &LineGrid::choose);
     connect(ListOptions_, &OptionList::cancelled, this, &LineGrid::restore);
-    connect(ListOptions_, &OptionList::closed, this, [this] { closeEditor(ListOptions_); });
+    connect(ListOptions_, &OptionList::closed, this, [this] { leaveEditor(ListOptions_); });
 
     const auto addCommand = [this](const char* text, const QKeySequence& keys, void (LineGrid::*run)()) {
         auto* action = new QAction(QLatin1String(text), this);
@@ -295,7 +295,7 @@ void LineGrid::storeText(QLineEdit* box) {
     else
         SetParameter(card(), lines_, tag_, ToLong(LeadingNumber(box->text())));
     changed();
-    closeEditor(box);
+    leaveEditor(box);
 }
 
 void LineGrid::finishEditing() {
@@ -303,11 +303,11 @@ void LineGrid::finishEditing() {
     storeText(txtInfo_);
     if (ListOptions_->isVisible()) {
         ListOptions_->hidePopup();
-        closeEditor(ListOptions_);
+        leaveEditor(ListOptions_);
     }
 }
 
-void LineGrid::closeEditor(QWidget* editor) {
+void LineGrid::leaveEditor(QWidget* editor) {
     if (!editor->isVisible())
         return;
     const bool focused = editor->hasFocus();
@@ -331,7 +331,7 @@ bool LineGrid::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape)
-            closeEditor(box);
+            leaveEditor(box);
         else if (key == Qt::Key_Return || key == Qt::Key_Enter)
             storeText(box);
         else

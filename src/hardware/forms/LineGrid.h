@@ -60,7 +60,7 @@ private:
     void choose(qint32 value);
     void restore();
     void storeText(QLineEdit* box);
-    void closeEditor(QWidget* editor);
+    void leaveEditor(QWidget* editor);
     void changed();
     void hideRows();
 

@@ -1,6 +1,7 @@
 #include "hardware/forms/OptionList.h"
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QTimer>
 
