@@ -5,6 +5,8 @@
 #include "platform/PathParts.h"
 #include "platform/PathState.h"
 
+#include <QDir>
+
 #include <cstdlib>
 #include <limits.h>
 
