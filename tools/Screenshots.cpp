@@ -10,6 +10,7 @@
 #include "dialogs/frmGoodInputBox.h"
 #include "dialogs/frmHelp.h"
 #include "dialogs/frmPrintPreview.h"
+#include "hardware/HardwareCards.h"
 #include "platform/Paths.h"
 #include "platform/Prompts.h"
 
@@ -42,6 +43,21 @@ void makeStation() {
     for (int part = 1; part <= CartPartCount; ++part)
         ini += "Carts" + QByteArray::number(part) +
                (part == 3 ? "=C:\\TOLVEX\\AUDIO3\r\n" : "=C:\\TOLVEX\\AUDIO\r\n");
+    ini +=
+        "[Hardware1]\r\nCardType=3\r\nBaseAddress=2\r\n[Hardware2]\r\nCardType=4\r\nBaseAddress=3\r\n"
+        "[Hardware3]\r\nCardType=5\r\nAction1=64\r\nAction1Data2=120\r\nAction2=96\r\nAction2Data1=255\r\n";
+    // A studio's lines: type, action and its parameters.
+    constexpr int lines[][4] = {{0, 1, 1, 0}, {0, 1, 2, 0},  {0, 3, 1, 2},  {0, 6, -2, 1},
+                                {1, 4, 1, 5}, {1, 80, 1, 0}, {1, 151, 1, 0}};
+    QByteArray card;
+    int number = 0;
+    for (const auto& [type, action, first, second] : lines) {
+        const QByteArray n = QByteArray::number(++number);
+        card += "LineType" + n + '=' + QByteArray::number(type) + "\r\nAction" + n + '=' +
+                QByteArray::number(action) + "\r\nAction" + n + "Data1=" + QByteArray::number(first) +
+                "\r\nAction" + n + "Data2=" + QByteArray::number(second) + "\r\n";
+    }
+    ini.replace("[Hardware2]", "ActiveLow6=-1\r\nDescription3=Cue from the desk\r\n" + card + "[Hardware2]");
     write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
     write(QStringLiteral("C:\\WINDOWS\\studio2.ini"), "[General]\r\nConfigName=Studio 2, news\r\n");
     for (const char* name : {"C:\\TOLVEX\\SYSTEM", "C:\\TOLVEX\\AUDIO"})
@@ -95,6 +111,12 @@ int main(int argc, char** argv) {
     saveForm("frmFileLocations", "filelocations");
     saveForm("frmDisplayOptions", "displayoptions");
     saveForm("frmDateTimeSetup", "datetime");
+    for (int card = 0; card < HardwareCardCount; ++card) {
+        const std::unique_ptr<QDialog> hardware(MakeForm(QStringLiteral("frmHardwareSettings"), nullptr));
+        hardware->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->setCurrentIndex(card);
+        hardware->resize(1260, 560);
+        save(*hardware, card == 0 ? "hardware" : card == 1 ? "hardware-advantech" : "hardware-joystick");
+    }
     frmMultiConfig sets(QString::fromUtf16(SetsRegistryKey), QStringLiteral("tolvex.ini studio2.ini"));
     sets.findChild<QListWidget*>()->setCurrentRow(0);
     save(sets, "configurationsets");

@@ -30,11 +30,17 @@ static_assert(std::size(headings) == CellCount);
 
 constexpr int LongestDescription = 254;
 
-// A cell that could be taken for something else is quoted, as spreadsheets do.
-QString toCell(QString text) {
+// One line: a description is a value of an ini file.
+QString withoutControls(QString text) {
     for (QChar& c : text)
         if (c < u' ')
             c = u' ';
+    return text.trimmed();
+}
+
+// A cell that could be taken for something else is quoted, as spreadsheets do.
+QString toCell(const QString& shown) {
+    QString text = withoutControls(shown);
     if (text.startsWith(u'"'))
         return u'"' + text.replace(u'"', QLatin1String("\"\"")) + u'"';
     return text;
@@ -82,7 +88,7 @@ public:
         else if (type.compare(QLatin1String("Input"), Qt::CaseInsensitive) != 0)
             return refused("Type", type, QStringLiteral("\"Input\" or \"Output\""));
         line.ActiveLow = cell(Logic).isEmpty() ? 0 : -1;
-        line.Description = cell(Description).left(LongestDescription);
+        line.Description = withoutControls(cell(Description)).left(LongestDescription);
         line.Color = number(Color);
         line.Action = number(Code);
         for (std::size_t k = 0; k < line.ActionData.size(); ++k)

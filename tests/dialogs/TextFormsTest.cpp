@@ -5,10 +5,9 @@
 #include "dialogs/frmHelp.h"
 #include "dialogs/frmPrintPreview.h"
 #include "support/MachineFolder.h"
-#include "support/ScriptedPrompts.h"
+#include "support/PrintingPrompts.h"
 
 #include <QListWidget>
-#include <QPrinter>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
@@ -21,24 +20,6 @@ using namespace tolvex;
 using namespace tolvex::tests;
 
 namespace {
-
-// Prints to a PDF file, as if that printer had been chosen.
-class PrintingPrompts : public ScriptedPrompts {
-public:
-    QString pdf; // host path; empty: cancelled
-    bool offeredSelection = false;
-    bool onlySelection = false;
-
-    bool pickPrinter(QPrinter& printer, bool withSelection) override {
-        offeredSelection = withSelection;
-        if (pdf.isEmpty())
-            return false;
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(pdf);
-        printer.setPrintRange(onlySelection ? QPrinter::Selection : QPrinter::AllPages);
-        return true;
-    }
-};
 
 QTextEdit* view(QWidget& form) {
     return form.findChild<QTextEdit*>("rtfFile");

@@ -99,6 +99,14 @@ void LineGrid::setLines(LineUsageModel* model) {
                             20;
         setColumnWidth(column, qMax(row.twips / TwipsPerPixel, content));
     }
+    descriptionWidth_ = columnWidth(ColumnDescription);
+}
+
+// Room beyond the told widths goes to the descriptions.
+void LineGrid::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    const int others = horizontalHeader()->length() - columnWidth(ColumnDescription);
+    setColumnWidth(ColumnDescription, qMax(descriptionWidth_, viewport()->width() - others));
 }
 
 HardwareCard& LineGrid::card() const {

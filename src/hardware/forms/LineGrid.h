@@ -47,6 +47,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags flags) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void selectAll() override;
@@ -71,6 +72,7 @@ private:
     OptionList* ListOptions_;
     QString emptyText_;
     bool onlyInUse_ = false;
+    int descriptionWidth_ = 0; // as told
     int pressedColumn_ = -1;
     // What is being edited: these lines, of which the last choice by key is taken back first; and what a
     // choice means: -1 nothing, 0 the action, 1 to 4 that parameter.

@@ -67,7 +67,7 @@ void frmHardwareSettings::showEvent(QShowEvent* event) {
         return;
     // Room for all columns and some thirty lines, where the screen has it and nobody chose a size.
     if (!testAttribute(Qt::WA_Resized))
-        resize(QSize(1200, 860).boundedTo(screen()->availableGeometry().size() * 9 / 10));
+        resize(QSize(1260, 860).boundedTo(screen()->availableGeometry().size() * 9 / 10));
     clsMonitors().CenterFormOnMonitor(this, parentWidget());
     pages_.first()->focusGrid();
 }

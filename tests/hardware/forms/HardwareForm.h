@@ -2,7 +2,7 @@
 #pragma once
 
 #include "support/MachineFolder.h"
-#include "support/ScriptedPrompts.h"
+#include "support/PrintingPrompts.h"
 
 #include "core/Settings.h"
 #include "hardware/FakeDriver.h"
@@ -28,7 +28,7 @@ const QString iniPath = QStringLiteral("C:\\WINDOWS\\TOLVEX.INI");
 
 struct HardwareForm {
     TestMachine machine;
-    ScriptedPrompts prompts;
+    PrintingPrompts prompts;
     FakeDriver driver;
     std::unique_ptr<frmHardwareSettings> form;
 

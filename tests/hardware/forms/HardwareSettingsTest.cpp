@@ -231,4 +231,16 @@ TEST(HardwareSettings, TheLineListNamesWhatIsWired) {
     ASSERT_EQ(hw.prompts.asked.size(), 1);
     EXPECT_TRUE(
         hw.prompts.texts().front().startsWith("There was a problem saving the file C:\\GONE\\LINES.PDF"));
+
+    hw.press("cmdPrint");
+    EXPECT_FALSE(hw.prompts.offeredSelection);
+    EXPECT_EQ(hw.prompts.asked.size(), 1);
+    hw.prompts.pdf = hw.machine.host("C:\\PRINTED.PDF");
+    hw.press("cmdPrint");
+    EXPECT_EQ(hw.prompts.asked.size(), 1);
+    EXPECT_TRUE(hw.machine.read("C:\\PRINTED.PDF").startsWith("%PDF-"));
+    hw.prompts.pdf = hw.machine.host("C:\\GONE\\PRINTED.PDF");
+    hw.press("cmdPrint");
+    ASSERT_EQ(hw.prompts.asked.size(), 2);
+    EXPECT_TRUE(hw.prompts.texts().back().startsWith("There was a problem while printing."));
 }

@@ -1,0 +1,43 @@
+// Lines pasted from the clipboard, where anything may stand: what is read is copied as a text that reads as
+// the same lines, and a text that is refused says why.
+#include "hardware/LineRows.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace tolvex;
+
+namespace {
+
+QString copied(const QList<HardwareLine>& lines) {
+    HardwareCard card;
+    LineNumbers numbers;
+    for (const HardwareLine& line : lines.mid(0, LinesPerCard)) {
+        numbers.append(static_cast<int>(numbers.size()) + 1);
+        card.Lines[numbers.last()] = line;
+    }
+    return RowsOfLines(card, numbers);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    QString why;
+    const auto lines = LinesOfRows(text, &why);
+    if (!lines) {
+        if (why.isEmpty())
+            std::abort();
+        return 0;
+    }
+    const QString copy = copied(*lines);
+    const auto again = LinesOfRows(copy, &why);
+    if (!again || again->size() != qMin<qsizetype>(lines->size(), LinesPerCard) || copied(*again) != copy)
+        std::abort();
+    for (qsizetype i = 0; i < again->size(); ++i)
+        if ((*again)[i].Action != (*lines)[i].Action || (*again)[i].ActionData != (*lines)[i].ActionData ||
+            (*again)[i].LineType != (*lines)[i].LineType || (*again)[i].Color != (*lines)[i].Color)
+            std::abort();
+    return 0;
+}
