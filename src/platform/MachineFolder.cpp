@@ -17,6 +17,7 @@ namespace tolvex::platform {
 namespace {
 
 PathState state;
+thread_local PathState* stateOfThread = nullptr;
 
 constexpr int longestSystemPath = 145;
 
@@ -108,7 +109,17 @@ QString layOut(const QString& folder) {
 
 } // namespace
 
+OwnPathState::OwnPathState(PathState& own) {
+    stateOfThread = &own;
+}
+
+OwnPathState::~OwnPathState() {
+    stateOfThread = nullptr;
+}
+
 PathState& pathState() {
+    if (stateOfThread)
+        return *stateOfThread;
     if (state.machineFolder.isEmpty())
         SetMachineFolder({});
     return state;

@@ -16,7 +16,18 @@ struct PathState {
     QHash<QChar, DriveType> driveTypes; // put in place by tests
 };
 
-// The state, after the default machine folder was chosen where nobody chose one.
+// The state, after the default machine folder was chosen where nobody chose one. A thread beside the main one
+// has a state of its own.
 PathState& pathState();
+
+// Puts a state in force for the present thread, for its life. What only looks (Files.h, HostPath, the type of
+// a drive) may then be used there; what sets something stays with the main thread.
+class OwnPathState {
+public:
+    explicit OwnPathState(PathState& own);
+    ~OwnPathState();
+    OwnPathState(const OwnPathState&) = delete;
+    OwnPathState& operator=(const OwnPathState&) = delete;
+};
 
 } // namespace tolvex::platform
