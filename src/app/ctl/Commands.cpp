@@ -7,9 +7,9 @@ namespace tolvex::ctl {
 const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
-        for (CommandRows (*subject)() :
-             {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, DatabaseCommands, DbCommands, UsersCommands, HardwareCommands}) {
+        for (CommandRows (*subject)() : {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands,
+                                         SetsCommands, CartCommands, AudioCommands, DatabaseCommands,
+                                         DbCommands, UsersCommands, HardwareCommands, TerminalCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

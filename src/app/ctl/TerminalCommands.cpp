@@ -1,0 +1,111 @@
+// The Terminal list: the workstations of the station by their numbers.
+#include "app/ctl/Commands.h"
+
+#include "core/Folders.h"
+#include "core/Settings.h"
+#include "network/TerminalList.h"
+#include "platform/Machine.h"
+#include "platform/ProfileFile.h"
+
+#include <optional>
+
+namespace tolvex::ctl {
+
+namespace {
+
+// Loads the settings and opens the list. The exit status that says why there is none, or nothing.
+std::optional<int> open(Call& call, bool mayMakeIt) {
+    if (!LoadWorkstation())
+        return call.fail(QStringLiteral("No local ini file was chosen."));
+    if (!DirectoryExists(settings().DataLocation))
+        return call.no(QStringLiteral("This workstation has no data location that is there."));
+    if (!mayMakeIt && FileLength(TerminalListPath()) < 0)
+        return call.no(QStringLiteral("There is no Terminal list %1.").arg(TerminalListPath()));
+    if (OpenTerminalList() && TerminalListIsOpen())
+        return std::nullopt;
+    return FileLength(TerminalListPath()) < 0
+               ? call.no(QStringLiteral("The Terminal list was not made."))
+               : call.fail(QStringLiteral("%1 could not be opened.").arg(TerminalListPath()));
+}
+
+// A number of the list, or 0.
+int numberOf(const QString& text) {
+    bool good = false;
+    const int id = text.toInt(&good);
+    return good && id >= 1 && id <= settings().NumberTerminals ? id : 0;
+}
+
+int wrongNumber(const Call& call) {
+    return call.wrong(QStringLiteral("ID is a number from 1 to %1.").arg(settings().NumberTerminals));
+}
+
+int notWritten(const Call& call, int error) {
+    return call.fail(
+        QStringLiteral("%1 could not be written (error %2).").arg(TerminalListPath()).arg(error));
+}
+
+int list(Call& call) {
+    if (const auto status = open(call, false))
+        return *status;
+    QJsonArray records;
+    const QList<TerminalRecord> terminals = ReadTerminals();
+    for (int id = 1; id <= terminals.size(); ++id) {
+        const TerminalRecord& terminal = terminals[id - 1];
+        const bool own = id == settings().LinkMeshId;
+        QJsonObject record{{QStringLiteral("id"), id},
+                           {QStringLiteral("thisWorkstation"), own},
+                           {QStringLiteral("idName"), terminal.IdName.trimmed()},
+                           {QStringLiteral("networkName"), terminal.NetworkName.trimmed()},
+                           {QStringLiteral("lastUsed"), terminal.lastUsed().toString(Qt::ISODate)}};
+        if (own && !call.output.json())
+            record[QStringLiteral("marker")] = QStringLiteral(">");
+        records += record;
+    }
+    call.output.records(records, {{"id", "No", true},
+                                  {"marker", "?"},
+                                  {"idName", "Tolvex ID Name"},
+                                  {"networkName", "Network Name"},
+                                  {"lastUsed", "Last Used:"}});
+    return Done;
+}
+
+int choose(Call& call) {
+    if (const auto status = open(call, true))
+        return *status;
+    const int id = numberOf(call.argument(0));
+    if (id == 0)
+        return wrongNumber(call);
+    if (const int error = AssignTerminal(id, {}, platform::ComputerName()))
+        return notWritten(call, error);
+    settings().LinkMeshId = id;
+    if (const int error = platform::WriteProfileText(QStringLiteral("LinkMesh"), QStringLiteral("LinkMeshId"),
+                                                     QString::number(id), settings().LocalIniFile))
+        return call.fail(
+            QStringLiteral("%1 could not be written (error %2).").arg(settings().LocalIniFile).arg(error));
+    return Done;
+}
+
+int rename(Call& call) {
+    if (const auto status = open(call, true))
+        return *status;
+    const int id = numberOf(call.argument(0));
+    if (id == 0)
+        return wrongNumber(call);
+    if (call.argument(1).trimmed().size() > TerminalNameLength)
+        return call.wrong(QStringLiteral("A name has at most %1 characters.").arg(TerminalNameLength));
+    if (const int error = RenameTerminal(id, call.argument(1)))
+        return notWritten(call, error);
+    return Done;
+}
+
+} // namespace
+
+CommandRows TerminalCommands() {
+    return {
+        {"terminals list", "", "List the workstations of the station", list},
+        {"terminals choose", "ID", "Make this computer the workstation of a number", choose},
+        {"terminals rename", "ID NAME", "Give a workstation's number another name", rename},
+    };
+}
+
+} // namespace tolvex::ctl
