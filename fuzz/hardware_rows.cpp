@@ -1,10 +1,11 @@
 // Lines pasted from the clipboard, where anything may stand: what is read is copied as a text that reads as
 // the same lines, and a text that is refused says why.
+#include "Require.h"
+
 #include "hardware/LineRows.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using namespace tolvex;
 
@@ -26,18 +27,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     QString why;
     const auto lines = LinesOfRows(text, &why);
-    if (!lines) {
-        if (why.isEmpty())
-            std::abort();
+    require(lines || !why.isEmpty());
+    if (!lines)
         return 0;
-    }
     const QString copy = copied(*lines);
     const auto again = LinesOfRows(copy, &why);
-    if (!again || again->size() != qMin<qsizetype>(lines->size(), LinesPerCard) || copied(*again) != copy)
-        std::abort();
-    for (qsizetype i = 0; i < again->size(); ++i)
-        if ((*again)[i].Action != (*lines)[i].Action || (*again)[i].ActionData != (*lines)[i].ActionData ||
-            (*again)[i].LineType != (*lines)[i].LineType || (*again)[i].Color != (*lines)[i].Color)
-            std::abort();
+    require(again && again->size() == qMin<qsizetype>(lines->size(), LinesPerCard) && copied(*again) == copy);
+    for (qsizetype i = 0; i < again->size(); ++i) {
+        const HardwareLine& line = (*lines)[i];
+        const HardwareLine& read = (*again)[i];
+        require(read.Action == line.Action && read.ActionData == line.ActionData &&
+                read.LineType == line.LineType && read.Color == line.Color);
+    }
     return 0;
 }

@@ -1,19 +1,11 @@
 // Any bytes as a profile file, and a few changes to it: nothing may be lost, and a change reads back.
+#include "Require.h"
+
 #include "platform/ProfileDocument.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 using tolvex::platform::ProfileDocument;
-
-namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));

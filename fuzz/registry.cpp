@@ -1,19 +1,11 @@
 // Any bytes as a registry store: nothing is lost, and a value that is written reads back.
+#include "Require.h"
+
 #include "platform/RegistryDocument.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 using namespace tolvex::platform;
-
-namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));

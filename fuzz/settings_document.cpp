@@ -1,5 +1,7 @@
 // Exported settings that come back from outside, and the short texts of settings files: dates, numbers,
 // times.
+#include "Require.h"
+
 #include "core/Dates.h"
 #include "core/Numbers.h"
 #include "core/SettingsDocument.h"
@@ -9,16 +11,10 @@
 #include <QTemporaryDir>
 
 #include <cmath>
-#include <cstdlib>
 
 using namespace tolvex;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 void readText(const QString& text) {
     require(std::isfinite(LeadingNumber(text)));

@@ -1,19 +1,15 @@
 // A path from a settings file, whatever it holds, must stay below the root it names, and mean the same when
 // it is written out and split again.
+#include "Require.h"
+
 #include "platform/PathParts.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 using namespace tolvex::platform;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 void requireName(const QString& name) {
     require(!name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') &&

@@ -2,6 +2,7 @@
 #include "app/ctl/Commands.h"
 
 #include "core/SettingsDocument.h"
+#include "core/SettingsReference.h"
 #include "core/StoredSettings.h"
 #include "platform/Files.h"
 
@@ -10,27 +11,6 @@ namespace tolvex::ctl {
 namespace {
 
 const QString noIni = QStringLiteral("No local ini file was chosen.");
-
-const char* kindName(SettingKind kind) {
-    switch (kind) {
-    case SettingKind::Flag:
-        return "flag";
-    case SettingKind::Word:
-        return "16-bit number";
-    case SettingKind::Number:
-    case SettingKind::NumberText:
-        return "number";
-    case SettingKind::Colour:
-        return "colour";
-    case SettingKind::Text:
-        return "text";
-    case SettingKind::Path:
-        return "path";
-    case SettingKind::Date:
-        return "date";
-    }
-    return "";
-}
 
 // The value in its JSON type.
 QJsonValue typed(SettingKind kind, const QString& text) {
@@ -53,7 +33,7 @@ QJsonObject recordOf(const StoredSetting& setting) {
             {QStringLiteral("key"), setting.key},
             {QStringLiteral("value"), typed(row.kind, setting.value)},
             {QStringLiteral("default"), typed(row.kind, setting.defaultValue)},
-            {QStringLiteral("kind"), QLatin1String(kindName(row.kind))},
+            {QStringLiteral("kind"), SettingKindName(row)},
             {QStringLiteral("help"), QString::fromUtf8(row.help)}};
 }
 
