@@ -55,12 +55,6 @@ void initLoadedCartState() {
         settings().PlayCartsInstantly = 0;
 }
 
-// Records that the list of a part should hold. Below 1 when NoCarts leaves it none.
-qint64 wantedRecords(int part) {
-    const qint32 carts = std::min(settings().NoCarts, HighestCart);
-    return part == PartOfCart(settings().NoCarts) ? recordOfCart(carts, part) : CartsInPart;
-}
-
 void setStateOfLocation(const QString& location, CartPartState state) {
     for (CartPart& part : settings().CartPartTable)
         if (part.Location == location)
@@ -97,7 +91,7 @@ void openList(int part) {
     const auto& list = store().lists[part];
     if (!list)
         return;
-    const qint64 missing = wantedRecords(part) - list->count();
+    const qint64 missing = CartListRecords(part) - list->count();
     if (missing <= 0)
         return;
     const CartListRecord& blank = EmptyCartListRecord();
@@ -215,6 +209,11 @@ int PartOfCart(qint32 cart) {
     if (cart < 0 || cart > lastCartOfEvenParts)
         return lastPart;
     return cart == 0 ? 0 : (cart - 1) / CartsInPart + 1;
+}
+
+qint64 CartListRecords(int part) {
+    const qint32 carts = std::min(settings().NoCarts, HighestCart);
+    return part == PartOfCart(settings().NoCarts) ? recordOfCart(carts, part) : CartsInPart;
 }
 
 QString CartFileStem(qint32 cart) {

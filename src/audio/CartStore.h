@@ -38,6 +38,9 @@ void ResetCartStore();
 // 1 to 10, a thousand carts each; 11 above 10000 and below 0; 0 for cart 0.
 int PartOfCart(qint32 cart);
 
+// Records that the list of a part should hold. Below 1 when NoCarts leaves it none.
+qint64 CartListRecords(int part);
+
 // Location of the cart's part, "\TLV" and the number with at least five digits; empty outside 1 to NoCarts.
 QString CartFileStem(qint32 cart);
 

@@ -74,6 +74,13 @@ bool sameName(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
+// A computer's name as a record gives it back: cut to its field, in the characters that the file has.
+QString asStored(const QString& computerName) {
+    TerminalRecord record = BlankTerminalRecord();
+    record.NetworkName = computerName;
+    return networkName(DecodeTerminalRecord(EncodeTerminalRecord(record)));
+}
+
 } // namespace
 
 QDateTime TerminalRecord::lastUsed() const {
@@ -180,10 +187,11 @@ const TerminalRecord& OwnTerminalRecord() {
 }
 
 int TerminalForComputer(const QString& computerName) {
+    const QString wanted = asStored(computerName);
     int firstFree = 0;
     for (int id = 1; id <= settings().NumberTerminals; ++id) {
         const QString name = networkName(ReadTerminal(id));
-        if (sameName(name, computerName))
+        if (sameName(name, wanted))
             return id;
         if (firstFree == 0 && name.isEmpty())
             firstFree = id;
@@ -191,7 +199,15 @@ int TerminalForComputer(const QString& computerName) {
     return std::max(firstFree, 1);
 }
 
+int ClaimTerminal(int id, const QString& computerName) {
+    return change(id, [&](TerminalRecord& record) {
+        if (networkName(record).isEmpty())
+            record.NetworkName = computerName;
+    });
+}
+
 int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName) {
+    const QString ownName = asStored(computerName);
     int error = platform::NoError;
     for (int id = 1; id <= settings().NumberTerminals && error == platform::NoError; ++id) {
         error = change(id, [&](TerminalRecord& record) {
@@ -199,7 +215,7 @@ int AssignTerminal(int chosenId, const QStringList& idNames, const QString& comp
                 record.IdName = idNames[id - 1].trimmed();
             if (id == chosenId)
                 record.NetworkName = computerName;
-            else if (sameName(networkName(record), computerName))
+            else if (sameName(networkName(record), ownName))
                 record.NetworkName.clear();
         });
     }

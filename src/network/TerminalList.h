@@ -64,6 +64,10 @@ const TerminalRecord& OwnTerminalRecord();
 // is open.
 int TerminalForComputer(const QString& computerName);
 
+// Puts a computer's name on a number that has none; another computer's name stays. The list is open.
+// FileError number; 0 also when the name was there or another one stays.
+int ClaimTerminal(int id, const QString& computerName);
+
 // Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
 // list is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that
 // name. The list is open. FileError number of the first failure, which ends it; a record that cannot be read

@@ -1,0 +1,292 @@
+#include "console/AutoConfiguration.h"
+
+#include "audio/AudioEditorSearch.h"
+#include "audio/CartStore.h"
+#include "audio/Hotlist.h"
+#include "automation/AutomationStore.h"
+#include "console/Installation.h"
+#include "console/LoadSettings.h"
+#include "core/ProblemReport.h"
+#include "core/SaveLocalSettings.h"
+#include "core/SettingsLoader.h"
+#include "databases/UsersDatabase.h"
+#include "network/TerminalList.h"
+#include "platform/Machine.h"
+#include "platform/ProfileFile.h"
+#include "platform/Prompts.h"
+
+namespace tolvex {
+
+namespace {
+
+using platform::Answer;
+using platform::Buttons;
+using platform::Icon;
+using platform::Pointer;
+
+constexpr qint32 ButtonFace = qint32(0x8000000F);
+constexpr qint32 ButtonText = qint32(0x80000012);
+
+Answer ask(const QString& text, Buttons buttons, std::optional<Answer> byDefault = {},
+           const QString& title = {}) {
+    return platform::prompts().ask({text, Icon::Question, buttons, byDefault, title});
+}
+
+void splash(const char* status) {
+    platform::prompts().splash(QString::fromLatin1(status));
+}
+
+bool askToExit() {
+    return ask(QStringLiteral("Tolvex is now fully configured on your system.\n\n"
+                              "Do you want to exit from Tolvex Configuration?"),
+               Buttons::YesNo) == Answer::Yes;
+}
+
+CartPaths everywhere(const QString& location) {
+    CartPaths paths;
+    for (QString& path : paths)
+        path = location;
+    return paths;
+}
+
+void setLocations(const QString& data, const CartPaths& carts) {
+    settings().DataLocation = data;
+    for (int part = 1; part <= CartPartCount; ++part) {
+        settings().CartPartTable[part].Location = carts[part];
+        settings().CartPartTable[part].State = NotChecked;
+    }
+}
+
+// Configures for these locations. Where that does not begin the workstation keeps the ones it had.
+bool installIn(const QString& data, const CartPaths& carts) {
+    CreateDataDirectories(data);
+    const QString dataBefore = settings().DataLocation;
+    CartPaths cartsBefore;
+    for (int part = 1; part <= CartPartCount; ++part)
+        cartsBefore[part] = settings().CartPartTable[part].Location;
+    // A wall that was found alone keeps the data where they are.
+    setLocations(data.isEmpty() ? dataBefore : data, carts);
+    if (AutoInstall())
+        return true;
+    setLocations(dataBefore, cartsBefore);
+    return false;
+}
+
+ExistingSetup searchWithProgress(bool networkOnly, const SetupSearch& search) {
+    const auto progress =
+        platform::prompts().beginProgress(QStringLiteral("Looking for existing Tolvex Information"), true);
+    SetupSearch shown = search;
+    shown.goesOn = [&](int done, int total, const QString& drive) {
+        const QString what = drive.isEmpty() ? drive : QStringLiteral("Drive ") + drive.toUpper();
+        return search.goesOn(done, total, drive) && progress->step(done, total, what);
+    };
+    return FindExistingSetup(networkOnly, shown);
+}
+
+// Saves the local ini file; false, reported, when it could not be written.
+bool save() {
+    const int error = SaveLocalSettings(settings().LocalIniFile);
+    if (error != platform::ProfileOk)
+        ProblemReport(
+            QStringLiteral("saving the settings of this workstation in ") + settings().LocalIniFile +
+            QStringLiteral(" (system error %1). Please see that the disk has room and that the file "
+                           "may be written.")
+                .arg(error));
+    return error == platform::ProfileOk;
+}
+
+// What was saved is loaded with everything else; where it could not be, loading would bring the old locations
+// back.
+void load(bool saved) {
+    if (saved)
+        LoadAllSettings();
+    else
+        LoadSystemSettings();
+}
+
+void createFiles(bool saved) {
+    Settings& values = settings();
+    values.AutoConfigInProgress = -1;
+    load(saved);
+    OpenCartParts(0, false);
+    values.LastOneWas = 0;
+    OpenHotlist(values.CartPartTable[1].Location);
+}
+
+// The number of this workstation in the station's list, with its name on it.
+void chooseWorkstation() {
+    OpenTerminalList();
+    const QString name = platform::ComputerName();
+    settings().LinkMeshId = TerminalForComputer(name);
+    ClaimTerminal(settings().LinkMeshId, name);
+    CloseTerminalList();
+}
+
+void chooseAudioEditor() {
+    Settings& values = settings();
+    values.AudioEditor = FindAudioEditor(values.AudioEditor);
+    if (FileLength(values.AudioEditor) > 0)
+        return;
+    platform::prompts().ask({QStringLiteral("Please select the program you want to use to edit carts"),
+                             Icon::Information,
+                             Buttons::Ok,
+                             {},
+                             QStringLiteral("Tolvex Automatic Configuration")});
+    platform::FileQuestion question;
+    question.title = QStringLiteral("Select Audio Editor Program");
+    question.filter = QStringLiteral("Programs|*.EXE *.COM *.BAT *.PIF");
+    question.fileName = QStringLiteral("*.EXE");
+    question.defaultExtension = QStringLiteral("EXE");
+    const std::optional<QString> chosen = platform::prompts().pickFile(question);
+    if (chosen && FileLength(*chosen) > 0)
+        values.AudioEditor = *chosen;
+}
+
+void setDefaults() {
+    Settings& values = settings();
+    const QList<JumpCartButton> buttons = {
+        {1, QStringLiteral("Jingles")}, {1001, QStringLiteral("Adverts")}, {3001, QStringLiteral("Music")}};
+    values.NumberCartJumpButtons = qint16(buttons.size());
+    values.JumpCartButtons = buttons;
+    values.KHz = 44100;
+    values.Channels = 2;
+    values.Format = 1;
+}
+
+void tellTheEnd() {
+    QStringList missing;
+    for (const InstalledItem& item : LookAtInstallation())
+        if (!item.present)
+            missing += item.what + QStringLiteral(": ") + item.path;
+    if (missing.isEmpty())
+        platform::prompts().ask(
+            {QStringLiteral("Tolvex is now fully configured on this computer, and all the "
+                            "data files have been created."),
+             Icon::Information});
+    else
+        ShowExclamation(QStringLiteral("Tolvex is not fully configured on this computer. Missing:\n\n") +
+                        missing.join(u'\n') +
+                        QStringLiteral("\n\nPlease see that their disks are connected and have room, and "
+                                       "configure again: what was made is kept."));
+}
+
+} // namespace
+
+bool AutoInstall() {
+    Settings& values = settings();
+    platform::Prompts& prompts = platform::prompts();
+    prompts.setPointer(Pointer::Wait);
+    splash("Automatic Configuration..");
+    if (!CreatePath(values.CartPartTable[1].Location)) {
+        prompts.hideSplash();
+        prompts.setPointer(Pointer::Default);
+        return false;
+    }
+    values.EmptyCartBackColor = ButtonFace;
+    values.EmptyCartForeColor = ButtonText;
+    const bool saved = save();
+    // Without a data location its files would go to the root of some drive.
+    const bool hasData = !values.DataLocation.trimmed().isEmpty();
+    splash("Checking/Creating Databases..");
+    if (hasData)
+        CreateDefaultKOVADatabase(true);
+    splash("Checking/Creating Files..");
+    createFiles(saved);
+    if (hasData) {
+        chooseWorkstation();
+        OpenUsersDatabase(values.DataLocation + QStringLiteral("\\USERS\\USERS25.MDB"));
+    }
+    values.AutoConfigInProgress = 0;
+    prompts.setPointer(Pointer::Default);
+    splash("Audio Setup..");
+    chooseAudioEditor();
+    setDefaults();
+    splash("Finishing Configuration..");
+    prompts.setPointer(Pointer::Wait);
+    save();
+    prompts.setPointer(Pointer::Default);
+    prompts.hideSplash();
+    tellTheEnd();
+    return true;
+}
+
+bool DefaultNetworkInstall() {
+    const QString data = QStringLiteral("M:");
+    const QString audio = QStringLiteral("U:");
+    if (ask(QStringLiteral("Tolvex will be configured to look in the following directories:\n\n"
+                           "Data Location    : M:\\\nAudio Location   : U:\\"),
+            Buttons::YesNo, {}, QStringLiteral("Tolvex Automatic Network Configuration")) != Answer::Yes)
+        return false;
+    return installIn(data, everywhere(audio));
+}
+
+bool DefaultLocalInstall() {
+    QString base = platform::ProfileText(QStringLiteral("Tolvex"), QStringLiteral("InstallPath"), {},
+                                         QStringLiteral("Win.ini"));
+    if (base.isEmpty())
+        base = QStringLiteral("C:\\TOLVEX\\");
+    const QString data = base + QStringLiteral("SYSTEM");
+    const QString audio = base + QStringLiteral("AUDIO");
+    if (ask(QStringLiteral("Do you want Tolvex to be configured to run from the following directories:\n\n"
+                           "Data Location    : %1\nAudio Location   : %2")
+                .arg(data, audio),
+            Buttons::YesNo) != Answer::Yes)
+        return false;
+    return installIn(data, everywhere(audio));
+}
+
+SearchOutcome ConfigureFromSearch(bool networkOnly, const SetupSearch& search) {
+    const ExistingSetup setup = searchWithProgress(networkOnly, search);
+    if (setup.stopped)
+        return SearchOutcome::Stopped;
+    if (!IsWorthAsking(setup))
+        return SearchOutcome::NotConfigured;
+    const CartPaths carts = FilledCartPaths(setup.cartPaths);
+    const QString indent = networkOnly ? QStringLiteral("\t") : QString();
+    const bool accepted =
+        ask(AcceptanceQuestion(setup.dataPath, carts, indent), Buttons::YesNo) == Answer::Yes;
+    return accepted && installIn(setup.dataPath, carts) ? SearchOutcome::Configured
+                                                        : SearchOutcome::NotConfigured;
+}
+
+bool LookForSetup(const SetupSearch& search) {
+    const SearchOutcome outcome = ConfigureFromSearch(false, search);
+    if (outcome == SearchOutcome::Stopped)
+        return false;
+    if (outcome == SearchOutcome::Configured)
+        return askToExit();
+    const Answer network =
+        ask(QStringLiteral("Do you have a networked system of Tolvex on drives M: and U: that "
+                           "you want to connect to?"),
+            Buttons::YesNoCancel, Answer::No);
+    if (network == Answer::Cancel)
+        return false;
+    const bool done = network == Answer::Yes ? DefaultNetworkInstall() : DefaultLocalInstall();
+    return done && askToExit();
+}
+
+bool NetworkSetup(const SetupSearch& search) {
+    const Answer answer =
+        ask(QStringLiteral("Do you want Tolvex to automatically search for information on a network?"),
+            Buttons::YesNoCancel);
+    if (answer == Answer::Cancel)
+        return false;
+    if (answer == Answer::Yes) {
+        const SearchOutcome outcome = ConfigureFromSearch(true, search);
+        if (outcome == SearchOutcome::Stopped)
+            return false;
+        if (outcome == SearchOutcome::Configured)
+            return askToExit();
+    }
+    DefaultNetworkInstall();
+    return false;
+}
+
+void LocalSetup() {
+    if (ask(QStringLiteral("Are you sure you want to allow Tolvex to automatically configure itself to run "
+                           "locally?\nThis will overwrite all of your previous settings."),
+            Buttons::YesNo, Answer::No) == Answer::Yes)
+        DefaultLocalInstall();
+}
+
+} // namespace tolvex

@@ -1,0 +1,35 @@
+// Automatic configuration: makes a workstation out of a machine that has nothing, or of one that has some of
+// it. It needs a data location and the locations of the carts, from a search of the drives, the fixed network
+// drives or a local folder; everything else it builds, keeping whatever is there already. Started again after
+// any interruption, it completes what is missing.
+//
+// What it asks, tells and shows goes through the prompts. LoadLocalSettings has been done.
+#pragma once
+
+#include "console/ExistingSetup.h"
+
+namespace tolvex {
+
+// The jobs of the console. Each gives true when the user asked to exit from the program afterwards; the
+// caller ends it. The caller updates its buttons.
+bool LookForSetup(const SetupSearch& search = {}); // mnuLookForSetup, and Yes to the first-run question
+bool NetworkSetup(const SetupSearch& search = {}); // cmdNetworkSetup, mnuNetworkConfig
+void LocalSetup(); // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
+
+// Searches the drives, showing progress that can be stopped, asks whether to use what was found, and
+// configures from it. A search that was stopped asks nothing and ends the job.
+enum class SearchOutcome { NotConfigured, Stopped, Configured };
+SearchOutcome ConfigureFromSearch(bool networkOnly, const SetupSearch& search = {});
+
+// Data in M:, carts in U:, after a question. True when configuration ran and succeeded.
+bool DefaultNetworkInstall();
+// Everything below one local folder: [Tolvex] InstallPath of Win.ini, else C:\TOLVEX\. As above.
+bool DefaultLocalInstall();
+
+// Builds everything that is missing in the locations that settings() hold, saves the local ini file, and says
+// so. False when the folder of the first cart part cannot be made: then nothing was saved. Whatever fails
+// later is reported and does not stop the rest; the closing message then tells what is missing
+// (console/Installation.h).
+bool AutoInstall();
+
+} // namespace tolvex

@@ -1,0 +1,68 @@
+#include "console/Installation.h"
+
+#include "audio/CartStore.h"
+#include "audio/Hotlist.h"
+#include "core/Folders.h"
+#include "databases/DatabaseKinds.h"
+#include "databases/FindDatabases.h"
+#include "network/TerminalList.h"
+#include "platform/ProfileFile.h"
+
+namespace tolvex {
+
+namespace {
+
+QString placeOf(const char* key) {
+    return platform::ProfileText(QStringLiteral("FileLocations"), QLatin1String(key), {},
+                                 settings().LocalIniFile);
+}
+
+InstalledItem localIni() {
+    const Settings& values = settings();
+    const bool saved = !values.DataLocation.isEmpty() && placeOf("Data") == values.DataLocation &&
+                       placeOf("Carts1") == values.CartPartTable[1].Location;
+    return {QStringLiteral("Settings of this workstation"), values.LocalIniFile, saved};
+}
+
+InstalledItem file(const QString& what, const QString& path, qint64 length = 1) {
+    return {what, path, FileLength(path) >= length};
+}
+
+InstalledItem automationDatabase() {
+    const QString what = QStringLiteral("Automation database");
+    const QString folder = settings().DataLocation + QStringLiteral("\\SCHEDULE\\");
+    QString name = platform::ProfileText(QStringLiteral("KOVA"), QStringLiteral("DefaultDatabase"), {},
+                                         settings().LocalIniFile);
+    if (name.isEmpty())
+        FindDatabaseOfType(folder, KOVAType, &name, 1);
+    return file(what, folder + (name.isEmpty() ? QStringLiteral("KOVA26.MDB") : name));
+}
+
+} // namespace
+
+QList<InstalledItem> LookAtInstallation() {
+    const Settings& values = settings();
+    const QString data = values.DataLocation;
+    QList<InstalledItem> items = {localIni()};
+    if (data.trimmed().isEmpty()) {
+        items += {QStringLiteral("Data location"), QStringLiteral("not set"), false};
+    } else {
+        for (const char* folder : {"USERS", "SCHEDULE", "Logs", "Commands", "Scripts"}) {
+            const QString path = data + u'\\' + QLatin1String(folder);
+            items += {QStringLiteral("Folder"), path, DirectoryExists(path)};
+        }
+        items += automationDatabase();
+        items += file(QStringLiteral("Users database"), data + QStringLiteral("\\USERS\\USERS25.MDB"));
+        items += file(QStringLiteral("Terminal list"), TerminalListPath(),
+                      qint64{TerminalRecordLength} * values.NumberTerminals);
+    }
+    for (int part = 1; part <= PartOfCart(values.NoCarts); ++part)
+        items += file(QStringLiteral("Cart list"),
+                      values.CartPartTable[part].Location + QStringLiteral("\\Carts%1.lst").arg(part),
+                      CartListRecordLength * CartListRecords(part));
+    items += file(QStringLiteral("Hotlist"), values.CartPartTable[1].Location + QStringLiteral("\\GLIC.Lst"),
+                  qint64{HotlistRecordLength} * HotlistRecordCount);
+    return items;
+}
+
+} // namespace tolvex

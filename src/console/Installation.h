@@ -1,0 +1,19 @@
+// What automatic configuration leaves on a machine, item by item, as it is there now.
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace tolvex {
+
+struct InstalledItem {
+    QString what; // "Hotlist"
+    QString path;
+    bool present = false; // complete, as far as its length tells
+};
+
+// Of the locations that settings() hold. Cost: a few file lengths and two reads of the local ini file; where
+// no default automation database is set, each database of its folder is opened.
+QList<InstalledItem> LookAtInstallation();
+
+} // namespace tolvex
