@@ -1,0 +1,51 @@
+// Questions to drives that may not answer. The server behind a network drive can be gone; the system then
+// holds whoever asks the drive for minutes, or for ever. Here every drive is asked in a thread of its own,
+// the caller's events run meanwhile, and a drive that stays silent is given up.
+#pragma once
+
+#include <QHash>
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace tolvex::platform {
+
+// How long a drive may take for one answer. A disk that has to start turning needs a few seconds.
+inline constexpr std::chrono::milliseconds DrivePatience{6000};
+
+// Runs in the thread of the path's drive. It may use the routines of Paths.h and Files.h that only look, and
+// must own what it uses: a thread that hangs in the system is left behind, and lives on until the system lets
+// go of it or the program ends.
+using DriveQuestion = std::function<qint64(const QString& path)>;
+
+class DriveAsker {
+public:
+    explicit DriveAsker(std::chrono::milliseconds patience = DrivePatience);
+    // Waits for no thread.
+    ~DriveAsker();
+    DriveAsker(const DriveAsker&) = delete;
+    DriveAsker& operator=(const DriveAsker&) = delete;
+
+    // Asks about each path ("M:\TLVX_SYS.INI"): those of one drive in their order, all drives at the same
+    // time. Gives the answers by path, as it was given; a path whose drive was given up has none. While it
+    // waits it runs events and calls `goesOn` at least every 20 milliseconds; false ends the wait. Cost: one
+    // thread for each drive, started by its first question and kept; then some 10 microseconds a question.
+    QHash<QString, qint64> ask(const QStringList& paths, const DriveQuestion& question,
+                               const std::function<bool()>& goesOn);
+
+    // The letters, in upper case, of the drives that were given up: they are not asked again.
+    const QString& unreachable() const { return unreachable_; }
+
+private:
+    struct Talk;
+    bool startThread(QChar drive);
+
+    const std::chrono::milliseconds patience_;
+    std::shared_ptr<Talk> talk_; // shared with the threads
+    QString unreachable_;
+    int calls_ = 0;
+};
+
+} // namespace tolvex::platform
