@@ -31,53 +31,6 @@ QString suiteText(const std::u16string& text) {
     return QString::fromStdU16String(text);
 }
 
-QVariant toVariant(const jet::Value& value) {
-    return std::visit(
-        [](const auto& held) -> QVariant {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, std::monostate>)
-                return {};
-            else if constexpr (std::is_same_v<Held, bool> || std::is_floating_point_v<Held>)
-                return held;
-            else if constexpr (std::is_integral_v<Held>)
-                return static_cast<int>(held);
-            else if constexpr (std::is_same_v<Held, jet::Currency>)
-                return static_cast<double>(held.tenThousandths) / 10000;
-            else if constexpr (std::is_same_v<Held, jet::Date>)
-                return FromSerialDate(held.days);
-            else if constexpr (std::is_same_v<Held, std::u16string>)
-                return suiteText(held);
-            else if constexpr (std::is_same_v<Held, jet::Bytes>)
-                return QByteArray(reinterpret_cast<const char*>(held.data()),
-                                  static_cast<qsizetype>(held.size()));
-            else
-                throw DatabaseError{TypeMismatchError, QStringLiteral("Type mismatch")};
-        },
-        value);
-}
-
-jet::Value toValue(const QVariant& value) {
-    switch (value.typeId()) {
-    case QMetaType::UnknownType:
-        return {};
-    case QMetaType::Bool:
-        return value.toBool();
-    case QMetaType::Short:
-    case QMetaType::Int:
-        return std::int32_t{value.toInt()};
-    case QMetaType::Float:
-        return value.toFloat();
-    case QMetaType::Double:
-        return value.toDouble();
-    case QMetaType::QDateTime:
-        return jet::Date{SerialDate(value.toDateTime())};
-    case QMetaType::QString:
-        return engineText(value.toString());
-    default:
-        throw DatabaseError{TypeMismatchError, QStringLiteral("Type mismatch")};
-    }
-}
-
 jet::FieldDesign fieldDesign(const Field& field, bool allowZeroLength) {
     jet::FieldDesign design;
     design.name = engineText(QLatin1String(field.name));
@@ -106,7 +59,7 @@ public:
         onEngine([&] { rows_.setIndex(engineText(index)); });
     }
     void seek(const QVariant& value) override {
-        onEngine([&] { rows_.seek(jet::SeekComparison::Equal, toValue(value)); });
+        onEngine([&] { rows_.seek(jet::SeekComparison::Equal, ToEngineValue(value)); });
     }
     void findFirst(const QString& criterion) override {
         onEngine([&] { rows_.findFirst(engineText(criterion)); });
@@ -121,7 +74,7 @@ public:
         onEngine([&] { rows_.moveNext(); });
     }
     QVariant value(const QString& field) override {
-        return onEngine([&] { return toVariant(rows_.value(engineText(field))); });
+        return onEngine([&] { return ToVariant(rows_.value(engineText(field))); });
     }
     void addNew() override {
         onEngine([&] { rows_.addNew(); });
@@ -130,7 +83,7 @@ public:
         onEngine([&] { rows_.edit(); });
     }
     void set(const QString& field, const QVariant& value) override {
-        onEngine([&] { rows_.set(engineText(field), toValue(value)); });
+        onEngine([&] { rows_.set(engineText(field), ToEngineValue(value)); });
     }
     void update() override {
         onEngine([&] { rows_.update(); });
@@ -222,6 +175,53 @@ private:
 };
 
 } // namespace
+
+QVariant ToVariant(const jet::Value& value) {
+    return std::visit(
+        [](const auto& held) -> QVariant {
+            using Held = std::decay_t<decltype(held)>;
+            if constexpr (std::is_same_v<Held, std::monostate>)
+                return {};
+            else if constexpr (std::is_same_v<Held, bool> || std::is_floating_point_v<Held>)
+                return held;
+            else if constexpr (std::is_integral_v<Held>)
+                return static_cast<int>(held);
+            else if constexpr (std::is_same_v<Held, jet::Currency>)
+                return static_cast<double>(held.tenThousandths) / 10000;
+            else if constexpr (std::is_same_v<Held, jet::Date>)
+                return FromSerialDate(held.days);
+            else if constexpr (std::is_same_v<Held, std::u16string>)
+                return QString::fromStdU16String(held);
+            else if constexpr (std::is_same_v<Held, jet::Bytes>)
+                return QByteArray(reinterpret_cast<const char*>(held.data()),
+                                  static_cast<qsizetype>(held.size()));
+            else
+                throw DatabaseError{TypeMismatchError, QStringLiteral("Type mismatch")};
+        },
+        value);
+}
+
+jet::Value ToEngineValue(const QVariant& value) {
+    switch (value.typeId()) {
+    case QMetaType::UnknownType:
+        return {};
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::Short:
+    case QMetaType::Int:
+        return std::int32_t{value.toInt()};
+    case QMetaType::Float:
+        return value.toFloat();
+    case QMetaType::Double:
+        return value.toDouble();
+    case QMetaType::QDateTime:
+        return jet::Date{SerialDate(value.toDateTime())};
+    case QMetaType::QString:
+        return value.toString().toStdU16String();
+    default:
+        throw DatabaseError{TypeMismatchError, QStringLiteral("Type mismatch")};
+    }
+}
 
 DatabaseError FromEngine(const jet::Error& error) {
     return {error.number(), QString::fromUtf8(error.what())};

@@ -4,6 +4,7 @@
 
 #include "databases/SuiteDatabase.h"
 #include "jet/Error.h"
+#include "jet/Value.h"
 
 namespace tolvex {
 
@@ -14,5 +15,10 @@ std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path);
 std::string EnginePath(const QString& path);
 
 DatabaseError FromEngine(const jet::Error& error);
+
+// Values as the suite has them and as the engine does. Both throw TypeMismatchError for what the other does
+// not know.
+QVariant ToVariant(const jet::Value& value);
+jet::Value ToEngineValue(const QVariant& value);
 
 } // namespace tolvex
