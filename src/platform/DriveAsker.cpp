@@ -1,7 +1,6 @@
 #include "platform/DriveAsker.h"
 
 #include "platform/PathState.h"
-#include "platform/Prompts.h"
 
 #include <QElapsedTimer>
 
@@ -116,10 +115,10 @@ bool DriveAsker::startThread(QChar drive) {
     return true;
 }
 
-QHash<QString, qint64> DriveAsker::ask(const QStringList& paths, const DriveQuestion& question,
-                                       const std::function<bool()>& goesOn) {
+std::optional<DriveAsker::Answers> DriveAsker::ask(const QStringList& paths, const DriveQuestion& question,
+                                                   Progress& progress) {
     ++calls_;
-    QHash<QString, qint64> answers;
+    Answers answers;
     std::map<QChar, Waiting> drives;
     for (const QString& path : paths) {
         if (path.isEmpty() || unreachable_.contains(driveOf(path)))
@@ -144,17 +143,24 @@ QHash<QString, qint64> DriveAsker::ask(const QStringList& paths, const DriveQues
             if (--drive->second.open == 0)
                 drives.erase(drive);
         }
+        qsizetype open = 0;
+        QStringList names;
         for (auto drive = drives.begin(); drive != drives.end();) {
-            const bool silent = drive->second.silence.hasExpired(patience_.count());
-            if (silent)
+            if (drive->second.silence.hasExpired(patience_.count())) {
                 unreachable_ += drive->first;
-            drive = silent ? drives.erase(drive) : std::next(drive);
+                drive = drives.erase(drive);
+                continue;
+            }
+            open += drive->second.open;
+            names += drive->first + QStringLiteral(":");
+            ++drive;
         }
-        if (drives.empty())
-            break;
         prompts().processEvents();
-        if (!goesOn())
-            break;
+        if (!progress.step(paths.size() - open, paths.size(),
+                           QStringLiteral("Looking at ") + names.join(QStringLiteral(", ")))) {
+            talk_->forget();
+            return std::nullopt;
+        }
     }
     talk_->forget();
     return answers;

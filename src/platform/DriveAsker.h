@@ -3,12 +3,15 @@
 // the caller's events run meanwhile, and a drive that stays silent is given up.
 #pragma once
 
+#include "platform/Prompts.h"
+
 #include <QHash>
 #include <QStringList>
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace tolvex::platform {
 
@@ -29,11 +32,11 @@ public:
     DriveAsker& operator=(const DriveAsker&) = delete;
 
     // Asks about each path ("M:\TLVX_SYS.INI"): those of one drive in their order, all drives at the same
-    // time. Gives the answers by path, as it was given; a path whose drive was given up has none. While it
-    // waits it runs events and calls `goesOn` at least every 20 milliseconds; false ends the wait. Cost: one
-    // thread for each drive, started by its first question and kept; then some 10 microseconds a question.
-    QHash<QString, qint64> ask(const QStringList& paths, const DriveQuestion& question,
-                               const std::function<bool()>& goesOn);
+    // time. Gives the answers by path, as it was given; a path whose drive was given up has none. Nothing
+    // when the user pressed Stop, which counts within 20 milliseconds; events run meanwhile. Cost: one thread
+    // for each drive, started by its first question and kept; then some 10 microseconds a question.
+    using Answers = QHash<QString, qint64>;
+    std::optional<Answers> ask(const QStringList& paths, const DriveQuestion& question, Progress& progress);
 
     // The letters, in upper case, of the drives that were given up: they are not asked again.
     const QString& unreachable() const { return unreachable_; }

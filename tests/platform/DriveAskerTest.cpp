@@ -29,7 +29,6 @@ protected:
     ~DriveAskerTest() override { release(); }
     // Lets go of whoever hangs on the pipe.
     void release() const { ::close(::open(QFile::encodeName(fifo).constData(), O_RDWR)); }
-    static bool goesOn() { return true; }
 
     // Files' lengths; whatever is on drive M: keeps its asker in a system call that does not return.
     DriveQuestion withDeadM() const {
@@ -41,6 +40,7 @@ protected:
     }
     TestMachine machine;
     ScriptedPrompts prompts;
+    const std::unique_ptr<Progress> progress = prompts.beginProgress("Search", true);
     const QString fifo = machine.path() + "/pipe";
 };
 
@@ -52,15 +52,15 @@ TEST_F(DriveAskerTest, GivesWhatTheDrivesHold) {
     machine.makeFolder("C:\\FOLDER");
     DriveAsker asker;
     EXPECT_EQ(asker.ask({"n:\\Carts1.LST", "C:\\tolvex\\TLVX_SYS.INI", "C:\\FOLDER", "C:\\NONE", "Q:\\NONE"},
-                        FileSize, goesOn),
-              (QHash<QString, qint64>{{"n:\\Carts1.LST", 3},
-                                      {"C:\\tolvex\\TLVX_SYS.INI", 5},
-                                      {"C:\\FOLDER", -1},
-                                      {"C:\\NONE", -1},
-                                      {"Q:\\NONE", -1}}));
+                        FileSize, *progress),
+              (DriveAsker::Answers{{"n:\\Carts1.LST", 3},
+                                   {"C:\\tolvex\\TLVX_SYS.INI", 5},
+                                   {"C:\\FOLDER", -1},
+                                   {"C:\\NONE", -1},
+                                   {"Q:\\NONE", -1}}));
     // What changed meanwhile is seen.
     machine.write("C:\\NONE", "1");
-    EXPECT_EQ(asker.ask({"C:\\NONE"}, FileSize, goesOn), (QHash<QString, qint64>{{"C:\\NONE", 1}}));
+    EXPECT_EQ(asker.ask({"C:\\NONE"}, FileSize, *progress), (DriveAsker::Answers{{"C:\\NONE", 1}}));
     EXPECT_EQ(asker.unreachable(), "");
 }
 
@@ -68,41 +68,40 @@ TEST_F(DriveAskerTest, GivesUpADriveThatHangsAndAsksTheOthersMeanwhile) {
     machine.write("C:\\A", "1");
     machine.write("N:\\A", "12");
     DriveAsker asker(300ms);
-    EXPECT_EQ(asker.ask({"M:\\A", "m:\\B", "C:\\A", "N:\\A"}, withDeadM(), goesOn),
-              (QHash<QString, qint64>{{"C:\\A", 1}, {"N:\\A", 2}}));
+    EXPECT_EQ(asker.ask({"M:\\A", "m:\\B", "C:\\A", "N:\\A"}, withDeadM(), *progress),
+              (DriveAsker::Answers{{"C:\\A", 1}, {"N:\\A", 2}}));
     EXPECT_EQ(asker.unreachable(), "M");
     EXPECT_GT(prompts.processed, 3) << "events ran while the dead drive was waited for";
     // It is not asked again, not even when it comes back.
     release();
-    EXPECT_EQ(asker.ask({"M:\\A", "C:\\A"}, FileSize, goesOn), (QHash<QString, qint64>{{"C:\\A", 1}}));
+    EXPECT_EQ(asker.ask({"M:\\A", "C:\\A"}, FileSize, *progress), (DriveAsker::Answers{{"C:\\A", 1}}));
 }
 
 TEST_F(DriveAskerTest, StopsWhenTheUserSaysSoWhateverADriveDoes) {
     machine.write("C:\\A", "1");
-    int steps = 0;
+    prompts.progressGoesOn = {true, true, false};
     DriveAsker asker(1h);
-    EXPECT_FALSE(
-        asker.ask({"M:\\A", "C:\\A"}, withDeadM(), [&steps] { return ++steps < 3; }).contains("M:\\A"));
-    EXPECT_EQ(steps, 3);
+    EXPECT_FALSE(asker.ask({"M:\\A", "C:\\A"}, withDeadM(), *progress));
+    EXPECT_TRUE(prompts.progressGoesOn.empty());
     EXPECT_EQ(asker.unreachable(), "");
     // What the drive answers to that later is no answer to what it is asked now.
     release();
     EXPECT_EQ(asker.ask(
-                  {"M:\\A", "M:\\B"}, [](const QString&) { return 7; }, goesOn),
-              (QHash<QString, qint64>{{"M:\\A", 7}, {"M:\\B", 7}}));
+                  {"M:\\A", "M:\\B"}, [](const QString&) { return qint64{7}; }, *progress),
+              (DriveAsker::Answers{{"M:\\A", 7}, {"M:\\B", 7}}));
 }
 
 // The thread wakes up long after everybody has gone, and finds nothing of theirs to touch.
 TEST_F(DriveAskerTest, ADriveThatAnswersTooLateDisturbsNobody) {
-    EXPECT_TRUE(DriveAsker(50ms).ask({"M:\\A", "M:\\B"}, withDeadM(), goesOn).isEmpty());
+    EXPECT_EQ(DriveAsker(50ms).ask({"M:\\A", "M:\\B"}, withDeadM(), *progress), DriveAsker::Answers());
     release();
-    EXPECT_EQ(DriveAsker().ask({"N:\\A"}, withDeadM(), goesOn).value("N:\\A"), -1);
+    EXPECT_EQ(DriveAsker().ask({"N:\\A"}, withDeadM(), *progress), (DriveAsker::Answers{{"N:\\A", -1}}));
 }
 
 TEST_F(DriveAskerTest, AHangingDriveKeepsNoProgramFromEnding) {
     EXPECT_EXIT(
         {
-            DriveAsker(50ms).ask({"M:\\A"}, withDeadM(), goesOn);
+            DriveAsker(50ms).ask({"M:\\A"}, withDeadM(), *progress);
             std::exit(0);
         },
         testing::ExitedWithCode(0), "");
