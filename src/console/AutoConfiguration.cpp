@@ -6,6 +6,8 @@
 #include "automation/AutomationStore.h"
 #include "console/Installation.h"
 #include "console/LoadSettings.h"
+#include "console/SearchDrives.h"
+#include "core/Folders.h"
 #include "core/ProblemReport.h"
 #include "core/SaveLocalSettings.h"
 #include "core/SettingsLoader.h"
@@ -70,17 +72,6 @@ bool installIn(const QString& data, const CartPaths& carts) {
         return true;
     setLocations(dataBefore, cartsBefore);
     return false;
-}
-
-ExistingSetup searchWithProgress(bool networkOnly, const SetupSearch& search) {
-    const auto progress =
-        platform::prompts().beginProgress(QStringLiteral("Looking for existing Tolvex Information"), true);
-    SetupSearch shown = search;
-    shown.goesOn = [&](int done, int total, const QString& drive) {
-        const QString what = drive.isEmpty() ? drive : QStringLiteral("Drive ") + drive.toUpper();
-        return search.goesOn(done, total, drive) && progress->step(done, total, what);
-    };
-    return FindExistingSetup(networkOnly, shown);
 }
 
 // Saves the local ini file; false, reported, when it could not be written.
@@ -235,8 +226,8 @@ bool DefaultLocalInstall() {
     return installIn(data, everywhere(audio));
 }
 
-SearchOutcome ConfigureFromSearch(bool networkOnly, const SetupSearch& search) {
-    const ExistingSetup setup = searchWithProgress(networkOnly, search);
+SearchOutcome ConfigureFromSearch(bool networkOnly) {
+    const ExistingSetup setup = SearchDrives(networkOnly);
     if (setup.stopped)
         return SearchOutcome::Stopped;
     if (!IsWorthAsking(setup))
@@ -249,8 +240,8 @@ SearchOutcome ConfigureFromSearch(bool networkOnly, const SetupSearch& search) {
                                                         : SearchOutcome::NotConfigured;
 }
 
-bool LookForSetup(const SetupSearch& search) {
-    const SearchOutcome outcome = ConfigureFromSearch(false, search);
+bool LookForSetup() {
+    const SearchOutcome outcome = ConfigureFromSearch(false);
     if (outcome == SearchOutcome::Stopped)
         return false;
     if (outcome == SearchOutcome::Configured)
@@ -265,14 +256,14 @@ bool LookForSetup(const SetupSearch& search) {
     return done && askToExit();
 }
 
-bool NetworkSetup(const SetupSearch& search) {
+bool NetworkSetup() {
     const Answer answer =
         ask(QStringLiteral("Do you want Tolvex to automatically search for information on a network?"),
             Buttons::YesNoCancel);
     if (answer == Answer::Cancel)
         return false;
     if (answer == Answer::Yes) {
-        const SearchOutcome outcome = ConfigureFromSearch(true, search);
+        const SearchOutcome outcome = ConfigureFromSearch(true);
         if (outcome == SearchOutcome::Stopped)
             return false;
         if (outcome == SearchOutcome::Configured)

@@ -6,20 +6,18 @@
 // What it asks, tells and shows goes through the prompts. LoadLocalSettings has been done.
 #pragma once
 
-#include "console/ExistingSetup.h"
-
 namespace tolvex {
 
 // The jobs of the console. Each gives true when the user asked to exit from the program afterwards; the
 // caller ends it. The caller updates its buttons.
-bool LookForSetup(const SetupSearch& search = {}); // mnuLookForSetup, and Yes to the first-run question
-bool NetworkSetup(const SetupSearch& search = {}); // cmdNetworkSetup, mnuNetworkConfig
-void LocalSetup(); // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
+bool LookForSetup(); // mnuLookForSetup, and Yes to the first-run question
+bool NetworkSetup(); // cmdNetworkSetup, mnuNetworkConfig
+void LocalSetup();   // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
 
 // Searches the drives, showing progress that can be stopped, asks whether to use what was found, and
 // configures from it. A search that was stopped asks nothing and ends the job.
 enum class SearchOutcome { NotConfigured, Stopped, Configured };
-SearchOutcome ConfigureFromSearch(bool networkOnly, const SetupSearch& search = {});
+SearchOutcome ConfigureFromSearch(bool networkOnly);
 
 // Data in M:, carts in U:, after a question. True when configuration ran and succeeded.
 bool DefaultNetworkInstall();

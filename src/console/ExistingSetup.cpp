@@ -1,5 +1,7 @@
 #include "console/ExistingSetup.h"
 
+#include "core/Folders.h"
+
 #include <algorithm>
 
 namespace tolvex {
@@ -19,49 +21,43 @@ QString numbered(const char* folder, int part) {
     return QString::fromLatin1(folder).replace(QLatin1String("%1"), QString::number(part));
 }
 
-// Later finds take the place of earlier ones. True when anything was found.
-bool searchDrive(const QString& drive, const SetupSearch& search, ExistingSetup& setup) {
-    bool found = false;
-    const auto isThere = [&](const QString& path) { return search.fileLength(path) > 0; };
+// A file that tells of a system, and the folder it stands in.
+struct Sign {
+    int part = 0; // 0: the system ini file, and so the data path
+    QString folder;
+    QString file;
+};
+
+QList<Sign> signsOn(const QString& drive) {
+    QList<Sign> signs;
     for (const char* folder : dataFolders) {
         const QString path = drive + QLatin1String(folder);
-        if (isThere(path + QLatin1String(systemIni))) {
-            setup.dataPath = path;
-            found = true;
-        }
+        signs += {0, path, path + QLatin1String(systemIni)};
     }
     for (int part = 1; part <= CartPaths::count; ++part)
         for (const char* folder : cartFolders) {
             const QString path = drive + numbered(folder, part);
-            if (isThere(path + numbered("\\Carts%1.LST", part))) {
-                setup.cartPaths[part] = path;
-                found = true;
-            }
+            signs += {part, path, path + numbered("\\Carts%1.LST", part)};
         }
-    return found;
+    return signs;
 }
 
-// How far a search is, over all the drives that it may come to.
-struct Course {
-    const SetupSearch& search;
-    int total = 0;
-    int done = 0;
-
-    bool goesOn(const QString& drive) const { return search.goesOn(done, total, drive); }
-};
-
-// True when anything was found.
-bool searchDrives(const QString& letters, Course& course, ExistingSetup& setup) {
+// One pass over drives; later finds take the place of earlier ones. True when anything was found.
+bool searchDrives(const QString& letters, const SetupSearch& search, ExistingSetup& setup) {
+    QList<Sign> signs;
+    for (const QChar letter : letters)
+        signs += signsOn(letter + QStringLiteral(":"));
+    QStringList files;
+    for (const Sign& sign : std::as_const(signs))
+        files += sign.file;
+    const std::optional<SetupSearch::Lengths> lengths = search.fileLengths(files);
+    setup.stopped = !lengths;
     bool found = false;
-    for (const QChar letter : letters) {
-        const QString drive = letter + QStringLiteral(":");
-        if (!course.goesOn(drive)) {
-            setup.stopped = true;
-            break;
+    for (const Sign& sign : std::as_const(signs))
+        if (lengths && lengths->value(sign.file, -1) > 0) {
+            (sign.part == 0 ? setup.dataPath : setup.cartPaths[sign.part]) = sign.folder;
+            found = true;
         }
-        found |= searchDrive(drive, course.search, setup);
-        ++course.done;
-    }
     return found;
 }
 
@@ -79,18 +75,26 @@ QString DriveLettersOfType(DriveType type) {
     return letters;
 }
 
+SetupSearch::Lengths SetupSearch::LengthsOfFiles(const QStringList& paths) {
+    Lengths lengths;
+    for (const QString& path : paths)
+        lengths.insert(path, FileLength(path));
+    return lengths;
+}
+
 ExistingSetup FindExistingSetup(bool networkOnly, const SetupSearch& search) {
-    const QString remote = search.lettersOfType(DriveType::Remote).toLower();
-    QString local;
-    if (!networkOnly)
-        local = (search.lettersOfType(DriveType::Fixed) + search.lettersOfType(DriveType::CdRom)).toUpper();
-    Course course{search, int(remote.size() + local.size())};
     ExistingSetup setup;
-    setup.found = setup.foundOnNetwork = searchDrives(remote, course, setup);
-    if (!setup.stopped && setup.dataPath.isEmpty())
-        setup.found |= searchDrives(local, course, setup);
-    if (!setup.stopped && !course.goesOn({}))
-        setup.stopped = true;
+    const std::optional<QString> remote = search.lettersOfType(DriveType::Remote);
+    setup.stopped = !remote;
+    if (remote)
+        setup.found = setup.foundOnNetwork = searchDrives(remote->toLower(), search, setup);
+    if (setup.stopped || networkOnly || !setup.dataPath.isEmpty())
+        return setup;
+    const std::optional<QString> fixed = search.lettersOfType(DriveType::Fixed);
+    const std::optional<QString> optical = search.lettersOfType(DriveType::CdRom);
+    setup.stopped = !fixed || !optical;
+    if (!setup.stopped)
+        setup.found |= searchDrives((*fixed + *optical).toUpper(), search, setup);
     return setup;
 }
 

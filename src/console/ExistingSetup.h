@@ -2,11 +2,14 @@
 // the user about it. Nothing here changes anything.
 #pragma once
 
-#include "core/Folders.h"
 #include "core/Settings.h"
 #include "platform/Paths.h"
 
+#include <QHash>
+#include <QStringList>
+
 #include <functional>
+#include <optional>
 
 namespace tolvex {
 
@@ -24,17 +27,15 @@ struct ExistingSetup {
 // The letters of the drives of a type, upper-case, from A on.
 QString DriveLettersOfType(platform::DriveType type);
 
-// What a search asks of the machine. Callers put their own in place where a drive may not answer, to show how
-// far it is, and in tests.
+// What a search asks of the machine; nothing as an answer ends it. As they stand they wait for drives that
+// do not answer; SearchDrives.h has others.
 struct SetupSearch {
-    std::function<QString(platform::DriveType)> lettersOfType = DriveLettersOfType;
-    // Bytes, -1 where there is no such file or its drive does not answer.
-    std::function<qint64(const QString& path)> fileLength = FileLength;
-    // Called before each drive is searched ("M:") and at the end: drives done of those that the search may
-    // come to. False stops it.
-    std::function<bool(int done, int total, const QString& drive)> goesOn = [](int, int, const QString&) {
-        return true;
-    };
+    std::function<std::optional<QString>(platform::DriveType)> lettersOfType = DriveLettersOfType;
+    // Lengths in bytes of all files of a pass, by path. Missing: no such file, or no answer.
+    using Lengths = QHash<QString, qint64>;
+    std::function<std::optional<Lengths>(const QStringList& paths)> fileLengths = LengthsOfFiles;
+
+    static Lengths LengthsOfFiles(const QStringList& paths);
 };
 
 // Searches network drives, then (unless `networkOnly`, and unless a data path was found by then) fixed drives
