@@ -1,15 +1,14 @@
 #include "console/SearchDrives.h"
 
-#include "core/Folders.h"
 #include "core/ProblemReport.h"
-#include "platform/AskDrives.h"
+#include "platform/DriveAsker.h"
 #include "platform/Files.h"
-#include "platform/Prompts.h"
 
 namespace tolvex {
 
 namespace {
 
+using platform::DriveAsker;
 using platform::DriveType;
 
 qint64 typeOfDrive(const QString& root) {
@@ -17,63 +16,43 @@ qint64 typeOfDrive(const QString& root) {
     return static_cast<qint64>(type);
 }
 
-// One search: what was asked of the drives, and which of them keep silent.
-class Asking {
-public:
-    SetupSearch search() {
-        return {[this](DriveType type) { return lettersOfType(type); },
-                [this](const QStringList& paths) { return ask(paths, platform::FileSize); }};
-    }
-    const QString& silent() const { return silent_; }
+// The letters of all drives of a type, by the answers for their roots.
+QString lettersOf(const DriveAsker::Answers& types, DriveType type) {
+    QString letters;
+    for (auto answer = types.begin(); answer != types.end(); ++answer)
+        if (answer.value() == static_cast<qint64>(type))
+            letters += answer.key()[0];
+    std::sort(letters.begin(), letters.end());
+    return letters;
+}
 
-private:
-    std::optional<SetupSearch::Lengths> ask(const QStringList& paths,
-                                            const platform::DriveQuestion& question) {
-        const platform::DriveAnswers answers = platform::AskDrives(paths, question, *progress_);
-        for (const QChar letter : answers.unreachable)
-            if (!silent_.contains(letter))
-                silent_ += letter;
-        return answers.stopped ? std::nullopt : std::optional(answers.values);
-    }
-
-    std::optional<QString> lettersOfType(DriveType type) {
-        QStringList roots;
-        for (char letter = 'A'; letter <= 'Z'; ++letter)
-            roots += QLatin1Char(letter) + QStringLiteral(":\\");
-        if (!types_)
-            types_ = ask(roots, typeOfDrive);
-        if (!types_)
-            return std::nullopt;
-        QString letters;
-        for (const QString& root : std::as_const(roots))
-            if (types_->value(root) == static_cast<qint64>(type))
-                letters += root[0];
-        return letters;
-    }
-
-    std::unique_ptr<platform::Progress> progress_ =
+ExistingSetup search(bool networkOnly, DriveAsker& drives) {
+    const auto progress =
         platform::prompts().beginProgress(QStringLiteral("Looking for existing Tolvex Information"), true);
-    std::optional<SetupSearch::Lengths> types_; // by root
-    QString silent_;
-};
+    QStringList roots;
+    for (char letter = 'A'; letter <= 'Z'; ++letter)
+        roots += QLatin1Char(letter) + QStringLiteral(":\\");
+    const std::optional<DriveAsker::Answers> types = drives.ask(roots, typeOfDrive, *progress);
+    SetupSearch asked;
+    asked.lettersOfType = [&types](DriveType type) {
+        return types ? std::optional(lettersOf(*types, type)) : std::nullopt;
+    };
+    asked.fileLengths = [&](const QStringList& paths) {
+        return drives.ask(paths, platform::FileSize, *progress);
+    };
+    return FindExistingSetup(networkOnly, asked);
+}
 
 } // namespace
 
 ExistingSetup SearchDrives(bool networkOnly) {
-    ExistingSetup setup;
-    QString silent;
-    {
-        Asking asking;
-        setup = FindExistingSetup(networkOnly, asking.search());
-        silent = asking.silent();
-    }
-    if (setup.stopped)
-        return setup;
-    for (const QChar letter : std::as_const(silent))
+    DriveAsker drives;
+    const ExistingSetup setup = search(networkOnly, drives);
+    if (!setup.stopped && !drives.unreachable().isEmpty())
         ShowExclamation(
-            QStringLiteral("Drive %1: does not answer and was left out of the search. Please check "
-                           "its connection if your Tolvex system is there.")
-                .arg(letter));
+            QStringLiteral("Drives that do not answer were left out of the search: %1\n\nPlease check "
+                           "their connection if your Tolvex system is there.")
+                .arg(drives.unreachable()));
     return setup;
 }
 
