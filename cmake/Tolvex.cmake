@@ -49,6 +49,11 @@ if(TOLVEX_SANITIZE)
                                                   -fno-omit-frame-pointer)
   target_link_options(tolvex_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TOLVEX_FUZZ)
+  # Libraries tell the fuzzer which of their code an input reaches, or it would only guess.
+  target_compile_options(tolvex_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(tolvex_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # One precompiled header for code without widgets and one for code with them.
 function(tolvex_precompiled name header)

@@ -164,7 +164,16 @@ public:
         onEngine([&] { database_.rollback(); });
     }
     void refresh() override {
-        onEngine([&] { database_.refresh(); });
+        onEngine([&] {
+            try {
+                database_.flush();
+            } catch (const jet::Error& error) {
+                // Whose transaction is running brings everything into the file after it.
+                if (error.code() != jet::ErrorNumber::RecordLocked)
+                    throw;
+            }
+            database_.refresh();
+        });
     }
     void close() override {
         onEngine([&] { database_.close(); });

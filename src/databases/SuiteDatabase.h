@@ -92,7 +92,8 @@ public:
     virtual void commit() = 0;
     virtual void rollback() = 0;
 
-    // Takes notice of what others have written.
+    // Gives what was written here to those who read the file by other means, safe from a power cut, and takes
+    // notice of what others have written. Other users of this engine need no refresh to see what is committed.
     virtual void refresh() = 0;
     // Brings everything into the file; the object is of no more use.
     virtual void close() = 0;

@@ -310,6 +310,7 @@ bool DeleteUser(const QString& loginName) {
         if (state.users->recordCount() > 0)
             state.users->moveFirst();
         deletePreferences(*state.database, loginName);
+        state.database->refresh();
     } catch (const DatabaseError&) {
         return false;
     }

@@ -11,6 +11,11 @@
 #include "platform/ProfileFile.h"
 #include "support/FixedClock.h"
 
+#include <array>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
 using namespace tolvex;
 using namespace tolvex::tests;
 using platform::Answer;
@@ -63,6 +68,42 @@ protected:
     FixedClock clock{QDateTime({2024, 3, 20}, {10, 0, 0, 700})};
 };
 
+// Another workstation: a process of its own that does `work`, which gives true when all went well.
+class Workstation {
+public:
+    explicit Workstation(const std::function<bool()>& work)
+        : id_(::fork()) {
+        if (id_ == 0)
+            ::_exit(work() ? 0 : 1);
+    }
+    // Waits for its end.
+    bool wentWell() const {
+        int status = 0;
+        ::waitpid(id_, &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+
+private:
+    pid_t id_;
+};
+
+// Where two processes wait for each other.
+class Meeting {
+public:
+    Meeting() {
+        for (auto& pipe : pipes_)
+            EXPECT_EQ(::pipe(pipe.data()), 0);
+    }
+    // `side`: 0 for one process, 1 for the other.
+    bool meet(std::size_t side) const {
+        char mark = 0;
+        return ::write(pipes_[side][1], &mark, 1) == 1 && ::read(pipes_[1 - side][0], &mark, 1) == 1;
+    }
+
+private:
+    std::array<std::array<int, 2>, 2> pipes_{};
+};
+
 } // namespace
 
 TEST_F(UsersDatabaseTest, IsMadeFromNothing) {
@@ -104,6 +145,30 @@ TEST_F(UsersDatabaseTest, TakesEventsOfTwoWorkstationsInOneSecond) {
     EXPECT_EQ(column("UserHistory", "LoginName").size(), 6);
     CloseUsersDatabase();
     AddEventToUserHistory("ANN", 129, 1, "no database");
+}
+
+// Two processes with the database open all the while: what one enters the other sees at once, and so does a
+// program with another engine, though nobody has closed the file.
+TEST_F(UsersDatabaseTest, ServesTwoProcessesAtOnce) {
+    constexpr int Each = 5;
+    const Meeting meeting;
+    const auto work = [&](std::size_t side, const QString& login) {
+        if (OpenUsersDatabase(Path) != 0 || !meeting.meet(side))
+            return false;
+        for (int i = 0; i < Each; ++i)
+            AddEventToUserHistory(login, 129, 1, QString::number(i));
+        return meeting.meet(side) && column("UserHistory", "EventTime").size() == 2 * Each;
+    };
+    open();
+    CloseUsersDatabase();
+    const Workstation other([&] { return work(1, "BOB") && meeting.meet(1); });
+    EXPECT_TRUE(work(0, "ANN")) << texts().join('|').toStdString();
+    usersState().database->refresh(); // the last one may have met a reader
+    const QStringList seen = QString::fromStdString(rows(Path, "UserHistory")).split('|');
+    EXPECT_EQ(seen.size(), 2 * Each);
+    EXPECT_EQ(seen.filter("BOB").size(), Each);
+    EXPECT_TRUE(meeting.meet(0));
+    EXPECT_TRUE(other.wentWell());
 }
 
 TEST_F(UsersDatabaseTest, TidiesAccountsOnceADay) {
