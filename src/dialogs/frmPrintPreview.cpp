@@ -103,6 +103,12 @@ void frmPrintPreview::LoadFile(const QString& path) {
     }
 }
 
+void frmPrintPreview::ShowText(const QString& text) {
+    fileName_.clear();
+    contents_ = platform::ToCodePage(text);
+    ui_->rtfFile->setPlainText(text);
+}
+
 void frmPrintPreview::print() {
     QPrinter printer;
     printer.setCopyCount(1);

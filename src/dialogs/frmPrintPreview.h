@@ -28,6 +28,8 @@ public:
     void HideFolder();
     // Shows a file; an empty or missing one shows an empty view. Files longer than 32 MB are cut there.
     void LoadFile(const QString& path);
+    // Shows a text that is in no file.
+    void ShowText(const QString& text);
     // Contents are shown as plain text from the next LoadFile on, whatever they are.
     void SetTextDisplay(bool flag);
 

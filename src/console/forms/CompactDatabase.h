@@ -1,0 +1,12 @@
+// Compaction as the console starts it.
+#pragma once
+
+class QWidget;
+
+namespace tolvex {
+
+// Lets the user pick a database in the data location, compacts it, and shows what could not be saved in a
+// window that can print and save the list. The users database is closed meanwhile, so that it can be the one.
+void CompactDatabase(QWidget* console);
+
+} // namespace tolvex
