@@ -4,8 +4,6 @@
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "core/Product.h"
-#include "core/Settings.h"
-#include "databases/CompactRepair.h"
 #include "dialogs/Monitors.h"
 #include "dialogs/Style.h"
 #include "platform/Paths.h"
@@ -61,9 +59,6 @@ int main(int argc, char** argv) {
     {
         const platform::SingleInstance instance;
         frmConfigure console;
-        console.setRoutine(QStringLiteral("CompactRepairDatabase"), [](frmConfigure&) {
-            CompactRepairDatabase({}, true, settings().DataLocation, false);
-        });
         if (console.load(instance.first())) {
             clsMonitors().CenterFormOnMonitor(&console);
             console.show();

@@ -48,11 +48,11 @@ constexpr ConsoleJob jobs[] = {
     {"cmdCommands", "&Commands", Tab::GlobalSettings, "command", "What the station can fire",
      On::DataLocationExists, Check::DataLocationSet, setDataFirst, false, "frmCommandSetup", Open::Waited, true, 230},
     {"cmdCompress", "Compress/Repair a Database", Tab::DatabaseUtilities, "database", "Smaller, faster, repaired",
-     On::Always, Check::None, "", false, "CompactRepairDatabase", Open::Routine, false, 300},
+     On::Always, Check::None, "", false, "CompactDatabase", Open::Routine, false, 300},
     {"cmdAutoConfig", "Local Configuration", Tab::AutoConfig, "workstation", "Everything on this computer",
-     On::Always, Check::None, "", false, "DefaultLocalInstall", Open::Routine, false, 400},
+     On::Always, Check::None, "", false, "LocalSetup", Open::Routine, false, 400},
     {"cmdNetworkSetup", "Network Configuration", Tab::AutoConfig, "share", "Data on M:, audio on U:",
-     On::Always, Check::None, "", false, "DefaultNetworkInstall", Open::Routine, false, 400},
+     On::Always, Check::None, "", false, "NetworkSetup", Open::Routine, false, 400},
 };
 // clang-format on
 

@@ -6,6 +6,7 @@
 #include "core/Numbers.h"
 #include "core/PathNames.h"
 #include "core/Registry.h"
+#include "core/Settings.h"
 #include "databases/DatabaseKinds.h"
 #include "databases/DatabaseSettings.h"
 #include "databases/Report.h"
@@ -216,6 +217,10 @@ UsersState& usersState() {
 
 void ResetUsersState() {
     usersState() = UsersState();
+}
+
+QString UsersDatabaseFile() {
+    return settings().DataLocation + QStringLiteral("\\USERS\\USERS25.MDB");
 }
 
 qint16 OpenUsersDatabase(const QString& fileName) {

@@ -34,6 +34,9 @@ struct UsersState {
 UsersState& usersState();
 void ResetUsersState();
 
+// Its file in the data location, as a full path.
+QString UsersDatabaseFile();
+
 // Makes or upgrades the file, opens it for the run, offers once to import the accounts of an older users
 // file, and does the daily processing of accounts when it is due. Result: 0; -1 when the file could not be
 // made or opened; else an error number.

@@ -37,10 +37,6 @@ const Shown historyFields[] = {{"EventTime", "eventTime", "Time"},
                                {"Status", "status", "Status"},
                                {"Notes", "notes", "Notes"}};
 
-QString usersFile() {
-    return settings().DataLocation + QStringLiteral("\\USERS\\USERS25.MDB");
-}
-
 QJsonValue jsonOf(const QVariant& value) {
     if (value.typeId() == QMetaType::QDateTime)
         return value.toDateTime().toString(Qt::ISODate);
@@ -51,11 +47,11 @@ QJsonValue jsonOf(const QVariant& value) {
 int show(Call& call, const QString& table, std::span<const Shown> fields, int last = INT_MAX) {
     if (!LoadWorkstation())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    if (FileLength(usersFile()) <= 0)
-        return call.no(QStringLiteral("There is no users database %1.").arg(usersFile()));
+    if (FileLength(UsersDatabaseFile()) <= 0)
+        return call.no(QStringLiteral("There is no users database %1.").arg(UsersDatabaseFile()));
     QJsonArray records;
     try {
-        const auto database = OpenSuiteDatabase(usersFile());
+        const auto database = OpenSuiteDatabase(UsersDatabaseFile());
         const auto rows = database->open(table, RecordsetMode::Table);
         rows->setIndex(QStringLiteral("Main"));
         int before = rows->recordCount() - last;
@@ -68,7 +64,8 @@ int show(Call& call, const QString& table, std::span<const Shown> fields, int la
             records += record;
         }
     } catch (const DatabaseError& error) {
-        return call.fail(QStringLiteral("%1: %2 (error %3)").arg(usersFile(), error.text).arg(error.number));
+        return call.fail(
+            QStringLiteral("%1: %2 (error %3)").arg(UsersDatabaseFile(), error.text).arg(error.number));
     }
     Columns columns;
     for (const Shown& field : fields)
@@ -101,8 +98,8 @@ int process(Call& call) {
         return call.fail(QStringLiteral("No local ini file was chosen."));
     if (settings().DataLocation.isEmpty())
         return call.no(QStringLiteral("This workstation has no data location."));
-    if (OpenUsersDatabase(usersFile()) != 0)
-        return call.fail(QStringLiteral("%1 could not be opened.").arg(usersFile()));
+    if (OpenUsersDatabase(UsersDatabaseFile()) != 0)
+        return call.fail(QStringLiteral("%1 could not be opened.").arg(UsersDatabaseFile()));
     const int error = ProcessUserAccounts(QStringLiteral("SYSTEM"));
     CloseUsersDatabase();
     return error == 0 ? Done

@@ -2,12 +2,14 @@
 
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
+#include "console/AutoConfiguration.h"
 #include "console/CheckConfiguration.h"
 #include "console/ConsoleJobs.h"
 #include "console/LoadSettings.h"
 #include "console/StartUp.h"
 #include "console/WorkstationGlance.h"
 #include "console/forms/AccessKeys.h"
+#include "console/forms/CompactDatabase.h"
 #include "console/forms/FindBox.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/JobTile.h"
@@ -19,6 +21,7 @@
 #include "core/Registry.h"
 #include "core/SaveLocalSettings.h"
 #include "core/SettingsLoader.h"
+#include "databases/UsersDatabase.h"
 #include "dialogs/FitForm.h"
 #include "dialogs/OpenForms.h"
 #include "dialogs/Style.h"
@@ -57,7 +60,21 @@ constexpr MenuRow menuRows[] = {
     {"mnuCompactDatabase", "cmdCompress"},
 };
 
-const QString LookForSetup = QStringLiteral("LookForSetup");
+// The routines behind buttons that open no form, by the names that the table of jobs gives them. True: the
+// user asked to exit.
+struct RoutineRow {
+    const char* name;
+    bool (*run)(QWidget* console);
+};
+constexpr RoutineRow routineRows[] = {
+    {"CompactDatabase", [](QWidget* console) { return CompactDatabase(console), false; }},
+    {"LocalSetup", [](QWidget*) { return LocalSetup(), false; }},
+    {"NetworkSetup", [](QWidget*) { return NetworkSetup(); }},
+};
+
+bool lookForSetup(QWidget*) {
+    return LookForSetup();
+}
 
 } // namespace
 
@@ -74,8 +91,7 @@ frmConfigure::frmConfigure(QWidget* parent)
         connect(findChild<QAction*>(QString::fromLatin1(row.action)), &QAction::triggered, this,
                 [this, job] { startJob(*job); });
     }
-    connect(ui_->mnuLookForSetup, &QAction::triggered, this,
-            [this] { routines_.value(LookForSetup)(*this); });
+    connect(ui_->mnuLookForSetup, &QAction::triggered, this, [this] { runRoutine(lookForSetup); });
     connect(ui_->mnuExit, &QAction::triggered, this, &frmConfigure::exitCheck);
     connect(ui_->mnuAllowMulti, &QAction::triggered, this,
             [this] { toggleOption(ui_->mnuAllowMulti, MultiConfigFile); });
@@ -106,13 +122,8 @@ JobTile* frmConfigure::tile(const ConsoleJob& job) const {
     return findChild<JobTile*>(QString::fromLatin1(job.control));
 }
 
-void frmConfigure::setRoutine(const QString& name, const Routine& routine) {
-    routines_.insert(name, routine);
-}
-
 bool frmConfigure::canStart(const ConsoleJob& job) const {
-    const QString name = QString::fromLatin1(job.form);
-    return job.opening == JobOpening::Routine ? routines_.contains(name) : FormExists(name);
+    return job.opening == JobOpening::Routine || FormExists(QString::fromLatin1(job.form));
 }
 
 bool frmConfigure::load(bool firstInstance) {
@@ -133,12 +144,10 @@ bool frmConfigure::load(bool firstInstance) {
     if (exitRequested_)
         return false;
 
-    Settings& s = settings();
-    LoadRows(ConfigNameRows, {s.LocalIniFile});
-    s.ConfigName = s.ConfigName.trimmed();
-    status_->setText(s.ConfigName + QStringLiteral(" (") + s.LocalIniFile + QStringLiteral(")"));
+    showConfigName();
     LoadAllSettings();
-    LoadAutomationControlSettings(s.LocalIniFile);
+    LoadAutomationControlSettings(settings().LocalIniFile);
+    openUsersDatabase();
     platform::prompts().hideSplash();
     UpdateEnabledButtons();
     ui_->tbsConfig->setCurrentIndex(0);
@@ -157,6 +166,19 @@ bool frmConfigure::load(bool firstInstance) {
     return true;
 }
 
+void frmConfigure::showConfigName() {
+    Settings& s = settings();
+    LoadRows(ConfigNameRows, {s.LocalIniFile});
+    s.ConfigName = s.ConfigName.trimmed();
+    status_->setText(s.ConfigName + QStringLiteral(" (") + s.LocalIniFile + QStringLiteral(")"));
+}
+
+// It stays open for the run: whatever writes history finds it so. Without a data location there is none.
+void frmConfigure::openUsersDatabase() {
+    if (DirectoryExists(settings().DataLocation))
+        OpenUsersDatabase(UsersDatabaseFile());
+}
+
 void frmConfigure::askFirstRun() {
     if (FileLength(platform::WindowsFolder() + QStringLiteral("\\Tolvex.ini")) >= ShortestConfiguration)
         return;
@@ -168,14 +190,7 @@ void frmConfigure::askFirstRun() {
         platform::Icon::Question, platform::Buttons::YesNo};
     if (platform::prompts().ask(question) != platform::Answer::Yes)
         return;
-    if (routines_.contains(LookForSetup)) {
-        routines_.value(LookForSetup)(*this);
-    } else {
-        platform::prompts().ask(
-            {notYet(QStringLiteral("Automatic configuration")) +
-                 QStringLiteral("\n\nPlease set the data location and the carts in File Locations."),
-             platform::Icon::Information, platform::Buttons::Ok});
-    }
+    exitRequested_ = LookForSetup();
 }
 
 void frmConfigure::UpdateEnabledButtons() {
@@ -198,7 +213,6 @@ void frmConfigure::UpdateEnabledButtons() {
         action->setEnabled(canStart(*job));
         action->setToolTip(action->isEnabled() ? QString() : tile(*job)->toolTip());
     }
-    ui_->mnuLookForSetup->setEnabled(routines_.contains(LookForSetup));
     showGlance();
 }
 
@@ -224,10 +238,24 @@ void frmConfigure::startJob(const ConsoleJob& job) {
                                  platform::Buttons::Ok});
         return;
     }
-    if (job.opening == JobOpening::Routine)
-        routines_.value(QString::fromLatin1(job.form))(*this);
-    else
-        openForm(job);
+    if (job.opening != JobOpening::Routine)
+        return openForm(job);
+    for (const RoutineRow& row : routineRows)
+        if (QLatin1String(job.form) == QLatin1String(row.name))
+            runRoutine(row.run);
+}
+
+// A routine lets events run while it shows how far it is: the console answers none of them until it is done.
+void frmConfigure::runRoutine(bool (*routine)(QWidget* console)) {
+    if (std::exchange(waiting_, true))
+        return;
+    exitRequested_ = routine(this);
+    waiting_ = false;
+    if (exitRequested_) {
+        close();
+        return;
+    }
+    UpdateEnabledButtons();
 }
 
 void frmConfigure::openForm(const ConsoleJob& job) {
@@ -263,6 +291,8 @@ void frmConfigure::afterFileLocations() {
     OpenTerminalList();
     OpenHotlist(settings().CartPartTable[1].Location);
     OpenCartParts(0, false);
+    if (usersState().information.FullName != UsersDatabaseFile())
+        openUsersDatabase();
 }
 
 // From the search and the panel: the tab of a job, and its form where it can be opened.
@@ -374,6 +404,8 @@ void frmConfigure::changeEvent(QEvent* event) {
 }
 
 void frmConfigure::closeEvent(QCloseEvent* event) {
+    if (waiting_)
+        return event->ignore();
     if (std::exchange(loaded_, false)) {
         const QList<QWidget*> open = OpenForms();
         for (auto form = open.rbegin(); form != open.rend(); ++form)
@@ -383,6 +415,7 @@ void frmConfigure::closeEvent(QCloseEvent* event) {
         CloseTerminalList();
         CloseHotlist();
         ResetCartStore();
+        CloseUsersDatabase();
         platform::prompts().setPointer(platform::Pointer::Default);
         if (const QString program = RunByProgram(); !program.isEmpty())
             StartProgram(program, QStringLiteral("/NOPREVCHECK"));

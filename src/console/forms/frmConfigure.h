@@ -5,9 +5,6 @@
 
 #include <QMainWindow>
 
-#include <QHash>
-
-#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -37,11 +34,6 @@ public:
 
     void UpdateEnabledButtons();
 
-    // The routines behind buttons that open no form, by the names that the table of jobs gives them. A job
-    // whose routine is not here cannot be started yet: its button and menu entry say so.
-    using Routine = std::function<void(frmConfigure&)>;
-    void setRoutine(const QString& name, const Routine& routine);
-
 protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -52,7 +44,9 @@ private:
     bool canStart(const ConsoleJob& job) const;
     void startJob(const ConsoleJob& job);
     void openForm(const ConsoleJob& job);
+    void runRoutine(bool (*routine)(QWidget* console));
     void afterFileLocations();
+    void openUsersDatabase();
     void showJob(const QString& control);
     void showGlance();
     void selectTab(int index);
@@ -62,15 +56,15 @@ private:
     void toggleOption(QAction* action, const QString& value);
     void about();
     void showHelp(const QWidget* window);
+    void showConfigName();
     void askFirstRun();
     int helpContext() const;
 
     std::unique_ptr<Ui::frmConfigure> ui_;
     QLabel* status_ = nullptr;
-    QHash<QString, Routine> routines_;
     QString helpFile_;
     bool loaded_ = false;
-    bool waiting_ = false; // a waited form is open
+    bool waiting_ = false; // a waited form is open, or a routine runs
     bool exitRequested_ = false;
 };
 

@@ -115,9 +115,10 @@ TEST(Console, AsksOnAMachineThatWasNeverConfigured) {
 TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
     Console console;
     ASSERT_TRUE(console.start());
-    const QStringList always = {"cmdFileLocations"};
+    const QStringList always = {"cmdFileLocations", "cmdCompress", "cmdAutoConfig", "cmdNetworkSetup"};
     const QStringList withData = {"cmdFileLocations", "cmdHardwareSetup", "cmdDisplaySettings",
-                                  "cmdDateTimeSetup"};
+                                  "cmdDateTimeSetup", "cmdCompress",      "cmdAutoConfig",
+                                  "cmdNetworkSetup"};
     EXPECT_EQ(enabled(console.form), withData);
     settings().DataLocation = "C:\\GONE";
     console.form.UpdateEnabledButtons();
@@ -169,7 +170,6 @@ TEST(Console, TabMovesTheStripAndLettersPressButtons) {
 
 TEST(Console, ALetterMarkedTwiceReachesBothInTurn) {
     Console console;
-    console.form.setRoutine("CompactRepairDatabase", [](frmConfigure&) {});
     ASSERT_TRUE(console.start());
     // "d" stands on the display settings and, once it can be opened, on the audio setup; here both are made
     // usable.

@@ -8,6 +8,7 @@
 #include "audio/CartStore.h"
 #include "console/StartUp.h"
 #include "core/Settings.h"
+#include "databases/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/ProfileFile.h"
 
@@ -27,6 +28,7 @@ struct Station {
         ResetSettings();
         ResetCartStore();
         ResetTerminalList();
+        ResetUsersState();
         platform::ForgetProfiles();
         platform::SetApplicationFolder(QStringLiteral("C:\\APP"));
         settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
@@ -36,6 +38,7 @@ struct Station {
     ~Station() {
         CloseTerminalList();
         ResetCartStore();
+        ResetUsersState();
     }
 
     QByteArray ini() const { return machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI")); }
