@@ -7,9 +7,10 @@ namespace tolvex::ctl {
 const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
-        for (CommandRows (*subject)() : {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands,
-                                         SetsCommands, CartCommands, AudioCommands, DatabaseCommands,
-                                         DbCommands, UsersCommands, HardwareCommands, TerminalCommands}) {
+        for (CommandRows (*subject)() :
+             {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
+              AudioCommands, DatabaseCommands, DbCommands, UsersCommands, HardwareCommands,
+              AutoConfigCommands, TerminalCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

@@ -18,6 +18,7 @@ CommandRows DatabaseCommands();
 CommandRows DbCommands();
 CommandRows UsersCommands();
 CommandRows HardwareCommands();
+CommandRows AutoConfigCommands();
 CommandRows TerminalCommands();
 
 // In the order in which the help lists them.

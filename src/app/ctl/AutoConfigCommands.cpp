@@ -1,0 +1,113 @@
+// Automatic configuration from a shell.
+#include "app/ctl/Commands.h"
+
+#include "audio/CartStore.h"
+#include "audio/Hotlist.h"
+#include "console/AutoConfiguration.h"
+#include "console/Installation.h"
+#include "core/Settings.h"
+#include "databases/UsersDatabase.h"
+#include "platform/Paths.h"
+
+namespace tolvex::ctl {
+
+namespace {
+
+// For people the items of a kind are one line: the first one, and how many there are besides.
+QJsonArray inShort(const QList<InstalledItem>& items) {
+    QJsonArray lines;
+    for (qsizetype first = 0; first < items.size();) {
+        qsizetype end = first;
+        QStringList missing;
+        for (; end < items.size() && items[end].what == items[first].what; ++end)
+            if (!items[end].present)
+                missing += items[end].path;
+        const qsizetype more = end - first - 1;
+        lines += QJsonObject{
+            {QStringLiteral("what"), items[first].what},
+            {QStringLiteral("path"),
+             items[first].path + (more > 0 ? QStringLiteral(" and %1 more").arg(more) : QString())},
+            {QStringLiteral("state"),
+             missing.isEmpty() ? QStringLiteral("there")
+                               : QStringLiteral("missing: ") + missing.join(QStringLiteral(", "))}};
+        first = end;
+    }
+    return lines;
+}
+
+// Tells what is there now. The exit status says whether that is everything.
+int tell(Call& call) {
+    const Settings& values = settings();
+    const QList<InstalledItem> items = LookAtInstallation();
+    QJsonArray records;
+    bool complete = true;
+    for (const InstalledItem& item : items) {
+        records += QJsonObject{{QStringLiteral("what"), item.what},
+                               {QStringLiteral("path"), item.path},
+                               {QStringLiteral("present"), item.present}};
+        complete = complete && item.present;
+    }
+    QJsonArray carts;
+    for (int part = 1; part <= CartPartCount; ++part)
+        carts += values.CartPartTable[part].Location;
+    if (call.output.json()) {
+        call.output.record({{QStringLiteral("dataLocation"), values.DataLocation},
+                            {QStringLiteral("cartLocations"), carts},
+                            {QStringLiteral("linkMeshId"), values.LinkMeshId},
+                            {QStringLiteral("machineFolder"), platform::MachineFolder()},
+                            {QStringLiteral("items"), records}},
+                           {});
+    } else {
+        QJsonArray lines = inShort(items);
+        lines += QJsonObject{{QStringLiteral("what"), QStringLiteral("Workstation")},
+                             {QStringLiteral("path"), QString::number(values.LinkMeshId)},
+                             {QStringLiteral("state"), QStringLiteral("chosen")}};
+        lines += QJsonObject{{QStringLiteral("what"), QStringLiteral("Machine folder")},
+                             {QStringLiteral("path"), platform::MachineFolder()},
+                             {QStringLiteral("state"), QStringLiteral("in use")}};
+        call.output.records(lines, {{"what", "What"}, {"path", "Where"}, {"state", "State"}});
+    }
+    return complete ? Done : Failed;
+}
+
+// Loads, configures, and closes what configuration leaves open for the windows.
+int configure(Call& call, bool (*install)(const Call& call)) {
+    if (!LoadWorkstation())
+        return call.fail(QStringLiteral("No local ini file was chosen."));
+    const bool done = install(call);
+    CloseUsersDatabase();
+    CloseHotlist();
+    ResetCartStore();
+    return done ? tell(call) : call.no(QStringLiteral("Nothing was configured."));
+}
+
+int local(Call& call) {
+    return configure(call, [](const Call&) { return DefaultLocalInstall(); });
+}
+
+int network(Call& call) {
+    return configure(call, [](const Call&) { return DefaultNetworkInstall(); });
+}
+
+int search(Call& call) {
+    return configure(call, [](const Call& called) {
+        return ConfigureFromSearch(called.has("--network-only")) == SearchOutcome::Configured;
+    });
+}
+
+} // namespace
+
+CommandRows AutoConfigCommands() {
+    return {
+        {"autoconfig local", "", "Configure this workstation for one local folder; make what is missing",
+         local},
+        {"autoconfig network", "", "Configure it for data on drive M: and audio on drive U:", network},
+        {"autoconfig search",
+         "",
+         "Look for an existing system on the drives and configure this workstation for it",
+         search,
+         {{"--network-only", nullptr, "look at network drives only"}}},
+    };
+}
+
+} // namespace tolvex::ctl
