@@ -1,5 +1,9 @@
 #include "automation/AutomationSchema.h"
 
+#include "databases/SuiteDatabase.h"
+
+#include <array>
+
 namespace tolvex {
 
 const Table& KOVALogSchema() {
@@ -159,10 +163,29 @@ const Table& KOVAScheduleSchema() {
     return table;
 }
 
+namespace {
+
+std::array<const Table*, 5> schemas() {
+    return {&KOVALogSchema(), &SettingsTableSchema(), &KOVASongsSchema(), &KOVAJinglesSchema(),
+            &KOVAScheduleSchema()};
+}
+
+} // namespace
+
 qint16 ValidateKOVADatabaseTables(const QString& databaseName) {
-    const Table* const tables[] = {&KOVALogSchema(), &SettingsTableSchema(), &KOVASongsSchema(),
-                                   &KOVAJinglesSchema(), &KOVAScheduleSchema()};
-    return static_cast<qint16>(ValidateDatabaseTables(databaseName, tables));
+    return static_cast<qint16>(ValidateDatabaseTables(databaseName, schemas()));
+}
+
+bool HasKOVADatabaseIndexes(SuiteDatabase& database) {
+    const auto has = [&database](const char* table, const char* index) {
+        const auto shape = database.table(QLatin1String(table));
+        return shape && shape->indexes.contains(QLatin1String(index), Qt::CaseInsensitive);
+    };
+    bool all = has("Description", "Main");
+    for (const Table* schema : schemas())
+        for (const Index& index : schema->indexes)
+            all = all && has(schema->name, index.name);
+    return all;
 }
 
 } // namespace tolvex

@@ -15,4 +15,8 @@ const Table& KOVAScheduleSchema();
 // first failure.
 qint16 ValidateKOVADatabaseTables(const QString& databaseName);
 
+// Whether all tables, that of the description too, are there with all their indexes: the check above passes
+// over an index that it cannot add.
+bool HasKOVADatabaseIndexes(SuiteDatabase& database);
+
 } // namespace tolvex

@@ -2,6 +2,7 @@
 
 #include "automation/AutomationItems.h"
 #include "automation/AutomationSchema.h"
+#include "core/Folders.h"
 #include "core/Numbers.h"
 #include "core/Settings.h"
 #include "databases/DatabaseKinds.h"
@@ -109,9 +110,12 @@ int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record) {
     return 0;
 }
 
+// Marks a database that is whole. 0; -1 when something is missing in it; else the error number.
 int markConfigured(const QString& path) {
     try {
         const auto database = OpenSuiteDatabase(path);
+        if (!HasKOVADatabaseIndexes(*database))
+            return NotConfigured;
         auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
         rows->setIndex(QStringLiteral("Main"));
         const int error = PutDatabaseSetting(rows.get(), BeenSet, 1, 0);
@@ -120,6 +124,34 @@ int markConfigured(const QString& path) {
         return error;
     } catch (const DatabaseError& error) {
         return Report(QStringLiteral("opening the K-OVA settings table"), error);
+    }
+}
+
+const QString DefaultTitle = QStringLiteral("K-Ova Database");
+
+// Whether the default database was begun and never finished: its making was interrupted. The mark that it is
+// configured is the last thing it gets.
+bool isUnfinished(const QString& path) {
+    if (FileLength(path) <= 0)
+        return false;
+    try {
+        const auto database = OpenSuiteDatabase(path);
+        if (!database->table(QStringLiteral("Description")))
+            return true;
+        const auto row = database->open(QStringLiteral("Description"), RecordsetMode::Table);
+        if (row->eof())
+            return true;
+        if (row->value(QStringLiteral("Type")).toInt() != KOVAType ||
+            row->value(QStringLiteral("Description")).toString() != DefaultTitle)
+            return false;
+        const auto table = database->table(QStringLiteral("Settings"));
+        if (!table || !table->indexes.contains(QStringLiteral("Main"), Qt::CaseInsensitive))
+            return true;
+        const auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
+        rows->setIndex(QStringLiteral("Main"));
+        return !isConfigured(*rows);
+    } catch (const DatabaseError&) {
+        return false;
     }
 }
 
@@ -169,21 +201,24 @@ qint32 CreateDefaultKOVADatabase(bool setAsDefault) {
     const QString key = QStringLiteral("DefaultDatabase");
     const QString fileName = QStringLiteral("KOVA26.MDB");
     Settings& values = settings();
-    if (!platform::ProfileText(section, key, {}, values.LocalIniFile).isEmpty())
-        return 0;
     const QString folder = values.DataLocation + QStringLiteral("\\SCHEDULE\\");
-    QString first;
-    if (FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
-        return 0;
-    QString title = QStringLiteral("K-Ova Database");
-    if (ValidateDatabase(folder + fileName, KOVAType, true, &title) != 0 ||
-        ValidateKOVADatabaseTables(folder + fileName) != 0 || markConfigured(folder + fileName) != 0)
+    const QString path = folder + fileName;
+    const QString present = platform::ProfileText(section, key, {}, values.LocalIniFile);
+    const bool mayBeOurs = present.isEmpty() || present.compare(fileName, Qt::CaseInsensitive) == 0;
+    if (!mayBeOurs || !isUnfinished(path)) {
+        QString first;
+        if (!present.isEmpty() || FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
+            return 0;
+    }
+    QString title = DefaultTitle;
+    if (ValidateDatabase(path, KOVAType, true, &title) != 0 || ValidateKOVADatabaseTables(path) != 0)
         return 0;
     if (setAsDefault) {
-        platform::WriteProfileText(section, key, fileName, values.LocalIniFile);
+        if (platform::WriteProfileText(section, key, fileName, values.LocalIniFile) != platform::ProfileOk)
+            return 0;
         values.DefaultDatabase = fileName;
     }
-    return -1;
+    return markConfigured(path) == 0 ? -1 : 0;
 }
 
 } // namespace tolvex

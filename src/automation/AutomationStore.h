@@ -20,8 +20,8 @@ qint32 LoadKOVASettings(SuiteDatabase& database, const std::function<void()>& sh
 qint16 SaveKOVASettings(SuiteDatabase& database);
 
 // Makes the automation database of the data location unless the workstation has a default one or the folder
-// for them holds one of the kind. `setAsDefault` names it in the local ini file. Result: -1 (true) when it
-// made a database, else 0.
+// for them holds one of the kind. `setAsDefault` names it in the local ini file. One whose making was
+// interrupted is finished. Result: -1 (true) when it made a database, else 0.
 qint32 CreateDefaultKOVADatabase(bool setAsDefault);
 
 } // namespace tolvex

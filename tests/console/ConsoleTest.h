@@ -18,6 +18,15 @@
 namespace tolvex::tests {
 
 class ConsoleTest : public testing::Test {
+public:
+    static void forget() {
+        CloseHotlist();
+        ResetTerminalList();
+        ResetCartStore();
+        ResetStartUp();
+        ResetSettings();
+    }
+
 protected:
     ConsoleTest() {
         forget();
@@ -27,14 +36,6 @@ protected:
         forget();
         platform::SetOperatingSystem({10, 0, 0, 2, {}});
     }
-    static void forget() {
-        CloseHotlist();
-        ResetTerminalList();
-        ResetCartStore();
-        ResetStartUp();
-        ResetSettings();
-    }
-
     TestMachine machine;
     ScriptedPrompts prompts;
     FixedClock clock{QDateTime(QDate(2026, 11, 21), QTime(14, 30))};

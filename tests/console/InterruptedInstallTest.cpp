@@ -1,0 +1,150 @@
+// Automatic configuration that is interrupted at any of its file operations, or meets a disk that is full or
+// broken from there on, and then runs again: everything comes to be there, and nothing that was there is
+// lost.
+#include "console/AutoConfiguration.h"
+
+#include "ConsoleTest.h"
+#include "console/Installation.h"
+#include "console/LoadSettings.h"
+#include "databases/UsersDatabase.h"
+#include "jet/Check.h"
+#include "jet/Database.h"
+#include "jet/TableDesign.h"
+#include "jet/Transfer.h"
+#include "support/FileFaults.h"
+
+#include <QDirIterator>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+using platform::Answer;
+
+namespace {
+
+enum Result { Refused, Incomplete, Complete };
+
+const QByteArray usedCarts = QByteArray(5 * CartListRecordLength, 'c') + "half a record";
+const QByteArray usedTerminals =
+    QByteArray("Studio 1").leftJustified(30) + QByteArray("OTHERPC").leftJustified(30) + QByteArray(68, '\0');
+
+// A machine of a station whose carts and workstations are known, but that was never configured itself.
+struct Station {
+    Station() {
+        machine.write("C:\\WINDOWS\\TOLVEX.INI", "; by hand\r\n[Other]\r\nKey=1\r\n");
+        machine.write("C:\\TOLVEX\\AUDIO\\Carts1.lst", usedCarts);
+        machine.write("C:\\TOLVEX\\AUDIO\\Audwall.ini", "[CDRipping]\r\nAutoTopAudio=0\r\n");
+        machine.write("C:\\TOLVEX\\SYSTEM\\Terminal.Lst", usedTerminals);
+    }
+
+    Result configure() {
+        ConsoleTest::forget();
+        machine.use();
+        prompts.answers = {Answer::Yes};
+        prompts.files = {std::nullopt};
+        LoadLocalSettings();
+        const bool ran = DefaultLocalInstall();
+        ResetUsersState();
+        ConsoleTest::forget();
+        const bool complete = prompts.texts().last().startsWith("Tolvex is now fully configured");
+        return !ran ? Refused : complete ? Complete : Incomplete;
+    }
+
+    TestMachine machine;
+    ScriptedPrompts prompts;
+};
+
+// Sections of a file, and rows of a table, stand in the order in which they were first written.
+QByteArray inOrder(const QByteArray& text, char separator) {
+    QList<QByteArray> parts = text.split(separator);
+    std::sort(parts.begin(), parts.end());
+    return parts.join(separator);
+}
+
+// All tables with their rows, after a check of every page.
+QByteArray databaseText(const QString& hostPath) {
+    QByteArray text;
+    QByteArray rows;
+    const auto sink = [&rows](std::string_view piece) { rows.append(piece.data(), qsizetype(piece.size())); };
+    jet::Database database = jet::Database::open(hostPath.toStdString());
+    const auto report = [&text](const jet::Fault& fault) { text += fault.reason.c_str(); };
+    jet::CheckDatabase(database.pager(), report);
+    for (const jet::CatalogObject& object : database.catalog().tables()) {
+        text += QString::fromStdU16String(object.name).toUtf8() + ":\n";
+        for (const jet::IndexDesign& index : jet::DescribeTable(database.catalog(), object).indexes)
+            text += QString::fromStdU16String(index.name).toUtf8() + '\n';
+        const jet::Table table = database.catalog().table(object);
+        rows.clear();
+        jet::ExportRows(jet::Selection(table, std::nullopt), jet::TextFormat::Csv, sink);
+        text += inOrder(rows, '\n');
+    }
+    return text;
+}
+
+// What a machine holds, by path; without what an interrupted writer left beside the file it was to change,
+// and without backups, which hold what there was to back up at their time.
+QMap<QString, QByteArray> contents(const TestMachine& machine) {
+    QMap<QString, QByteArray> files;
+    QDirIterator each(machine.path() + "/drive_c", QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                      QDirIterator::Subdirectories);
+    while (each.hasNext()) {
+        const QString host = each.next();
+        QFile file(host);
+        const QString name = host.mid(machine.path().size());
+        if (name.contains("/.tolvex-") || name.endsWith(".lock") || name.contains("/Backups"))
+            continue;
+        if (each.fileInfo().isDir())
+            files[name] = "folder";
+        else if (name.endsWith(".MDB"))
+            files[name] = databaseText(host);
+        else if (file.open(QIODevice::ReadOnly))
+            files[name] = name.endsWith(".INI") ? inOrder(file.readAll(), '[') : file.readAll();
+    }
+    return files;
+}
+
+struct Faults {
+    Fault fault;
+    int step; // each operation, or each of so many: TOLVEX_EVERY_FAULT takes them all
+};
+constexpr Faults allFaults[] = {{Fault::Kill, 1}, {Fault::Error, 2}, {Fault::NoRoom, 3}};
+
+class InterruptedInstallTest : public ConsoleTest, public testing::WithParamInterface<Faults> {
+protected:
+    ~InterruptedInstallTest() override { ResetUsersState(); }
+};
+
+} // namespace
+
+TEST_P(InterruptedInstallTest, CompletesWhenItRunsAgain) {
+    int operations = 0;
+    QMap<QString, QByteArray> whole;
+    {
+        Station station;
+        operations = RunWithFault([&] { return station.configure(); }, Fault::None, 0).operations;
+        whole = contents(station.machine);
+    }
+    ASSERT_GT(operations, 100);
+    EXPECT_TRUE(whole.value("/drive_c/WINDOWS/TOLVEX.INI").contains("[Other]\r\nKey=1\r\n"));
+    EXPECT_TRUE(whole.value("/drive_c/TOLVEX/AUDIO/Carts1.lst").startsWith(usedCarts.left(5 * 300)));
+    EXPECT_TRUE(whole.value("/drive_c/TOLVEX/SYSTEM/Terminal.Lst").startsWith(usedTerminals));
+
+    const auto [fault, usualStep] = GetParam();
+    const int step = qEnvironmentVariableIsSet("TOLVEX_EVERY_FAULT") ? 1 : usualStep;
+    for (int at = 1; at <= operations && !HasFailure(); at += step) {
+        SCOPED_TRACE("operation " + std::to_string(at));
+        Station station;
+        const FaultyRun run = RunWithFault([&] { return station.configure(); }, fault, at);
+        ASSERT_TRUE(fault == Fault::Kill ? run.killed : run.result >= 0);
+        // What it says is so.
+        for (const QString& path : run.result == Complete ? whole.keys() : QStringList())
+            EXPECT_TRUE(QFile::exists(station.machine.path() + path)) << path.toStdString();
+        EXPECT_EQ(station.configure(), Complete) << station.prompts.texts().join("\n").toStdString();
+        const auto now = contents(station.machine);
+        EXPECT_EQ(now.keys(), whole.keys());
+        for (const QString& path : whole.keys())
+            EXPECT_TRUE(now.value(path) == whole.value(path)) << path.toStdString() << ":\n"
+                                                              << now.value(path).right(2000).toStdString();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllFaults, InterruptedInstallTest, testing::ValuesIn(allFaults));
