@@ -11,6 +11,7 @@
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 #include "databases/ValidateDatabase.h"
+#include "platform/Files.h"
 #include "platform/ProfileFile.h"
 
 namespace tolvex {
@@ -204,8 +205,11 @@ qint32 CreateDefaultKOVADatabase(bool setAsDefault) {
     const QString folder = values.DataLocation + QStringLiteral("\\SCHEDULE\\");
     const QString path = folder + fileName;
     const QString present = platform::ProfileText(section, key, {}, values.LocalIniFile);
-    const bool mayBeOurs = present.isEmpty() || present.compare(fileName, Qt::CaseInsensitive) == 0;
-    if (!mayBeOurs || !isUnfinished(path)) {
+    const bool named = present.compare(fileName, Qt::CaseInsensitive) == 0;
+    // A workstation that moves to another data location names one that is not there.
+    const bool begun =
+        (named && !platform::FileExists(path)) || ((named || present.isEmpty()) && isUnfinished(path));
+    if (!begun) {
         QString first;
         if (!present.isEmpty() || FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
             return 0;

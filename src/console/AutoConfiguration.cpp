@@ -38,10 +38,11 @@ void splash(const char* status) {
     platform::prompts().splash(QString::fromLatin1(status));
 }
 
+// Nothing is asked where something is missing, which has been told.
 bool askToExit() {
-    return ask(QStringLiteral("Tolvex is now fully configured on your system.\n\n"
-                              "Do you want to exit from Tolvex Configuration?"),
-               Buttons::YesNo) == Answer::Yes;
+    return MissingItems().isEmpty() && ask(QStringLiteral("Tolvex is now fully configured on your system.\n\n"
+                                                          "Do you want to exit from Tolvex Configuration?"),
+                                           Buttons::YesNo) == Answer::Yes;
 }
 
 CartPaths everywhere(const QString& location) {
@@ -146,9 +147,8 @@ void setDefaults() {
 
 void tellTheEnd() {
     QStringList missing;
-    for (const InstalledItem& item : LookAtInstallation())
-        if (!item.present)
-            missing += item.what + QStringLiteral(": ") + item.path;
+    for (const InstalledItem& item : MissingItems())
+        missing += item.what + QStringLiteral(": ") + item.path;
     if (missing.isEmpty())
         platform::prompts().ask(
             {QStringLiteral("Tolvex is now fully configured on this computer, and all the "

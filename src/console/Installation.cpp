@@ -28,14 +28,18 @@ InstalledItem file(const QString& what, const QString& path, qint64 length = 1) 
     return {what, path, FileLength(path) >= length};
 }
 
-InstalledItem automationDatabase() {
-    const QString what = QStringLiteral("Automation database");
+// The default database that configuration makes, or the one of its kind that it found. One with a name of its
+// own was chosen by somebody, and is not looked for.
+QList<InstalledItem> automationDatabase() {
+    const QString ours = QStringLiteral("KOVA26.MDB");
     const QString folder = settings().DataLocation + QStringLiteral("\\SCHEDULE\\");
     QString name = platform::ProfileText(QStringLiteral("KOVA"), QStringLiteral("DefaultDatabase"), {},
                                          settings().LocalIniFile);
+    if (!name.isEmpty() && name.compare(ours, Qt::CaseInsensitive) != 0)
+        return {};
     if (name.isEmpty())
         FindDatabaseOfType(folder, KOVAType, &name, 1);
-    return file(what, folder + (name.isEmpty() ? QStringLiteral("KOVA26.MDB") : name));
+    return {file(QStringLiteral("Automation database"), folder + (name.isEmpty() ? ours : name))};
 }
 
 } // namespace
@@ -47,7 +51,7 @@ QList<InstalledItem> LookAtInstallation() {
     if (data.trimmed().isEmpty()) {
         items += {QStringLiteral("Data location"), QStringLiteral("not set"), false};
     } else {
-        for (const char* folder : {"USERS", "SCHEDULE", "Logs", "Commands", "Scripts"}) {
+        for (const char* folder : DataFolders) {
             const QString path = data + u'\\' + QLatin1String(folder);
             items += {QStringLiteral("Folder"), path, DirectoryExists(path)};
         }
@@ -62,6 +66,12 @@ QList<InstalledItem> LookAtInstallation() {
                       CartListRecordLength * CartListRecords(part));
     items += file(QStringLiteral("Hotlist"), values.CartPartTable[1].Location + QStringLiteral("\\GLIC.Lst"),
                   qint64{HotlistRecordLength} * HotlistRecordCount);
+    return items;
+}
+
+QList<InstalledItem> MissingItems() {
+    QList<InstalledItem> items = LookAtInstallation();
+    items.removeIf([](const InstalledItem& item) { return item.present; });
     return items;
 }
 

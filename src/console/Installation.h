@@ -16,4 +16,7 @@ struct InstalledItem {
 // no default automation database is set, each database of its folder is opened.
 QList<InstalledItem> LookAtInstallation();
 
+// Those that are not present.
+QList<InstalledItem> MissingItems();
+
 } // namespace tolvex

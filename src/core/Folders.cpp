@@ -123,7 +123,7 @@ QString TempFileName(const QString& folder, const QString& prefix, const QString
 void CreateDataDirectories(const QString& path) {
     if (path.isEmpty())
         return;
-    for (const char* name : {"USERS", "SCHEDULE", "Logs", "Commands", "Scripts"}) {
+    for (const char* name : DataFolders) {
         const QString folder = path + u'\\' + QLatin1String(name);
         if (DirectoryExists(folder) || CreatePath(folder))
             continue;

@@ -28,8 +28,11 @@ QString BrowseForFolder(const QString& prompt, const QString& start);
 // is there. Empty, after a stop box, when none can be made in that folder.
 QString TempFileName(const QString& folder, const QString& prefix, const QString& extension = {});
 
-// Makes the folders of a data location that are missing: USERS, SCHEDULE, Logs, Commands, Scripts. Nothing
-// for an empty path; stops when USERS cannot be made.
+// The folders that every data location has, in the order in which they are made.
+inline constexpr const char* DataFolders[] = {"USERS", "SCHEDULE", "Logs", "Commands", "Scripts"};
+
+// Makes those of a data location that are missing. Nothing for an empty path; stops when USERS cannot be
+// made.
 void CreateDataDirectories(const QString& path);
 
 } // namespace tolvex
