@@ -63,6 +63,7 @@ QPalette paletteOf(const Tokens& t, Scheme scheme) {
 // Sizes are in logical pixels and paddings in steps of 4; heights follow the font, so that larger text is
 // never cut.
 constexpr const char* sheet = R"(
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QPushButton { background: %surface%; color: %text%; border: 1px solid %line%; border-radius: 6px; padding: 5px 16px; }
 QPushButton:hover { border-color: %accent%; }
 QPushButton:focus { border: 2px solid %accent%; padding: 4px 15px; }
@@ -134,13 +135,14 @@ QString sheetFor(const Tokens& t, Scheme scheme) {
 
 class LineIconEngine : public QIconEngine {
 public:
-    explicit LineIconEngine(QByteArray svg)
-        : svg_(std::move(svg)) {}
+    LineIconEngine(QByteArray svg, QColor Tokens::*colour)
+        : svg_(std::move(svg))
+        , colour_(colour) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const QColor colour = mode == QIcon::Disabled   ? tokens().quiet
                               : mode == QIcon::Selected ? QColor(Qt::white)
-                                                        : tokens().accent;
+                                                        : tokens().*colour_;
         QByteArray coloured = svg_;
         coloured.replace("currentColor", colour.name().toLatin1());
         QSvgRenderer(coloured).render(painter, rect);
@@ -158,6 +160,7 @@ public:
 
 private:
     QByteArray svg_;
+    QColor Tokens::*colour_;
 };
 
 } // namespace
@@ -193,12 +196,12 @@ void ApplyStyle(QApplication& application, Scheme scheme) {
     application.setStyleSheet(sheetFor(TokensOf(scheme), scheme));
 }
 
-QIcon LineIcon(const QString& name) {
+QIcon LineIcon(const QString& name, QColor Tokens::*colour) {
     initIcons();
     QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return QIcon(new LineIconEngine(file.readAll()));
+    return QIcon(new LineIconEngine(file.readAll(), colour));
 }
 
 } // namespace tolvex

@@ -39,7 +39,7 @@ Scheme DesktopScheme(const QApplication& application);
 void ApplyStyle(QApplication& application, Scheme scheme);
 
 // The line icon of a job by its name ("folder", "speaker", ...): drawn from an SVG in one colour of the
-// tokens in force at the time of painting, at any size and scale.
-QIcon LineIcon(const QString& name);
+// tokens in force at the time of painting (the accent where none is named), at any size and scale.
+QIcon LineIcon(const QString& name, QColor Tokens::*colour = &Tokens::accent);
 
 } // namespace tolvex

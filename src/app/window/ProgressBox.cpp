@@ -1,6 +1,7 @@
 #include "app/window/ProgressBox.h"
 
 #include <QCoreApplication>
+#include <QProgressBar>
 
 namespace tolvex {
 
@@ -26,6 +27,8 @@ ProgressBox::ProgressBox(const QString& title, bool canStop, QWidget* parent)
         box_.setCancelButtonText(QStringLiteral("&Stop"));
     else
         box_.setCancelButton(nullptr);
+    // The bar shows how far the job is; a number on it would be hard to read on either colour.
+    box_.findChild<QProgressBar*>()->setTextVisible(false);
     clock_.start();
 }
 

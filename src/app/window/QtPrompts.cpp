@@ -8,6 +8,7 @@
 #include "dialogs/Colours.h"
 #include "dialogs/FitForm.h"
 #include "dialogs/Monitors.h"
+#include "dialogs/Style.h"
 #include "dialogs/frmGoodInputBox.h"
 #include "dialogs/frmPrintPreview.h"
 #include "platform/Paths.h"
@@ -16,6 +17,7 @@
 #include <QColorDialog>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QLayout>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QUrl>
@@ -49,21 +51,20 @@ constexpr AnswerRow answerRows[] = {
     {Answer::No, QMessageBox::No},
 };
 
-QMessageBox::Icon iconOf(platform::Icon icon) {
-    switch (icon) {
-    case platform::Icon::Stop:
-        return QMessageBox::Critical;
-    case platform::Icon::Question:
-        return QMessageBox::Question;
-    case platform::Icon::Exclamation:
-        return QMessageBox::Warning;
-    case platform::Icon::Information:
-        return QMessageBox::Information;
-    case platform::Icon::None:
-        break;
-    }
-    return QMessageBox::NoIcon;
-}
+constexpr int MarkSize = 36;
+constexpr int BoxMargin = 16;
+
+struct MarkRow {
+    platform::Icon icon;
+    const char* name;
+    QColor Tokens::*colour;
+};
+constexpr MarkRow markRows[] = {
+    {platform::Icon::Stop, "stop", &Tokens::error},
+    {platform::Icon::Question, "question", &Tokens::accent},
+    {platform::Icon::Exclamation, "exclamation", &Tokens::warning},
+    {platform::Icon::Information, "information", &Tokens::accent},
+};
 
 // "Programs|*.EXE;*.COM|All|*.*" as Qt's choosers take it; names match in either case.
 QString filterOf(const QString& filter) {
@@ -99,10 +100,13 @@ Answer QtPrompts::ask(const platform::Message& message) {
     box.setWindowTitle(message.title.isEmpty() ? QString::fromLatin1(ProductName) : message.title);
     box.setTextFormat(Qt::PlainText);
     box.setText(message.text);
-    box.setIcon(iconOf(message.icon));
+    for (const MarkRow& row : markRows)
+        if (row.icon == message.icon)
+            box.setIconPixmap(LineIcon(QLatin1String(row.name), row.colour).pixmap(MarkSize, MarkSize));
     for (const ButtonRow& row : buttonRows)
         if (row.buttons == message.buttons)
             box.setStandardButtons(row.shown);
+    box.layout()->setContentsMargins(BoxMargin, BoxMargin, BoxMargin, BoxMargin);
     if (message.buttons == Buttons::YesNo)
         box.setEscapeButton(QMessageBox::No);
     for (const AnswerRow& row : answerRows)
