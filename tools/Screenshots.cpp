@@ -1,4 +1,6 @@
 // Sets up a station in the machine folder and saves a picture of each form: screenshots <folder> light|dark
+#include "WalkThrough.h"
+
 #include "console/ConfigurationSets.h"
 #include "console/StartUp.h"
 #include "console/forms/FormTable.h"
@@ -19,6 +21,7 @@
 #include <QDir>
 #include <QFile>
 #include <QListWidget>
+#include <QPainter>
 #include <QTabWidget>
 
 #include <cstdio>
@@ -73,7 +76,13 @@ void save(QWidget& form, const char* name) {
     form.show();
     QCoreApplication::processEvents();
     const QString path = folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png");
-    std::printf("%s %s\n", form.grab().save(path) ? "saved" : "NOT SAVED", qPrintable(path));
+    QPixmap picture = form.grab();
+    // The edge that a window manager would draw.
+    QPainter painter(&picture);
+    painter.setPen(tokens().line);
+    painter.drawRect(form.rect().adjusted(0, 0, -1, -1));
+    painter.end();
+    std::printf("%s %s\n", picture.save(path) ? "saved" : "NOT SAVED", qPrintable(path));
 }
 
 void saveForm(const char* form, const char* name) {
@@ -140,5 +149,7 @@ int main(int argc, char** argv) {
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName() == QStringLiteral("frmHelp"))
             save(*window, "help");
+    console.close();
+    WalkThrough(save);
     return 0;
 }
