@@ -185,7 +185,7 @@ bool AutoInstall() {
     createFiles(saved);
     if (hasData) {
         chooseWorkstation();
-        OpenUsersDatabase(values.DataLocation + QStringLiteral("\\USERS\\USERS25.MDB"));
+        OpenUsersDatabase(UsersDatabaseFile());
     }
     values.AutoConfigInProgress = 0;
     prompts.setPointer(Pointer::Default);

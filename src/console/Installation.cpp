@@ -5,6 +5,7 @@
 #include "core/Folders.h"
 #include "databases/DatabaseKinds.h"
 #include "databases/FindDatabases.h"
+#include "databases/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/ProfileFile.h"
 
@@ -56,7 +57,7 @@ QList<InstalledItem> LookAtInstallation() {
             items += {QStringLiteral("Folder"), path, DirectoryExists(path)};
         }
         items += automationDatabase();
-        items += file(QStringLiteral("Users database"), data + QStringLiteral("\\USERS\\USERS25.MDB"));
+        items += file(QStringLiteral("Users database"), UsersDatabaseFile());
         items += file(QStringLiteral("Terminal list"), TerminalListPath(),
                       qint64{TerminalRecordLength} * values.NumberTerminals);
     }

@@ -148,6 +148,21 @@ TEST_F(TerminalListTest, AComputerKeepsItsNumberOrTakesTheFirstFreeOne) {
     EXPECT_EQ(TerminalForComputer("PC9"), 1);
 }
 
+TEST_F(TerminalListTest, ANameLongerThanItsFieldIsFoundAgain) {
+    const QString name = "A-WORKSTATION-WITH-A-VERY-LONG-NAME";
+    machine.write(path, terminal("", "PC1") + blank.repeated(3));
+    ASSERT_TRUE(OpenTerminalList());
+    EXPECT_EQ(TerminalForComputer(name), 2);
+    EXPECT_EQ(ClaimTerminal(2, name), 0);
+    EXPECT_EQ(TerminalForComputer(name), 2);
+    EXPECT_EQ(ClaimTerminal(1, name), 0); // somebody else's: it stays
+    EXPECT_EQ(machine.read(path),
+              terminal("", "PC1") + terminal("", name.left(30).toLatin1()) + blank.repeated(2));
+    EXPECT_EQ(AssignTerminal(3, {}, name), 0);
+    EXPECT_EQ(TerminalForComputer(name), 3);
+    EXPECT_EQ(ReadTerminal(2), BlankTerminalRecord());
+}
+
 TEST_F(TerminalListTest, AWorkstationHoldsExactlyOneNumber) {
     machine.write(path, terminal("One", "PC1") + terminal("Two", "OTHER") + terminal("Three", "TAKEN") +
                             terminal("Four", "PC1"));
