@@ -1,6 +1,6 @@
-// A database file from outside: opening it, reading everything in it, checking it and saving what can be
-// read must end, whatever the bytes are. An input of a page or more is the file; a shorter one is damage to a
-// sound file: four bytes each, an offset and the byte that stands there.
+// A database file from outside: opening it, reading everything in it, checking it, saving what can be read
+// and changing it must end, whatever the bytes are. An input of a page or more is the file; a shorter one is
+// damage to a sound file: four bytes each, an offset and the byte that stands there.
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/CreateDatabase.h"
@@ -45,11 +45,11 @@ private:
     Bytes bytes_;
 };
 
-// Two tables with long values, moved and deleted rows and indexes of two levels.
+// Two tables with long values, moved and deleted rows and, in one of them, an index of two levels.
 Bytes soundFile() {
     MemoryPager pager(FreshDatabase(Date{45000}));
     Catalog catalog(pager);
-    for (const char16_t* name : {u"One", u"Two"}) {
+    for (const auto& [name, rows] : {std::pair(u"One", 60), std::pair(u"Two", 12)}) {
         AppendTable(catalog, {name,
                               {{u"a", ColumnType::Long, 0, true},
                                {u"b", ColumnType::Text, 200},
@@ -59,16 +59,16 @@ Bytes soundFile() {
                               {{u"Main", {{u"a"}}, true, true}, {u"B", {{u"b"}, {u"a", true}}}},
                               {}});
         Table table = catalog.table(name);
-        for (int i = 0; i < 60; ++i) {
+        for (int i = 0; i < rows; ++i) {
             const auto length = static_cast<std::size_t>(i);
             std::vector<Value> row{Value{}, std::u16string(length * 2 + 1, u'b'),
-                                   std::u16string(length % 9 == 0 ? 5000 : length + 1, u'é'), true,
+                                   std::u16string(length % 11 == 0 ? 2500 : length + 1, u'é'), true,
                                    Bytes(length, 1)};
             table.insert(row);
         }
         const std::u16string of = name;
-        Execute(catalog, u"UPDATE " + of + u" SET b = '" + std::u16string(150, u'x') + u"' WHERE a < 9");
-        Execute(catalog, u"DELETE FROM " + of + u" WHERE a BETWEEN 20 AND 25");
+        Execute(catalog, u"UPDATE " + of + u" SET b = '" + std::u16string(150, u'x') + u"' WHERE a < 5");
+        Execute(catalog, u"DELETE FROM " + of + u" WHERE a BETWEEN 7 AND 9");
     }
     return pager.image();
 }
@@ -91,6 +91,21 @@ void attempt(Step step) {
     } catch (const Error&) {
         // what a damaged file is answered with
     }
+}
+
+// Changes of every kind; what a damaged file does not allow is refused.
+void change(Pager& pager) {
+    Catalog catalog(pager);
+    for (const char16_t* statement :
+         {u"INSERT INTO One (b, c) VALUES ('new', 'a memo')",
+          u"UPDATE One SET b = 'short', c = b WHERE a > 40", u"DELETE FROM One WHERE a > 50",
+          u"UPDATE Two SET e = NULL, d = FALSE", u"DELETE FROM Two"})
+        attempt([&] { Execute(catalog, statement); });
+    attempt([&] { AppendField(catalog, u"One", {u"f", ColumnType::Text, 9}); });
+    attempt([&] { AppendIndex(catalog, u"One", {u"C", {{u"c"}}}); });
+    attempt([&] { RenameTable(catalog, u"One", u"Three"); });
+    attempt([&] { DropTable(catalog, u"Two"); });
+    attempt([&] { AppendTable(catalog, {u"Four", {{u"a", ColumnType::Memo}}, {}, {}}); });
 }
 
 } // namespace
@@ -118,5 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CompactPages(pager, target, ignore);
         target.finish();
     });
+    change(pager);
+    attempt([&] { CheckDatabase(pager, ignore); });
     return 0;
 }

@@ -1,12 +1,15 @@
 // A redo log as somebody may find it beside a database: recovered when nobody else is there, and followed
 // when another user has the file open. Whatever it holds, opening, reading and writing end with an error or
-// well.
+// well. An input that begins with 01 is frames, each a page number and a page count of four bytes, under
+// right checksums; any other is the log itself.
 #include "jet/FaultyStorage.h"
 #include "jet/FilePager.h"
+#include "jet/LittleEndian.h"
 #include "jet/RawFile.h"
 #include "jet/RedoLog.h"
 
 #include <cstdlib>
+#include <span>
 
 using namespace jet;
 using namespace jet::test;
@@ -14,6 +17,23 @@ using namespace jet::test;
 namespace {
 
 constexpr char Path[] = "F.MDB";
+
+Bytes logOf(std::span<const std::uint8_t> frames) {
+    FaultyStorage storage;
+    const Bytes database = RawFile();
+    const auto log =
+        RedoLog::create(storage, RedoLog::PathFor(Path), RedoLog::IdentityOf(database.data()), 4);
+    Bytes page(PageSize);
+    for (; frames.size() >= 8; frames = frames.subspan(8)) {
+        const PageNumber pages = Load32(frames.data() + 4);
+        Fill(page.data(), log->end());
+        log->append(Load32(frames.data()), page.data(), pages);
+        if (pages != 0)
+            log->publish(pages);
+    }
+    log->writeOut();
+    return storage.get(RedoLog::PathFor(Path));
+}
 
 void use(FilePager& pager) {
     try {
@@ -33,7 +53,8 @@ void use(FilePager& pager) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const Bytes log(data, data + size);
+    const std::span<const std::uint8_t> input(data, size);
+    const Bytes log = size > 0 && data[0] == 1 ? logOf(input.subspan(1)) : Bytes(data, data + size);
     OpenOptions options;
     options.lockWait = std::chrono::milliseconds(0);
     options.logPages = 2;

@@ -17,7 +17,8 @@ using namespace jet;
 
 constexpr std::size_t longest = 20000;
 
-Bytes emptyTable() {
+// A table whose indexes have two levels and whose rows leave little room on their pages.
+Bytes fullTable() {
     MemoryPager pager(FreshDatabase(Date{45000}));
     Catalog catalog(pager);
     AppendTable(catalog, {u"T",
@@ -29,6 +30,17 @@ Bytes emptyTable() {
                            {u"f", ColumnType::Currency}},
                           {{u"Main", {{u"a"}}, true, true}, {u"B", {{u"b"}, {u"d", true}}}, {u"C", {{u"c"}}}},
                           {}});
+    Table table = catalog.table(u"T");
+    for (std::size_t i = 0; i < 120; ++i) {
+        const std::u16string text(20 + i % 30, static_cast<char16_t>(u'a' + i % 26));
+        std::vector<Value> row{Value{},
+                               text,
+                               i % 40 == 0 ? std::u16string(4000, u'm') : text + text,
+                               Date{static_cast<double>(i)},
+                               i % 2 == 0,
+                               Currency{static_cast<int>(i)}};
+        table.insert(row);
+    }
     return pager.image();
 }
 
@@ -44,7 +56,7 @@ void runStatement(Catalog& catalog, const std::u16string& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Bytes start = emptyTable();
+    static const Bytes start = fullTable();
     if (size > longest)
         return 0;
     MemoryPager pager(start);

@@ -203,7 +203,7 @@ void FilePager::Impl::retireLog() {
 // ---- What other users, or an earlier session, have put into the log
 
 void FilePager::Impl::setLogFrame(PageNumber page, std::uint32_t frame) {
-    if (page >= MaximumPages)
+    if (page == 0 || page >= MaximumPages)
         throw Error(ErrorNumber::Corrupt, path + ": the redo log names page " + std::to_string(page));
     if (page >= logFrame.size())
         logFrame.resize(page + page / 8 + 64);
@@ -224,7 +224,11 @@ void FilePager::Impl::takeFrames(std::uint32_t from, bool forget) {
         cache.drop(page);
         setLogFrame(page, frame);
     });
+    const PageNumber before = std::max(pages, pagesInFile());
     pages = log->state().pages != 0 ? std::min(log->state().pages, MaximumPages) : pages;
+    for (PageNumber page = before; page < pages; ++page)
+        if (page >= logFrame.size() || logFrame[page] == 0)
+            throw Error(ErrorNumber::Corrupt, path + ": the redo log lacks page " + std::to_string(page));
     free.forget();
     ++version;
 }
