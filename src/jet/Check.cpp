@@ -1,9 +1,12 @@
 #include "jet/Check.h"
 
 #include "jet/CheckCatalog.h"
+#include "jet/CheckDefinition.h"
 #include "jet/CheckTable.h"
 #include "jet/DataPage.h"
 #include "jet/PageZero.h"
+
+#include <tuple>
 
 namespace jet {
 
@@ -48,6 +51,15 @@ private:
         });
         if (header_.version == PageZero::Jet3)
             throw Error(ErrorNumber::InvalidArgument, "files of the older format can only be read");
+        const std::tuple<PageNumber, PageNumber, const char*> tables[] = {
+            {header_.objects, Catalog::ObjectsPage, "MSysObjects"},
+            {header_.permissions, Catalog::PermissionsPage, "MSysACEs"},
+            {header_.queries, Catalog::QueriesPage, "MSysQueries"},
+            {header_.relationships, Catalog::RelationshipsPage, "MSysRelationships"}};
+        for (const auto& [said, page, name] : tables)
+            if (said != page)
+                context_.faults.fault(0, "names page " + std::to_string(said) + " as the definition of " +
+                                             name + " instead of page " + std::to_string(page));
         const PageNumber page = header_.freeMap.page;
         const std::string name = "free pages";
         if (context_.ledger.claim(page, context_.ledger.add("map of the " + name)) &&
@@ -70,11 +82,13 @@ private:
         ++result_.tables;
         context_.faults.guard(page, [&] {
             const PageLedger::Owner definition = context_.ledger.add("definition");
-            for (const PageNumber one : DefinitionPages(context_.pager, page)) {
+            const std::vector<PageNumber> pages = DefinitionPages(context_.pager, page);
+            for (const PageNumber one : pages) {
                 if (!context_.ledger.claim(one, definition))
                     return; // of another table: its rows are checked there
             }
             const Table table(context_.pager, page, name);
+            CheckDefinition(context_, table.definition(), pages);
             TableCheck check(context_, table);
             check.run();
             result_.rows += check.rows();
@@ -86,6 +100,8 @@ private:
             const FreeMap free(context_.pager, header_.freeMap);
             for (PageNumber page = 1; page < context_.ledger.pages(); ++page) {
                 const bool claimed = context_.ledger.isClaimed(page);
+                if (claimed && context_.pager.read(page)[1] != 1)
+                    context_.faults.fault(page, "does not have 1 as its second byte");
                 if (free.isFree(page) && claimed)
                     context_.faults.fault(page, "is listed as free but belongs to the " +
                                                     context_.ledger.describe(page));

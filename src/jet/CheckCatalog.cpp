@@ -9,6 +9,8 @@ namespace jet {
 
 namespace {
 
+constexpr std::int32_t rootId = 0x0F000000;
+
 std::u16string textOf(const Table& table, const RowView& row, std::u16string_view column) {
     Value value;
     if (const int at = table.definition().findColumn(column); at >= 0)
@@ -30,6 +32,17 @@ void checkNames(CheckContext& context, const std::vector<CatalogObject>& objects
             context.faults.fault(sorted[i]->row.page,
                                  "two objects are named '" + ToUtf8(sorted[i]->name) + "'");
     }
+}
+
+// Everything hangs below the root, which has no row.
+void checkParents(CheckContext& context, const std::vector<CatalogObject>& objects) {
+    std::set<std::int32_t> ids{rootId};
+    for (const CatalogObject& object : objects)
+        ids.insert(object.id);
+    for (const CatalogObject& object : objects)
+        if (ids.count(object.parent) == 0)
+            context.faults.fault(object.row.page, "holds object '" + ToUtf8(object.name) +
+                                                      "', which belongs to an object that is not there");
 }
 
 void checkProperties(CheckContext& context, const Catalog& catalog,
@@ -98,6 +111,7 @@ void checkRelationships(CheckContext& context, const Catalog& catalog,
 void CheckCatalog(CheckContext& context, const Catalog& catalog, const std::vector<CatalogObject>& objects) {
     context.faults.setTable(u"MSysObjects");
     checkNames(context, objects);
+    checkParents(context, objects);
     checkProperties(context, catalog, objects);
     context.faults.setTable(u"MSysACEs");
     context.faults.guard(Catalog::PermissionsPage, [&] { checkPermissions(context, catalog, objects); });

@@ -3,8 +3,6 @@
 #include "jet/Damage.h"
 #include "jet/DataPage.h"
 
-#include <algorithm>
-
 namespace jet {
 
 namespace {
@@ -22,7 +20,6 @@ TableCheck::TableCheck(CheckContext& context, const Table& table)
 
 void TableCheck::run() {
     const TableDefinition& definition = table_.definition();
-    checkColumns();
     pages_ = context_.claimMaps(definition.ownedMap, definition.freeMap, definition.page, "rows");
     for (const Column& column : definition.columns) {
         if (column.isLong())
@@ -40,30 +37,6 @@ void TableCheck::run() {
                                                    std::to_string(definition.rowCount) + " rows instead of " +
                                                    std::to_string(rows_));
     indexes_.run();
-}
-
-// No two columns may share a place in the row.
-void TableCheck::checkColumns() {
-    const TableDefinition& definition = table_.definition();
-    std::vector<const Column*> fixed;
-    std::vector<bool> variables(definition.variableColumns);
-    for (const Column& column : definition.columns) {
-        if (column.isFixed() && column.type != ColumnType::Boolean) {
-            fixed.push_back(&column);
-        } else if (!column.isFixed()) {
-            if (variables[column.variableIndex])
-                context_.faults.fault(definition.page, "column '" + ToUtf8(column.name) +
-                                                           "' has the place of another in the row");
-            variables[column.variableIndex] = true;
-        }
-    }
-    std::sort(fixed.begin(), fixed.end(),
-              [](const Column* a, const Column* b) { return a->fixedOffset < b->fixedOffset; });
-    for (std::size_t i = 1; i < fixed.size(); ++i) {
-        if (fixed[i - 1]->fixedOffset + fixed[i - 1]->size > fixed[i]->fixedOffset)
-            context_.faults.fault(definition.page, "column '" + ToUtf8(fixed[i]->name) +
-                                                       "' has the place of another in the row");
-    }
 }
 
 void TableCheck::checkPage(PageNumber page) {
@@ -98,6 +71,17 @@ void TableCheck::checkSlot(const std::uint8_t* page, RowPointer at) {
         checkRow(at, row);
 }
 
+void TableCheck::checkValue(RowPointer at, const Column& column, const RowView& row) {
+    DecodeStored(column, row.bytes(column), row.page(), value_);
+    std::size_t length = 0;
+    if (const auto* text = std::get_if<std::u16string>(&value_))
+        length = text->size() * 2;
+    else if (column.type == ColumnType::Binary)
+        length = row.bytes(column).size();
+    if (length > column.size)
+        Damaged(at.page, rowText(at) + " holds more in column '" + ToUtf8(column.name) + "' than its size");
+}
+
 void TableCheck::checkRow(RowPointer at, RowView row) {
     const TableDefinition& definition = table_.definition();
     // Reading long values may push the row's page out of the cache.
@@ -109,7 +93,7 @@ void TableCheck::checkRow(RowPointer at, RowView row) {
     for (const Column& column : definition.columns) {
         context_.faults.guard(at.page, [&] {
             if (!column.isLong() && column.type != ColumnType::Boolean && !row.isNull(column))
-                DecodeStored(column, row.bytes(column), row.page(), value_);
+                checkValue(at, column, row);
         });
     }
     for (LongValueCheck& check : longValues_) {

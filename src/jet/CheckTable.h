@@ -1,4 +1,4 @@
-// The integrity of one table: its definition, maps, rows, long values and indexes.
+// The integrity of one table: its maps, rows, long values and indexes.
 #pragma once
 
 #include "jet/CheckIndexes.h"
@@ -15,10 +15,10 @@ public:
     std::uint64_t rows() const { return rows_; }
 
 private:
-    void checkColumns();
     void checkPage(PageNumber page);
     void checkSlot(const std::uint8_t* page, RowPointer at);
     void checkRow(RowPointer at, RowView row);
+    void checkValue(RowPointer at, const Column& column, const RowView& row);
 
     CheckContext& context_;
     const Table& table_;

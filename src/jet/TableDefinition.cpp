@@ -211,6 +211,19 @@ const std::uint8_t* readDefinitionPage(Pager& pager, PageNumber page) {
     return bytes;
 }
 
+// The whole definition: its first page, and the others without their heads, cut to the stored length.
+Bytes joinedPages(Pager& pager, PageNumber page) {
+    Bytes bytes;
+    for (const PageNumber one : DefinitionPages(pager, page)) {
+        const std::uint8_t* from = pager.read(one);
+        bytes.insert(bytes.end(), from + (one == page ? 0 : PageHead), from + PageSize);
+    }
+    bytes.resize(std::min<std::size_t>(bytes.size(), Load32(bytes.data() + LengthField)));
+    return bytes;
+}
+
+TableDefinition decode(Reader& in, PageNumber page);
+
 } // namespace
 
 bool SameName(std::u16string_view a, std::u16string_view b) {
@@ -304,20 +317,26 @@ std::vector<PageNumber> DefinitionPages(Pager& pager, PageNumber page) {
 }
 
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page) {
-    const std::vector<PageNumber> pages = DefinitionPages(pager, page);
-    Bytes bytes;
-    for (const PageNumber one : pages) {
-        const std::uint8_t* from = pager.read(one);
-        bytes.insert(bytes.end(), from + (one == page ? 0 : PageHead), from + PageSize);
-    }
-    const std::uint32_t length = Load32(bytes.data() + LengthField);
-    return DecodeTableDefinition({bytes.data(), length}, page);
+    return DecodeTableDefinition(joinedPages(pager, page), page);
+}
+
+std::size_t TableDefinitionLength(Pager& pager, PageNumber page) {
+    const Bytes bytes = joinedPages(pager, page);
+    Reader in(bytes, page);
+    decode(in, page);
+    return bytes.size() - in.left();
 }
 
 TableDefinition DecodeTableDefinition(std::span<const std::uint8_t> bytes, PageNumber page) {
+    Reader in(bytes, page);
+    return decode(in, page);
+}
+
+namespace {
+
+TableDefinition decode(Reader& in, PageNumber page) {
     TableDefinition definition;
     definition.page = page;
-    Reader in(bytes, page);
     in.take(LengthField + 4);
     definition.stamp = in.u32();
     definition.rowCount = in.u32();
@@ -366,6 +385,8 @@ TableDefinition DecodeTableDefinition(std::span<const std::uint8_t> bytes, PageN
     checkIndexes(definition);
     return definition;
 }
+
+} // namespace
 
 Bytes EncodeTableDefinition(const TableDefinition& definition) {
     Writer out;

@@ -141,6 +141,9 @@ bool SameName(std::u16string_view a, std::u16string_view b);
 // relies on: counts, lengths, column numbers and offsets. Throws ReadVerification if it is not sound.
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
 
+// The bytes that a stored definition takes, its end mark included.
+std::size_t TableDefinitionLength(Pager& pager, PageNumber page);
+
 // The pages that a definition lies on, the first one included.
 std::vector<PageNumber> DefinitionPages(Pager& pager, PageNumber page);
 

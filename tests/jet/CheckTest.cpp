@@ -6,6 +6,7 @@
 #include "jet/DataPage.h"
 #include "jet/Execute.h"
 #include "jet/MemoryPager.h"
+#include "jet/PageZero.h"
 #include "jet/Samples.h"
 #include "jet/TableDesign.h"
 
@@ -187,6 +188,74 @@ TEST_F(DamageTest, Counters) {
     expectFault(definition_.page, "instead of 1989");
 }
 
+// Each plants one fault into the definition, the rows or the catalogue, and says what has to be found.
+struct Planted {
+    const char* name;
+    std::function<void(Pager&, TableDefinition&)> plant;
+    std::u16string_view table; // whose definition page has the fault
+    const char* reason;
+};
+
+class PlantedTest : public DamageTest, public ::testing::WithParamInterface<Planted> {};
+
+TEST_P(PlantedTest, IsFound) {
+    TableDefinition definition = definition_;
+    GetParam().plant(pager_, definition);
+    expectFault(GetParam().table.empty() ? 0 : definition_.page, GetParam().reason);
+}
+
+// Writes the changed definition back.
+std::function<void(Pager&, TableDefinition&)> changed(const std::function<void(TableDefinition&)>& change) {
+    return [change](Pager& pager, TableDefinition& definition) {
+        definition.rowCount = TableCounters::rowCount(pager, definition.page);
+        change(definition);
+        WriteTableDefinition(pager, definition);
+    };
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, PlantedTest,
+    ::testing::Values(
+        Planted{"FreeBytes", [](Pager& pager, TableDefinition& in) { pager.edit(in.page)[2] ^= 1; }, u"Log",
+                "free bytes instead of"},
+        Planted{"Length", [](Pager& pager, TableDefinition& in) { pager.edit(in.page)[8] += 4; }, u"Log",
+                "says that the table definition has"},
+        Planted{"SecondByte", [](Pager& pager, TableDefinition& in) { pager.edit(in.page)[1] = 0; }, u"Log",
+                "as its second byte"},
+        Planted{"TwoColumnsOfAName", changed([](TableDefinition& in) { in.columns[1].name = u"WHEN"; }),
+                u"Log", "has two columns of the name"},
+        Planted{"TwoIndexesOfAName",
+                changed([](TableDefinition& in) { in.logicalIndexes[0].name = in.logicalIndexes[1].name; }),
+                u"Log", "has two indexes of the name 'Main'"},
+        Planted{"SizeOfATextColumn", changed([](TableDefinition& in) { in.columns[1].size = 600; }), u"Log",
+                "a size of 600 bytes"},
+        Planted{"SharedPlace",
+                changed([](TableDefinition& in) { in.columns[3].fixedOffset = in.columns[0].fixedOffset; }),
+                u"Log", "the place of another in the row"},
+        Planted{"RelationshipOfOneSide", changed([](TableDefinition& in) {
+                    in.logicalIndexes[0].role = LogicalIndex::Role::Referencing;
+                    in.logicalIndexes[0].otherTable = 2;
+                    in.logicalIndexes[0].otherNumber = 0;
+                }),
+                u"Log", "that the table of page 2 does not have"},
+        Planted{"PageOfTheCatalogue",
+                [](Pager& pager, TableDefinition&) {
+                    PageZero header = DecodePageZero({pager.read(0), PageSize});
+                    header.permissions = 7;
+                    EncodePageZero(header, {pager.edit(0), PageSize});
+                },
+                u"", "names page 7 as the definition of MSysACEs instead of page 3"}),
+    [](const auto& tested) { return tested.param.name; });
+
+TEST_F(DamageTest, TextLongerThanItsColumn) {
+    definition_.rowCount = TableCounters::rowCount(pager_, definition_.page);
+    definition_.columns[1].size = 100;
+    WriteTableDefinition(pager_, definition_);
+    const std::vector<Fault> faults = faultsOf(pager_);
+    ASSERT_EQ(faults.size(), 1u) << describe(faults);
+    EXPECT_NE(faults[0].reason.find("holds more in column 'Text' than its size"), std::string::npos);
+}
+
 TEST_F(DamageTest, Catalogue) {
     const CatalogObject object = *catalog_.findTable(u"Log");
     edit(definition_.page)[0] = 1;
@@ -194,6 +263,13 @@ TEST_F(DamageTest, Catalogue) {
     edit(definition_.page)[0] = 2;
     const Table objects = catalog_.table(u"MSysObjects");
     Table(pager_, Catalog::ObjectsPage).remove(object.row);
+    RowPointer relationships;
+    for (const CatalogObject& one : catalog_.objects())
+        if (one.id == Catalog::RelationshipsContainer)
+            relationships = one.row;
+    const FieldChange parent{objects.definition().findColumn(u"ParentId"), Value(std::int32_t{99})};
+    Table(pager_, Catalog::ObjectsPage).update(relationships, {&parent, 1});
+    expectFault(relationships.page, "'Relationships', which belongs to an object that is not there");
     const std::vector<Fault> faults = faultsOf(pager_);
     EXPECT_TRUE(std::any_of(faults.begin(), faults.end(), [](const Fault& fault) {
         return fault.table == u"MSysACEs" && fault.reason.find("not there") != std::string::npos;
