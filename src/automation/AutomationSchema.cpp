@@ -172,8 +172,8 @@ std::array<const Table*, 5> schemas() {
 
 } // namespace
 
-qint16 ValidateKOVADatabaseTables(const QString& databaseName) {
-    return static_cast<qint16>(ValidateDatabaseTables(databaseName, schemas()));
+qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& connect) {
+    return static_cast<qint16>(ValidateDatabaseTables(databaseName, schemas(), connect));
 }
 
 bool HasKOVADatabaseIndexes(SuiteDatabase& database) {

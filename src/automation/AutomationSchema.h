@@ -11,9 +11,9 @@ const Table& KOVASongsSchema();
 const Table& KOVAJinglesSchema();
 const Table& KOVAScheduleSchema();
 
-// Brings all tables of an automation database up to date. Result: 0 or, reported, the error number of the
-// first failure.
-qint16 ValidateKOVADatabaseTables(const QString& databaseName);
+// Brings all tables of an automation database, a file or with `connect` one on a server, up to date. Result:
+// 0 or, reported, the error number of the first failure.
+qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& connect = {});
 
 // Whether all tables, that of the description too, are there with all their indexes: the check above passes
 // over an index that it cannot add.

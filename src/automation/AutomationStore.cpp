@@ -46,7 +46,8 @@ std::unique_ptr<SuiteRecordset> openSettings(SuiteDatabase& database, int* error
     try {
         auto rows = database.open(QStringLiteral("Settings"), RecordsetMode::Table);
         action = QStringLiteral("setting the K-OVA Settings index");
-        rows->setIndex(QStringLiteral("Main"));
+        if (rows->tableMode())
+            rows->setIndex(QStringLiteral("Main"));
         return rows;
     } catch (const DatabaseError& thrown) {
         *error = Report(action, thrown);

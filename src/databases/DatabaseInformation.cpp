@@ -5,6 +5,7 @@
 #include "core/Folders.h"
 #include "core/PathNames.h"
 #include "databases/CompactRepair.h"
+#include "databases/OdbcConnectString.h"
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 #include "platform/Prompts.h"
@@ -31,15 +32,12 @@ bool isOnServer(const QString& name, const QString& connect) {
     try {
         server = ConnectToServer(connect);
     } catch (const DatabaseError& error) {
-        Report(QStringLiteral("connecting to '%1'").arg(connect), error);
+        Report(QStringLiteral("connecting to '%1'").arg(ShownConnect(connect)), error);
         log(QStringLiteral("Exit: connection not opened"));
         return false;
     }
     try {
-        if (!server
-                 ->databases(QStringLiteral("Select * from master..sysdatabases WHERE Name=") +
-                             QuotedText(name))
-                 .isEmpty())
+        if (!server->databases(DatabasesStatement(name)).isEmpty())
             return true;
     } catch (const DatabaseError& error) {
         Report(QStringLiteral("retrieving the list of databases"), error);
@@ -145,7 +143,7 @@ int readInformation(const QString& name, DatabaseInformation* information, bool 
 qint16 GetDatabaseInformation(const QString& databaseName, DatabaseInformation* information,
                               bool reportErrors, const QString& connect) {
     log(QStringLiteral("Started GetDatabaseInformation: DBName='%1', ReportErrors=%2, Connect='%3'")
-            .arg(databaseName, trueOrFalse(reportErrors), connect));
+            .arg(databaseName, trueOrFalse(reportErrors), ShownConnect(connect)));
     QString name = databaseName;
     if (!connect.isEmpty()) {
         if (!isOnServer(name, connect))

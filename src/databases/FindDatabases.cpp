@@ -23,7 +23,7 @@ bool isServersOwn(const QString& name) {
 
 QStringList databasesOnServer(const QString& connect) {
     try {
-        return ConnectToServer(connect)->databases(QStringLiteral("Select * from master..sysdatabases"));
+        return ConnectToServer(connect)->databases(DatabasesStatement());
     } catch (const DatabaseError&) {
         return {};
     }

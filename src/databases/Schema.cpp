@@ -139,10 +139,11 @@ int ValidateSettingsTable(SuiteDatabase& database) {
     return CheckTable(database, SettingsTableSchema());
 }
 
-int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables) {
+int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables,
+                           const QString& connect) {
     std::unique_ptr<SuiteDatabase> database;
     try {
-        database = OpenSuiteDatabase(databaseName);
+        database = OpenSuiteDatabase(databaseName, connect);
     } catch (const DatabaseError& error) {
         return Report(QStringLiteral("opening the database"), error);
     }

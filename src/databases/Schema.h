@@ -57,8 +57,9 @@ int CheckFields(SuiteDatabase& database, const QString& table, std::span<const F
 // The check of the table of private settings alone.
 int ValidateSettingsTable(SuiteDatabase& database);
 
-// Opens a database file, checks tables in their order, and closes it. Stops at the first failure and gives
-// its error number; tables before it are up to date.
-int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables);
+// Opens a database, a file or with `connect` one on a server, checks tables in their order, and closes it.
+// Stops at the first failure and gives its error number; tables before it are up to date.
+int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables,
+                           const QString& connect = {});
 
 } // namespace tolvex

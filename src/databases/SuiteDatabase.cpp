@@ -1,29 +1,21 @@
 #include "databases/SuiteDatabase.h"
 
 #include "databases/JetDatabase.h"
+#include "databases/OdbcDatabase.h"
 
 namespace tolvex {
 
-namespace {
-
-// Nothing here speaks to servers.
-[[noreturn]] void refuseServer(const QString& what) {
-    throw DatabaseError{ConnectionFailed,
-                        QStringLiteral("ODBC--connection to '%1' failed: this program opens "
-                                       "database files only, no databases on a server.")
-                            .arg(what)};
-}
-
-} // namespace
-
 std::unique_ptr<SuiteDatabase> OpenSuiteDatabase(const QString& name, const QString& connect) {
-    if (!connect.isEmpty())
-        refuseServer(name);
-    return OpenJetDatabase(name);
+    return connect.isEmpty() ? OpenJetDatabase(name) : OpenServerDatabase(name, connect);
 }
 
 std::unique_ptr<DatabaseServer> ConnectToServer(const QString& connect) {
-    refuseServer(connect);
+    return OpenServer(connect);
+}
+
+QString DatabasesStatement(const QString& name) {
+    const QString all = QStringLiteral("Select * from master..sysdatabases");
+    return name.isNull() ? all : all + QStringLiteral(" WHERE Name=") + QuotedText(name);
 }
 
 QString QuotedText(const QString& text, QChar quote) {

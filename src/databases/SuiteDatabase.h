@@ -25,7 +25,9 @@ struct DatabaseError {
 enum DatabaseErrorNumber : int {
     TypeMismatchError = 13,
     DuplicateKeyError = 3022,
+    ServerCallFailed = 3146,
     ConnectionFailed = 3151,
+    NoPermissionOnServer = 3228,
     ItemNotFoundError = 3265,
     UnrecognisedDatabase = 3343,
 };
@@ -42,7 +44,7 @@ public:
     // Declared size of a text field in characters, 0 for other kinds.
     virtual int size(const QString& field) const = 0;
 
-    // Table mode only.
+    // Table mode only; any other throws.
     virtual void setIndex(const QString& index) = 0;
     virtual void seek(const QVariant& value) = 0;
     // Any mode: the first row for which a criterion holds. Table mode: not offered.
@@ -83,7 +85,8 @@ public:
     virtual void appendField(const QString& table, const Field& field, bool allowZeroLength) = 0;
     virtual void appendIndex(const QString& table, const Index& index) = 0;
 
-    // The database outlives its recordsets. `source`: a table or, in dynaset mode, a query.
+    // The database outlives its recordsets. `source`: a table or, in dynaset mode, a query. A server has no
+    // table mode and gives a dynaset in its place; its queries are for reading.
     virtual std::unique_ptr<SuiteRecordset> open(const QString& source, RecordsetMode mode) = 0;
     virtual void execute(const QString& statement) = 0;
 
@@ -112,6 +115,8 @@ public:
     virtual void execute(const QString& statement) = 0;
 };
 std::unique_ptr<DatabaseServer> ConnectToServer(const QString& connect);
+// The statement that asks a server for its databases, or for the one of this name.
+QString DatabasesStatement(const QString& name = {});
 
 // Makes a new, empty file. Throws when there is one.
 void CreateSuiteDatabase(const QString& path);

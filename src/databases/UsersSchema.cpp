@@ -91,10 +91,10 @@ const Table& UserPreferencesSchema() {
     return table;
 }
 
-qint16 ValidateUsersDatabaseTables(const QString& databaseName) {
+qint16 ValidateUsersDatabaseTables(const QString& databaseName, const QString& connect) {
     const Table* const tables[] = {&SettingsTableSchema(), &UsersSchema(), &UserGroupsSchema(),
                                    &UserHistorySchema(), &UserPreferencesSchema()};
-    return static_cast<qint16>(ValidateDatabaseTables(databaseName, tables));
+    return static_cast<qint16>(ValidateDatabaseTables(databaseName, tables, connect));
 }
 
 std::span<const UserGroup> DefaultUserGroups() {

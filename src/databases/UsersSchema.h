@@ -10,9 +10,9 @@ const Table& UserGroupsSchema();
 const Table& UserHistorySchema();
 const Table& UserPreferencesSchema();
 
-// Brings all tables of a users database up to date. Result: 0 or, reported, the error number of the first
-// failure.
-qint16 ValidateUsersDatabaseTables(const QString& databaseName);
+// Brings all tables of a users database, a file or with `connect` one on a server, up to date. Result: 0 or,
+// reported, the error number of the first failure.
+qint16 ValidateUsersDatabaseTables(const QString& databaseName, const QString& connect = {});
 
 // A group of users that every new users database has.
 struct UserGroup {

@@ -5,6 +5,7 @@
 #include "core/PathNames.h"
 #include "databases/DatabaseInformation.h"
 #include "databases/DatabaseKinds.h"
+#include "databases/OdbcConnectString.h"
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 #include "platform/Files.h"
@@ -19,7 +20,6 @@ using platform::Buttons;
 using platform::Icon;
 
 constexpr int LogLevel = 5;
-constexpr int NoPermissionOnServer = 3228;
 constexpr qint16 Declined = -1;
 const QString DescriptionTable = QStringLiteral("Description");
 
@@ -133,7 +133,7 @@ int fillDescription(const QString& name, const QString& connect, qint32 type, bo
         database = OpenSuiteDatabase(name, connect);
     } catch (const DatabaseError& error) {
         return Report(QStringLiteral("opening the database ") + name +
-                          (connect.isEmpty() ? QString() : QStringLiteral(", ") + connect),
+                          (connect.isEmpty() ? QString() : QStringLiteral(", ") + ShownConnect(connect)),
                       error);
     }
     if (const int error = checkDescriptionTable(*database))
@@ -157,7 +157,8 @@ qint16 ValidateDatabase(const QString& databaseName, qint32 type, bool silentMod
     log(QStringLiteral("Started Validate Database: DBName='%1' Type=%2, SilentMode=%3, Title='%4' "
                        "Connect='%5'")
             .arg(databaseName, QString::number(type),
-                 silentMode ? QStringLiteral("True") : QStringLiteral("False"), *title, connect));
+                 silentMode ? QStringLiteral("True") : QStringLiteral("False"), *title,
+                 ShownConnect(connect)));
     QString name = databaseName;
     int error = 0;
     if (connect.isEmpty()) {

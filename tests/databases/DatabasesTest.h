@@ -14,6 +14,10 @@ namespace tolvex::tests {
 
 class DatabasesTest : public testing::Test {
 protected:
+    // Servers are found as the tests declare them, never as this machine does; the driver manager reads it
+    // once.
+    DatabasesTest() { qputenv("ODBCSYSINI", TOLVEX_ODBC_FOLDER); }
+
     // Makes a database of a kind with its Description row.
     void make(const QString& path, qint32 type, QString title = QStringLiteral("A title")) const {
         ASSERT_EQ(ValidateDatabase(path, type, true, &title), 0) << prompts.texts().join('|').toStdString();

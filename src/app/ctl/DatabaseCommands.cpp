@@ -1,4 +1,5 @@
-// Databases of the suite: what they say about themselves, making and checking them, their private settings.
+// Databases of the suite, files and those on a server: what they say about themselves, making and checking
+// them, their private settings.
 #include "app/ctl/Commands.h"
 
 #include "automation/AutomationSchema.h"
@@ -20,8 +21,31 @@ namespace {
 
 const Option typeOption{"--type", "N", "the kind of database: 0 users, 14 automation log, ..."};
 
+const Option connectOption{"--connect", "STRING",
+                           "FILE is the name of a database on the server of this string, \"ODBC;DSN=...\""};
+
+// The connect string as the suite's routines know one; empty for a file.
+QString connectOf(const Call& call) {
+    const QString given = call.option("--connect");
+    const QString prefix = QStringLiteral("ODBC;");
+    return given.isEmpty() || given.startsWith(prefix, Qt::CaseInsensitive) ? given : prefix + given;
+}
+
+// The path of a file, or a name on a server.
 QString fileOf(const Call& call) {
-    return WithDatabaseExtension(FileArgument(call.argument(0)));
+    return connectOf(call).isEmpty() ? WithDatabaseExtension(FileArgument(call.argument(0)))
+                                     : call.argument(0);
+}
+
+int failure(const Call& call, const DatabaseError& error) {
+    return call.fail(QStringLiteral("%1: %2 (error %3)").arg(fileOf(call), error.text).arg(error.number));
+}
+
+// Throws DatabaseError when the server cannot be asked.
+bool isThere(const Call& call) {
+    if (connectOf(call).isEmpty())
+        return FileLength(fileOf(call)) > 0;
+    return !ConnectToServer(connectOf(call))->databases(DatabasesStatement(fileOf(call))).isEmpty();
 }
 
 int missing(const Call& call) {
@@ -44,10 +68,10 @@ int wrongType(const Call& call) {
 }
 
 int info(Call& call) {
-    if (FileLength(fileOf(call)) <= 0)
+    if (!isThere(call))
         return missing(call);
     DatabaseInformation found;
-    if (GetDatabaseInformation(fileOf(call), &found, true) != 0)
+    if (GetDatabaseInformation(fileOf(call), &found, true, connectOf(call)) != 0)
         return call.fail(QStringLiteral("%1 could not be read.").arg(fileOf(call)));
     const QJsonValue accessed = found.LastAccessed == 0
                                     ? QJsonValue()
@@ -78,13 +102,14 @@ int info(Call& call) {
 // Everything that a database of its kind has.
 int validateAll(Call& call, qint32 type, QString title, bool silent) {
     const QString file = fileOf(call);
-    int error = ValidateDatabase(file, type, silent, &title);
+    const QString connect = connectOf(call);
+    int error = ValidateDatabase(file, type, silent, &title, connect);
     if (error == -1)
         return No;
     if (error == 0 && type == UsersDatabaseType)
-        error = ValidateUsersDatabaseTables(file);
+        error = ValidateUsersDatabaseTables(file, connect);
     if (error == 0 && type == KOVAType)
-        error = ValidateKOVADatabaseTables(file);
+        error = ValidateKOVADatabaseTables(file, connect);
     return error == 0 ? Done : Failed;
 }
 
@@ -92,8 +117,8 @@ int create(Call& call) {
     qint32 type = 0;
     if (!typeGiven(call, &type))
         return wrongType(call);
-    if (FileLength(fileOf(call)) > 0)
-        return call.fail(QStringLiteral("There is a file %1 already.").arg(fileOf(call)));
+    if (isThere(call))
+        return call.fail(QStringLiteral("There is a database %1 already.").arg(fileOf(call)));
     return validateAll(call, type, call.option("--title"), true);
 }
 
@@ -104,9 +129,9 @@ int validate(Call& call) {
             return wrongType(call);
     } else {
         DatabaseInformation found;
-        if (FileLength(fileOf(call)) <= 0)
+        if (!isThere(call))
             return missing(call);
-        if (GetDatabaseInformation(fileOf(call), &found, true) != 0)
+        if (GetDatabaseInformation(fileOf(call), &found, true, connectOf(call)) != 0)
             return Failed;
         type = found.Type;
     }
@@ -117,8 +142,13 @@ int find(Call& call) {
     qint32 type = 0;
     if (!typeGiven(call, &type))
         return wrongType(call);
+    const bool onServer = !connectOf(call).isEmpty();
+    if (!onServer && call.arguments.isEmpty())
+        return call.wrong(QStringLiteral("db find takes a folder, or --connect and a server."));
+    if (onServer) // which is told when it does not answer; the search would pass it over
+        ConnectToServer(connectOf(call));
     QString first;
-    const qint32 count = FindDatabaseOfType(FileArgument(call.argument(0)), type, &first, 0);
+    const qint32 count = FindDatabaseOfType(FileArgument(call.argument(0)), type, &first, 0, connectOf(call));
     call.output.record(QJsonObject{{QStringLiteral("count"), count}, {QStringLiteral("firstName"), first}},
                        {{"count", "Databases"}, {"firstName", "First"}});
     return count > 0 ? Done : No;
@@ -150,49 +180,75 @@ int settingsOf(Call& call) {
     const int expected = verb == QStringLiteral("list") ? 2 : verb == QStringLiteral("get") ? 3 : 4;
     if ((expected == 4 && verb != QStringLiteral("set")) || call.arguments.size() != expected)
         return call.wrong(QStringLiteral("After the file comes list, get ITEM, or set ITEM VALUE."));
-    if (FileLength(fileOf(call)) <= 0)
+    if (!isThere(call))
         return missing(call);
-    try {
-        const auto database = OpenSuiteDatabase(fileOf(call));
-        auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
+    const auto database = OpenSuiteDatabase(fileOf(call), connectOf(call));
+    auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
+    if (rows->tableMode())
         rows->setIndex(QStringLiteral("Main"));
-        if (expected == 2)
-            return listSettings(call, *rows);
-        if (expected == 3)
-            return getSetting(call, *rows);
-        if (PutDatabaseSetting(rows.get(), call.argument(2), call.argument(3), QString()) != 0)
-            return Failed;
-        rows.reset();
-        database->close();
-    } catch (const DatabaseError& error) {
-        return call.fail(QStringLiteral("%1: %2 (error %3)").arg(fileOf(call), error.text).arg(error.number));
-    }
+    if (expected == 2)
+        return listSettings(call, *rows);
+    if (expected == 3)
+        return getSetting(call, *rows);
+    if (PutDatabaseSetting(rows.get(), call.argument(2), call.argument(3), QString()) != 0)
+        return Failed;
+    rows.reset();
+    database->close();
     return Done;
 }
 
 int describe(Call& call) {
-    if (FileLength(fileOf(call)) <= 0)
+    if (!isThere(call))
         return missing(call);
     if (call.argument(1).isEmpty())
         return call.wrong(QStringLiteral("A description has at least one character."));
-    return ChangeDatabaseDescription(fileOf(call), call.argument(1)) != 0 ? Done : Failed;
+    return ChangeDatabaseDescription(fileOf(call), call.argument(1), connectOf(call)) != 0 ? Done : Failed;
+}
+
+// A server that does not answer ends the command.
+template<int (*Run)(Call&)>
+int asked(Call& call) {
+    try {
+        return Run(call);
+    } catch (const DatabaseError& error) {
+        return failure(call, error);
+    }
 }
 
 } // namespace
 
 CommandRows DatabaseCommands() {
     return {
-        {"db info", "FILE", "Tell what a database of the suite says about itself", info},
+        {"db info",
+         "FILE",
+         "Tell what a database of the suite says about itself",
+         asked<info>,
+         {connectOption}},
         {"db create",
          "FILE",
          "Make a database of a kind, with its tables",
-         create,
-         {typeOption, {"--title", "TEXT", "its description"}}},
-        {"db validate", "FILE", "Add what a database lacks of its kind", validate, {typeOption}},
-        {"db find", "FOLDER", "Count the databases of a kind in a folder", find, {typeOption}},
-        {"db settings", "FILE list|get|set [ITEM] [VALUE]",
-         "List, print or set the private settings of a database; an empty value removes one", settingsOf},
-        {"db describe", "FILE TEXT", "Change the description of a database", describe},
+         asked<create>,
+         {typeOption, {"--title", "TEXT", "its description"}, connectOption}},
+        {"db validate",
+         "FILE",
+         "Add what a database lacks of its kind",
+         asked<validate>,
+         {typeOption, connectOption}},
+        {"db find",
+         "[FOLDER]",
+         "Count the databases of a kind in a folder or on a server",
+         asked<find>,
+         {typeOption, {"--connect", "STRING", "on the server of this string, \"ODBC;DSN=...\""}}},
+        {"db settings",
+         "FILE list|get|set [ITEM] [VALUE]",
+         "List, print or set the private settings of a database; an empty value removes one",
+         asked<settingsOf>,
+         {connectOption}},
+        {"db describe",
+         "FILE TEXT",
+         "Change the description of a database",
+         asked<describe>,
+         {connectOption}},
     };
 }
 
