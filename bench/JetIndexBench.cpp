@@ -3,6 +3,7 @@
 #include "jet/Collation.h"
 #include "jet/DataPage.h"
 #include "jet/Database.h"
+#include "jet/EntrySorter.h"
 #include "jet/IndexBuilder.h"
 #include "jet/KeyEncoding.h"
 #include "jet/MemoryPager.h"
@@ -127,11 +128,12 @@ void removeAndInsert(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 
-void build(benchmark::State& state) {
+// Sorting and building, in memory and by way of a file.
+void build(benchmark::State& state, std::size_t memory) {
     constexpr std::uint32_t count = 1000000;
     for (auto _ : state) {
         Tree tree;
-        IndexEntries entries;
+        EntrySorter entries(memory);
         Bytes key;
         for (std::uint32_t i = 0; i < count; ++i) {
             makeKey(false, scattered(i), key);
@@ -139,8 +141,8 @@ void build(benchmark::State& state) {
         }
         entries.sort();
         IndexBuilder builder(tree.tree);
-        for (std::size_t i = 0; i < entries.size(); ++i)
-            builder.add(entries.key(i), entries.row(i));
+        while (entries.next())
+            builder.add(entries.entry());
         builder.finish();
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
@@ -330,7 +332,8 @@ BENCHMARK_CAPTURE(seek, Text, true);
 BENCHMARK_CAPTURE(walk, Forward, true);
 BENCHMARK_CAPTURE(walk, Backward, false);
 BENCHMARK(removeAndInsert);
-BENCHMARK(build)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(build, InMemory, EntrySorter::DefaultMemory)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(build, InRuns, std::size_t{4} << 20)->Unit(benchmark::kMillisecond);
 BENCHMARK(textKey);
 BENCHMARK(compareTexts);
 BENCHMARK(insertRows)->Arg(20000)->Arg(500000)->Unit(benchmark::kMillisecond);

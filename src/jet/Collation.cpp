@@ -3,6 +3,7 @@
 #include "jet/CollationTable.h"
 #include "jet/Error.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace jet {
@@ -24,17 +25,25 @@ const CharacterOrder& orderOf(char16_t unit) {
     return order != nullptr ? *order : Unknown;
 }
 
-std::u16string_view withoutTrailingBlanks(std::u16string_view text) {
-    const std::size_t last = text.find_last_not_of(u' ');
-    return text.substr(0, last == std::u16string_view::npos ? 0 : last + 1);
+// Texts are spans of UTF-16 units or, where each character is below 100, of bytes.
+template<typename Unit>
+using Text = std::span<const Unit>;
+
+template<typename Unit>
+Text<Unit> withoutTrailingBlanks(Text<Unit> text) {
+    while (!text.empty() && text.back() == ' ')
+        text = text.first(text.size() - 1);
+    return text;
 }
 
-std::u16string_view indexedPart(std::u16string_view text) {
-    return withoutTrailingBlanks(text.substr(0, IndexedTextLength));
+template<typename Unit>
+Text<Unit> indexedPart(Text<Unit> text) {
+    return withoutTrailingBlanks(text.first(std::min(text.size(), IndexedTextLength)));
 }
 
 // Appends one accent byte for each position of the text up to its last accented one.
-void appendAccents(std::u16string_view text, Bytes& into) {
+template<typename Unit>
+void appendAccents(Text<Unit> text, Bytes& into) {
     const std::size_t start = into.size();
     std::size_t covered = 0; // positions that have a byte
     std::size_t positions = 0;
@@ -44,7 +53,7 @@ void appendAccents(std::u16string_view text, Bytes& into) {
             covered = position;
         }
     };
-    for (const char16_t unit : text) {
+    for (const Unit unit : text) {
         const CharacterOrder& order = orderOf(unit);
         if (order.kind == Kind::Accented) {
             coverUpTo(positions);
@@ -66,8 +75,9 @@ void appendAccents(std::u16string_view text, Bytes& into) {
 }
 
 // Walks over the minor characters of a text.
+template<typename Unit>
 struct MinorWalk {
-    std::u16string_view text;
+    Text<Unit> text;
     std::size_t at = 0;
     std::size_t positions = 0; // before the character
     std::uint16_t code = 0;
@@ -87,7 +97,7 @@ struct MinorWalk {
 
 // Walks over the weight bytes of a text; 0 at its end, as the end of the weights is below every weight.
 struct WeightWalk {
-    std::u16string_view text;
+    Text<char16_t> text;
     std::size_t at = 0;
     std::uint8_t pending[2] = {};
     int waiting = 0;
@@ -117,15 +127,15 @@ struct WeightWalk {
     }
 };
 
-int compareSecondary(std::u16string_view a, std::u16string_view b) {
+int compareSecondary(Text<char16_t> a, Text<char16_t> b) {
     Bytes accentsA;
     Bytes accentsB;
     appendAccents(a, accentsA);
     appendAccents(b, accentsB);
     if (accentsA != accentsB)
         return accentsA < accentsB ? -1 : 1;
-    MinorWalk walkA{a};
-    MinorWalk walkB{b};
+    MinorWalk<char16_t> walkA{a};
+    MinorWalk<char16_t> walkB{b};
     for (;;) {
         const bool moreA = walkA.next();
         const bool moreB = walkB.next();
@@ -138,35 +148,41 @@ int compareSecondary(std::u16string_view a, std::u16string_view b) {
     }
 }
 
-} // namespace
+[[noreturn]] void refuse(char16_t unit) {
+    char code[8];
+    std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(unit));
+    throw Error(ErrorNumber::InvalidArgument,
+                std::string("the character ") + code + " cannot be ordered in an index");
+}
 
-void AppendTextKey(std::u16string_view whole, Bytes& into) {
-    const std::u16string_view text = indexedPart(whole);
-    const std::size_t start = into.size();
-    bool accents = false;
-    bool minor = false;
-    for (const char16_t unit : text) {
-        const CharacterOrder* order = FindCharacterOrder(unit);
-        if (order == nullptr) {
-            into.resize(start);
-            char code[8];
-            std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(unit));
-            throw Error(ErrorNumber::InvalidArgument,
-                        std::string("the character ") + code + " cannot be ordered in an index");
+template<typename Unit>
+void appendKey(Text<Unit> whole, Bytes& into) {
+    const Text<Unit> text = indexedPart(whole);
+    std::uint8_t weights[2 * IndexedTextLength + 1];
+    std::uint8_t* at = weights;
+    unsigned kinds = 0; // a bit for each
+    for (const Unit unit : text) {
+        if (unit < PlainEnd && PlainWeights[unit] != 0) {
+            *at++ = PlainWeights[unit];
+            continue;
         }
+        const CharacterOrder* order = FindCharacterOrder(unit);
+        if (order == nullptr)
+            refuse(unit);
         if (order->weight > 0xFF)
-            into.push_back(static_cast<std::uint8_t>(order->weight >> 8));
-        if (order->weight != 0)
-            into.push_back(static_cast<std::uint8_t>(order->weight));
-        accents |= order->kind == Kind::Accented || order->kind == Kind::Mark;
-        minor |= order->kind == Kind::Minor;
+            *at++ = static_cast<std::uint8_t>(order->weight >> 8);
+        *at = static_cast<std::uint8_t>(order->weight);
+        at += order->weight != 0 ? 1 : 0;
+        kinds |= 1u << static_cast<unsigned>(order->kind);
     }
-    into.push_back(EndOfWeights);
-    if (accents)
+    *at++ = EndOfWeights;
+    into.insert(into.end(), weights, at);
+    const auto has = [kinds](Kind kind) { return (kinds >> static_cast<unsigned>(kind) & 1) != 0; };
+    if (has(Kind::Accented) || has(Kind::Mark))
         appendAccents(text, into);
-    if (minor) {
+    if (has(Kind::Minor)) {
         into.insert(into.end(), 3, EndOfWeights);
-        for (MinorWalk walk{text}; walk.next();) {
+        for (MinorWalk<Unit> walk{text}; walk.next();) {
             const std::size_t place = 0x8000 | (7 + 4 * walk.positions);
             into.insert(into.end(), {static_cast<std::uint8_t>(place >> 8), static_cast<std::uint8_t>(place),
                                      MinorMark, static_cast<std::uint8_t>(walk.code)});
@@ -175,16 +191,26 @@ void AppendTextKey(std::u16string_view whole, Bytes& into) {
     into.push_back(0);
 }
 
+} // namespace
+
+void AppendTextKey(std::u16string_view text, Bytes& into) {
+    appendKey(Text<char16_t>(text), into);
+}
+
+void AppendTextKey(std::span<const std::uint8_t> text, Bytes& into) {
+    appendKey(text, into);
+}
+
 std::optional<char16_t> FindUnorderable(std::u16string_view text) {
-    for (const char16_t unit : indexedPart(text))
+    for (const char16_t unit : indexedPart(Text<char16_t>(text)))
         if (FindCharacterOrder(unit) == nullptr)
             return unit;
     return std::nullopt;
 }
 
-int CompareTexts(std::u16string_view a, std::u16string_view b) {
-    a = withoutTrailingBlanks(a);
-    b = withoutTrailingBlanks(b);
+int CompareTexts(std::u16string_view textA, std::u16string_view textB) {
+    const auto a = withoutTrailingBlanks(Text<char16_t>(textA));
+    const auto b = withoutTrailingBlanks(Text<char16_t>(textB));
     std::size_t same = 0;
     while (same < a.size() && same < b.size() && a[same] == b[same])
         ++same;

@@ -6,6 +6,7 @@
 #include "jet/Value.h"
 
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace jet {
@@ -18,6 +19,8 @@ inline constexpr std::size_t IndexedTextLength = 255;
 // InvalidArgument, naming the character, if the text holds one whose place in the order is not known; `into`
 // is unchanged then. Cost: one pass over the text.
 void AppendTextKey(std::u16string_view text, Bytes& into);
+// The same for a text of bytes, each the number of its character.
+void AppendTextKey(std::span<const std::uint8_t> text, Bytes& into);
 
 // The first character (UTF-16 unit) of a text's indexed part whose place in the order is not known.
 std::optional<char16_t> FindUnorderable(std::u16string_view text);

@@ -176,7 +176,7 @@ constexpr const CharacterOrder* lookUp(const Range& range, char16_t unit) {
 } // namespace
 
 // clang-format off
-const CharacterOrder LatinOrders[LatinEnd] = {
+constexpr CharacterOrder LatinOrders[LatinEnd] = {
     n, p(0x03), p(0x04), p(0x05), p(0x06), p(0x07), p(0x08), p(0x09), // 0000
     p(0x0A), w(0x0803), w(0x0804), w(0x0805), w(0x0806), w(0x0807), p(0x0B), p(0x0C), // 0008
     p(0x0D), p(0x0E), p(0x0F), p(0x10), p(0x11), p(0x12), p(0x13), p(0x14), // 0010
@@ -246,6 +246,16 @@ const CharacterOrder LatinOrders[LatinEnd] = {
     a(0x69, 0x44), a(0x69, 0x44), a(0x69, 0x46), a(0x69, 0x46), a(0x6F, 0x44), a(0x6F, 0x44), a(0x6F, 0x46), a(0x6F, 0x46), // 0210
 };
 // clang-format on
+
+constexpr std::array<std::uint8_t, PlainEnd> PlainWeights = [] {
+    std::array<std::uint8_t, PlainEnd> weights{};
+    for (std::size_t i = 0; i < PlainEnd; ++i) {
+        const CharacterOrder& order = LatinOrders[i];
+        if (order.kind == Kind::Letter && order.weight <= 0xFF)
+            weights[i] = static_cast<std::uint8_t>(order.weight);
+    }
+    return weights;
+}();
 
 const CharacterOrder* FindOrderBeyondLatin(char16_t unit) {
     for (const Range& range : ranges)

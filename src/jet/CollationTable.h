@@ -1,6 +1,8 @@
 // What each character brings into a text's key, as the General order has it.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace jet {
@@ -22,6 +24,11 @@ struct CharacterOrder {
 // The characters that nearly all texts are made of, found without a search.
 inline constexpr char16_t LatinEnd = 0x218;
 extern const CharacterOrder LatinOrders[LatinEnd];
+
+// The weights of the commonest ones again: letters without accents, and all else that brings nothing but one
+// byte. 0: see the order.
+inline constexpr std::size_t PlainEnd = 0x100;
+extern const std::array<std::uint8_t, PlainEnd> PlainWeights;
 
 // The same for all others.
 const CharacterOrder* FindOrderBeyondLatin(char16_t unit);

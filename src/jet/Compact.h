@@ -20,8 +20,9 @@ using OnLoss = std::function<void(const Fault&)>;
 // Reads `source` and makes `target`, which must not exist; on return it is complete and flushed, to be put in
 // place by the caller. On any error the target is removed; the source is never changed. Throws what opening
 // throws (FileLocked when another program uses the source), CannotUpdateReadOnly for a file in the older
-// format or with an index in an order that is not known here, DiskFull, DiskIo. Cost: one pass over the
-// source, and a sort of the keys of one table at a time, which are held in memory.
+// format or with an index in an order that is not known here, DiskFull, DiskIo. Cost: one pass over
+// the source, two of tables with a primary key, and a sort of the keys of one table at a time; memory stays
+// flat, since keys beyond a limit (EntrySorter.h) are sorted by way of a temporary file.
 CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
                               const std::u16string& password, const OnLoss& lost);
 CompactResult CompactDatabase(const std::string& source, const std::string& target,

@@ -1,8 +1,10 @@
 #include "jet/CompactTable.h"
 
+#include "jet/Damage.h"
 #include "jet/DataPage.h"
 #include "jet/ErrorDetail.h"
 #include "jet/Salvage.h"
+#include "jet/TextCompression.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,26 +13,8 @@ namespace jet {
 
 namespace {
 
-constexpr std::uint32_t leftOut = 0xFFFFFFFF; // place of a row that does not go over
-
 std::string rowText(RowPointer at) {
     return "row " + std::to_string(at.row);
-}
-
-std::uint32_t packed(RowPointer at) {
-    return at.page << 8 | at.row;
-}
-
-// How many entries from `first` on have the same key.
-std::size_t runOf(const IndexEntries& entries, std::size_t first) {
-    const KeyView key = entries.key(first);
-    std::size_t end = first + 1;
-    for (; end < entries.size(); ++end) {
-        const KeyView other = entries.key(end);
-        if (!std::equal(key.begin(), key.end(), other.begin(), other.end()))
-            break;
-    }
-    return end - first;
 }
 
 } // namespace
@@ -55,7 +39,8 @@ TableCompaction::TableCompaction(Pager& source, const Table& from, Pager& target
     , lost_(lost)
     , definition_(from.definition())
     , encoder_(definition_)
-    , fields_(definition_.columns.size()) {
+    , values_(definition_.columns.size())
+    , fields_(definition_.columns.size(), {nullptr, &copy_}) {
     definition_.page = to;
 }
 
@@ -63,19 +48,66 @@ void TableCompaction::report(PageNumber page, const std::string& reason) {
     lost_({page, from_.name(), reason, false});
 }
 
+// What damage is met while rows are read is told once.
+void TableCompaction::reportDamage(PageNumber page, const std::string& what, const Error& error) {
+    if (!told_)
+        report(page, what + ": " + ErrorDetail(error));
+}
+
 std::uint64_t TableCompaction::run(const NewIds& ids, const IdColumn& idColumn) {
     makeDefinition(ids);
     ids_ = idColumn.ids;
     idColumn_ = ids_ == nullptr ? -1 : definition_.findColumn(idColumn.name);
-    if (!indexes_.empty()) {
-        collectKeys();
-        dropDuplicates();
+    if (!copy()) {
+        findDuplicates();
+        discard();
+        if (!copy())
+            Damaged(from_.definition().page, "cannot be freed of rows with equal keys in a unique index");
     }
-    copyRows();
-    buildIndexes();
     definition_.rowCount = static_cast<std::uint32_t>(rows_);
     WriteTableDefinition(target_, definition_);
     return rows_;
+}
+
+// Copies the rows and makes the indexes. False: a damaged file holds the same key twice in a unique index.
+bool TableCompaction::copy() {
+    rows_ = 0;
+    page_.number = 0;
+    variables_.clear();
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (column.isLong())
+            variables_.push_back(
+                {i, std::make_unique<LongValueStore>(target_, column.ownedMap, column.freeMap)});
+        else if (!column.isFixed())
+            variables_.push_back({i, nullptr});
+    }
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        RealIndex& definition = definition_.realIndexes[i];
+        definition.root = target_.allocate();
+        IndexTree tree(target_, definition.root, definition_.page, UsageMap(target_, definition.pages));
+        tree.create();
+        indexes_[i].builder = std::make_unique<IndexBuilder>(tree);
+        indexes_[i].entries = EntrySorter(SortMemory / indexes_.size());
+    }
+    const bool distinct = order_ < 0 ? copyAsTheyLie() : copyInOrder();
+    flushPage();
+    told_ = true;
+    return distinct && buildIndexes();
+}
+
+// Takes back everything but the definition and the maps.
+void TableCompaction::discard() {
+    UsageMap(target_, definition_.ownedMap).release();
+    UsageMap(target_, definition_.freeMap).clear();
+    for (const RealIndex& index : definition_.realIndexes)
+        UsageMap(target_, index.pages).release();
+    for (const Column& column : definition_.columns) {
+        if (!column.isLong())
+            continue;
+        UsageMap(target_, column.ownedMap).release();
+        UsageMap(target_, column.freeMap).clear();
+    }
 }
 
 void TableCompaction::makeDefinition(const NewIds& ids) {
@@ -83,7 +115,7 @@ void TableCompaction::makeDefinition(const NewIds& ids) {
     definition_.freeMap = maps_.add();
     for (RealIndex& index : definition_.realIndexes) {
         index.pages = maps_.add();
-        indexes_.push_back({KeyEncoder(definition_, index), {}});
+        indexes_.push_back({KeyEncoder(definition_, index), EntrySorter(), nullptr});
         for (const KeyEncoder::Part& part : indexes_.back().encoder.parts()) {
             const Column& column = definition_.columns[static_cast<std::size_t>(part.column)];
             if (!IsOrderKnown(column))
@@ -97,189 +129,209 @@ void TableCompaction::makeDefinition(const NewIds& ids) {
             continue;
         column.ownedMap = maps_.add();
         column.freeMap = maps_.add();
-        stores_.emplace_back(target_, column.ownedMap, column.freeMap);
     }
     for (LogicalIndex& index : definition_.logicalIndexes) {
         const auto other = ids.moved.find(static_cast<std::int32_t>(index.otherTable));
         index.otherTable = other == ids.moved.end() ? 0 : static_cast<PageNumber>(other->second);
     }
     hasGaps_ = definition_.columns.size() < definition_.columnNumbers;
-}
-
-// False: of an object that could not be read.
-bool TableCompaction::mapId(std::int32_t& id) const {
-    if (ids_->lost.count(id) != 0)
-        return false;
-    if (const auto moved = ids_->moved.find(id); moved != ids_->moved.end())
-        id = moved->second;
-    return true;
-}
-
-std::uint32_t& TableCompaction::place(RowPointer at) {
-    return places_[firstPlace_[at.page] + at.row];
-}
-
-void TableCompaction::collectKeys() {
-    firstPlace_.assign(source_.pageCount(), 0);
-    std::vector<Value> values(definition_.columns.size());
-    Bytes key;
-    PageNumber page = 0;
-    const auto visit = [&](RowPointer at, const RowView& row) {
-        if (at.page != page) {
-            page = at.page;
-            firstPlace_[page] = static_cast<std::uint32_t>(places_.size());
-            places_.resize(places_.size() +
-                           static_cast<std::size_t>(datapage::SlotCount(source_.read(page))));
-        }
-        for (std::size_t i = 0; i < indexes_.size(); ++i) {
-            for (const KeyEncoder::Part& part : indexes_[i].encoder.parts()) {
-                Value& value = values[static_cast<std::size_t>(part.column)];
-                try {
-                    from_.value(row, part.column, value);
-                } catch (const Error& error) {
-                    if (!IsDamage(error))
-                        throw;
-                    value = Value{}; // as the row will be stored
-                }
-                auto* id = part.column == idColumn_ ? std::get_if<std::int32_t>(&value) : nullptr;
-                if (id != nullptr && !mapId(*id))
-                    place(at) = leftOut;
-            }
-            const KeyKind kind = indexes_[i].encoder.encodeRow(values, key);
-            if (kind != KeyKind::AllNull || !definition_.realIndexes[i].ignoresNulls())
-                indexes_[i].entries.add(key, at);
-        }
-    };
-    WalkReadable(from_, visit, [this](PageNumber where, const Error& error) {
-        report(where, "could not be read: " + ErrorDetail(error));
-    });
-    for (Index& index : indexes_)
-        index.entries.sort();
-}
-
-// A damaged file can hold the same key twice; one row must go for the other to keep its unique index.
-void TableCompaction::dropDuplicates() {
-    for (std::size_t i = 0; i < indexes_.size(); ++i) {
-        if (!definition_.realIndexes[i].isUnique())
-            continue;
-        const IndexEntries& entries = indexes_[i].entries;
-        Bytes nulls;
-        indexes_[i].encoder.encodeLeading(std::vector<Value>(indexes_[i].encoder.parts().size()), nulls);
-        for (std::size_t first = 0; first < entries.size();) {
-            const std::size_t run = runOf(entries, first);
-            const KeyView key = entries.key(first);
-            const bool null = std::equal(key.begin(), key.end(), nulls.begin(), nulls.end());
-            bool kept = false;
-            for (std::size_t at = first; at < first + run && run > 1 && !null; ++at) {
-                std::uint32_t& where = place(entries.row(at));
-                if (where == leftOut)
-                    continue;
-                if (kept) {
-                    where = leftOut;
-                    report(entries.row(at).page,
-                           rowText(entries.row(at)) + " has the same key in a unique index as another row");
-                }
-                kept = true;
-            }
-            first += run;
-        }
-    }
-}
-
-void TableCompaction::copyRows() {
+    fixedLength_ = definition_.fixedLength();
     const LogicalIndex* primary = definition_.primaryKey();
-    if (primary != nullptr && !definition_.realIndexes[primary->real].ignoresNulls()) {
-        const IndexEntries& order = indexes_[primary->real].entries;
-        for (std::size_t i = 0; i < order.size(); ++i) {
-            RowView row;
-            if (from_.fetch(order.row(i), row))
-                copyRow(order.row(i), row);
-        }
-    } else {
-        const bool reported = !indexes_.empty();
-        WalkReadable(
-            from_, [this](RowPointer at, const RowView& row) { copyRow(at, row); },
-            [&](PageNumber where, const Error& error) {
-                if (!reported)
-                    report(where, "could not be read: " + ErrorDetail(error));
-            });
-    }
-    flushPage();
+    if (primary != nullptr && !definition_.realIndexes[primary->real].ignoresNulls())
+        order_ = static_cast<int>(primary->real);
 }
 
-void TableCompaction::copyRow(RowPointer at, const RowView& row) {
-    if (!indexes_.empty() && place(at) == leftOut)
-        return;
-    const bool hasVariables = definition_.variableColumns > 0;
-    row_.assign(row.all().begin(), row.all().end());
-    RowView copy(row_, row.page(), hasVariables);
-    bool whole = !hasGaps_;
-    std::size_t nextLong = 0;
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-        const Column& column = definition_.columns[i];
-        fields_[i] = {nullptr, &copy};
+// Makes the key of a row; what is damaged is null, as the row will be stored.
+KeyKind TableCompaction::makeKey(Pager& pager, const RowView& row, const KeyEncoder& encoder) {
+    try {
+        return encoder.encodeStored(pager, row, definition_.columns, key_);
+    } catch (const Error& error) {
+        if (!IsDamage(error))
+            throw;
+    }
+    return makeKeyOfValues(pager, row, encoder);
+}
+
+KeyKind TableCompaction::makeKeyOfValues(Pager& pager, const RowView& row, const KeyEncoder& encoder) {
+    for (const KeyEncoder::Part& part : encoder.parts()) {
+        Value& value = values_[static_cast<std::size_t>(part.column)];
         try {
-            if (column.isLong())
-                moveLongValue(stores_[nextLong], column, copy);
-            else
-                checkColumn(column, copy);
+            DecodeColumn(pager, row, definition_.columns[static_cast<std::size_t>(part.column)], value);
         } catch (const Error& error) {
             if (!IsDamage(error))
                 throw;
-            report(at.page, rowText(at) + " lost its '" + ToUtf8(column.name) + "': " + ErrorDetail(error));
-            fields_[i] = {};
-            whole = false;
+            value = Value{};
         }
-        nextLong += column.isLong() ? 1 : 0;
     }
-    if (idColumn_ >= 0 && !moveId(copy))
-        return;
-    RowPointer stored;
-    if (whole) {
-        stored = store(row_);
-    } else {
-        encoder_.encode(fields_, {}, encoded_);
-        stored = store(encoded_);
-    }
-    if (!indexes_.empty())
-        place(at) = packed(stored);
-    ++rows_;
+    return encoder.encodeRow(values_, key_);
 }
 
-// The stored Id, in the copy of the row.
-bool TableCompaction::moveId(const RowView& copy) {
-    const auto bytes = copy.bytes(definition_.columns[static_cast<std::size_t>(idColumn_)]);
-    if (bytes.size() != sizeof(std::int32_t))
+// Puts the keys that the rows of the source will have, with their places there, into order.
+void TableCompaction::sortRows(std::size_t index, EntrySorter& entries) {
+    const KeyEncoder& encoder = indexes_[index].encoder;
+    const auto isId = [this](const KeyEncoder::Part& part) { return part.column == idColumn_; };
+    const bool hasId = std::any_of(encoder.parts().begin(), encoder.parts().end(), isId);
+    const auto visit = [&](RowPointer at, const RowView& row) {
+        if (!left_.empty() && left_.count(at) != 0)
+            return;
+        if (hasId)
+            takeCopy(row);
+        if (hasId && !moveId())
+            return;
+        const KeyKind kind = makeKey(source_, hasId ? copy_ : row, encoder);
+        if (kind != KeyKind::AllNull || !definition_.realIndexes[index].ignoresNulls())
+            entries.add(key_, at);
+    };
+    WalkReadable(from_, visit, [this](PageNumber where, const Error& error) {
+        reportDamage(where, "could not be read", error);
+    });
+    entries.sort();
+}
+
+// One of the rows with equal keys must go for the other to keep its unique index: the first one stays.
+void TableCompaction::findDuplicates() {
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        if (!definition_.realIndexes[i].isUnique())
+            continue;
+        EntrySorter entries(SortMemory);
+        sortRows(i, entries);
+        Bytes before;
+        while (entries.next()) {
+            const KeyView key = entries.key();
+            if (!std::equal(key.begin(), key.end(), before.begin(), before.end())) {
+                before.assign(key.begin(), key.end());
+            } else if (!indexes_[i].encoder.isAllNull(key)) {
+                left_.insert(entries.row());
+                report(entries.row().page,
+                       rowText(entries.row()) + " has the same key in a unique index as another row");
+            }
+        }
+    }
+}
+
+bool TableCompaction::copyInOrder() {
+    const auto order = static_cast<std::size_t>(order_);
+    EntrySorter& entries = indexes_[order].entries;
+    sortRows(order, entries);
+    bool distinct = true;
+    while (entries.next()) {
+        RowView row;
+        RowPointer stored;
+        if (from_.fetch(entries.row(), row) && copyRow(entries.row(), row, stored))
+            distinct = addEntry(order, indexpage::EntryBuffer(entries.key(), stored).view()) && distinct;
+    }
+    entries = EntrySorter(0);
+    return distinct;
+}
+
+bool TableCompaction::copyAsTheyLie() {
+    const auto visit = [this](RowPointer at, const RowView& row) {
+        RowPointer stored;
+        if (left_.empty() || left_.count(at) == 0)
+            copyRow(at, row, stored);
+    };
+    WalkReadable(from_, visit, [this](PageNumber where, const Error& error) {
+        reportDamage(where, "could not be read", error);
+    });
+    return true;
+}
+
+void TableCompaction::takeCopy(const RowView& row) {
+    row_.assign(row.all().begin(), row.all().end());
+    copy_.moveTo(row_, row.page(), definition_.variableColumns > 0);
+}
+
+// False: the row stays behind.
+bool TableCompaction::copyRow(RowPointer at, const RowView& row, RowPointer& stored) {
+    takeCopy(row);
+    const bool whole = copyColumns(at) && !hasGaps_;
+    if (idColumn_ >= 0 && !moveId())
+        return false;
+    if (!whole) {
+        encoder_.encode(fields_, {}, encoded_);
+        std::fill(fields_.begin(), fields_.end(), RowEncoder::Field{nullptr, &copy_});
+    }
+    const Bytes& bytes = whole ? row_ : encoded_;
+    stored = store(bytes);
+    addKeys(bytes, stored);
+    ++rows_;
+    return true;
+}
+
+// Checks the columns and moves the long values. False: some are damaged, and not of the row any more.
+bool TableCompaction::copyColumns(RowPointer at) {
+    bool whole = true;
+    const auto guard = [&](std::size_t column, auto step) {
+        try {
+            step(definition_.columns[column]);
+        } catch (const Error& error) {
+            if (!IsDamage(error))
+                throw;
+            reportDamage(at.page,
+                         rowText(at) + " lost its '" + ToUtf8(definition_.columns[column].name) + '\'',
+                         error);
+            fields_[column] = {};
+            whole = false;
+        }
+    };
+    if (!copy_.holdsFixed(fixedLength_)) {
+        for (std::size_t i = 0; i < fields_.size(); ++i)
+            if (definition_.columns[i].isFixed())
+                guard(i, [this](const Column& column) { static_cast<void>(copy_.bytes(column)); });
+    }
+    for (const Variable& one : variables_) {
+        guard(one.column, [&](const Column& column) {
+            one.store != nullptr ? moveLongValue(*one.store, column) : checkColumn(column);
+        });
+    }
+    return whole;
+}
+
+// Keeps the keys of a new row for the indexes that are made when all rows are there.
+void TableCompaction::addKeys(std::span<const std::uint8_t> bytes, RowPointer stored) {
+    if (indexes_.size() == (order_ < 0 ? 0 : 1))
+        return;
+    const RowView row(bytes, stored.page, definition_.variableColumns > 0);
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        if (static_cast<int>(i) == order_)
+            continue;
+        const KeyKind kind = makeKey(target_, row, indexes_[i].encoder);
+        if (kind != KeyKind::AllNull || !definition_.realIndexes[i].ignoresNulls())
+            indexes_[i].entries.add(key_, stored);
+    }
+}
+
+// The stored Id, in the copy of the row. False: of an object that could not be read.
+bool TableCompaction::moveId() {
+    const Column& column = definition_.columns[static_cast<std::size_t>(idColumn_)];
+    if (!copy_.holdsFixed(fixedLength_) || copy_.bytes(column).size() != sizeof(std::int32_t))
         return true;
-    auto id = static_cast<std::int32_t>(Load32(bytes.data()));
-    const bool keep = mapId(id);
-    Store32(row_.data() + (bytes.data() - row_.data()), static_cast<std::uint32_t>(id));
-    return keep;
+    std::uint8_t* at = row_.data() + (copy_.bytes(column).data() - row_.data());
+    const auto id = static_cast<std::int32_t>(Load32(at));
+    if (const auto moved = ids_->moved.find(id); moved != ids_->moved.end())
+        Store32(at, static_cast<std::uint32_t>(moved->second));
+    return ids_->lost.count(id) == 0;
 }
 
 // Throws ReadVerification if the column's bytes are no value of its kind.
-void TableCompaction::checkColumn(const Column& column, const RowView& row) {
-    const auto bytes = row.bytes(column);
-    const bool free = column.type == ColumnType::Binary || column.type == ColumnType::Private;
-    const bool squeezed = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
-    const bool plain = column.isFixed() || free || row.isNull(column) ||
-                       (column.type == ColumnType::Text && (squeezed || bytes.size() % 2 == 0));
-    if (!plain)
-        DecodeStored(column, bytes, row.page(), value_);
+void TableCompaction::checkColumn(const Column& column) {
+    const auto bytes = copy_.bytes(column);
+    if (column.type == ColumnType::Text && !PlainText(bytes))
+        DecodeStored(column, bytes, copy_.page(), value_);
 }
 
 // Stores a long value in the new file and puts its new definition into the copy of the row, where it is as
 // long as the old one was.
-void TableCompaction::moveLongValue(LongValueStore& values, const Column& column, const RowView& copy) {
-    if (copy.isNull(column))
+void TableCompaction::moveLongValue(LongValueStore& values, const Column& column) {
+    const auto definition = copy_.bytes(column);
+    if (copy_.isNull(column) || InlineValue(definition))
         return;
-    const auto definition = copy.bytes(column);
-    LongValueReader reader(source_, definition, copy.page());
+    LongValueReader reader(source_, definition, copy_.page());
     if (reader.at().page == 0) {
         static_cast<void>(reader.next()); // throws if it is not all there
         return;
     }
-    ReadLongValue(source_, definition, copy.page(), longValue_);
+    ReadLongValue(source_, definition, copy_.page(), longValue_);
     values.write(longValue_, row_.data() + (definition.data() - row_.data()));
 }
 
@@ -304,34 +356,27 @@ void TableCompaction::flushPage() {
     free.add(page_.number);
 }
 
-void TableCompaction::buildIndexes() {
-    std::vector<std::uint32_t> rows;
+// Adds an entry of a new row to an index. False: it must not have the same key as the one before.
+bool TableCompaction::addEntry(std::size_t index, KeyView entry) {
+    const Index& one = indexes_[index];
+    return one.builder->add(entry) || !definition_.realIndexes[index].isUnique() ||
+           one.encoder.isAllNull(entry.first(entry.size() - indexpage::RowLength));
+}
+
+bool TableCompaction::buildIndexes() {
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        Index& index = indexes_[i];
+        index.entries.sort();
+        while (index.entries.next())
+            if (!addEntry(i, index.entries.entry()))
+                return false;
+        index.entries = EntrySorter(0);
+        index.builder->finish();
         RealIndex& definition = definition_.realIndexes[i];
-        definition.root = target_.allocate();
-        IndexTree tree(target_, definition.root, definition_.page, UsageMap(target_, definition.pages));
-        tree.create();
-        IndexBuilder builder(tree);
-        const IndexEntries& entries = indexes_[i].entries;
-        for (std::size_t first = 0; first < entries.size();) {
-            // Equal keys are ordered by where the rows lie now.
-            const std::size_t run = runOf(entries, first);
-            rows.clear();
-            for (std::size_t at = first; at < first + run; ++at) {
-                const std::uint32_t where = place(entries.row(at));
-                if (where != leftOut && where != 0)
-                    rows.push_back(where);
-            }
-            std::sort(rows.begin(), rows.end());
-            for (const std::uint32_t where : rows)
-                builder.add(entries.key(first), {where >> 8, static_cast<std::uint8_t>(where)});
-            first += run;
-        }
-        builder.finish();
-        definition.entriesWhenMade = builder.entryCount();
-        definition.distinctKeys = builder.distinctKeys();
-        indexes_[i].entries = {};
+        definition.entriesWhenMade = index.builder->entryCount();
+        definition.distinctKeys = index.builder->distinctKeys();
     }
+    return true;
 }
 
 } // namespace jet

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "jet/Compact.h"
+#include "jet/EntrySorter.h"
+#include "jet/Error.h"
 #include "jet/IndexBuilder.h"
 #include "jet/KeyEncoding.h"
 #include "jet/LongValue.h"
@@ -41,6 +43,9 @@ struct IdColumn {
 
 class TableCompaction {
 public:
+    // Bytes of memory that the keys of one table take while they are sorted.
+    static constexpr std::size_t SortMemory = std::size_t{64} << 20;
+
     // `to`: the page that the definition gets. `lost` gets what could not be saved.
     TableCompaction(Pager& source, const Table& from, Pager& target, PageNumber to, MapPages& maps,
                     const OnLoss& lost);
@@ -56,22 +61,31 @@ private:
     };
     struct Index {
         KeyEncoder encoder;
-        IndexEntries entries;
+        EntrySorter entries; // of the new rows
+        std::unique_ptr<IndexBuilder> builder;
     };
 
     void makeDefinition(const NewIds& ids);
-    void collectKeys();
-    void dropDuplicates();
-    void copyRows();
-    void copyRow(RowPointer at, const RowView& row);
-    void checkColumn(const Column& column, const RowView& row);
-    void moveLongValue(LongValueStore& values, const Column& column, const RowView& copy);
-    bool moveId(const RowView& copy);
-    bool mapId(std::int32_t& id) const;
+    bool copy();
+    void discard();
+    KeyKind makeKey(Pager& pager, const RowView& row, const KeyEncoder& encoder);
+    KeyKind makeKeyOfValues(Pager& pager, const RowView& row, const KeyEncoder& encoder);
+    void sortRows(std::size_t index, EntrySorter& entries);
+    void findDuplicates();
+    bool copyInOrder();
+    bool copyAsTheyLie();
+    void takeCopy(const RowView& row);
+    bool copyRow(RowPointer at, const RowView& row, RowPointer& stored);
+    bool copyColumns(RowPointer at);
+    void checkColumn(const Column& column);
+    void moveLongValue(LongValueStore& values, const Column& column);
+    bool moveId();
     RowPointer store(std::span<const std::uint8_t> row);
     void flushPage();
-    void buildIndexes();
-    std::uint32_t& place(RowPointer at);
+    void addKeys(std::span<const std::uint8_t> bytes, RowPointer stored);
+    bool addEntry(std::size_t index, KeyView entry);
+    bool buildIndexes();
+    void reportDamage(PageNumber page, const std::string& what, const Error& error);
     void report(PageNumber page, const std::string& reason);
 
     Pager& source_;
@@ -86,16 +100,27 @@ private:
     bool hasGaps_ = false; // columns were dropped: their data stays behind
 
     std::vector<Index> indexes_;
-    std::vector<std::uint32_t> firstPlace_; // by source page: where its slots begin in places_
-    std::vector<std::uint32_t> places_;     // where rows went, as stored pointers; 0: nowhere
-    std::vector<LongValueStore> stores_;    // by long column
+    int order_ = -1;            // the index whose order the rows get; -1: none
+    std::set<RowPointer> left_; // rows that do not go over
+    bool told_ = false;         // what is damaged was reported
+    // Columns whose bytes are looked at one by one: all but the fixed ones of rows that are long enough.
+    struct Variable {
+        std::size_t column;
+        std::unique_ptr<LongValueStore> store; // of a long one
+    };
+    std::vector<Variable> variables_;
+    int fixedLength_ = 0;
     Page page_;
     std::uint64_t rows_ = 0;
 
+    Bytes key_;
+    std::vector<Value> values_;
+    // Of the row that is being copied.
     Bytes row_;
+    RowView copy_;                          // of row_
+    std::vector<RowEncoder::Field> fields_; // what row_ has of each column: all, as a rule
     Bytes encoded_;
     Bytes longValue_;
-    std::vector<RowEncoder::Field> fields_;
     Value value_;
 };
 

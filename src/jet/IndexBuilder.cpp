@@ -2,7 +2,6 @@
 
 #include "jet/Damage.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace jet {
@@ -11,110 +10,37 @@ using namespace indexpage;
 
 namespace {
 
-// The first bytes of an entry as a number that orders like them.
-std::uint64_t headOf(KeyView entry) {
-    std::uint64_t head = 0;
-    for (std::size_t i = 0; i < 8; ++i)
-        head = head << 8 | (i < entry.size() ? entry[i] : 0u);
-    return head;
-}
-
-int compareBytes(KeyView a, KeyView b) {
-    const int order = std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
-    return order != 0 ? order : a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
-}
-
 bool sameKey(KeyView a, KeyView b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() - RowLength) == 0;
 }
 
-RowPointer rowOf(KeyView entry) {
-    EntryBuffer buffer;
-    std::memcpy(buffer.bytes, entry.data(), entry.size());
-    buffer.size = entry.size();
-    return buffer.row();
-}
-
 } // namespace
-
-void IndexEntries::add(KeyView key, RowPointer row) {
-    const EntryBuffer entry(key, row);
-    places_.push_back({headOf(entry.view()), bytes_.size(), static_cast<std::uint32_t>(entry.size)});
-    bytes_.insert(bytes_.end(), entry.bytes, entry.bytes + entry.size);
-}
-
-// Keys of one index often begin alike; what they have in common says nothing about their order, so the heads
-// are taken from behind it.
-void IndexEntries::sort() {
-    if (places_.empty())
-        return;
-    const KeyView first = entry(places_.front());
-    std::size_t common = first.size();
-    for (const Place& place : places_) {
-        const KeyView other = entry(place);
-        common = std::min(common, other.size());
-        if (std::memcmp(first.data(), other.data(), common) != 0)
-            common = static_cast<std::size_t>(
-                std::mismatch(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(common),
-                              other.begin())
-                    .first -
-                first.begin());
-    }
-    for (Place& place : places_)
-        place.head = headOf(entry(place).subspan(common));
-    const auto before = [this](const Place& a, const Place& b) {
-        return a.head != b.head ? a.head < b.head : compareBytes(entry(a), entry(b)) < 0;
-    };
-    if (!std::is_sorted(places_.begin(), places_.end(), before))
-        std::sort(places_.begin(), places_.end(), before);
-}
-
-bool IndexEntries::findDuplicate(const std::function<bool(KeyView)>& skip, RowPointer& one,
-                                 RowPointer& other) const {
-    for (std::size_t i = 1; i < places_.size(); ++i) {
-        if (!sameKey(entry(places_[i - 1]), entry(places_[i])) || (skip && skip(key(i))))
-            continue;
-        one = row(i - 1);
-        other = row(i);
-        return true;
-    }
-    return false;
-}
-
-KeyView IndexEntries::key(std::size_t index) const {
-    const KeyView whole = entry(places_[index]);
-    return whole.first(whole.size() - RowLength);
-}
-
-RowPointer IndexEntries::row(std::size_t index) const {
-    return rowOf(entry(places_[index]));
-}
 
 IndexBuilder::IndexBuilder(const IndexTree& tree)
     : tree_(tree)
     , map_(tree.pages()) {}
 
-void IndexBuilder::add(KeyView key, RowPointer row) {
-    const EntryBuffer entry(key, row);
+bool IndexBuilder::add(KeyView entry) {
+    bool isNew = true;
     if (leaf_.count() > 0) {
         const KeyView last = leaf_[leaf_.count() - 1];
-        if (compareBytes(last, entry.view()) >= 0)
+        if (CompareEntries(last, entry) >= 0)
             Damaged(tree_.root(), "is to be the root of an index whose entries are out of order");
-        distinct_ += sameKey(last, entry.view()) ? 0 : 1;
-    } else {
-        distinct_ = 1;
+        isNew = !sameKey(last, entry);
     }
     ++entries_;
-    leaf_.add(entry.view());
+    distinct_ += isNew ? 1 : 0;
+    leaf_.add(entry);
     if (leaf_.bytes.size() <= Capacity || Fits(leaf_, {0, leaf_.count()}, true))
-        return;
+        return isNew;
     // The entry begins the next leaf.
     leaf_.removeLast();
     const PageNumber page = page_ != 0 ? page_ : allocate();
     page_ = allocate();
     writeLeaf(page, page_);
     leaf_.clear();
-    leaf_.add(entry.view());
+    leaf_.add(entry);
+    return isNew;
 }
 
 void IndexBuilder::finish() {

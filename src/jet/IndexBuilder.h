@@ -4,41 +4,16 @@
 
 #include "jet/IndexTree.h"
 
-#include <functional>
-
 namespace jet {
-
-// Entries in any order, to be sorted in memory before they go into a new tree.
-class IndexEntries {
-public:
-    void add(KeyView key, RowPointer row);
-    std::size_t size() const { return places_.size(); }
-    void sort();
-    // After sort(): the first two rows with equal keys, neither of them null throughout as `skip` may say;
-    // false if there are none.
-    bool findDuplicate(const std::function<bool(KeyView)>& skip, RowPointer& one, RowPointer& other) const;
-    KeyView key(std::size_t index) const;
-    RowPointer row(std::size_t index) const;
-
-private:
-    struct Place {
-        std::uint64_t head; // first bytes of the entry, for comparing at once
-        std::uint64_t at;   // in bytes_
-        std::uint32_t length;
-    };
-    KeyView entry(const Place& place) const { return {bytes_.data() + place.at, place.length}; }
-
-    Bytes bytes_;
-    std::vector<Place> places_;
-};
 
 // Fills an empty tree with entries that come in order: every leaf is full.
 class IndexBuilder {
 public:
     // The tree was just created or cleared.
     explicit IndexBuilder(const IndexTree& tree);
-    // Throws ReadVerification if the entry is not above the one before, RecordTooLarge for a key too long.
-    void add(KeyView key, RowPointer row);
+    // `entry`: key and row pointer. False: its key is that of the entry before. Throws ReadVerification if
+    // the entry is not above that one.
+    bool add(KeyView entry);
     // Writes what is left. To be called once; nothing can be added afterwards.
     void finish();
 

@@ -177,9 +177,7 @@ std::size_t commonPrefix(const Entries& entries, Range range, bool leaf) {
     const KeyView first = entries[range.first];
     const KeyView last = entries[range.first + range.count - 1];
     const std::size_t limit = std::min(first.size(), last.size()) - 1 - (leaf ? 0 : ChildLength);
-    return static_cast<std::size_t>(
-        std::mismatch(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(limit), last.begin()).first -
-        first.begin());
+    return SharedLength(first.first(limit), last.first(limit));
 }
 
 std::size_t totalBytes(const Entries& entries, Range range) {
@@ -190,10 +188,7 @@ std::size_t totalBytes(const Entries& entries, Range range) {
 
 EntryBuffer::EntryBuffer(KeyView key, RowPointer row)
     : size(key.size() + RowLength) {
-    if (size > MaximumEntry)
-        throw Error(ErrorNumber::RecordTooLarge, "the row's key in an index is too long");
-    std::memcpy(bytes, key.data(), key.size());
-    storeHighFirst(bytes + key.size(), row.page << 8 | row.row);
+    WriteEntry(key, row, bytes);
 }
 
 void EntryBuffer::addChild(PageNumber child) {
@@ -202,7 +197,36 @@ void EntryBuffer::addChild(PageNumber child) {
 }
 
 RowPointer EntryBuffer::row() const {
-    const std::uint32_t pointer = loadHighFirst(bytes + size - RowLength);
+    return RowOf(view());
+}
+
+void WriteEntry(KeyView key, RowPointer row, std::uint8_t* into) {
+    if (key.size() + RowLength > MaximumEntry)
+        throw Error(ErrorNumber::RecordTooLarge, "the row's key in an index is too long");
+    std::memcpy(into, key.data(), key.size());
+    storeHighFirst(into + key.size(), row.page << 8 | row.row);
+}
+
+int CompareEntries(KeyView a, KeyView b) {
+    const int order = std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
+    return order != 0 ? order : a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
+std::size_t SharedLength(KeyView a, KeyView b) {
+    const std::size_t limit = std::min(a.size(), b.size());
+    std::size_t shared = 0;
+    for (; shared + 8 <= limit; shared += 8) {
+        const std::uint64_t difference = Load64(a.data() + shared) ^ Load64(b.data() + shared);
+        if (difference != 0)
+            return shared + static_cast<std::size_t>(std::countr_zero(difference)) / 8;
+    }
+    while (shared < limit && a[shared] == b[shared])
+        ++shared;
+    return shared;
+}
+
+RowPointer RowOf(KeyView entry) {
+    const std::uint32_t pointer = loadHighFirst(entry.data() + entry.size() - RowLength);
     return {pointer >> 8, static_cast<std::uint8_t>(pointer)};
 }
 

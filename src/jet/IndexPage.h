@@ -40,6 +40,16 @@ struct EntryBuffer {
     RowPointer row() const;
 };
 
+// Writes a leaf's entry, as many bytes as key and row pointer have. Throws RecordTooLarge, and writes
+// nothing, for one longer than MaximumEntry.
+void WriteEntry(KeyView key, RowPointer row, std::uint8_t* into);
+// The order of entries; below 0, 0 or above.
+int CompareEntries(KeyView a, KeyView b);
+// How many bytes they begin with alike.
+std::size_t SharedLength(KeyView a, KeyView b);
+// The row pointer at the end of a leaf's entry.
+RowPointer RowOf(KeyView entry);
+
 struct Head {
     bool leaf = true;
     int level = 0; // 0: leaf

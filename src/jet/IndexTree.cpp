@@ -40,10 +40,7 @@ void IndexTree::clear() {
 }
 
 void IndexTree::destroy() {
-    const std::vector<PageNumber> all = pages_.pages();
-    pages_.clear();
-    for (const PageNumber page : all)
-        pager_->release(page);
+    pages_.release();
 }
 
 bool IndexTree::contains(KeyView key) const {

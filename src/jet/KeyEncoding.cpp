@@ -2,7 +2,9 @@
 
 #include "jet/Collation.h"
 #include "jet/Damage.h"
+#include "jet/TextCompression.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -31,30 +33,48 @@ void invertFrom(Bytes& bytes, std::size_t start) {
         bytes[i] = static_cast<std::uint8_t>(~bytes[i]);
 }
 
-// Highest byte first.
-template<typename Unsigned>
-void appendNumber(Unsigned number, Bytes& into) {
-    std::uint8_t bytes[sizeof(Unsigned)];
-    for (std::size_t i = 0; i < sizeof(Unsigned); ++i)
-        bytes[i] = static_cast<std::uint8_t>(number >> 8 * (sizeof(Unsigned) - 1 - i));
-    into.insert(into.end(), bytes, bytes + sizeof(Unsigned));
-}
-
-// With the sign bit turned over negative numbers come before the others.
+// Numbers that order as the values do: with the sign bit turned over negative ones come before the others.
 template<typename Signed>
-void appendSigned(Signed number, Bytes& into) {
+auto orderOf(Signed number) {
     using Unsigned = std::make_unsigned_t<Signed>;
     constexpr auto Sign = static_cast<Unsigned>(Unsigned{1} << (8 * sizeof(Unsigned) - 1));
-    appendNumber(static_cast<Unsigned>(static_cast<Unsigned>(number) ^ Sign), into);
+    return static_cast<Unsigned>(static_cast<Unsigned>(number) ^ Sign);
 }
 
 template<typename Unsigned, typename Float>
-void appendFloat(Float number, Bytes& into) {
+Unsigned orderOfFloat(Float number) {
     if (std::isnan(number))
         throw Error(ErrorNumber::InvalidArgument, "a number that is none cannot be ordered in an index");
     constexpr auto Sign = Unsigned{1} << (8 * sizeof(Unsigned) - 1);
     const auto bits = std::bit_cast<Unsigned>(number == 0 ? Float{0} : number); // one zero, not two
-    appendNumber(static_cast<Unsigned>((bits & Sign) == 0 ? bits | Sign : ~bits), into);
+    return (bits & Sign) == 0 ? bits | Sign : ~bits;
+}
+
+std::uint32_t orderOf(float number) {
+    return orderOfFloat<std::uint32_t>(number);
+}
+
+std::uint64_t orderOf(double number) {
+    return orderOfFloat<std::uint64_t>(number);
+}
+
+// The whole code of a number: the highest byte comes first.
+template<typename Unsigned>
+void appendCode(bool ascending, Unsigned order, Bytes& into) {
+    std::uint8_t bytes[1 + sizeof(Unsigned)] = {ascending ? ValueAscending : ValueDescending};
+    if (!ascending)
+        order = static_cast<Unsigned>(~order);
+    for (std::size_t i = 0; i < sizeof(Unsigned); ++i)
+        bytes[1 + i] = static_cast<std::uint8_t>(order >> 8 * (sizeof(Unsigned) - 1 - i));
+    into.insert(into.end(), bytes, bytes + sizeof bytes);
+}
+
+// Makes the code of a text out of its ascending key, which was appended behind a mark at `start`.
+void finishText(bool ascending, std::size_t start, Bytes& into) {
+    if (ascending)
+        return;
+    invertFrom(into, start + 1);
+    into.push_back(0);
 }
 
 // Segments of 8 bytes, each followed by a byte that says that more come or how many of the 8 count.
@@ -87,64 +107,104 @@ void appendNumeric(const Numeric& number, bool ascending, Bytes& into) {
     into.push_back(number.negative ? 0x00 : 0xFF);
     const std::size_t start = into.size();
     for (const std::uint32_t word : number.words)
-        appendNumber(word, into);
+        for (int shift = 24; shift >= 0; shift -= 8)
+            into.push_back(static_cast<std::uint8_t>(word >> shift));
     if (number.negative == ascending)
         invertFrom(into, start);
+}
+
+// Never null: a null one is stored as false.
+void appendBoolean(bool value, bool ascending, Bytes& into) {
+    appendCode(ascending, static_cast<std::uint8_t>(value ? 0x00 : 0xFF), into);
 }
 
 } // namespace
 
 void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into) {
-    if (IsNull(value) && type != ColumnType::Boolean) {
+    if (type == ColumnType::Boolean)
+        return appendBoolean(!IsNull(value) && valueOf<bool>(value), ascending, into);
+    if (IsNull(value)) {
         into.push_back(ascending ? NullAscending : NullDescending);
         return;
     }
-    into.push_back(ascending ? ValueAscending : ValueDescending);
+    const std::uint8_t mark = ascending ? ValueAscending : ValueDescending;
     const std::size_t start = into.size();
     switch (type) {
-    case ColumnType::Boolean: // never null: a null one is stored as false
-        into.push_back(!IsNull(value) && valueOf<bool>(value) ? 0x00 : 0xFF);
-        break;
     case ColumnType::Byte:
-        into.push_back(valueOf<std::uint8_t>(value));
-        break;
+        return appendCode(ascending, valueOf<std::uint8_t>(value), into);
     case ColumnType::Integer:
-        appendSigned(valueOf<std::int16_t>(value), into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<std::int16_t>(value)), into);
     case ColumnType::Long:
-        appendSigned(valueOf<std::int32_t>(value), into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<std::int32_t>(value)), into);
     case ColumnType::Currency:
-        appendSigned(valueOf<Currency>(value).tenThousandths, into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<Currency>(value).tenThousandths), into);
     case ColumnType::Single:
-        appendFloat<std::uint32_t>(valueOf<float>(value), into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<float>(value)), into);
     case ColumnType::Double:
-        appendFloat<std::uint64_t>(valueOf<double>(value), into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<double>(value)), into);
     case ColumnType::DateTime:
-        appendFloat<std::uint64_t>(valueOf<Date>(value).days, into);
-        break;
+        return appendCode(ascending, orderOf(valueOf<Date>(value).days), into);
     case ColumnType::Text:
     case ColumnType::Memo:
+        into.push_back(mark);
         AppendTextKey(valueOf<std::u16string>(value), into);
-        break;
+        return finishText(ascending, start, into);
     case ColumnType::Binary:
+        into.push_back(mark);
         return appendBinary(valueOf<Bytes>(value), ascending, into);
     case ColumnType::Guid:
+        into.push_back(mark);
         return appendGuid(valueOf<Guid>(value), ascending, into);
     case ColumnType::Numeric:
+        into.push_back(mark);
         return appendNumeric(valueOf<Numeric>(value), ascending, into);
     default:
         throw Error(ErrorNumber::InvalidArgument, "a column of this type cannot be indexed");
     }
-    if (ascending)
-        return;
-    invertFrom(into, start);
-    if (type == ColumnType::Text || type == ColumnType::Memo)
-        into.push_back(0);
 }
+
+namespace {
+
+// The same for a column of a row. Numbers and plain texts do not become values on the way.
+void appendStoredKey(Pager& pager, const RowView& row, const Column& column, bool ascending, Bytes& into) {
+    if (column.type == ColumnType::Boolean)
+        return appendBoolean(row.boolean(column), ascending, into);
+    if (row.isNull(column)) {
+        into.push_back(ascending ? NullAscending : NullDescending);
+        return;
+    }
+    const auto bytes = row.bytes(column);
+    const auto code = [&](auto order) { appendCode(ascending, order, into); };
+    const std::uint8_t* at = bytes.data();
+    if (column.type == ColumnType::Long && bytes.size() == 4)
+        return code(orderOf(static_cast<std::int32_t>(Load32(at))));
+    if (column.type == ColumnType::Integer && bytes.size() == 2)
+        return code(orderOf(static_cast<std::int16_t>(Load16(at))));
+    if (column.type == ColumnType::DateTime && bytes.size() == 8)
+        return code(orderOf(std::bit_cast<double>(Load64(at))));
+    if (column.type == ColumnType::Text) {
+        if (const auto plain = PlainText(bytes)) {
+            const std::size_t start = into.size();
+            into.push_back(ascending ? ValueAscending : ValueDescending);
+            AppendTextKey(*plain, into);
+            return finishText(ascending, start, into);
+        }
+    }
+    Value value;
+    DecodeColumn(pager, row, column, value);
+    AppendKey(column.type, ascending, value, into);
+}
+
+KeyKind kindOf(std::size_t nulls, std::size_t parts) {
+    return nulls == 0 ? KeyKind::Plain : nulls == parts ? KeyKind::AllNull : KeyKind::HasNull;
+}
+
+void checkLength(const Bytes& key) {
+    if (key.size() > MaximumKeyLength)
+        throw Error(ErrorNumber::RecordTooLarge, "the row's key in an index is too long");
+}
+
+} // namespace
 
 bool IsOrderKnown(const Column& column) {
     if (column.isText())
@@ -170,9 +230,21 @@ KeyKind KeyEncoder::encodeRow(std::span<const Value> row, Bytes& key) const {
         nulls += IsNull(value) && part.type != ColumnType::Boolean ? 1 : 0;
         AppendKey(part.type, part.ascending, value, key);
     }
-    if (key.size() > MaximumKeyLength)
-        throw Error(ErrorNumber::RecordTooLarge, "the row's key in an index is too long");
-    return nulls == 0 ? KeyKind::Plain : nulls == parts_.size() ? KeyKind::AllNull : KeyKind::HasNull;
+    checkLength(key);
+    return kindOf(nulls, parts_.size());
+}
+
+KeyKind KeyEncoder::encodeStored(Pager& pager, const RowView& row, std::span<const Column> columns,
+                                 Bytes& key) const {
+    key.clear();
+    std::size_t nulls = 0;
+    for (const Part& part : parts_) {
+        const Column& column = columns[static_cast<std::size_t>(part.column)];
+        nulls += row.isNull(column) ? 1 : 0;
+        appendStoredKey(pager, row, column, part.ascending, key);
+    }
+    checkLength(key);
+    return kindOf(nulls, parts_.size());
 }
 
 void KeyEncoder::encodeLeading(std::span<const Value> values, Bytes& key) const {
@@ -183,6 +255,14 @@ void KeyEncoder::encodeLeading(std::span<const Value> values, Bytes& key) const 
     key.clear();
     for (std::size_t i = 0; i < values.size(); ++i)
         AppendKey(parts_[i].type, parts_[i].ascending, values[i], key);
+}
+
+bool KeyEncoder::isAllNull(std::span<const std::uint8_t> key) const {
+    return std::equal(key.begin(), key.end(), parts_.begin(), parts_.end(),
+                      [](std::uint8_t code, const Part& part) {
+                          return part.type != ColumnType::Boolean &&
+                                 code == (part.ascending ? NullAscending : NullDescending);
+                      });
 }
 
 } // namespace jet

@@ -3,7 +3,7 @@
 // no other code, so the key of the leading columns is a prefix of the whole key.
 #pragma once
 
-#include "jet/TableDefinition.h"
+#include "jet/Row.h"
 
 #include <span>
 
@@ -47,9 +47,14 @@ public:
     // Replaces `key` by the key of a row. Throws as AppendKey() does, or RecordTooLarge above
     // MaximumKeyLength.
     KeyKind encodeRow(std::span<const Value> row, Bytes& key) const;
+    // The same for a row as it is stored; `columns`: those of the table's definition. Throws ReadVerification
+    // for bytes that are no value, too. Cost: no memory is taken for numbers and plain texts.
+    KeyKind encodeStored(Pager& pager, const RowView& row, std::span<const Column> columns, Bytes& key) const;
     // Replaces `key` by the key of values given in the order of the index's columns. With fewer values than
     // columns it is the prefix that all keys with these values begin with.
     void encodeLeading(std::span<const Value> values, Bytes& key) const;
+    // Whether it is the key of rows in which all columns are null.
+    bool isAllNull(std::span<const std::uint8_t> key) const;
 
 private:
     std::vector<Part> parts_;

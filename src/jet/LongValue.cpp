@@ -74,6 +74,16 @@ void putDefinition(std::uint8_t* at, std::uint32_t head, RowPointer first, std::
 
 } // namespace
 
+std::optional<std::span<const std::uint8_t>> InlineValue(std::span<const std::uint8_t> definition) {
+    if (definition.size() < LongValueDefinitionLength)
+        return std::nullopt;
+    const std::uint32_t head = Load32(definition.data());
+    const auto data = definition.subspan(LongValueDefinitionLength);
+    if ((head & InlineKind) == 0 || (head & LengthMask) > data.size())
+        return std::nullopt;
+    return data.first(head & LengthMask);
+}
+
 LongValueReader::LongValueReader(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page)
     : pager_(&pager)
     , from_(page) {

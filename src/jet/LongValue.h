@@ -5,12 +5,16 @@
 #include "jet/RowSpace.h"
 #include "jet/Value.h"
 
+#include <optional>
 #include <span>
 
 namespace jet {
 
 inline constexpr std::size_t MaximumInlineLength = 64;
 inline constexpr std::size_t LongValueDefinitionLength = 12;
+
+// A value that follows its definition at once; nothing for one that lies elsewhere or for a bad definition.
+std::optional<std::span<const std::uint8_t>> InlineValue(std::span<const std::uint8_t> definition);
 
 // Reads a long value piece by piece: nothing but the definition is read to begin with. The definition's bytes
 // must live as long as the reader. Throws ReadVerification on a bad definition, chain or page.

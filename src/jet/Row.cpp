@@ -98,25 +98,27 @@ void appendStored(const Column& column, const Value& value, Bytes& into) {
 
 } // namespace
 
-RowView::RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns)
-    : bytes_(bytes)
-    , page_(page) {
+void RowView::moveTo(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns) {
+    bytes_ = bytes;
+    kept_.reset();
+    page_ = page;
+    variables_ = variableEnd_ = 0;
     const int length = static_cast<int>(bytes.size());
-    if (length < CountLength)
+    if (length < FixedBegin)
         Damaged(page, "a row is too short");
     columns_ = Load16(bytes.data());
     mask_ = length - (columns_ + 7) / 8;
-    if (mask_ < CountLength)
+    if (mask_ < FixedBegin)
         Damaged(page, "a row is too short for its columns");
     if (!hasVariableColumns)
         return;
     // A row from before the first variable column was appended has no such part, and then no column asks for
     // it.
     variableEnd_ = mask_ - 2;
-    if (variableEnd_ < CountLength)
+    if (variableEnd_ < FixedBegin)
         return;
     variables_ = Load16(bytes.data() + variableEnd_);
-    if (variableEnd_ - 2 - 2 * variables_ < CountLength)
+    if (variableEnd_ - 2 - 2 * variables_ < FixedBegin)
         variables_ = 0;
 }
 
@@ -125,11 +127,6 @@ void RowView::keep() const {
         return;
     kept_ = std::make_shared<const Bytes>(bytes_.begin(), bytes_.end());
     bytes_ = *kept_;
-}
-
-bool RowView::maskBit(int number) const {
-    const int at = mask_ + number / 8;
-    return number < columns_ && (bytes_[static_cast<std::size_t>(at)] >> number % 8 & 1) != 0;
 }
 
 bool RowView::isNull(const Column& column) const {
@@ -141,14 +138,14 @@ bool RowView::isNull(const Column& column) const {
 std::span<const std::uint8_t> RowView::bytes(const Column& column) const {
     if (column.type == ColumnType::Boolean || isNull(column))
         return {};
-    int begin = CountLength + column.fixedOffset;
+    int begin = FixedBegin + column.fixedOffset;
     int end = begin + column.size;
     if (!column.isFixed()) {
         const std::uint8_t* offset = bytes_.data() + variableEnd_ - 2 - 2 * column.variableIndex;
         begin = Load16(offset);
         end = Load16(offset - 2);
     }
-    if (begin < CountLength || begin > end || end > mask_)
+    if (begin < FixedBegin || begin > end || end > mask_)
         Damaged(page_, "column '" + ToUtf8(column.name) + "' lies outside its row");
     return bytes_.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
 }

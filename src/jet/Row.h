@@ -19,7 +19,11 @@ class RowView {
 public:
     RowView() = default;
     // Throws ReadVerification, naming `page`, if the parts of the row do not fit into its bytes.
-    RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns);
+    RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns) {
+        moveTo(bytes, page, hasVariableColumns);
+    }
+    // Makes it the view of another row.
+    void moveTo(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns);
 
     // Null as stored. A Boolean is never null.
     bool isNull(const Column& column) const;
@@ -27,6 +31,9 @@ public:
     // the long value (LongValue.h). A Boolean has no bytes.
     std::span<const std::uint8_t> bytes(const Column& column) const;
     bool boolean(const Column& column) const { return maskBit(column.number); }
+    // Whether the row has room for fixed columns of this length (TableDefinition::fixedLength()): then
+    // bytes() throws for none of them.
+    bool holdsFixed(int length) const { return length <= mask_ - FixedBegin; }
     // All bytes of the row.
     std::span<const std::uint8_t> all() const { return bytes_; }
     PageNumber page() const { return page_; }
@@ -34,7 +41,12 @@ public:
     void keep() const;
 
 private:
-    bool maskBit(int number) const;
+    static constexpr int FixedBegin = 2; // the column count comes before the fixed columns
+
+    bool maskBit(int number) const {
+        const int at = mask_ + number / 8;
+        return number < columns_ && (bytes_[static_cast<std::size_t>(at)] >> number % 8 & 1) != 0;
+    }
 
     mutable std::span<const std::uint8_t> bytes_;
     mutable std::shared_ptr<const Bytes> kept_;

@@ -51,7 +51,7 @@ bool Table::view(const std::uint8_t* page, RowPointer at, RowView& row) const {
         if (!slot.hidden || slot.pointer)
             Damaged(at.page, "row " + std::to_string(at.row) + " points to no row");
     }
-    row = RowView(datapage::BytesOf(page, slot), number, definition_->variableColumns > 0);
+    row.moveTo(datapage::BytesOf(page, slot), number, definition_->variableColumns > 0);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "jet/TableDesign.h"
 
 #include "jet/DesignEditor.h"
+#include "jet/EntrySorter.h"
 #include "jet/Error.h"
 #include "jet/IndexBuilder.h"
 #include "jet/KeyEncoding.h"
@@ -58,36 +59,21 @@ void fill(const Table& table, TableDefinition& definition, int realIndex) {
     Pager& pager = table.pager();
     RealIndex& index = definition.realIndexes.at(static_cast<std::size_t>(realIndex));
     const KeyEncoder encoder(definition, index);
-    IndexEntries entries;
-    std::vector<Value> values(definition.columns.size());
+    EntrySorter entries;
     Bytes key;
     RowPointer at;
     for (RowView row; table.next(at, row);) {
-        for (const KeyEncoder::Part& part : encoder.parts()) {
-            const auto column = static_cast<std::size_t>(part.column);
-            DecodeColumn(pager, row, definition.columns[column], values[column]);
-        }
-        const KeyKind kind = encoder.encodeRow(values, key);
+        const KeyKind kind = encoder.encodeStored(pager, row, definition.columns, key);
         if (index.isRequired() && kind != KeyKind::Plain)
             throw Error(ErrorNumber::NullNotAllowed);
         if (!index.ignoresNulls() || kind != KeyKind::AllNull)
             entries.add(key, at);
     }
     entries.sort();
-    if (index.isUnique()) {
-        Bytes allNull;
-        encoder.encodeLeading(std::vector<Value>(encoder.parts().size()), allNull);
-        RowPointer one, other;
-        if (entries.findDuplicate(
-                [&](KeyView each) {
-                    return std::equal(each.begin(), each.end(), allNull.begin(), allNull.end());
-                },
-                one, other))
-            throw Error(ErrorNumber::DuplicateKey);
-    }
     IndexBuilder builder(IndexTree(pager, index.root, definition.page, UsageMap(pager, index.pages)));
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        builder.add(entries.key(i), entries.row(i));
+    while (entries.next())
+        if (!builder.add(entries.entry()) && index.isUnique() && !encoder.isAllNull(entries.key()))
+            throw Error(ErrorNumber::DuplicateKey);
     builder.finish();
     index.entriesWhenMade = builder.entryCount();
     index.distinctKeys = builder.distinctKeys();

@@ -57,6 +57,12 @@ bool DecodeText(std::span<const std::uint8_t> bytes, std::u16string& into) {
     return true;
 }
 
+std::optional<std::span<const std::uint8_t>> PlainText(std::span<const std::uint8_t> bytes) {
+    if (!isMarked(bytes) || std::memchr(bytes.data() + 2, 0, bytes.size() - 2) != nullptr)
+        return std::nullopt;
+    return bytes.subspan(2);
+}
+
 void EncodeText(std::u16string_view text, bool compress, Bytes& into) {
     while (!text.empty() && text.front() == MarkUnit)
         text.remove_prefix(1); // its bytes would be taken for the mark

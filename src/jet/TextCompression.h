@@ -3,12 +3,17 @@
 
 #include "jet/Value.h"
 
+#include <optional>
 #include <span>
 
 namespace jet {
 
 // Decodes stored text into `into` (replaced, memory used again). False: the bytes are no text (odd length).
 bool DecodeText(std::span<const std::uint8_t> bytes, std::u16string& into);
+
+// The bytes of a text that was squeezed without switching, each a character of that number (never zero);
+// nothing for other forms.
+std::optional<std::span<const std::uint8_t>> PlainText(std::span<const std::uint8_t> bytes);
 
 // Appends the stored form of `text`; `compress`: the column allows squeezing.
 void EncodeText(std::u16string_view text, bool compress, Bytes& into);

@@ -234,6 +234,13 @@ void UsageMap::clear() {
         pager_->release(bitmap);
 }
 
+void UsageMap::release() {
+    const std::vector<PageNumber> all = pages();
+    clear();
+    for (const PageNumber page : all)
+        pager_->release(page);
+}
+
 bool FreeMap::isFree(PageNumber page) const {
     return stretchOf(*pager_, readRow(*pager_, row_), page).has(page);
 }

@@ -39,6 +39,8 @@ public:
     std::vector<PageNumber> bitmapPages() const;
     // Removes all pages from the map and frees its bitmap pages. The pages themselves are the caller's.
     void clear();
+    // The same, and the pages are freed.
+    void release();
 
 private:
     Pager* pager_;

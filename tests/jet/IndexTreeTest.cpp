@@ -1,5 +1,6 @@
 // Index trees against a sorted set in memory, with the checker over the whole tree after each batch.
 #include "jet/DataPage.h"
+#include "jet/EntrySorter.h"
 #include "jet/Error.h"
 #include "jet/IndexBuilder.h"
 #include "jet/IndexCheck.h"
@@ -217,17 +218,29 @@ TEST_P(RandomTree, IsBuiltFromBelow) {
     for (const std::size_t count : {0, 1, 2, 40, GetParam().entries}) {
         while (model_.size() < count)
             model_.emplace(key(), row());
-        IndexEntries entries;
         std::vector<Entry> shuffled(model_.begin(), model_.end());
         std::shuffle(shuffled.begin(), shuffled.end(), random_);
-        for (const auto& [one, at] : shuffled)
-            entries.add(one, at);
-        entries.sort();
-        tree_->clear();
-        IndexBuilder builder(tree_.tree);
-        for (std::size_t i = 0; i < entries.size(); ++i)
-            builder.add(entries.key(i), entries.row(i));
-        builder.finish();
+        const auto build = [&](Tree& tree, std::size_t memory) {
+            EntrySorter entries(memory);
+            for (const auto& [one, at] : shuffled)
+                entries.add(one, at);
+            entries.sort();
+            tree->clear();
+            IndexBuilder builder(tree.tree);
+            while (entries.next())
+                builder.add(entries.entry());
+            builder.finish();
+            EXPECT_EQ(entries.size(), model_.size());
+            return builder;
+        };
+        const IndexBuilder builder = build(tree_, EntrySorter::DefaultMemory);
+        Tree inMemory;
+        build(inMemory, EntrySorter::DefaultMemory);
+        for (const std::size_t memory : {20, 3000, 20000}) { // runs of one entry, of some, of many
+            Tree ofRuns;
+            build(ofRuns, memory);
+            EXPECT_TRUE(ofRuns.pager.image() == inMemory.pager.image()) << memory;
+        }
         EXPECT_EQ(builder.entryCount(), model_.size());
         std::size_t distinct = 0;
         for (auto one = model_.begin(); one != model_.end();
