@@ -3,6 +3,7 @@
 #include "platform/Paths.h"
 
 #include "platform/Files.h"
+#include "platform/NetworkMounts.h"
 
 #include <QStorageInfo>
 
@@ -14,12 +15,6 @@ namespace tolvex::platform {
 namespace {
 
 // File systems by the names the kernel lists them under.
-constexpr const char* remoteSystems[] = {
-    "9p",          "afs",        "ceph",           "cifs",           "coda",
-    "davfs",       "fuse.davfs", "fuse.curlftpfs", "fuse.glusterfs", "fuse.gvfsd-fuse",
-    "fuse.rclone", "fuse.sshfs", "lustre",         "ncpfs",          "nfs",
-    "nfs4",        "smb3",       "smbfs",
-};
 constexpr const char* opticalSystems[] = {"cdfs", "iso9660", "udf"};
 
 template<size_t count>
@@ -47,7 +42,7 @@ DriveType TypeOfDrive(QChar letter) {
     const QByteArray system = QStorageInfo(root).fileSystemType();
     if (system.isEmpty())
         return DriveType::Unknown;
-    if (holds(remoteSystems, system))
+    if (IsNetworkSystem(system))
         return DriveType::Remote;
     return holds(opticalSystems, system) ? DriveType::CdRom : DriveType::Fixed;
 }

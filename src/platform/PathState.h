@@ -12,8 +12,10 @@ struct PathState {
     QByteArray devices; // host path of its dosdevices/
     PathParts current{{QStringLiteral("c:")}, {}};
     FolderCache folders;
-    QString applicationFolder;          // empty: ask the system
-    QHash<QChar, DriveType> driveTypes; // put in place by tests
+    QString applicationFolder; // empty: ask the system
+    // Put in place by tests.
+    QHash<QChar, DriveType> driveTypes;
+    QByteArray mountTable = "/proc/self/mountinfo";
 };
 
 // The state, after the default machine folder was chosen where nobody chose one. A thread beside the main one

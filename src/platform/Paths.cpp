@@ -2,13 +2,17 @@
 
 #include "platform/FolderCache.h"
 #include "platform/HostFiles.h"
+#include "platform/NetworkMounts.h"
 #include "platform/PathParts.h"
 #include "platform/PathState.h"
 
 #include <QDir>
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits.h>
+
+#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -51,6 +55,33 @@ std::optional<QByteArray> canonical(const QByteArray& hostPath) {
     return path == "/" ? QByteArray() : path;
 }
 
+// Which links lead to network file systems, by what is written in them: no server is asked.
+class NetworkLinks {
+public:
+    NetworkLinks() {
+        QFile table(QString::fromUtf8(pathState().mountTable));
+        if (table.open(QIODevice::ReadOnly))
+            mounts_ = NetworkMounts(table.readAll());
+    }
+    // Whether `link` leads into a network file system that does not hold `path`.
+    bool leadsAwayFrom(const QByteArray& path, const QByteArray& link) const {
+        if (mounts_.isEmpty())
+            return false;
+        char text[PATH_MAX];
+        const ssize_t length = ::readlink(link.constData(), text, sizeof text);
+        const QByteArray written(text, std::max<ssize_t>(length, 0));
+        const QByteArray target =
+            QDir::cleanPath(QString::fromUtf8(written.startsWith('/') ? written : link + "/../" + written))
+                .toUtf8();
+        return std::any_of(mounts_.begin(), mounts_.end(), [&](const QByteArray& mount) {
+            return IsBelow(target, mount) && !IsBelow(path, mount);
+        });
+    }
+
+private:
+    QByteArrayList mounts_;
+};
+
 // The same for a path whose last names need not exist.
 QByteArray canonicalAsFarAsThere(const QByteArray& hostPath) {
     if (hostPath.size() >= PATH_MAX)
@@ -68,7 +99,7 @@ public:
         : path_(std::move(path)) {}
     void offer(const QByteArray& folder, const QString& windowsRoot) {
         const std::optional<QByteArray> root = canonical(folder);
-        if (!root || root->size() <= length_ || !(path_ == *root || path_.startsWith(*root + '/')))
+        if (!root || root->size() <= length_ || !IsBelow(path_, *root))
             return;
         length_ = root->size();
         windowsRoot_ = windowsRoot;
@@ -129,18 +160,25 @@ QString HostPath(const QString& path, BareName bareName) {
 QString WindowsPath(const QString& hostPath) {
     if (hostPath.isEmpty())
         return {};
-    ClosestRoot closest(canonicalAsFarAsThere(HostName(hostPath)));
-    const QString devices = QString::fromUtf8(pathState().devices);
+    const QByteArray path = canonicalAsFarAsThere(HostName(hostPath));
+    const NetworkLinks network;
+    ClosestRoot closest(path);
+    const auto offer = [&](const QByteArray& folder, const QString& windowsRoot) {
+        if (!network.leadsAwayFrom(path, folder))
+            closest.offer(folder, windowsRoot);
+    };
+    PathState& paths = pathState();
     for (char16_t letter = u'A'; letter <= u'Z'; ++letter) {
         const QString drive = QString(letter) + u':';
-        if (const auto root = resolveRoot({drive.toLower()}))
-            closest.offer(*root, drive);
+        if (const auto name = paths.folders.find(paths.devices, drive.toLower()))
+            offer(paths.devices + '/' + *name, drive);
     }
-    const QString shares = devices + QStringLiteral("/unc");
+    const QString shares = QString::fromUtf8(paths.devices) + QStringLiteral("/unc");
     for (const QString& server : QDir(shares).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-        for (const QString& share : QDir(shares + u'/' + server).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-            closest.offer(HostName(QStringLiteral("%1/%2/%3").arg(shares, server, share)),
-                          QStringLiteral("\\\\%1\\%2").arg(server, share));
+        for (const QString& share :
+             QDir(shares + u'/' + server).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
+            offer(HostName(QStringLiteral("%1/%2/%3").arg(shares, server, share)),
+                  QStringLiteral("\\\\%1\\%2").arg(server, share));
     return closest.windowsPath();
 }
 

@@ -1,5 +1,6 @@
 // Where Windows paths lie on this machine.
 #include "platform/PathParts.h"
+#include "platform/PathState.h"
 #include "support/MachineFolder.h"
 
 #include <gtest/gtest.h>
@@ -133,6 +134,30 @@ TEST_F(Paths, TurnHostPathsBackByTheClosestDrive) {
     EXPECT_EQ(WindowsPath(HostPath("M:\\TOLVEX\\AUDIO\\x")), "U:\\x");
     EXPECT_EQ(WindowsPath("/"), "Z:\\");
     EXPECT_EQ(WindowsPath(QString()), QString());
+}
+
+// A network drive is not looked at for a path that cannot be on it: its server may be gone. Here a link on
+// the drive leads out of it, which only a look would tell.
+TEST_F(Paths, TurnHostPathsBackWithoutAskingNetworkDrives) {
+    const QString net = machine.path() + "/net drive";
+    const QString outside = machine.path() + "/outside";
+    for (const QString& folder : {net, outside})
+        QDir().mkpath(folder + "/x");
+    QFile::link(outside, net + "/inner");
+    machine.link("m:", net + "/inner");
+    machine.link("n:", "../net drive");
+    EXPECT_EQ(WindowsPath(outside + "/x"), "M:\\x");
+    const QByteArray table = "24 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                             "90 24 0:41 / " +
+                             QByteArray(net.toUtf8()).replace(' ', "\\040") +
+                             " rw shared:7 - nfs4 server:/audio rw\n";
+    QFile file(machine.path() + "/mounts");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(table);
+    file.close();
+    pathState().mountTable = file.fileName().toUtf8();
+    EXPECT_EQ(WindowsPath(outside + "/x"), "Z:" + QString(outside + "/x").replace('/', '\\'));
+    EXPECT_EQ(WindowsPath(net + "/x"), "N:\\x");
 }
 
 TEST_F(Paths, HaveShortFormsThatLeadBackToTheSameFile) {
