@@ -20,9 +20,10 @@ bool isShare(const QString& path) {
     return path.startsWith(QLatin1String("\\\\"));
 }
 
+// Of this drive alone: another one may be a share whose server is gone, and would hold us.
 bool driveExists(QChar letter) {
-    const int bit = letter.toUpper().unicode() - u'A';
-    return bit >= 0 && bit < 26 && (platform::LogicalDrives() >> bit & 1u);
+    return letter.unicode() < 128 && letter.isLetter() &&
+           platform::FolderExists(letter + QStringLiteral(":\\"));
 }
 
 // FileError number; every folder from the drive's root down, those that are there already included.
