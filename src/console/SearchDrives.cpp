@@ -47,7 +47,7 @@ ExistingSetup search(bool networkOnly, DriveAsker& drives) {
 
 ExistingSetup SearchDrives(bool networkOnly) {
     DriveAsker drives;
-    const ExistingSetup setup = search(networkOnly, drives);
+    ExistingSetup setup = search(networkOnly, drives);
     if (!setup.stopped && !drives.unreachable().isEmpty())
         ShowExclamation(
             QStringLiteral("Drives that do not answer were left out of the search: %1\n\nPlease check "
