@@ -105,12 +105,16 @@ void createFiles(bool saved) {
     OpenHotlist(values.CartPartTable[1].Location);
 }
 
-// The number of this workstation in the station's list, with its name on it.
+// The number of this workstation in the station's list, with its name on it. A list that cannot be read says
+// nothing about the number it has.
 void chooseWorkstation() {
+    qint32& id = settings().LinkMeshId;
     OpenTerminalList();
-    const QString name = platform::ComputerName();
-    settings().LinkMeshId = TerminalForComputer(name);
-    ClaimTerminal(settings().LinkMeshId, name);
+    if (TerminalListIsOpen() || id < 1) {
+        const QString name = platform::ComputerName();
+        id = TerminalForComputer(name);
+        ClaimTerminal(id, name);
+    }
     CloseTerminalList();
 }
 

@@ -266,8 +266,10 @@ TEST_F(AutoConfigurationTest, AnAudiowallFoundAloneKeepsTheDataWhereTheyAre) {
 
 TEST_F(AutoConfigurationTest, WhatCannotBeMadeIsNamedAndStopsNothingElse) {
     machine.write("C:\\TOLVEX\\SYSTEM\\SCHEDULE", "a file");
+    machine.makeFolder("C:\\TOLVEX\\SYSTEM\\Terminal.Lst");
     machine.makeFolder("C:\\TOLVEX\\AUDIO\\GLIC.Lst");
     machine.makeFolder("C:\\TOLVEX\\AUDIO\\Carts4.lst");
+    settings().LinkMeshId = 5;
     prompts.answers = {Answer::No, Answer::Yes};
     EXPECT_FALSE(LookForSetup()); // and no question whether to exit
     EXPECT_EQ(
@@ -275,12 +277,13 @@ TEST_F(AutoConfigurationTest, WhatCannotBeMadeIsNamedAndStopsNothingElse) {
         QString("Tolvex is not fully configured on this computer. Missing:\n\n"
                 "Folder: C:\\TOLVEX\\SYSTEM\\SCHEDULE\n"
                 "Automation database: C:\\TOLVEX\\SYSTEM\\SCHEDULE\\KOVA26.MDB\n"
+                "Terminal list: C:\\TOLVEX\\SYSTEM\\Terminal.Lst\n"
                 "Cart list: C:\\TOLVEX\\AUDIO\\Carts4.lst\n"
                 "Hotlist: C:\\TOLVEX\\AUDIO\\GLIC.Lst\n\n"
                 "Please see that their disks are connected and have room, and configure again: what was "
                 "made is kept."));
     EXPECT_EQ(machine.read("C:\\TOLVEX\\SYSTEM\\SCHEDULE"), "a file");
-    EXPECT_EQ(stored("LinkMesh", "LinkMeshId"), QString("1"));
+    EXPECT_EQ(stored("LinkMesh", "LinkMeshId"), QString("5")); // no list says that it is another one
 
     // An ini file that cannot be written: the locations asked for are built all the same.
     QFile::remove(machine.host("C:\\WINDOWS\\TOLVEX.INI"));
