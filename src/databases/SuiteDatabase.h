@@ -96,7 +96,8 @@ public:
     virtual void rollback() = 0;
 
     // Gives what was written here to those who read the file by other means, safe from a power cut, and takes
-    // notice of what others have written. Other users of this engine need no refresh to see what is committed.
+    // notice of what others have written. Other users of this engine need no refresh to see what is
+    // committed.
     virtual void refresh() = 0;
     // Brings everything into the file; the object is of no more use.
     virtual void close() = 0;

@@ -6,7 +6,7 @@
 #include "core/Dates.h"
 #include "core/Settings.h"
 #include "databases/DatabaseSettings.h"
-#include "databases/DatabasesTest.h"
+#include "databases/ServerTest.h"
 #include "platform/ProfileFile.h"
 
 #include <QSet>
@@ -18,7 +18,7 @@ namespace {
 
 const QString Path = QStringLiteral("C:\\DATA\\SCHEDULE\\KOVA26.MDB");
 
-class AutomationTest : public DatabasesTest {
+class AutomationTest : public ServerTest {
 protected:
     AutomationTest() {
         settings().DataLocation = QStringLiteral("C:\\DATA");
@@ -30,10 +30,15 @@ protected:
         ResetKOVADatabaseSettings();
     }
     void makeComplete() {
-        make(Path, KOVAType);
-        ASSERT_EQ(ValidateKOVADatabaseTables(Path), 0);
-        database = OpenSuiteDatabase(Path);
+        makeEmpty();
+        ASSERT_EQ(ValidateKOVADatabaseTables(Path, connect_), 0);
+        database = open();
     }
+    void makeEmpty() {
+        QString title = QStringLiteral("A title");
+        ASSERT_EQ(ValidateDatabase(Path, KOVAType, true, &title, connect_), 0);
+    }
+    std::unique_ptr<SuiteDatabase> open() const { return OpenSuiteDatabase(Path, connect_); }
     // What lies in the settings table, by item.
     QMap<QString, QString> stored() {
         QMap<QString, QString> values;
@@ -48,7 +53,20 @@ protected:
     }
     KOVADatabaseSettings& record = kovaDatabaseSettings();
     std::unique_ptr<SuiteDatabase> database;
+    QString connect_; // empty: a file
 };
+
+// What holds for a file as for a database on a server.
+class AutomationStoreTest : public AutomationTest, public testing::WithParamInterface<bool> {
+protected:
+    AutomationStoreTest() {
+        if (GetParam())
+            connect_ = connect();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Kept, AutomationStoreTest, testing::Bool(),
+                         [](const auto& onServer) { return onServer.param ? "OnServer" : "InFile"; });
 
 // Items that are not stored while they are as they came.
 const QSet<QString> sparse = {"KOVA.FadeSongRules",
@@ -127,10 +145,10 @@ TEST_F(AutomationTest, HasTheTablesThatPlayersRelyOn) {
     EXPECT_TRUE(indexes.contains("CREATE INDEX \"songs_hdreference_idx\""));
 }
 
-TEST_F(AutomationTest, UpgradesAnOlderDatabase) {
-    make(Path, KOVAType);
+TEST_P(AutomationStoreTest, UpgradesAnOlderDatabase) {
+    makeEmpty();
     {
-        auto old = OpenSuiteDatabase(Path);
+        auto old = open();
         old->createTable("Log", {"KIndex", FieldKind::Double}, true);
         old->appendField("Log", {"RDS_Text", FieldKind::Text, 255}, true);
         Table songs = KOVASongsSchema();
@@ -138,8 +156,8 @@ TEST_F(AutomationTest, UpgradesAnOlderDatabase) {
                       [](const Field& field) { return qstrcmp(field.name, "HourRestrictions5") == 0; });
         ASSERT_EQ(CheckTable(*old, songs), 0);
     }
-    ASSERT_EQ(ValidateKOVADatabaseTables(Path), 0);
-    database = OpenSuiteDatabase(Path);
+    ASSERT_EQ(ValidateKOVADatabaseTables(Path, connect_), 0);
+    database = open();
     EXPECT_EQ(database->table("Songs")->fields.last(), "HourRestrictions5");
     EXPECT_EQ(database->table("Songs")->indexes.size(), 3);
     EXPECT_EQ(database->table("Log")->fields.size(), 44);
@@ -148,7 +166,7 @@ TEST_F(AutomationTest, UpgradesAnOlderDatabase) {
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
 
-TEST_F(AutomationTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
+TEST_P(AutomationStoreTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
     makeComplete();
     int shown = 0;
     EXPECT_EQ(LoadKOVASettings(*database, [&] { ++shown; }), -1);
@@ -176,7 +194,7 @@ TEST_F(AutomationTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
 
-TEST_F(AutomationTest, KeepsEverySettingThroughSavingAndLoading) {
+TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     makeComplete();
     LoadKOVASettings(*database);
     // Every member gets a value of its own.
@@ -213,7 +231,7 @@ TEST_F(AutomationTest, KeepsEverySettingThroughSavingAndLoading) {
     EXPECT_EQ(values["KOVA.LogFont.FontBold"], "0");
 }
 
-TEST_F(AutomationTest, TakesOverAnOlderAddress) {
+TEST_P(AutomationStoreTest, TakesOverAnOlderAddress) {
     makeComplete();
     store("KOVA.ZQSServerAddress", "10.0.0.7");
     store("KOVA.SCComputerAddress", "not read");
@@ -228,7 +246,7 @@ TEST_F(AutomationTest, TakesOverAnOlderAddress) {
     EXPECT_EQ(record.KOVA_SCComputerAddress, "10.0.0.7");
 }
 
-TEST_F(AutomationTest, ReadsWhatOthersWrote) {
+TEST_P(AutomationStoreTest, ReadsWhatOthersWrote) {
     makeComplete();
     store("KOVA.LogFont.FontItalic", "-1"); // read under a name with a trailing blank
     store("KOVA.PreCueTime", "12 seconds");
@@ -260,4 +278,26 @@ TEST_F(AutomationTest, ReadsWhatOthersWrote) {
     EXPECT_EQ(LoadKOVASettings(*bare), 3078);
     EXPECT_EQ(SaveKOVASettings(*bare), 3078);
     EXPECT_TRUE(texts().last().startsWith("There was a problem opening the K-OVA settings table and"));
+}
+
+TEST_F(AutomationTest, SavesAllOrNothingOnAServer) {
+    connect_ = connect();
+    makeComplete();
+    LoadKOVASettings(*database);
+    ASSERT_EQ(SaveKOVASettings(*database), 0);
+    const auto before = stored();
+    for (const int statements : {0, 1, 2, 3, 5, 50, 200}) {
+        record.KOVA_PreCueTime = 99;
+        record.KOVA_SweeperMode = 2;
+        prompts.forget();
+        EXPECT_EQ(SaveKOVASettings(*openOnServer(Path, QStringLiteral("LoseAfter=%1").arg(statements))),
+                  3146);
+        EXPECT_EQ(texts().size(), 1) << texts().join('|').toStdString();
+        EXPECT_EQ(stored(), before) << statements;
+    }
+    // All settings are read with one statement: they are known, or none of them.
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=2")), 3146);
+    EXPECT_EQ(record.KOVA_PreCueTime, 99);
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=3")), -1);
+    EXPECT_EQ(record.KOVA_PreCueTime, 20);
 }

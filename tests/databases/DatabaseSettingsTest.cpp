@@ -1,5 +1,5 @@
 // Named values in a Settings table, and what a database says about itself.
-#include "DatabasesTest.h"
+#include "ServerTest.h"
 
 #include "databases/CompactRepair.h"
 #include "databases/DatabaseSettings.h"
@@ -17,16 +17,24 @@ namespace {
 
 const QString Path = QStringLiteral("C:\\DATA\\A.MDB");
 
-// The same answers are expected of both kinds of recordset.
-class DatabaseSettingsTest : public DatabasesTest, public testing::WithParamInterface<RecordsetMode> {
+// The same answers are expected of every kind of recordset.
+enum class Kept { FileTable, FileDynaset, Server };
+
+class DatabaseSettingsTest : public ServerTest, public testing::WithParamInterface<Kept> {
 protected:
     void SetUp() override {
-        make(Path, 14);
-        database = OpenSuiteDatabase(Path);
+        if (GetParam() == Kept::Server)
+            makeOnServer(Path, 14);
+        else
+            make(Path, 14);
+        database = OpenSuiteDatabase(Path, GetParam() == Kept::Server ? connect() : QString());
         ASSERT_EQ(ValidateSettingsTable(*database), 0);
         reopen();
     }
-    void reopen() { settings = database->open("Settings", GetParam()); }
+    void reopen() {
+        settings = database->open("Settings", GetParam() == Kept::FileTable ? RecordsetMode::Table
+                                                                            : RecordsetMode::Dynaset);
+    }
     QVariant get(const QString& item, const QVariant& fallback = "none") {
         return GetDatabaseSetting(settings.get(), item, fallback);
     }
@@ -101,8 +109,11 @@ TEST_P(DatabaseSettingsTest, ReportsWithTheName) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, DatabaseSettingsTest,
-                         testing::Values(RecordsetMode::Table, RecordsetMode::Dynaset), [](const auto& mode) {
-                             return mode.param == RecordsetMode::Table ? "Table" : "Dynaset";
+                         testing::Values(Kept::FileTable, Kept::FileDynaset, Kept::Server),
+                         [](const auto& kept) {
+                             return kept.param == Kept::Server      ? "Server"
+                                    : kept.param == Kept::FileTable ? "Table"
+                                                                    : "Dynaset";
                          });
 
 using DatabaseInformationTest = DatabasesTest;

@@ -21,6 +21,7 @@ struct Handle {
 struct Connection : Handle {
     std::unique_ptr<Session> session;
     bool hasTimeLimit = false;
+    const Handle* busy = nullptr; // the statement whose rows have not all been fetched
 };
 
 struct Parameter {
@@ -32,6 +33,17 @@ struct Parameter {
 struct Statement : Handle {
     explicit Statement(Connection* on)
         : connection(on) {}
+    ~Statement() { isDone(); }
+    // One statement at a time is served on a connection, as a common server does.
+    void begin() {
+        if (connection->busy != nullptr && connection->busy != this)
+            throw Fault{"HY000", 0, "[Test Server]Connection is busy with results for another command"};
+        connection->busy = this;
+    }
+    void isDone() {
+        if (connection->busy == this)
+            connection->busy = nullptr;
+    }
     Connection* connection;
     bool hasTimeLimit = false;
     Rows rows;
@@ -131,11 +143,14 @@ SQLRETURN run(Statement& statement) {
     statement.waiting = statement.done = false;
     if (!statement.rows)
         return SQL_SUCCESS;
+    statement.begin();
     sqlite3_reset(statement.rows.get());
     for (std::size_t i = 0; i < statement.parameters.size(); ++i)
         bind(statement.rows.get(), static_cast<int>(i) + 1, statement.parameters[i]);
     statement.waiting = statement.connection->session->step(statement.rows);
     statement.done = !statement.waiting;
+    if (statement.done)
+        statement.isDone();
     if (sqlite3_column_count(statement.rows.get()) > 0)
         return SQL_SUCCESS;
     statement.changed = sqlite3_changes(sqlite3_db_handle(statement.rows.get()));
@@ -171,11 +186,8 @@ Type typeOf(sqlite3_stmt* rows, int column) {
 SQLRETURN giveText(Statement& statement, int column, SQLPOINTER into, SQLLEN room, SQLLEN* length) {
     const auto* all = static_cast<const char*>(sqlite3_column_text16(statement.rows.get(), column));
     const auto bytes = static_cast<std::size_t>(sqlite3_column_bytes16(statement.rows.get(), column));
-    if (statement.column != column)
-        statement.offset = 0;
-    else if (statement.offset > 0 && statement.offset >= bytes)
+    if (statement.offset > 0 && statement.offset >= bytes)
         return SQL_NO_DATA;
-    statement.column = column;
     const std::size_t left = bytes - statement.offset;
     const std::size_t count = std::min(left, static_cast<std::size_t>(room) - sizeof(SQLWCHAR));
     std::memcpy(into, all + statement.offset, count);
@@ -191,6 +203,11 @@ SQLRETURN giveText(Statement& statement, int column, SQLPOINTER into, SQLLEN roo
 SQLRETURN giveValue(Statement& statement, int column, SQLSMALLINT kind, SQLPOINTER into, SQLLEN room,
                     SQLLEN* length) {
     sqlite3_stmt* rows = statement.rows.get();
+    if (column < statement.column)
+        throw Fault{"07009", 0, "[Test Server]Columns are given in their order."};
+    if (column != statement.column)
+        statement.offset = 0;
+    statement.column = column;
     if (sqlite3_column_type(rows, column) == SQLITE_NULL) {
         *length = SQL_NULL_DATA;
         return SQL_SUCCESS;
@@ -342,6 +359,7 @@ DRIVER_CALL SQLColumnsW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLS
                         SQLSMALLINT length, SQLWCHAR*, SQLSMALLINT) {
     Statement& statement = statementOf(handle);
     return guarded(statement, [&] {
+        statement.begin();
         statement.rows = statement.connection->session->columns(textOf(table, length));
         return SQL_SUCCESS;
     });
@@ -351,6 +369,7 @@ DRIVER_CALL SQLStatisticsW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, S
                            SQLSMALLINT length, SQLUSMALLINT, SQLUSMALLINT) {
     Statement& statement = statementOf(handle);
     return guarded(statement, [&] {
+        statement.begin();
         statement.rows = statement.connection->session->indexes(textOf(table, length));
         return SQL_SUCCESS;
     });
@@ -384,6 +403,8 @@ DRIVER_CALL SQLFetch(SQLHSTMT handle) {
         if (!statement.waiting)
             statement.done = !statement.connection->session->step(statement.rows);
         statement.waiting = false;
+        if (statement.done)
+            statement.isDone();
         return statement.done ? SQL_NO_DATA : SQL_SUCCESS;
     });
 }
