@@ -95,15 +95,15 @@ bool AppendDate(Date date, char separator, std::string& into) {
     const double end = static_cast<double>((lastDay - epoch).count() + 1);
     if (!(date.days > first - 1 && date.days < end))
         return false;
-    double whole = std::trunc(date.days);
-    int seconds = static_cast<int>(std::lround(std::fabs(date.days - whole) * secondsPerDay));
+    int whole = static_cast<int>(date.days);
+    int seconds = static_cast<int>(std::fabs(date.days - whole) * secondsPerDay + 0.5);
     if (seconds == secondsPerDay) {
         whole += 1;
         seconds = 0;
     }
     if (whole < first || whole >= end)
         return false;
-    const year_month_day day{epoch + days(static_cast<int>(whole))};
+    const year_month_day day{epoch + days(whole)};
     const auto two = [](char* at, unsigned number) {
         at[0] = static_cast<char>('0' + number / 10);
         at[1] = static_cast<char>('0' + number % 10);
@@ -115,9 +115,10 @@ bool AppendDate(Date date, char separator, std::string& into) {
     two(text + 5, static_cast<unsigned>(day.month()));
     two(text + 8, static_cast<unsigned>(day.day()));
     text[10] = separator;
-    two(text + 11, static_cast<unsigned>(seconds / 3600));
-    two(text + 14, static_cast<unsigned>(seconds / 60 % 60));
-    two(text + 17, static_cast<unsigned>(seconds % 60));
+    const auto time = static_cast<unsigned>(seconds);
+    two(text + 11, time / 3600);
+    two(text + 14, time / 60 % 60);
+    two(text + 17, time % 60);
     into.append(text, sizeof(text) - 1);
     return true;
 }

@@ -1,10 +1,12 @@
 #include "jet/Csv.h"
+#include "jet/DateText.h"
 #include "jet/JsonLine.h"
 #include "jet/LongValue.h"
 #include "jet/Transfer.h"
 #include "jet/ValueText.h"
 
-#include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 
 namespace jet {
@@ -12,10 +14,27 @@ namespace jet {
 namespace {
 
 constexpr std::size_t pieceLength = 65536;
-constexpr std::uint32_t inlineMark = 0x80000000; // of a long value that lies in its row
 
-// Writes one row after the other into a buffer. What costs is text, so squeezed plain text goes from the
-// page to the buffer without becoming a Value.
+// What a byte of a squeezed text stands for.
+constexpr std::uint8_t Switch = 1;     // no character: what follows is written otherwise
+constexpr std::uint8_t TwoBytes = 2;   // in UTF-8
+constexpr std::uint8_t CsvQuoted = 4;  // makes a field need quotes
+constexpr std::uint8_t JsonEscape = 8; // stands for itself nowhere in JSON
+constexpr auto signsOfBytes = [] {
+    std::array<std::uint8_t, 256> signs{};
+    for (std::size_t c = 1; c < ' '; ++c)
+        signs[c] = JsonEscape;
+    for (std::size_t c = 0x80; c < signs.size(); ++c)
+        signs[c] = TwoBytes;
+    signs[0] = Switch;
+    signs[0x7F] = signs['\\'] = JsonEscape;
+    signs[','] = CsvQuoted;
+    signs['"'] = signs['\r'] = signs['\n'] = CsvQuoted | JsonEscape;
+    return signs;
+}();
+
+// Writes one row after the other into a buffer. The commonest kinds go from the page to the buffer without
+// becoming a Value.
 class RowWriter {
 public:
     RowWriter(const Selection& selection, TextFormat format)
@@ -35,7 +54,6 @@ public:
                 heading_ += field.prefix;
                 AppendCsvField(name, heading_);
             }
-            copyRows_ = copyRows_ || column.isLong();
             fields_.push_back(std::move(field));
         }
         heading_ += format == TextFormat::Csv ? "\r\n" : "";
@@ -43,20 +61,18 @@ public:
 
     const std::string& heading() const { return heading_; }
 
-    void append(RowView row, std::string& into) {
-        if (copyRows_) {
-            // Long values may lie on more pages than stay in place meanwhile.
-            row_.assign(row.all().begin(), row.all().end());
-            row = RowView(row_, row.page(), table_.definition().variableColumns > 0);
-        }
+    void append(const RowView& row, std::string& into) {
+        const bool csv = format_ == TextFormat::Csv;
         for (const Field& field : fields_) {
             into += field.prefix;
-            if (format_ == TextFormat::Csv)
-                appendCsv(field, row, into);
-            else
-                appendJson(field, row, into);
+            const Column& column = *field.column;
+            const auto bytes = row.bytes(column);
+            if (bytes.empty() && row.isNull(column))
+                into += csv ? "" : "null";
+            else if (!appendStored(column, bytes, into))
+                appendValue(field, row, into);
         }
-        into += format_ == TextFormat::Csv ? "\r\n" : "}\n";
+        into += csv ? "\r\n" : "}\n";
     }
 
 private:
@@ -66,33 +82,68 @@ private:
         std::string prefix; // what stands before the value
     };
 
-    void appendCsv(const Field& field, const RowView& row, std::string& into) {
-        if (row.isNull(*field.column))
-            return;
-        if (!plainText(field, row))
-            read(field, row);
-        if (ClassOf(field.column->type) == ValueClass::Number)
-            into += text_; // never needs quotes
-        else
-            AppendCsvField(text_, into);
+    // False: this is to be read as a value.
+    bool appendStored(const Column& column, std::span<const std::uint8_t> bytes, std::string& into) {
+        switch (column.type) {
+        case ColumnType::Long:
+            if (bytes.size() != 4)
+                return false;
+            AppendWhole(static_cast<std::int32_t>(Load32(bytes.data())), into);
+            return true;
+        case ColumnType::DateTime:
+            return bytes.size() == 8 && format_ == TextFormat::Csv &&
+                   AppendDate({std::bit_cast<double>(Load64(bytes.data()))}, ' ', into);
+        case ColumnType::Text:
+            return appendSqueezed(bytes, into);
+        case ColumnType::Memo: {
+            const auto value = InlineValue(bytes);
+            return value && appendSqueezed(*value, into);
+        }
+        default:
+            return false;
+        }
     }
 
-    void appendJson(const Field& field, const RowView& row, std::string& into) {
-        if (row.isNull(*field.column)) {
-            into += "null";
-            return;
+    bool appendSqueezed(std::span<const std::uint8_t> bytes, std::string& into) {
+        if (bytes.size() < 3 || bytes[0] != 0xFF || bytes[1] != 0xFE)
+            return false;
+        const auto text = bytes.subspan(2);
+        unsigned signs = 0;
+        for (const std::uint8_t c : text)
+            signs |= signsOfBytes[c];
+        if ((signs & Switch) != 0)
+            return false;
+        const bool csv = format_ == TextFormat::Csv;
+        if ((signs & (csv ? TwoBytes | CsvQuoted : TwoBytes | JsonEscape)) == 0) {
+            const std::string_view quote = csv ? "" : "\"";
+            into += quote;
+            into.append(reinterpret_cast<const char*>(text.data()), text.size());
+            into += quote;
+            return true;
         }
-        if (plainText(field, row)) {
-            AppendJsonText(text_, into);
-            return;
+        text_.clear();
+        for (const std::uint8_t c : text) {
+            if (c >= 0x80)
+                text_ += static_cast<char>(0xC0 | c >> 6);
+            text_ += static_cast<char>(c >= 0x80 ? 0x80 | (c & 0x3F) : c);
         }
-        read(field, row);
-        if (const auto* flag = std::get_if<bool>(&value_))
+        csv ? AppendCsvField(text_, into) : AppendJsonText(text_, into);
+        return true;
+    }
+
+    void appendValue(const Field& field, const RowView& row, std::string& into) {
+        if (field.column->isLong())
+            row.keep(); // long values may lie on more pages than stay in place meanwhile
+        table_.value(row, field.position, value_);
+        text_.clear();
+        const bool csv = format_ == TextFormat::Csv;
+        AppendValueText(value_, field.column->scale(), text_, csv ? ' ' : 'T');
+        if (csv ? ClassOf(field.column->type) == ValueClass::Number : isJsonNumber())
+            into += text_; // never needs quotes
+        else if (const auto* flag = std::get_if<bool>(&value_))
             into += *flag ? "true" : "false";
-        else if (isJsonNumber())
-            into += text_;
         else
-            AppendJsonText(text_, into);
+            csv ? AppendCsvField(text_, into) : AppendJsonText(text_, into);
     }
 
     bool isJsonNumber() const {
@@ -104,49 +155,10 @@ private:
                std::holds_alternative<std::int32_t>(value_);
     }
 
-    // The bytes of a Text, or of a Memo that lies in its row; nothing for what is to be read as a value.
-    static std::span<const std::uint8_t> storedText(const Column& column, const RowView& row) {
-        if (column.type == ColumnType::Text)
-            return row.bytes(column);
-        if (column.type != ColumnType::Memo)
-            return {};
-        const auto definition = row.bytes(column);
-        if (definition.size() < LongValueDefinitionLength)
-            return {};
-        const std::uint32_t head = Load32(definition.data());
-        const std::size_t length = head & ~inlineMark;
-        const auto data = definition.subspan(LongValueDefinitionLength);
-        return (head & inlineMark) != 0 && length <= data.size() ? data.first(length)
-                                                                 : std::span<const std::uint8_t>();
-    }
-
-    // Squeezed text of nothing but ASCII is put into text_ as it lies on the page.
-    bool plainText(const Field& field, const RowView& row) {
-        const auto bytes = storedText(*field.column, row);
-        if (bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != 0xFE)
-            return false;
-        const auto text = bytes.subspan(2);
-        unsigned strange = 0;
-        for (const std::uint8_t c : text)
-            strange |= c | (c - 1u); // the top bit of a byte: 0, or above 127
-        if ((strange & 0x80u) != 0)
-            return false;
-        text_.assign(text.begin(), text.end());
-        return true;
-    }
-
-    void read(const Field& field, const RowView& row) {
-        table_.value(row, field.position, value_);
-        text_.clear();
-        AppendValueText(value_, field.column->scale(), text_, format_ == TextFormat::Csv ? ' ' : 'T');
-    }
-
     const Table& table_;
     TextFormat format_;
     std::vector<Field> fields_;
     std::string heading_;
-    bool copyRows_ = false;
-    Bytes row_;
     Value value_;
     std::string text_;
 };

@@ -228,6 +228,10 @@ constexpr char base64Signs[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuv
 
 } // namespace
 
+void AppendWhole(std::int32_t number, std::string& into) {
+    appendNumber(number, into);
+}
+
 void AppendValueText(const Value& value, int scale, std::string& into, char dateSeparator) {
     std::visit(Appender{into, scale, dateSeparator}, value);
 }

@@ -12,6 +12,9 @@ namespace jet {
 // date outside the years 100 to 9999 is given as its number.
 void AppendValueText(const Value& value, int scale, std::string& into, char dateSeparator = ' ');
 
+// Appends a whole number.
+void AppendWhole(std::int32_t number, std::string& into);
+
 // The value that the text stands for in a column of this kind. Throws TypeConversion naming the text.
 // Booleans may also be "true" and "false" in any case, dates also have a T between day and time.
 Value ParseValueText(std::string_view text, const Column& column);
