@@ -87,16 +87,22 @@ void ScanWithCriterion(benchmark::State& state) {
 }
 BENCHMARK(ScanWithCriterion)->Unit(benchmark::kMillisecond);
 
-void SortRows(benchmark::State& state) {
+void selectAll(benchmark::State& state, const char16_t* sql) {
     Database database = Database::open(logFile());
     const Table table = database.catalog().table(u"Log");
-    const auto select = std::get<sql::Select>(sql::ParseStatement(u"SELECT * FROM Log ORDER BY Title DESC"));
+    const auto select = std::get<sql::Select>(sql::ParseStatement(sql));
     const Selection selection(table, select);
+    std::size_t rows = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(selection.rows());
-    countRows(state);
+        benchmark::DoNotOptimize(rows = selection.rows().size());
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * rows));
 }
-BENCHMARK(SortRows)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(selectAll, Sorted, u"SELECT * FROM Log ORDER BY Played DESC")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(selectAll, InIndexOrder, u"SELECT * FROM Log ORDER BY Title DESC")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(selectAll, BeginningLike, u"SELECT * FROM Log WHERE Title LIKE 'some title 12*'")
+    ->Unit(benchmark::kMillisecond);
 
 // Opens the file, too, as mdb-export below does. Both write to /dev/null.
 void ExportCsv(benchmark::State& state) {

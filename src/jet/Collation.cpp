@@ -201,6 +201,20 @@ void AppendTextKey(std::span<const std::uint8_t> text, Bytes& into) {
     appendKey(text, into);
 }
 
+void AppendTextKeyStart(std::u16string_view whole, Bytes& into) {
+    Text<char16_t> text = Text<char16_t>(whole);
+    text = text.first(std::min(text.size(), IndexedTextLength));
+    const auto unknown = [](char16_t unit) { return FindCharacterOrder(unit) == nullptr; };
+    const auto known = std::find_if(text.begin(), text.end(), unknown) - text.begin();
+    for (const char16_t unit : withoutTrailingBlanks(text.first(static_cast<std::size_t>(known)))) {
+        const std::uint16_t weight = FindCharacterOrder(unit)->weight;
+        if (weight > 0xFF)
+            into.push_back(static_cast<std::uint8_t>(weight >> 8));
+        if (weight != 0)
+            into.push_back(static_cast<std::uint8_t>(weight));
+    }
+}
+
 std::optional<char16_t> FindUnorderable(std::u16string_view text) {
     for (const char16_t unit : indexedPart(Text<char16_t>(text)))
         if (FindCharacterOrder(unit) == nullptr)

@@ -22,6 +22,11 @@ void AppendTextKey(std::u16string_view text, Bytes& into);
 // The same for a text of bytes, each the number of its character.
 void AppendTextKey(std::span<const std::uint8_t> text, Bytes& into);
 
+// Appends what the keys of all texts begin with that begin with this one, whatever the case of its letters:
+// weights, up to the first character whose place in the order is not known. Blanks at the end of it bring
+// nothing, since those of a text do not count.
+void AppendTextKeyStart(std::u16string_view text, Bytes& into);
+
 // The first character (UTF-16 unit) of a text's indexed part whose place in the order is not known.
 std::optional<char16_t> FindUnorderable(std::u16string_view text);
 

@@ -206,6 +206,13 @@ void checkLength(const Bytes& key) {
 
 } // namespace
 
+void AppendTextStart(bool ascending, std::u16string_view text, Bytes& into) {
+    const std::size_t start = into.size();
+    AppendTextKeyStart(text, into);
+    if (!ascending)
+        invertFrom(into, start);
+}
+
 bool IsOrderKnown(const Column& column) {
     if (column.isText())
         return column.language == EnglishLanguage && column.sortVersion == 0;

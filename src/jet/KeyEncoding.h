@@ -17,6 +17,10 @@ inline constexpr std::size_t MaximumKeyLength = 1800;
 // other programs' own), for a number that is none, or for a text that cannot be ordered (Collation.h).
 void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into);
 
+// Appends what the codes of all texts that begin with this one, in whatever case, have in common behind their
+// first byte.
+void AppendTextStart(bool ascending, std::u16string_view text, Bytes& into);
+
 // Whether the order of a column's values is known here: false for texts of another language or a later
 // order, and for types that are never indexed. A table with an index on such a column can only be read.
 bool IsOrderKnown(const Column& column);

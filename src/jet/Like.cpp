@@ -10,7 +10,10 @@ namespace jet {
 namespace {
 
 int compare(char16_t a, char16_t b) {
-    return a == b ? 0 : CompareTexts({&a, 1}, {&b, 1});
+    const int order = a == b ? 0 : CompareTexts({&a, 1}, {&b, 1});
+    if (order == 0 && a != b && (a == u' ' || b == u' '))
+        return a == u' ' ? 1 : -1; // as texts, blanks and characters that do not count are alike
+    return order;
 }
 
 } // namespace
@@ -93,6 +96,16 @@ bool LikePattern::matches(std::u16string_view text) const {
     }
     return std::all_of(elements_.begin() + static_cast<std::ptrdiff_t>(element), elements_.end(),
                        [](const Element& rest) { return rest.kind == Element::Kind::Any; });
+}
+
+std::u16string LikePattern::start() const {
+    std::u16string text;
+    for (const Element& element : elements_) {
+        if (element.kind != Element::Kind::Character)
+            break;
+        text += element.character;
+    }
+    return text;
 }
 
 } // namespace jet

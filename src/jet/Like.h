@@ -1,8 +1,10 @@
 // The pattern of a LIKE: * any characters, ? one character, # one digit, [a-z] one of a set or range, [!a-z]
 // one that is not in it, and every other character itself, without regard to case. A sign stands for itself
-// in a set: [*]. Accented letters differ from plain ones, as in the order of texts.
+// in a set: [*]. Accented letters differ from plain ones, as in the order of texts, and a blank from all
+// else.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -16,6 +18,9 @@ public:
 
     // Cost: linear for patterns with one *, at worst length of text times length of pattern.
     bool matches(std::u16string_view text) const;
+
+    // The characters that every text begins with, without regard to case; empty if the pattern says nothing.
+    std::u16string start() const;
 
 private:
     using Range = std::pair<char16_t, char16_t>;

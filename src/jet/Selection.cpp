@@ -31,6 +31,11 @@ void appendSortKey(const Column& column, bool ascending, const Value& value, Byt
     add(0);
 }
 
+// The order of a key and a bound; 0 if one begins with the other.
+int compareStart(KeyView key, const Bytes& bound) {
+    return std::memcmp(key.data(), bound.data(), std::min(key.size(), bound.size()));
+}
+
 } // namespace
 
 TableRow::TableRow(const Table& table)
@@ -68,6 +73,11 @@ Selection::Selection(const Table& table, const sql::Select& select)
             ValueClass::Binary)
             throw Error(ErrorNumber::DataTypeMismatch, "ORDER BY " + ToUtf8(term.field));
     }
+    const auto walk = ChooseWalk(table, order_);
+    if (walk && !range_)
+        range_ = IndexRange{walk->realIndex, {IndexRange::Stretch{}}, 0, false};
+    if (walk && range_->realIndex == walk->realIndex)
+        walk_ = walk;
 }
 
 Selection::Selection(const Table& table, const std::optional<sql::Expression>& where)
@@ -81,8 +91,8 @@ Selection::Selection(const Table& table, const std::optional<sql::Expression>& w
 
 void Selection::forEach(const Visit& visit) const {
     const Reading reading(table_.pager());
-    if (order_.empty()) {
-        forEachUnsorted(visit);
+    if (!sorts()) {
+        forEachFound(visit);
         return;
     }
     for (const RowPointer at : sorted()) {
@@ -94,19 +104,19 @@ void Selection::forEach(const Visit& visit) const {
 
 std::vector<RowPointer> Selection::rows() const {
     const Reading reading(table_.pager());
-    if (!order_.empty())
+    if (sorts())
         return sorted();
     std::vector<RowPointer> pointers;
-    forEachUnsorted([&](RowPointer at, const RowView&) {
+    forEachFound([&](RowPointer at, const RowView&) {
         pointers.push_back(at);
         return true;
     });
     return pointers;
 }
 
-void Selection::forEachUnsorted(const Visit& visit) const {
+void Selection::forEachFound(const Visit& visit) const {
     TableRow values(table_);
-    const auto offer = [&](RowPointer at, const RowView& row) {
+    const auto give = [&](RowPointer at, const RowView& row) {
         if (criterion_) {
             values.moveTo(row);
             if (!criterion_->chooses(values))
@@ -114,26 +124,51 @@ void Selection::forEachUnsorted(const Visit& visit) const {
         }
         return visit(at, row);
     };
-    RowPointer at;
     RowView row;
     if (!range_) {
-        while (table_.next(at, row) && offer(at, row)) {
+        RowPointer at;
+        while (table_.next(at, row) && give(at, row)) {
         }
         return;
     }
-    const RealIndex& index = table_.definition().realIndexes[static_cast<std::size_t>(range_->realIndex)];
-    const IndexTree tree(table_.pager(), index.root, table_.definition().page,
-                         UsageMap(table_.pager(), index.pages));
-    const auto inside = [this](KeyView key) {
-        const Bytes& upper = range_->upper;
-        return std::memcmp(key.data(), upper.data(), std::min(key.size(), upper.size())) <= 0;
-    };
-    IndexCursor cursor(tree);
-    for (bool more = cursor.seekFrom(range_->lower); more && inside(cursor.key()); more = cursor.next()) {
-        at = cursor.row();
-        if (table_.fetch(at, row) && !offer(at, row))
-            return;
+    const auto offer = [&](RowPointer at) { return !table_.fetch(at, row) || give(at, row); };
+    walk_ && walk_->backward ? walkBackward(offer) : walkForward(offer);
+}
+
+void Selection::walkForward(const Offer& offer) const {
+    IndexCursor cursor(table_.index(range_->realIndex));
+    for (const IndexRange::Stretch& stretch : range_->stretches) {
+        bool more = cursor.seekFrom(stretch.lower);
+        for (; more && compareStart(cursor.key(), stretch.upper) <= 0; more = cursor.next()) {
+            if (!offer(cursor.row()))
+                return;
+        }
     }
+}
+
+// Rows with equal keys come in the order of the table, as they do when rows are sorted.
+void Selection::walkBackward(const Offer& offer) const {
+    IndexCursor cursor(table_.index(range_->realIndex));
+    Bytes key;
+    std::vector<RowPointer> equal;
+    const auto give = [&] {
+        const bool go = std::all_of(equal.rbegin(), equal.rend(), offer);
+        equal.clear();
+        return go;
+    };
+    for (auto stretch = range_->stretches.rbegin(); stretch != range_->stretches.rend(); ++stretch) {
+        bool more = cursor.seekUpTo(stretch->upper);
+        for (; more && compareStart(cursor.key(), stretch->lower) >= 0; more = cursor.previous()) {
+            const KeyView found = cursor.key();
+            if (!std::equal(found.begin(), found.end(), key.begin(), key.end())) {
+                if (!give())
+                    return;
+                key.assign(found.begin(), found.end());
+            }
+            equal.push_back(cursor.row());
+        }
+    }
+    give();
 }
 
 std::vector<RowPointer> Selection::sorted() const {
@@ -145,7 +180,7 @@ std::vector<RowPointer> Selection::sorted() const {
     Bytes keys;
     std::vector<Place> places;
     Value value;
-    forEachUnsorted([&](RowPointer at, const RowView& row) {
+    forEachFound([&](RowPointer at, const RowView& row) {
         const std::size_t begin = keys.size();
         for (const SortTerm& term : order_) {
             table_.value(row, term.column, value);
@@ -155,11 +190,13 @@ std::vector<RowPointer> Selection::sorted() const {
         places.push_back({begin, keys.size(), at});
         return true;
     });
-    std::stable_sort(places.begin(), places.end(), [&keys](const Place& a, const Place& b) {
+    std::sort(places.begin(), places.end(), [&keys](const Place& a, const Place& b) {
         const std::size_t lengths[] = {a.end - a.key, b.end - b.key};
         const int order =
             std::memcmp(keys.data() + a.key, keys.data() + b.key, std::min(lengths[0], lengths[1]));
-        return order != 0 ? order < 0 : lengths[0] < lengths[1];
+        if (order != 0 || lengths[0] != lengths[1])
+            return order != 0 ? order < 0 : lengths[0] < lengths[1];
+        return a.at < b.at;
     });
     std::vector<RowPointer> pointers;
     pointers.reserve(places.size());

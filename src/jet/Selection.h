@@ -39,8 +39,12 @@ public:
     // The index that finds the rows; nothing: all rows of the table are looked at.
     const std::optional<IndexRange>& index() const { return range_; }
 
+    // Whether the rows must be sorted: no index has them in the order that is asked for, or another one finds
+    // them faster.
+    bool sorts() const { return !order_.empty() && !walk_; }
+
     // Gives every chosen row, until `visit` says false. Without ORDER BY in the order of the index used or of
-    // the table, and nothing is kept in memory; with it, pointers and sort keys of the chosen rows are.
+    // the table. Nothing is kept in memory unless rows are sorted: then their pointers and sort keys are.
     // `visit` must not change the table.
     using Visit = std::function<bool(RowPointer, const RowView&)>;
     void forEach(const Visit& visit) const;
@@ -49,11 +53,10 @@ public:
     std::vector<RowPointer> rows() const;
 
 private:
-    struct SortTerm {
-        int column = 0;
-        bool descending = false;
-    };
-    void forEachUnsorted(const Visit& visit) const;
+    using Offer = std::function<bool(RowPointer)>;
+    void forEachFound(const Visit& visit) const;
+    void walkForward(const Offer& offer) const;
+    void walkBackward(const Offer& offer) const;
     std::vector<RowPointer> sorted() const;
 
     const Table& table_;
@@ -61,6 +64,7 @@ private:
     std::vector<SortTerm> order_;
     std::optional<Criterion> criterion_;
     std::optional<IndexRange> range_;
+    std::optional<IndexWalk> walk_; // gives the rows of range_ in order_
 };
 
 } // namespace jet

@@ -11,10 +11,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <random>
 
 #include <unistd.h>
+
+using namespace std::string_view_literals;
 
 namespace jet {
 namespace {
@@ -100,6 +103,8 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
         {u"TRUE", u"FALSE", u"-1", u"1"},
         {u"#1/5/1900#", u"#1899-12-30#", u"12", u"5.5"},
         {u"1.5", u"0", u"4.00001"}};
+    const std::vector<std::u16string> patterns = {u"'ä*'",   u"'CO*'", u"'co-*'", u"'?ulu*'",      u"'zu*u'",
+                                                  u"'zulu'", u"'*'",   u"''",     u"'stra[r-ß]*'", u"'漢*'"};
     const std::vector<std::u16string> signs = {u"=", u"<>", u"<", u"<=", u">", u">="};
     const Table table = catalog_.table(u"Carts");
     int byIndex = 0;
@@ -110,7 +115,15 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
             const auto literal = [&] { return literals[field][pick(literals[field].size())]; };
             if (!where.empty())
                 where += pick(5) == 0 ? u" OR " : u" AND ";
-            switch (pick(6)) {
+            const std::u16string pattern = patterns[pick(patterns.size())];
+            switch (pick(8)) {
+            case 7:
+                where +=
+                    fields[field] + u" IN (" + literal() + u", NULL, " + literal() + u", " + literal() + u")";
+                break;
+            case 6:
+                where += u"Title LIKE " + pattern;
+                break;
             case 0:
                 where += fields[field] + u" IS NULL";
                 break;
@@ -139,6 +152,12 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
     EXPECT_EQ(chosen(u"Plays = 5 AND Title = 'x'"), 1);
     EXPECT_EQ(chosen(u"Plays > 5"), 2);
     EXPECT_EQ(chosen(u"Length = 5"), -1);
+    EXPECT_EQ(chosen(u"Title LIKE 'x*'"), 1);
+    EXPECT_EQ(chosen(u"Title LIKE '*x'"), -1);
+    EXPECT_EQ(chosen(u"Title IN ('x', 'y') AND Plays = 3"), 1);
+    EXPECT_EQ(chosen(u"Number IN (1, NULL, 2)"), 0);
+    EXPECT_EQ(chosen(u"Number IN (1, 2.5)"), -1);
+    EXPECT_EQ(chosen(u"Number IN (1, Plays)"), -1);
     EXPECT_EQ(chosen(u"Added IS NULL"), -1); // that index has no entries for nulls
 }
 
@@ -160,6 +179,72 @@ TEST_F(SelectionTest, SortsAsValuesCompare) {
     const std::vector<Value> second =
         column(u"SELECT * FROM Carts WHERE Title = 'zulu' ORDER BY Plays DESC, Number", 0);
     EXPECT_GT(second.size(), 20u);
+}
+
+// Texts of letters, accents, signs that hardly count and such that do not count at all: what begins like
+// another in one way need not do so in its key. The same rows stand in a table with indexes and in one
+// without.
+TEST_F(SelectionTest, IndexesServeLikeAndOrder) {
+    const std::vector<FieldDesign> fields = {{u"Id", ColumnType::Long},
+                                             {u"Name", ColumnType::Text, 40, false, false, true},
+                                             {u"Size", ColumnType::Integer}};
+    AppendTable(catalog_, {u"Plain", fields, {}, {}});
+    AppendTable(
+        catalog_,
+        {u"Indexed", fields, {{u"ByName", {{u"Name", true}}}, {u"BySize", {{u"Size"}, {u"Name"}}}}, {}});
+    Table plain = catalog_.table(u"Plain");
+    Table indexed = catalog_.table(u"Indexed");
+    constexpr std::u16string_view letters = u"aAbBäÄáßsS-'  \x301\xAD\0e1æ"sv;
+    std::vector<std::u16string> names;
+    for (std::int32_t i = 0; i < 700; ++i) {
+        std::u16string name(pick(6), u' ');
+        for (char16_t& letter : name)
+            letter = letters[pick(letters.size())];
+        names.push_back(name);
+        std::vector<Value> row{i, pick(9) == 0 ? Value{} : Value(name), static_cast<std::int16_t>(pick(5))};
+        plain.insert(row);
+        indexed.insert(row);
+    }
+    int walks = 0;
+    int ranges = 0;
+    const auto agree = [&](const std::u16string& rest, bool sorted) {
+        const auto ids = [&](const Table& table, const sql::Select& select) {
+            std::vector<std::int32_t> found;
+            Value id;
+            const Selection selection(table, select);
+            walks += selection.sorts() || select.order.empty() ? 0 : 1;
+            ranges += selection.index() ? 1 : 0;
+            selection.forEach([&](RowPointer, const RowView& row) {
+                table.value(row, 0, id);
+                found.push_back(std::get<std::int32_t>(id));
+                return true;
+            });
+            if (!sorted)
+                std::sort(found.begin(), found.end());
+            return found;
+        };
+        const auto select = std::get<sql::Select>(sql::ParseStatement(u"SELECT * FROM Plain " + rest));
+        EXPECT_EQ(ids(plain, select), ids(indexed, select)) << ToUtf8(rest);
+    };
+    for (int i = 0; i < 400; ++i) {
+        std::u16string start = names[pick(names.size())];
+        start.resize(std::min(start.size(), 1 + pick(4)));
+        for (std::size_t at = 0; at < start.size(); ++at) {
+            if (start[at] == u'\'')
+                start.insert(at++, 1, u'\'');
+            else if (start[at] < 0x80 && std::isalpha(start[at]) != 0)
+                start[at] = static_cast<char16_t>(start[at] ^ (pick(2) * 0x20));
+        }
+        agree(u"WHERE Name LIKE '" + start + u"*'", false);
+        agree(u"WHERE Size IN (3, 1) AND Name LIKE '" + start + u"*'", false);
+        agree(u"WHERE Name LIKE '" + start + u"*' ORDER BY Name" + (pick(2) == 0 ? u" DESC" : u""), true);
+    }
+    for (const char16_t* order :
+         {u"Name", u"Name DESC", u"Size, Name", u"Size DESC, Name DESC", u"Size, Name DESC"})
+        for (const char16_t* where : {u"", u"WHERE Size IN (4, 2, 2) ", u"WHERE Size > 2 "})
+            agree(std::u16string(where) + u"ORDER BY " + order, true);
+    EXPECT_GT(ranges, 1100);
+    EXPECT_EQ(walks, 400 + 2 + 3 * 2);
 }
 
 TEST_F(SelectionTest, ChangesRows) {
