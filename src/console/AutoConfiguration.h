@@ -26,7 +26,7 @@ bool DefaultLocalInstall();
 
 // Builds everything that is missing in the locations that settings() hold, saves the local ini file, and says
 // so. False when the folder of the first cart part cannot be made: then nothing was saved. Whatever fails
-// later is reported and does not stop the rest; the closing message then tells what is missing
+// later is reported and does not stop the rest; a box before the closing message names what is missing
 // (console/Installation.h).
 bool AutoInstall();
 

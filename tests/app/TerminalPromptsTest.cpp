@@ -1,4 +1,6 @@
 // Questions of a shell: who answers them, and with what.
+#include "support/MachineFolder.h"
+
 #include "app/ctl/TerminalPrompts.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +13,7 @@
 
 using namespace tolvex::platform;
 using tolvex::ctl::TerminalPrompts;
+using tolvex::tests::TestMachine;
 using Answers = TerminalPrompts::Answers;
 
 namespace {
@@ -90,6 +93,15 @@ TEST(TerminalPrompts, AskWhoeverSitsAtTheTerminal) {
         EXPECT_EQ(prompts.pickFolder("Folder", {}), "C:\\X");
         EXPECT_EQ(prompts.askText("Name", {}, "old"), "old");
         EXPECT_EQ(prompts.pickColour(0), 0xff0000);
+    }
+    {
+        TestMachine machine;
+        machine.write("C:\\EDIT.EXE", "program");
+        FileQuestion question;
+        question.fileName = "*.EXE"; // not a file that can be taken
+        const Input somebody("C:\\GONE.EXE\nC:\\EDIT.EXE\n\n");
+        EXPECT_EQ(prompts.pickFile(question), "C:\\EDIT.EXE");
+        EXPECT_EQ(prompts.pickFile(question), std::nullopt);
     }
     const Input gone("\x04"); // end of input
     EXPECT_EQ(prompts.ask(question(Buttons::OkCancel)), Answer::Cancel);

@@ -45,7 +45,7 @@ struct Station {
         const bool ran = DefaultLocalInstall();
         ResetUsersState();
         ConsoleTest::forget();
-        const bool complete = prompts.texts().last().startsWith("Tolvex is now fully configured");
+        const bool complete = prompts.texts().filter("could not be made").isEmpty();
         return !ran ? Refused : complete ? Complete : Incomplete;
     }
 
@@ -105,11 +105,15 @@ QMap<QString, QByteArray> contents(const TestMachine& machine) {
 // A fault at each third operation from `first` on. Every operation is a place to be killed at; of the others
 // a third is enough, and each row a test of its own, so that they run side by side.
 struct Faults {
+    const char* name;
     Fault fault;
     int first;
 };
-constexpr Faults allFaults[] = {
-    {Fault::Kill, 1}, {Fault::Kill, 2}, {Fault::Kill, 3}, {Fault::Error, 1}, {Fault::NoRoom, 2}};
+constexpr Faults allFaults[] = {{"Kill", Fault::Kill, 1},
+                                {"Kill", Fault::Kill, 2},
+                                {"Kill", Fault::Kill, 3},
+                                {"Error", Fault::Error, 1},
+                                {"NoRoom", Fault::NoRoom, 2}};
 constexpr int step = 3;
 
 class InterruptedInstallTest : public ConsoleTest, public testing::WithParamInterface<Faults> {
@@ -150,4 +154,7 @@ TEST_P(InterruptedInstallTest, CompletesWhenItRunsAgain) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllFaults, InterruptedInstallTest, testing::ValuesIn(allFaults));
+INSTANTIATE_TEST_SUITE_P(AllFaults, InterruptedInstallTest, testing::ValuesIn(allFaults),
+                         [](const auto& row) {
+                             return std::string(row.param.name) + std::to_string(row.param.first);
+                         });

@@ -1,6 +1,7 @@
 #include "app/ctl/TerminalPrompts.h"
 
 #include "app/ctl/Command.h"
+#include "platform/Files.h"
 #include "platform/Terminal.h"
 
 #include <QCoreApplication>
@@ -125,7 +126,14 @@ std::optional<QString> TerminalPrompts::path(const QString& prompt, const QStrin
 }
 
 std::optional<QString> TerminalPrompts::pickFile(const platform::FileQuestion& question) {
-    return path(question.title, question.fileName);
+    // A pattern is no file to begin with.
+    const QString start = question.fileName.contains(u'*') ? QString() : question.fileName;
+    std::optional<QString> given = path(question.title, start);
+    while (given && question.mustExist && !platform::FileExists(*given)) {
+        say(QStringLiteral("There is no file %1.").arg(*given));
+        given = path(question.title, start);
+    }
+    return given;
 }
 
 std::optional<QString> TerminalPrompts::pickFolder(const QString& prompt, const QString& start) {
