@@ -3,15 +3,21 @@
 #include "app/window/ProgressBox.h"
 #include "console/forms/Station.h"
 #include "console/forms/frmSplash.h"
+#include "platform/DriveAsker.h"
 
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTextEdit>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -90,6 +96,23 @@ TEST(QtPrompts, ProgressCanBeStoppedAndTellsWhatIsDone) {
     EXPECT_TRUE(box->labelText().startsWith("second"));
     box->cancel();
     EXPECT_FALSE(progress.step(51, 100, "third"));
+}
+
+// The window is alive while a drive holds its asker in the system, and its button ends the wait.
+TEST(QtPrompts, StopsASearchWhileADriveHangs) {
+    Window window;
+    const QByteArray pipe = QFile::encodeName(window.machine.path() + "/pipe");
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    withNextForm([](QWidget& box) {
+        EXPECT_TRUE(dynamic_cast<QProgressDialog&>(box).labelText().startsWith("Looking at M:"));
+        QTest::mouseClick(box.findChild<QPushButton*>(), Qt::LeftButton);
+    });
+    const auto hang = [pipe](const QString&) -> qint64 {
+        return ::close(::open(pipe.constData(), O_RDONLY));
+    };
+    platform::DriveAsker asker(std::chrono::hours(1));
+    EXPECT_FALSE(asker.ask({"M:\\TLVX_SYS.INI"}, hang, *window.qt.beginProgress("Search", true)));
+    ::close(::open(pipe.constData(), O_RDWR));
 }
 
 TEST(QtPrompts, ShowsTheSplashTheNoticeAndTheSets) {
