@@ -1,4 +1,5 @@
 // What asking the machine costs: paths, records, replacing a file.
+#include "platform/DriveAsker.h"
 #include "platform/Files.h"
 #include "platform/HostFiles.h"
 #include "platform/PathParts.h"
@@ -50,6 +51,19 @@ void PathOfAMissingFile(benchmark::State& state) {
 BENCHMARK(PathAsSpelled);
 BENCHMARK(PathInAnotherCase);
 BENCHMARK(PathOfAMissingFile);
+
+// A search of one drive, thread and all: 69 files, none of them there.
+void SearchADrive(benchmark::State& state) {
+    const Machine machine(1000);
+    QThread::msleep(50);
+    QStringList files;
+    for (int i = 0; i < 69; ++i)
+        files += QString("C:\\Tolvex\\System\\Users\\Carts%1.LST").arg(i);
+    const auto progress = prompts().beginProgress("Search", true);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(DriveAsker().ask(files, FileSize, *progress));
+}
+BENCHMARK(SearchADrive)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void SplitPathOnly(benchmark::State& state) {
     const QString path = "C:\\TOLVEX\\SYSTEM\\USERS\\USERS25.MDB";

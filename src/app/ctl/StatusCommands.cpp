@@ -16,14 +16,16 @@ int status(Call& call) {
         locations += QJsonObject{{QStringLiteral("part"), location.part},
                                  {QStringLiteral("path"), location.path},
                                  {QStringLiteral("state"), location.state}};
-    const QJsonObject record{{QStringLiteral("localIni"), facts.localIni},
-                             {QStringLiteral("configName"), facts.configName},
-                             {QStringLiteral("systemIni"), facts.systemIni},
-                             {QStringLiteral("dataLocation"), facts.dataLocation},
-                             {QStringLiteral("linkMeshId"), facts.linkMeshId},
-                             {QStringLiteral("cartPlayers"), facts.cartPlayers},
-                             {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
-                             {QStringLiteral("locations"), locations}};
+    QJsonObject record{{QStringLiteral("localIni"), facts.localIni},
+                       {QStringLiteral("configName"), facts.configName},
+                       {QStringLiteral("systemIni"), facts.systemIni},
+                       {QStringLiteral("dataLocation"), facts.dataLocation},
+                       {QStringLiteral("linkMeshId"), facts.linkMeshId},
+                       {QStringLiteral("cartPlayers"), facts.cartPlayers},
+                       {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
+                       {QStringLiteral("locations"), locations}};
+    if (facts.missing.isEmpty() && !call.output.json())
+        record[QStringLiteral("missing")] = QStringLiteral("nothing");
     call.output.record(record, {{"localIni", "Local ini file"},
                                 {"configName", "Configuration"},
                                 {"systemIni", "System ini file"},
