@@ -14,6 +14,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 using namespace jet;
 
@@ -282,6 +283,35 @@ void walkRows(benchmark::State& state, const char16_t* index) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 
+// The same in a file that others may use, too: alone, and within one Reading.
+void walkShared(benchmark::State& state, bool withinReading) {
+    const auto path = std::filesystem::temp_directory_path() / "tolvex-bench-shared.mdb";
+    std::filesystem::remove(path);
+    {
+        Database database = Database::create(path.string());
+        AppendTable(database.catalog(), {u"Songs", {{u"Id", ColumnType::Long}}, {}, {}});
+        Table table = database.catalog().table(u"Songs");
+        Transaction transaction(database);
+        for (std::int32_t i = 0; i < 10000; ++i) {
+            std::vector<Value> row{i};
+            table.insert(row);
+        }
+        transaction.commit();
+        Recordset set = Recordset::open(database, u"Songs");
+        std::optional<Reading> reading;
+        if (withinReading)
+            reading.emplace(database.pager());
+        for (auto _ : state) {
+            benchmark::DoNotOptimize(set.value(0));
+            set.moveNext();
+            if (set.eof())
+                set.moveFirst();
+        }
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+    std::filesystem::remove(path);
+}
+
 void editRows(benchmark::State& state) {
     File& file = millionRows();
     Recordset set = Recordset::open(*file, u"Songs");
@@ -341,6 +371,8 @@ BENCHMARK_CAPTURE(seekRows, Find, false);
 BENCHMARK_CAPTURE(seekRows, FindAndRead, true);
 BENCHMARK_CAPTURE(walkRows, ByPage, u"");
 BENCHMARK_CAPTURE(walkRows, ById, u"Main");
+BENCHMARK_CAPTURE(walkShared, RowByRow, false);
+BENCHMARK_CAPTURE(walkShared, WithinReading, true);
 BENCHMARK(editRows);
 BENCHMARK(removeRows)->Unit(benchmark::kMillisecond);
 

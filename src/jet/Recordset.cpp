@@ -249,6 +249,14 @@ void Recordset::move(Step step, Place end, Place otherEnd, Step enter) {
         place_ = Place::On;
     else
         place_ = order_->first() ? end : Place::Empty;
+    // In a shared file every operation looks for others' changes; whoever walks mostly wants the row, too.
+    if (place_ == Place::On && kind_ != Kind::Snapshot) {
+        try {
+            loadRow();
+        } catch (const Error&) {
+            // Told when a value is asked for: one can walk on behind a damaged row.
+        }
+    }
 }
 
 void Recordset::findFirst(std::u16string_view criterion) {
@@ -333,7 +341,7 @@ void Recordset::loadRow() {
     if (!table_->fetch(order_->at(), row))
         throw Error(ErrorNumber::RecordDeleted);
     bytes_.assign(row.all().begin(), row.all().end());
-    row_ = RowView(bytes_, row.page(), table_->definition().variableColumns > 0);
+    row_.moveTo(bytes_, row.page(), table_->definition().variableColumns > 0);
     loaded_ = true;
 }
 

@@ -107,6 +107,14 @@ std::vector<RowPointer> Selection::rows() const {
     if (sorts())
         return sorted();
     std::vector<RowPointer> pointers;
+    if (range_ && !criterion_) { // the rows need not be looked at
+        const auto take = [&](RowPointer at) {
+            pointers.push_back(at);
+            return true;
+        };
+        walk_->backward ? walkBackward(take) : walkForward(take);
+        return pointers;
+    }
     forEachFound([&](RowPointer at, const RowView&) {
         pointers.push_back(at);
         return true;
