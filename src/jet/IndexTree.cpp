@@ -44,11 +44,14 @@ void IndexTree::destroy() {
 }
 
 bool IndexTree::contains(KeyView key) const {
-    const Reading reading(*pager_);
     IndexPath path;
+    return find(key, path);
+}
+
+bool IndexTree::find(KeyView key, IndexPath& path) const {
+    const Reading reading(*pager_);
     const std::uint8_t* page = Descend(*this, key, false, path);
     int offset = path.leaf().offset;
-    near_ = path.leaf().page;
     // Behind the end of a leaf the entry can only lie in the next one, and only if a node of someone else's
     // making says more of its child than is in it.
     for (PageNumber steps = 0; offset >= Used(page) && Next(page) != 0; ++steps) {
@@ -72,7 +75,7 @@ bool IndexTree::containsOther(KeyView key, RowPointer row) const {
     return false;
 }
 
-// Adds an entry to the leaf that was looked at last, if it is still one of this tree and the entry's place is
+// Adds an entry to the leaf that the last one ended, if it is still one of this tree and the entry's place is
 // between two of its entries, or at an end of the tree.
 bool IndexTree::insertNear(KeyView entry) {
     if (near_ == 0 || !pages_.contains(near_))
@@ -99,6 +102,17 @@ void IndexTree::insert(KeyView key, RowPointer row) {
         Damaged(leaf.page, "has an index entry for this row already");
     if (!Insert(pager_->edit(leaf.page), leaf.offset, entry.view()))
         IndexChange(*this, path).insert(entry.view());
+}
+
+// Behind the end of a leaf a node above may know better where the entry goes.
+void IndexTree::insertAt(IndexPath& place, KeyView key, RowPointer row) {
+    const IndexPath::Step leaf = place.leaf();
+    std::uint8_t* page = pager_->edit(leaf.page);
+    if (leaf.offset >= Used(page) && Next(page) != 0)
+        return insert(key, row);
+    const EntryBuffer entry(key, row);
+    if (!Insert(page, leaf.offset, entry.view()))
+        IndexChange(*this, place).insert(entry.view());
 }
 
 bool IndexTree::remove(KeyView key, RowPointer row) {

@@ -1,7 +1,7 @@
 // A tree of index entries on pages. An entry is a key (KeyEncoding.h) and the pointer of a row; entries are
 // ordered by their bytes, the pointer being part of them, so all are different although keys may be equal.
 //
-// A tree object holds no state but where the tree lies and, as a hint, the leaf that it looked at last: every
+// A tree object holds no state but where the tree lies and, as a hint, the leaf that grew at its end: every
 // call works on the pages as they are, so several objects on one tree, and a rollback of the pager, do no
 // harm. Pages are checked as they are met; a page that does not hold what it should throws ReadVerification.
 // What changes the tree is called inside a Changing of the pager.
@@ -11,6 +11,8 @@
 #include "jet/UsageMap.h"
 
 namespace jet {
+
+struct IndexPath;
 
 class IndexTree {
 public:
@@ -37,14 +39,18 @@ public:
 
     // Whether some entry has exactly this key. Cost: one page for each level.
     bool contains(KeyView key) const;
+    // The same, and where an entry with this key would go, for insertAt().
+    bool find(KeyView key, IndexPath& place) const;
     // Whether an entry with this key belongs to another row than this one.
     bool containsOther(KeyView key, RowPointer row) const;
 
-    // Adds an entry; cheapest if contains() was asked for its key before. Uniqueness is the caller's affair;
+    // Adds an entry; Uniqueness is the caller's affair;
     // an entry that is there already throws ReadVerification. Throws RecordTooLarge for a key above
     // MaximumKeyLength. Cost: one page for each level, of which only the leaf is changed, in place, unless it
     // has to be split.
     void insert(KeyView key, RowPointer row);
+    // The same for an entry whose key find() has not found; the tree was not changed since.
+    void insertAt(IndexPath& place, KeyView key, RowPointer row);
     // Takes an entry out; false if there is no such entry. Same cost.
     bool remove(KeyView key, RowPointer row);
 
@@ -55,7 +61,7 @@ private:
     PageNumber root_;
     PageNumber table_;
     UsageMap pages_;
-    mutable PageNumber near_ = 0; // the leaf looked at last
+    PageNumber near_ = 0; // the leaf at the end of which an entry was added last
 };
 
 // A place among the entries of a tree. It holds a copy of its entry and finds its place again when the tree

@@ -90,6 +90,7 @@ void TableWriter::prepareKey(Index& index, std::span<const Value> values) {
     const KeyKind kind = index.encoder.encodeRow(values, index.key);
     index.present = !(real.ignoresNulls() && kind == KeyKind::AllNull);
     index.newKeys = 0;
+    index.searched = false;
     if (real.isRequired() && kind != KeyKind::Plain)
         throw Error(ErrorNumber::NullNotAllowed);
     if (!index.present || (index.oldPresent && index.key == index.oldKey))
@@ -97,7 +98,8 @@ void TableWriter::prepareKey(Index& index, std::span<const Value> values) {
     const bool mustDiffer = real.isUnique() && kind != KeyKind::AllNull;
     if (!mustDiffer && sample_ == 0)
         return;
-    const bool isNew = !index.tree.contains(index.key);
+    const bool isNew = !index.tree.find(index.key, index.place);
+    index.searched = isNew;
     if (!isNew && mustDiffer)
         throw Error(ErrorNumber::DuplicateKey);
     if (isNew)
@@ -179,9 +181,13 @@ RowPointer TableWriter::insert() {
     storeApart();
     const RowPointer at = space_.put(row_, 0);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
-        if (!indexes_[i].present)
+        Index& index = indexes_[i];
+        if (!index.present)
             continue;
-        indexes_[i].tree.insert(indexes_[i].key, at);
+        if (index.searched)
+            index.tree.insertAt(index.place, index.key, at);
+        else
+            index.tree.insert(index.key, at);
         countKeys(i);
     }
     TableCounters::addRows(pager_, definition_.page, 1);

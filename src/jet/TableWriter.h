@@ -1,7 +1,7 @@
 // The changing half of a Table: made with the first change, it keeps what is needed for many of them.
 #pragma once
 
-#include "jet/IndexTree.h"
+#include "jet/IndexPath.h"
 #include "jet/KeyEncoding.h"
 #include "jet/LongValue.h"
 #include "jet/Table.h"
@@ -34,6 +34,8 @@ private:
         bool present = false; // the row has an entry
         bool oldPresent = false;
         std::uint32_t newKeys = 0; // what the row adds to the number of distinct keys
+        bool searched = false;     // the new key is not there yet, and would go to `place`
+        IndexPath place = {};
     };
     // A long value of the row being built that goes to pages of its own.
     struct Apart {

@@ -4,6 +4,7 @@
 #include "jet/Error.h"
 #include "jet/IndexBuilder.h"
 #include "jet/IndexCheck.h"
+#include "jet/IndexPath.h"
 #include "jet/MemoryPager.h"
 
 #include <gtest/gtest.h>
@@ -124,9 +125,10 @@ protected:
     void insertSome(int count) {
         for (int i = 0; i < count; ++i) {
             const auto [at, added] = model_.emplace(key(), row());
-            if (random_() % 2 == 0) // looking a key up shortens the way of the next insert
-                tree_->contains(random_() % 4 == 0 ? key() : at->first);
-            if (added)
+            IndexPath place;
+            if (added && random_() % 2 == 0 && !tree_->find(at->first, place))
+                tree_->insertAt(place, at->first, at->second);
+            else if (added)
                 tree_->insert(at->first, at->second);
         }
     }
