@@ -1,23 +1,20 @@
 #include "jet/FilePager.h"
 
 #include "jet/Damage.h"
-#include "jet/PageCache.h"
-#include "jet/RedoLog.h"
+#include "jet/LoggedFile.h"
+#include "jet/Savepoints.h"
 #include "jet/Sharing.h"
 #include "jet/UsageMap.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <unordered_map>
 
 namespace jet {
 
 namespace {
 
 constexpr std::size_t LeastCache = 256;
-constexpr PageNumber MaximumPages = 0x80000000 / PageSize; // files end at 2 GB
-constexpr PageNumber PagesPerWrite = 64;
 // Pages edited last, which stay as they are when a large transaction's pages are put into the log: code above
 // may still write through their pointers.
 constexpr std::size_t RecentEdits = 16;
@@ -42,35 +39,21 @@ std::string whyReadOnly(const OpenOptions& options, bool writable, const PageZer
 } // namespace
 
 struct FilePager::Impl {
-    using Image = std::array<std::uint8_t, PageSize>;
-    // A change that has begun; the first one is the transaction.
-    struct Level {
-        bool undoable = false;
-        bool broken = false; // holds parts of an inner change that was given up
-        std::uint64_t serial = 0;
-        std::uint64_t version = 0; // when it began
-        PageNumber pages = 0;
-        std::unordered_map<PageNumber, std::unique_ptr<Image>> before;
-    };
-
     Impl(FilePager& pager, Storage& storageUsed, const std::string& databasePath, const OpenOptions& wanted)
-        : owner(pager)
-        , storage(storageUsed)
+        : storage(storageUsed)
         , path(databasePath)
         , options(wanted)
         , cache(std::max(wanted.cachePages, LeastCache))
-        , free(pager, {1, 0}) {}
+        , stored(storageUsed, databasePath, cache)
+        , free(pager, stored.header().freeMap)
+        , readOnlyReason(whyReadOnly(wanted, stored.isWritable(), stored.header())) {}
 
     void open();
-    void readHeader();
-    PageNumber pagesInFile();
     void takeOverLog(Sharing::Others others);
-    void retireLog();
 
     PageCache::Frame& load(PageNumber page);
     PageCache::Frame& frameOf(PageNumber page);
     PageCache::Frame& editFrame(PageNumber page);
-    void saveBefore(PageCache::Frame& frame);
     PageNumber append();
     void spill();
 
@@ -78,47 +61,33 @@ struct FilePager::Impl {
     void enter();
     void leave() noexcept;
     void takeNews();
-    void takeFrames(std::uint32_t from, bool forget);
-    void setLogFrame(PageNumber page, std::uint32_t frame);
-    void ensureLog();
+    void forgetDerived();
+    void cutTo(PageNumber pages);
     void commitOutermost();
     void rollbackOutermost() noexcept;
-    void restore(const Level& level);
-    void passOn(Level& inner);
+    void restore(const Savepoints::Level& level);
     void endOutermost() noexcept;
     bool checkpoint(Sharing::Wait wait);
-    void writePages();
     void close();
+    void leaveFile(bool last);
 
-    FilePager& owner;
     Storage& storage;
     std::string path;
     OpenOptions options;
-    std::unique_ptr<StorageFile> file;
-    std::unique_ptr<Sharing> sharing;
-    std::unique_ptr<RedoLog> log; // null: there is none yet
-    bool fileWritable = false;
-    bool closed = false;
-    PageZero header;
-    std::string readOnlyReason;
-    std::uint64_t identity = 0;
-
     PageCache cache;
+    LoggedFile stored;
     FreeMap free;
+    std::string readOnlyReason;
+    std::unique_ptr<Sharing> sharing;
+    bool closed = false;
+
     bool ready = false; // pages may be read without asking for others' changes
     int readDepth = 0;
     std::uint64_t version = 1;
-    PageNumber pages = 0;                // of the file as the running operation sees it
-    std::vector<std::uint32_t> logFrame; // per page: 1 + its newest frame in the log, 0: it is in the file
-    std::vector<PageNumber> logged;      // pages whose entry is not 0
     std::chrono::steady_clock::time_point foreignChecked{};
 
-    std::vector<Level> levels;
-    std::uint64_t serial = 0;   // of the last level made
-    std::uint64_t saving = 0;   // of the innermost undoable level inside the transaction; 0: none
+    Savepoints changes;
     PageNumber pagesBefore = 0; // as the transaction began
-    // Pages of the transaction that are in the log already, with their entry of logFrame before.
-    std::vector<std::pair<PageNumber, std::uint32_t>> spilled;
     std::array<const PageCache::Frame*, RecentEdits> recent{};
     std::size_t edits = 0;
 };
@@ -126,22 +95,14 @@ struct FilePager::Impl {
 // ---- Opening
 
 void FilePager::Impl::open() {
-    try {
-        file = storage.open(path, Storage::Open::ReadWrite);
-        fileWritable = true;
-    } catch (const Error& error) {
-        if (error.code() != ErrorNumber::CannotOpenFile)
-            throw;
-        file = storage.open(path, Storage::Open::ReadOnly);
-    }
-    readHeader();
-    sharing = std::make_unique<Sharing>(storage, *file, path, fileWritable, options.lockWait);
+    const PageZero& header = stored.header();
+    if (!header.password.empty() && header.password != options.password)
+        throw Error(ErrorNumber::InvalidPassword, path);
+    sharing = std::make_unique<Sharing>(storage, stored.file(), path, stored.isWritable(), options.lockWait);
     const Sharing::Others others = sharing->join(options.exclusive);
+    stored.setShared(!sharing->isExclusive());
     try {
-        pages = pagesInFile();
-        log = RedoLog::open(storage, RedoLog::PathFor(path), !fileWritable, identity);
-        if (log != nullptr)
-            takeOverLog(others);
+        takeOverLog(others);
         sharing->joined();
     } catch (...) {
         sharing->finishLeaving(!others.any);
@@ -150,37 +111,16 @@ void FilePager::Impl::open() {
     ready = sharing->isExclusive();
 }
 
-PageNumber FilePager::Impl::pagesInFile() {
-    return static_cast<PageNumber>(std::min<std::uint64_t>(file->size() / PageSize, MaximumPages));
-}
-
-void FilePager::Impl::readHeader() {
-    Image page{};
-    const std::size_t length = file->read(0, page.data(), page.size());
-    header = DecodePageZero({page.data(), length});
-    if (header.version != PageZero::Jet4)
-        throw Error(ErrorNumber::Unrecognised, path + ": of an older version");
-    if (!header.password.empty() && header.password != options.password)
-        throw Error(ErrorNumber::InvalidPassword, path);
-    identity = RedoLog::IdentityOf(page.data());
-    readOnlyReason = whyReadOnly(options, fileWritable, header);
-    free = FreeMap(owner, header.freeMap);
-}
-
 void FilePager::Impl::takeOverLog(Sharing::Others others) {
-    log->setShared(!sharing->isExclusive());
-    // Without a living writer the session that left this log died, perhaps with the power: only what the
-    // frames' checksums prove is true.
-    if (!others.writers)
-        log->recover();
-    takeFrames(0, true);
-    if (others.writers || !fileWritable)
+    // Without a living writer the session that left a log died, perhaps with the power: only what the frames'
+    // checksums prove is true.
+    if (!stored.openLog(!others.writers) || others.writers || !stored.isWritable())
         return;
     try {
         if (others.any)
-            log->publish(pages);
+            stored.publishLog();
         else
-            retireLog();
+            stored.retireLog();
     } catch (const Error&) {
         if (others.any)
             throw;
@@ -188,47 +128,15 @@ void FilePager::Impl::takeOverLog(Sharing::Others others) {
     }
 }
 
-// Nobody else is here: brings the log into the file and removes it.
-void FilePager::Impl::retireLog() {
-    if (log->state().frames != 0)
-        writePages();
-    try {
-        storage.remove(RedoLog::PathFor(path));
-    } catch (const Error&) {
-        log->reset(pages); // a full one that is found again could spoil what other programs write meanwhile
-    }
-    log.reset();
+// ---- Reading
+
+void FilePager::Impl::checkOpen() const {
+    if (closed)
+        throw Error(ErrorNumber::InvalidArgument, path + ": closed");
 }
 
-// ---- What other users, or an earlier session, have put into the log
-
-void FilePager::Impl::setLogFrame(PageNumber page, std::uint32_t frame) {
-    if (page == 0 || page >= MaximumPages)
-        throw Error(ErrorNumber::Corrupt, path + ": the redo log names page " + std::to_string(page));
-    if (page >= logFrame.size())
-        logFrame.resize(page + page / 8 + 64);
-    if (logFrame[page] == 0)
-        logged.push_back(page);
-    logFrame[page] = frame + 1;
-}
-
-void FilePager::Impl::takeFrames(std::uint32_t from, bool forget) {
-    if (forget)
-        cache.dropClean();
-    if (from == 0) {
-        for (const PageNumber page : logged)
-            logFrame[page] = 0;
-        logged.clear();
-    }
-    log->pagesOf(from, log->state().frames, [this](std::uint32_t frame, PageNumber page) {
-        cache.drop(page);
-        setLogFrame(page, frame);
-    });
-    const PageNumber before = std::max(pages, pagesInFile());
-    pages = log->state().pages != 0 ? std::min(log->state().pages, MaximumPages) : pages;
-    for (PageNumber page = before; page < pages; ++page)
-        if (page >= logFrame.size() || logFrame[page] == 0)
-            throw Error(ErrorNumber::Corrupt, path + ": the redo log lacks page " + std::to_string(page));
+// Pages may be others than they were.
+void FilePager::Impl::forgetDerived() {
     free.forget();
     ++version;
 }
@@ -236,29 +144,11 @@ void FilePager::Impl::takeFrames(std::uint32_t from, bool forget) {
 void FilePager::Impl::takeNews() {
     if (sharing->isExclusive())
         return;
-    if (log == nullptr) {
-        log = RedoLog::open(storage, RedoLog::PathFor(path), !fileWritable, identity);
-        if (log == nullptr)
-            return;
-        log->setShared(true);
-        log->refresh();
-        takeFrames(0, true);
-        return;
-    }
-    const RedoLog::State known = log->state();
-    if (!log->refresh())
-        return;
-    const RedoLog::State& now = log->state();
-    const bool emptied = now.generation != known.generation;
-    const bool sawAll = now.generation == known.generation + 1 && now.previousFrames == known.frames;
-    takeFrames(emptied ? 0 : known.frames, emptied && !sawAll);
-}
-
-// ---- Reading
-
-void FilePager::Impl::checkOpen() const {
-    if (closed)
-        throw Error(ErrorNumber::InvalidArgument, path + ": closed");
+    const LoggedFile::News news = stored.takeNews([this](PageNumber page) { cache.drop(page); });
+    if (news == LoggedFile::News::Everything)
+        cache.dropClean();
+    if (news != LoggedFile::News::None)
+        forgetDerived();
 }
 
 void FilePager::Impl::enter() {
@@ -280,18 +170,11 @@ void FilePager::Impl::leave() noexcept {
 }
 
 PageCache::Frame& FilePager::Impl::load(PageNumber page) {
-    if (page >= pages)
+    if (page >= stored.pages())
         Damaged(page, "lies beyond the end of the file");
     PageCache::Frame& frame = cache.add(page);
     try {
-        if (page < logFrame.size() && logFrame[page] != 0) {
-            log->read(logFrame[page] - 1, frame.bytes);
-        } else {
-            if (file->read(static_cast<std::uint64_t>(page) * PageSize, frame.bytes, PageSize) != PageSize)
-                Damaged(page, "is cut off");
-            if (header.databaseKey != 0 && page != 0)
-                CryptPage(header.databaseKey, page, frame.bytes);
-        }
+        stored.read(page, frame.bytes);
     } catch (...) {
         cache.drop(page);
         throw;
@@ -316,28 +199,17 @@ const std::uint8_t* FilePager::read(PageNumber page) {
 }
 
 void FilePager::beginReading() {
-    if (impl_->readDepth == 0 && impl_->levels.empty())
+    if (impl_->readDepth == 0 && impl_->changes.depth() == 0)
         impl_->enter();
     ++impl_->readDepth;
 }
 
 void FilePager::endReading() noexcept {
-    if (--impl_->readDepth == 0 && impl_->levels.empty())
+    if (--impl_->readDepth == 0 && impl_->changes.depth() == 0)
         impl_->leave();
 }
 
 // ---- Changing
-
-void FilePager::Impl::saveBefore(PageCache::Frame& frame) {
-    const auto level = std::find_if(levels.rbegin(), levels.rend(),
-                                    [this](const Level& one) { return one.serial == saving; });
-    auto& image = level->before[frame.page];
-    if (image == nullptr) {
-        image = std::make_unique<Image>();
-        std::memcpy(image->data(), frame.bytes, PageSize);
-    }
-    frame.savedIn = saving;
-}
 
 PageCache::Frame& FilePager::Impl::editFrame(PageNumber page) {
     PageCache::Frame& frame = frameOf(page);
@@ -348,13 +220,15 @@ PageCache::Frame& FilePager::Impl::editFrame(PageNumber page) {
             spill();
         cache.makeDirty(frame);
     }
-    if (saving != 0 && frame.savedIn != saving)
-        saveBefore(frame);
+    if (changes.saving() != 0 && frame.savedIn != changes.saving()) {
+        changes.save(page, frame.bytes);
+        frame.savedIn = changes.saving();
+    }
     return frame;
 }
 
 std::uint8_t* FilePager::edit(PageNumber page) {
-    if (impl_->levels.empty())
+    if (impl_->changes.depth() == 0)
         throw Error(ErrorNumber::InvalidArgument, "a page is changed outside of a transaction");
     if (page == 0) // it ties the log to the file
         throw Error(ErrorNumber::InvalidArgument, "the header of a database cannot be changed in place");
@@ -362,16 +236,15 @@ std::uint8_t* FilePager::edit(PageNumber page) {
 }
 
 PageNumber FilePager::Impl::append() {
-    if (pages >= MaximumPages)
-        throw Error(ErrorNumber::FileTooLarge, path);
-    PageCache::Frame& frame = cache.add(pages);
+    const PageNumber page = stored.append();
+    PageCache::Frame& frame = cache.add(page);
     std::memset(frame.bytes, 0, PageSize);
     cache.makeDirty(frame);
-    return pages++;
+    return page;
 }
 
 PageNumber FilePager::allocate() {
-    if (impl_->levels.empty())
+    if (impl_->changes.depth() == 0)
         throw Error(ErrorNumber::InvalidArgument, "a page is allocated outside of a transaction");
     const PageNumber page = impl_->free.allocate([this] { return impl_->append(); });
     std::memset(edit(page), 0, PageSize);
@@ -386,9 +259,9 @@ PageNumber FilePager::pageCount() {
     Impl& d = *impl_;
     if (!d.ready) {
         const Reading single(*this);
-        return d.pages;
+        return d.stored.pages();
     }
-    return d.pages;
+    return d.stored.pages();
 }
 
 std::uint64_t FilePager::version() {
@@ -396,15 +269,13 @@ std::uint64_t FilePager::version() {
 }
 
 int FilePager::changeDepth() const {
-    return static_cast<int>(impl_->levels.size());
+    return static_cast<int>(impl_->changes.depth());
 }
 
 void FilePager::beginChange(bool undoable) {
     Impl& d = *impl_;
-    if (!d.levels.empty()) {
-        d.levels.push_back({undoable, false, ++d.serial, d.version, d.pages, {}});
-        if (undoable)
-            d.saving = d.serial;
+    if (d.changes.depth() > 0) {
+        d.changes.begin(undoable, d.version, d.stored.pages());
         return;
     }
     d.checkOpen();
@@ -428,114 +299,83 @@ void FilePager::beginChange(bool undoable) {
         d.sharing->unlockWriting();
         throw;
     }
-    d.pagesBefore = d.pages;
-    d.levels.push_back({undoable, false, ++d.serial, d.version, d.pages, {}});
+    d.pagesBefore = d.stored.pages();
+    d.changes.begin(undoable, d.version, d.pagesBefore);
 }
 
 void FilePager::commitChange() {
     Impl& d = *impl_;
-    if (d.levels.empty())
+    if (d.changes.depth() == 0)
         throw Error(ErrorNumber::InvalidArgument, "no transaction is running");
-    Impl::Level& level = d.levels.back();
-    if (level.broken)
+    if (d.changes.innermost().broken)
         throw Error(ErrorNumber::InvalidArgument,
                     "a part of the transaction failed: it can only be rolled back");
-    if (d.levels.size() == 1) {
+    if (d.changes.depth() == 1) {
         d.commitOutermost();
         return;
     }
-    Impl::Level inner = std::move(level);
-    d.levels.pop_back();
+    Savepoints::Level inner = d.changes.end();
     if (inner.undoable)
-        d.passOn(inner);
+        d.changes.passOn(inner);
 }
 
 void FilePager::rollbackChange() noexcept {
     Impl& d = *impl_;
-    if (d.levels.empty())
+    if (d.changes.depth() == 0)
         return;
-    if (d.levels.size() == 1) {
+    if (d.changes.depth() == 1) {
         d.rollbackOutermost();
         return;
     }
-    Impl::Level level = std::move(d.levels.back());
-    d.levels.pop_back();
-    if (level.version == d.version)
-        return;
-    if (!level.undoable) {
-        d.levels.back().broken = true;
-        return;
+    Savepoints::Level level = d.changes.end();
+    if (level.version != d.version) {
+        try {
+            if (level.undoable)
+                d.restore(level);
+            else
+                d.changes.innermost().broken = true;
+        } catch (const Error&) {
+            d.changes.innermost().broken = true;
+        }
     }
-    try {
-        d.restore(level);
-    } catch (const Error&) {
-        d.levels.back().broken = true;
-    }
-    d.passOn(level);
+    if (level.undoable)
+        d.changes.passOn(level);
 }
 
-void FilePager::Impl::restore(const Level& level) {
-    saving = 0;
+void FilePager::Impl::restore(const Savepoints::Level& level) {
     for (const auto& [page, image] : level.before)
         if (page < level.pages)
             std::memcpy(editFrame(page).bytes, image->data(), PageSize);
-    while (pages > level.pages)
-        cache.drop(--pages);
-    free.forget();
-    ++version;
+    cutTo(level.pages);
 }
 
-// A level has ended: its copies serve the undoable change around it, if there is one.
-void FilePager::Impl::passOn(Level& inner) {
-    saving = 0;
-    const auto outer =
-        std::find_if(levels.rbegin(), levels.rend() - 1, [](const Level& one) { return one.undoable; });
-    if (outer == levels.rend() - 1)
-        return;
-    saving = outer->serial;
-    for (auto& [page, image] : inner.before)
-        outer->before.try_emplace(page, std::move(image));
+void FilePager::Impl::cutTo(PageNumber pages) {
+    for (PageNumber page = stored.pages(); page > pages; --page)
+        cache.drop(page - 1);
+    stored.cutTo(pages);
+    forgetDerived();
 }
 
-// Puts the pages of a large transaction into the log, uncommitted, so that memory stays bounded.
+// Puts the pages of a large transaction into the log, uncommitted.
 void FilePager::Impl::spill() {
-    ensureLog();
     cache.clean([this](const PageCache::Frame& frame) {
         if (std::find(recent.begin(), recent.end(), &frame) != recent.end())
             return false;
-        const std::uint32_t before = frame.page < logFrame.size() ? logFrame[frame.page] : 0;
-        spilled.emplace_back(frame.page, before);
-        setLogFrame(frame.page, log->end());
-        log->append(frame.page, frame.bytes, 0);
+        stored.spill(frame);
         return true;
     });
 }
 
-void FilePager::Impl::ensureLog() {
-    if (log == nullptr)
-        log = RedoLog::create(storage, RedoLog::PathFor(path), identity, pages);
-    log->setShared(!sharing->isExclusive());
-}
-
 void FilePager::Impl::commitOutermost() {
-    if (!spilled.empty() && cache.dirty().empty())
-        editFrame(spilled.back().first);
-    const std::vector<PageCache::Frame*>& dirty = cache.dirty();
-    if (!dirty.empty()) {
-        ensureLog();
-        std::uint32_t at = log->end();
-        for (const PageCache::Frame* frame : dirty)
-            log->append(frame->page, frame->bytes, frame == dirty.back() ? pages : 0);
-        log->publish(pages);
-        for (const PageCache::Frame* frame : dirty)
-            setLogFrame(frame->page, at++);
+    if (const PageNumber spilled = stored.spilledPage(); spilled != 0 && cache.dirty().empty())
+        editFrame(spilled);
+    if (!cache.dirty().empty()) {
+        stored.commit(cache.dirty());
         cache.clean([](const PageCache::Frame&) { return true; });
-        spilled.clear();
     }
-    levels.clear();
-    saving = 0;
+    changes.clear();
     try {
-        if (log != nullptr && log->state().frames >= options.logPages)
+        if (stored.logLength() >= options.logPages)
             checkpoint(BriefWait);
     } catch (const Error&) {
         // The transaction is in the log; a later commit tries again, and flush() says what is wrong.
@@ -545,21 +385,9 @@ void FilePager::Impl::commitOutermost() {
 
 void FilePager::Impl::rollbackOutermost() noexcept {
     cache.dropDirty();
-    for (auto one = spilled.rbegin(); one != spilled.rend(); ++one) {
-        cache.drop(one->first);
-        logFrame[one->first] = one->second;
-    }
-    if (!spilled.empty())
-        std::erase_if(logged, [this](PageNumber page) { return logFrame[page] == 0; });
-    spilled.clear();
-    if (log != nullptr)
-        log->rollback();
-    while (pages > pagesBefore)
-        cache.drop(--pages);
-    levels.clear();
-    saving = 0;
-    free.forget();
-    ++version;
+    stored.rollback([this](PageNumber page) { cache.drop(page); });
+    cutTo(pagesBefore);
+    changes.clear();
     endOutermost();
 }
 
@@ -574,13 +402,12 @@ void FilePager::Impl::endOutermost() noexcept {
 
 // The caller holds the writing lock, and no change is running. False: others are reading.
 bool FilePager::Impl::checkpoint(Sharing::Wait wait) {
-    if (log == nullptr || log->state().frames == 0)
+    if (stored.logLength() == 0)
         return true;
     if (!sharing->lockPages(wait))
         return false;
     try {
-        writePages();
-        log->reset(pages);
+        stored.emptyLog();
     } catch (...) {
         sharing->lockReading();
         throw;
@@ -589,40 +416,10 @@ bool FilePager::Impl::checkpoint(Sharing::Wait wait) {
     return true;
 }
 
-void FilePager::Impl::writePages() {
-    log->flush();
-    std::sort(logged.begin(), logged.end());
-    while (!logged.empty() && logged.back() >= pages) { // appended and given up again
-        logFrame[logged.back()] = 0;
-        logged.pop_back();
-    }
-    std::vector<std::uint8_t> buffer;
-    for (std::size_t first = 0; first < logged.size();) {
-        std::size_t end = first;
-        buffer.clear();
-        while (end < logged.size() && end - first < PagesPerWrite &&
-               logged[end] - logged[first] == end - first) {
-            buffer.resize(buffer.size() + PageSize);
-            std::uint8_t* at = buffer.data() + buffer.size() - PageSize;
-            if (const PageCache::Frame* frame = cache.find(logged[end]); frame != nullptr)
-                std::memcpy(at, frame->bytes, PageSize);
-            else
-                log->read(logFrame[logged[end]] - 1, at);
-            ++end;
-        }
-        file->write(static_cast<std::uint64_t>(logged[first]) * PageSize, buffer.data(), buffer.size());
-        first = end;
-    }
-    file->flush();
-    for (const PageNumber page : logged)
-        logFrame[page] = 0;
-    logged.clear();
-}
-
 void FilePager::flush() {
     Impl& d = *impl_;
     d.checkOpen();
-    if (!d.levels.empty())
+    if (d.changes.depth() > 0)
         throw Error(ErrorNumber::InvalidArgument, "flush inside a transaction");
     if (!d.readOnlyReason.empty())
         return;
@@ -632,7 +429,7 @@ void FilePager::flush() {
         d.enter();
         // When readers do not let the file be written, what is in the log survives as well.
         if (!d.checkpoint(BriefWait))
-            d.log->flush();
+            d.stored.flushLog();
     } catch (...) {
         d.endOutermost();
         throw;
@@ -643,53 +440,71 @@ void FilePager::flush() {
 void FilePager::refresh() {
     Impl& d = *impl_;
     d.checkOpen();
-    if (d.sharing->isExclusive() || !d.levels.empty())
+    if (d.sharing->isExclusive() || d.changes.depth() > 0)
         return;
     const Reading now(*this);
     if (!d.sharing->hasForeignUsers())
         return;
     d.cache.dropClean();
-    d.free.forget();
-    ++d.version;
-    if (d.log == nullptr || d.log->state().frames == 0)
-        d.pages = d.pagesInFile();
+    d.forgetDerived();
+    d.stored.countPages();
 }
 
 void FilePager::close() {
     Impl& d = *impl_;
     if (d.closed)
         return;
-    while (!d.levels.empty())
+    while (d.changes.depth() > 0)
         rollbackChange();
     d.close();
 }
 
 void FilePager::Impl::close() {
-    const bool last = sharing->leave();
     std::exception_ptr failure;
+    bool last = false;
     try {
-        if (last && fileWritable) {
-            enter();
-            if (log != nullptr)
-                retireLog();
-        } else if (fileWritable && readOnlyReason.empty() && sharing->tryLockWriting()) {
-            enter();
-            checkpoint(BriefWait);
-        } else if (last && log != nullptr && log->state().frames == 0) {
-            storage.remove(RedoLog::PathFor(path));
-        }
+        last = sharing->leave();
+        leaveFile(last);
     } catch (const Error&) {
-        // Others go on with the log, and who could not write need not tidy up.
-        if (last && fileWritable)
-            failure = std::current_exception();
+        failure = std::current_exception();
     }
     closed = true;
     ready = false;
-    sharing->finishLeaving(last);
-    log.reset();
-    file.reset();
+    try {
+        sharing->finishLeaving(last);
+    } catch (const Error&) {
+        // The locks go with the file, and an old entry in the lock file tells nothing.
+    }
+    stored.closeFiles();
     if (failure)
         std::rethrow_exception(failure);
+}
+
+// Brings what is committed into the file as far as others allow it, and to the disk in any case. Throws only
+// what keeps that from being done.
+void FilePager::Impl::leaveFile(bool last) {
+    if (!stored.isWritable()) {
+        try {
+            if (last)
+                stored.removeEmptyLog();
+        } catch (const Error&) {
+            // Who may not write need not tidy up.
+        }
+    } else if (last) {
+        enter();
+        stored.retireLog();
+    } else if (readOnlyReason.empty()) {
+        try {
+            if (sharing->tryLockWriting()) {
+                enter();
+                checkpoint(BriefWait);
+            }
+        } catch (const Error&) {
+            // The others go on with the log; that it is on the disk is what counts.
+        }
+        if (!stored.isFlushed())
+            stored.flushLog();
+    }
 }
 
 // ---- The rest
@@ -708,7 +523,7 @@ FilePager::~FilePager() {
 }
 
 const PageZero& FilePager::header() const {
-    return impl_->header;
+    return impl_->stored.header();
 }
 
 const std::string& FilePager::readOnlyReason() const {

@@ -183,7 +183,16 @@ public:
         return std::make_unique<MachineFile>(file, path, how == Open::CreateNew);
     }
 
-    bool exists(const std::string& path) override { return ::access(path.c_str(), F_OK) == 0; }
+    // A share that has gone away is no sign that a file is not there: somebody's redo log could be taken for
+    // none.
+    bool exists(const std::string& path) override {
+        struct stat status {};
+        if (::stat(path.c_str(), &status) == 0)
+            return true;
+        if (errno != ENOENT && errno != ENOTDIR)
+            fail(path, "look for", errno, ErrorNumber::DiskIo);
+        return false;
+    }
 
     void remove(const std::string& path) override {
         if (::unlink(path.c_str()) != 0 && errno != ENOENT)

@@ -39,6 +39,7 @@ public:
     // CreateNew throws DatabaseExists if there is one; the others FileNotFound or CannotOpenFile. The first
     // flush() of a new file makes its name survive a power cut too.
     virtual std::unique_ptr<StorageFile> open(const std::string& path, Open how) = 0;
+    // Throws when that cannot be told.
     virtual bool exists(const std::string& path) = 0;
     // Nothing happens if there is none.
     virtual void remove(const std::string& path) = 0;

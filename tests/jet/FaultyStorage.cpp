@@ -14,13 +14,17 @@ public:
     File(FaultyStorage& storage, std::shared_ptr<Inode> inode)
         : storage_(storage)
         , inode_(std::move(inode)) {}
-    ~File() override { unlock(0, ~std::uint64_t{0}); }
+    ~File() override { release(0, ~std::uint64_t{0}); }
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    std::uint64_t size() override { return inode_->content.size(); }
+    std::uint64_t size() override {
+        storage_.requirePower();
+        return inode_->content.size();
+    }
 
     std::size_t read(std::uint64_t offset, void* into, std::size_t length) override {
+        storage_.requirePower();
         if (offset >= inode_->content.size())
             return 0;
         length = std::min<std::size_t>(length, inode_->content.size() - offset);
@@ -48,20 +52,22 @@ public:
     }
 
     bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool) override {
+        storage_.requirePower();
         for (const Lock& lock : inode_->locks)
             if (lock.owner != this && overlaps(lock, offset, length) && (exclusive || lock.exclusive))
                 return false;
-        unlock(offset, length);
+        release(offset, length);
         inode_->locks.push_back({this, offset, offset + length - 1, exclusive});
         return true;
     }
 
     void unlock(std::uint64_t offset, std::uint64_t length) override {
-        std::erase_if(inode_->locks,
-                      [&](const Lock& lock) { return lock.owner == this && overlaps(lock, offset, length); });
+        storage_.requirePower();
+        release(offset, length);
     }
 
     std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) override {
+        storage_.requirePower();
         for (const Lock& lock : inode_->locks)
             if (lock.owner != this && overlaps(lock, offset, length))
                 return std::max(lock.from, offset);
@@ -71,6 +77,10 @@ public:
 private:
     static bool overlaps(const Lock& lock, std::uint64_t offset, std::uint64_t length) {
         return lock.from <= offset + (length - 1) && offset <= lock.to;
+    }
+    void release(std::uint64_t offset, std::uint64_t length) {
+        std::erase_if(inode_->locks,
+                      [&](const Lock& lock) { return lock.owner == this && overlaps(lock, offset, length); });
     }
     void keep(Write write) {
         apply(write, inode_->content);
@@ -111,6 +121,7 @@ void FaultyStorage::changeNames(const std::function<void(Names&)>& change) {
 }
 
 std::unique_ptr<StorageFile> FaultyStorage::open(const std::string& path, Open how) {
+    requirePower();
     if (how != Open::ReadOnly && readOnly_)
         throw Error(ErrorNumber::CannotOpenFile, path);
     if (how == Open::CreateNew) {

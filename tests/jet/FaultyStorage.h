@@ -29,7 +29,10 @@ public:
     FaultyStorage& operator=(const FaultyStorage&) = delete;
 
     std::unique_ptr<StorageFile> open(const std::string& path, Open how) override;
-    bool exists(const std::string& path) override { return names_.count(path) != 0; }
+    bool exists(const std::string& path) override {
+        requirePower();
+        return names_.count(path) != 0;
+    }
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
 
@@ -40,8 +43,8 @@ public:
 
     // Calls that change something on the disk, so far.
     int calls() const { return calls_; }
-    // The power goes just before the call of this number (from 1) takes effect; a write may have got there in
-    // part.
+    // The power goes, or the share, just before the call of this number (from 1) takes effect; a write may
+    // have got there in part. Afterwards nothing can be read, opened or locked either.
     void cutAt(int call) { cutAt_ = call; }
     // The call of this number fails, and if `lasting` every one after it.
     void failAt(int call, ErrorNumber error, bool lasting) {
@@ -78,6 +81,10 @@ private:
     class File;
 
     void step(const std::function<void()>& halfDone = {});
+    void requirePower() const {
+        if (cutAt_ != 0 && calls_ >= cutAt_)
+            throw PowerCut{};
+    }
     static void apply(const Write& write, Bytes& content);
     void changeNames(const std::function<void(Names&)>& change);
     void flushNames() { pendingNames_.clear(); }

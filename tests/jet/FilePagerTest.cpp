@@ -114,11 +114,14 @@ TEST_F(FilePagerTest, AnUndoneInnerChangeLeavesTheOuterOneAsItWas) {
         EXPECT_EQ(FilledWith(pager.read(2)), 2);
         EXPECT_EQ(FilledWith(pager.read(3)), 0);
         EXPECT_EQ(FilledWith(pager.read(inOuter)), 3);
+        { const Changing untouched(pager, Changing::Undoable); }
         {
             Changing inner(pager, Changing::Undoable);
             Fill(pager.edit(3), 6);
             inner.commit();
         }
+        { const Changing untouched(pager, Changing::Undoable); }
+        Fill(pager.edit(3), 7);
     }
     EXPECT_EQ(FilledWith(pager.read(2)), 1);
     EXPECT_EQ(FilledWith(pager.read(3)), 0);
@@ -290,6 +293,40 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     Fill(pager.edit(3), 1);
     change.commit();
     EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + "-unused"));
+}
+
+// Another user's transaction keeps the log from the file: what is committed is safe all the same when close()
+// returns, and if it cannot be made so, close() says it.
+TEST_F(FilePagerTest, ALeavingUserFlushesItsCommits) {
+    for (const bool works : {true, false}) {
+        FaultyStorage storage, after;
+        storage.put(Path, RawFile());
+        FilePager other(storage, Path, impatient());
+        FilePager first(storage, Path, impatient());
+        fill(first, 2, 7);
+        const Changing running(other);
+        if (!works)
+            storage.failAt(storage.calls() + 1, ErrorNumber::DiskIo, true);
+        EXPECT_EQ(errorOf([&] { first.close(); }), works ? ErrorNumber{} : ErrorNumber::DiskIo);
+        EXPECT_EQ(errorOf([&] { first.close(); }), ErrorNumber{}) << "closed once and for all";
+        storage.failAt(0, ErrorNumber::DiskIo, false);
+        storage.afterPowerCut(FaultyStorage::Loss::Everything, 0, after);
+        FilePager again(after, Path, {});
+        EXPECT_EQ(FilledWith(again.read(2)), works ? 7 : 0);
+    }
+}
+
+// A flush that failed may not be said to have worked the second time, though the system says so.
+TEST_F(FilePagerTest, AFailedFlushStaysFailed) {
+    FilePager pager(storage_, Path, {});
+    fill(pager, 2, 7);
+    storage_.failAt(storage_.calls() + 1, ErrorNumber::DiskIo, false);
+    EXPECT_EQ(errorOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
+    EXPECT_EQ(errorOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
+    EXPECT_EQ(FilledWith(pager.read(2)), 7);
+    EXPECT_EQ(errorOf([&] { pager.close(); }), ErrorNumber::DiskIo);
+    FilePager again(storage_, Path, {});
+    EXPECT_EQ(FilledWith(again.read(2)), 7);
 }
 
 TEST_F(FilePagerTest, AClosedOneSaysSo) {

@@ -1,6 +1,6 @@
-// Cuts the power before every single call to the disk of a session, lets the disk keep any part of what was
-// not flushed, and opens the file again; and makes every single call fail. TOLVEX_POWER_CUTS=<n> tries n
-// random losses at each point instead of a few.
+// Cuts the power (or takes the share away) before every single call to the disk of a session, lets the disk
+// keep any part of what was not flushed, and opens the file again; and makes every single call fail.
+// TOLVEX_POWER_CUTS=<n> tries n random losses at each point instead of a few.
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
@@ -297,7 +297,14 @@ TYPED_TEST(PowerCut, AtEveryCallOfASession) {
             FaultyStorage storage;
             TypeParam session(storage);
             storage.cutAt(cut);
-            EXPECT_THROW(session.run(), Error);
+            bool told = false;
+            try {
+                session.run();
+            } catch (const Error&) {
+                told = true;
+            }
+            // Only the lock file, on which nothing depends, may stay behind in silence.
+            EXPECT_TRUE(told || session.flushed == session.commits) << "cut " << cut;
             FaultyStorage after;
             storage.afterPowerCut(loss == 0   ? FaultyStorage::Loss::Everything
                                   : loss == 1 ? FaultyStorage::Loss::Nothing
