@@ -4,6 +4,7 @@
 #include "jet/CheckDefinition.h"
 #include "jet/CheckTable.h"
 #include "jet/DataPage.h"
+#include "jet/Database.h"
 #include "jet/PageZero.h"
 
 #include <tuple>
@@ -49,8 +50,6 @@ private:
             if (!header_.cleanlyClosed)
                 context_.faults.remark(0, "says that a program ended while it was writing");
         });
-        if (header_.version == PageZero::Jet3)
-            throw Error(ErrorNumber::InvalidArgument, "files of the older format can only be read");
         const std::tuple<PageNumber, PageNumber, const char*> tables[] = {
             {header_.objects, Catalog::ObjectsPage, "MSysObjects"},
             {header_.permissions, Catalog::PermissionsPage, "MSysACEs"},
@@ -122,6 +121,18 @@ private:
 CheckResult CheckDatabase(Pager& pager, const std::function<void(const Fault&)>& report) {
     const Reading reading(pager);
     return DatabaseCheck(pager, report).run();
+}
+
+CheckResult CheckDatabase(Database& database, const std::function<void(const Fault&)>& report) {
+    const Jet3Contents* older = database.olderContents();
+    if (older == nullptr)
+        return CheckDatabase(database.pager(), report);
+    CheckResult result{older->pages, older->tables, older->rows, 0};
+    for (const Fault& fault : older->faults) {
+        result.faults += fault.harmless ? 0 : 1;
+        report(fault);
+    }
+    return result;
 }
 
 } // namespace jet

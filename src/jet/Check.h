@@ -2,20 +2,14 @@
 // and the catalogue. Whatever the file holds, the check ends, and takes memory by the number of pages.
 #pragma once
 
-#include "jet/Pager.h"
+#include "jet/Fault.h"
 
 #include <cstdint>
 #include <functional>
-#include <string>
 
 namespace jet {
 
-struct Fault {
-    PageNumber page = 0;
-    std::u16string table;  // empty: of no table
-    std::string reason;    // what is wrong with the page, as the end of a sentence: "page 12 ..."
-    bool harmless = false; // only a remark: nothing is lost or wrong by it
-};
+class Database;
 
 struct CheckResult {
     std::uint32_t pages = 0;
@@ -27,5 +21,9 @@ struct CheckResult {
 // Reports each fault when it is met. Reads everything; throws only what reading itself throws (DiskIo). Cost:
 // each page a few times, each index key built once.
 CheckResult CheckDatabase(Pager& pager, const std::function<void(const Fault&)>& report);
+
+// The same for an open database. Of a file in the older format every row was read on opening: reports what
+// could not be read then, and as harmless what is not taken over.
+CheckResult CheckDatabase(Database& database, const std::function<void(const Fault&)>& report);
 
 } // namespace jet

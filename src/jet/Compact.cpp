@@ -3,11 +3,12 @@
 #include "jet/Catalog.h"
 #include "jet/CompactTable.h"
 #include "jet/CreateDatabase.h"
-#include "jet/ErrorDetail.h"
+#include "jet/Database.h"
 #include "jet/MemoryPager.h"
 #include "jet/NewFile.h"
 #include "jet/Salvage.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace jet {
@@ -103,8 +104,7 @@ private:
     void loseTable(PageNumber page, const std::u16string& name, const Error& error) {
         if (!IsDamage(error))
             throw error;
-        lost_(
-            {page, name, "holds no definition of the table that can be read: " + ErrorDetail(error), false});
+        lost_({page, name, "holds no definition of the table that can be read: " + error.detail(), false});
     }
 
     Pager& source_;
@@ -158,8 +158,13 @@ CompactResult CompactDatabase(Storage& storage, const std::string& source, const
     options.readOnly = true;
     options.exclusive = true;
     options.password = password;
-    FilePager from(storage, source, options);
+    Database from = Database::open(storage, source, options);
     PageZero header = from.header();
+    if (from.olderContents() != nullptr) {
+        std::u16string kept = std::move(header.password);
+        header = DecodePageZero({from.pager().read(0), PageSize});
+        header.password = std::move(kept);
+    }
     header.freeMap = {1, 0};
     header.secondMap = {1, 1};
     header.objects = Catalog::ObjectsPage;
@@ -168,7 +173,11 @@ CompactResult CompactDatabase(Storage& storage, const std::string& source, const
     header.relationships = Catalog::RelationshipsPage;
     Target file(storage, target);
     NewFile to(file.file(), header);
-    const CompactResult result = CompactPages(from, to, lost);
+    CompactResult result = CompactPages(from.pager(), to, lost);
+    if (const Jet3Contents* older = from.olderContents(); older != nullptr) {
+        result.losses += older->faults.size();
+        std::for_each(older->faults.begin(), older->faults.end(), lost);
+    }
     to.finish();
     file.complete();
     return result;

@@ -3,8 +3,11 @@
 // damaged file, too: every row that can be read arrives, and what could not be saved is told.
 #pragma once
 
-#include "jet/Check.h"
-#include "jet/FilePager.h"
+#include "jet/Fault.h"
+#include "jet/PageFile.h"
+#include "jet/Pager.h"
+
+#include <functional>
 
 namespace jet {
 
@@ -19,10 +22,11 @@ using OnLoss = std::function<void(const Fault&)>;
 
 // Reads `source` and makes `target`, which must not exist; on return it is complete and flushed, to be put in
 // place by the caller. On any error the target is removed; the source is never changed. Throws what opening
-// throws (FileLocked when another program uses the source), CannotUpdateReadOnly for a file in the older
-// format or with an index in an order that is not known here, DiskFull, DiskIo. Cost: one pass over
-// the source, two of tables with a primary key, and a sort of the keys of one table at a time; memory stays
-// flat, since keys beyond a limit (EntrySorter.h) are sorted by way of a temporary file.
+// throws (FileLocked when another program uses the source), CannotUpdateReadOnly for a file with an index in
+// an order that is not known here, DiskFull, DiskIo. A file in the older format becomes one of the present
+// format; what is not taken over from it is told, but for the properties of columns. Cost: one pass over the
+// source, two of tables with a primary key, and a sort of the keys of one table at a time; memory stays flat,
+// since keys beyond a limit (EntrySorter.h) are sorted by way of a temporary file.
 CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
                               const std::u16string& password, const OnLoss& lost);
 CompactResult CompactDatabase(const std::string& source, const std::string& target,

@@ -2,7 +2,6 @@
 
 #include "jet/Damage.h"
 #include "jet/DataPage.h"
-#include "jet/ErrorDetail.h"
 #include "jet/Salvage.h"
 #include "jet/TextCompression.h"
 
@@ -51,7 +50,7 @@ void TableCompaction::report(PageNumber page, const std::string& reason) {
 // What damage is met while rows are read is told once.
 void TableCompaction::reportDamage(PageNumber page, const std::string& what, const Error& error) {
     if (!told_)
-        report(page, what + ": " + ErrorDetail(error));
+        report(page, what + ": " + error.detail());
 }
 
 std::uint64_t TableCompaction::run(const NewIds& ids, const IdColumn& idColumn) {

@@ -3,8 +3,8 @@
 #include "jet/CreateDatabase.h"
 #include "jet/Error.h"
 #include "jet/Jet3File.h"
-#include "jet/Jet3Import.h"
 #include "jet/PageFile.h"
+#include "jet/Sharing.h"
 
 #include <optional>
 
@@ -12,13 +12,16 @@ namespace jet {
 
 namespace {
 
-// A file of the older format, whole; nothing if it is none.
-std::optional<Bytes> readOlder(Storage& storage, const std::string& path) {
+// A file of the older format, whole; nothing if it is none. Such a file is not locked, so that of exclusive
+// use only the others' part can be kept: nobody may have it open.
+std::optional<Bytes> readOlder(Storage& storage, const std::string& path, const OpenOptions& options) {
     const auto file = storage.open(path, Storage::Open::ReadOnly);
     Bytes bytes(Jet3File::PageSize3);
     if (file->read(0, bytes.data(), bytes.size()) < bytes.size() ||
         DecodePageZero(bytes).version != PageZero::Jet3)
         return std::nullopt;
+    if (options.exclusive && Sharing(storage, *file, path, false, options.lockWait).hasForeignUsers())
+        throw Error(ErrorNumber::CannotStart, path);
     bytes.resize(file->size());
     bytes.resize(file->read(0, bytes.data(), bytes.size()));
     return bytes;
@@ -32,7 +35,7 @@ struct Database::Parts {
     std::unique_ptr<MemoryPager> older; // or a copy of a file of the older format, with the rest
     PageZero olderHeader;
     std::string olderReason;
-    std::vector<std::string> olderFaults;
+    Jet3Contents olderContents;
     Catalog catalog;
 
     Parts(Storage& storage, const std::string& name, const OpenOptions& options)
@@ -45,7 +48,7 @@ struct Database::Parts {
         , older(std::move(import.pager))
         , olderHeader(header)
         , olderReason(name + " is of an older version, which is only read")
-        , olderFaults(std::move(import.faults))
+        , olderContents(std::move(import.contents))
         , catalog(*older) {
         older->setReadOnly(olderReason);
     }
@@ -67,7 +70,7 @@ Database Database::open(Storage& storage, const std::string& path, const OpenOpt
     } catch (const Error& error) {
         if (error.code() != ErrorNumber::Unrecognised)
             throw;
-        const std::optional<Bytes> older = readOlder(storage, path);
+        const std::optional<Bytes> older = readOlder(storage, path, options);
         if (!older)
             throw;
         const PageZero header = DecodePageZero(*older);
@@ -119,8 +122,8 @@ const std::string& Database::readOnlyReason() const {
     return parts_->file ? parts_->file->readOnlyReason() : parts_->olderReason;
 }
 
-const std::vector<std::string>& Database::importFaults() const {
-    return parts_->olderFaults;
+const Jet3Contents* Database::olderContents() const {
+    return parts_->older ? &parts_->olderContents : nullptr;
 }
 
 void Database::beginTransaction() {

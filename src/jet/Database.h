@@ -3,6 +3,7 @@
 
 #include "jet/Catalog.h"
 #include "jet/FilePager.h"
+#include "jet/Jet3Import.h"
 
 namespace jet {
 
@@ -27,8 +28,8 @@ public:
     const std::string& path() const;
     // Empty: may be changed. Otherwise why not.
     const std::string& readOnlyReason() const;
-    // What of a Jet 3 file could not be read, or not be kept as it was.
-    const std::vector<std::string>& importFaults() const;
+    // What was found in a Jet 3 file; null for any other.
+    const Jet3Contents* olderContents() const;
 
     // Transactions nest: an inner rollback undoes the inner changes only. Outside of one each call that
     // changes something is a transaction of its own. Others wait while one runs, so keep it short. Throws

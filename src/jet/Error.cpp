@@ -68,6 +68,12 @@ std::string ErrorText(ErrorNumber number) {
 
 Error::Error(ErrorNumber number, const std::string& detail)
     : std::runtime_error(detail.empty() ? ErrorText(number) : ErrorText(number) + " (" + detail + ")")
-    , code_(number) {}
+    , code_(number)
+    , detailLength_(detail.size()) {}
+
+std::string Error::detail() const {
+    const std::string text = what(); // the detail, if there is one, in brackets at its end
+    return detailLength_ == 0 ? std::string() : text.substr(text.size() - 1 - detailLength_, detailLength_);
+}
 
 } // namespace jet

@@ -1,6 +1,7 @@
 // The one exception of the engine. It carries the error number that programs of the suite know and compare.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -60,9 +61,12 @@ public:
     explicit Error(ErrorNumber number, const std::string& detail = {});
     ErrorNumber code() const noexcept { return code_; }
     int number() const noexcept { return static_cast<int>(code_); }
+    // What it says beyond the engine's sentence; empty: nothing.
+    std::string detail() const;
 
 private:
     ErrorNumber code_;
+    std::size_t detailLength_;
 };
 
 } // namespace jet

@@ -1,5 +1,5 @@
 #include "jet/Csv.h"
-#include "jet/ErrorDetail.h"
+#include "jet/Error.h"
 #include "jet/JsonLine.h"
 #include "jet/Transfer.h"
 #include "jet/ValueText.h"
@@ -23,7 +23,7 @@ const Column& columnAt(const Table& table, int column) {
 
 [[noreturn]] void failAtLine(std::uint32_t line, const Error& error) {
     std::string detail = "line " + std::to_string(line);
-    if (const std::string reason = ErrorDetail(error); !reason.empty())
+    if (const std::string reason = error.detail(); !reason.empty())
         detail.append(": ").append(reason);
     throw Error(error.code(), detail);
 }

@@ -218,7 +218,7 @@ TableDefinition Jet3File::definition(PageNumber number) const {
 }
 
 void Jet3File::forEachRow(const TableDefinition& table, const std::function<void(std::span<Value>)>& visit,
-                          const std::function<void(const std::string&)>& fault) const {
+                          const std::function<void(const Error&)>& fault) const {
     std::vector<Value> values(table.columns.size());
     for (const PageNumber number : mapPages(table.ownedMap)) {
         int count = 0;
@@ -227,7 +227,7 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
             if (Load32(page(number).data() + 4) != table.page)
                 Damaged(number, "belongs to another table");
         } catch (const Error& error) {
-            fault(error.what());
+            fault(error);
             continue;
         }
         for (int row = 0; row < count; ++row) {
@@ -245,7 +245,7 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
                 }
                 decodeRow(table, found.bytes, number, values);
             } catch (const Error& error) {
-                fault(error.what());
+                fault(error);
                 continue;
             }
             visit(values);

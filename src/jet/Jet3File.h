@@ -2,6 +2,7 @@
 // of the present format of it.
 #pragma once
 
+#include "jet/Error.h"
 #include "jet/TableDefinition.h"
 
 #include <functional>
@@ -23,7 +24,7 @@ public:
     // Calls `visit` with the values of each row, in the order of the definition's columns. A damaged row or
     // page is left out and `fault` is told of it.
     void forEachRow(const TableDefinition& table, const std::function<void(std::span<Value>)>& visit,
-                    const std::function<void(const std::string&)>& fault) const;
+                    const std::function<void(const Error&)>& fault) const;
 
 private:
     using View = std::span<const std::uint8_t>;

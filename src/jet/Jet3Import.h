@@ -2,18 +2,28 @@
 // read like any other database.
 #pragma once
 
+#include "jet/Fault.h"
 #include "jet/MemoryPager.h"
 
 #include <memory>
 #include <span>
-#include <string>
+#include <vector>
 
 namespace jet {
 
+// What was found in the file.
+struct Jet3Contents {
+    std::uint32_t pages = 0; // of 2048 bytes
+    std::uint32_t tables = 0;
+    std::uint64_t rows = 0;
+    // What could not be read. Harmless: what is not taken over (queries, relationships) or not as it was (an
+    // index that is not unique in the order of this format).
+    std::vector<Fault> faults;
+};
+
 struct Jet3Import {
     std::unique_ptr<MemoryPager> pager;
-    std::vector<std::string>
-        faults; // what could not be read, or not kept as it was (an index in another order)
+    Jet3Contents contents;
 };
 
 // Reads all user tables of a file, given as its bytes. Throws Unrecognised or, if even the catalogue cannot

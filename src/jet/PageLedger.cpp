@@ -1,25 +1,14 @@
 #include "jet/PageLedger.h"
 
-#include "jet/ErrorDetail.h"
 #include "jet/Value.h"
-
-#include <cstdio>
 
 namespace jet {
 
-// Readers name the page themselves ("page 12: reason"), which is more exact than where the check was.
 void FaultSink::damage(PageNumber page, const Error& error) {
     if (error.code() != ErrorNumber::ReadVerification && error.code() != ErrorNumber::Corrupt &&
         error.code() != ErrorNumber::InvalidArgument)
         throw error;
-    const std::string detail = ErrorDetail(error);
-    const std::string text = detail.empty() ? error.what() : detail;
-    unsigned named = 0;
-    int length = 0;
-    if (std::sscanf(text.c_str(), "page %9u: %n", &named, &length) == 1 && length > 0)
-        fault(named, text.substr(static_cast<std::size_t>(length)));
-    else
-        fault(page, text);
+    give(FaultOf(error, page, table_));
 }
 
 PageLedger::Owner PageLedger::add(const std::string& name, bool shared) {

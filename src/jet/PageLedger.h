@@ -2,7 +2,6 @@
 #pragma once
 
 #include "jet/Check.h"
-#include "jet/Error.h"
 #include "jet/RowPointer.h"
 
 #include <bitset>

@@ -2,6 +2,7 @@
 // none.
 #include "jet/Compact.h"
 
+#include "jet/Check.h"
 #include "jet/DataPage.h"
 #include "jet/Database.h"
 #include "jet/Execute.h"

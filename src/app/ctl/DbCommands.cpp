@@ -239,7 +239,7 @@ int check(Call& call) {
                                      .arg(fault.page)
                                      .arg(QString::fromStdString(fault.reason)));
         };
-        const jet::CheckResult result = jet::CheckDatabase(database.pager(), report);
+        const jet::CheckResult result = jet::CheckDatabase(database, report);
         const QJsonObject record{{QStringLiteral("faults"), faults},
                                  {QStringLiteral("pages"), static_cast<qint64>(result.pages)},
                                  {QStringLiteral("tables"), static_cast<qint64>(result.tables)},
