@@ -112,9 +112,9 @@ void FilePager::Impl::open() {
 }
 
 void FilePager::Impl::takeOverLog(Sharing::Others others) {
-    // Without a living writer the session that left a log died, perhaps with the power: only what the frames'
-    // checksums prove is true.
-    if (!stored.openLog(!others.writers) || others.writers || !stored.isWritable())
+    stored.countPages();
+    // A log that others write to is read under the locks of the first operation.
+    if (others.writers || !stored.recoverLog() || !stored.isWritable())
         return;
     try {
         if (others.any)

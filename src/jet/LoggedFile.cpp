@@ -70,12 +70,10 @@ bool LoggedFile::findLog() {
     return log_ != nullptr;
 }
 
-bool LoggedFile::openLog(bool recover) {
-    pages_ = pagesInFile();
+bool LoggedFile::recoverLog() {
     if (!findLog())
         return false;
-    if (recover)
-        log_->recover();
+    log_->recover();
     takeFrames(0, [](PageNumber) {});
     return true;
 }

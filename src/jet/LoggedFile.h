@@ -32,14 +32,14 @@ public:
     PageNumber pages() const { return pages_; }
     PageNumber append();
     void cutTo(PageNumber pages) { pages_ = pages; }
-    // As many as the file has, when it is the file that another engine has written to.
+    // As many as the file has, unless there is a log to say it.
     void countPages();
     // The newest state of a page.
     void read(PageNumber page, std::uint8_t* into);
 
-    // Looks for a log as the file is opened; what it holds counts from now on. `recover`: no living writer
-    // can tell how far it is valid. False: there is none.
-    bool openLog(bool recover);
+    // Looks for a log that a session has left which died, perhaps with the power: what the checksums in it
+    // prove counts from now on. Not while others write. False: there is none.
+    bool recoverLog();
     enum class News { None, Pages, Everything };
     // Takes notice of what others have published. `changed` is called for pages that are not as before;
     // Everything: and all others may have changed, too.
