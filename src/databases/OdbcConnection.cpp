@@ -105,8 +105,11 @@ void OdbcConnection::commit() {
 }
 
 void OdbcConnection::rollback() {
-    if (!lost_)
+    if (!lost_) {
         end(SQL_ROLLBACK);
+        return;
+    }
+    SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK); // so that the manager lets go of it
     inTransaction_ = false;
 }
 
