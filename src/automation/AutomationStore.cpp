@@ -185,6 +185,7 @@ qint16 SaveKOVASettings(SuiteDatabase& database) {
     const auto rows = openSettings(database, &error);
     if (!rows)
         return static_cast<qint16>(error);
+    const HeldReports reports;
     try {
         database.begin();
         error = writeItems(*rows, kovaDatabaseSettings());

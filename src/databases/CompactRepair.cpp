@@ -2,6 +2,7 @@
 
 #include "core/Folders.h"
 #include "core/PathNames.h"
+#include "core/ProblemReport.h"
 #include "databases/CompactionStorage.h"
 #include "databases/JetDatabase.h"
 #include "databases/Report.h"

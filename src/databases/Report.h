@@ -1,15 +1,34 @@
 // Reporting what a database operation threw.
 #pragma once
 
-#include "core/ProblemReport.h"
 #include "databases/SuiteDatabase.h"
+
+#include <vector>
 
 namespace tolvex {
 
 // Reports the error through the one error report and gives its number.
-inline int Report(const QString& action, const DatabaseError& error) {
-    ProblemReport(action, error.number, false, error.text);
-    return error.number;
-}
+int Report(const QString& action, const DatabaseError& error);
+
+// While one lives, reports wait; they are shown when it ends. A message box waits for its user: put this
+// around a transaction, so that no other workstation waits for the box.
+class HeldReports {
+public:
+    HeldReports();
+    ~HeldReports();
+    HeldReports(const HeldReports&) = delete;
+    HeldReports& operator=(const HeldReports&) = delete;
+
+private:
+    friend int Report(const QString& action, const DatabaseError& error);
+    struct Entry {
+        QString action;
+        DatabaseError error;
+    };
+
+    static HeldReports* current_;
+    HeldReports* outer_;
+    std::vector<Entry> entries_;
+};
 
 } // namespace tolvex

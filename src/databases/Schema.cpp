@@ -1,6 +1,5 @@
 #include "databases/Schema.h"
 
-#include "core/ProblemReport.h"
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 
@@ -110,6 +109,7 @@ const Table& SettingsTableSchema() {
 }
 
 int CheckTable(SuiteDatabase& database, const Table& table) {
+    const HeldReports reports;
     TableChange change(database);
     const int result = checkTable(database, change, table);
     try {
@@ -122,6 +122,7 @@ int CheckTable(SuiteDatabase& database, const Table& table) {
 
 int CheckFields(SuiteDatabase& database, const QString& table, std::span<const Field> fields,
                 bool allowZeroLength) {
+    const HeldReports reports;
     TableChange change(database);
     try {
         auto shape = database.table(table);

@@ -3,6 +3,7 @@
 #include "core/DebugLog.h"
 #include "core/Folders.h"
 #include "core/PathNames.h"
+#include "core/ProblemReport.h"
 #include "databases/DatabaseInformation.h"
 #include "databases/DatabaseKinds.h"
 #include "databases/OdbcConnectString.h"
