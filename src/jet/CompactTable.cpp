@@ -12,6 +12,8 @@ namespace jet {
 
 namespace {
 
+constexpr std::uint8_t LastSlot = 254; // a walk from there goes to the next page
+
 std::string rowText(RowPointer at) {
     return "row " + std::to_string(at.row);
 }
@@ -35,7 +37,8 @@ TableCompaction::TableCompaction(Pager& source, const Table& from, Pager& target
     , from_(from)
     , target_(target)
     , maps_(maps)
-    , lost_(lost)
+    , report_(lost)
+    , lost_(&lost)
     , definition_(from.definition())
     , encoder_(definition_)
     , values_(definition_.columns.size())
@@ -44,7 +47,7 @@ TableCompaction::TableCompaction(Pager& source, const Table& from, Pager& target
 }
 
 void TableCompaction::report(PageNumber page, const std::string& reason) {
-    lost_({page, from_.name(), reason, false});
+    (*lost_)({page, from_.name(), reason, false});
 }
 
 // What damage is met while rows are read is told once.
@@ -70,8 +73,23 @@ std::uint64_t TableCompaction::run(const NewIds& ids, const IdColumn& idColumn) 
 
 // Copies the rows and makes the indexes. False: a damaged file holds the same key twice in a unique index.
 bool TableCompaction::copy() {
+    begin();
+    if (order_ < 0) {
+        copyAsTheyLie();
+    } else if (!left_.empty() || !liesInOrder() || !copyWhileInOrder()) {
+        discard();
+        begin();
+        copyInOrder();
+    }
+    flushPage();
+    told_ = true;
+    return distinct_ && buildIndexes();
+}
+
+void TableCompaction::begin() {
     rows_ = 0;
     page_.number = 0;
+    distinct_ = true;
     variables_.clear();
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         const Column& column = definition_.columns[i];
@@ -88,11 +106,9 @@ bool TableCompaction::copy() {
         tree.create();
         indexes_[i].builder = std::make_unique<IndexBuilder>(tree);
         indexes_[i].entries = EntrySorter(SortMemory / indexes_.size());
+        if (static_cast<int>(i) != order_)
+            indexes_[i].entries.expect(from_.rowCount());
     }
-    const bool distinct = order_ < 0 ? copyAsTheyLie() : copyInOrder();
-    flushPage();
-    told_ = true;
-    return distinct && buildIndexes();
 }
 
 // Takes back everything but the definition and the maps.
@@ -165,26 +181,34 @@ KeyKind TableCompaction::makeKeyOfValues(Pager& pager, const RowView& row, const
     return encoder.encodeRow(values_, key_);
 }
 
+// Makes the key that a row of the source will have in an index. False: none, as the row stays behind.
+bool TableCompaction::makeNewKey(const RowView& row, std::size_t index) {
+    const KeyEncoder& encoder = indexes_[index].encoder;
+    const bool hasId = std::any_of(encoder.parts().begin(), encoder.parts().end(),
+                                   [this](const KeyEncoder::Part& part) { return part.column == idColumn_; });
+    if (hasId) {
+        takeCopy(row);
+        if (!moveId())
+            return false;
+    }
+    return makeKey(source_, hasId ? copy_ : row, encoder) != KeyKind::AllNull ||
+           !definition_.realIndexes[index].ignoresNulls();
+}
+
 // Puts the keys that the rows of the source will have, with their places there, into order.
 void TableCompaction::sortRows(std::size_t index, EntrySorter& entries) {
-    const KeyEncoder& encoder = indexes_[index].encoder;
-    const auto isId = [this](const KeyEncoder::Part& part) { return part.column == idColumn_; };
-    const bool hasId = std::any_of(encoder.parts().begin(), encoder.parts().end(), isId);
-    const auto visit = [&](RowPointer at, const RowView& row) {
-        if (!left_.empty() && left_.count(at) != 0)
-            return;
-        if (hasId)
-            takeCopy(row);
-        if (hasId && !moveId())
-            return;
-        const KeyKind kind = makeKey(source_, hasId ? copy_ : row, encoder);
-        if (kind != KeyKind::AllNull || !definition_.realIndexes[index].ignoresNulls())
+    walk([&](RowPointer at, const RowView& row) {
+        if ((left_.empty() || left_.count(at) == 0) && makeNewKey(row, index))
             entries.add(key_, at);
-    };
+    });
+    entries.sort();
+}
+
+template<typename Visit>
+void TableCompaction::walk(Visit visit) {
     WalkReadable(from_, visit, [this](PageNumber where, const Error& error) {
         reportDamage(where, "could not be read", error);
     });
-    entries.sort();
 }
 
 // One of the rows with equal keys must go for the other to keep its unique index: the first one stays.
@@ -208,31 +232,74 @@ void TableCompaction::findDuplicates() {
     }
 }
 
-bool TableCompaction::copyInOrder() {
+// Whether the rows seem to lie in their order already, as far as some of them tell.
+bool TableCompaction::liesInOrder() {
+    constexpr PageNumber Samples = 64;
+    Bytes before;
+    RowView row;
+    for (PageNumber i = 0; i < Samples && from_.rowCount() > Samples; ++i) {
+        try {
+            RowPointer at{static_cast<PageNumber>(std::uint64_t{source_.pageCount()} * i / Samples),
+                          LastSlot};
+            if (!from_.next(at, row))
+                break;
+            if (!makeNewKey(row, static_cast<std::size_t>(order_)) || key_ < before)
+                return false;
+            before = key_;
+        } catch (const Error& error) {
+            if (!IsDamage(error))
+                throw;
+            return false;
+        }
+    }
+    return true;
+}
+
+// Copies the rows in one walk, without sorting their keys. False: one did not lie in its order, and all is to
+// be done again.
+bool TableCompaction::copyWhileInOrder() {
+    constexpr std::size_t MostHeld = 1000;
+    const auto order = static_cast<std::size_t>(order_);
+    std::vector<Fault> held; // reports, until it is known that these stay the only ones
+    const OnLoss hold = [&](const Fault& fault) { held.push_back(fault); };
+    lost_ = &hold;
+    bool inOrder = true;
+    Bytes before;
+    walk([&](RowPointer at, const RowView& row) {
+        inOrder = inOrder && held.size() < MostHeld;
+        if (!inOrder || !makeNewKey(row, order))
+            return;
+        inOrder = before <= key_;
+        before.swap(key_);
+        RowPointer stored;
+        if (inOrder && copyRow(at, row, stored))
+            addEntry(order, indexpage::EntryBuffer(before, stored).view());
+    });
+    lost_ = &report_;
+    if (inOrder)
+        std::for_each(held.begin(), held.end(), report_);
+    return inOrder;
+}
+
+void TableCompaction::copyInOrder() {
     const auto order = static_cast<std::size_t>(order_);
     EntrySorter& entries = indexes_[order].entries;
     sortRows(order, entries);
-    bool distinct = true;
     while (entries.next()) {
         RowView row;
         RowPointer stored;
         if (from_.fetch(entries.row(), row) && copyRow(entries.row(), row, stored))
-            distinct = addEntry(order, indexpage::EntryBuffer(entries.key(), stored).view()) && distinct;
+            addEntry(order, indexpage::EntryBuffer(entries.key(), stored).view());
     }
     entries = EntrySorter(0);
-    return distinct;
 }
 
-bool TableCompaction::copyAsTheyLie() {
-    const auto visit = [this](RowPointer at, const RowView& row) {
+void TableCompaction::copyAsTheyLie() {
+    walk([this](RowPointer at, const RowView& row) {
         RowPointer stored;
         if (left_.empty() || left_.count(at) == 0)
             copyRow(at, row, stored);
-    };
-    WalkReadable(from_, visit, [this](PageNumber where, const Error& error) {
-        reportDamage(where, "could not be read", error);
     });
-    return true;
 }
 
 void TableCompaction::takeCopy(const RowView& row) {
@@ -355,27 +422,27 @@ void TableCompaction::flushPage() {
     free.add(page_.number);
 }
 
-// Adds an entry of a new row to an index. False: it must not have the same key as the one before.
-bool TableCompaction::addEntry(std::size_t index, KeyView entry) {
+// Adds an entry of a new row to an index.
+void TableCompaction::addEntry(std::size_t index, KeyView entry) {
     const Index& one = indexes_[index];
-    return one.builder->add(entry) || !definition_.realIndexes[index].isUnique() ||
-           one.encoder.isAllNull(entry.first(entry.size() - indexpage::RowLength));
+    if (!one.builder->add(entry) && definition_.realIndexes[index].isUnique() &&
+        !one.encoder.isAllNull(entry.first(entry.size() - indexpage::RowLength)))
+        distinct_ = false;
 }
 
 bool TableCompaction::buildIndexes() {
-    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+    for (std::size_t i = 0; i < indexes_.size() && distinct_; ++i) {
         Index& index = indexes_[i];
         index.entries.sort();
         while (index.entries.next())
-            if (!addEntry(i, index.entries.entry()))
-                return false;
+            addEntry(i, index.entries.entry());
         index.entries = EntrySorter(0);
         index.builder->finish();
         RealIndex& definition = definition_.realIndexes[i];
         definition.entriesWhenMade = index.builder->entryCount();
         definition.distinctKeys = index.builder->distinctKeys();
     }
-    return true;
+    return distinct_;
 }
 
 } // namespace jet

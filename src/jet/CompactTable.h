@@ -67,13 +67,19 @@ private:
 
     void makeDefinition(const NewIds& ids);
     bool copy();
+    void begin();
     void discard();
     KeyKind makeKey(Pager& pager, const RowView& row, const KeyEncoder& encoder);
     KeyKind makeKeyOfValues(Pager& pager, const RowView& row, const KeyEncoder& encoder);
+    bool makeNewKey(const RowView& row, std::size_t index);
     void sortRows(std::size_t index, EntrySorter& entries);
     void findDuplicates();
-    bool copyInOrder();
-    bool copyAsTheyLie();
+    template<typename Visit>
+    void walk(Visit visit);
+    bool liesInOrder();
+    bool copyWhileInOrder();
+    void copyInOrder();
+    void copyAsTheyLie();
     void takeCopy(const RowView& row);
     bool copyRow(RowPointer at, const RowView& row, RowPointer& stored);
     bool copyColumns(RowPointer at);
@@ -83,7 +89,7 @@ private:
     RowPointer store(std::span<const std::uint8_t> row);
     void flushPage();
     void addKeys(std::span<const std::uint8_t> bytes, RowPointer stored);
-    bool addEntry(std::size_t index, KeyView entry);
+    void addEntry(std::size_t index, KeyView entry);
     bool buildIndexes();
     void reportDamage(PageNumber page, const std::string& what, const Error& error);
     void report(PageNumber page, const std::string& reason);
@@ -92,7 +98,8 @@ private:
     const Table& from_;
     Pager& target_;
     MapPages& maps_;
-    const OnLoss& lost_;
+    const OnLoss& report_;
+    const OnLoss* lost_;         // what is reported goes there
     TableDefinition definition_; // of the new table
     RowEncoder encoder_;
     const NewIds* ids_ = nullptr;
@@ -102,6 +109,7 @@ private:
     std::vector<Index> indexes_;
     int order_ = -1;            // the index whose order the rows get; -1: none
     std::set<RowPointer> left_; // rows that do not go over
+    bool distinct_ = true;      // no unique index got the same key twice
     bool told_ = false;         // what is damaged was reported
     // Columns whose bytes are looked at one by one: all but the fixed ones of rows that are long enough.
     struct Variable {

@@ -8,12 +8,7 @@ namespace jet::datapage {
 
 namespace {
 
-constexpr int Type = 0;
 constexpr int FreeField = 2;
-constexpr int OwnerField = 4;
-constexpr int CountField = 12;
-constexpr std::uint16_t OffsetMask = 0x1FFF;
-constexpr std::uint8_t DataType = 1;
 
 std::uint8_t* slotAt(std::uint8_t* page, int row) {
     return page + HeadLength + 2 * row;
@@ -35,7 +30,7 @@ void updateFree(std::uint8_t* page) {
 
 void Format(std::uint8_t* page, std::uint32_t owner) {
     std::memset(page, 0, PageSize);
-    page[Type] = DataType;
+    page[0] = DataType;
     page[1] = 1;
     Store32(page + OwnerField, owner);
     updateFree(page);
@@ -53,39 +48,19 @@ void Check(const std::uint8_t* page, PageNumber number) {
             Damaged(number, "row " + std::to_string(row) + " lies outside its place");
 }
 
-std::uint32_t Owner(const std::uint8_t* page) {
-    return Load32(page + OwnerField);
-}
-
-int SlotCount(const std::uint8_t* page) {
-    return Load16(page + CountField);
-}
-
 int FreeBytes(const std::uint8_t* page) {
     const int slots = SlotCount(page);
     return offsetOf(page, slots - 1) - HeadLength - 2 * slots;
-}
-
-bool IsDataPage(const std::uint8_t* page) {
-    return page[Type] == DataType;
 }
 
 bool Fits(const std::uint8_t* page, int length) {
     return SlotCount(page) < MaximumSlots && FreeBytes(page) >= length + 2;
 }
 
-Slot Find(const std::uint8_t* page, PageNumber number, int row) {
-    const int slots = SlotCount(page);
-    if (slots > MaximumSlots)
+void RefuseSlot(const std::uint8_t* page, PageNumber number, int row) {
+    if (SlotCount(page) > MaximumSlots)
         Damaged(number, "has too many rows");
-    if (row >= slots)
-        return {0, 0, true, true};
-    const std::uint16_t flags = Load16(page + HeadLength + 2 * row);
-    const int offset = offsetOf(page, row);
-    const int end = offsetOf(page, row - 1);
-    if (offset > end || end > static_cast<int>(PageSize) || offset < HeadLength + 2 * slots)
-        Damaged(number, "row " + std::to_string(row) + " lies outside its place");
-    return {offset, end - offset, (flags & HiddenFlag) != 0, (flags & PointerFlag) != 0};
+    Damaged(number, "row " + std::to_string(row) + " lies outside its place");
 }
 
 std::uint8_t Add(std::uint8_t* page, std::span<const std::uint8_t> bytes, std::uint16_t flags) {

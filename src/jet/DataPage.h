@@ -30,16 +30,42 @@ void Format(std::uint8_t* page, std::uint32_t owner);
 // Checks head and slots of a page (kind, number of slots, offsets in order). Throws ReadVerification.
 void Check(const std::uint8_t* page, PageNumber number);
 
-std::uint32_t Owner(const std::uint8_t* page);
-int SlotCount(const std::uint8_t* page);
+inline constexpr std::uint8_t DataType = 1; // the first byte
+inline constexpr int OwnerField = 4;
+inline constexpr int CountField = 12;
+inline constexpr std::uint16_t OffsetMask = 0x1FFF; // of a slot; the rest are its flags
+inline constexpr std::uint16_t HiddenFlag = 0x8000;
+inline constexpr std::uint16_t PointerFlag = 0x4000;
+
+inline std::uint32_t Owner(const std::uint8_t* page) {
+    return Load32(page + OwnerField);
+}
+inline int SlotCount(const std::uint8_t* page) {
+    return Load16(page + CountField);
+}
+inline bool IsDataPage(const std::uint8_t* page) {
+    return page[0] == DataType;
+}
 int FreeBytes(const std::uint8_t* page);
-bool IsDataPage(const std::uint8_t* page);
 // Whether a new row of `length` bytes has room.
 bool Fits(const std::uint8_t* page, int length);
 
+// Throws ReadVerification with what is wrong with a slot.
+[[noreturn]] void RefuseSlot(const std::uint8_t* page, PageNumber number, int row);
 // Where a row lies, checked against the page. Throws ReadVerification on a bad offset; a slot beyond the last
 // one is given as deleted.
-Slot Find(const std::uint8_t* page, PageNumber number, int row);
+inline Slot Find(const std::uint8_t* page, PageNumber number, int row) {
+    const int slots = SlotCount(page);
+    if (row >= slots && slots <= MaximumSlots)
+        return {0, 0, true, true};
+    const std::uint8_t* at = page + HeadLength + 2 * row;
+    const std::uint16_t word = slots <= MaximumSlots ? Load16(at) : 0; // 0 lies in the head
+    const int offset = word & OffsetMask;
+    const int end = row == 0 ? static_cast<int>(PageSize) : Load16(at - 2) & OffsetMask;
+    if (offset > end || end > static_cast<int>(PageSize) || offset < HeadLength + 2 * slots)
+        RefuseSlot(page, number, row);
+    return {offset, end - offset, (word & HiddenFlag) != 0, (word & PointerFlag) != 0};
+}
 
 // The bytes of a slot.
 inline std::span<const std::uint8_t> BytesOf(const std::uint8_t* page, const Slot& slot) {
@@ -48,8 +74,6 @@ inline std::span<const std::uint8_t> BytesOf(const std::uint8_t* page, const Slo
 
 // Adds a row in a new slot. The caller has made sure that it fits. Gives the slot's number. `flags`:
 // HiddenFlag or 0.
-inline constexpr std::uint16_t HiddenFlag = 0x8000;
-inline constexpr std::uint16_t PointerFlag = 0x4000;
 std::uint8_t Add(std::uint8_t* page, std::span<const std::uint8_t> bytes, std::uint16_t flags = 0);
 
 // Whether the row can be replaced by one of `length` bytes on this page.

@@ -38,6 +38,7 @@ std::uint64_t headOf(KeyView entry) {
 void fetchAhead([[maybe_unused]] const std::uint8_t* at) {
 #if defined(__GNUC__)
     __builtin_prefetch(at);
+    __builtin_prefetch(at + 63); // it may begin at the end of a line
 #endif
 }
 
@@ -156,6 +157,11 @@ std::uint8_t* EntrySorter::room(std::size_t length) {
     std::uint8_t* at = chunks_[used_ / ChunkLength].get() + used_ % ChunkLength;
     used_ += length;
     return at;
+}
+
+void EntrySorter::expect(std::uint64_t entries) {
+    places_.reserve(
+        static_cast<std::size_t>(std::min<std::uint64_t>(entries, memory_ / (3 * sizeof(Place)))));
 }
 
 void EntrySorter::add(KeyView key, RowPointer row) {

@@ -22,6 +22,8 @@ public:
     EntrySorter& operator=(EntrySorter&&) noexcept;
     ~EntrySorter();
 
+    // How many entries are to come, as far as is known: saves making room again and again.
+    void expect(std::uint64_t entries);
     // Throws RecordTooLarge for a key that is too long, and what writing a file throws.
     void add(KeyView key, RowPointer row);
     // To be called once, when all were added. Cost: linear in the number of entries as a rule.

@@ -2,19 +2,9 @@
 
 #include "jet/Damage.h"
 
-#include <cstring>
-
 namespace jet {
 
 using namespace indexpage;
-
-namespace {
-
-bool sameKey(KeyView a, KeyView b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() - RowLength) == 0;
-}
-
-} // namespace
 
 IndexBuilder::IndexBuilder(const IndexTree& tree)
     : tree_(tree)
@@ -24,9 +14,10 @@ bool IndexBuilder::add(KeyView entry) {
     bool isNew = true;
     if (leaf_.count() > 0) {
         const KeyView last = leaf_[leaf_.count() - 1];
-        if (CompareEntries(last, entry) >= 0)
+        const std::size_t shared = SharedLength(last, entry);
+        if (shared == entry.size() || (shared < last.size() && last[shared] > entry[shared]))
             Damaged(tree_.root(), "is to be the root of an index whose entries are out of order");
-        isNew = !sameKey(last, entry);
+        isNew = last.size() != entry.size() || shared < entry.size() - RowLength;
     }
     ++entries_;
     distinct_ += isNew ? 1 : 0;

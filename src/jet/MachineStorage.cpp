@@ -124,6 +124,14 @@ public:
         folderPending_ = false;
     }
 
+    void beginFlush([[maybe_unused]] std::uint64_t offset,
+                    [[maybe_unused]] std::uint64_t length) noexcept override {
+#if defined(__linux__)
+        ::sync_file_range(file_, static_cast<off64_t>(offset), static_cast<off64_t>(length),
+                          SYNC_FILE_RANGE_WRITE);
+#endif
+    }
+
     bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool wait) override {
         struct flock range = rangeOf(offset, length, exclusive ? F_WRLCK : F_RDLCK);
         while (::fcntl(file_, wait ? F_OFD_SETLKW : F_OFD_SETLK, &range) != 0) {

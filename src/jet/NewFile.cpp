@@ -111,6 +111,7 @@ void NewFile::write(PageNumber page) {
         one->dirty = false;
     }
     file_.write(std::uint64_t{page} * PageSize, stretch_.data(), stretch_.size());
+    file_.beginFlush(std::uint64_t{page} * PageSize, stretch_.size());
 }
 
 void NewFile::finish() {

@@ -15,7 +15,7 @@ namespace jet {
 
 class NewFile final : public Pager {
 public:
-    static constexpr std::size_t CachedPages = 2048;
+    static constexpr std::size_t CachedPages = 512;
 
     // `header`: page 0, with the file's key if it is to be encrypted. Makes pages 0 and 1, of which the
     // latter holds the map of free pages. The storage outlives this.

@@ -23,6 +23,12 @@ public:
     virtual void truncate(std::uint64_t size) = 0;
     // Returns when everything written so far survives a power cut.
     virtual void flush() = 0;
+    // Says that these bytes will not be written again soon: the system may begin to bring them to the disk, so
+    // that a flush() later has less to wait for. Promises nothing, and never fails.
+    virtual void beginFlush(std::uint64_t offset, std::uint64_t length) noexcept {
+        static_cast<void>(offset);
+        static_cast<void>(length);
+    }
     // Byte-range lock beyond or inside the file, held by this open file (not by the process) until it is
     // closed. Locking again changes the kind of the lock. False: another holds one in the way.
     virtual bool lock(std::uint64_t offset, std::uint64_t length, bool exclusive, bool wait) = 0;

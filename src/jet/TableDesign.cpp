@@ -60,6 +60,7 @@ void fill(const Table& table, TableDefinition& definition, int realIndex) {
     RealIndex& index = definition.realIndexes.at(static_cast<std::size_t>(realIndex));
     const KeyEncoder encoder(definition, index);
     EntrySorter entries;
+    entries.expect(table.rowCount());
     Bytes key;
     RowPointer at;
     for (RowView row; table.next(at, row);) {
