@@ -49,8 +49,8 @@ std::vector<OwnedFields> fieldsOf(OdbcConnection& connection, const TableName& n
         const QString owner = catalogue.text(Owner);
         const bool wanted = same(catalogue.text(Table), name.table);
         OdbcTable::Field field{catalogue.text(Name), catalogue.text(Type)};
-        field.type = declared(field.type, catalogue.text(Size).toInt());
-        field.nullable = catalogue.text(Nullable).toInt() != SQL_NO_NULLS;
+        field.type = declared(field.type, catalogue.number(Size));
+        field.nullable = catalogue.number(Nullable) != SQL_NO_NULLS;
         if (!wanted)
             continue;
         if (found.empty() || found.back().owner != owner)
@@ -71,9 +71,9 @@ std::vector<OdbcIndex> indexesOf(OdbcConnection& connection, const QString& owne
     OdbcStatement catalogue(connection);
     catalogue.indexesOf(owner, table);
     while (catalogue.fetch()) {
-        const bool unique = catalogue.text(NotUnique).toInt() == 0;
+        const bool unique = catalogue.number(NotUnique) == 0;
         const QString name = suiteName(catalogue.text(Name), table);
-        const bool isIndex = catalogue.text(Kind).toInt() != SQL_TABLE_STAT;
+        const bool isIndex = catalogue.number(Kind) != SQL_TABLE_STAT;
         const QString field = catalogue.text(Field);
         if (!isIndex)
             continue;
@@ -129,19 +129,19 @@ QString ServerType(const Field& field) {
     case FieldKind::Boolean:
         return QStringLiteral("BIT NOT NULL DEFAULT 0");
     case FieldKind::Integer:
-        return QStringLiteral("SMALLINT");
+        return QStringLiteral("SMALLINT NULL");
     case FieldKind::Long:
-        return QStringLiteral("INT");
+        return QStringLiteral("INT NULL");
     case FieldKind::Single:
-        return QStringLiteral("REAL");
+        return QStringLiteral("REAL NULL");
     case FieldKind::Double:
-        return QStringLiteral("FLOAT");
+        return QStringLiteral("FLOAT NULL");
     case FieldKind::DateTime:
-        return QStringLiteral("DATETIME");
+        return QStringLiteral("DATETIME NULL");
     case FieldKind::Text:
-        return QStringLiteral("NVARCHAR(%1)").arg(field.size == 0 ? DefaultTextSize : field.size);
+        return QStringLiteral("NVARCHAR(%1) NULL").arg(field.size == 0 ? DefaultTextSize : field.size);
     case FieldKind::Memo:
-        return QStringLiteral("NVARCHAR(MAX)");
+        return QStringLiteral("NVARCHAR(MAX) NULL");
     }
     return {};
 }

@@ -41,6 +41,7 @@ struct OdbcTable {
 std::optional<OdbcTable> FindServerTable(OdbcConnection& connection, const QString& name);
 
 // How a kind of field is declared. A flag is never null, as in a file; a text of size 0 has 255 characters.
+// Nulls are allowed in so many words, since what a server makes of none depends on its settings.
 QString ServerType(const Field& field);
 
 // The statements that make an index, in their order. A primary key takes no nulls: its fields give them up.

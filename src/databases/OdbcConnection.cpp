@@ -7,6 +7,7 @@ namespace tolvex {
 namespace {
 
 constexpr SQLSMALLINT MostRecords = 10; // of one failed call
+constexpr int DeadlockVictim = 1205;
 
 // A number where an attribute wants a pointer.
 SQLPOINTER asPointer(SQLULEN number) {
@@ -91,6 +92,7 @@ void OdbcConnection::setAutomaticCommit(bool on) {
 void OdbcConnection::begin() {
     setAutomaticCommit(false);
     inTransaction_ = true;
+    undone_ = false;
 }
 
 void OdbcConnection::end(SQLSMALLINT how) {
@@ -101,6 +103,8 @@ void OdbcConnection::end(SQLSMALLINT how) {
 }
 
 void OdbcConnection::commit() {
+    if (undone_)
+        throw FromServer({{QStringLiteral("40001"), DeadlockVictim, QStringLiteral("Transaction undone.")}});
     end(SQL_COMMIT);
 }
 
@@ -116,6 +120,7 @@ void OdbcConnection::rollback() {
 void OdbcConnection::fail(SQLSMALLINT kind, SQLHANDLE handle) {
     const QList<OdbcDiagnostic> records = diagnosticsOf(kind, handle);
     lost_ = lost_ || IsLost(records);
+    undone_ = undone_ || EndsTransaction(records);
     throw FromServer(records);
 }
 

@@ -34,7 +34,8 @@ public:
     // What makes "_" and "%" in a name of the catalogue stand for themselves.
     const QString& searchEscape() const { return searchEscape_; }
 
-    // Outside of a transaction each statement stands for itself. Throw DatabaseError.
+    // Outside of a transaction each statement stands for itself. Throw DatabaseError; commit() also when the
+    // server has undone the transaction before, to end a deadlock.
     bool inTransaction() const { return inTransaction_; }
     void begin();
     void commit();
@@ -55,6 +56,7 @@ private:
     SQLHDBC connection_ = SQL_NULL_HDBC;
     bool connected_ = false;
     bool inTransaction_ = false;
+    bool undone_ = false; // the transaction, by the server
     bool lost_ = false;
     bool readOnly_ = false;
     QString searchEscape_;

@@ -82,6 +82,12 @@ QString saidBy(const QList<OdbcDiagnostic>& records) {
     return texts.join(u'\n');
 }
 
+// Whether any state is of a class: its first two characters.
+bool hasClass(const QList<OdbcDiagnostic>& records, const QString& wanted) {
+    return std::any_of(records.begin(), records.end(),
+                       [&](const OdbcDiagnostic& record) { return record.state.startsWith(wanted); });
+}
+
 DatabaseError withSentence(int number, const QString& sentence, const QList<OdbcDiagnostic>& records) {
     return {number, records.isEmpty() ? sentence : sentence + u'\n' + saidBy(records)};
 }
@@ -104,9 +110,11 @@ DatabaseError NotConnected(const QString& server, const QList<OdbcDiagnostic>& r
 }
 
 bool IsLost(const QList<OdbcDiagnostic>& records) {
-    return std::any_of(records.begin(), records.end(), [](const OdbcDiagnostic& record) {
-        return record.state.startsWith(QStringLiteral("08"));
-    });
+    return hasClass(records, QStringLiteral("08"));
+}
+
+bool EndsTransaction(const QList<OdbcDiagnostic>& records) {
+    return hasClass(records, QStringLiteral("40"));
 }
 
 } // namespace tolvex

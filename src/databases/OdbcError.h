@@ -22,7 +22,8 @@ DatabaseError FromServer(const QList<OdbcDiagnostic>& records);
 // The error for a connection that was not made, whatever the reason.
 DatabaseError NotConnected(const QString& server, const QList<OdbcDiagnostic>& records);
 
-// Whether the connection is gone.
+// Whether the connection is gone, and whether the server has undone the transaction.
 bool IsLost(const QList<OdbcDiagnostic>& records);
+bool EndsTransaction(const QList<OdbcDiagnostic>& records);
 
 } // namespace tolvex

@@ -291,4 +291,10 @@ QString OdbcStatement::text(int column) {
     return text ? QString::fromStdU16String(*text) : QString();
 }
 
+int OdbcStatement::number(int column) {
+    const jet::Value held = value(column, ColumnType::Long);
+    const auto* number = std::get_if<std::int32_t>(&held);
+    return number ? *number : 0;
+}
+
 } // namespace tolvex

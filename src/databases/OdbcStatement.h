@@ -46,8 +46,9 @@ public:
     bool fetch();
     // A value of the row, by its number from 1; ask in rising order and once each.
     jet::Value value(int column, jet::ColumnType type);
-    // The same as a text; empty for null.
+    // The same as a text or a whole number; null is an empty text, or 0.
     QString text(int column);
+    int number(int column);
 
 private:
     struct Parameter {

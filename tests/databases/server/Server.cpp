@@ -151,9 +151,14 @@ void Session::run(const std::string& sql) {
 }
 
 void Session::count() {
-    const std::string most = attribute("LoseAfter");
-    if (!most.empty() && ++statements_ > std::stoi(most))
+    ++statements_;
+    if (const std::string most = attribute("LoseAfter"); !most.empty() && statements_ > std::stoi(most))
         throw Fault{"08S01", 10054, "[Test Server]Communication link failure"};
+    if (attribute("UndoAfter") == std::to_string(statements_ - 1)) {
+        if (sqlite3_get_autocommit(database_.get()) == 0)
+            run("ROLLBACK");
+        throw Fault{"40001", 1205, "[Test Server]Transaction was deadlocked and chosen as the victim."};
+    }
 }
 
 Rows Session::prepare(const std::string& sql, bool hasTimeLimit) {

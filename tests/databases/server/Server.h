@@ -2,7 +2,8 @@
 // dialect that the suite uses and answers with a SQL server's error numbers.
 //
 // Attributes of a connect string: Server (the folder), Database, PWD (any but "right" is refused), and faults
-// to order: LoseAfter=N (the connection breaks behind N statements), ReadOnly=1 (the source says so),
+// to order: LoseAfter=N (the connection breaks behind N statements), UndoAfter=N (the statement behind N is
+// chosen to end a deadlock, and its transaction undone), ReadOnly=1 (the source says so),
 // Locked=1 (the database refuses changes), Slow=1 (a statement takes longer than any limit), Deny=TABLE (may
 // not be read without its owner's name).
 #pragma once
