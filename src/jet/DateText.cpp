@@ -96,7 +96,7 @@ bool AppendDate(Date date, char separator, std::string& into) {
     if (!(date.days > first - 1 && date.days < end))
         return false;
     int whole = static_cast<int>(date.days);
-    int seconds = static_cast<int>(std::fabs(date.days - whole) * secondsPerDay + 0.5);
+    int seconds = static_cast<int>(std::lround(std::fabs(date.days - whole) * secondsPerDay));
     if (seconds == secondsPerDay) {
         whole += 1;
         seconds = 0;

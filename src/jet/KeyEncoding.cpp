@@ -165,16 +165,22 @@ void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into)
 
 namespace {
 
-// The same for a column of a row. Numbers and plain texts do not become values on the way.
-void appendStoredKey(Pager& pager, const RowView& row, const Column& column, bool ascending, Bytes& into) {
-    if (column.type == ColumnType::Boolean)
-        return appendBoolean(row.boolean(column), ascending, into);
+// The same for a column of a row. Numbers and plain texts do not become values on the way. Says whether it is
+// null.
+bool appendStoredKey(Pager& pager, const RowView& row, const Column& column, bool ascending, Bytes& into) {
+    if (column.type == ColumnType::Boolean) {
+        appendBoolean(row.boolean(column), ascending, into);
+        return false;
+    }
     if (row.isNull(column)) {
         into.push_back(ascending ? NullAscending : NullDescending);
-        return;
+        return true;
     }
     const auto bytes = row.bytes(column);
-    const auto code = [&](auto order) { appendCode(ascending, order, into); };
+    const auto code = [&](auto order) {
+        appendCode(ascending, order, into);
+        return false;
+    };
     const std::uint8_t* at = bytes.data();
     if (column.type == ColumnType::Long && bytes.size() == 4)
         return code(orderOf(static_cast<std::int32_t>(Load32(at))));
@@ -187,12 +193,14 @@ void appendStoredKey(Pager& pager, const RowView& row, const Column& column, boo
             const std::size_t start = into.size();
             into.push_back(ascending ? ValueAscending : ValueDescending);
             AppendTextKey(*plain, into);
-            return finishText(ascending, start, into);
+            finishText(ascending, start, into);
+            return false;
         }
     }
     Value value;
     DecodeColumn(pager, row, column, value);
     AppendKey(column.type, ascending, value, into);
+    return false;
 }
 
 KeyKind kindOf(std::size_t nulls, std::size_t parts) {
@@ -247,8 +255,7 @@ KeyKind KeyEncoder::encodeStored(Pager& pager, const RowView& row, std::span<con
     std::size_t nulls = 0;
     for (const Part& part : parts_) {
         const Column& column = columns[static_cast<std::size_t>(part.column)];
-        nulls += row.isNull(column) ? 1 : 0;
-        appendStoredKey(pager, row, column, part.ascending, key);
+        nulls += appendStoredKey(pager, row, column, part.ascending, key) ? 1 : 0;
     }
     checkLength(key);
     return kindOf(nulls, parts_.size());

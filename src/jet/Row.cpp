@@ -129,25 +129,8 @@ void RowView::keep() const {
     bytes_ = *kept_;
 }
 
-bool RowView::isNull(const Column& column) const {
-    if (column.type == ColumnType::Boolean)
-        return false;
-    return !maskBit(column.number) || (!column.isFixed() && column.variableIndex >= variables_);
-}
-
-std::span<const std::uint8_t> RowView::bytes(const Column& column) const {
-    if (column.type == ColumnType::Boolean || isNull(column))
-        return {};
-    int begin = FixedBegin + column.fixedOffset;
-    int end = begin + column.size;
-    if (!column.isFixed()) {
-        const std::uint8_t* offset = bytes_.data() + variableEnd_ - 2 - 2 * column.variableIndex;
-        begin = Load16(offset);
-        end = Load16(offset - 2);
-    }
-    if (begin < FixedBegin || begin > end || end > mask_)
-        Damaged(page_, "column '" + ToUtf8(column.name) + "' lies outside its row");
-    return bytes_.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+void RowView::refuse(const Column& column) const {
+    Damaged(page_, "column '" + ToUtf8(column.name) + "' lies outside its row");
 }
 
 void DecodeStored(const Column& column, std::span<const std::uint8_t> bytes, PageNumber page, Value& value) {

@@ -26,10 +26,23 @@ public:
     void moveTo(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns);
 
     // Null as stored. A Boolean is never null.
-    bool isNull(const Column& column) const;
+    bool isNull(const Column& column) const { return column.type != ColumnType::Boolean && isUnset(column); }
     // The stored bytes of a column that is not null; of a null one nothing. Memo and OLE: the definition of
     // the long value (LongValue.h). A Boolean has no bytes.
-    std::span<const std::uint8_t> bytes(const Column& column) const;
+    std::span<const std::uint8_t> bytes(const Column& column) const {
+        if (column.type == ColumnType::Boolean || isUnset(column))
+            return {};
+        int begin = FixedBegin + column.fixedOffset;
+        int end = begin + column.size;
+        if (!column.isFixed()) {
+            const std::uint8_t* offset = bytes_.data() + variableEnd_ - 2 - 2 * column.variableIndex;
+            begin = Load16(offset);
+            end = Load16(offset - 2);
+        }
+        if (begin < FixedBegin || begin > end || end > mask_)
+            refuse(column);
+        return bytes_.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    }
     bool boolean(const Column& column) const { return maskBit(column.number); }
     // Whether the row has room for fixed columns of this length (TableDefinition::fixedLength()): then
     // bytes() throws for none of them.
@@ -43,6 +56,10 @@ public:
 private:
     static constexpr int FixedBegin = 2; // the column count comes before the fixed columns
 
+    [[noreturn]] void refuse(const Column& column) const;
+    bool isUnset(const Column& column) const {
+        return !maskBit(column.number) || (!column.isFixed() && column.variableIndex >= variables_);
+    }
     bool maskBit(int number) const {
         const int at = mask_ + number / 8;
         return number < columns_ && (bytes_[static_cast<std::size_t>(at)] >> number % 8 & 1) != 0;

@@ -11,7 +11,7 @@ namespace jet {
 struct RowPointer {
     PageNumber page = 0; // 0: none
     std::uint8_t row = 0;
-    auto operator<=>(const RowPointer&) const = default;
+    auto operator<=>(const RowPointer&) const = default; // NOLINT(modernize-use-nullptr)
 };
 
 // As stored in four bytes: row in the low byte, page above it.

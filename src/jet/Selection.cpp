@@ -33,7 +33,8 @@ void appendSortKey(const Column& column, bool ascending, const Value& value, Byt
 
 // The order of a key and a bound; 0 if one begins with the other.
 int compareStart(KeyView key, const Bytes& bound) {
-    return std::memcmp(key.data(), bound.data(), std::min(key.size(), bound.size()));
+    const std::size_t length = std::min(key.size(), bound.size());
+    return length == 0 ? 0 : std::memcmp(key.data(), bound.data(), length);
 }
 
 } // namespace
