@@ -1,6 +1,7 @@
 #include "jet/Like.h"
 
 #include "jet/Collation.h"
+#include "jet/CollationTable.h"
 #include "jet/Error.h"
 
 #include <algorithm>
@@ -14,6 +15,14 @@ int compare(char16_t a, char16_t b) {
     if (order == 0 && a != b && (a == u' ' || b == u' '))
         return a == u' ' ? 1 : -1; // as texts, blanks and characters that do not count are alike
     return order;
+}
+
+// Whether they are equal; for the commonest characters without a call.
+bool same(char16_t a, char16_t b) {
+    const bool plain = a < PlainEnd && b < PlainEnd && PlainWeights[a] != 0 && PlainWeights[b] != 0;
+    if (a == b || !plain || a == u' ' || b == u' ')
+        return compare(a, b) == 0;
+    return PlainWeights[a] == PlainWeights[b];
 }
 
 } // namespace
@@ -58,7 +67,7 @@ bool LikePattern::fits(const Element& element, char16_t c) {
     using Kind = Element::Kind;
     switch (element.kind) {
     case Kind::Character:
-        return compare(element.character, c) == 0;
+        return same(element.character, c);
     case Kind::Digit:
         return c >= u'0' && c <= u'9';
     case Kind::Set:

@@ -1,6 +1,7 @@
 // What a WHERE chooses, over rows in memory: three-valued logic, kinds, LIKE, dates, and the errors that
 // programs tell apart.
 #include "jet/Criterion.h"
+#include "jet/Collation.h"
 #include "jet/DateText.h"
 #include "jet/Error.h"
 
@@ -157,6 +158,20 @@ TEST(SqlTest, ReadsStatements) {
           u"INSERT INTO T (a) VALUES (1, 2)", u"INSERT INTO T VALUES (a)", u"UPDATE T SET a", u"DELETE T",
           u"SELECT * FROM T ORDER a", u"SELECT * FROM T; SELECT * FROM T", u"SELECT * FROM select"})
         EXPECT_THROW(sql::ParseStatement(bad), Error) << ToUtf8(bad);
+}
+
+// A character of a pattern stands for what is equal to it as a text, but a blank for itself only.
+TEST(LikeTest, ComparesEveryPairOfCharacters) {
+    for (char16_t a = 0; a < 0x180; ++a) {
+        if (std::u16string_view(u"*?#[").find(a) != std::u16string_view::npos)
+            continue;
+        const LikePattern pattern({&a, 1});
+        for (char16_t b = 0; b < 0x180; ++b) {
+            const bool blank = a == u' ' || b == u' ';
+            ASSERT_EQ(pattern.matches({&b, 1}), blank ? a == b : CompareTexts({&a, 1}, {&b, 1}) == 0)
+                << static_cast<int>(a) << ' ' << static_cast<int>(b);
+        }
+    }
 }
 
 } // namespace
