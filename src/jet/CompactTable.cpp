@@ -2,6 +2,7 @@
 
 #include "jet/Damage.h"
 #include "jet/DataPage.h"
+#include "jet/OrderedRows.h"
 #include "jet/Salvage.h"
 #include "jet/TextCompression.h"
 
@@ -285,11 +286,11 @@ void TableCompaction::copyInOrder() {
     const auto order = static_cast<std::size_t>(order_);
     EntrySorter& entries = indexes_[order].entries;
     sortRows(order, entries);
-    while (entries.next()) {
-        RowView row;
+    OrderedRows rows(from_, entries);
+    while (rows.next()) {
         RowPointer stored;
-        if (from_.fetch(entries.row(), row) && copyRow(entries.row(), row, stored))
-            addEntry(order, indexpage::EntryBuffer(entries.key(), stored).view());
+        if (copyRow(rows.at(), rows.row(), stored))
+            addEntry(order, indexpage::EntryBuffer(rows.key(), stored).view());
     }
     entries = EntrySorter(0);
 }

@@ -2,6 +2,7 @@
 
 #include "jet/Error.h"
 #include "jet/PageFile.h"
+#include "jet/Prefetch.h"
 
 #include <algorithm>
 #include <array>
@@ -35,11 +36,10 @@ std::uint64_t headOf(KeyView entry) {
     return head;
 }
 
-void fetchAhead([[maybe_unused]] const std::uint8_t* at) {
-#if defined(__GNUC__)
-    __builtin_prefetch(at);
-    __builtin_prefetch(at + 63); // it may begin at the end of a line
-#endif
+// Begin and end of an entry, which may lie on two lines of the processor's cache.
+void prefetch(KeyView entry) {
+    Prefetch(entry.data());
+    Prefetch(entry.data() + entry.size() - 1);
 }
 
 // Places in the order of their heads: counted byte by byte from the lowest up, bytes that are all alike left
@@ -264,11 +264,11 @@ bool EntrySorter::next() {
         if (given_ == places_.size())
             return false;
         if (!inOrder_ && given_ + Ahead < places_.size())
-            fetchAhead(entryAt(places_[given_ + Ahead]).data());
+            prefetch(entryAt(places_[given_ + Ahead]));
         entry_ = entryAt(places_[given_++]);
         return true;
     }
-    if (begun_) {
+    if (begun_ && !runs_.empty()) {
         std::pop_heap(runs_.begin(), runs_.end(), Behind);
         if (runs_.back()->next())
             std::push_heap(runs_.begin(), runs_.end(), Behind);

@@ -1,6 +1,7 @@
 #include "jet/IndexPage.h"
 
 #include "jet/Damage.h"
+#include "jet/Prefetch.h"
 
 #include <algorithm>
 #include <bit>
@@ -149,15 +150,13 @@ int markUpTo(const std::uint8_t* page, int bit) {
 // In a large tree hardly a page is in the processor's cache, and a search waits for memory at each of its
 // steps. Asking for the whole mask and for the entries that its first steps look at beforehand makes it wait
 // once: seeks among a million entries are twice as fast.
-void fetchAhead([[maybe_unused]] const std::uint8_t* page, [[maybe_unused]] int used) {
-#if defined(__GNUC__)
+void fetchAhead(const std::uint8_t* page, int used) {
     constexpr int line = 64;
     constexpr int places = 16;
     for (int at = 0; at < EntryField; at += line)
-        __builtin_prefetch(page + at);
+        Prefetch(page + at);
     for (int i = 1; i < places; ++i)
-        __builtin_prefetch(page + EntryField + used * i / places);
-#endif
+        Prefetch(page + EntryField + used * i / places);
 }
 
 void setUsed(std::uint8_t* page, int used) {

@@ -7,6 +7,8 @@
 #include "jet/Database.h"
 #include "jet/Execute.h"
 #include "jet/FaultyStorage.h"
+#include "jet/KeyEncoding.h"
+#include "jet/OrderedRows.h"
 #include "jet/Samples.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
@@ -136,6 +138,42 @@ TEST_F(CompactOwnTest, LeavesNothingOver) {
     again.put(source, small);
     compact(again);
     EXPECT_EQ(again.get(target).size(), small.size());
+}
+
+// However many rows are fetched at a time, and whether their entries were sorted in memory or not.
+TEST_F(CompactOwnTest, RowsComeInTheOrderOfTheirKeys) {
+    MemoryPager pager(image_);
+    const Table table = Catalog(pager).table(u"Log");
+    const Reading reading(pager);
+    const KeyEncoder encoder(table.definition(),
+                             table.definition().realIndexes[table.definition().findIndex(u"Unique")->real]);
+    std::vector<std::pair<Bytes, RowPointer>> expected;
+    Bytes key;
+    RowPointer at;
+    for (RowView row; table.next(at, row);) {
+        encoder.encodeStored(pager, row, table.definition().columns, key);
+        expected.emplace_back(key, at);
+    }
+    std::sort(expected.begin(), expected.end());
+    for (const std::size_t memory : {1, 900, 20000, 1000000}) {
+        EntrySorter entries(memory);
+        for (const auto& [one, where] : expected)
+            entries.add(one, where);
+        entries.add(key, {99999, 0}); // not there
+        entries.sort();
+        OrderedRows rows(table, entries, memory);
+        for (const auto& [one, where] : expected) {
+            ASSERT_TRUE(rows.next());
+            ASSERT_EQ(rows.at(), where);
+            ASSERT_TRUE(std::equal(one.begin(), one.end(), rows.key().begin(), rows.key().end()));
+            RowView row;
+            ASSERT_TRUE(table.fetch(where, row));
+            ASSERT_TRUE(std::equal(row.all().begin(), row.all().end(), rows.row().all().begin(),
+                                   rows.row().all().end()));
+        }
+        EXPECT_FALSE(rows.next());
+        EXPECT_FALSE(rows.next());
+    }
 }
 
 // The disk fails at every call in turn, or the power goes: the source stays, and no half file remains.
