@@ -25,8 +25,9 @@ using OnLoss = std::function<void(const Fault&)>;
 // throws (FileLocked when another program uses the source), CannotUpdateReadOnly for a file with an index in
 // an order that is not known here, DiskFull, DiskIo. A file in the older format becomes one of the present
 // format; what is not taken over from it is told, but for the properties of columns. Cost: one pass over the
-// source, two of tables whose rows do not lie in its order, and a sort of the keys of one table at a time;
-// memory stays flat, since keys beyond a limit (EntrySorter.h) are sorted by way of a temporary file.
+// source, two of tables whose rows do not lie in the order of their primary key, and a sort of the keys of
+// one table at a time; memory stays flat, since keys beyond a limit (EntrySorter.h) are sorted by way of a
+// temporary file.
 CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
                               const std::u16string& password, const OnLoss& lost);
 CompactResult CompactDatabase(const std::string& source, const std::string& target,
