@@ -68,12 +68,17 @@ std::string ErrorText(ErrorNumber number) {
 
 Error::Error(ErrorNumber number, const std::string& detail)
     : std::runtime_error(detail.empty() ? ErrorText(number) : ErrorText(number) + " (" + detail + ")")
-    , code_(number)
-    , detailLength_(detail.size()) {}
+    , code_(number) {}
 
 std::string Error::detail() const {
-    const std::string text = what(); // the detail, if there is one, in brackets at its end
-    return detailLength_ == 0 ? std::string() : text.substr(text.size() - 1 - detailLength_, detailLength_);
+    const std::string head = ErrorText(code_) + " (";
+    std::string text = what();
+    if (!text.starts_with(head))
+        return {};
+    text.erase(0, head.size());
+    if (text.ends_with(')')) // a name with a zero in it ends what() early
+        text.pop_back();
+    return text;
 }
 
 } // namespace jet

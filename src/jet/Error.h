@@ -1,7 +1,6 @@
 // The one exception of the engine. It carries the error number that programs of the suite know and compare.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -66,7 +65,6 @@ public:
 
 private:
     ErrorNumber code_;
-    std::size_t detailLength_;
 };
 
 } // namespace jet

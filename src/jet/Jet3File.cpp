@@ -218,7 +218,7 @@ TableDefinition Jet3File::definition(PageNumber number) const {
 }
 
 void Jet3File::forEachRow(const TableDefinition& table, const std::function<void(std::span<Value>)>& visit,
-                          const std::function<void(const Error&)>& fault) const {
+                          const OnDamage& damaged) const {
     std::vector<Value> values(table.columns.size());
     for (const PageNumber number : mapPages(table.ownedMap)) {
         int count = 0;
@@ -227,7 +227,7 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
             if (Load32(page(number).data() + 4) != table.page)
                 Damaged(number, "belongs to another table");
         } catch (const Error& error) {
-            fault(error);
+            damaged(error);
             continue;
         }
         for (int row = 0; row < count; ++row) {
@@ -243,9 +243,9 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
                     if (found.pointer)
                         Damaged(number, "row " + std::to_string(row) + " points to no row");
                 }
-                decodeRow(table, found.bytes, number, values);
+                decodeRow(table, found.bytes, number, values, damaged);
             } catch (const Error& error) {
-                fault(error);
+                damaged(error);
                 continue;
             }
             visit(values);
@@ -253,8 +253,8 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
     }
 }
 
-void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page,
-                         std::span<Value> values) const {
+void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values,
+                         const OnDamage& damaged) const {
     // From the end: the null mask, the number of variable columns, how often their offsets pass a multiple of
     // 256, and the low bytes of the offsets, the first one last.
     const auto require = [page](bool condition) {
@@ -300,8 +300,13 @@ void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page
         }
         if (!bit)
             continue;
-        require(begin <= end && end <= maskAt);
-        decodeValue(column, row.subspan(begin, end - begin), page, values[i]);
+        try {
+            require(begin <= end && end <= maskAt);
+            decodeValue(column, row.subspan(begin, end - begin), page, values[i]);
+        } catch (const Error& error) {
+            damaged(error);
+            values[i] = std::monostate{};
+        }
     }
 }
 

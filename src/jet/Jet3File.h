@@ -21,10 +21,11 @@ public:
     // A table's definition, in the terms of the present format: columns and indexes, with roots and maps of
     // the file.
     TableDefinition definition(PageNumber page) const;
+    using OnDamage = std::function<void(const Error&)>;
     // Calls `visit` with the values of each row, in the order of the definition's columns. A damaged row or
-    // page is left out and `fault` is told of it.
+    // page is left out, a damaged value is null, and `damaged` is told of it.
     void forEachRow(const TableDefinition& table, const std::function<void(std::span<Value>)>& visit,
-                    const std::function<void(const Error&)>& fault) const;
+                    const OnDamage& damaged) const;
 
 private:
     using View = std::span<const std::uint8_t>;
@@ -37,7 +38,8 @@ private:
     Slot slot(PageNumber page, int row) const;
     int slotCount(PageNumber page) const;
     std::vector<PageNumber> mapPages(RowPointer map) const;
-    void decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values) const;
+    void decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values,
+                   const OnDamage& damaged) const;
     void decodeValue(const Column& column, View bytes, PageNumber page, Value& value) const;
     Bytes longValue(View definition, PageNumber page) const;
 

@@ -1,0 +1,100 @@
+// Files of the older format: read, checked, and compacted into files of the present one.
+#include "jet/Check.h"
+#include "jet/Compact.h"
+#include "jet/Database.h"
+#include "jet/FaultyStorage.h"
+#include "jet/Jet3Builder.h"
+#include "jet/Sharing.h"
+#include "jet/TableDesign.h"
+#include "jet/Transfer.h"
+
+#include <gtest/gtest.h>
+
+namespace jet::test {
+namespace {
+
+constexpr char Path[] = "OLD.MDB";
+constexpr char Target[] = "NEW.MDB";
+
+class Jet3Test : public testing::Test {
+protected:
+    void store() { storage_.put(Path, built_.file); }
+    static std::string rowsOf(Database& database, const char16_t* order) {
+        std::string text;
+        const Table table = database.catalog().table(u"Songs");
+        const sql::Statement statement =
+            sql::ParseStatement(std::u16string(u"SELECT * FROM Songs ORDER BY ") + order);
+        ExportRows(Selection(table, std::get<sql::Select>(statement)), TextFormat::Csv,
+                   [&](std::string_view piece) { text += piece; });
+        return text.substr(text.find('\n') + 1);
+    }
+    static std::string faultsOf(Database& database, bool harmless) {
+        std::string text;
+        CheckDatabase(database, [&](const Fault& fault) {
+            if (fault.harmless == harmless)
+                text += std::to_string(fault.page) + ' ' + ToUtf8(fault.table) + ' ' + fault.reason + '\n';
+        });
+        return text;
+    }
+
+    Jet3Builder built_;
+    FaultyStorage storage_;
+};
+
+TEST_F(Jet3Test, EveryKindOfRowAndValueIsRead) {
+    store();
+    Database database = Database::open(storage_, Path);
+    EXPECT_EQ(rowsOf(database, u"Id"), "1,0,\"\",,0\r\n"
+                                       "2,-1,caf\xC3\xA9 \xE2\x82\xAC,a row of its own,0\r\n"
+                                       "3,1965,Yesterday,in row,1\r\n"
+                                       "4,4,Four,,1\r\n"
+                                       "9,9," +
+                                           std::string(200, 'x') + Jet3Builder::LongTitle +
+                                           ",piece by piece,1\r\n");
+    EXPECT_EQ(faultsOf(database, false), "");
+    EXPECT_EQ(faultsOf(database, true), "2  names the query 'Old songs', which is not taken over\n");
+}
+
+TEST_F(Jet3Test, TheCheckTellsWhatCannotBeRead) {
+    Store32(built_.at(Jet3Builder::Songs) + 0x0C, 7);
+    Store16(built_.at(Jet3Builder::SongRows) + 10, 0x0FFF); // the first row's place
+    built_.at(Jet3Builder::LongValues)[0] = 9;
+    store();
+    Database database = Database::open(storage_, Path);
+    EXPECT_EQ(faultsOf(database, false), "5 Songs row 0 lies outside its place\n"
+                                         "5 Songs row 1 lies outside its place\n"
+                                         "7 Songs is no data page\n"
+                                         "4 Songs says that the table has 7 rows instead of 3\n");
+    // A value that cannot be read is null, and its row is there.
+    EXPECT_EQ(rowsOf(database, u"Id").substr(0, 25), "1,0,\"\",,0\r\n4,4,Four,,1\r\n9");
+}
+
+TEST_F(Jet3Test, CompactionMakesAFileOfThePresentFormat) {
+    store();
+    std::string lost;
+    const CompactResult result =
+        CompactDatabase(storage_, Path, Target, {}, [&](const Fault& loss) { lost += loss.reason + '\n'; });
+    EXPECT_EQ(lost, "names the query 'Old songs', which is not taken over\n");
+    EXPECT_EQ(result.losses, 1u);
+    Database old = Database::open(storage_, Path);
+    Database database = Database::open(storage_, Target);
+    EXPECT_EQ(database.header().version, PageZero::Jet4);
+    EXPECT_EQ(faultsOf(database, false), "");
+    EXPECT_EQ(rowsOf(database, u"Id"), rowsOf(old, u"Id"));
+    const TableDesign design = DescribeTable(database.catalog(), *database.catalog().findTable(u"Songs"));
+    ASSERT_EQ(design.indexes.size(), 1u);
+    EXPECT_TRUE(design.indexes[0].primary);
+    EXPECT_EQ(design.fields[2].size, 255);
+    AppendTable(database.catalog(), {u"After", {{u"Id", ColumnType::Long}}, {}, {}});
+
+    // Not while a program with another engine has the file open.
+    storage_.remove(Target);
+    storage_.put("OLD.LDB", {});
+    const auto lockFile = storage_.open("OLD.LDB", Storage::Open::ReadWrite);
+    ASSERT_TRUE(lockFile->lock(0x10000001, 1, true, false));
+    EXPECT_THROW(CompactDatabase(storage_, Path, Target, {}, [](const Fault&) {}), Error);
+    EXPECT_FALSE(storage_.exists(Target));
+}
+
+} // namespace
+} // namespace jet::test
