@@ -166,7 +166,8 @@ public:
     void refresh() override {
         onEngine([&] {
             try {
-                database_.flush();
+                if (database_.transactionDepth() == 0)
+                    database_.flush();
             } catch (const jet::Error& error) {
                 // Whose transaction is running brings everything into the file after it.
                 if (error.code() != jet::ErrorNumber::RecordLocked)

@@ -7,9 +7,12 @@
 #include "databases/DatabaseSettings.h"
 #include "databases/UserImport.h"
 #include "databases/UsersDatabase.h"
+#include "jet/Check.h"
+#include "jet/Database.h"
 #include "platform/CodePage.h"
 #include "platform/ProfileFile.h"
 #include "support/FixedClock.h"
+#include "support/NoRoom.h"
 
 #include <array>
 #include <sys/wait.h>
@@ -293,6 +296,47 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
     MakeDefaultGroupsAndImport(false);
     MakeDefaultGroupsAndImport(false);
     EXPECT_EQ(prompts.fileQuestions.size(), 1);
+}
+
+// Whatever there is room for, an attempt says what is wrong, leaves a sound file or none, and does not stand
+// in the way of the next.
+TEST_F(UsersDatabaseTest, AFullDiskLosesNothing) {
+    const auto expectSound = [&] {
+        if (!machine.exists(Path))
+            return;
+        jet::Database database = jet::Database::open(machine.host(Path).toStdString());
+        EXPECT_EQ(jet::CheckDatabase(database, [](const jet::Fault&) {}).faults, 0u);
+    };
+    int failed = 0;
+    for (const std::uintmax_t bytes : {0u, 30000u, 70000u, 75000u, 90000u, 110000u, 200000u, 400000u}) {
+        qint16 result = 0;
+        {
+            const NoRoom room(bytes);
+            result = OpenUsersDatabase(Path);
+            ResetUsersState();
+        }
+        expectSound();
+        if (result == 0)
+            continue;
+        ++failed;
+        EXPECT_TRUE(texts().join('|').contains("There is not enough space on the disk"))
+            << bytes << ": " << texts().join('|').toStdString();
+        prompts.forget();
+    }
+    EXPECT_GT(failed, 2);
+    open();
+    addUser("ANN", {}, {});
+    usersState().database->refresh();
+    {
+        const NoRoom room(0);
+        AddEventToUserHistory("ANN", 129, 1, "no room");
+        EXPECT_FALSE(DeleteUser("ANN"));
+        EXPECT_EQ(column("Users", "LoginName"), QStringList{"ANN"});
+    }
+    AddEventToUserHistory("ANN", 129, 1, "room again");
+    EXPECT_EQ(column("UserHistory", "Notes"), QStringList{"room again"});
+    CloseUsersDatabase();
+    expectSound();
 }
 
 TEST_F(UsersDatabaseTest, TellsWhyItDoesNotOpen) {

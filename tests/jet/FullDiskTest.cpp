@@ -6,38 +6,17 @@
 #include "jet/RedoLog.h"
 #include "jet/Samples.h"
 #include "jet/TableDesign.h"
+#include "support/NoRoom.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace jet::test {
 namespace {
 
-// Files of this process end here while the object lives.
-class NoRoom {
-public:
-    explicit NoRoom(std::uintmax_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~NoRoom() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    NoRoom(const NoRoom&) = delete;
-    NoRoom& operator=(const NoRoom&) = delete;
-
-private:
-    rlimit before_{};
-    void (*handler_)(int) = nullptr;
-};
+using tolvex::tests::NoRoom;
 
 class FullDiskTest : public testing::Test {
 protected:
