@@ -54,6 +54,7 @@ struct FilePager::Impl {
     PageCache::Frame& load(PageNumber page);
     PageCache::Frame& frameOf(PageNumber page);
     PageCache::Frame& editFrame(PageNumber page);
+    void makeDirty(PageCache::Frame& frame);
     PageNumber append();
     void spill();
 
@@ -216,9 +217,7 @@ PageCache::Frame& FilePager::Impl::editFrame(PageNumber page) {
     recent[edits++ % RecentEdits] = &frame;
     ++version;
     if (!frame.dirty) {
-        if (cache.dirty().size() >= cache.limit() / 4 * 3)
-            spill();
-        cache.makeDirty(frame);
+        makeDirty(frame);
     }
     if (changes.saving() != 0 && frame.savedIn != changes.saving()) {
         changes.save(page, frame.bytes);
@@ -235,11 +234,17 @@ std::uint8_t* FilePager::edit(PageNumber page) {
     return impl_->editFrame(page).bytes;
 }
 
+void FilePager::Impl::makeDirty(PageCache::Frame& frame) {
+    if (cache.dirty().size() >= cache.limit() / 4 * 3)
+        spill();
+    cache.makeDirty(frame);
+}
+
 PageNumber FilePager::Impl::append() {
     const PageNumber page = stored.append();
     PageCache::Frame& frame = cache.add(page);
     std::memset(frame.bytes, 0, PageSize);
-    cache.makeDirty(frame);
+    makeDirty(frame);
     return page;
 }
 

@@ -127,8 +127,8 @@ void LoggedFile::setFrame(PageNumber page, std::uint32_t frame) {
 // ---- A transaction
 
 void LoggedFile::ensureLog() {
-    if (log_ == nullptr)
-        log_ = RedoLog::create(storage_, RedoLog::PathFor(path_), identity_, pages_);
+    if (log_ == nullptr) // without the pages that this transaction has appended: nobody else may see them yet
+        log_ = RedoLog::create(storage_, RedoLog::PathFor(path_), identity_, pagesInFile());
     log_->setShared(shared_);
 }
 

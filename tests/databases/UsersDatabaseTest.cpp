@@ -15,6 +15,7 @@
 #include "support/NoRoom.h"
 
 #include <array>
+#include <poll.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -90,17 +91,20 @@ private:
     pid_t id_;
 };
 
-// Where two processes wait for each other.
+// Where two processes wait for each other, but not for ever.
 class Meeting {
 public:
     Meeting() {
         for (auto& pipe : pipes_)
             EXPECT_EQ(::pipe(pipe.data()), 0);
     }
-    // `side`: 0 for one process, 1 for the other.
+    // `side`: 0 for one process, 1 for the other. False: the other one does not come.
     bool meet(std::size_t side) const {
+        constexpr int Patience = 60000; // milliseconds
         char mark = 0;
-        return ::write(pipes_[side][1], &mark, 1) == 1 && ::read(pipes_[1 - side][0], &mark, 1) == 1;
+        pollfd other{pipes_[1 - side][0], POLLIN, 0};
+        return ::write(pipes_[side][1], &mark, 1) == 1 && ::poll(&other, 1, Patience) == 1 &&
+               ::read(other.fd, &mark, 1) == 1;
     }
 
 private:

@@ -295,6 +295,22 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + "-unused"));
 }
 
+// A log is made by the first commit, and by a large transaction long before it.
+TEST_F(FilePagerTest, PagesOfARunningTransactionAreNotThereForOthers) {
+    OpenOptions small;
+    small.cachePages = 256;
+    FilePager writer(storage_, Path, small);
+    FilePager reader(storage_, Path, {});
+    Changing change(writer);
+    for (int i = 0; i < 400; ++i)
+        Fill(writer.edit(writer.allocate()), 1);
+    EXPECT_TRUE(storage_.exists(RedoLog::PathFor(Path)));
+    EXPECT_EQ(reader.pageCount(), 4u);
+    change.commit();
+    EXPECT_EQ(reader.pageCount(), 404u);
+    EXPECT_EQ(FilledWith(reader.read(403)), 1);
+}
+
 // Another user's transaction keeps the log from the file: what is committed is safe all the same when close()
 // returns, and if it cannot be made so, close() says it.
 TEST_F(FilePagerTest, ALeavingUserFlushesItsCommits) {
