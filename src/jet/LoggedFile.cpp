@@ -134,10 +134,11 @@ void LoggedFile::ensureLog() {
 
 void LoggedFile::spill(const PageCache::Frame& frame) {
     ensureLog();
+    const std::uint32_t at = log_->end();
+    log_->append(frame.page, frame.bytes, 0);
     const std::uint32_t before = frame.page < frameOf_.size() ? frameOf_[frame.page] : 0;
     spilled_.emplace_back(frame.page, before);
-    setFrame(frame.page, log_->end());
-    log_->append(frame.page, frame.bytes, 0);
+    setFrame(frame.page, at);
 }
 
 void LoggedFile::commit(const std::vector<PageCache::Frame*>& rest) {

@@ -42,16 +42,24 @@ public:
     void dropClean();
 
     void makeDirty(Frame& frame);
-    // All frames of dirty() that `clean` accepts are clean from now on.
+    // All frames of dirty() that `accept` accepts are clean from now on. When it throws, the frame it was
+    // asked about and those behind it stay dirty.
     template<typename Accept>
     void clean(Accept accept) {
-        std::vector<Frame*> kept;
-        for (Frame* frame : dirty_)
-            if (accept(*frame))
-                cleaned(*frame);
-            else
-                kept.push_back(frame);
-        dirty_.swap(kept);
+        std::vector<Frame*> frames;
+        frames.reserve(dirty_.size()); // which dirty_ gets, so that nothing but `accept` can fail
+        frames.swap(dirty_);
+        auto next = frames.begin();
+        try {
+            for (; next != frames.end(); ++next)
+                if (accept(**next))
+                    cleaned(**next);
+                else
+                    dirty_.push_back(*next);
+        } catch (...) {
+            dirty_.insert(dirty_.end(), next, frames.end());
+            throw;
+        }
     }
     void dropDirty();
     // In the order in which they became dirty.
