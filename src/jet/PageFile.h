@@ -23,8 +23,8 @@ public:
     virtual void truncate(std::uint64_t size) = 0;
     // Returns when everything written so far survives a power cut.
     virtual void flush() = 0;
-    // Says that these bytes will not be written again soon: the system may begin to bring them to the disk, so
-    // that a flush() later has less to wait for. Promises nothing, and never fails.
+    // Says that these bytes will not be written again soon: the system may begin to bring them to the disk,
+    // so that a flush() later has less to wait for. Promises nothing, and never fails.
     virtual void beginFlush(std::uint64_t offset, std::uint64_t length) noexcept {
         static_cast<void>(offset);
         static_cast<void>(length);

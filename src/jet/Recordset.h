@@ -75,10 +75,10 @@ public:
     // Whether the last seek() or find...() found nothing.
     bool noMatch() const { return noMatch_; }
 
-    // Cost in a shared file: a look for others' changes (a few system calls) for each move, unless a Reading of
-    // the pager stands around the walk.
-    // Moving gives up an edit that was not saved. first and last throw NoCurrentRecord if there are no rows,
-    // next at eof(), previous at bof(), and both after a seek() that found nothing.
+    // Cost in a shared file: a look for others' changes (a few system calls) for each move, unless a Reading
+    // of the pager stands around the walk. Moving gives up an edit that was not saved. first and last throw
+    // NoCurrentRecord if there are no rows, next at eof(), previous at bof(), and both after a seek() that
+    // found nothing.
     void moveFirst();
     void moveLast();
     void moveNext();
