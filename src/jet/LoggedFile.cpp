@@ -96,22 +96,35 @@ LoggedFile::News LoggedFile::takeNews(const OnPage& changed) {
     return emptied && !sawAll ? News::Everything : News::Pages;
 }
 
+// A log that cannot be taken is let go of, so that nothing of it gets into the file: the next operation finds
+// it anew, and says the same unless it was mended.
 void LoggedFile::takeFrames(std::uint32_t from, const OnPage& changed) {
-    if (from == 0) {
-        for (const PageNumber page : logged_)
-            frameOf_[page] = 0;
-        logged_.clear();
+    if (from == 0)
+        forgetFrames();
+    try {
+        log_->pagesOf(from, log_->state().frames, [&](std::uint32_t frame, PageNumber page) {
+            changed(page);
+            setFrame(page, frame);
+        });
+        const PageNumber before = std::max(pages_, pagesInFile());
+        if (log_->state().pages != 0)
+            pages_ = std::min(log_->state().pages, MaximumPages);
+        for (PageNumber page = before; page < pages_; ++page)
+            if (page >= frameOf_.size() || frameOf_[page] == 0)
+                throw Error(ErrorNumber::Corrupt,
+                            path_ + ": the redo log lacks page " + std::to_string(page));
+    } catch (...) {
+        forgetFrames();
+        log_.reset();
+        pages_ = pagesInFile();
+        throw;
     }
-    log_->pagesOf(from, log_->state().frames, [&](std::uint32_t frame, PageNumber page) {
-        changed(page);
-        setFrame(page, frame);
-    });
-    const PageNumber before = std::max(pages_, pagesInFile());
-    if (log_->state().pages != 0)
-        pages_ = std::min(log_->state().pages, MaximumPages);
-    for (PageNumber page = before; page < pages_; ++page)
-        if (page >= frameOf_.size() || frameOf_[page] == 0)
-            throw Error(ErrorNumber::Corrupt, path_ + ": the redo log lacks page " + std::to_string(page));
+}
+
+void LoggedFile::forgetFrames() {
+    for (const PageNumber page : logged_)
+        frameOf_[page] = 0;
+    logged_.clear();
 }
 
 void LoggedFile::setFrame(PageNumber page, std::uint32_t frame) {
@@ -170,6 +183,8 @@ void LoggedFile::rollback(const OnPage& dropped) {
 void LoggedFile::flushLog() {
     if (log_ != nullptr)
         log_->flush();
+    else if (!flushed_)
+        throw Error(ErrorNumber::Corrupt, path_ + ": the redo log with the latest changes cannot be read");
     flushed_ = true;
 }
 
@@ -199,9 +214,7 @@ void LoggedFile::writePages() {
     }
     file_->flush();
     flushed_ = true;
-    for (const PageNumber page : logged_)
-        frameOf_[page] = 0;
-    logged_.clear();
+    forgetFrames();
 }
 
 void LoggedFile::emptyLog() {

@@ -74,6 +74,7 @@ private:
     PageNumber pagesInFile();
     bool findLog();
     void takeFrames(std::uint32_t from, const OnPage& changed);
+    void forgetFrames();
     void setFrame(PageNumber page, std::uint32_t frame);
     void ensureLog();
     void writePages();

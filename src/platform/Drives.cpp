@@ -39,9 +39,9 @@ DriveType TypeOfDrive(QChar letter) {
     if (const auto placed = pathState().driveTypes.constFind(letter.toUpper());
         placed != pathState().driveTypes.constEnd())
         return *placed;
+    // A root that the list of mounts leaves out, as that of a container may be, has no system's name: what
+    // lies below it is of this machine.
     const QByteArray system = QStorageInfo(root).fileSystemType();
-    if (system.isEmpty())
-        return DriveType::Unknown;
     if (IsNetworkSystem(system))
         return DriveType::Remote;
     return holds(opticalSystems, system) ? DriveType::CdRom : DriveType::Fixed;
