@@ -152,7 +152,7 @@ TableDefinition Jet3File::definition(PageNumber number) const {
         const View part = page(next);
         if (part[0] != DefinitionType)
             Damaged(next, "is no table definition");
-        if (next == number)
+        if (bytes.empty())
             length = std::min(Load32(part.data() + 8), MaximumDefinition);
         else if (bytes.size() >= length)
             Damaged(next, "the table definition has too many pages");
