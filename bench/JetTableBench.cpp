@@ -3,6 +3,7 @@
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/Database.h"
+#include "jet/Recordset.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
 
@@ -16,8 +17,6 @@
 using namespace jet;
 
 namespace {
-
-constexpr std::int32_t rowCount = 200000;
 
 const std::filesystem::path& folder() {
     static const auto path = [] {
@@ -33,38 +32,73 @@ std::string inFolder(const char* name) {
     return (folder() / name).string();
 }
 
-// Number, text, date and memo with two indexes: what most tables of the suite look like.
-const std::string& logFile() {
-    static const std::string path = [] {
-        std::string file = inFolder("log.mdb");
-        Database database = Database::create(file);
-        AppendTable(database.catalog(), {u"Log",
-                                         {{u"Id", ColumnType::Long},
-                                          {u"Title", ColumnType::Text, 50},
-                                          {u"Played", ColumnType::DateTime},
-                                          {u"Note", ColumnType::Memo}},
-                                         {{u"Main", {{u"Id"}}, true, true}, {u"ByTitle", {{u"Title"}}}},
-                                         {}});
-        Transaction transaction(database);
-        Table table = database.catalog().table(u"Log");
-        for (std::int32_t i = 0; i < rowCount; ++i) {
-            std::vector<Value> row{i, u"Some title " + ToUtf16(std::to_string(i * 7919 % rowCount)),
-                                   Date{40000.0 + i / 86400.0}, std::u16string(u"A note of some length")};
-            table.insert(row);
-        }
-        transaction.commit();
-        database.close();
-        return file;
-    }();
-    return path;
+// Two tables, both called "Log" and with two indexes. Small: number, text, date and memo, what most tables of
+// the suite look like. Wide: the 44 fields of an automation log.
+enum class Kind { Small, Wide };
+
+std::int32_t rowCount(Kind kind) {
+    return kind == Kind::Small ? 200000 : 40000;
 }
 
-void countRows(benchmark::State& state) {
-    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * rowCount);
+// The fields of a wide row behind the first four, five kinds in turn.
+constexpr int MoreFields = 40;
+constexpr ColumnType moreKinds[] = {ColumnType::Long, ColumnType::Text, ColumnType::Integer,
+                                    ColumnType::Boolean, ColumnType::Single};
+
+TableDesign designOf(Kind kind) {
+    TableDesign design{u"Log",
+                       {{u"Id", ColumnType::Long},
+                        {u"Title", ColumnType::Text, 50},
+                        {u"Played", ColumnType::DateTime},
+                        {u"Note", ColumnType::Memo}},
+                       {{u"Main", {{u"Id"}}, true, true}, {u"ByTitle", {{u"Title"}}}},
+                       {}};
+    for (int i = 0; kind == Kind::Wide && i < MoreFields; ++i)
+        design.fields.push_back({u"Field" + ToUtf16(std::to_string(i)), moreKinds[i % 5], 50});
+    return design;
 }
 
-void ScanTable(benchmark::State& state) {
-    Database database = Database::open(logFile());
+std::vector<Value> rowOf(Kind kind, std::int32_t i) {
+    std::vector<Value> row{i, u"Some title " + ToUtf16(std::to_string(i * 7919 % rowCount(kind))),
+                           Date{40000.0 + i / 86400.0}, std::u16string(u"A note of some length")};
+    for (int more = 0; kind == Kind::Wide && more < MoreFields; more += 5)
+        row.insert(row.end(), {i + more, std::u16string(u"Some words"), static_cast<std::int16_t>(more),
+                               i % 2 == 0, static_cast<float>(i) / 2});
+    return row;
+}
+
+// In one transaction.
+void insertRows(Database& database, Kind kind) {
+    Transaction transaction(database);
+    Table table = database.catalog().table(u"Log");
+    for (std::int32_t i = 0; i < rowCount(kind); ++i) {
+        std::vector<Value> row = rowOf(kind, i);
+        table.insert(row);
+    }
+    transaction.commit();
+}
+
+std::string makeFile(Kind kind, const char* name) {
+    std::string file = inFolder(name);
+    Database database = Database::create(file);
+    AppendTable(database.catalog(), designOf(kind));
+    insertRows(database, kind);
+    database.close();
+    return file;
+}
+
+const std::string& logFile(Kind kind = Kind::Small) {
+    static const std::string small = makeFile(Kind::Small, "small.mdb");
+    static const std::string wide = makeFile(Kind::Wide, "wide.mdb");
+    return kind == Kind::Small ? small : wide;
+}
+
+void countRows(benchmark::State& state, Kind kind = Kind::Small) {
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * rowCount(kind));
+}
+
+void ScanTable(benchmark::State& state, Kind kind) {
+    Database database = Database::open(logFile(kind));
     const Table table = database.catalog().table(u"Log");
     std::vector<Value> values;
     for (auto _ : state) {
@@ -73,9 +107,10 @@ void ScanTable(benchmark::State& state) {
         for (RowView row; table.next(at, row);)
             table.values(row, values);
     }
-    countRows(state);
+    countRows(state, kind);
 }
-BENCHMARK(ScanTable)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScanTable, Small, Kind::Small)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScanTable, Wide, Kind::Wide)->Unit(benchmark::kMillisecond);
 
 void ScanWithCriterion(benchmark::State& state) {
     Database database = Database::open(logFile());
@@ -105,57 +140,119 @@ BENCHMARK_CAPTURE(selectAll, BeginningLike, u"SELECT * FROM Log WHERE Title LIKE
     ->Unit(benchmark::kMillisecond);
 
 // Opens the file, too, as mdb-export below does. Both write to /dev/null.
-void ExportCsv(benchmark::State& state) {
-    logFile();
+void ExportCsv(benchmark::State& state, Kind kind) {
+    logFile(kind);
     for (auto _ : state) {
         OpenOptions options;
         options.readOnly = true;
-        Database database = Database::open(logFile(), options);
+        Database database = Database::open(logFile(kind), options);
         const Table table = database.catalog().table(u"Log");
         std::FILE* null = std::fopen("/dev/null", "w");
         ExportRows(Selection(table, std::nullopt), TextFormat::Csv,
                    [&](std::string_view text) { std::fwrite(text.data(), 1, text.size(), null); });
         std::fclose(null);
     }
-    countRows(state);
+    countRows(state, kind);
 }
-BENCHMARK(ExportCsv)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(ExportCsv, Small, Kind::Small)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(ExportCsv, Wide, Kind::Wide)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void ExportByMdbtools(benchmark::State& state) {
-    const std::string command = "mdb-export " + logFile() + " Log > /dev/null";
+void ExportByMdbtools(benchmark::State& state, Kind kind) {
+    const std::string command = "mdb-export " + logFile(kind) + " Log > /dev/null";
     for (auto _ : state) {
         if (std::system(command.c_str()) != 0)
             state.SkipWithError("mdb-export is not here");
     }
-    countRows(state);
+    countRows(state, kind);
 }
-BENCHMARK(ExportByMdbtools)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(ExportByMdbtools, Small, Kind::Small)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(ExportByMdbtools, Wide, Kind::Wide)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void Compaction(benchmark::State& state) {
-    logFile();
+void Compaction(benchmark::State& state, Kind kind) {
+    logFile(kind);
     const std::string target = inFolder("compact.mdb");
     for (auto _ : state) {
         std::filesystem::remove(target);
-        CompactDatabase(logFile(), target, {}, [](const Fault&) {});
+        CompactDatabase(logFile(kind), target, {}, [](const Fault&) {});
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
-                            static_cast<std::int64_t>(std::filesystem::file_size(logFile())));
+                            static_cast<std::int64_t>(std::filesystem::file_size(logFile(kind))));
 }
-BENCHMARK(Compaction)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Compaction, Small, Kind::Small)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(Compaction, Wide, Kind::Wide)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // A copy that is on the disk when it is done, as the compacted file is.
-void PlainCopy(benchmark::State& state) {
+void PlainCopy(benchmark::State& state, Kind kind) {
     const std::string target = inFolder("copy.mdb");
-    const std::string command = "cp " + logFile() + " " + target + " && sync " + target;
+    const std::string command = "cp " + logFile(kind) + " " + target + " && sync " + target;
     for (auto _ : state) {
         std::filesystem::remove(target);
         if (std::system(command.c_str()) != 0)
             state.SkipWithError("no copy");
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
-                            static_cast<std::int64_t>(std::filesystem::file_size(logFile())));
+                            static_cast<std::int64_t>(std::filesystem::file_size(logFile(kind))));
 }
-BENCHMARK(PlainCopy)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(PlainCopy, Small, Kind::Small)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(PlainCopy, Wide, Kind::Wide)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Changes to wide rows; bench_jet_index has those to small ones.
+void InsertWide(benchmark::State& state) {
+    const std::string path = inFolder("insert.mdb");
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::filesystem::remove(path);
+        Database database = Database::create(path);
+        AppendTable(database.catalog(), designOf(Kind::Wide));
+        state.ResumeTiming();
+        insertRows(database, Kind::Wide);
+        state.PauseTiming();
+        database.close();
+        state.ResumeTiming();
+    }
+    countRows(state, Kind::Wide);
+}
+BENCHMARK(InsertWide)->Unit(benchmark::kMillisecond);
+
+void SeekWide(benchmark::State& state) {
+    Database database = Database::open(logFile(Kind::Wide), [] {
+        OpenOptions options;
+        options.exclusive = true;
+        return options;
+    }());
+    Recordset set = Recordset::open(database, u"Log");
+    set.setIndex(u"Main");
+    std::int32_t id = 0;
+    for (auto _ : state) {
+        id = (id + 7919) % rowCount(Kind::Wide);
+        set.seek(SeekComparison::Equal, Value(id));
+        if (set.noMatch())
+            state.SkipWithError("a row is missing");
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
+}
+BENCHMARK(SeekWide);
+
+void DeleteWide(benchmark::State& state) {
+    const std::string path = inFolder("delete.mdb");
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::filesystem::copy_file(logFile(Kind::Wide), path,
+                                   std::filesystem::copy_options::overwrite_existing);
+        Database database = Database::open(path);
+        Recordset set = Recordset::open(database, u"Log");
+        state.ResumeTiming();
+        Transaction transaction(database);
+        for (; !set.eof(); set.moveNext())
+            set.remove();
+        transaction.commit();
+        state.PauseTiming();
+        database.close();
+        state.ResumeTiming();
+    }
+    countRows(state, Kind::Wide);
+}
+BENCHMARK(DeleteWide)->Unit(benchmark::kMillisecond);
 
 void CheckFile(benchmark::State& state) {
     Database database = Database::open(logFile());

@@ -60,7 +60,7 @@ void setLocations(const QString& data, const CartPaths& carts) {
 }
 
 // Configures for these locations. Where that does not begin the workstation keeps the ones it had.
-bool installIn(const QString& data, const CartPaths& carts) {
+InstallOutcome installIn(const QString& data, const CartPaths& carts) {
     CreateDataDirectories(data);
     const QString dataBefore = settings().DataLocation;
     CartPaths cartsBefore;
@@ -69,9 +69,9 @@ bool installIn(const QString& data, const CartPaths& carts) {
     // A wall that was found alone keeps the data where they are.
     setLocations(data.isEmpty() ? dataBefore : data, carts);
     if (AutoInstall())
-        return true;
+        return InstallOutcome::Configured;
     setLocations(dataBefore, cartsBefore);
-    return false;
+    return InstallOutcome::Failed;
 }
 
 // Saves the local ini file; false, reported, when it could not be written.
@@ -202,17 +202,17 @@ bool AutoInstall() {
     return true;
 }
 
-bool DefaultNetworkInstall() {
+InstallOutcome ConfigureForNetwork() {
     const QString data = QStringLiteral("M:");
     const QString audio = QStringLiteral("U:");
     if (ask(QStringLiteral("Tolvex will be configured to look in the following directories:\n\n"
                            "Data Location    : M:\\\nAudio Location   : U:\\"),
             Buttons::YesNo, {}, QStringLiteral("Tolvex Automatic Network Configuration")) != Answer::Yes)
-        return false;
+        return InstallOutcome::Declined;
     return installIn(data, everywhere(audio));
 }
 
-bool DefaultLocalInstall() {
+InstallOutcome ConfigureLocally() {
     QString base = platform::ProfileText(QStringLiteral("Tolvex"), QStringLiteral("InstallPath"), {},
                                          QStringLiteral("Win.ini"));
     if (base.isEmpty())
@@ -223,29 +223,36 @@ bool DefaultLocalInstall() {
                            "Data Location    : %1\nAudio Location   : %2")
                 .arg(data, audio),
             Buttons::YesNo) != Answer::Yes)
-        return false;
+        return InstallOutcome::Declined;
     return installIn(data, everywhere(audio));
 }
 
-SearchOutcome ConfigureFromSearch(bool networkOnly) {
+bool DefaultNetworkInstall() {
+    return ConfigureForNetwork() == InstallOutcome::Configured;
+}
+
+bool DefaultLocalInstall() {
+    return ConfigureLocally() == InstallOutcome::Configured;
+}
+
+InstallOutcome ConfigureFromSearch(bool networkOnly) {
     const ExistingSetup setup = SearchDrives(networkOnly);
     if (setup.stopped)
-        return SearchOutcome::Stopped;
+        return InstallOutcome::Stopped;
     if (!IsWorthAsking(setup))
-        return SearchOutcome::NotConfigured;
+        return InstallOutcome::Declined;
     const CartPaths carts = FilledCartPaths(setup.cartPaths);
     const QString indent = networkOnly ? QStringLiteral("\t") : QString();
-    const bool accepted =
-        ask(AcceptanceQuestion(setup.dataPath, carts, indent), Buttons::YesNo) == Answer::Yes;
-    return accepted && installIn(setup.dataPath, carts) ? SearchOutcome::Configured
-                                                        : SearchOutcome::NotConfigured;
+    if (ask(AcceptanceQuestion(setup.dataPath, carts, indent), Buttons::YesNo) != Answer::Yes)
+        return InstallOutcome::Declined;
+    return installIn(setup.dataPath, carts);
 }
 
 bool LookForSetup() {
-    const SearchOutcome outcome = ConfigureFromSearch(false);
-    if (outcome == SearchOutcome::Stopped)
+    const InstallOutcome outcome = ConfigureFromSearch(false);
+    if (outcome == InstallOutcome::Stopped)
         return false;
-    if (outcome == SearchOutcome::Configured)
+    if (outcome == InstallOutcome::Configured)
         return askToExit();
     const Answer network =
         ask(QStringLiteral("Do you have a networked system of Tolvex on drives M: and U: that "
@@ -264,10 +271,10 @@ bool NetworkSetup() {
     if (answer == Answer::Cancel)
         return false;
     if (answer == Answer::Yes) {
-        const SearchOutcome outcome = ConfigureFromSearch(true);
-        if (outcome == SearchOutcome::Stopped)
+        const InstallOutcome outcome = ConfigureFromSearch(true);
+        if (outcome == InstallOutcome::Stopped)
             return false;
-        if (outcome == SearchOutcome::Configured)
+        if (outcome == InstallOutcome::Configured)
             return askToExit();
     }
     DefaultNetworkInstall();

@@ -14,14 +14,19 @@ bool LookForSetup(); // mnuLookForSetup, and Yes to the first-run question
 bool NetworkSetup(); // cmdNetworkSetup, mnuNetworkConfig
 void LocalSetup();   // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
 
+// How a way to a configured workstation ended. Declined: by the user, or because a search found nothing.
+enum class InstallOutcome { Declined, Stopped, Failed, Configured };
+
 // Searches the drives, showing progress that can be stopped, asks whether to use what was found, and
 // configures from it. A search that was stopped asks nothing and ends the job.
-enum class SearchOutcome { NotConfigured, Stopped, Configured };
-SearchOutcome ConfigureFromSearch(bool networkOnly);
-
-// Data in M:, carts in U:, after a question. True when configuration ran and succeeded.
-bool DefaultNetworkInstall();
+InstallOutcome ConfigureFromSearch(bool networkOnly);
+// Data in M:, carts in U:, after a question.
+InstallOutcome ConfigureForNetwork();
 // Everything below one local folder: [Tolvex] InstallPath of Win.ini, else C:\TOLVEX\. As above.
+InstallOutcome ConfigureLocally();
+
+// The last two; true when configuration ran and succeeded.
+bool DefaultNetworkInstall();
 bool DefaultLocalInstall();
 
 // Builds everything that is missing in the locations that settings() hold, saves the local ini file, and says

@@ -250,7 +250,7 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
 TEST_F(AutoConfigurationTest, AnAudiowallFoundAloneKeepsTheDataWhereTheyAre) {
     machine.write("C:\\AUDIO\\Carts1.lst", QByteArray(300, 'x'));
     prompts.answers = {Answer::Yes};
-    EXPECT_EQ(ConfigureFromSearch(false), SearchOutcome::Configured);
+    EXPECT_EQ(ConfigureFromSearch(false), InstallOutcome::Configured);
     // There is no data location at all: nothing is made in the root of a drive, and that is told.
     EXPECT_TRUE(prompts.texts()[0].startsWith("Tolvex data has been found in: \n\n \n\nand"));
     EXPECT_TRUE(prompts.texts().end()[-2].contains("Data location: not set"));
@@ -260,7 +260,7 @@ TEST_F(AutoConfigurationTest, AnAudiowallFoundAloneKeepsTheDataWhereTheyAre) {
     settings().DataLocation = "C:\\DATA";
     prompts.files = {std::nullopt};
     prompts.answers = {Answer::Yes};
-    EXPECT_EQ(ConfigureFromSearch(false), SearchOutcome::Configured);
+    EXPECT_EQ(ConfigureFromSearch(false), InstallOutcome::Configured);
     EXPECT_EQ(locations(), QString("C:\\DATA C:\\AUDIO"));
 }
 

@@ -71,28 +71,30 @@ int tell(Call& call) {
 }
 
 // Loads, configures, and closes what configuration leaves open for the windows.
-int configure(Call& call, bool (*install)(const Call& call)) {
+int configure(Call& call, InstallOutcome (*install)(const Call& call)) {
     if (!LoadWorkstation())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    const bool done = install(call);
+    const InstallOutcome outcome = install(call);
     CloseUsersDatabase();
     CloseHotlist();
     ResetCartStore();
-    return done ? tell(call) : call.no(QStringLiteral("Nothing was configured."));
+    if (outcome == InstallOutcome::Configured)
+        return tell(call);
+    const QString nothing = QStringLiteral("Nothing was configured.");
+    return outcome == InstallOutcome::Failed ? call.fail(nothing) : call.no(nothing);
 }
 
 int local(Call& call) {
-    return configure(call, [](const Call&) { return DefaultLocalInstall(); });
+    return configure(call, [](const Call&) { return ConfigureLocally(); });
 }
 
 int network(Call& call) {
-    return configure(call, [](const Call&) { return DefaultNetworkInstall(); });
+    return configure(call, [](const Call&) { return ConfigureForNetwork(); });
 }
 
 int search(Call& call) {
-    return configure(call, [](const Call& called) {
-        return ConfigureFromSearch(called.has("--network-only")) == SearchOutcome::Configured;
-    });
+    return configure(call,
+                     [](const Call& called) { return ConfigureFromSearch(called.has("--network-only")); });
 }
 
 } // namespace
