@@ -3,11 +3,13 @@
 #include "app/ctl/Help.h"
 #include "app/ctl/TerminalPrompts.h"
 #include "console/StartUp.h"
+#include "platform/LookOnly.h"
 #include "platform/Paths.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <optional>
 
 using namespace tolvex::ctl;
 
@@ -26,6 +28,10 @@ int run(const CommandLine& line) {
     if (line.has("--help"))
         return print(line.command ? HelpFor(*line.command) : HelpForGroup(line.words)), Done;
 
+    Call call{*line.command, output, line.arguments, line.options};
+    std::optional<tolvex::platform::LookOnly> looking;
+    if (!call.command.changes || !call.command.changes(call))
+        looking.emplace();
     QString why;
     if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why))
         return output.say(why), Failed;
@@ -35,7 +41,6 @@ int run(const CommandLine& line) {
                                                : TerminalPrompts::Answers::Ask,
                             line.has("--quiet"));
     tolvex::platform::setPrompts(&prompts);
-    Call call{*line.command, output, line.arguments, line.options};
     int status = line.command->run(call);
     if (!output.finish()) {
         output.say(QStringLiteral("Standard output did not take everything."));

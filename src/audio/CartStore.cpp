@@ -120,9 +120,8 @@ int prepareParts(int first, int last) {
             ++unset;
             continue;
         }
-        if (entry.ListName.isEmpty())
-            entry.ListName = QStringLiteral("Carts%1.lst").arg(part);
-        entry.ListPath = entry.Location + u'\\' + entry.ListName;
+        entry.ListPath = CartListPath(part);
+        entry.ListName = entry.ListPath.mid(entry.Location.size() + 1);
     }
     return unset;
 }
@@ -214,6 +213,14 @@ int PartOfCart(qint32 cart) {
 qint64 CartListRecords(int part) {
     const qint32 carts = std::min(settings().NoCarts, HighestCart);
     return part == PartOfCart(settings().NoCarts) ? recordOfCart(carts, part) : CartsInPart;
+}
+
+QString CartListPath(int part) {
+    const CartPart& entry = partNumber(part);
+    if (entry.Location.trimmed().isEmpty())
+        return {};
+    return entry.Location + u'\\' +
+           (entry.ListName.isEmpty() ? QStringLiteral("Carts%1.lst").arg(part) : entry.ListName);
 }
 
 QString CartFileStem(qint32 cart) {

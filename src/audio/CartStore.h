@@ -41,6 +41,9 @@ int PartOfCart(qint32 cart);
 // Records that the list of a part should hold. Below 1 when NoCarts leaves it none.
 qint64 CartListRecords(int part);
 
+// Location, "\" and the name of a part's list; empty while the part has no location.
+QString CartListPath(int part);
+
 // Location of the cart's part, "\TLV" and the number with at least five digits; empty outside 1 to NoCarts.
 QString CartFileStem(qint32 cart);
 

@@ -120,16 +120,18 @@ bool firstPartHasLocation() {
 void loadAudiowall() {
     const SettingSource source{AudiowallIniFile()};
     LoadRows(AudiowallFileRows, source);
-    if (!firstPartHasLocation())
-        return;
-    LoadRows(AudiowallLocatedRows, source);
+    if (firstPartHasLocation())
+        LoadRows(AudiowallLocatedRows, source);
+}
+
+void upgradeAudiowall() {
     QString& version = settings().AudiowallVersion;
-    if (LeadingNumber(version) < double{currentVersion}) {
-        BackupCartLists(false);
-        version = QString::fromUtf16(currentVersionText);
-        platform::WriteProfileText(QStringLiteral("Audiowall"), QStringLiteral("Version"), version,
-                                   source.iniFile);
-    }
+    if (!firstPartHasLocation() || LeadingNumber(version) >= double{currentVersion})
+        return;
+    BackupCartLists(false);
+    version = QString::fromUtf16(currentVersionText);
+    platform::WriteProfileText(QStringLiteral("Audiowall"), QStringLiteral("Version"), version,
+                               AudiowallIniFile());
 }
 
 } // namespace
@@ -138,16 +140,21 @@ QString AudiowallIniFile() {
     return settings().CartPartTable[1].Location + QStringLiteral("\\Audwall.ini");
 }
 
-void LoadAudioSettings(const QString& iniPath, const QString& registryRoot) {
+void ReadAudioSettings(const QString& iniPath, const QString& registryRoot) {
     const SettingSource source{iniPath, registryRoot};
     InitCartState();
-    CheckFileCache(registryRoot, false);
     loadPlayers(source);
     loadAudio(source);
     ColourEmptyCartListRecord();
     settings().AudioEditor = SearchSampleEditor({});
     LoadRows(LocationRows, source);
     loadAudiowall();
+}
+
+void LoadAudioSettings(const QString& iniPath, const QString& registryRoot) {
+    CheckFileCache(registryRoot, false);
+    ReadAudioSettings(iniPath, registryRoot);
+    upgradeAudiowall();
 }
 
 } // namespace tolvex

@@ -10,8 +10,10 @@ namespace tolvex {
 inline constexpr char AudioRegistryRoot[] = "Software\\Norvane\\Tolvex v2";
 
 // Fills settings() from an ini file, or, when `iniPath` is empty, from the registry below `registryRoot`.
-// Where the first part of the audiowall has an Audwall.ini of a version below 2.6, backs up the cart lists
-// and writes the new version.
+void ReadAudioSettings(const QString& iniPath, const QString& registryRoot);
+
+// The same, as the window loads: checks the system's file cache first, and where the first part of the
+// audiowall has an Audwall.ini of a version below 2.6, backs up the cart lists and writes the new version.
 void LoadAudioSettings(const QString& iniPath, const QString& registryRoot);
 
 // Audwall.ini in the location of the first part; "\Audwall.ini" while that is empty.

@@ -1,5 +1,6 @@
 #include "console/CheckConfiguration.h"
 
+#include "audio/CartLists.h"
 #include "audio/CartStore.h"
 #include "core/Folders.h"
 #include "core/Numbers.h"
@@ -77,7 +78,15 @@ ConfigurationStatus LookAtConfiguration() {
     status.missing = CheckConfiguration().split(u'\n', Qt::SkipEmptyParts);
     for (int number = 1; number <= CartPartCount; ++number) {
         const CartPart& part = values.CartPartTable[number];
-        status.locations.append({number, part.Location, stateWord(part, number <= lastPart())});
+        const bool needed = number <= lastPart();
+        LocationStatus location{number, part.Location, stateWord(part, needed), {}};
+        if (needed && location.state == u"available") {
+            const CartListFacts list = LookAtCartList(number);
+            location.list = list.state();
+            if (list.isTorn() || list.isShort())
+                status.listFaults.append(list.inWords());
+        }
+        status.locations.append(location);
     }
     return status;
 }

@@ -15,6 +15,7 @@ struct LocationStatus {
     int part = 0;
     QString path;
     QString state; // "available", "missing", "not set", "not needed"
+    QString list;  // of an available one that is needed: CartListFacts::state; otherwise empty
 };
 
 // The configuration in a few facts, as the settings hold them.
@@ -27,6 +28,7 @@ struct ConfigurationStatus {
     qint32 cartPlayers = 0;
     QStringList missing; // the lines of CheckConfiguration
     QList<LocationStatus> locations;
+    QStringList listFaults; // of torn and short cart lists, a sentence each
 };
 ConfigurationStatus LookAtConfiguration();
 

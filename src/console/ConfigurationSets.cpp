@@ -52,16 +52,19 @@ QString fileOf(const QString& name) {
 
 QList<ConfigurationSet> ListSets(const QString& registryKey, const QString& defaultIni) {
     QString list = readList(registryKey);
+    QString unnamed; // what a set without a name is called; empty: by its file
     if (list.isEmpty() && !defaultIni.isEmpty()) {
+        unnamed = QStringLiteral("Standard Configuration");
         writeList(registryKey, defaultIni);
-        platform::WriteProfileText(General, ConfigName, QStringLiteral("Standard Configuration"), defaultIni);
+        platform::WriteProfileText(General, ConfigName, unnamed, defaultIni);
         list = defaultIni;
     }
     QList<ConfigurationSet> sets;
     for (const QString& file : list.split(u' ', Qt::SkipEmptyParts)) {
         ConfigurationSet set;
         set.file = file;
-        set.description = platform::ProfileText(General, ConfigName, file, file).trimmed();
+        set.description =
+            platform::ProfileText(General, ConfigName, unnamed.isEmpty() ? file : unnamed, file).trimmed();
         set.location =
             platform::ProfileText(QStringLiteral("FileLocations"), QStringLiteral("Data"), QString(), file);
         set.place = placeOf(set.location);

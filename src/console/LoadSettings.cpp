@@ -39,6 +39,19 @@ void numberCartListChannels() {
         settings().CartPartTable[part].FileNumber = part + below;
 }
 
+// The local settings, with those of the audio as `loadAudio` takes them.
+bool loadLocal(void (*loadAudio)(const QString& iniPath, const QString& registryRoot)) {
+    if (!InitialiseProgram())
+        return false;
+    const QString iniFile = settings().LocalIniFile;
+    loadAudio(iniFile, QLatin1String(AudioRegistryRoot));
+    LoadRows(WorkstationRows, {iniFile});
+    LoadAudioWallDisplaySettings(iniFile);
+    LoadRows(DisplayRows, {iniFile});
+    LoadRows(AutomationRows, {iniFile});
+    return true;
+}
+
 } // namespace
 
 void LoadAudioWallDisplaySettings(const QString& iniFile) {
@@ -53,15 +66,11 @@ void LoadAutomationControlSettings(const QString& iniFile) {
 }
 
 bool LoadLocalSettings() {
-    if (!InitialiseProgram())
-        return false;
-    const QString iniFile = settings().LocalIniFile;
-    LoadAudioSettings(iniFile, QLatin1String(AudioRegistryRoot));
-    LoadRows(WorkstationRows, {iniFile});
-    LoadAudioWallDisplaySettings(iniFile);
-    LoadRows(DisplayRows, {iniFile});
-    LoadRows(AutomationRows, {iniFile});
-    return true;
+    return loadLocal(&LoadAudioSettings);
+}
+
+bool ReadLocalSettings() {
+    return loadLocal(&ReadAudioSettings);
 }
 
 bool LoadSystemSettings() {

@@ -9,6 +9,8 @@ namespace tolvex {
 // The local ini file, with what belongs to the audiowall (LoadAudioSettings). False when the user cancelled
 // the choice of the file.
 bool LoadLocalSettings();
+// The same without what the load keeps up to date in passing (ReadAudioSettings).
+bool ReadLocalSettings();
 
 // Section AudioWall.
 void LoadAudioWallDisplaySettings(const QString& iniFile);

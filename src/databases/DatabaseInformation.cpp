@@ -8,6 +8,7 @@
 #include "databases/OdbcConnectString.h"
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
+#include "platform/LookOnly.h"
 #include "platform/Prompts.h"
 
 namespace tolvex {
@@ -46,8 +47,8 @@ bool isOnServer(const QString& name, const QString& connect) {
     return false;
 }
 
-// Opens the database, a file that is not recognised after a repair. Null with *error set; -1 in its number
-// when the repair failed.
+// Opens the database, a file that is not recognised after a repair, where files may be changed. Null with
+// *error set; -1 in its number when the repair failed.
 std::unique_ptr<SuiteDatabase> openRepairing(const QString& name, const QString& connect, bool silent,
                                              DatabaseError* error) {
     for (bool repaired = false;; repaired = true) {
@@ -56,7 +57,8 @@ std::unique_ptr<SuiteDatabase> openRepairing(const QString& name, const QString&
         } catch (const DatabaseError& thrown) {
             *error = thrown;
         }
-        if (error->number != UnrecognisedDatabase || !connect.isEmpty() || repaired)
+        if (error->number != UnrecognisedDatabase || !connect.isEmpty() || repaired ||
+            platform::LookingOnly())
             return nullptr;
         if (!CompactRepairDatabase(name, false, {}, silent)) {
             error->number = Missing;

@@ -5,6 +5,7 @@
 #include "jet/Execute.h"
 #include "jet/Recordset.h"
 #include "jet/TableDesign.h"
+#include "platform/LookOnly.h"
 #include "platform/Paths.h"
 
 #include <type_traits>
@@ -246,8 +247,10 @@ std::string EnginePath(const QString& path) {
 
 std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path) {
     const std::string host = EnginePath(path);
+    jet::OpenOptions options;
+    options.readOnly = platform::LookingOnly();
     return onEngine([&]() -> std::unique_ptr<SuiteDatabase> {
-        return std::make_unique<JetDatabase>(jet::Database::open(host));
+        return std::make_unique<JetDatabase>(jet::Database::open(host, options));
     });
 }
 

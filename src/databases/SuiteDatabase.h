@@ -103,8 +103,9 @@ public:
     virtual void close() = 0;
 };
 
-// Opens a database, for reading and writing, shared with others. `connect` empty: a file, by its path in the
-// suite. Otherwise a database on a server, by its name.
+// Opens a database, for reading and writing, shared with others; a file for reading only while the machine is
+// only looked at. `connect` empty: a file, by its path in the suite. Otherwise a database on a server, by its
+// name.
 std::unique_ptr<SuiteDatabase> OpenSuiteDatabase(const QString& name, const QString& connect = {});
 
 // What is asked of a server itself. Operations throw DatabaseError.

@@ -44,7 +44,8 @@ struct FilePager::Impl {
         , path(databasePath)
         , options(wanted)
         , cache(std::max(wanted.cachePages, LeastCache))
-        , stored(storageUsed, databasePath, cache)
+        // Only a file that is open for writing can be locked against all others.
+        , stored(storageUsed, databasePath, cache, wanted.readOnly && !wanted.exclusive)
         , free(pager, stored.header().freeMap)
         , readOnlyReason(whyReadOnly(wanted, stored.isWritable(), stored.header())) {}
 

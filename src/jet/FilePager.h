@@ -14,7 +14,7 @@ namespace jet {
 class Storage;
 
 struct OpenOptions {
-    bool readOnly = false;
+    bool readOnly = false;         // what a session left in the log is read, and stays there
     bool exclusive = false;        // no other program may open the file; saves all checks for their changes
     std::u16string password;       // of the database, if it has one
     std::size_t cachePages = 4096; // limit of the page cache (at least 256); a transaction's pages count too

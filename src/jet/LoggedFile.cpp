@@ -15,17 +15,18 @@ constexpr PageNumber PagesPerWrite = 64;
 
 } // namespace
 
-LoggedFile::LoggedFile(Storage& storage, const std::string& path, const PageCache& cache)
+LoggedFile::LoggedFile(Storage& storage, const std::string& path, const PageCache& cache, bool readOnly)
     : storage_(storage)
     , path_(path)
-    , cache_(cache) {
+    , cache_(cache)
+    , writable_(!readOnly) {
     try {
-        file_ = storage.open(path, Storage::Open::ReadWrite);
-        writable_ = true;
+        file_ = storage.open(path, readOnly ? Storage::Open::ReadOnly : Storage::Open::ReadWrite);
     } catch (const Error& error) {
-        if (error.code() != ErrorNumber::CannotOpenFile)
+        if (readOnly || error.code() != ErrorNumber::CannotOpenFile)
             throw;
         file_ = storage.open(path, Storage::Open::ReadOnly);
+        writable_ = false;
     }
     std::array<std::uint8_t, PageSize> page{};
     const std::size_t length = file_->read(0, page.data(), page.size());

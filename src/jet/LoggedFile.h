@@ -18,9 +18,9 @@ class LoggedFile {
 public:
     using OnPage = std::function<void(PageNumber)>;
 
-    // Opens the database, for reading if it may not be written, and reads its first page. Throws what opening
-    // throws, and Unrecognised. `cache`: pages that need not be read to be copied.
-    LoggedFile(Storage& storage, const std::string& path, const PageCache& cache);
+    // Opens the database, for reading if that is all that is wanted or allowed, and reads its first page.
+    // Throws what opening throws, and Unrecognised. `cache`: pages that need not be read to be copied.
+    LoggedFile(Storage& storage, const std::string& path, const PageCache& cache, bool readOnly);
 
     StorageFile& file() { return *file_; }
     bool isWritable() const { return writable_; }
@@ -83,7 +83,7 @@ private:
     std::string path_;
     const PageCache& cache_;
     std::unique_ptr<StorageFile> file_;
-    bool writable_ = false;
+    bool writable_;
     bool shared_ = true;
     PageZero header_;
     std::uint64_t identity_ = 0;

@@ -2,6 +2,7 @@
 
 #include "core/Dates.h"
 #include "core/RecordLayout.h"
+#include "core/RecordListFault.h"
 #include "core/Settings.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -156,6 +157,15 @@ void CloseTerminalList() {
 
 bool TerminalListIsOpen() {
     return list != nullptr;
+}
+
+QString TerminalListFault() {
+    const QString path = TerminalListPath();
+    const qint64 size = platform::FileSize(path);
+    if (size < 0)
+        return {};
+    return RecordListFault({path, size, TerminalRecordLength, settings().NumberTerminals},
+                           QStringLiteral("number"), QStringLiteral("workstations"));
 }
 
 TerminalRecord ReadTerminal(int id) {

@@ -41,6 +41,9 @@ TerminalRecord DecodeTerminalRecord(const TerminalBytes& bytes);
 bool OpenTerminalList();
 void CloseTerminalList();
 bool TerminalListIsOpen();
+// What is wrong with the file of the list, a sentence: it is torn inside a record, or short of workstations.
+// Empty when nothing is, and when there is no file.
+QString TerminalListFault();
 
 // Full path of the list.
 QString TerminalListPath();

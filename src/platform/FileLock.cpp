@@ -1,5 +1,7 @@
 #include "platform/FileLock.h"
 
+#include "platform/LookOnly.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -13,6 +15,10 @@ namespace tolvex::platform {
 
 FileLock::FileLock(const QString& hostPath, int milliseconds) {
     using namespace std::chrono;
+    if (LookingOnly()) {
+        error_ = PathFileAccess;
+        return;
+    }
     const std::optional<QString> target = FollowLinks(hostPath);
     if (!target) {
         error_ = PathNotFound;

@@ -1,6 +1,7 @@
 #include "platform/FileUpdate.h"
 
 #include "platform/FileLock.h"
+#include "platform/LookOnly.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -93,7 +94,7 @@ int UpdateHostFile(const QString& hostPath, qint64 limit, const FileChanger& cha
     const FileLock lock(hostPath);
     if (!lock.held()) {
         const std::optional<QString> target = FollowLinks(hostPath);
-        if (lock.error() == PathFileAccess && target && canOnlyBeOverwritten(*target))
+        if (lock.error() == PathFileAccess && !LookingOnly() && target && canOnlyBeOverwritten(*target))
             return updateInPlace(*target, limit, change);
         return lock.error();
     }

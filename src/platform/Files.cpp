@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include "platform/HostFiles.h"
+#include "platform/LookOnly.h"
 #include "platform/PathParts.h"
 #include "platform/Paths.h"
 
@@ -82,7 +83,7 @@ int RemoveFile(const QString& path) {
     if (at.error != NoError)
         return at.error;
     struct stat info {};
-    if (::lstat(at.name.constData(), &info) == 0 && S_ISDIR(info.st_mode))
+    if (LookingOnly() || (::lstat(at.name.constData(), &info) == 0 && S_ISDIR(info.st_mode)))
         return PathFileAccess;
     return ::unlink(at.name.constData()) == 0 ? NoError : at.failed();
 }

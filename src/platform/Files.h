@@ -70,7 +70,8 @@ class RecordFile {
 public:
     // The open file, or null with the FileError in *error: BadRecordLength for a length below 1,
     // PathFileAccess for what is no file. `create` makes a missing one. A file that cannot be opened for
-    // writing is opened for reading only (writable() says so).
+    // writing, and any file while the machine is only looked at (LookOnly.h), is opened for reading only
+    // (writable() says so).
     static std::unique_ptr<RecordFile> open(const QString& path, int recordLength, bool create,
                                             int* error = nullptr);
     virtual ~RecordFile() = default;

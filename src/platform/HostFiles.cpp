@@ -1,5 +1,6 @@
 #include "platform/HostFiles.h"
 
+#include "platform/LookOnly.h"
 #include "platform/PathParts.h"
 #include "platform/Paths.h"
 
@@ -206,6 +207,10 @@ std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, in
 }
 
 Replacement::Replacement(const QString& hostPath) {
+    if (LookingOnly()) {
+        error_ = PathFileAccess;
+        return;
+    }
     const std::optional<QString> target = FollowLinks(hostPath);
     if (!target) {
         error_ = PathNotFound;
@@ -276,6 +281,8 @@ ResolvedPath::ResolvedPath(const QString& windowsPath)
 }
 
 int ResolvedPath::asNew() const {
+    if (error == NoError && LookingOnly())
+        return PathFileAccess;
     struct stat info {};
     if (error != NoError || ::lstat(name.constData(), &info) == 0)
         return error;

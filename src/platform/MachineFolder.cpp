@@ -3,6 +3,7 @@
 #include "platform/Paths.h"
 
 #include "platform/HostFiles.h"
+#include "platform/LookOnly.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -61,6 +62,11 @@ QString systemText(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
+// A machine that is only looked at is taken as it is, unless there is none yet.
+bool mayLayOut(const QString& folder) {
+    return !LookingOnly() || !QFile::exists(folder + QStringLiteral("/dosdevices"));
+}
+
 // 0, or the errno that stands in the way of a folder at `path`.
 int makeFolders(const QString& path) {
     const QByteArray name = HostName(path);
@@ -107,6 +113,15 @@ QString layOut(const QString& folder) {
     return {};
 }
 
+void makeStandardFolders() {
+    for (const char* name : standardFolders) {
+        const QString path = HostPath(QStringLiteral("C:\\") + QLatin1String(name));
+        // A folder that cannot be made is missed, with its name, by whoever needs it first.
+        if (::mkdir(HostName(path).constData(), 0777) != 0)
+            errno = 0;
+    }
+}
+
 } // namespace
 
 OwnPathState::OwnPathState(PathState& own) {
@@ -129,9 +144,10 @@ bool SetMachineFolder(const QString& hostFolder, QString* why) {
     QString sentence;
     const QString chosen = hostFolder.isEmpty() ? defaultMachineFolder() : hostFolder;
     const QString folder = QDir::cleanPath(QDir(chosen).absolutePath());
+    const bool laysOut = mayLayOut(folder);
     if (chosen.contains(QChar(0)))
         sentence = QStringLiteral("The name of the machine folder holds a zero character.");
-    else
+    else if (laysOut)
         sentence = layOut(folder);
     if (sentence.isEmpty()) {
         PathState fresh;
@@ -152,12 +168,8 @@ bool SetMachineFolder(const QString& hostFolder, QString* why) {
         *why = sentence;
     if (!sentence.isEmpty())
         return false;
-    for (const char* name : standardFolders) {
-        const QString path = HostPath(QStringLiteral("C:\\") + QLatin1String(name));
-        // A folder that cannot be made is missed, with its name, by whoever needs it first.
-        if (::mkdir(HostName(path).constData(), 0777) != 0)
-            errno = 0;
-    }
+    if (laysOut)
+        makeStandardFolders();
     return true;
 }
 

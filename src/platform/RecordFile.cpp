@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include "platform/HostFiles.h"
+#include "platform/LookOnly.h"
 #include "platform/SharedPages.h"
 
 #include <algorithm>
@@ -181,12 +182,14 @@ std::unique_ptr<RecordFile> RecordFile::open(const QString& path, int recordLeng
     if (recordLength < 1)
         return fail(BadRecordLength);
     const ResolvedPath at(path);
-    if (const int refused = create ? at.asNew() : at.error; refused != NoError)
+    const bool mayChange = !LookingOnly();
+    if (const int refused = create && mayChange ? at.asNew() : at.error; refused != NoError)
         return fail(refused);
     constexpr int flags = O_CLOEXEC | O_NONBLOCK;
-    Descriptor file(::open(at.name.constData(), flags | O_RDWR | (create ? O_CREAT : 0), 0666));
-    const bool writable = file.open();
-    if (!writable) {
+    const int wanted = !mayChange ? O_RDONLY : create ? O_RDWR | O_CREAT : O_RDWR;
+    Descriptor file(::open(at.name.constData(), flags | wanted, 0666));
+    const bool writable = file.open() && mayChange;
+    if (!file.open()) {
         const int refused = at.failed();
         if (refused == PathFileAccess || refused == PermissionDenied)
             file = Descriptor(::open(at.name.constData(), flags | O_RDONLY));

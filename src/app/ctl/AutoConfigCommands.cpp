@@ -101,14 +101,15 @@ int search(Call& call) {
 
 CommandRows AutoConfigCommands() {
     return {
-        {"autoconfig local", "", "Configure this workstation for one local folder; make what is missing",
-         local},
-        {"autoconfig network", "", "Configure it for data on drive M: and audio on drive U:", network},
-        {"autoconfig search",
-         "",
-         "Look for an existing system on the drives and configure this workstation for it",
-         search,
-         {{"--network-only", nullptr, "look at network drives only"}}},
+        Changing({"autoconfig local", "",
+                  "Configure this workstation for one local folder; make what is missing", local}),
+        Changing(
+            {"autoconfig network", "", "Configure it for data on drive M: and audio on drive U:", network}),
+        Changing({"autoconfig search",
+                  "",
+                  "Look for an existing system on the drives and configure this workstation for it",
+                  search,
+                  {{"--network-only", nullptr, "look at network drives only"}}}),
     };
 }
 

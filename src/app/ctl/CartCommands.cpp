@@ -2,9 +2,11 @@
 #include "app/ctl/Commands.h"
 
 #include "audio/CartBackup.h"
+#include "audio/CartCheck.h"
+#include "audio/CartLists.h"
 #include "audio/CartStore.h"
 #include "console/CheckConfiguration.h"
-#include "core/Folders.h"
+#include "platform/Files.h"
 
 #include <cmath>
 
@@ -13,6 +15,8 @@ namespace tolvex::ctl {
 namespace {
 
 const QString noIni = QStringLiteral("No local ini file was chosen.");
+const QString noList = QStringLiteral(
+    "No cart list could be opened; \"tolvexctl carts locations\" tells which folders are missing.");
 
 // Times are stored with the precision of a 32-bit float; thousandths are what they mean.
 double seconds(float value) {
@@ -47,12 +51,17 @@ std::optional<qint32> cartNumber(const QString& text) {
     return good && number >= 1 && number <= HighestCart ? std::optional(number) : std::nullopt;
 }
 
-// Opens the list of a part; one that is not there is not made, since these commands only read.
-bool openExisting(int part) {
-    const CartPart& entry = settings().CartPartTable[part];
-    const QString list = entry.Location + QStringLiteral("\\Carts%1.lst").arg(part);
-    return !entry.Location.trimmed().isEmpty() && FileLength(list) >= 0 && OpenCartParts(part, true) == 0 &&
-           entry.IsOpen;
+// Opens the list of a part for reading. False, with a note, when it cannot be opened.
+bool openForReading(const Call& call, const CartListFacts& list) {
+    if (list.isTorn() || list.isShort())
+        NoteListFault(call, list.inWords());
+    if (list.error == platform::NoError && OpenCartParts(list.part, true) == 0 &&
+        settings().CartPartTable[list.part].IsOpen)
+        return true;
+    if (!list.length.path.isEmpty())
+        call.output.note(list.isSound() ? QStringLiteral("%1 could not be opened.").arg(list.length.path)
+                                        : list.inWords());
+    return false;
 }
 
 int locations(Call& call) {
@@ -60,12 +69,14 @@ int locations(Call& call) {
         return call.fail(noIni);
     QJsonArray records;
     bool complete = true;
-    for (const LocationStatus& location : LookAtConfiguration().locations) {
+    const ConfigurationStatus facts = LookAtConfiguration();
+    for (const LocationStatus& location : facts.locations) {
         const int first = (location.part - 1) * CartsInPart + 1;
         const bool last = location.part == CartPartCount;
         records += QJsonObject{{QStringLiteral("part"), location.part},
                                {QStringLiteral("path"), location.path},
                                {QStringLiteral("state"), location.state},
+                               {QStringLiteral("list"), location.list},
                                {QStringLiteral("first"), first},
                                {QStringLiteral("last"), last ? HighestCart : first + CartsInPart - 1}};
         complete = complete && location.state != u"missing" && location.state != u"not set";
@@ -74,7 +85,10 @@ int locations(Call& call) {
                                   {"first", "First", true},
                                   {"last", "Last", true},
                                   {"state", "State"},
+                                  {"list", "List"},
                                   {"path", "Location"}});
+    for (const QString& fault : facts.listFaults)
+        NoteListFault(call, fault);
     return complete ? Done : No;
 }
 
@@ -98,14 +112,11 @@ int list(Call& call) {
     last = std::min(last, settings().NoCarts);
     bool anyList = false;
     for (int part = PartOfCart(first); first <= last && part <= PartOfCart(last); ++part) {
-        if (!openExisting(part)) {
-            if (const QString& folder = settings().CartPartTable[part].Location; !folder.isEmpty())
-                call.output.note(
-                    QStringLiteral("Part %1 of the AudioWall has no list in %2.").arg(part).arg(folder));
+        const CartListFacts facts = LookAtCartList(part);
+        if (!openForReading(call, facts))
             continue;
-        }
         anyList = true;
-        const qint32 end = part == CartPartCount ? last : std::min(last, part * CartsInPart);
+        const qint32 end = std::min(last, facts.lastCart());
         for (qint32 number = std::max(first, (part - 1) * CartsInPart + 1); number <= end; ++number) {
             qint16 status = 0;
             const CartRecord cart = ReadCart(number, &status);
@@ -114,8 +125,7 @@ int list(Call& call) {
         }
     }
     if (!anyList && first <= last)
-        return call.fail(QStringLiteral(
-            "No cart list could be opened; \"tolvexctl carts locations\" tells which folders are missing."));
+        return call.fail(noList);
     if (records.isEmpty() && !call.output.json())
         return call.no(QStringLiteral("There is no cart in that range."));
     call.output.records(records, {{"number", "Cart", true},
@@ -134,14 +144,18 @@ int show(Call& call) {
                               .arg(call.argument(0)));
     if (!LoadWorkstation())
         return call.fail(noIni);
-    const bool there = *number <= settings().NoCarts && openExisting(PartOfCart(*number));
-    qint16 status = -1;
-    const CartRecord cart = there ? ReadCart(*number, &status) : CartRecord();
-    if (status != 0)
-        return call.fail(
-            QStringLiteral("Cart %1 could not be read: its number is above %2, or its list is not there.")
-                .arg(*number)
-                .arg(settings().NoCarts));
+    if (*number > settings().NoCarts)
+        return call.fail(QStringLiteral("The audiowall has %1 carts.").arg(settings().NoCarts));
+    const CartListFacts facts = LookAtCartList(PartOfCart(*number));
+    if (facts.length.path.isEmpty())
+        return call.fail(QStringLiteral("Part %1 of the AudioWall has no location.").arg(facts.part));
+    if (!openForReading(call, facts))
+        return call.fail(QStringLiteral("Cart %1 could not be read.").arg(*number));
+    qint16 status = 0;
+    const CartRecord cart = ReadCart(*number, &status);
+    // What a list does not hold yet is an empty cart to the suite.
+    if (status != platform::NoError && status != platform::PastEndOfFile)
+        return call.fail(QStringLiteral("Cart %1 could not be read (error %2).").arg(*number).arg(status));
     call.output.record(recordOf(*number, cart, status), {{"number", "Cart"},
                                                          {"line1", "Line 1"},
                                                          {"line2", "Line 2"},
@@ -155,6 +169,75 @@ int show(Call& call) {
                                                          {"foreColor", "Fore colour"},
                                                          {"empty", "Empty"}});
     return cart.isEmpty() ? No : Done;
+}
+
+int check(Call& call) {
+    if (!LoadWorkstation())
+        return call.fail(noIni);
+    const CartCheckResult result = CheckCarts();
+    QJsonArray faults;
+    for (const CartFault& fault : result.faults)
+        faults += QJsonObject{{QStringLiteral("kind"), fault.kind},
+                              {QStringLiteral("part"), fault.part},
+                              {QStringLiteral("cart"), fault.cart},
+                              {QStringLiteral("text"), fault.text}};
+    if (!call.output.json() && !faults.isEmpty())
+        call.output.records(faults, {{"part", "Part", true}, {"kind", "Fault"}, {"text", "What was found"}});
+    call.output.record({{QStringLiteral("faults"), faults},
+                        {QStringLiteral("lists"), result.lists},
+                        {QStringLiteral("carts"), result.carts}},
+                       {{"lists", "Lists"}, {"carts", "Carts"}});
+    if (result.lists == 0)
+        return call.fail(noList);
+    return faults.isEmpty() ? Done : No;
+}
+
+// Mends the list of one part, making a missing one when the user wants it. What was done, and how it is now.
+QJsonObject mend(int part, int* error) {
+    CartListRepair repair;
+    const CartListFacts before = LookAtCartList(part);
+    if (before.isMissing())
+        OpenCartParts(part, false);
+    else
+        repair = RepairCartList(part);
+    *error = repair.error;
+    const CartListFacts after = LookAtCartList(part);
+    return {{QStringLiteral("part"), part},
+            {QStringLiteral("path"), after.length.path},
+            {QStringLiteral("before"), before.state()},
+            {QStringLiteral("after"), after.state()},
+            {QStringLiteral("added"), before.isMissing() ? after.length.records() : repair.added},
+            {QStringLiteral("keptIn"), repair.keptIn}};
+}
+
+int repair(Call& call) {
+    if (!LoadWorkstation())
+        return call.fail(noIni);
+    QJsonArray records;
+    int worst = Done;
+    for (int part = 1; part <= PartOfCart(settings().NoCarts); ++part) {
+        if (CartListPath(part).isEmpty()) {
+            call.output.say(QStringLiteral("Part %1 of the AudioWall has no location.").arg(part));
+            worst = std::max<int>(worst, No);
+            continue;
+        }
+        int error = platform::NoError;
+        const QJsonObject mended = mend(part, &error);
+        records += mended;
+        if (error != platform::NoError)
+            call.output.say(QStringLiteral("%1 could not be mended (error %2); nothing of it is lost.")
+                                .arg(CartListPath(part))
+                                .arg(error));
+        if (mended[QLatin1String("after")] != QLatin1String("sound"))
+            worst = std::max<int>(worst, error != platform::NoError ? Failed : No);
+    }
+    call.output.records(records, {{"part", "Part", true},
+                                  {"before", "Before"},
+                                  {"after", "After"},
+                                  {"added", "Carts added", true},
+                                  {"keptIn", "Torn bytes are in"},
+                                  {"path", "List"}});
+    return worst;
 }
 
 int backup(Call& call) {
@@ -174,7 +257,13 @@ CommandRows CartCommands() {
          locations},
         {"carts list", "[FIRST[-LAST]]", "List the carts that are not empty", list},
         {"carts show", "N", "Print all that the lists hold of a cart; 1 when it is empty", show},
-        {"carts backup", "", "Copy the cart lists to the Backups folders of their locations", backup},
+        {"carts check", "", "Find torn and short lists, carts without audio, doubles; 0 when there are none",
+         check},
+        Changing({"carts repair", "",
+                  "Bring every list to its length with empty carts; torn bytes are kept in a file beside it",
+                  repair}),
+        Changing(
+            {"carts backup", "", "Copy the cart lists to the Backups folders of their locations", backup}),
     };
 }
 

@@ -24,6 +24,15 @@ int Command::most() const {
     return names.contains(QLatin1String("...")) ? -1 : static_cast<int>(names.size());
 }
 
+Command Changing(Command row, bool (*when)(const Call& call)) {
+    row.changes = when;
+    return row;
+}
+
+void NoteListFault(const Call& call, const QString& fault) {
+    call.output.note(fault + QStringLiteral(" \"tolvexctl carts repair\" mends it."));
+}
+
 QString FileArgument(const QString& given) {
     const bool ofTheSuite = given.contains(u'\\') || (given.size() > 1 && given[1] == u':');
     if (ofTheSuite || !given.contains(u'/'))
@@ -32,7 +41,7 @@ QString FileArgument(const QString& given) {
 }
 
 bool LoadWorkstation() {
-    return LoadLocalSettings() && LoadSystemSettings();
+    return ReadLocalSettings() && LoadSystemSettings();
 }
 
 } // namespace tolvex::ctl

@@ -38,6 +38,9 @@ struct Command {
     const char* help;      // what it does, a phrase without a full stop
     int (*run)(Call& call);
     std::vector<Option> options = {};
+    // Whether a call changes anything; null: none does. While a call that does not change anything runs, the
+    // machine is only looked at (platform/LookOnly.h), whatever the routine uses.
+    bool (*changes)(const Call& call) = nullptr;
 
     int fewest() const; // arguments
     int most() const;   // -1: any number
@@ -60,13 +63,20 @@ struct Call {
     int fail(const QString& why) const { return output.say(why), Failed; }
 };
 
+// The row of a command that changes something: in all calls, or in those that `when` names.
+Command Changing(
+    Command row, bool (*when)(const Call& call) = [](const Call&) { return true; });
+
+// Notes what is wrong with a cart list, a sentence, and what mends it.
+void NoteListFault(const Call& call, const QString& fault);
+
 // A FILE argument as a path of the suite: one with a drive, a share or "\" stays as it is, and so does a bare
 // name; one with "/" is a path of this system.
 QString FileArgument(const QString& given);
 
-// Loads the settings of this workstation and of its station into settings(), as the windows have them.
-// Nothing is made or changed but what every load keeps up to date (the version in Audwall.ini). False when no
-// local ini file was chosen.
+// Loads the settings of this workstation and of its station into settings(), as the windows have them, and
+// makes or changes nothing: an audiowall of an older version waits for the window. False when no local ini
+// file was chosen.
 bool LoadWorkstation();
 
 } // namespace tolvex::ctl

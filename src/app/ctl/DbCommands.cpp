@@ -202,6 +202,15 @@ int importTable(Call& call) {
     });
 }
 
+bool queryChanges(const Call& call) {
+    try {
+        return !std::holds_alternative<jet::sql::Select>(
+            jet::sql::ParseStatement(call.argument(1).toStdU16String()));
+    } catch (const jet::Error&) {
+        return false;
+    }
+}
+
 int query(Call& call) {
     return guarded(call, [&]() -> int {
         const jet::sql::Statement statement = jet::sql::ParseStatement(call.argument(1).toStdU16String());
@@ -272,14 +281,16 @@ CommandRows DbCommands() {
         {"db schema", "FILE [TABLE]", "Show the columns and indexes of the tables", schema, {system}},
         {"db export", "FILE TABLE", "Write the rows of a table as CSV, or with --json as JSON lines",
          exportTable},
-        {"db import", "FILE TABLE",
-         "Add rows from standard input, CSV or with --json JSON lines: all or none", importTable},
-        {"db query", "FILE SQL", "Run SELECT, INSERT, UPDATE or DELETE; rows are written as export does",
-         query},
+        Changing({"db import", "FILE TABLE",
+                  "Add rows from standard input, CSV or with --json JSON lines: all or none", importTable}),
+        Changing({"db query", "FILE SQL",
+                  "Run SELECT, INSERT, UPDATE or DELETE; rows are written as export does", query},
+                 queryChanges),
         {"db check", "FILE", "Check the integrity of a database and list its faults", check},
-        {"db compact", "FILE",
-         "Compact and repair a database, keeping the old file as -0001.BAK; list what could not be saved",
-         compact},
+        Changing(
+            {"db compact", "FILE",
+             "Compact and repair a database, keeping the old file as -0001.BAK; list what could not be saved",
+             compact}),
     };
 }
 

@@ -208,19 +208,20 @@ int card(Call& call) {
 CommandRows HardwareCommands() {
     return {
         {"hardware list", "[CARD]", "List the lines of the hardware cards and what they do", list},
-        {"hardware set",
-         "CARD LINE [P1 [P2]]",
-         "Say what a line is; parameters of the action by the words of its lists",
-         set,
-         {{"--type", "input|output", "what the line is"},
-          {"--action", "NAME", "what it does; without it the action stays"},
-          {"--description", "TEXT", "its description; without it, the one of the action"},
-          {"--active-low", nullptr, "flip its logic; without it the logic is normal"}}},
-        {"hardware card", "CARD TYPE [ADDRESS]",
-         "Set the type of a card: disabled, rs232 with its serial port from 1 to 4, advantech with its "
-         "device "
-         "number from 0 to FF, or joystick",
-         card},
+        Changing({"hardware set",
+                  "CARD LINE [P1 [P2]]",
+                  "Say what a line is; parameters of the action by the words of its lists",
+                  set,
+                  {{"--type", "input|output", "what the line is"},
+                   {"--action", "NAME", "what it does; without it the action stays"},
+                   {"--description", "TEXT", "its description; without it, the one of the action"},
+                   {"--active-low", nullptr, "flip its logic; without it the logic is normal"}}}),
+        Changing(
+            {"hardware card", "CARD TYPE [ADDRESS]",
+             "Set the type of a card: disabled, rs232 with its serial port from 1 to 4, advantech with its "
+             "device "
+             "number from 0 to FF, or joystick",
+             card}),
     };
 }
 

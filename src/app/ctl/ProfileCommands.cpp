@@ -119,9 +119,10 @@ CommandRows ProfileCommands() {
         {"profile get", "FILE SECTION KEY [DEFAULT]", "Print the text of a key of an ini file", get},
         {"profile getint", "FILE SECTION KEY [DEFAULT]", "Print the whole number that a key begins with",
          getInteger},
-        {"profile set", "FILE SECTION KEY VALUE",
-         "Write one key of an ini file, leaving every other byte alone", set},
-        {"profile delete", "FILE SECTION [KEY]", "Remove a key, or a section with its keys", remove},
+        Changing({"profile set", "FILE SECTION KEY VALUE",
+                  "Write one key of an ini file, leaving every other byte alone", set}),
+        Changing(
+            {"profile delete", "FILE SECTION [KEY]", "Remove a key, or a section with its keys", remove}),
         {"profile sections", "FILE", "List the sections of an ini file", sections},
         {"profile keys", "FILE SECTION", "List the keys of a section", keys},
     };

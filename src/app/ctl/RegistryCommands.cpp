@@ -142,12 +142,12 @@ CommandRows RegistryCommands() {
     return {
         {"registry list", "[KEY]", "List the values of a key and of all keys below it", list},
         {"registry get", "KEY NAME", "Print a value", get},
-        {"registry set",
-         "KEY NAME VALUE",
-         "Set a value, making its key",
-         set,
-         {{"--dword", nullptr, "a number in place of a text"}}},
-        {"registry delete", "KEY NAME", "Remove a value", remove},
+        Changing({"registry set",
+                  "KEY NAME VALUE",
+                  "Set a value, making its key",
+                  set,
+                  {{"--dword", nullptr, "a number in place of a text"}}}),
+        Changing({"registry delete", "KEY NAME", "Remove a value", remove}),
     };
 }
 

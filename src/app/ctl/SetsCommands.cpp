@@ -114,9 +114,10 @@ int remove(Call& call) {
 CommandRows SetsCommands() {
     return {
         {"sets list", "", "List the configuration sets", list},
-        {"sets copy", "FROM TO DESCRIPTION", "Copy a configuration set under a new file name", copy},
-        {"sets rename", "SET DESCRIPTION", "Change the description of a configuration set", rename},
-        {"sets delete", "SET", "Delete a configuration set and its file", remove},
+        Changing(
+            {"sets copy", "FROM TO DESCRIPTION", "Copy a configuration set under a new file name", copy}),
+        Changing({"sets rename", "SET DESCRIPTION", "Change the description of a configuration set", rename}),
+        Changing({"sets delete", "SET", "Delete a configuration set and its file", remove}),
     };
 }
 

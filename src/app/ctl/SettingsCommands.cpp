@@ -163,16 +163,18 @@ CommandRows SettingsCommands() {
     return {
         {"settings list", "[SECTION]", "List the declared settings with value, default and kind", list},
         {"settings get", "SECTION KEY", "Print the value of a setting, its default where it has none", get},
-        {"settings set", "SECTION KEY VALUE", "Change a setting; what its kind or range forbids is refused",
-         set},
+        Changing({"settings set", "SECTION KEY VALUE",
+                  "Change a setting; what its kind or range forbids is refused", set}),
         {"settings diff", "A.INI B.INI", "List what differs between two workstations; 0 when nothing does",
          diff},
-        {"settings export", "[FILE]", "Write all settings as one document", exportAll},
-        {"settings import",
-         "FILE",
-         "Apply such a document, keeping a copy of the files as they were",
-         import,
-         {{"--preview", nullptr, "only tell what it would change and what it does not know"}}},
+        Changing({"settings export", "[FILE]", "Write all settings as one document", exportAll},
+                 [](const Call& call) { return !call.arguments.isEmpty(); }),
+        Changing({"settings import",
+                  "FILE",
+                  "Apply such a document, keeping a copy of the files as they were",
+                  import,
+                  {{"--preview", nullptr, "only tell what it would change and what it does not know"}}},
+                 [](const Call& call) { return !call.has("--preview"); }),
     };
 }
 

@@ -15,7 +15,8 @@ int status(Call& call) {
     for (const LocationStatus& location : facts.locations)
         locations += QJsonObject{{QStringLiteral("part"), location.part},
                                  {QStringLiteral("path"), location.path},
-                                 {QStringLiteral("state"), location.state}};
+                                 {QStringLiteral("state"), location.state},
+                                 {QStringLiteral("list"), location.list}};
     QJsonObject record{{QStringLiteral("localIni"), facts.localIni},
                        {QStringLiteral("configName"), facts.configName},
                        {QStringLiteral("systemIni"), facts.systemIni},
@@ -34,7 +35,11 @@ int status(Call& call) {
                                 {"cartPlayers", "Cart players"},
                                 {"missing", "Not configured"}});
     if (!call.output.json())
-        call.output.records(locations, {{"part", "Part", true}, {"path", "Location"}, {"state", "State"}});
+        call.output.records(
+            locations,
+            {{"part", "Part", true}, {"path", "Location"}, {"state", "State"}, {"list", "Cart list"}});
+    for (const QString& fault : facts.listFaults)
+        NoteListFault(call, fault);
     return facts.missing.isEmpty() ? Done : No;
 }
 

@@ -47,6 +47,8 @@ int notWritten(const Call& call, int error) {
 int list(Call& call) {
     if (const auto status = open(call, false))
         return *status;
+    if (const QString fault = TerminalListFault(); !fault.isEmpty())
+        call.output.note(fault);
     QJsonArray records;
     const QList<TerminalRecord> terminals = ReadTerminals();
     for (int id = 1; id <= terminals.size(); ++id) {
@@ -103,8 +105,8 @@ int rename(Call& call) {
 CommandRows TerminalCommands() {
     return {
         {"terminals list", "", "List the workstations of the station", list},
-        {"terminals choose", "ID", "Make this computer the workstation of a number", choose},
-        {"terminals rename", "ID NAME", "Give a workstation's number another name", rename},
+        Changing({"terminals choose", "ID", "Make this computer the workstation of a number", choose}),
+        Changing({"terminals rename", "ID NAME", "Give a workstation's number another name", rename}),
     };
 }
 

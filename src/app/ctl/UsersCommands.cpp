@@ -117,8 +117,8 @@ CommandRows UsersCommands() {
          "List what users did, oldest first",
          history,
          {{"--last", "N", "the newest N events only"}}},
-        {"users process", "", "Purge old history, disable expired accounts, delete those that are due",
-         process},
+        Changing({"users process", "",
+                  "Purge old history, disable expired accounts, delete those that are due", process}),
     };
 }
 
