@@ -8,7 +8,6 @@
 #include "jet/Execute.h"
 #include "jet/MemoryPager.h"
 #include "jet/NewFile.h"
-#include "jet/Salvage.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
 
@@ -118,7 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     attempt([&] { CheckDatabase(pager, ignore); });
     attempt([&] {
         const Catalog catalog(pager);
-        for (const CatalogObject& object : ReadableObjects(catalog, [](PageNumber, const Error&) {})) {
+        for (const CatalogObject& object : catalog.readableObjects([](PageNumber, const Error&) {})) {
             if (!object.isTable())
                 continue;
             attempt([&] {

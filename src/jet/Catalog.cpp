@@ -94,26 +94,35 @@ Date LocalTime() {
 }
 
 std::vector<CatalogObject> Catalog::objects() const {
+    return readableObjects([](PageNumber, const Error& error) { throw error; });
+}
+
+std::vector<CatalogObject> Catalog::readableObjects(const OnDamage& damaged) const {
     const Reading reading(*pager_);
     const SystemTable system(*pager_, ObjectsPage);
     const int id = system.column(Id), parent = system.column(ParentId), name = system.column(Name),
               type = system.column(Type), created = system.column(DateCreate),
               updated = system.column(DateUpdate), owner = system.column(Owner), flags = system.column(Flags);
     std::vector<CatalogObject> all;
-    RowPointer at;
-    for (RowView row; system.table.next(at, row);) {
+    const auto visit = [&](RowPointer at, const RowView& row) {
         CatalogObject object;
+        std::int32_t bits = 0;
+        const auto take = [&](int column, auto& into) {
+            return DespiteDamage(at.page, damaged, [&] { into = system.get(row, column, into); });
+        };
         object.row = at;
-        object.id = system.get<std::int32_t>(row, id);
-        object.parent = system.get<std::int32_t>(row, parent);
-        object.name = system.get<std::u16string>(row, name);
-        object.kind = system.get<std::int16_t>(row, type);
-        object.created = system.get<Date>(row, created);
-        object.updated = system.get<Date>(row, updated);
-        object.owner = system.get<Bytes>(row, owner);
-        object.flags = static_cast<std::uint32_t>(system.get<std::int32_t>(row, flags));
+        if (!take(id, object.id) || !take(type, object.kind))
+            return; // it could be anything
+        take(parent, object.parent);
+        take(name, object.name);
+        take(created, object.created);
+        take(updated, object.updated);
+        take(owner, object.owner);
+        take(flags, bits);
+        object.flags = static_cast<std::uint32_t>(bits);
         all.push_back(std::move(object));
-    }
+    };
+    WalkReadable(system.table, visit, damaged);
     return all;
 }
 
@@ -124,9 +133,12 @@ std::vector<CatalogObject> Catalog::tables() const {
 }
 
 std::optional<CatalogObject> Catalog::findTable(std::u16string_view name) const {
-    for (CatalogObject& object : objects())
+    std::optional<Error> damage;
+    for (CatalogObject& object : readableObjects([&](PageNumber, const Error& error) { damage = error; }))
         if (object.isTable() && SameName(object.name, name))
             return std::move(object);
+    if (damage)
+        throw Error(*damage); // it may be the table's
     return std::nullopt;
 }
 

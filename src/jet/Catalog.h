@@ -3,7 +3,7 @@
 #pragma once
 
 #include "jet/PropertyBlob.h"
-#include "jet/Table.h"
+#include "jet/Salvage.h"
 
 #include <optional>
 
@@ -57,9 +57,12 @@ public:
 
     // All objects in the order of the catalogue's rows. A damaged row throws.
     std::vector<CatalogObject> objects() const;
+    // Those that can be read; damage goes to `damaged`. Single columns that cannot be read are left empty.
+    std::vector<CatalogObject> readableObjects(const OnDamage& damaged) const;
     // The user's tables (neither system nor linked), in the order of the catalogue.
     std::vector<CatalogObject> tables() const;
-    // The table of this name, system tables included. Cost: one walk over the catalogue's rows.
+    // The table of this name, system tables included. Damage of other objects does not matter; when there is
+    // some and no table of this name is found, it is thrown. Cost: one walk over the catalogue's rows.
     std::optional<CatalogObject> findTable(std::u16string_view name) const;
 
     // Opens a table. Throws ItemNotFound with the name.

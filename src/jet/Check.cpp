@@ -26,7 +26,7 @@ public:
         context_.faults.setTable(u"MSysObjects");
         const bool readable = context_.faults.guard(Catalog::ObjectsPage, [&] {
             // What is damaged in the catalogue's own rows is reported with its table.
-            objects = ReadableObjects(catalog_, [](PageNumber, const Error&) {});
+            objects = catalog_.readableObjects([](PageNumber, const Error&) {});
         });
         bool catalogListed = false;
         for (const CatalogObject& object : objects) {

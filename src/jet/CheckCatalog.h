@@ -1,8 +1,8 @@
 // The integrity of the catalogue: names, permissions, properties and relationships.
 #pragma once
 
+#include "jet/Catalog.h"
 #include "jet/CheckContext.h"
-#include "jet/Salvage.h"
 
 namespace jet {
 

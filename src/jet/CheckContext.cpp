@@ -24,7 +24,11 @@ std::vector<PageNumber> CheckContext::readMap(RowPointer map, PageNumber definit
         const PageLedger::Owner bitmaps = ledger.add("map pages of the " + name);
         for (const PageNumber page : usage.bitmapPages())
             ledger.claim(page, bitmaps);
-        pages = usage.pages();
+        for (PageNumber page = usage.next(0); page != 0; page = usage.next(page + 1)) {
+            pages.push_back(page);
+            if (page >= ledger.pages())
+                return; // and so does all that follows
+        }
     });
     return pages;
 }

@@ -9,14 +9,6 @@ namespace jet {
 
 namespace {
 
-std::string nameOf(const TableDefinition& definition, std::size_t realIndex) {
-    for (const LogicalIndex& logical : definition.logicalIndexes) {
-        if (logical.real == realIndex)
-            return "index '" + ToUtf8(logical.name) + "'";
-    }
-    return "index " + std::to_string(realIndex);
-}
-
 std::string rowText(RowPointer at) {
     return "row " + std::to_string(at.row);
 }
@@ -40,7 +32,7 @@ IndexesCheck::IndexesCheck(CheckContext& context, const Table& table)
     const TableDefinition& definition = table.definition();
     for (std::size_t i = 0; i < definition.realIndexes.size(); ++i) {
         Index index;
-        index.name = nameOf(definition, i);
+        index.name = definition.nameOfIndex(i);
         index.definition = &definition.realIndexes[i];
         index.encoder = KeyEncoder(definition, *index.definition);
         const auto parts = index.encoder.parts();

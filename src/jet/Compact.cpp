@@ -81,7 +81,7 @@ private:
         std::vector<CatalogObject> objects;
         try {
             // What is damaged in the catalogue's rows is reported when they are copied.
-            objects = ReadableObjects(catalog, [](PageNumber, const Error&) {});
+            objects = catalog.readableObjects([](PageNumber, const Error&) {});
         } catch (const Error& error) {
             if (!IsDamage(error))
                 throw;

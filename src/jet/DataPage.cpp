@@ -22,6 +22,22 @@ void setSlot(std::uint8_t* page, int row, int offset, std::uint16_t flags) {
     Store16(slotAt(page, row), static_cast<std::uint32_t>(offset) | flags);
 }
 
+// The first slot whose row lies where it cannot; -1: there is none. With too many slots none can be trusted.
+int firstMisplaced(const std::uint8_t* page) {
+    const int slots = ClaimedSlots(page);
+    if (slots > MaximumSlots)
+        return 0;
+    const int least = HeadLength + 2 * slots;
+    int end = static_cast<int>(PageSize);
+    for (int row = 0; row < slots; ++row) {
+        const int offset = offsetOf(page, row);
+        if (offset > end || offset < least)
+            return row;
+        end = offset;
+    }
+    return -1;
+}
+
 void updateFree(std::uint8_t* page) {
     Store16(page + FreeField, static_cast<std::uint32_t>(FreeBytes(page)));
 }
@@ -39,13 +55,12 @@ void Format(std::uint8_t* page, std::uint32_t owner) {
 void Check(const std::uint8_t* page, PageNumber number) {
     if (!IsDataPage(page))
         Damaged(number, "is no data page");
-    const int slots = SlotCount(page);
-    const int least = HeadLength + 2 * slots;
-    if (slots > MaximumSlots)
-        Damaged(number, "has too many rows");
-    for (int row = 0; row < slots; ++row)
-        if (offsetOf(page, row) > offsetOf(page, row - 1) || offsetOf(page, row) < least)
-            Damaged(number, "row " + std::to_string(row) + " lies outside its place");
+    if (const int row = firstMisplaced(page); row >= 0)
+        RefuseSlot(page, number, row);
+}
+
+bool IsSound(const std::uint8_t* page) {
+    return IsDataPage(page) && firstMisplaced(page) < 0;
 }
 
 int FreeBytes(const std::uint8_t* page) {
@@ -54,11 +69,13 @@ int FreeBytes(const std::uint8_t* page) {
 }
 
 bool Fits(const std::uint8_t* page, int length) {
-    return SlotCount(page) < MaximumSlots && FreeBytes(page) >= length + 2;
+    const int slots = ClaimedSlots(page);
+    return slots < MaximumSlots && offsetOf(page, slots - 1) <= static_cast<int>(PageSize) &&
+           FreeBytes(page) >= length + 2;
 }
 
 void RefuseSlot(const std::uint8_t* page, PageNumber number, int row) {
-    if (SlotCount(page) > MaximumSlots)
+    if (ClaimedSlots(page) > MaximumSlots)
         Damaged(number, "has too many rows");
     Damaged(number, "row " + std::to_string(row) + " lies outside its place");
 }
@@ -80,8 +97,10 @@ bool CanReplace(const std::uint8_t* page, PageNumber number, int row, int length
 void Replace(std::uint8_t* page, PageNumber number, int row, std::span<const std::uint8_t> bytes,
              std::uint16_t flags) {
     Check(page, number);
-    const Slot slot = Find(page, number, row);
     const int slots = SlotCount(page);
+    if (row >= slots)
+        Damaged(number, "has no row " + std::to_string(row));
+    const Slot slot = Find(page, number, row);
     const int lowest = offsetOf(page, slots - 1);
     const int grows = static_cast<int>(bytes.size()) - slot.length;
     if (grows != 0 && row + 1 < slots)

@@ -5,6 +5,7 @@
 
 #include "jet/RowPointer.h"
 
+#include <algorithm>
 #include <optional>
 #include <span>
 
@@ -29,6 +30,8 @@ void Format(std::uint8_t* page, std::uint32_t owner);
 
 // Checks head and slots of a page (kind, number of slots, offsets in order). Throws ReadVerification.
 void Check(const std::uint8_t* page, PageNumber number);
+// The same without an error.
+bool IsSound(const std::uint8_t* page);
 
 inline constexpr std::uint8_t DataType = 1; // the first byte
 inline constexpr int OwnerField = 4;
@@ -40,14 +43,19 @@ inline constexpr std::uint16_t PointerFlag = 0x4000;
 inline std::uint32_t Owner(const std::uint8_t* page) {
     return Load32(page + OwnerField);
 }
-inline int SlotCount(const std::uint8_t* page) {
+// Slots that the page says it has: MaximumSlots at most on a sound one.
+inline int ClaimedSlots(const std::uint8_t* page) {
     return Load16(page + CountField);
+}
+// Slots to walk over, whatever the page says.
+inline int SlotCount(const std::uint8_t* page) {
+    return std::min(ClaimedSlots(page), MaximumSlots);
 }
 inline bool IsDataPage(const std::uint8_t* page) {
     return page[0] == DataType;
 }
 int FreeBytes(const std::uint8_t* page);
-// Whether a new row of `length` bytes has room.
+// Whether a new row of `length` bytes has room: Add() then stays on the page, whatever that holds.
 bool Fits(const std::uint8_t* page, int length);
 
 // Throws ReadVerification with what is wrong with a slot.
@@ -55,7 +63,7 @@ bool Fits(const std::uint8_t* page, int length);
 // Where a row lies, checked against the page. Throws ReadVerification on a bad offset; a slot beyond the last
 // one is given as deleted.
 inline Slot Find(const std::uint8_t* page, PageNumber number, int row) {
-    const int slots = SlotCount(page);
+    const int slots = ClaimedSlots(page);
     if (row >= slots && slots <= MaximumSlots)
         return {0, 0, true, true};
     const std::uint8_t* at = page + HeadLength + 2 * row;
@@ -78,7 +86,8 @@ std::uint8_t Add(std::uint8_t* page, std::span<const std::uint8_t> bytes, std::u
 
 // Whether the row can be replaced by one of `length` bytes on this page.
 bool CanReplace(const std::uint8_t* page, PageNumber number, int row, int length);
-// Replaces a row's bytes and flags; rows of later slots move. `bytes` must not lie on the page.
+// Replaces a row's bytes and flags; rows of later slots move. `bytes` must not lie on the page. Throws
+// ReadVerification, and changes nothing, if the page is not sound or has no such slot.
 void Replace(std::uint8_t* page, PageNumber number, int row, std::span<const std::uint8_t> bytes,
              std::uint16_t flags);
 // Removes a row: its bytes are taken back, its slot stays as a deleted one.

@@ -1,6 +1,7 @@
 #include "jet/DesignEditor.h"
 
 #include "jet/Collation.h"
+#include "jet/Damage.h"
 #include "jet/DataPage.h"
 #include "jet/Error.h"
 #include "jet/KeyEncoding.h"
@@ -93,7 +94,9 @@ RowPointer DesignEditor::makeMap() {
     }
     pages.erase(0);
     const auto roomy = std::find_if(pages.begin(), pages.end(), [this](PageNumber page) {
-        return datapage::Fits(pager_.read(page), UsageMapRowLength);
+        const std::uint8_t* bytes = pager_.read(page);
+        return datapage::IsSound(bytes) && datapage::Owner(bytes) == 0 &&
+               datapage::Fits(bytes, UsageMapRowLength);
     });
     PageNumber page = 0;
     if (roomy != pages.end()) {
@@ -113,8 +116,24 @@ void DesignEditor::dropMap(RowPointer map) {
         pager_.release(map.page);
 }
 
-void DesignEditor::freeMapAndPages(RowPointer map) {
+// Pages that a damaged map lists belong to others perhaps: all are looked at before the first is freed.
+void DesignEditor::freeMapAndDataPages(RowPointer map, std::uint32_t owner) {
     const std::vector<PageNumber> pages = UsageMap(pager_, map).pages();
+    for (const PageNumber page : pages)
+        if (const std::uint8_t* bytes = pager_.read(page);
+            !datapage::IsDataPage(bytes) || datapage::Owner(bytes) != owner)
+            Damaged(page, "is listed as a page of something else");
+    freePages(map, pages);
+}
+
+void DesignEditor::freeTree(const RealIndex& index) {
+    const std::vector<PageNumber> pages = UsageMap(pager_, index.pages).pages();
+    for (const PageNumber page : pages)
+        indexpage::Check(pager_.read(page), page, definition_.page);
+    freePages(index.pages, pages);
+}
+
+void DesignEditor::freePages(RowPointer map, const std::vector<PageNumber>& pages) {
     dropMap(map);
     for (const PageNumber page : pages)
         pager_.release(page);
@@ -175,7 +194,7 @@ void DesignEditor::dropField(int position) {
     if (definition_.columns.size() == 1)
         refuse(ErrorNumber::InvalidArgument, column.name);
     if (column.isLong()) {
-        freeMapAndPages(column.ownedMap);
+        freeMapAndDataPages(column.ownedMap, datapage::LongValueOwner);
         dropMap(column.freeMap);
     }
     definition_.columns.erase(definition_.columns.begin() + position);
@@ -251,7 +270,7 @@ void DesignEditor::dropIndex(std::u16string_view name) {
     const auto usesTree = [position](const LogicalIndex& index) { return index.real == position; };
     if (std::any_of(definition_.logicalIndexes.begin(), definition_.logicalIndexes.end(), usesTree))
         return;
-    freeMapAndPages(definition_.realIndexes[position].pages);
+    freeTree(definition_.realIndexes[position]);
     definition_.realIndexes.erase(definition_.realIndexes.begin() + position);
     for (LogicalIndex& index : definition_.logicalIndexes)
         if (index.real > position)
@@ -277,13 +296,13 @@ void DesignEditor::sortIndexes() {
 
 void DesignEditor::destroy() {
     for (const RealIndex& index : definition_.realIndexes)
-        freeMapAndPages(index.pages);
+        freeTree(index);
     for (const Column& column : definition_.columns)
         if (column.isLong()) {
-            freeMapAndPages(column.ownedMap);
+            freeMapAndDataPages(column.ownedMap, datapage::LongValueOwner);
             dropMap(column.freeMap);
         }
-    freeMapAndPages(definition_.ownedMap);
+    freeMapAndDataPages(definition_.ownedMap, definition_.page);
     dropMap(definition_.freeMap);
     for (const PageNumber page : DefinitionPages(pager_, definition_.page)) {
         // A freed page keeps its bytes; without its kind nobody takes it for a definition any more.

@@ -36,7 +36,10 @@ public:
 private:
     RowPointer makeMap();
     void dropMap(RowPointer map);
-    void freeMapAndPages(RowPointer map);
+    // `owner`: what their heads say.
+    void freeMapAndDataPages(RowPointer map, std::uint32_t owner);
+    void freeTree(const RealIndex& index);
+    void freePages(RowPointer map, const std::vector<PageNumber>& pages);
     void makeTree(RealIndex& index);
     LogicalIndex& logicalIndex(std::u16string_view name);
     void sortIndexes();

@@ -80,11 +80,11 @@ void IndexChange::insertAll(int depth, const Entries& added) {
         page = read(at.page);
     }
     Entries entries;
-    ReadEntries(page, Prefix(page), at.offset, entries);
+    ReadEntries(page, at.page, Prefix(page), at.offset, entries);
     for (std::size_t i = 0; i < added.count(); ++i)
         entries.add(added[i]);
     const bool appended = at.offset >= Used(page) && Next(page) == 0 && added.count() == 1;
-    ReadEntries(page, at.offset, Used(page), entries);
+    ReadEntries(page, at.page, at.offset, Used(page), entries);
     layOut(depth, entries, appended);
 }
 
@@ -251,6 +251,8 @@ void IndexChange::joinRight(int depth) {
 
 // The root takes over the content of its only child.
 void IndexChange::replaceRoot(PageNumber child) {
+    if (child == tree_.root())
+        Damaged(child, "is met twice in the index");
     std::uint8_t content[PageSize];
     std::memcpy(content, read(child), PageSize);
     SetPrevious(content, 0);

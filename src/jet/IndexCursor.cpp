@@ -7,6 +7,12 @@ namespace jet {
 
 using namespace indexpage;
 
+namespace {
+
+const char* const outOfOrder = "has index entries out of order";
+
+} // namespace
+
 // A leaf, checked.
 const std::uint8_t* IndexCursor::page(PageNumber number) {
     const std::uint8_t* page = ReadIndexPage(tree_, number);
@@ -24,9 +30,8 @@ bool IndexCursor::take(const std::uint8_t* leaf, PageNumber number, int offset) 
     return valid_ = true;
 }
 
-// Takes the entry at a place of a leaf, or the first one of the leaves behind it. `ascending`: it comes from
-// an entry, and all entries of the leaves behind must be above that one, so that a list that runs in a circle
-// ends.
+// Takes the entry at a place of a leaf, or the first one of the leaves behind it. `ascending`: the walk comes
+// from an entry and must get to one above it, so that a walk in a circle ends.
 bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
     const std::uint8_t* leaf = page(number);
     for (PageNumber steps = 0; offset >= Used(leaf); ++steps) {
@@ -37,9 +42,9 @@ bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
             Damaged(number, "lies on a circle of index pages");
         leaf = page(number);
         offset = Prefix(leaf);
-        if (ascending && Find(leaf, entry_.view(), true) != offset)
-            Damaged(number, "is out of order in the index");
     }
+    if (ascending && CompareEntry(leaf, offset, entry_.view()) <= 0)
+        Damaged(number, outOfOrder);
     return take(leaf, number, offset);
 }
 
@@ -54,10 +59,10 @@ bool IndexCursor::backward(PageNumber number, int offset, bool descending) {
             Damaged(number, "lies on a circle of index pages");
         leaf = page(number);
         offset = Used(leaf);
-        if (descending && Find(leaf, entry_.view(), false) != offset)
-            Damaged(number, "is out of order in the index");
     }
     offset = Before(leaf, offset);
+    if (descending && CompareEntry(leaf, offset, entry_.view()) >= 0)
+        Damaged(number, outOfOrder);
     return take(leaf, number, offset);
 }
 

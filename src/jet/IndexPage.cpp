@@ -168,6 +168,12 @@ int comparedLength(bool leaf, int offset, int end) {
     return leaf ? end - offset : std::max(end - offset - ChildLength, 0);
 }
 
+// The length of a whole entry, without the child's number.
+void checkLength(PageNumber number, std::size_t length) {
+    if (length <= RowLength || length > MaximumEntry)
+        Damaged(number, "has an index entry of " + std::to_string(length) + " bytes");
+}
+
 // The bytes that the first and the last of a range of entries begin with alike; it never takes in the last
 // byte of a row pointer, so that no rest is empty.
 std::size_t commonPrefix(const Entries& entries, Range range, bool leaf) {
@@ -304,6 +310,8 @@ int End(const std::uint8_t* page, int offset) {
 }
 
 int Before(const std::uint8_t* page, int offset) {
+    if (offset <= Prefix(page))
+        return Prefix(page);
     return std::max(markUpTo(page, offset - 1), Prefix(page));
 }
 
@@ -366,11 +374,20 @@ int Find(const std::uint8_t* page, KeyView target, bool past) {
 void CopyEntry(const std::uint8_t* page, PageNumber number, int offset, EntryBuffer& into) {
     const auto prefix = static_cast<std::size_t>(Prefix(page));
     const auto rest = static_cast<std::size_t>(comparedLength(IsLeaf(page), offset, End(page, offset)));
-    if (prefix + rest <= RowLength || prefix + rest > MaximumEntry)
-        Damaged(number, "has an index entry of " + std::to_string(prefix + rest) + " bytes");
+    checkLength(number, prefix + rest);
     std::memcpy(into.bytes, page + EntryField, prefix);
     std::memcpy(into.bytes + prefix, page + EntryField + offset, rest);
     into.size = prefix + rest;
+}
+
+int CompareEntry(const std::uint8_t* page, int offset, KeyView entry) {
+    const std::uint8_t* entries = page + EntryField;
+    const auto prefix = static_cast<std::size_t>(Prefix(page));
+    const std::size_t shared = std::min(prefix, entry.size());
+    if (const int order = std::memcmp(entries, entry.data(), shared); order != 0)
+        return order;
+    const auto rest = static_cast<std::size_t>(comparedLength(IsLeaf(page), offset, End(page, offset)));
+    return shared < prefix ? 1 : CompareEntries({entries + offset, rest}, entry.subspan(prefix));
 }
 
 bool HoldsEntry(const std::uint8_t* page, int offset, KeyView entry) {
@@ -476,11 +493,12 @@ void Entries::clear() {
     ends.clear();
 }
 
-void ReadEntries(const std::uint8_t* page, int from, int to, Entries& into) {
+void ReadEntries(const std::uint8_t* page, PageNumber number, int from, int to, Entries& into) {
     const std::uint8_t* entries = page + EntryField;
     const int prefix = Prefix(page);
     for (int offset = from; offset < to;) {
         const int end = End(page, offset);
+        checkLength(number, static_cast<std::size_t>(prefix + comparedLength(IsLeaf(page), offset, end)));
         into.bytes.insert(into.bytes.end(), entries, entries + prefix);
         into.bytes.insert(into.bytes.end(), entries + offset, entries + end);
         into.ends.push_back(static_cast<std::uint32_t>(into.bytes.size()));

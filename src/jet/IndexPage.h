@@ -94,6 +94,9 @@ int Find(const std::uint8_t* page, KeyView target, bool past);
 // Copies the entry at `offset`, of a node without the child's number, into `into`. Throws
 // ReadVerification for an entry too short or too long to be one.
 void CopyEntry(const std::uint8_t* page, PageNumber number, int offset, EntryBuffer& into);
+// The order of the entry at `offset` and another; below 0, 0 or above. Of nodes the child's number does not
+// take part.
+int CompareEntry(const std::uint8_t* page, int offset, KeyView entry);
 // Whether the entry at `offset` is exactly this one. Any number may be asked for.
 bool HoldsEntry(const std::uint8_t* page, int offset, KeyView entry);
 // Whether the key of the leaf entry at `offset`, which may be used(page), is exactly this one.
@@ -133,8 +136,8 @@ struct Range {
     std::size_t count = 0;
 };
 
-// Appends the entries of a page that lie in [from, to).
-void ReadEntries(const std::uint8_t* page, int from, int to, Entries& into);
+// Appends the entries of a page that lie in [from, to). Throws ReadVerification as CopyEntry() does.
+void ReadEntries(const std::uint8_t* page, PageNumber number, int from, int to, Entries& into);
 // Whether a range of entries fits one page, whole or without a prefix.
 bool Fits(const Entries& entries, Range range, bool leaf);
 // Writes a range of entries that fits onto an empty page: whole if they fit so, else without their prefix.

@@ -29,20 +29,6 @@ void IndexTree::create() {
     pages_.add(root_);
 }
 
-void IndexTree::clear() {
-    for (PageNumber page = pages_.next(0); page != 0; page = pages_.next(page + 1)) {
-        if (page == root_)
-            continue;
-        pages_.remove(page);
-        pager_->release(page);
-    }
-    create();
-}
-
-void IndexTree::destroy() {
-    pages_.release();
-}
-
 bool IndexTree::contains(KeyView key) const {
     IndexPath path;
     return find(key, path);

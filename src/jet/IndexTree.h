@@ -31,11 +31,6 @@ public:
 
     // Makes an empty tree: the root is written as an empty leaf and put into the map.
     void create();
-    // Takes all entries out; the root stays. Every page of the map but the root is freed, so that this
-    // repairs a damaged tree, too.
-    void clear();
-    // Frees every page of the map, the root included: the end of the tree.
-    void destroy();
 
     // Whether some entry has exactly this key. Cost: one page for each level.
     bool contains(KeyView key) const;

@@ -224,7 +224,7 @@ void AppendTextStart(bool ascending, std::u16string_view text, Bytes& into) {
 bool IsOrderKnown(const Column& column) {
     if (column.isText())
         return column.language == EnglishLanguage && column.sortVersion == 0;
-    return column.type != ColumnType::Ole && column.type != ColumnType::Private;
+    return StoredSize(column.type) != 0 || column.type == ColumnType::Binary;
 }
 
 KeyEncoder::KeyEncoder(const TableDefinition& table, const RealIndex& index) {

@@ -10,7 +10,6 @@ namespace jet {
 
 namespace {
 
-constexpr PageNumber MaximumPages = 0x80000000 / PageSize; // files end at 2 GB
 constexpr PageNumber PagesPerWrite = 64;
 
 } // namespace

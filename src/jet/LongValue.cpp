@@ -16,6 +16,7 @@ constexpr std::size_t MaximumSingle = 3800; // longer ones become a chain
 constexpr std::size_t PointerLength = 4;
 constexpr std::size_t ChunkData = 4072; // of each row of a chain but the last
 constexpr int StampField = 8;           // in the head of the first page of a chain
+const char* const circular = "a long value runs in a circle";
 
 struct Definition {
     std::uint32_t length = 0;
@@ -45,23 +46,26 @@ std::span<const std::uint8_t> rowAt(Pager& pager, RowPointer at) {
     return datapage::BytesOf(page, slot);
 }
 
+// Where a piece of a chain says that the next one is.
+RowPointer followingPiece(std::span<const std::uint8_t> piece, RowPointer at) {
+    if (piece.size() <= PointerLength)
+        Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
+    return LoadRowPointer(piece.data());
+}
+
 // The rows that a value lies in; none if it follows its definition.
 std::vector<RowPointer> rowsOf(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page) {
     const Definition parsed = parse(definition, page);
     std::vector<RowPointer> rows;
     if (parsed.isInline || parsed.first.page == 0)
         return rows;
-    const std::size_t most = parsed.isSingle ? 1 : parsed.length + std::size_t{1};
+    CircleGuard guard;
     for (RowPointer at = parsed.first; at.page != 0;) {
-        if (rows.size() >= most || rows.size() > std::size_t{pager.pageCount()} * datapage::MaximumSlots)
-            Damaged(at.page, "a long value has no end");
+        if (guard.meets(at))
+            Damaged(at.page, circular);
         rows.push_back(at);
         const auto bytes = rowAt(pager, at);
-        if (parsed.isSingle)
-            break;
-        if (bytes.size() <= PointerLength)
-            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
-        at = LoadRowPointer(bytes.data());
+        at = parsed.isSingle ? RowPointer{} : followingPiece(bytes, at);
     }
     return rows;
 }
@@ -113,9 +117,9 @@ std::span<const std::uint8_t> LongValueReader::next() {
     std::span<const std::uint8_t> piece = rowAt(*pager_, at);
     at_ = {};
     if (chained_) {
-        if (piece.size() <= PointerLength)
-            Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
-        at_ = LoadRowPointer(piece.data());
+        if (guard_.meets(at))
+            Damaged(at.page, circular);
+        at_ = followingPiece(piece, at);
         piece = piece.subspan(PointerLength);
     }
     piece = piece.first(std::min<std::size_t>(piece.size(), left_));

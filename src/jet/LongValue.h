@@ -2,6 +2,7 @@
 // at once (short values), lies in one row of a page of long values, or in a chain of such rows.
 #pragma once
 
+#include "jet/CircleGuard.h"
 #include "jet/RowSpace.h"
 #include "jet/Value.h"
 
@@ -35,6 +36,7 @@ private:
     std::uint32_t length_ = 0;
     std::uint32_t left_ = 0;
     bool chained_ = false;
+    CircleGuard guard_;
 };
 
 // The whole value.

@@ -12,6 +12,7 @@ namespace jet {
 
 inline constexpr std::uint32_t PageSize = 4096;
 using PageNumber = std::uint32_t;
+inline constexpr PageNumber MaximumPages = 0x80000000 / PageSize; // files end at 2 GB
 
 class Pager {
 public:

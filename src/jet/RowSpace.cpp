@@ -28,7 +28,7 @@ RowPointer RowSpace::put(std::span<const std::uint8_t> row, std::uint16_t flags)
         for (int tried = 0; tried < Candidates; ++tried) {
             if (candidate == 0 && (candidate = free_.next(0)) == 0)
                 break;
-            if (fits(candidate, length)) {
+            if (fits(candidate, length) && datapage::IsSound(pager_->read(candidate))) {
                 page = candidate;
                 break;
             }
@@ -62,7 +62,7 @@ void RowSpace::noteRoom(PageNumber page) {
 }
 
 void RowSpace::remove(RowPointer at) {
-    if (!owned_.contains(at.page))
+    if (!owned_.contains(at.page) || datapage::Owner(pager_->read(at.page)) != owner_)
         Damaged(at.page, "holds a row of something else");
     std::uint8_t* bytes = pager_->edit(at.page);
     datapage::Remove(bytes, at.page, at.row);

@@ -1,8 +1,10 @@
 // Reading what can be read of a damaged database: walks that go on behind damage.
 #pragma once
 
-#include "jet/Catalog.h"
 #include "jet/Error.h"
+#include "jet/Table.h"
+
+#include <functional>
 
 namespace jet {
 
@@ -11,10 +13,26 @@ inline bool IsDamage(const Error& error) {
     return error.code() == ErrorNumber::ReadVerification || error.code() == ErrorNumber::Corrupt;
 }
 
+using OnDamage = std::function<void(PageNumber, const Error&)>;
+
+// Runs a step and gives damage that it meets at a page to `damaged`. False: there was some.
+template<typename Step>
+bool DespiteDamage(PageNumber page, const OnDamage& damaged, Step step) {
+    try {
+        step();
+        return true;
+    } catch (const Error& error) {
+        if (!IsDamage(error))
+            throw;
+        damaged(page, error);
+        return false;
+    }
+}
+
 // Gives every row of a table that can be found to `visit(RowPointer, const RowView&)`, and every damage to
-// `damaged(PageNumber, const Error&)`.
-template<typename Visit, typename Damaged>
-void WalkReadable(const Table& table, Visit visit, Damaged damaged) {
+// `damaged`.
+template<typename Visit>
+void WalkReadable(const Table& table, Visit visit, const OnDamage& damaged) {
     RowPointer at;
     for (;;) {
         const RowPointer before = at;
@@ -32,10 +50,5 @@ void WalkReadable(const Table& table, Visit visit, Damaged damaged) {
         }
     }
 }
-
-using OnDamage = std::function<void(PageNumber, const Error&)>;
-
-// The objects of the catalogue that can be read.
-std::vector<CatalogObject> ReadableObjects(const Catalog& catalog, const OnDamage& damaged);
 
 } // namespace jet

@@ -77,6 +77,8 @@ bool Table::next(RowPointer& at, RowView& row) const {
         }
         const std::uint8_t* page = pager_->read(number);
         if (isOwn(page)) {
+            if (slot == 0 && datapage::ClaimedSlots(page) > datapage::MaximumSlots)
+                datapage::RefuseSlot(page, number, slot);
             for (const int slots = datapage::SlotCount(page); slot < slots; ++slot) {
                 at = {number, static_cast<std::uint8_t>(slot)};
                 if (view(page, at, row))
@@ -104,8 +106,11 @@ bool Table::previous(RowPointer& at, RowView& row) const {
         }
         const std::uint8_t* page = pager_->read(number);
         if (isOwn(page)) {
-            if (entering)
+            if (entering) {
+                if (datapage::ClaimedSlots(page) > datapage::MaximumSlots)
+                    datapage::RefuseSlot(page, number, 0);
                 slot = datapage::SlotCount(page) - 1;
+            }
             for (; slot >= 0; --slot) {
                 at = {number, static_cast<std::uint8_t>(slot)};
                 if (view(page, at, row))

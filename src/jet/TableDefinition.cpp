@@ -2,9 +2,9 @@
 
 #include "jet/Collation.h"
 #include "jet/Damage.h"
+#include "jet/DefinitionFaults.h"
 
 #include <algorithm>
-#include <bitset>
 #include <cstring>
 #include <numeric>
 
@@ -26,6 +26,8 @@ constexpr std::uint16_t EndMark = 0xFFFF;
 // Far above what 255 columns and their indexes with the longest names take.
 constexpr std::uint32_t MaximumLength = 1u << 20;
 constexpr std::uint32_t ContinuationData = PageSize - PageHead;
+// Others may allow a few more than are made here.
+constexpr std::uint32_t MostIndexes = 8 * MaximumIndexes;
 
 std::size_t pagesFor(std::size_t length) {
     return length <= PageSize ? 1 : 1 + (length - PageSize + ContinuationData - 1) / ContinuationData;
@@ -179,31 +181,6 @@ void writeLogicalIndex(Writer& out, const LogicalIndex& index) {
     out.u32(index.reserved);
 }
 
-void checkColumns(const TableDefinition& definition) {
-    std::bitset<0x10000> seen;
-    for (const Column& column : definition.columns) {
-        const auto fault = [&](const char* what) {
-            Damaged(definition.page, "column '" + ToUtf8(column.name) + "' " + what);
-        };
-        if (column.number >= definition.columnNumbers || seen[column.number])
-            fault("has a bad number");
-        seen[column.number] = true;
-        const int size = StoredSize(column.type);
-        if (size != 0 && column.size != size)
-            fault("has a bad size");
-        if (column.isFixed() && (column.isLong() || column.fixedOffset + column.size > int{PageSize}))
-            fault("lies outside the row");
-        if (!column.isFixed() && column.variableIndex >= definition.variableColumns)
-            fault("has a bad place in the row");
-    }
-}
-
-void checkIndexes(const TableDefinition& definition) {
-    for (const LogicalIndex& index : definition.logicalIndexes)
-        if (index.real >= definition.realIndexes.size())
-            Damaged(definition.page, "index '" + ToUtf8(index.name) + "' has no tree");
-}
-
 const std::uint8_t* readDefinitionPage(Pager& pager, PageNumber page) {
     const std::uint8_t* bytes = pager.read(page);
     if (bytes[0] != PageType)
@@ -280,6 +257,13 @@ const LogicalIndex* TableDefinition::primaryKey() const {
     return found == logicalIndexes.end() ? nullptr : &*found;
 }
 
+std::string TableDefinition::nameOfIndex(std::size_t realIndex) const {
+    for (const LogicalIndex& logical : logicalIndexes)
+        if (logical.real == realIndex)
+            return "index '" + ToUtf8(logical.name) + "'";
+    return "index " + std::to_string(realIndex);
+}
+
 std::vector<int> TableDefinition::displayOrder() const {
     std::vector<int> order(columns.size());
     std::iota(order.begin(), order.end(), 0);
@@ -306,7 +290,7 @@ std::vector<PageNumber> DefinitionPages(Pager& pager, PageNumber page) {
         Damaged(page, "the table definition is too long");
     std::vector<PageNumber> pages{page};
     while (const PageNumber next = Load32(bytes + NextPage)) {
-        if (pages.size() >= pagesFor(length))
+        if (pages.size() >= pagesFor(length) || std::find(pages.begin(), pages.end(), next) != pages.end())
             Damaged(next, "the table definition has too many pages");
         bytes = readDefinitionPage(pager, next);
         pages.push_back(next);
@@ -320,6 +304,12 @@ TableDefinition ReadTableDefinition(Pager& pager, PageNumber page) {
     return DecodeTableDefinition(joinedPages(pager, page), page);
 }
 
+TableDefinition ReadUncheckedDefinition(Pager& pager, PageNumber page) {
+    const Bytes bytes = joinedPages(pager, page);
+    Reader in(bytes, page);
+    return decode(in, page);
+}
+
 std::size_t TableDefinitionLength(Pager& pager, PageNumber page) {
     const Bytes bytes = joinedPages(pager, page);
     Reader in(bytes, page);
@@ -329,7 +319,10 @@ std::size_t TableDefinitionLength(Pager& pager, PageNumber page) {
 
 TableDefinition DecodeTableDefinition(std::span<const std::uint8_t> bytes, PageNumber page) {
     Reader in(bytes, page);
-    return decode(in, page);
+    TableDefinition definition = decode(in, page);
+    if (const std::string fault = FaultOfDefinition(definition); !fault.empty())
+        Damaged(page, fault);
+    return definition;
 }
 
 namespace {
@@ -351,7 +344,11 @@ TableDefinition decode(Reader& in, PageNumber page) {
     definition.ownedMap = in.pointer();
     definition.freeMap = in.pointer();
 
-    // Each element takes bytes of its own, so a false count ends at the end of the bytes.
+    if (columns > MaximumColumns)
+        Damaged(page, "says that the table has " + std::to_string(columns) + " columns");
+    if (std::max(logicalIndexes, realIndexes) > MostIndexes)
+        Damaged(page, "says that the table has " + std::to_string(std::max(logicalIndexes, realIndexes)) +
+                          " indexes");
     for (std::uint32_t i = 0; i < realIndexes; ++i) {
         RealIndex index;
         index.entriesWhenMade = in.u32();
@@ -381,8 +378,6 @@ TableDefinition decode(Reader& in, PageNumber page) {
         definition.columns[static_cast<std::size_t>(column)].ownedMap = owned;
         definition.columns[static_cast<std::size_t>(column)].freeMap = free;
     }
-    checkColumns(definition);
-    checkIndexes(definition);
     return definition;
 }
 

@@ -124,6 +124,8 @@ struct TableDefinition {
     // The index with this name, or of the primary key; null: none.
     const LogicalIndex* findIndex(std::u16string_view name) const;
     const LogicalIndex* primaryKey() const;
+    // A tree of keys as faults name it: "index 'Main'".
+    std::string nameOfIndex(std::size_t realIndex) const;
     // Positions of the columns in the order in which they are shown.
     std::vector<int> displayOrder() const;
     // Bytes of the fixed columns of a row.
@@ -138,8 +140,12 @@ int StoredSize(ColumnType type);
 bool SameName(std::u16string_view a, std::u16string_view b);
 
 // Reads the definition that begins on `page`, over as many pages as it has, and checks what reading rows
-// relies on: counts, lengths, column numbers and offsets. Throws ReadVerification if it is not sound.
+// relies on: counts, lengths, column numbers and offsets, the columns of indexes. Throws ReadVerification if
+// it is not sound.
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
+// The same with its numbers as they stand, for mending (DefinitionRepair.h). Throws ReadVerification only if
+// the bytes hold no definition.
+TableDefinition ReadUncheckedDefinition(Pager& pager, PageNumber page);
 
 // The bytes that a stored definition takes, its end mark included.
 std::size_t TableDefinitionLength(Pager& pager, PageNumber page);

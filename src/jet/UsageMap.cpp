@@ -80,7 +80,11 @@ MapRow readRow(Pager& pager, RowPointer row) {
     const auto slot = datapage::Find(page, row.page, row.row);
     if (slot.hidden || slot.pointer || slot.length < InlineHead || page[slot.offset] > ByReference)
         Damaged(row.page, "row " + std::to_string(row.row) + " is no usage map");
-    return {page + slot.offset, slot.length, slot.offset};
+    const MapRow map{page + slot.offset, slot.length, slot.offset};
+    // So no page that a bit stands for is beyond what a page number holds.
+    if (map.isInline() && map.bits().first > MaximumPages)
+        Damaged(row.page, "row " + std::to_string(row.row) + " is the usage map of pages that no file has");
+    return map;
 }
 
 Bits readBitmap(Pager& pager, const MapRow& row, PageNumber index) {
@@ -168,9 +172,17 @@ PageNumber UsageMap::previous(PageNumber before) const {
 }
 
 std::vector<PageNumber> UsageMap::pages() const {
+    return pagesBelow(pager_->pageCount());
+}
+
+std::vector<PageNumber> UsageMap::pagesBelow(PageNumber end) const {
     std::vector<PageNumber> all;
-    for (PageNumber page = next(0); page != 0; page = next(page + 1))
+    for (PageNumber page = next(0); page != 0; page = next(page + 1)) {
+        if (page >= end)
+            Damaged(row_.page, "row " + std::to_string(row_.row) + " lists page " + std::to_string(page) +
+                                   ", which lies beyond the end of the file");
         all.push_back(page);
+    }
     return all;
 }
 
@@ -191,7 +203,7 @@ void UsageMap::add(PageNumber page) {
         const Bits bits = map.bits();
         if (page >= bits.first && page - bits.first < bits.count)
             return writeBit(*pager_, row_, page, true);
-        const std::vector<PageNumber> old = pages();
+        const std::vector<PageNumber> old = pagesBelow(MaximumPages);
         const PageNumber first = (old.empty() ? page : std::min(page, old.front())) & ~7u;
         const PageNumber highest = old.empty() ? page : std::max(page, old.back());
         if (highest - first < bits.count) {

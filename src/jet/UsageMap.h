@@ -34,6 +34,7 @@ public:
     PageNumber next(PageNumber from) const;
     // The highest page of the map that is below `before`; 0 if there is none.
     PageNumber previous(PageNumber before) const;
+    // All of them. Throws ReadVerification if one lies beyond the end of the file.
     std::vector<PageNumber> pages() const;
     // Bitmap pages of a map by reference: they belong to no map.
     std::vector<PageNumber> bitmapPages() const;
@@ -43,6 +44,8 @@ public:
     void release();
 
 private:
+    std::vector<PageNumber> pagesBelow(PageNumber end) const;
+
     Pager* pager_;
     RowPointer row_;
 };

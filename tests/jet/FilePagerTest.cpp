@@ -47,6 +47,22 @@ protected:
     FaultyStorage storage_;
 };
 
+// The counters of users who have written a lot are above 01FF; only one below 0100 tells of an unfinished
+// write.
+TEST_F(FilePagerTest, CommitCountersTellWhetherAWriterDied) {
+    constexpr std::size_t counters = 0xE00;
+    const auto reasonWith = [&](std::size_t user, std::uint32_t count) {
+        Bytes file = RawFile();
+        Store16(file.data() + counters + 2 * user, count);
+        storage_.put(Path, file);
+        return FilePager(storage_, Path, {}).readOnlyReason();
+    };
+    for (const std::uint32_t count : {0x0100u, 0x01FFu, 0x0200u, 0x024Bu, 0x3401u, 0xFFFFu})
+        EXPECT_EQ(reasonWith(255, count), "") << count;
+    for (const std::uint32_t count : {0u, 1u, 0x00FFu})
+        EXPECT_NE(reasonWith(0, count).find("died"), std::string::npos) << count;
+}
+
 TEST_F(FilePagerTest, CommitsStayInTheLogUntilTheLastUserCloses) {
     FilePager first(storage_, Path, {});
     FilePager second(storage_, Path, {});

@@ -48,6 +48,15 @@ struct Tree {
         datapage::Add(pager.edit(1), Bytes(UsageMapRowLength, 0));
         return {pager, 2, TablePage, UsageMap(pager, {1, 0})};
     }
+    void clear() {
+        UsageMap pages = tree.pages();
+        for (const PageNumber page : pages.pages())
+            if (page != tree.root()) {
+                pages.remove(page);
+                pager.release(page);
+            }
+        tree.create();
+    }
     IndexTree* operator->() { return &tree; }
 };
 
@@ -227,7 +236,7 @@ TEST_P(RandomTree, IsBuiltFromBelow) {
             for (const auto& [one, at] : shuffled)
                 entries.add(one, at);
             entries.sort();
-            tree->clear();
+            tree.clear();
             IndexBuilder builder(tree.tree);
             while (entries.next())
                 builder.add(entries.entry());
@@ -387,8 +396,6 @@ TEST(IndexTree, DamagedPagesGiveErrors) {
                     tree->remove(longKey(number * 2654435761u),
                                  {100 + number / 100, static_cast<std::uint8_t>(number % 100)});
             });
-        survive([&] { tree->clear(); });
-        EXPECT_TRUE(faultsOf(tree.tree).empty());
     }
 }
 

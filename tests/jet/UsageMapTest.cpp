@@ -34,6 +34,14 @@ Bytes fileWithFreeMap(PageNumber pages) {
     return image;
 }
 
+// Wherever the file ends.
+std::vector<PageNumber> pagesOf(const UsageMap& map) {
+    std::vector<PageNumber> pages;
+    for (PageNumber page = map.next(0); page != 0; page = map.next(page + 1))
+        pages.push_back(page);
+    return pages;
+}
+
 } // namespace
 
 TEST(JetUsageMap, HoldsAnySetOfPages) {
@@ -54,7 +62,7 @@ TEST(JetUsageMap, HoldsAnySetOfPages) {
             }
             EXPECT_EQ(map.contains(page), model.count(page) == 1);
         }
-        EXPECT_EQ(map.pages(), std::vector<PageNumber>(model.begin(), model.end()));
+        EXPECT_EQ(pagesOf(map), std::vector<PageNumber>(model.begin(), model.end()));
         std::vector<PageNumber> backwards;
         for (PageNumber page = map.previous(~0u); page != 0; page = map.previous(page))
             backwards.push_back(page);
@@ -71,7 +79,35 @@ TEST(JetUsageMap, WindowOfAnInlineMapFollowsItsPages) {
     for (PageNumber page : {100001u, 100300u, 99990u})
         map.add(page);
     EXPECT_TRUE(map.bitmapPages().empty());
-    EXPECT_EQ(map.pages(), (std::vector<PageNumber>{99990, 100001, 100300}));
+    EXPECT_EQ(pagesOf(map), (std::vector<PageNumber>{99990, 100001, 100300}));
+}
+
+// A list that names pages behind the end of the file ends with an error there, however far it goes on: 17
+// times the same bitmap would be half a million pages, and a first page near 2^32 begins again at 0.
+TEST(JetUsageMap, EndsWithTheFile) {
+    MemoryPager pager(10);
+    const RowPointer row = newMap(pager);
+    UsageMap map(pager, row);
+    for (const PageNumber page : {3u, 9u})
+        map.add(page);
+    EXPECT_EQ(map.pages(), (std::vector<PageNumber>{3, 9}));
+    map.add(pager.pageCount());
+    EXPECT_THROW(map.pages(), Error);
+
+    std::uint8_t* bytes =
+        pager.edit(row.page) + datapage::Find(pager.read(row.page), row.page, row.row).offset;
+    Store32(bytes + 1, 0xFFFFFFF8);
+    EXPECT_THROW(map.next(0), Error);
+    EXPECT_THROW(map.contains(5), Error);
+
+    bytes[0] = 1;
+    const PageNumber bitmap = pager.allocate();
+    pager.edit(bitmap)[0] = 5;
+    pager.edit(bitmap)[4] = 8;
+    for (int entry = 0; entry < 17; ++entry)
+        Store32(bytes + 1 + 4 * entry, bitmap);
+    EXPECT_EQ(map.next(0), 3u);
+    EXPECT_THROW(map.pages(), Error);
 }
 
 TEST(JetFreeMap, GrowsWithTheFileAndGivesBackWhatWasFreed) {
