@@ -1,5 +1,4 @@
-// The integrity check: the engine's own files and ours have no faults, and each kind of damage is found where
-// it is.
+// The integrity check: files of ours have no faults, and each kind of damage is found where it is.
 #include "jet/Check.h"
 
 #include "jet/CreateDatabase.h"
@@ -7,7 +6,6 @@
 #include "jet/Execute.h"
 #include "jet/MemoryPager.h"
 #include "jet/PageZero.h"
-#include "jet/Samples.h"
 #include "jet/TableDesign.h"
 
 #include <gtest/gtest.h>
@@ -33,14 +31,6 @@ std::string describe(const std::vector<Fault>& faults) {
         text +=
             "page " + std::to_string(fault.page) + " [" + ToUtf8(fault.table) + "] " + fault.reason + "\n";
     return text;
-}
-
-TEST(CheckTest, EngineFilesAreSound) {
-    NEED_SAMPLES();
-    for (const char* name : tests::Jet4Samples) {
-        MemoryPager pager(tests::ReadSample(name));
-        EXPECT_EQ(describe(faultsOf(pager)), "") << name;
-    }
 }
 
 // A database with a table of everything that can go wrong: indexes of two levels, moved rows, memos of all

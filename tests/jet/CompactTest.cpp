@@ -9,7 +9,6 @@
 #include "jet/FaultyStorage.h"
 #include "jet/KeyEncoding.h"
 #include "jet/OrderedRows.h"
-#include "jet/Samples.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
 
@@ -63,19 +62,6 @@ std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
         std::sort(lines.begin(), lines.end());
     }
     return all;
-}
-
-TEST(CompactTest, KeepsTheEnginesFiles) {
-    NEED_SAMPLES();
-    for (const char* name : tests::Jet4Samples) {
-        FaultyStorage storage;
-        storage.put(source, tests::ReadSample(name));
-        EXPECT_TRUE(compact(storage).empty()) << name;
-        EXPECT_EQ(storage.get(source), tests::ReadSample(name)) << name;
-        EXPECT_EQ(faultsOf(storage.get(target)), "") << name;
-        EXPECT_EQ(rowsOf(storage.get(target)), rowsOf(storage.get(source))) << name;
-        EXPECT_LT(storage.get(target).size(), storage.get(source).size()) << name;
-    }
 }
 
 class CompactOwnTest : public ::testing::Test {

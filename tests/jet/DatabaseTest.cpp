@@ -2,7 +2,6 @@
 #include "jet/Database.h"
 
 #include "jet/NewDatabase.h"
-#include "jet/Samples.h"
 #include "jet/TableDesign.h"
 
 #include <gtest/gtest.h>
@@ -72,26 +71,6 @@ TEST_F(DatabaseTest, TransactionsNest) {
     database = Database::open(path_);
     EXPECT_EQ(database.catalog().table(u"Numbers").rowCount(), 2u);
     EXPECT_FALSE(database.catalog().findTable(u"More"));
-}
-
-TEST_F(DatabaseTest, TheOlderFormatIsForReading) {
-    NEED_SAMPLES();
-    std::filesystem::copy_file(SampleFolder() + "jet3-deleted-rows.mdb", path_);
-    Database database = Database::open(path_);
-    EXPECT_EQ(database.header().version, PageZero::Jet3);
-    const auto tables = database.catalog().tables();
-    ASSERT_FALSE(tables.empty());
-    RowPointer at;
-    RowView row;
-    Table table = database.catalog().table(tables.front());
-    ASSERT_TRUE(table.next(at, row));
-    EXPECT_FALSE(database.readOnlyReason().empty());
-    for (const std::function<void()>& change : std::initializer_list<std::function<void()>>{
-             [&] { database.beginTransaction(); }, [&] { table.remove(at); },
-             [&] { AppendTable(database.catalog(), numbers()); }})
-        EXPECT_EQ(ErrorOf(change), numberOf(ErrorNumber::CannotUpdateReadOnly));
-    database.flush();
-    database.close();
 }
 
 } // namespace

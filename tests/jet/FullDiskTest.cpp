@@ -4,19 +4,26 @@
 #include "jet/Compact.h"
 #include "jet/Database.h"
 #include "jet/RedoLog.h"
-#include "jet/Samples.h"
 #include "jet/TableDesign.h"
 #include "support/NoRoom.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include <unistd.h>
 
 namespace jet::test {
 namespace {
 
 using tolvex::tests::NoRoom;
+
+Bytes contentsOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
 
 class FullDiskTest : public testing::Test {
 protected:
@@ -114,7 +121,7 @@ TEST_F(FullDiskTest, WhatFindsNoRoomInTheFileStaysInTheLog) {
 }
 
 TEST_F(FullDiskTest, ACompactionOrANewFileIsThereWholeOrNotAtAll) {
-    const Bytes before = tests::ReadFile(path_);
+    const Bytes before = contentsOf(path_);
     const std::string target = folder_ / "NEW.MDB";
     for (const std::uintmax_t bytes : {std::uintmax_t{0}, std::uintmax_t{30000}, size() - 8192}) {
         const NoRoom room(bytes);
@@ -127,7 +134,7 @@ TEST_F(FullDiskTest, ACompactionOrANewFileIsThereWholeOrNotAtAll) {
     for (const auto& entry : std::filesystem::directory_iterator(folder_))
         names.push_back(entry.path().filename());
     EXPECT_EQ(names, std::vector<std::string>{"LOG.MDB"});
-    EXPECT_EQ(tests::ReadFile(path_), before);
+    EXPECT_EQ(contentsOf(path_), before);
 }
 
 } // namespace

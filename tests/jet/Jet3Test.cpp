@@ -4,11 +4,14 @@
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
 #include "jet/Jet3Builder.h"
+#include "jet/NewDatabase.h"
 #include "jet/Sharing.h"
 #include "jet/TableDesign.h"
 #include "jet/Transfer.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace jet::test {
 namespace {
@@ -53,6 +56,24 @@ TEST_F(Jet3Test, EveryKindOfRowAndValueIsRead) {
                                            ",piece by piece,1\r\n");
     EXPECT_EQ(faultsOf(database, false), "");
     EXPECT_EQ(faultsOf(database, true), "2  names the query 'Old songs', which is not taken over\n");
+}
+
+TEST_F(Jet3Test, TheFileIsForReading) {
+    store();
+    Database database = Database::open(storage_, Path);
+    EXPECT_EQ(database.header().version, PageZero::Jet3);
+    EXPECT_FALSE(database.readOnlyReason().empty());
+    Table songs = database.catalog().table(u"Songs");
+    RowPointer at;
+    RowView row;
+    ASSERT_TRUE(songs.next(at, row));
+    const std::function<void()> changes[] = {[&] { database.beginTransaction(); }, [&] { songs.remove(at); },
+                                             [&] { DropTable(database.catalog(), u"Songs"); }};
+    for (const std::function<void()>& change : changes)
+        EXPECT_EQ(tests::ErrorOf(change), 3027);
+    database.flush();
+    database.close();
+    EXPECT_EQ(storage_.get(Path), built_.file);
 }
 
 TEST_F(Jet3Test, TheCheckTellsWhatCannotBeRead) {

@@ -1,0 +1,48 @@
+// Database files that a real engine wrote: all *.mdb files of the folder that TOLVEX_JET_SAMPLES names. They
+// are not part of the project.
+#pragma once
+
+#include "jet/Database.h"
+#include "jet/FaultyStorage.h"
+#include "jet/PageZero.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace jet::tests {
+
+struct Sample {
+    std::string path;
+    std::optional<PageZero> header; // nothing: no database of a known version
+
+    std::string name() const; // of letters and digits
+    Bytes bytes() const;
+    bool isJet3() const { return header && header->version == PageZero::Jet3; }
+    // Of the present format, so that it can be changed: neither encrypted nor in an order unknown here.
+    bool canBeChanged() const;
+};
+
+// Shown when a test of the file fails.
+void PrintTo(const Sample& sample, std::ostream* out);
+
+// In the order of their names; none when no folder is named.
+const std::vector<Sample>& Samples();
+
+// A sample opened for reading, with its own password, out of a copy in memory.
+struct OpenSample {
+    explicit OpenSample(const Sample& sample);
+    test::FaultyStorage storage;
+    std::optional<Database> database;
+};
+
+// All rows of a table as an independent reader (mdb-export) has them and as we have them, sorted, with the
+// columns that both write in the same way. Nothing when that reader cannot read the table.
+struct TwoReadings {
+    std::vector<std::string> theirs;
+    std::vector<std::string> ours;
+};
+std::optional<TwoReadings> ReadTwice(const Sample& sample, const Catalog& catalog,
+                                     const CatalogObject& object);
+
+} // namespace jet::tests
