@@ -2,6 +2,7 @@
 
 #include "audio/CartStore.h"
 #include "platform/Files.h"
+#include "platform/SteadyTime.h"
 
 #include <QHash>
 #include <QSet>
@@ -11,8 +12,6 @@
 namespace tolvex {
 
 namespace {
-
-using std::chrono::steady_clock;
 
 using std::chrono::milliseconds;
 
@@ -31,7 +30,7 @@ struct NotesFolder {
     bool listed = false; // false: it cannot be listed, so every file has to be looked for
     bool settled = false;
     QDateTime modified;
-    steady_clock::time_point trustedUntil;
+    milliseconds trustedUntil{0};
 };
 
 QHash<QString, NotesFolder>& folders() {
@@ -54,15 +53,15 @@ NotesFolder list(const QString& location, const QDateTime& modified) {
 
 const NotesFolder& folderAt(const QString& location) {
     NotesFolder& folder = folders()[location];
-    const auto now = steady_clock::now();
+    const milliseconds now = platform::SteadyTime();
     if (now < folder.trustedUntil)
         return folder;
     const QDateTime modified = platform::FileModified(location);
     if (!folder.settled || folder.modified != modified)
         folder = list(location, modified);
     // A large folder that changes all the time takes at most a fifth of a search.
-    const auto listed = steady_clock::now();
-    folder.trustedUntil = listed + std::max<steady_clock::duration>(trusted, 4 * (listed - now));
+    const milliseconds listed = platform::SteadyTime();
+    folder.trustedUntil = listed + std::max(trusted, 4 * (listed - now));
     return folder;
 }
 

@@ -3,11 +3,12 @@
 #include "platform/HostFiles.h"
 #include "platform/LookOnly.h"
 #include "platform/SharedPages.h"
+#include "platform/SteadyTime.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
-#include <ctime>
 #include <limits>
 #include <vector>
 
@@ -18,19 +19,12 @@ namespace tolvex::platform {
 
 namespace {
 
-// How long, in milliseconds, pages are taken for the file's without asking: for its length and its being
-// there at all; and, over a network, where pages are a copy, for its contents.
-constexpr qint64 trustLocal = 100;
-constexpr qint64 trustNetwork = 250;
+// How long pages are taken for the file's without asking: for its length and its being there at all; and,
+// over a network, where pages are a copy, for its contents.
+constexpr std::chrono::milliseconds trustLocal{100};
+constexpr std::chrono::milliseconds trustNetwork{250};
 
 constexpr qint64 mostBytesAtOnce = 1 << 20;
-
-// Milliseconds of a clock that is read without a system call.
-qint64 milliseconds() {
-    struct timespec now {};
-    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
-    return qint64{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-}
 
 bool isAllZero(const std::vector<char>& bytes) {
     return bytes[0] == 0 && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
@@ -60,7 +54,7 @@ public:
             return PastEndOfFile;
         const qint64 offset = (number - 1) * recordLength_;
         const qint64 end = offset + recordLength_;
-        if (milliseconds() >= trustedUntil_ || end > size_)
+        if (SteadyTime() >= trustedUntil_ || end > size_)
             if (const int error = look(); error != NoError)
                 return error;
         if (end > size_)
@@ -107,7 +101,7 @@ private:
         if (network_ || info.st_size != pages_.length())
             pages_.map(file_.get(), info.st_size);
         size_ = info.st_size;
-        trustedUntil_ = milliseconds() + (network_ ? trustNetwork : trustLocal);
+        trustedUntil_ = SteadyTime() + (network_ ? trustNetwork : trustLocal);
         return NoError;
     }
 
@@ -168,7 +162,7 @@ private:
     std::vector<char> scratch_;
     SharedPages pages_;
     qint64 size_ = 0;
-    qint64 trustedUntil_ = 0;
+    std::chrono::milliseconds trustedUntil_{0};
 };
 
 } // namespace

@@ -2,8 +2,8 @@
 #include "AudioTest.h"
 
 #include "audio/CartBackup.h"
-
-#include <QThread>
+#include "platform/SteadyTime.h"
+#include "support/Age.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -15,9 +15,9 @@ class CartFilesTest : public AudioTest {
 protected:
     CartFilesTest() { setLocations("D:\\WALL"); }
 
-    // The path, with "!" in front where the file is not there. Waits until a change of the folder is seen.
+    // The path, with "!" in front where the file is not there, when a change of the folder is seen.
     static QString notesOf(qint32 cart) {
-        QThread::msleep(150);
+        platform::SkipAhead(std::chrono::milliseconds(150));
         bool exists = true;
         const QString path = CartNotesPath(cart, &exists);
         return exists ? path : u'!' + path;
@@ -40,6 +40,11 @@ TEST_F(CartFilesTest, NotesAreRichTextFirstAndSeenAsTheyComeAndGo) {
     EXPECT_EQ(notesOf(7), QString("D:\\WALL\\TLV00007.RTF"));
     QFile::remove(machine.host("D:\\WALL\\TLV00007.RTF"));
     EXPECT_EQ(notesOf(7), QString("D:\\WALL\\TLV00007.TXT"));
+    // A folder at rest is not listed again until it changes.
+    LetAge(machine.host("D:\\WALL"));
+    EXPECT_EQ(notesOf(8), QString("!D:\\WALL\\TLV00008.RTF"));
+    machine.write("D:\\WALL\\TLV00008.RTF", "x");
+    EXPECT_EQ(notesOf(8), QString("D:\\WALL\\TLV00008.RTF"));
     for (const qint32 outside : {0, -1, 10000})
         EXPECT_EQ(notesOf(outside), QString("!"));
     part(2).Location = "E:\\GONE";

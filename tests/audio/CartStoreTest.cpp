@@ -2,7 +2,7 @@
 // while open, out of reach; and what a cart's number leads to.
 #include "AudioTest.h"
 
-#include <QThread>
+#include "platform/SteadyTime.h"
 
 #include <csignal>
 
@@ -31,7 +31,7 @@ protected:
         return status;
     }
     // Longer than an open file's length is taken to hold without asking.
-    static void wait() { QThread::msleep(150); }
+    static void wait() { platform::SkipAhead(std::chrono::milliseconds(150)); }
 };
 
 } // namespace

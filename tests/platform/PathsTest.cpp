@@ -1,12 +1,12 @@
 // Where Windows paths lie on this machine.
 #include "platform/PathParts.h"
 #include "platform/PathState.h"
+#include "support/Age.h"
 #include "support/MachineFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace tolvex::platform;
 using tolvex::tests::TestMachine;
@@ -84,9 +84,9 @@ TEST_F(Paths, NoticeWhatOtherProgramsChangeAtOnce) {
     const QString folder = inC("/Data");
     ASSERT_TRUE(QDir().mkpath(folder));
     for (int round = 0; round < 50; ++round) {
-        // Alternately at once and after the listing had time to settle.
+        // Now and then the folder is at rest, so that its listing counts until it changes.
         if (round % 10 == 5)
-            ::usleep(30'000);
+            tolvex::tests::LetAge(folder);
         const QString name = QString("File%1.Lst").arg(round);
         EXPECT_EQ(HostPath("C:\\DATA\\" + name.toUpper()), folder + "/" + name.toUpper());
         ASSERT_TRUE(QFile(folder + "/" + name).open(QIODevice::WriteOnly));

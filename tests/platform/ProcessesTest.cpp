@@ -10,10 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
-#include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,11 +30,23 @@ protected:
         machine.write(path, text);
         ::chmod(machine.host(path).toUtf8().constData(), 0755);
     }
-    // What a program that nobody waited for left behind, as soon as it did.
+    // A pipe for what a program that nobody waits for has to say.
+    void pipe(const QString& path) const {
+        ASSERT_EQ(::mkfifo(machine.host(path).toUtf8().constData(), 0600), 0);
+    }
+    // All that comes out of it, until its writer ends.
     QByteArray arrived(const QString& path) const {
-        for (int i = 0; i < 1000 && !machine.read(path).endsWith('\n'); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        return machine.read(path);
+        const int end = ::open(machine.host(path).toUtf8().constData(), O_RDONLY | O_NONBLOCK);
+        QByteArray all;
+        char bytes[4096];
+        for (struct pollfd ready{end, POLLIN, 0}; ::poll(&ready, 1, 30'000) > 0;) {
+            const ssize_t got = ::read(end, bytes, sizeof bytes);
+            if (got == 0)
+                break;
+            all.append(bytes, std::max<ssize_t>(got, 0));
+        }
+        ::close(end);
+        return all;
     }
 
     TestMachine machine;
@@ -46,8 +59,9 @@ TEST_F(Processes, GetTheirArgumentsFolderAndMachineAndNothingElse) {
     script("C:\\TOLVEX\\show.sh",
            "#!/bin/sh\n{ pwd; echo $TOLVEX_HOME; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; "
            "done; ls /proc/$$/fd | tr '\\n' ' '; "
-           "echo; } > out.tmp; mv out.tmp out\n");
+           "echo; } > out\n");
     machine.makeFolder("C:\\Work");
+    pipe("C:\\Work\\out");
     ASSERT_TRUE(SetCurrentFolder("C:\\Work"));
     // A file that a careless library left open for children.
     const int leak = ::open("/dev/null", O_RDONLY);

@@ -1,11 +1,12 @@
 // Files of fixed records that other programs read and write at the same time.
 #include "platform/HostFiles.h"
+#include "platform/SteadyTime.h"
 #include "support/MachineFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include <fcntl.h>
 #include <linux/seccomp.h>
@@ -115,7 +116,7 @@ TEST_F(RecordFiles, TellOfAFileThatWasReplacedOrRemoved) {
     EXPECT_EQ(file->write(1, recordOf('W').constData()), FileNotFound);
     EXPECT_EQ(file->append(recordOf('W'), 2), FileNotFound);
     EXPECT_EQ(file->count(), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    SkipAhead(std::chrono::milliseconds(150));
     EXPECT_EQ(read(1), FileNotFound);
     EXPECT_EQ(machine.read("C:\\Carts1.lst"), recordOf('N').repeated(3));
 }
