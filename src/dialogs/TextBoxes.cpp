@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
+#include <QToolTip>
 
 namespace tolvex {
 
@@ -62,6 +63,18 @@ void MarkBox(QLineEdit* box, const QString& word) {
     const int room = word.isEmpty() ? 0 : label->sizeHint().width() + 12;
     box->setTextMargins(0, 0, room, 0);
     box->setAccessibleDescription(word);
+}
+
+void RestrictTo(QLineEdit* box, QString (*fitting)(const QString& text), const QString& why) {
+    QObject::connect(box, &QLineEdit::textEdited, box, [box, fitting, why](const QString& text) {
+        const QString left = fitting(text);
+        if (left == text)
+            return;
+        const int cursor = box->cursorPosition() - static_cast<int>(text.size() - left.size());
+        box->setText(left);
+        box->setCursorPosition(cursor);
+        QToolTip::showText(box->mapToGlobal(QPoint(0, box->height())), why, box);
+    });
 }
 
 void TypeInUpperCase(QLineEdit* box) {

@@ -24,43 +24,28 @@ bool isConfiguredByPort(qint32 board) {
     return board == 6 || board == 8 || board == 9 || board == 39;
 }
 
-struct Counts {
-    qint32 inputs = 0;
-    qint32 outputs = 0;
-};
-
-// The first three ports have eight lines each.
-Counts countPorts(const PortModes& modes) {
-    Counts counts;
-    for (std::size_t port = 0; port < 3; ++port) {
-        switch (modes[port]) {
-        case 0:
-            counts.inputs += 8;
-            break;
-        case 1:
-            counts.outputs += 8;
-            break;
-        case 3:
-        case 4:
-            counts.inputs += 4;
-            counts.outputs += 4;
-            break;
-        default:
-            break;
-        }
-    }
-    return counts;
-}
-
 qint16 asCount(qint32 value) {
     return static_cast<qint16>(HeldBetween(value, 0, int{std::numeric_limits<qint16>::max()}));
 }
 
-bool askAdvantechCard(qint16 device, qint16& total, qint16& inputs, qint16& outputs, DriverReports& reports) {
+// The first three ports have eight lines each.
+void countPorts(const PortModes& modes, LineCounts& counts) {
+    counts.total = 3 * 8;
+    counts.inputs = counts.outputs = 0;
+    for (std::size_t port = 0; port < 3; ++port) {
+        const qint16 mode = modes[port];
+        const bool halves = mode == 3 || mode == 4;
+        counts.inputs += mode == 0 ? 8 : halves ? 4 : 0;
+        counts.outputs += mode == 1 ? 8 : halves ? 4 : 0;
+    }
+}
+
+void askAdvantechCard(qint16 device, LineCounts& counts, DriverReports& reports) {
+    counts.good = counts.answered = false;
     AdvantechDriver* driver = advantechDriver();
     if (!driver) {
         reports.add(ProblemReport(QStringLiteral("Calling the Advantech Driver"), FileNotFoundError, true));
-        return false;
+        return;
     }
     const auto failed = [&](const char* sentence, qint32 error) {
         if (error == 0)
@@ -70,27 +55,24 @@ bool askAdvantechCard(qint16 device, qint16& total, qint16& inputs, qint16& outp
     };
     qint32 handle = 0;
     if (failed(connecting, driver->open(device, handle)))
-        return false;
-    bool good = true;
+        return;
+    counts.good = true;
     BoardFeatures features;
     if (!failed(asking, driver->features(handle, features))) {
+        counts.answered = true;
         PortModes modes{};
         if (!isConfiguredByPort(features.board)) {
-            inputs = asCount(features.maximumInputs);
-            outputs = asCount(features.maximumOutputs);
-            total = asCount(inputs + outputs);
+            counts.inputs = asCount(features.maximumInputs);
+            counts.outputs = asCount(features.maximumOutputs);
+            counts.total = asCount(counts.inputs + counts.outputs);
         } else if (failed(asking, driver->portModes(handle, modes))) {
-            good = false;
+            counts.good = counts.answered = false;
         } else {
-            const Counts counts = countPorts(modes);
-            inputs = asCount(counts.inputs);
-            outputs = asCount(counts.outputs);
-            total = 3 * 8;
+            countPorts(modes, counts);
         }
     }
     if (failed(disconnecting, driver->close(handle)))
-        good = false;
-    return good;
+        counts.good = counts.answered = false;
 }
 
 } // namespace
@@ -117,20 +99,14 @@ void DriverReports::add(const QString& message) {
         ShowExclamation(message);
 }
 
-bool GetCardLineCounts(qint32 cardType, qint16 baseAddress, qint16& total, qint16& inputs, qint16& outputs,
-                       DriverReports& reports) {
+LineCounts GetCardLineCounts(qint32 cardType, qint16 baseAddress, DriverReports& reports) {
     const CardTypeRow* row = FindCardType(cardType);
-    total = row ? row->lines : qint16(0);
-    inputs = row ? row->inputs : qint16(0);
-    outputs = row ? row->outputs : qint16(0);
     if (!row)
-        return false;
-    return cardType != CardAdvantech || askAdvantechCard(baseAddress, total, inputs, outputs, reports);
-}
-
-bool GetCardLineCounts(qint32 cardType, qint16 baseAddress, qint16& total, qint16& inputs, qint16& outputs) {
-    DriverReports reports;
-    return GetCardLineCounts(cardType, baseAddress, total, inputs, outputs, reports);
+        return {};
+    LineCounts counts{row->lines, row->inputs, row->outputs, true, true};
+    if (cardType == CardAdvantech)
+        askAdvantechCard(baseAddress, counts, reports);
+    return counts;
 }
 
 } // namespace tolvex

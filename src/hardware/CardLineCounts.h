@@ -27,12 +27,16 @@ private:
     QStringList waiting_;
 };
 
-// Sets the three counts (0 to 32767) for a card type; an Advantech card is asked by its device number. False
-// when the driver failed, or when nothing is known of the type, whose counts are 0. An Advantech card that
-// cannot be asked counts 32 lines, 16 inputs, 16 outputs.
-bool GetCardLineCounts(qint32 cardType, qint16 baseAddress, qint16& total, qint16& inputs, qint16& outputs,
-                       DriverReports& reports);
-// The same, with every failure shown.
-bool GetCardLineCounts(qint32 cardType, qint16 baseAddress, qint16& total, qint16& inputs, qint16& outputs);
+struct LineCounts {
+    qint16 total = 0; // 0 to 32767, all three
+    qint16 inputs = 0;
+    qint16 outputs = 0;
+    bool good = false;    // false: the lines cannot be shown; also for a type that nothing is known of
+    bool answered = true; // false: the driver failed at some step, also where the counts are good
+};
+
+// The counts of a card type; an Advantech card is asked by its device number. Where its driver does not tell,
+// 32 lines, 16 inputs and 16 outputs stand in.
+LineCounts GetCardLineCounts(qint32 cardType, qint16 baseAddress, DriverReports& reports);
 
 } // namespace tolvex

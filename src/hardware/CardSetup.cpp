@@ -6,7 +6,7 @@ namespace tolvex {
 
 namespace {
 
-constexpr int HighestDevice = 0xFF;
+constexpr uint HighestDevice = 0xFF;
 
 void setTypes(HardwareCard& card, int first, int count, qint32 type) {
     for (int n = first; n < first + count && n <= LinesPerCard; ++n)
@@ -25,41 +25,47 @@ qint16 DeviceWhileTyping(const QString& text) {
 
 std::optional<qint16> DeviceNumber(const QString& text) {
     const QString digits = text.trimmed();
-    if (digits.startsWith(u'-'))
-        return std::nullopt;
-    int value = 0;
-    for (const QChar c : digits) {
-        const int digit = QStringLiteral("0123456789ABCDEF").indexOf(c.toUpper());
-        if (digit < 0)
-            break;
-        value = value * 16 + digit;
-        if (value > HighestDevice)
-            return std::nullopt;
-    }
-    return static_cast<qint16>(value);
-}
-
-int SelectCardType(HardwareCard& card, qint32 type, const QString& address, DriverReports& reports) {
-    qint16 total = 0;
-    qint16 inputs = 0;
-    qint16 outputs = 0;
-    if (!GetCardLineCounts(type, DeviceWhileTyping(address), total, inputs, outputs, reports))
+    if (digits.isEmpty())
         return 0;
-    const CardTypeRow& row = *FindCardType(type);
-    if (row.fixedLines) {
-        setTypes(card, 1, inputs, 0);
-        setTypes(card, inputs + 1, outputs, 1);
-    }
-    return qMin(int{total}, LinesPerCard);
+    bool good = false;
+    const uint value = digits.toUInt(&good, 16);
+    return good && value <= HighestDevice ? std::optional(static_cast<qint16>(value)) : std::nullopt;
 }
 
-QString TakeCardChoice(HardwareCard& card, const CardChoice& choice) {
+LineCounts SelectCardType(HardwareCard& card, qint32 type, const QString& address, DriverReports& reports) {
+    const LineCounts counts = GetCardLineCounts(type, DeviceWhileTyping(address), reports);
+    if (counts.good && FindCardType(type)->fixedLines) {
+        setTypes(card, 1, counts.inputs, 0);
+        setTypes(card, counts.inputs + 1, counts.outputs, 1);
+    }
+    return counts;
+}
+
+int ShownLines(const LineCounts& counts) {
+    return counts.good ? qMin(int{counts.total}, LinesPerCard) : 0;
+}
+
+QString OriginOfLines(qint16 device, const LineCounts& counts) {
+    if (counts.answered)
+        return QStringLiteral("The lines are those of device %1: %2 inputs and %3 outputs.")
+            .arg(device)
+            .arg(counts.inputs)
+            .arg(counts.outputs);
+    if (!counts.good)
+        return QStringLiteral("Device %1 does not answer.").arg(device);
+    return QStringLiteral("Device %1 does not say which lines it has: %2 inputs and %3 outputs stand in.")
+        .arg(device)
+        .arg(counts.inputs)
+        .arg(counts.outputs);
+}
+
+QString SetCard(HardwareCard& card, const CardChoice& choice) {
     switch (choice.type) {
     case CardPorts24:
     case CardPorts48:
         return QStringLiteral("This card is not currently supported");
     case CardRS232:
-        if (choice.port < 0)
+        if (choice.port < 0 || choice.port >= SerialPorts)
             return QStringLiteral("You must specify a Serial Port to connect to");
         card.ComPort = static_cast<qint16>(choice.port + 1);
         card.BaseAddress = card.ComPort;

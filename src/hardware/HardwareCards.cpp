@@ -28,6 +28,10 @@ bool HardwareLine::isStoredAs(const HardwareLine& other) const {
            Color == other.Color && Action == other.Action && ActionData == other.ActionData;
 }
 
+bool IsQuoted(const QString& text) {
+    return text.size() > 1 && (text.front() == u'"' || text.front() == u'\'') && text.front() == text.back();
+}
+
 HardwareCardTable& HardwareCards() {
     return table;
 }

@@ -13,6 +13,7 @@ namespace tolvex {
 
 inline constexpr int HardwareCardCount = 3;
 inline constexpr int LinesPerCard = 100;
+inline constexpr int LongestDescription = 254; // characters
 
 struct HardwareLine {
     qint32 LineType = 0;    // 0 input, any other value output
@@ -42,9 +43,13 @@ struct HardwareCard {
     qint16 NumberLines = 0;
     qint16 NumberInputs = 0;
     qint16 NumberOutputs = 0;
+    bool Answered = true; // false: its driver failed, and the counts may not be the card's own
 };
 
 using HardwareCardTable = NumberedTable<HardwareCard, HardwareCardCount>;
+
+// A text in a pair of quotes, which it loses when it is read from an ini file.
+bool IsQuoted(const QString& text);
 
 // The one table. Empty until ReadHardwareSettings fills it.
 HardwareCardTable& HardwareCards();

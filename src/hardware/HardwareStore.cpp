@@ -8,7 +8,7 @@ namespace tolvex {
 
 namespace {
 
-constexpr int LongestText = 255; // buffer of the reads
+constexpr int LongestText = LongestDescription + 1; // buffer of the reads
 
 const QString cardTypeKey = QStringLiteral("CardType");
 const QString baseAddressKey = QStringLiteral("BaseAddress");
@@ -36,17 +36,18 @@ struct LineKeys {
         for (std::size_t k = 0; k < data.size(); ++k)
             data[k] = action + QLatin1String("Data") + QString::number(k + 1);
     }
-    template<typename Do>
-    void forEach(Do act) const {
-        for (const QString* key : {&type, &activeLow, &description, &color, &action})
-            act(*key);
-        for (const QString& key : data)
-            act(key);
-    }
 };
 
 qint16 toWord(double value) {
     return static_cast<qint16>(HeldBetween(ToLong(value), -32768, 32767));
+}
+
+void countLines(HardwareCard& card, DriverReports& reports) {
+    const LineCounts counts = GetCardLineCounts(card.CardType, card.BaseAddress, reports);
+    card.NumberLines = counts.total;
+    card.NumberInputs = counts.inputs;
+    card.NumberOutputs = counts.outputs;
+    card.Answered = counts.answered;
 }
 
 class CardReader {
@@ -59,12 +60,12 @@ public:
         card.CardType = ToLong(LeadingNumber(text(cardTypeKey)));
         card.BaseAddress = toWord(LeadingNumber(text(baseAddressKey)));
         card.ComPort = card.BaseAddress;
-        GetCardLineCounts(card.CardType, card.BaseAddress, card.NumberLines, card.NumberInputs,
-                          card.NumberOutputs, reports);
+        countLines(card, reports);
         for (int number = 1; number <= LinesPerCard; ++number) {
             HardwareLine& line = card.Lines[number];
             line = {};
-            if (number <= card.NumberLines)
+            // Counts that stand in say nothing of how many lines the board has: all of them are read.
+            if (number <= card.NumberLines || !card.Answered)
                 readLine(LineKeys(number), card, number, line);
         }
     }
@@ -101,15 +102,27 @@ private:
     QString file_;
 };
 
+// `typed`: the line's type is known.
 void putLine(platform::ProfileBatch& batch, const QString& section, const LineKeys& keys,
-             const HardwareLine& line) {
-    batch.put(section, keys.type, line.LineType);
+             const HardwareLine& line, bool typed) {
+    if (typed)
+        batch.put(section, keys.type, line.LineType);
     batch.put(section, keys.activeLow, line.ActiveLow);
-    batch.put(section, keys.description, line.Description);
+    batch.put(section, keys.description,
+              IsQuoted(line.Description) ? u'"' + line.Description + u'"' : line.Description);
     batch.put(section, keys.color, line.Color);
     batch.put(section, keys.action, line.Action);
     for (std::size_t k = 0; k < keys.data.size(); ++k)
         batch.put(section, keys.data[k], line.ActionData[k]);
+}
+
+void removeLine(platform::ProfileBatch& batch, const QString& section, const LineKeys& keys, bool typed) {
+    if (typed)
+        batch.remove(section, keys.type);
+    for (const QString* key : {&keys.activeLow, &keys.description, &keys.color, &keys.action})
+        batch.remove(section, *key);
+    for (const QString& key : keys.data)
+        batch.remove(section, key);
 }
 
 void putCard(platform::ProfileBatch& batch, int number, HardwareCard& card, DriverReports& reports) {
@@ -122,14 +135,14 @@ void putCard(platform::ProfileBatch& batch, int number, HardwareCard& card, Driv
         return;
     batch.put(section, cardTypeKey, card.CardType);
     batch.put(section, baseAddressKey, card.BaseAddress);
-    GetCardLineCounts(card.CardType, card.BaseAddress, card.NumberLines, card.NumberInputs,
-                      card.NumberOutputs, reports);
+    countLines(card, reports);
     for (int n = 1; n <= LinesPerCard; ++n) {
         const LineKeys keys(n);
-        if (n <= card.NumberLines && card.Lines[n].inUse())
-            putLine(batch, section, keys, card.Lines[n]);
-        else
-            keys.forEach([&](const QString& key) { batch.remove(section, key); });
+        const bool exists = n <= card.NumberLines;
+        if (card.Lines[n].inUse() && (exists || !card.Answered))
+            putLine(batch, section, keys, card.Lines[n], card.Answered);
+        else if (exists || card.Answered)
+            removeLine(batch, section, keys, card.Answered);
     }
 }
 

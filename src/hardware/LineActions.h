@@ -3,6 +3,7 @@
 // and the tests read these rows; reading them is enough to know what the file holds.
 #pragma once
 
+#include "core/Choices.h"
 #include "hardware/HardwareCards.h"
 
 #include <QString>
@@ -77,12 +78,6 @@ const ActionRow* FindLineAction(qint32 code);
 // The codes that the list of an input or an output offers, in its order. The first is "Not in use".
 std::span<const qint32> OfferedActions(LineKinds kind);
 
-// One entry of a list.
-struct Choice {
-    QString text;
-    qint32 value = 0;
-};
-using Choices = QList<Choice>;
 Choices ActionChoices(LineKinds kind);
 // What the list of a parameter offers on a line of that kind; empty for None and Typed.
 Choices ParameterChoices(const Parameter& parameter, LineKinds kind);

@@ -1,6 +1,7 @@
 #include "hardware/LineEdits.h"
 
 #include "hardware/LineDisplay.h"
+#include "platform/CodePage.h"
 
 namespace tolvex {
 
@@ -59,6 +60,49 @@ CellEditor parameterEditor(const HardwareLine& line, int number) {
 
 } // namespace
 
+QString CheckLine(const CardLines& lines, int number, const HardwareLine& line) {
+    if (number < 1 || number > lines.count)
+        return QStringLiteral("The card has no line %1.").arg(number);
+    const bool output = lines.card.Lines[number].isOutput();
+    if ((lines.type.fixedLines || lines.type.byEights) && line.isOutput() != output)
+        return QStringLiteral("Line %1 of this card is an %2 and stays one.")
+            .arg(number)
+            .arg(output ? QStringLiteral("output") : QStringLiteral("input"));
+    const QString text = line.description();
+    if (text == lines.card.Lines[number].description())
+        return {};
+    const int most = LongestDescription - (IsQuoted(text) ? 1 : 0);
+    if (text.size() > most)
+        return QStringLiteral("The description of line %1 has %2 characters; at most %3 are stored.")
+            .arg(number)
+            .arg(text.size())
+            .arg(most);
+    if (FittingDescription(text) != text)
+        return QStringLiteral("The description of line %1 has a character that the file cannot hold.")
+            .arg(number);
+    return {};
+}
+
+QString SetLine(const CardLines& lines, int number, const HardwareLine& line) {
+    const QString wrong = CheckLine(lines, number, line);
+    if (wrong.isEmpty()) {
+        lines.card.Lines[number] = line;
+        lines.card.Lines[number].Description = line.description();
+    }
+    return wrong;
+}
+
+QString FittingDescription(const QString& text) {
+    QString fitting;
+    for (const QChar c : text) {
+        if (c < u' ')
+            fitting += u' ';
+        else if (platform::FromCodePage(platform::ToCodePage(c)) == c)
+            fitting += c;
+    }
+    return fitting;
+}
+
 bool ToggleLineType(HardwareCard& card, const CardTypeRow& type, const LineNumbers& lines) {
     if (type.fixedLines)
         return false;
@@ -73,9 +117,17 @@ void ToggleLogic(HardwareCard& card, const LineNumbers& lines) {
         card.Lines[n].ActiveLow = card.Lines[n].ActiveLow ? 0 : -1;
 }
 
-void SetDescription(HardwareCard& card, const LineNumbers& lines, const QString& text) {
-    for (const int n : lines)
-        card.Lines[n].Description = text;
+QString SetDescription(const CardLines& lines, const LineNumbers& numbers, const QString& text) {
+    QList<HardwareLine> changed;
+    for (const int n : numbers) {
+        changed.append(lines.card.Lines[n]);
+        changed.last().Description = text;
+        if (const QString wrong = CheckLine(lines, n, changed.last()); !wrong.isEmpty())
+            return wrong;
+    }
+    for (qsizetype i = 0; i < changed.size(); ++i)
+        SetLine(lines, numbers[i], changed[i]);
+    return {};
 }
 
 void ChooseAction(HardwareCard& card, const LineNumbers& lines, qint32 action) {

@@ -28,8 +28,6 @@ constexpr const char* headings[] = {"Line", "Type",   "L",      "Description", "
                                     "Code", "Data 1", "Data 2", "Data 3",      "Data 4", "Color"};
 static_assert(std::size(headings) == CellCount);
 
-constexpr int LongestDescription = 254;
-
 // One line: a description is a value of an ini file.
 QString withoutControls(QString text) {
     for (QChar& c : text)
@@ -88,7 +86,7 @@ public:
         else if (type.compare(QLatin1String("Input"), Qt::CaseInsensitive) != 0)
             return refused("Type", type, QStringLiteral("\"Input\" or \"Output\""));
         line.ActiveLow = cell(Logic).isEmpty() ? 0 : -1;
-        line.Description = withoutControls(cell(Description)).left(LongestDescription);
+        line.Description = withoutControls(cell(Description));
         line.Color = number(Color);
         line.Action = number(Code);
         for (std::size_t k = 0; k < line.ActionData.size(); ++k)
@@ -183,19 +181,18 @@ std::optional<QList<HardwareLine>> LinesOfRows(const QString& text, QString* why
     return std::nullopt;
 }
 
-bool PasteLines(HardwareCard& card, const CardTypeRow& type, const LineNumbers& over,
-                const QList<HardwareLine>& lines, QString* why) {
-    const qsizetype count = qMin(over.size(), lines.size());
-    for (qsizetype i = 0; i < count && (type.fixedLines || type.byEights); ++i) {
-        if (card.Lines[over[i]].isOutput() == lines[i].isOutput())
+bool PasteLines(const CardLines& lines, const LineNumbers& over, const QList<HardwareLine>& pasted,
+                QString* why) {
+    const qsizetype count = qMin(over.size(), pasted.size());
+    for (qsizetype i = 0; i < count; ++i) {
+        const QString wrong = CheckLine(lines, over[i], pasted[i]);
+        if (wrong.isEmpty())
             continue;
-        *why = QStringLiteral("Nothing was pasted: line %1 of this card is an %2 and stays one.")
-                   .arg(over[i])
-                   .arg(card.Lines[over[i]].isOutput() ? QStringLiteral("output") : QStringLiteral("input"));
+        *why = QStringLiteral("Nothing was pasted. ") + wrong;
         return false;
     }
     for (qsizetype i = 0; i < count; ++i)
-        card.Lines[over[i]] = lines[i];
+        SetLine(lines, over[i], pasted[i]);
     return true;
 }
 

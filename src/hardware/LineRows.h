@@ -17,9 +17,8 @@ QString RowsOfLines(const HardwareCard& card, const LineNumbers& lines);
 // understood.
 std::optional<QList<HardwareLine>> LinesOfRows(const QString& text, QString* why);
 
-// Puts lines over those given, as many as both have. All or, with a sentence in *why, none: on a card whose
-// line types are fixed, every line has to meet one of its own type.
-bool PasteLines(HardwareCard& card, const CardTypeRow& type, const LineNumbers& over,
-                const QList<HardwareLine>& lines, QString* why);
+// Puts lines over those given, as many as both have. All or, with a sentence in *why, none.
+bool PasteLines(const CardLines& lines, const LineNumbers& over, const QList<HardwareLine>& pasted,
+                QString* why);
 
 } // namespace tolvex

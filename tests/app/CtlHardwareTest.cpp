@@ -55,10 +55,53 @@ TEST_F(Ctl, SetsHardwareLinesByWords) {
     EXPECT_EQ(run({"profile", "get", "tolvex.ini", "Hardware2", "LineType4"}).out, "0\n");
     EXPECT_EQ(run({"hardware", "card", "1", "disabled"}).status, 0);
     EXPECT_FALSE(read(onC("WINDOWS/tolvex.ini")).contains("Hardware1"));
-    EXPECT_EQ(run({"hardware", "card", "3", "advantech", "xyz"}).status, 2);
+    for (const char* address : {"xyz", "100", "1G"})
+        EXPECT_EQ(run({"hardware", "card", "3", "advantech", address}).status, 2) << address;
     // No driver here: the card is taken all the same, and what is wrong is told once.
-    const Result advantech = run({"hardware", "card", "3", "advantech", "1F"});
+    const Result advantech = run({"hardware", "card", "3", "advantech", "0x1F"});
     EXPECT_EQ(advantech.status, 0);
-    EXPECT_TRUE(advantech.err.contains("Calling the Advantech Driver"));
+    EXPECT_EQ(advantech.err.count("Calling the Advantech Driver"), 1);
+    EXPECT_TRUE(advantech.err.contains("Card 3: Device 31 does not say which lines it has"));
     EXPECT_EQ(run({"profile", "get", "tolvex.ini", "Hardware3", "BaseAddress"}).out, "31\n");
+}
+
+TEST_F(Ctl, HardwareTextsAreStoredWholeOrRefused) {
+    run({"profile", "set", "tolvex.ini", "FileLocations", "Data", "C:\\DATA"});
+    run({"hardware", "card", "1", "rs232", "1"});
+    const auto describe = [this](const QString& text) {
+        return run({"hardware", "set", "1", "2", "--type", "input", "--description", text});
+    };
+    const QString longest(254, u'x');
+    EXPECT_EQ(describe(longest).status, 0);
+    const Result refused = describe(QString(300, u'x'));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(refused.err.contains("has 300 characters; at most 254"));
+    EXPECT_EQ(describe("two\nlines").status, 2);
+    const auto read = [this] {
+        const QJsonObject line = run({"--json", "hardware", "list", "1"}).json().array()[1].toObject();
+        return line["description"].toString();
+    };
+    EXPECT_EQ(read(), longest);
+    EXPECT_EQ(describe("'Go'").status, 0);
+    EXPECT_EQ(read(), "'Go'");
+}
+
+// Another card is set while an Advantech card's driver is away.
+TEST_F(Ctl, AnAbsentHardwareDriverCostsNoLines) {
+    run({"profile", "set", "tolvex.ini", "FileLocations", "Data", "C:\\DATA"});
+    const QString file = "tolvex.ini";
+    for (const auto& [key, value] : {std::pair("CardType", "4"),
+                                     {"BaseAddress", "5"},
+                                     {"LineType1", "1"},
+                                     {"Action1", "151"},
+                                     {"LineType33", "0"},
+                                     {"Action33", "1"}})
+        run({"profile", "set", file, "Hardware2", key, value});
+    EXPECT_EQ(run({"hardware", "card", "1", "rs232", "1"}).status, 0);
+    const Result set = run({"hardware", "set", "2", "1", "--type", "input", "--action", "IC Trigger", "4"});
+    EXPECT_EQ(set.status, 0) << set.err.toStdString();
+    for (const auto& [key, value] :
+         {std::pair("LineType1", "1"), {"Action1", "1"}, {"LineType33", "0"}, {"Action33", "1"}})
+        EXPECT_EQ(run({"profile", "get", file, "Hardware2", key}).out, QByteArray(value) + "\n") << key;
+    EXPECT_TRUE(run({"hardware", "list", "2"}).err.contains("Card 2: Device 5 does not say"));
 }

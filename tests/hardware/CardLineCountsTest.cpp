@@ -23,16 +23,17 @@ struct Counts {
     qint16 total = -1;
     qint16 inputs = -1;
     qint16 outputs = -1;
+    bool answered = true;
     bool operator==(const Counts&) const = default;
 };
 void PrintTo(const Counts& c, std::ostream* out) {
-    *out << c.good << ": " << c.total << ' ' << c.inputs << ' ' << c.outputs;
+    *out << c.good << ": " << c.total << ' ' << c.inputs << ' ' << c.outputs << ' ' << c.answered;
 }
 
 Counts countsOf(qint32 type, qint16 address = 0) {
-    Counts counts;
-    counts.good = GetCardLineCounts(type, address, counts.total, counts.inputs, counts.outputs);
-    return counts;
+    DriverReports reports;
+    const LineCounts counts = GetCardLineCounts(type, address, reports);
+    return {counts.good, counts.total, counts.inputs, counts.outputs, counts.answered};
 }
 
 } // namespace
@@ -58,6 +59,9 @@ TEST(CardLineCounts, AskABoardForItsChannelsOrPorts) {
         qint16 inputs;
         qint16 outputs;
     };
+    // Counts beyond 16 bits and below 0 are held to them.
+    driver.addFixed(4, -1, 40000);
+    EXPECT_EQ(countsOf(CardAdvantech, 4), (Counts{true, 32767, 0, 32767}));
     // The fourth port is beyond those that are counted; mode 2 adds to neither, and all three to the total.
     for (const Case& c : {Case{{0, 1, 0, 0}, 16, 8}, Case{{3, 4, 1, 1}, 8, 16}, Case{{2, 9, -1, 0}, 0, 0}}) {
         for (const qint32 board : {6, 8, 9, 39}) {
@@ -80,10 +84,10 @@ TEST(CardLineCounts, EachFailureHasItsMessageAndLeavesUsableCounts) {
         Counts counts;
         QString message;
     };
-    for (const Case& c : {Case{"", 1, {false, 32, 16, 16}, connecting},
-                          Case{"features", 2, {true, 32, 16, 16}, asking + "Driver error 12"},
-                          Case{"portModes", 2, {false, 32, 16, 16}, asking + "Driver error 13"},
-                          Case{"close", 2, {false, 24, 24, 0}, disconnecting}}) {
+    for (const Case& c : {Case{"", 1, {false, 32, 16, 16, false}, connecting},
+                          Case{"features", 2, {true, 32, 16, 16, false}, asking + "Driver error 12"},
+                          Case{"portModes", 2, {false, 32, 16, 16, false}, asking + "Driver error 13"},
+                          Case{"close", 2, {false, 24, 24, 0, false}, disconnecting}}) {
         prompts.forget();
         driver.failing = c.failing;
         EXPECT_EQ(countsOf(CardAdvantech, c.device), c.counts) << c.failing;
@@ -95,7 +99,7 @@ TEST(CardLineCounts, EachFailureHasItsMessageAndLeavesUsableCounts) {
     {
         const NoDriver none;
         prompts.forget();
-        EXPECT_EQ(countsOf(CardAdvantech, 2), (Counts{false, 32, 16, 16}));
+        EXPECT_EQ(countsOf(CardAdvantech, 2), (Counts{false, 32, 16, 16, false}));
         ASSERT_EQ(prompts.asked.size(), 1);
         EXPECT_TRUE(
             prompts.asked[0].text.startsWith("There was a problem Calling the Advantech Driver and the "));
@@ -105,15 +109,14 @@ TEST(CardLineCounts, EachFailureHasItsMessageAndLeavesUsableCounts) {
 TEST(CardLineCounts, FailuresAreToldOnceForEachAction) {
     ScriptedPrompts prompts;
     FakeDriver driver;
-    qint16 n = 0;
     DriverReports reports;
     for (int i = 0; i < 3; ++i)
-        GetCardLineCounts(CardAdvantech, 1, n, n, n, reports);
+        GetCardLineCounts(CardAdvantech, 1, reports);
     EXPECT_EQ(prompts.texts(), QStringList{connecting});
     reports.clear();
     reports.hold();
     for (int i = 0; i < 3; ++i)
-        GetCardLineCounts(CardAdvantech, 1, n, n, n, reports);
+        GetCardLineCounts(CardAdvantech, 1, reports);
     EXPECT_EQ(prompts.asked.size(), 1);
     EXPECT_TRUE(reports.any());
     reports.show();

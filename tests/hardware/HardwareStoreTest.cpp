@@ -4,6 +4,7 @@
 #include "support/QtPrinters.h"
 
 #include "hardware/FakeDriver.h"
+#include "hardware/LineEdits.h"
 #include "platform/HostFiles.h"
 #include "platform/ProfileFile.h"
 #include "support/MachineFolder.h"
@@ -11,8 +12,9 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
+
+#include <optional>
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -121,79 +123,124 @@ TEST(HardwareStore, ReadsBrokenNumbersByTheirDefaults) {
     EXPECT_EQ(HardwareCards()[3].CardType, 0);
 }
 
-TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverIsAway) {
+TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
     FakeDriver driver;
-    driver.addFixed(5, 10, 4);
-    QByteArray bytes = "[Hardware1]\r\nCardType=4\r\nBaseAddress=5\r\n";
-    for (const int line : {1, 12, 30})
-        bytes += lineKeys(line, "1", "", "151", "1");
+    driver.addFixed(5, 40, 24);
+    driver.boards[6].features = {39, 0, 0};
+    const auto stored = [](int device, std::initializer_list<int> lines) {
+        QByteArray bytes = "[Hardware1]\r\nCardType=4\r\nBaseAddress=" + QByteArray::number(device) + "\r\n";
+        for (const int line : lines)
+            bytes += lineKeys(line, line > 40 ? "1" : "0", "", "151", "1");
+        return bytes;
+    };
     {
-        Station station(bytes);
+        // The card says which lines are inputs, whatever the file says, and how many it has.
+        Station station(stored(5, {1, 40, 64, 65}).replace("LineType1=0", "LineType1=1"));
         EXPECT_TRUE(station.prompts.asked.isEmpty());
-        // The card says which lines are inputs, whatever the file says; line 30 is beyond its 14.
-        EXPECT_EQ(HardwareCards()[1].Lines[1].LineType, 0);
-        EXPECT_EQ(HardwareCards()[1].Lines[12].LineType, 1);
-        EXPECT_EQ(HardwareCards()[1].Lines[30].Action, 0);
-        EXPECT_FALSE(station.saved().contains("Action30"));
+        EXPECT_EQ(HardwareCards()[1].Lines[40].LineType, 0);
+        EXPECT_EQ(HardwareCards()[1].Lines[41].LineType, 1);
+        EXPECT_EQ(HardwareCards()[1].Lines[65].Action, 0);
+        EXPECT_EQ(station.saved(), stored(5, {1, 40, 64}));
     }
-    const NoDriver none;
-    Station station(bytes);
-    EXPECT_EQ(station.prompts.asked.size(), 1);
-    EXPECT_EQ(HardwareCards()[1].Lines[12].LineType, 0);
-    EXPECT_EQ(HardwareCards()[1].Lines[17].LineType, 1);
-    EXPECT_EQ(station.saved(), QByteArray(bytes)
-                                   .replace("LineType1=1\r\n", "LineType1=0\r\n")
-                                   .replace("LineType12=1", "LineType12=0"));
-    EXPECT_EQ(station.prompts.asked.size(), 2);
+    const QByteArray bytes = stored(5, {1, 17, 32, 33, 64, 100});
+    for (const char* failing : {"features", "close", "no driver"}) {
+        driver.failing = failing;
+        const bool away = driver.failing == "no driver";
+        std::optional<NoDriver> none;
+        if (away)
+            none.emplace();
+        Station station(bytes);
+        EXPECT_EQ(station.prompts.asked.size(), 1) << failing;
+        EXPECT_EQ(station.saved(), bytes) << failing;
+        EXPECT_EQ(station.prompts.asked.size(), 2) << failing;
+        if (!away)
+            continue;
+        // What is set meanwhile is stored, without a type that nobody knows.
+        EXPECT_EQ(HardwareCards()[1].Lines[16].LineType, 0);
+        EXPECT_EQ(HardwareCards()[1].Lines[17].LineType, 1);
+        HardwareCards()[1].Lines[17].Action = 0;
+        HardwareCards()[1].Lines[18].Action = 2;
+        HardwareCards()[1].Lines[64].Description = "Lamp";
+        const QByteArray set = station.saved();
+        EXPECT_TRUE(set.contains("LineType17=0")) << set.toStdString();
+        EXPECT_FALSE(set.contains("Action17"));
+        EXPECT_TRUE(set.contains("Action18=2"));
+        EXPECT_FALSE(set.contains("LineType18"));
+        EXPECT_TRUE(set.contains("Description64=Lamp"));
+        EXPECT_TRUE(set.contains("Action100=151"));
+    }
+    driver.failing = "portModes";
+    const QByteArray byPort = stored(6, {1, 40});
+    EXPECT_EQ(Station(byPort).saved(), byPort);
+    // Away while the table is read, back when it is written.
+    driver.failing.clear();
+    {
+        std::optional<NoDriver> none(std::in_place);
+        Station station(bytes);
+        none.reset();
+        const QByteArray back = station.saved();
+        EXPECT_TRUE(back.contains("Action64=151"));
+        EXPECT_FALSE(back.contains("Action100"));
+    }
 }
 
-// Killed or failing at any step of the replacement, the file is the old one or the new one.
-TEST(HardwareStore, AKillOrAFailureWhileSavingLeavesTheOldFileOrTheNewOne) {
+TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
+    Station station("[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n");
+    const CardLines lines{HardwareCards()[1], *FindCardType(CardRS232), 8};
+    const auto with = [](const QString& text) {
+        HardwareLine line;
+        line.Description = text;
+        return line;
+    };
+    const QString umlauts = QString::fromUtf8("Ätherlampe – „rot“ €");
+    for (const QString& text :
+         QStringList{QString(254, u'x'), "\"Go\"", "'Go'", "\"" + QString(251, u'x') + "\"", "\"",
+                     "\"Go\" button", "a; b = c", "[x]", umlauts}) {
+        EXPECT_EQ(SetLine(lines, 4, with(text)), "") << text.toStdString();
+        station.saved();
+        ReadHardwareSettings(ini);
+        EXPECT_EQ(HardwareCards()[1].Lines[4].Description, text) << text.toStdString();
+    }
+    const struct {
+        QString text;
+        const char* why;
+    } refused[] = {{QString(255, u'x'), "has 255 characters; at most 254"},
+                   {"\"" + QString(252, u'x') + "\"", "has 254 characters; at most 253"},
+                   {"two\nlines", "a character that the file cannot hold"},
+                   {QString::fromUtf8("Studio Łódź"), "a character that the file cannot hold"}};
+    for (const auto& [text, why] : refused) {
+        EXPECT_TRUE(SetLine(lines, 4, with(text)).contains(why)) << why;
+        EXPECT_EQ(HardwareCards()[1].Lines[4].Description, umlauts);
+    }
+}
+
+// All three sections go down as one replacement of the file.
+TEST(HardwareStore, AFailureAtAnyStepLeavesTheOldFileOrTheNewOne) {
     const QByteArray old =
         "[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n" + lineKeys(1, "0", "Old", "1", "4");
     Station station(old);
     for (HardwareLine& line : HardwareCards()[1].Lines)
         line.Description = "New";
-    HardwareCards()[2].CardType = CardJoystick;
+    HardwareCards()[3].CardType = CardJoystick;
     const QByteArray fresh = station.saved();
-    ASSERT_NE(fresh, old);
-
     static int left;
-    const auto run = [&](int calls, bool kill) {
+    static const auto fails = [] { return left-- <= 0 && (errno = ENOSPC) != 0; };
+    platform::hostCalls() = {
+        [](int file, const void* bytes, size_t size) -> ssize_t {
+            return fails() ? -1 : ::write(file, bytes, size / 2 + 1); // in pieces
+        },
+        [](int file) { return fails() ? -1 : ::fsync(file); },
+        [](const char* from, const char* to) { return fails() ? -1 : ::rename(from, to); }};
+    int failures = 0;
+    for (int error = -1; error != 0; ++failures) {
         station.machine.write(iniPath, old);
-        platform::ForgetProfiles();
-        const pid_t child = ::fork();
-        if (child == 0) {
-            left = calls;
-            static bool dies;
-            dies = kill;
-            static const auto stop = [] {
-                if (left-- > 0)
-                    return false;
-                if (dies)
-                    ::_exit(9);
-                errno = ENOSPC;
-                return true;
-            };
-            platform::hostCalls() = {
-                [](int file, const void* bytes, size_t size) -> ssize_t {
-                    return stop() ? -1 : ::write(file, bytes, size / 2 + 1); // in pieces
-                },
-                [](int file) { return stop() ? -1 : ::fsync(file); },
-                [](const char* from, const char* to) { return stop() ? -1 : ::rename(from, to); }};
-            ::_exit(WriteHardwareSettings(ini) == 0 ? 0 : 1);
-        }
-        int status = -1;
-        ::waitpid(child, &status, 0);
+        left = failures;
+        error = WriteHardwareSettings(ini);
         const QByteArray now = station.machine.read(iniPath);
-        EXPECT_TRUE(now == old || now == fresh) << calls << now.toStdString();
-        return WEXITSTATUS(status);
-    };
-    for (const bool kill : {true, false}) {
-        int calls = 0;
-        while (run(calls, kill) != 0)
-            ASSERT_LT(++calls, 100);
-        EXPECT_GT(calls, 3);
-        EXPECT_EQ(station.machine.read(iniPath), fresh);
+        EXPECT_TRUE(now == old || now == fresh) << failures << now.toStdString();
+        ASSERT_LT(failures, 100);
     }
+    platform::RestoreHostCalls();
+    EXPECT_GT(failures, 3);
+    EXPECT_EQ(station.machine.read(iniPath), fresh);
 }

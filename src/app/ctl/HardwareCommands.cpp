@@ -22,8 +22,6 @@ constexpr TypeWord typeWords[] = {{"disabled", CardDisabled},
                                   {"advantech", CardAdvantech},
                                   {"joystick", CardJoystick}};
 
-constexpr int SerialPorts = 4;
-
 std::optional<int> numberIn(const QString& text, int highest) {
     bool good = false;
     const int number = text.toInt(&good);
@@ -45,10 +43,20 @@ bool readCards(DriverReports& reports) {
     return true;
 }
 
-int write(Call& call, DriverReports& reports) {
+// Where the lines of an Advantech card came from.
+void noteOrigin(const Call& call, int number) {
+    const HardwareCard& card = HardwareCards()[number];
+    if (card.CardType == CardAdvantech)
+        call.output.note(QStringLiteral("Card %1: ").arg(number) +
+                         OriginOfLines(card.BaseAddress, {card.NumberLines, card.NumberInputs,
+                                                          card.NumberOutputs, true, card.Answered}));
+}
+
+int write(const Call& call, int number, DriverReports& reports) {
     const QString file = settings().LocalIniFile;
     if (const int error = WriteHardwareSettings(file, reports))
         return call.fail(ProfileErrorText(error, ProfilePath(file)));
+    noteOrigin(call, number);
     return Done;
 }
 
@@ -82,9 +90,11 @@ int list(Call& call) {
     if (!readCards(reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
     QJsonArray records;
-    for (int card = first; card <= last; ++card)
+    for (int card = first; card <= last; ++card) {
+        noteOrigin(call, card);
         for (int n = 1; n <= qMin(int{HardwareCards()[card].NumberLines}, LinesPerCard); ++n)
             records += recordOf(card, n, HardwareCards()[card].Lines[n]);
+    }
     if (records.isEmpty() && !call.output.json())
         return call.no(QStringLiteral("No card has lines: \"tolvexctl hardware card\" sets its type."));
     call.output.records(records, {{"card", "Card", true},
@@ -136,7 +146,7 @@ int set(Call& call) {
     DriverReports reports;
     if (!readCards(reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    HardwareCard& card = HardwareCards()[*number];
+    HardwareCard card = HardwareCards()[*number]; // a copy, until all of it is found good
     const int lines = qMin(int{card.NumberLines}, LinesPerCard);
     const std::optional<int> n = numberIn(call.argument(1), lines);
     if (!n)
@@ -149,10 +159,6 @@ int set(Call& call) {
     const CardTypeRow& row = *FindCardType(card.CardType);
     if (!row.name)
         return call.fail(QStringLiteral("This card is not currently supported"));
-    if (row.fixedLines && line.isOutput() != output)
-        return call.wrong(QStringLiteral("Line %1 of this card is an %2 and stays one.")
-                              .arg(*n)
-                              .arg(line.isOutput() ? QStringLiteral("output") : QStringLiteral("input")));
     if (line.isOutput() != output)
         line.LineType = output ? 1 : 0;
     line.ActiveLow = call.has("--active-low") ? -1 : 0;
@@ -163,8 +169,11 @@ int set(Call& call) {
     }
     if (call.has("--description"))
         line.Description = call.option("--description");
-    GetGridinfo(line);
-    return write(call, reports);
+    const QString wrong = SetLine({HardwareCards()[*number], row, lines}, *n, line);
+    if (!wrong.isEmpty())
+        return call.wrong(wrong);
+    GetGridinfo(HardwareCards()[*number].Lines[*n]);
+    return write(call, *number, reports);
 }
 
 int card(Call& call) {
@@ -187,20 +196,16 @@ int card(Call& call) {
     const CardTypeRow& row = *FindCardType(type->type);
     if (!address.isEmpty() && !row.usesAddress && !row.usesPort)
         return call.wrong(QStringLiteral("This type of card has no address."));
-    bool hexadecimal = true;
-    if (row.usesAddress && !address.isEmpty())
-        address.toUInt(&hexadecimal, 16);
     const int port = row.usesPort ? numberIn(address, SerialPorts).value_or(0) - 1 : -1;
     DriverReports reports;
     if (!readCards(reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
     HardwareCard& at = HardwareCards()[*number];
-    const QString wrong = hexadecimal ? TakeCardChoice(at, {type->type, address, port})
-                                      : QStringLiteral("You must specify a Device Number from 0 to FF");
+    const QString wrong = SetCard(at, {type->type, address, port});
     if (!wrong.isEmpty())
         return call.wrong(wrong);
     SelectCardType(at, at.CardType, QString::number(at.BaseAddress), reports);
-    return write(call, reports);
+    return write(call, *number, reports);
 }
 
 } // namespace
@@ -220,7 +225,7 @@ CommandRows HardwareCommands() {
             {"hardware card", "CARD TYPE [ADDRESS]",
              "Set the type of a card: disabled, rs232 with its serial port from 1 to 4, advantech with its "
              "device "
-             "number from 0 to FF, or joystick",
+             "number from 0 to FF (hexadecimal), or joystick",
              card}),
     };
 }

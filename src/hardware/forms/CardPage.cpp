@@ -8,7 +8,17 @@ namespace tolvex {
 
 namespace {
 
-constexpr int SerialPorts = 4;
+// The device whose lines are shown, and the one that Apply sets where that is another.
+QString originOf(const QString& address, const LineCounts& counts) {
+    const qint16 shown = DeviceWhileTyping(address);
+    const std::optional<qint16> set = DeviceNumber(address);
+    QString text = OriginOfLines(shown, counts);
+    if (set && *set != shown)
+        text += QStringLiteral(" Apply sets device %1, which is %2 in hexadecimal.")
+                    .arg(*set)
+                    .arg(AddressText(*set));
+    return text;
+}
 
 } // namespace
 
@@ -92,19 +102,20 @@ void CardPage::addressChanged() {
 
 void CardPage::showLines(DriverReports& reports) {
     const qint32 type = selectedType();
-    ui_->gridUsage->finishEditing();
+    const QString address = ui_->PortAddressT->text();
     ui_->gridUsage->setCardType(FindCardType(type));
-    const int lines = SelectCardType(card_, type, ui_->PortAddressT->text(), reports);
-    answered_ = type != CardAdvantech || lines > 0;
-    model_->setLines(lines);
-    model_->UpdateGridDisplay();
-    ui_->gridUsage->showOnlyLinesInUse(onlyInUse());
+    const LineCounts counts = SelectCardType(card_, type, address, reports);
+    answered_ = counts.answered;
+    model_->setLines(ShownLines(counts));
+    ui_->gridUsage->showLines();
     ui_->gridUsage->setEmptyText(
         type == CardDisabled ? QStringLiteral("This card is disabled. Choose its type to see its lines here.")
         : type == CardAdvantech
             ? QStringLiteral("The card does not answer, so its lines cannot be shown. What is set for them "
                              "stays in the file. Check the device number and the driver.")
             : QStringLiteral("Nothing is known of this type of card. It stays in the file as it is."));
+    ui_->lblOrigin->setVisible(type == CardAdvantech);
+    ui_->lblOrigin->setText(originOf(address, counts));
     enableFields();
     emit edited();
 }

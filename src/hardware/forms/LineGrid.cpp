@@ -1,12 +1,12 @@
 #include "hardware/forms/LineGrid.h"
 
 #include "core/Numbers.h"
+#include "dialogs/OptionList.h"
 #include "dialogs/Style.h"
 #include "dialogs/TextBoxes.h"
 #include "hardware/LineDisplay.h"
 #include "hardware/LineRows.h"
 #include "hardware/forms/LineUsageModel.h"
-#include "hardware/forms/OptionList.h"
 #include "platform/Prompts.h"
 
 #include <QAction>
@@ -16,6 +16,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScrollBar>
 
 namespace tolvex {
 
@@ -23,35 +24,29 @@ namespace {
 
 // Widths are told for smaller letters than ours: 15 twips a pixel there.
 constexpr int TwipsPerPixel = 12;
-constexpr int LongestDescription = 254;
 constexpr int SelectedOfDescription = 20;
+constexpr int MostUndone = 100;
+// What the size asks for.
+constexpr int FewestRowsShown = 12;
+constexpr int WidestDescription = 480; // pixels
 
 bool isTyping(const QKeyEvent* key) {
     return !key->text().isEmpty() && key->text()[0].isPrint() &&
            !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
-QLineEdit* makeBox(const char* name, const char* accessibleName, QWidget* grid) {
-    auto* box = new QLineEdit(grid);
-    box->setObjectName(QLatin1String(name));
-    box->setAccessibleName(QLatin1String(accessibleName));
-    box->setStyleSheet(QStringLiteral("QLineEdit { border-radius: 0; padding: 0 4px; min-height: 0; }"));
-    box->hide();
-    return box;
-}
-
 } // namespace
 
 LineGrid::LineGrid(QWidget* parent)
     : QTableView(parent)
-    , txtDescription_(makeBox("txtDescription", "Description of the selected lines", viewport()))
-    , txtInfo_(makeBox("txtInfo", "Number for the selected lines", viewport()))
-    , ListOptions_(new OptionList(viewport())) {
-    ListOptions_->setObjectName(QStringLiteral("ListOptions"));
-    ListOptions_->setAccessibleName(QStringLiteral("Choices for the selected lines"));
+    , txtDescription_(editor_.addTextBox("txtDescription", "Description of the selected lines"))
+    , txtInfo_(editor_.addTextBox("txtInfo", "Number for the selected lines"))
+    , ListOptions_(editor_.addList("ListOptions", "Choices for the selected lines")) {
     txtDescription_->setMaxLength(LongestDescription);
-    for (QLineEdit* box : {txtDescription_, txtInfo_})
-        box->installEventFilter(this);
+    RestrictTo(txtDescription_, FittingDescription, QStringLiteral("The file cannot hold this character."));
+    connect(&editor_, &InCellEditor::chosen, this, &LineGrid::choose);
+    connect(&editor_, &InCellEditor::committed, this, &LineGrid::storeText);
+    connect(&editor_, &InCellEditor::dropped, this, [this] { takeBack(before_); });
 
     setStyleSheet(
         QStringLiteral("QTableView { gridline-color: %1; } QHeaderView::section { padding: 6px 4px; }")
@@ -68,11 +63,6 @@ LineGrid::LineGrid(QWidget* parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setMinimumSectionSize(24);
 
-    connect(ListOptions_, &OptionList::clicked, this, &LineGrid::choose);
-    connect(ListOptions_, &OptionList::reached, this, &LineGrid::choose);
-    connect(ListOptions_, &OptionList::cancelled, this, &LineGrid::restore);
-    connect(ListOptions_, &OptionList::closed, this, [this] { leaveEditor(ListOptions_); });
-
     const auto addCommand = [this](const char* text, const QKeySequence& keys, void (LineGrid::*run)()) {
         auto* action = new QAction(QLatin1String(text), this);
         action->setShortcut(keys);
@@ -80,6 +70,7 @@ LineGrid::LineGrid(QWidget* parent)
         connect(action, &QAction::triggered, this, run);
         addAction(action);
     };
+    addCommand("&Undo", QKeySequence::Undo, &LineGrid::undo);
     addCommand("&Copy lines", QKeySequence::Copy, &LineGrid::copyLines);
     addCommand("&Paste lines", QKeySequence::Paste, &LineGrid::pasteLines);
     addCommand("&Not in use", QKeySequence::Delete, &LineGrid::clearLines);
@@ -100,11 +91,17 @@ void LineGrid::setLines(LineUsageModel* model) {
         setColumnWidth(column, qMax(row.twips / TwipsPerPixel, content));
     }
     descriptionWidth_ = columnWidth(ColumnDescription);
+    for (const int column : {ColumnLine, ColumnType, ColumnLogic, ColumnAction, ColumnInfo1, ColumnInfo2})
+        columnsWidth_ += columnWidth(column);
 }
 
 // Room beyond the told widths goes to the descriptions.
 void LineGrid::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
+    fillWidth();
+}
+
+void LineGrid::fillWidth() {
     const int others = horizontalHeader()->length() - columnWidth(ColumnDescription);
     setColumnWidth(ColumnDescription, qMax(descriptionWidth_, viewport()->width() - others));
 }
@@ -113,7 +110,35 @@ HardwareCard& LineGrid::card() const {
     return model_->card();
 }
 
+CardLines LineGrid::lines() const {
+    return {card(), *type_, model_->rowCount()};
+}
+
+void LineGrid::setCardType(const CardTypeRow* type) {
+    finishEditing();
+    type_ = type;
+    undo_.clear();
+}
+
+void LineGrid::showLines() {
+    model_->UpdateGridDisplay();
+    hideEmptyColumns();
+    hideRows();
+    updateGeometry();
+}
+
+// The columns that can have something in them, and all rows, but not so few that an empty grid looks lost.
+QSize LineGrid::sizeHint() const {
+    const int rows = qMax(model_->rowCount(), FewestRowsShown);
+    const int descriptions =
+        qBound(descriptionWidth_, sizeHintForColumn(ColumnDescription), WidestDescription);
+    return {columnsWidth_ + descriptions + verticalScrollBar()->sizeHint().width() + 2 * frameWidth(),
+            horizontalHeader()->sizeHint().height() + rows * verticalHeader()->defaultSectionSize() +
+                2 * frameWidth()};
+}
+
 void LineGrid::showOnlyLinesInUse(bool on) {
+    finishEditing();
     onlyInUse_ = on;
     hideRows();
 }
@@ -122,6 +147,20 @@ void LineGrid::hideRows() {
     for (int row = 0; row < model_->rowCount(); ++row)
         setRowHidden(row, onlyInUse_ && !card().Lines[row + 1].inUse());
     viewport()->update();
+}
+
+// An Info column is there while a line on show has something in it or something to choose.
+void LineGrid::hideEmptyColumns() {
+    for (const int column : {ColumnInfo1, ColumnInfo2, ColumnInfo3, ColumnInfo4}) {
+        bool used = false;
+        for (int row = 0; row < model_->rowCount() && !used; ++row)
+            used = EditorOf(card().Lines[row + 1], column).kind != CellEditor::Kind::None;
+        setColumnHidden(column, !used);
+    }
+    if (currentIndex().isValid() && isColumnHidden(currentIndex().column()))
+        selectionModel()->setCurrentIndex(currentIndex().siblingAtColumn(ColumnAction),
+                                          QItemSelectionModel::NoUpdate);
+    fillWidth();
 }
 
 void LineGrid::setEmptyText(const QString& text) {
@@ -228,66 +267,47 @@ void LineGrid::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void LineGrid::editCell(QKeyEvent* key) {
+void LineGrid::editCell(const QKeyEvent* key) {
+    finishEditing();
     lines_ = selectedLines();
     tag_ = -1;
     if (lines_.isEmpty() || !type_)
         return;
     const QModelIndex cell = model_->index(lines_.first() - 1, currentIndex().column());
-    before_.clear();
-    for (const int n : lines_)
-        before_.append(card().Lines[n]);
+    beginChange();
     const HardwareLine& current = card().Lines[lines_.first()];
     const CellEditor editor = EditorOf(current, cell.column());
     tag_ = editor.tag;
     scrollTo(cell);
     switch (editor.kind) {
     case CellEditor::Kind::Type:
-        if (ToggleLineType(card(), *type_, lines_))
-            changed();
+        ToggleLineType(card(), *type_, lines_);
+        endChange();
         break;
     case CellEditor::Kind::Logic:
         ToggleLogic(card(), lines_);
-        changed();
+        endChange();
         break;
     case CellEditor::Kind::Description:
-        openText(txtDescription_, visualRect(cell), current.description(), SelectedOfDescription, key);
+        editor_.openText(txtDescription_, cell, current.description(), SelectedOfDescription, key);
         break;
     case CellEditor::Kind::Number: {
         const QString number = QString::number(editor.number);
-        openText(txtInfo_, visualRect(cell), number, static_cast<int>(number.size()), key);
+        editor_.openText(txtInfo_, cell, number, number.size(), key);
         break;
     }
     case CellEditor::Kind::List:
-        ListOptions_->open(editor.choices, editor.selected, visualRect(cell));
-        if (key)
-            ListOptions_->press(key);
+        editor_.openList(ListOptions_, cell, editor.choices, editor.selected, key);
         break;
     case CellEditor::Kind::None:
         break;
     }
 }
 
-void LineGrid::openText(QLineEdit* box, const QRect& cell, const QString& text, int selected,
-                        QKeyEvent* key) {
-    box->setText(key ? key->text() : text);
-    box->setGeometry(cell);
-    box->show();
-    box->setFocus();
-    if (!key)
-        box->setSelection(0, qMin(selected, static_cast<int>(text.size())));
-}
-
-// The range as it was when the list opened, so that a key that leads past an entry leaves nothing of it.
-void LineGrid::restore() {
-    for (qsizetype i = 0; i < lines_.size(); ++i)
-        card().Lines[lines_[i]] = before_[i];
-    changed();
-}
-
+// From the lines as they were when the list opened, so that a key that leads past an entry leaves nothing of
+// it.
 void LineGrid::choose(qint32 value) {
-    for (qsizetype i = 0; i < lines_.size(); ++i)
-        card().Lines[lines_[i]] = before_[i];
+    card().Lines = before_;
     if (tag_ == 0)
         ChooseAction(card(), lines_, value);
     else if (tag_ > 0)
@@ -295,58 +315,44 @@ void LineGrid::choose(qint32 value) {
     changed();
 }
 
-void LineGrid::storeText(QLineEdit* box) {
-    if (!box->isVisible())
-        return;
+void LineGrid::storeText(QWidget* box) {
+    QString wrong;
     if (box == txtDescription_)
-        SetDescription(card(), lines_, box->text());
-    else
-        SetParameter(card(), lines_, tag_, ToLong(LeadingNumber(box->text())));
-    changed();
-    leaveEditor(box);
+        wrong = SetDescription(lines(), lines_, txtDescription_->text());
+    else if (box == txtInfo_)
+        SetParameter(card(), lines_, tag_, ToLong(LeadingNumber(txtInfo_->text())));
+    endChange();
+    if (!wrong.isEmpty())
+        platform::prompts().ask({wrong, platform::Icon::Information, platform::Buttons::Ok});
 }
 
-void LineGrid::finishEditing() {
-    storeText(txtDescription_);
-    storeText(txtInfo_);
-    if (ListOptions_->isVisible()) {
-        ListOptions_->hidePopup();
-        leaveEditor(ListOptions_);
+void LineGrid::endChange() {
+    const auto differs = [this](int n) { return !card().Lines[n].isStoredAs(before_[n]); };
+    for (int n = 1; n <= LinesPerCard; ++n) {
+        if (!differs(n))
+            continue;
+        undo_.append(before_);
+        if (undo_.size() > MostUndone)
+            undo_.removeFirst();
+        break;
     }
+    changed();
 }
 
-void LineGrid::leaveEditor(QWidget* editor) {
-    if (!editor->isVisible())
-        return;
-    const bool focused = editor->hasFocus();
-    editor->hide();
-    if (focused || editor == ListOptions_)
-        setFocus();
+void LineGrid::takeBack(const Lines& lines) {
+    card().Lines = lines;
+    changed();
+}
+
+void LineGrid::undo() {
+    if (!undo_.isEmpty())
+        takeBack(undo_.takeLast());
 }
 
 void LineGrid::changed() {
     model_->UpdateGridDisplay();
+    hideEmptyColumns();
     emit linesChanged();
-}
-
-bool LineGrid::eventFilter(QObject* watched, QEvent* event) {
-    auto* box = qobject_cast<QLineEdit*>(watched);
-    if (box != txtDescription_ && box != txtInfo_)
-        return QTableView::eventFilter(watched, event);
-    if (event->type() == QEvent::FocusOut) {
-        if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
-            storeText(box);
-    } else if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Escape)
-            leaveEditor(box);
-        else if (key == Qt::Key_Return || key == Qt::Key_Enter)
-            storeText(box);
-        else
-            return false;
-        return true;
-    }
-    return false;
 }
 
 void LineGrid::copyLines() {
@@ -367,14 +373,15 @@ void LineGrid::pasteLines() {
         if (!isRowHidden(line - 1))
             over.append(line);
     QString why;
-    const auto lines = LinesOfRows(QApplication::clipboard()->text(), &why);
-    if (lines && PasteLines(card(), *type_, over, *lines, &why)) {
-        changed();
-        if (lines->size() <= over.size())
+    const auto pasted = LinesOfRows(QApplication::clipboard()->text(), &why);
+    beginChange();
+    if (pasted && PasteLines(lines(), over, *pasted, &why)) {
+        endChange();
+        if (pasted->size() <= over.size())
             return;
         why = QStringLiteral("Only the first %1 of %2 lines were pasted: the card has no more.")
                   .arg(over.size())
-                  .arg(lines->size());
+                  .arg(pasted->size());
     }
     platform::prompts().ask({why, platform::Icon::Information, platform::Buttons::Ok});
 }
@@ -383,8 +390,9 @@ void LineGrid::clearLines() {
     const LineNumbers lines = selectedLines();
     if (lines.isEmpty())
         return;
+    beginChange();
     ChooseAction(card(), lines, 0);
-    changed();
+    endChange();
 }
 
 } // namespace tolvex

@@ -17,7 +17,6 @@
 #include <QBuffer>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QScreen>
 #include <QTextDocument>
 
 #include <utility>
@@ -65,9 +64,6 @@ void frmHardwareSettings::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(shown_, true))
         return;
-    // Room for all columns and some thirty lines, where the screen has it and nobody chose a size.
-    if (!testAttribute(Qt::WA_Resized))
-        resize(QSize(1260, 860).boundedTo(screen()->availableGeometry().size() * 9 / 10));
     clsMonitors().CenterFormOnMonitor(this, parentWidget());
     pages_.first()->focusGrid();
 }
@@ -90,7 +86,7 @@ void frmHardwareSettings::apply() {
         page->finishEditing();
     frmHardwareManager::UnloadManager();
     for (int i = 0; i < pages_.size(); ++i) {
-        const QString wrong = TakeCardChoice(HardwareCards()[i + 1], pages_[i]->choice());
+        const QString wrong = SetCard(HardwareCards()[i + 1], pages_[i]->choice());
         if (wrong.isEmpty())
             continue;
         ui_->tbsSettings->setCurrentIndex(i);

@@ -167,6 +167,192 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     EXPECT_TRUE(hw.ini().contains("Action3Data2=55"));
 }
 
+// What is typed in a cell is there after the tab was changed, by mouse or by key, and however the form is
+// left then.
+class TypedTextAndTabs : public testing::TestWithParam<std::tuple<bool, const char*, const char*>> {};
+
+TEST_P(TypedTextAndTabs, SurvivesTheChange) {
+    const auto& [byMouse, editor, button] = GetParam();
+    const bool number = editor == std::string("txtInfo");
+    HardwareForm hw(controller);
+    hw.open();
+    hw.click(1, 3, number ? ColumnInfo2 : ColumnDescription);
+    auto* box = hw.on<QLineEdit>(1, editor);
+    ASSERT_TRUE(box->hasFocus());
+    QTest::keyClicks(box, "4321");
+    if (byMouse)
+        hw.clickTab(2);
+    else
+        QTest::keyClick(box, Qt::Key_2, Qt::AltModifier);
+    ASSERT_EQ(hw.form->findChild<QTabWidget*>("tbsSettings")->currentIndex(), 1);
+    EXPECT_EQ(hw.changes(), "Not applied yet: card 1");
+    hw.prompts.answers = {platform::Answer::No, platform::Answer::Yes};
+    hw.press(button);
+    const QByteArray stored = number ? "Action3Data2=4321" : "Description3=4321";
+    if (button == std::string("cmdCancel")) {
+        // Asked, and nothing lost by No.
+        ASSERT_EQ(hw.prompts.asked.size(), 1);
+        ASSERT_TRUE(hw.form->isVisible());
+        hw.clickTab(1);
+        EXPECT_TRUE(box->isHidden());
+        EXPECT_TRUE(hw.cell(1, 3, ColumnDescription).contains("4321"));
+        hw.press(button);
+        EXPECT_FALSE(hw.form->isVisible());
+        EXPECT_EQ(hw.ini(), controller);
+    } else {
+        EXPECT_TRUE(hw.ini().contains(stored)) << hw.ini().toStdString();
+        EXPECT_EQ(hw.changes(), "");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, TypedTextAndTabs,
+                         testing::Combine(testing::Bool(), testing::Values("txtDescription", "txtInfo"),
+                                          testing::Values("cmdOK", "cmdApply", "cmdCancel")),
+                         [](const auto& each) {
+                             return std::string(std::get<0>(each.param) ? "Click" : "Alt2") +
+                                    std::get<1>(each.param) + std::get<2>(each.param);
+                         });
+
+TEST(HardwareGrid, AListIsGoneAfterATabChangeAndItsChoiceStands) {
+    HardwareForm hw(controller);
+    hw.open();
+    hw.click(1, 5, ColumnAction);
+    hw.key(Qt::Key_Down);
+    hw.showCard(2);
+    hw.showCard(1);
+    EXPECT_TRUE(hw.list(1)->isHidden());
+    EXPECT_EQ(line(5).Action, 2);
+    // Tab leaves the list, and only that.
+    line(5).Description = "Mine";
+    hw.click(1, 5, ColumnAction);
+    hw.key(Qt::Key_Tab);
+    EXPECT_TRUE(hw.list(1)->isHidden());
+    EXPECT_TRUE(hw.grid(1)->hasFocus());
+    EXPECT_EQ(line(5).Description, "Mine");
+    // The keys that go with others choose nothing either.
+    hw.click(1, 5, ColumnAction);
+    for (const int key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_CapsLock})
+        hw.key(key);
+    hw.key(Qt::Key_2, Qt::AltModifier);
+    EXPECT_EQ(line(5).Description, "Mine");
+    hw.key(Qt::Key_F4);
+    EXPECT_TRUE(hw.list(1)->isHidden());
+    // Down and Enter, faster than events are handled.
+    hw.click(1, 5, ColumnAction);
+    QTest::keyClick(hw.list(1)->view(), Qt::Key_Down);
+    QTest::keyClick(hw.list(1)->view(), Qt::Key_Return);
+    EXPECT_EQ(line(5).Action, 4);
+}
+
+TEST(HardwareGrid, AnEditorStaysOnItsCellAndStoresForItsLines) {
+    HardwareForm hw("[Hardware1]\r\nCardType=4\r\nBaseAddress=0\r\nDescription40=End\r\n");
+    hw.driver.addFixed(0, 40, 8);
+    hw.open();
+    LineGrid* grid = hw.grid(1);
+    auto* box = hw.on<QLineEdit>(1, "txtDescription");
+    hw.click(1, 3, ColumnDescription);
+    hw.form->resize(hw.form->width() + 200, hw.form->height());
+    QApplication::processEvents();
+    EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(2, ColumnDescription)));
+    QTest::keyClicks(box, "Three");
+    // The filter would put another line under the box.
+    hw.on<QCheckBox>(1, "chkOnlyInUse")->click();
+    EXPECT_TRUE(box->isHidden());
+    EXPECT_EQ(line(3).Description, "Three");
+    EXPECT_FALSE(grid->isRowHidden(2));
+    // Another device has other lines.
+    hw.click(1, 3, ColumnDescription);
+    QTest::keyClicks(box, "3");
+    hw.type(1)->setCurrentIndex(0);
+    EXPECT_EQ(line(3).Description, "3");
+}
+
+TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
+    HardwareForm hw(controller);
+    hw.open();
+    auto* box = hw.on<QLineEdit>(1, "txtDescription");
+    hw.click(1, 1, ColumnDescription);
+    QApplication::clipboard()->setText(QString::fromUtf8("Łódź\tB") + QString(300, u'x'));
+    box->selectAll();
+    QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+    hw.key(Qt::Key_Return);
+    EXPECT_EQ(line(1).Description, QString::fromUtf8("ód B") + QString(248, u'x'));
+    hw.press("cmdApply");
+    EXPECT_TRUE(hw.prompts.asked.isEmpty());
+    EXPECT_TRUE(hw.ini().contains("Description1=\xF3"
+                                  "d Bxxx"));
+}
+
+TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
+    HardwareForm hw(controller);
+    hw.open();
+    const HardwareLine first = line(1);
+    const HardwareLine third = line(3);
+    hw.drag(1, 1, 3, ColumnLine);
+    hw.key(Qt::Key_Delete);
+    EXPECT_EQ(line(3).Action, 0);
+    QApplication::clipboard()->setText("Type\tAction\tInfo 1\nInput\tIC Trigger\t7\nInput\tIC Trigger\t8\n");
+    // From the top of the selection on.
+    hw.drag(1, 6, 5, ColumnLine);
+    hw.key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(line(4).Action, 0);
+    EXPECT_EQ(hw.firstData(1, 5, 7), (QList<qint32>{7, 8, 0}));
+    hw.click(1, 5, ColumnInfo1);
+    hw.key(Qt::Key_Up);
+    hw.key(Qt::Key_Up);
+    hw.key(Qt::Key_Return);
+    EXPECT_EQ(line(5).ActionData[0], 5);
+    // A list that is left without a choice is no change.
+    hw.click(1, 6, ColumnInfo1);
+    hw.key(Qt::Key_Return);
+    hw.key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(line(5).ActionData[0], 7);
+    EXPECT_EQ(hw.cell(1, 5, ColumnInfo1), "Instant Cart 7");
+    hw.key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(line(5).Action, 0);
+    EXPECT_TRUE(line(5).isOutput());
+    hw.key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(line(1).isStoredAs(first));
+    EXPECT_TRUE(line(3).isStoredAs(third));
+    EXPECT_EQ(hw.changes(), "");
+    hw.key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(hw.changes(), "");
+    // Another type of card has other lines: what was changed before stays.
+    hw.click(1, 4, ColumnLogic);
+    hw.type(1)->setCurrentText("Joystick Port");
+    hw.grid(1)->setFocus();
+    hw.key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(line(4).ActiveLow, -1);
+}
+
+TEST(HardwareGrid, InfoColumnsAreThereWhenTheyAreUsed) {
+    HardwareForm hw("[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\nLineType1=0\r\nDescription1=A\r\n");
+    hw.open();
+    const auto shown = [&] {
+        QString columns;
+        for (int column = 0; column < LineColumnCount; ++column)
+            if (!hw.grid(1)->isColumnHidden(column))
+                columns += QString::number(column);
+        return columns;
+    };
+    EXPECT_EQ(shown(), "01234");
+    hw.click(1, 1, ColumnAction);
+    hw.choose(1, "IC Trigger");
+    EXPECT_EQ(shown(), "012345");
+    hw.click(1, 1, ColumnAction);
+    hw.choose(1, "Cart Control");
+    EXPECT_EQ(shown(), "0123456");
+    // The cell one is in never goes.
+    hw.click(1, 1, ColumnInfo1);
+    hw.key(Qt::Key_Return);
+    hw.key(Qt::Key_Delete);
+    EXPECT_EQ(shown(), "01234");
+    hw.key(Qt::Key_F2);
+    EXPECT_TRUE(hw.list(1)->isVisible());
+    EXPECT_EQ(hw.list(1)->count(), 8);
+    hw.key(Qt::Key_Escape);
+}
+
 TEST(HardwareGrid, PortCardsChangeTypesByEights) {
     HardwareForm hw("[Hardware1]\r\nCardType=1\r\nBaseAddress=768\r\n[Hardware2]\r\nCardType=9\r\n");
     hw.open();
@@ -228,7 +414,8 @@ TEST(HardwareGrid, RowsGoThroughTheClipboardToAnotherCardAndBack) {
             "Row 2 cannot be pasted. Action is \"IC Display\"");
     refused("1\tInput\t\t\tIC Trigger\tInstant Cart X\n", "Info 1 is \"Instant Cart X\"");
     refused("1\tRelay\n", "Type is \"Relay\"");
-    refused("1\tOutput\t\tLamp\tIC Display\t3\n", "line 1 of this card is an input and stays one");
+    refused("1\tOutput\t\tLamp\tIC Display\t3\n",
+            "Nothing was pasted. Line 1 of this card is an input and stays one.");
     QApplication::clipboard()->setText(QString("1\tInput\t\tMany\n").repeated(6));
     hw.key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(hw.prompts.texts().back(), "Only the first 4 of 6 lines were pasted: the card has no more.");

@@ -5,10 +5,10 @@
 #include "support/PrintingPrompts.h"
 
 #include "core/Settings.h"
+#include "dialogs/OptionList.h"
 #include "hardware/FakeDriver.h"
 #include "hardware/LineDisplay.h"
 #include "hardware/forms/LineGrid.h"
-#include "hardware/forms/OptionList.h"
 #include "hardware/forms/frmHardwareManager.h"
 #include "hardware/forms/frmHardwareSettings.h"
 #include "platform/ProfileFile.h"
@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 
@@ -66,6 +67,12 @@ struct HardwareForm {
     void showCard(int card) const {
         form->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->setCurrentIndex(card - 1);
     }
+    // Clicks on the tab of a card.
+    void clickTab(int card) const {
+        auto* bar = form->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(card - 1).center());
+        QApplication::processEvents();
+    }
     void press(const char* button) const {
         auto* widget = form->findChild<QPushButton*>(QString::fromLatin1(button));
         ASSERT_TRUE(widget && widget->isVisible() && widget->isEnabled()) << button;
@@ -85,13 +92,15 @@ struct HardwareForm {
     void click(int card, int line, int column, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::mouseClick(grid(card)->viewport(), Qt::LeftButton, modifiers, at(card, line, column));
     }
-    // Presses on one line, moves over the others, wandering into the next column, and lets go.
+    // Presses on one line, moves over the others, wandering into a neighbouring column, and lets go.
     void drag(int card, int first, int last, int column) const {
         QWidget* viewport = grid(card)->viewport();
+        const int half = grid(card)->columnWidth(column) / 2 + 4;
+        const QPoint aside(column > 0 ? -half : half, 0);
         QTest::mousePress(viewport, Qt::LeftButton, {}, at(card, first, column));
         for (int line = first; line != last; line += last > first ? 1 : -1)
-            QTest::mouseMove(viewport, at(card, line, column + 1));
-        const QPoint end = at(card, last, column + 1);
+            QTest::mouseMove(viewport, at(card, line, column) + aside);
+        const QPoint end = at(card, last, column) + aside;
         QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton, Qt::LeftButton,
                          {});
         QApplication::sendEvent(viewport, &move);
@@ -112,13 +121,16 @@ struct HardwareForm {
     }
     // A key into whatever has it: the open list or the widget with the focus.
     void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
-        for (int card = 1; card <= HardwareCardCount; ++card)
-            if (list(card)->isVisible()) {
-                QTest::keyClick(list(card)->view(), Qt::Key(key), modifiers);
-                QApplication::processEvents();
-                return;
-            }
-        QWidget* focus = QApplication::focusWidget();
+        const QWidget* popup = QApplication::activePopupWidget();
+        // This platform takes a list that dropped open for the active window, also when it is gone.
+        QApplication::processEvents();
+        const auto ready = [&] {
+            form->activateWindow();
+            QApplication::processEvents();
+            return QApplication::focusWidget() == form->focusWidget();
+        };
+        ASSERT_TRUE(popup || !form->isVisible() || QTest::qWaitFor(ready));
+        QWidget* focus = popup ? popup->focusWidget() : form->focusWidget();
         QTest::keyClick(focus ? focus : form.get(), Qt::Key(key), modifiers);
         QApplication::processEvents();
     }

@@ -127,6 +127,7 @@ TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) 
     EXPECT_TRUE(hw.form->isVisible());
     EXPECT_EQ(hw.ini(), before);
     EXPECT_EQ(HardwareCards()[1].BaseAddress, 4); // taken up already
+    EXPECT_TRUE(hw.on<QComboBox>(3, "ComPortlist")->hasFocus());
     EXPECT_EQ(HardwareCards()[3].CardType, 0);
     EXPECT_TRUE(hw.changes().contains("1 and 3"));
 
@@ -155,6 +156,7 @@ TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) 
         EXPECT_EQ(hw.prompts.texts().back(), "You must specify a Device Number from 0 to FF") << wrong;
         EXPECT_EQ(managers(), 0);
         EXPECT_TRUE(hw.form->isVisible());
+        EXPECT_TRUE(hw.address(2)->hasFocus());
     }
     hw.prompts.forget();
     hw.press("cmdOK");
@@ -204,6 +206,49 @@ TEST(HardwareSettings, CancelAsksOnlyWhenSomethingWouldBeLost) {
     hw.press("cmdCancel");
     EXPECT_FALSE(hw.form->isVisible());
     EXPECT_EQ(hw.prompts.asked.size(), 2);
+}
+
+TEST(HardwareSettings, SaysWhichDeviceTheLinesCameFrom) {
+    HardwareForm hw(threeCards);
+    hw.driver.addFixed(10, 3, 2);
+    hw.open();
+    EXPECT_EQ(hw.prompts.asked.size(), 1); // device 16, which is the card's own, does not answer
+    const auto origin = [&](int card) { return hw.on<QLabel>(card, "lblOrigin"); };
+    EXPECT_TRUE(origin(1)->isHidden());
+    EXPECT_FALSE(origin(2)->isHidden());
+    EXPECT_EQ(origin(2)->text(),
+              "The lines are those of device 10: 3 inputs and 2 outputs. Apply sets device "
+              "16, which is 10 in hexadecimal.");
+    hw.showCard(2);
+    hw.address(2)->setFocus();
+    hw.address(2)->setText("7");
+    EXPECT_EQ(origin(2)->text(), "Device 7 does not answer.");
+    EXPECT_EQ(hw.changes(), "Not applied yet: card 2"); // the number alone
+    hw.address(2)->setText("10");
+    EXPECT_EQ(hw.changes(), "");
+    hw.driver.failing = "features";
+    hw.address(2)->setText("0");
+    EXPECT_EQ(hw.grid(2)->model()->rowCount(), 32);
+    EXPECT_TRUE(origin(2)->text().startsWith("Device 0 does not say which lines it has: 16 inputs"));
+    EXPECT_EQ(hw.address(2)->accessibleDescription(), "no answer");
+    hw.address(2)->setText("1G");
+    EXPECT_EQ(hw.address(2)->accessibleDescription(), "0 to FF");
+    hw.grid(2)->setFocus();
+}
+
+TEST(HardwareSettings, AnAbsentDriverCostsNoLines) {
+    const QByteArray large = "[Hardware1]\r\nCardType=4\r\nBaseAddress=9\r\nLineType64=0\r\n"
+                             "Description64=Far\r\nAction64=1\r\n";
+    HardwareForm hw(large + "[Hardware2]\r\nCardType=3\r\nBaseAddress=1\r\n");
+    const NoDriver none;
+    hw.open();
+    hw.showCard(2);
+    hw.click(2, 1, ColumnDescription);
+    QTest::keyClicks(hw.on<QLineEdit>(2, "txtDescription"), "Lamp");
+    hw.press("cmdOK");
+    EXPECT_FALSE(hw.form->isVisible());
+    EXPECT_TRUE(hw.ini().contains("Description1=Lamp"));
+    EXPECT_TRUE(hw.ini().startsWith(large)) << hw.ini().toStdString();
 }
 
 TEST(HardwareSettings, TheLineListNamesWhatIsWired) {
