@@ -11,10 +11,12 @@ void FitForm(QWidget* form) {
     QSize size = form->size();
     if (!form->testAttribute(Qt::WA_Resized))
         size = form->minimumSize();
+    const QSize screen = form->screen()->availableSize();
     size = size.expandedTo(form->sizeHint()).expandedTo(form->minimumSizeHint());
+    size.setWidth(qMin(size.width(), screen.width()));
     if (const QLayout* layout = form->layout(); layout && layout->hasHeightForWidth())
         size.setHeight(qMax(size.height(), layout->totalHeightForWidth(size.width())));
-    form->resize(size.boundedTo(form->screen()->availableSize()));
+    form->resize(size.boundedTo(screen));
 }
 
 } // namespace tolvex

@@ -1,5 +1,7 @@
 #include "dialogs/Style.h"
 
+#include "dialogs/WheelGuard.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QIconEngine>
@@ -20,15 +22,15 @@ namespace {
 Scheme inForce = Scheme::Light;
 
 const Tokens lightTokens = {
-    QColor(0xf4f6f8), QColor(0xffffff), QColor(0xd6dbe1), QColor(0x1f2933),
-    QColor(0x5a6673), QColor(0x2a66d0), QColor(0xe9f0fd), QColor(0x237a47),
-    QColor(0xe0a83a), QColor(0x8a5a00), QColor(0xfff8ec), QColor(0xb3261e),
+    QColor(0xf4f6f8), QColor(0xffffff), QColor(0xd6dbe1), QColor(0x7d8996), QColor(0x1f2933),
+    QColor(0x5a6673), QColor(0x2a66d0), QColor(0xe9f0fd), QColor(0x237a47), QColor(0xe0a83a),
+    QColor(0x8a5a00), QColor(0xfff8ec), QColor(0xb3261e),
 };
 
 const Tokens darkTokens = {
-    QColor(0x171c22), QColor(0x20272f), QColor(0x3a444f), QColor(0xe6ebf0),
-    QColor(0xa3afbb), QColor(0x82adff), QColor(0x26364f), QColor(0x6fd39a),
-    QColor(0xe0a83a), QColor(0xf0c36a), QColor(0x33291a), QColor(0xff8f86),
+    QColor(0x171c22), QColor(0x20272f), QColor(0x3a444f), QColor(0x75818d), QColor(0xe6ebf0),
+    QColor(0xa3afbb), QColor(0x82adff), QColor(0x26364f), QColor(0x6fd39a), QColor(0xe0a83a),
+    QColor(0xf0c36a), QColor(0x33291a), QColor(0xff8f86),
 };
 
 QPalette paletteOf(const Tokens& t, Scheme scheme) {
@@ -75,7 +77,25 @@ QLineEdit, QComboBox, QAbstractSpinBox { background: %surface%; color: %text%; b
     border-radius: 6px; padding: 5px 8px; selection-background-color: %selection%;
     selection-color: #ffffff; }
 QLineEdit:focus, QComboBox:focus, QAbstractSpinBox:focus { border: 2px solid %accent%; padding: 4px 7px; }
-QLineEdit:disabled, QLineEdit:read-only, QComboBox:disabled { background: %background%; color: %quiet%; }
+QLineEdit:disabled, QLineEdit:read-only, QComboBox:disabled, QAbstractSpinBox:disabled {
+    background: %background%; color: %quiet%; }
+QLineEdit:disabled, QComboBox:disabled, QAbstractSpinBox:disabled { border: 1px dashed %edge%; }
+QCheckBox::indicator, QRadioButton::indicator { width: 1em; height: 1em; background: %surface%;
+    border: 1px solid %edge%; }
+QCheckBox::indicator { border-radius: 4px; }
+QRadioButton::indicator { border-radius: 0.5em; }
+QCheckBox::indicator:hover, QRadioButton::indicator:hover { border-color: %accent%; }
+QCheckBox::indicator:checked { background: %button%; border-color: %button%; image: url(:/icons/check.svg); }
+QRadioButton::indicator:checked { border-color: %button%;
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 #ffffff, stop: 0.4 #ffffff, stop: 0.5 %button%, stop: 1 %button%); }
+QCheckBox::indicator:disabled, QRadioButton::indicator:disabled { background: %background%;
+    border: 1px dashed %edge%; }
+QCheckBox::indicator:checked:disabled { image: url(%checkOff%); }
+QRadioButton::indicator:checked:disabled {
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 %quiet%, stop: 0.4 %quiet%, stop: 0.5 %background%, stop: 1 %background%); }
+QCheckBox:disabled, QRadioButton:disabled, QLabel:disabled { color: %quiet%; }
 QComboBox::drop-down { border: none; width: 24px; }
 QComboBox::down-arrow { image: url(%chevron%); width: 12px; height: 12px; }
 QAbstractItemView, QTextEdit, QPlainTextEdit, QTextBrowser { background: %surface%; color: %text%;
@@ -108,6 +128,7 @@ QTabBar:focus { outline: none; }
 QTabBar::tab:focus { border: 2px solid %accent%; }
 QProgressBar { border: 1px solid %line%; border-radius: 6px; background: %surface%; text-align: center; }
 QProgressBar::chunk { background: %accent%; border-radius: 5px; }
+QHeaderView { border: none; }
 QHeaderView::section { background: %background%; color: %quiet%; border: none;
     border-bottom: 1px solid %line%; padding: 6px 8px; }
 )";
@@ -118,12 +139,15 @@ QString sheetFor(const Tokens& t, Scheme scheme) {
         {"%surface%", t.surface.name()},
         {"%background%", t.background.name()},
         {"%line%", t.line.name()},
+        {"%edge%", t.edge.name()},
         {"%text%", t.text.name()},
         {"%quiet%", t.quiet.name()},
         {"%accentSoft%", t.accentSoft.name()},
         {"%accent%", t.accent.name()},
         {"%button%", light ? t.accent.name() : QStringLiteral("#2f5fae")},
         {"%selection%", light ? t.accent.name() : QStringLiteral("#2f5fae")},
+        {"%checkOff%", light ? QStringLiteral(":/icons/check-off-light.svg")
+                             : QStringLiteral(":/icons/check-off-dark.svg")},
         {"%chevron%",
          light ? QStringLiteral(":/icons/chevron-light.svg") : QStringLiteral(":/icons/chevron-dark.svg")},
     };
@@ -186,6 +210,7 @@ Scheme DesktopScheme(const QApplication& application) {
 
 void ApplyStyle(QApplication& application, Scheme scheme) {
     initIcons();
+    GuardWheel(application);
     inForce = scheme;
     application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     application.setPalette(paletteOf(TokensOf(scheme), scheme));

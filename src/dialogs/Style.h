@@ -10,11 +10,13 @@ class QApplication;
 
 namespace tolvex {
 
-// The colours that forms may name. Text colours stand at 4.5 to 1 or better against background and surface.
+// The colours that forms may name. Text colours stand at 4.5 to 1 or better against background and surface,
+// `edge` at 3 to 1.
 struct Tokens {
     QColor background;
     QColor surface;
     QColor line;
+    QColor edge; // of boxes to tick and of disabled fields
     QColor text;
     QColor quiet; // secondary text
     QColor accent;
@@ -35,7 +37,7 @@ Scheme currentScheme();
 // The desktop's scheme, read from the palette it gave the program before a style was applied.
 Scheme DesktopScheme(const QApplication& application);
 
-// Sets style, palette, font size and style sheet for the whole program.
+// Sets style, palette, font size and style sheet for the whole program, and guards the mouse wheel.
 void ApplyStyle(QApplication& application, Scheme scheme);
 
 // The line icon of a job by its name ("folder", "speaker", ...): drawn from an SVG in one colour of the

@@ -1,5 +1,6 @@
 #include "dialogs/frmHelp.h"
 
+#include "dialogs/FitForm.h"
 #include "dialogs/HelpFile.h"
 #include "dialogs/OpenForms.h"
 #include "dialogs/Style.h"
@@ -114,6 +115,7 @@ bool ShowHelp(const QString& helpFile, int context) {
             return false;
         window = new frmHelp(std::move(file), owner);
         window->setAttribute(Qt::WA_DeleteOnClose);
+        FitForm(window);
     }
     window->showContext(context);
     window->show();

@@ -8,20 +8,46 @@ namespace tolvex {
 
 namespace {
 
+struct Column {
+    const char* heading;
+    int width; // percent
+};
+constexpr Column columns[] = {{"Line", 8}, {"Type", 10}, {"Logic", 12}, {"Description", 32}, {"Action", 38}};
+
 QString rowOf(const QStringList& cells, const char* tag) {
     QString row = QStringLiteral("<tr>");
+    const Column* column = columns;
     for (const QString& cell : cells)
-        row += QStringLiteral("<%1 align='left'>%2</%1>").arg(QLatin1String(tag), cell.toHtmlEscaped());
+        row += QStringLiteral("<%1 align='left' width='%2%'>%3</%1>")
+                   .arg(QLatin1String(tag), QString::number((column++)->width), cell.toHtmlEscaped());
     return row + QStringLiteral("</tr>\n");
 }
 
+QString heading() {
+    QStringList cells;
+    for (const Column& column : columns)
+        cells += QLatin1String(column.heading);
+    return rowOf(cells, "th");
+}
+
+QString actionOf(const HardwareLine& line) {
+    QStringList words;
+    if (FindLineAction(line.Action)) {
+        const LineTexts texts = TextsOf(line);
+        words = {texts.action, texts.info1, texts.info2};
+        words.removeAll(QString());
+    } else {
+        words += QStringLiteral("Action %1").arg(line.Action);
+        for (const qint32 data : line.ActionData)
+            words += QString::number(data);
+    }
+    return words.join(QStringLiteral(", "));
+}
+
 QStringList cellsOf(int number, const HardwareLine& line) {
-    const LineTexts texts = TextsOf(line);
-    QStringList action = {texts.action, texts.info1, texts.info2};
-    action.removeAll(QString());
-    return {QString::number(number), texts.type,
-            line.ActiveLow ? QStringLiteral("Active low") : QStringLiteral("Normal"), texts.description,
-            action.join(QStringLiteral(", "))};
+    return {QString::number(number), TextsOf(line).type,
+            line.ActiveLow ? QStringLiteral("Active low") : QStringLiteral("Normal"), line.description(),
+            actionOf(line)};
 }
 
 } // namespace
@@ -36,16 +62,15 @@ QString LineListHtml(const QString& title, const QString& about, const QList<Lis
         for (int n = 1; n <= card.lines; ++n)
             if (!onlyInUse || card.card->Lines[n].inUse())
                 rows += rowOf(cellsOf(n, card.card->Lines[n]), "td");
-        html += QStringLiteral("<h3>Card %1: %2</h3>\n").arg(card.number).arg(card.about.toHtmlEscaped());
+        html += QStringLiteral("<h3>Card %1: %2%3</h3>\n")
+                    .arg(QString::number(card.number), card.about.toHtmlEscaped(),
+                         card.applied ? QString() : QStringLiteral(" (not applied yet)"));
         if (rows.isEmpty()) {
             html += QStringLiteral("<p>No line of this card is in use.</p>\n");
             continue;
         }
         html += QStringLiteral("<table border='1' cellspacing='0' cellpadding='3' width='100%'><thead>") +
-                rowOf({QStringLiteral("Line"), QStringLiteral("Type"), QStringLiteral("Logic"),
-                       QStringLiteral("Description"), QStringLiteral("Action")},
-                      "th") +
-                QStringLiteral("</thead>\n") + rows + QStringLiteral("</table>\n");
+                heading() + QStringLiteral("</thead>\n") + rows + QStringLiteral("</table>\n");
     }
     return html;
 }

@@ -114,8 +114,7 @@ void CardPage::showLines(DriverReports& reports) {
             ? QStringLiteral("The card does not answer, so its lines cannot be shown. What is set for them "
                              "stays in the file. Check the device number and the driver.")
             : QStringLiteral("Nothing is known of this type of card. It stays in the file as it is."));
-    ui_->lblOrigin->setVisible(type == CardAdvantech);
-    ui_->lblOrigin->setText(originOf(address, counts));
+    ui_->lblOrigin->setText(type == CardAdvantech ? originOf(address, counts) : QString());
     enableFields();
     emit edited();
 }
@@ -149,7 +148,7 @@ ListedCard CardPage::listed() const {
         about += QStringLiteral(", attached to port %1").arg(now.port + 1);
     if (row && row->usesAddress)
         about += QStringLiteral(", device %1").arg(now.address);
-    return {number_, about, model_->rowCount(), &card_};
+    return {number_, about, model_->rowCount(), &card_, !isChanged()};
 }
 
 bool CardPage::onlyInUse() const {

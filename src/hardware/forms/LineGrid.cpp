@@ -132,9 +132,10 @@ QSize LineGrid::sizeHint() const {
     const int rows = qMax(model_->rowCount(), FewestRowsShown);
     const int descriptions =
         qBound(descriptionWidth_, sizeHintForColumn(ColumnDescription), WidestDescription);
-    return {columnsWidth_ + descriptions + verticalScrollBar()->sizeHint().width() + 2 * frameWidth(),
-            horizontalHeader()->sizeHint().height() + rows * verticalHeader()->defaultSectionSize() +
-                2 * frameWidth()};
+    const QSize bars(verticalScrollBar()->sizeHint().width(), horizontalScrollBar()->sizeHint().height());
+    const QSize cells(columnsWidth_ + descriptions, horizontalHeader()->sizeHint().height() +
+                                                        rows * verticalHeader()->defaultSectionSize());
+    return cells + bars + QSize(2, 2) * frameWidth();
 }
 
 void LineGrid::showOnlyLinesInUse(bool on) {

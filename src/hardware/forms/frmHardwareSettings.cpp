@@ -11,6 +11,7 @@
 #include "hardware/forms/frmHardwareManager.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "ui_frmHardwareSettings.h"
 
@@ -132,11 +133,13 @@ QString frmHardwareSettings::listHtml() const {
     for (const CardPage* page : pages_)
         cards.append(page->listed());
     const auto* page = static_cast<const CardPage*>(ui_->tbsSettings->currentWidget());
+    const Settings& s = settings();
     const QString date = platform::clock().now().toString(QStringLiteral("d MMMM yyyy, hh:mm"));
-    return LineListHtml(QStringLiteral("Hardware lines"),
-                        settings().ConfigName + QStringLiteral(" (") + settings().LocalIniFile +
-                            QStringLiteral("), ") + date,
-                        cards, page->onlyInUse());
+    return LineListHtml(
+        QStringLiteral("Hardware lines"),
+        QStringLiteral("Workstation %1 (%2), %3 (%4), %5")
+            .arg(QString::number(s.LinkMeshId), platform::ComputerName(), s.ConfigName, s.LocalIniFile, date),
+        cards, page->onlyInUse());
 }
 
 void frmHardwareSettings::print() {

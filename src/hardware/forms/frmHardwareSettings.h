@@ -25,6 +25,9 @@ public:
     // Cancel, Escape and the window's own close button: asks while there are changes that were not applied.
     void reject() override;
 
+    // The list for the wiring cabinet, as it is printed.
+    QString listHtml() const;
+
 protected:
     void showEvent(QShowEvent* event) override;
 
@@ -34,7 +37,6 @@ private:
     void print();
     void saveList();
     void showChanges();
-    QString listHtml() const;
 
     std::unique_ptr<Ui::frmHardwareSettings> ui_;
     QList<CardPage*> pages_;

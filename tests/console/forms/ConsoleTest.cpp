@@ -15,6 +15,9 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTextEdit>
 
@@ -319,4 +322,112 @@ TEST(Console, ChecksComeBeforeFormsWithTheirOwnMessages) {
     EXPECT_STREQ(FindConsoleJob("cmdHardwareSetup")->message,
                  "You must set the Data Location (in File Locations) first");
     EXPECT_TRUE(FindConsoleJob("cmdLinkmeshSetup")->informs);
+}
+
+namespace {
+
+// Does something with the form of that name as soon as it is there, modal or not.
+void withForm(const QString& name, const std::function<void(QWidget&)>& act) {
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, name, act, tries = 0]() mutable {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == name && widget->isVisible()) {
+                timer->deleteLater();
+                timer->stop();
+                return act(*widget);
+            }
+        if (++tries == 400) {
+            timer->deleteLater();
+            timer->stop();
+            FAIL() << name.toStdString() << " did not come up";
+        }
+    });
+    timer->start(5);
+}
+
+// As large as its content asks for, as far as the screen reaches.
+void expectSaneSize(const QWidget& form) {
+    const QSize screen = form.screen()->availableSize();
+    const QSize wanted = form.sizeHint().boundedTo(screen);
+    const QString size = QStringLiteral("%1: %2 x %3, its content asks for %4 x %5")
+                             .arg(form.objectName())
+                             .arg(form.width())
+                             .arg(form.height())
+                             .arg(wanted.width())
+                             .arg(wanted.height());
+    EXPECT_TRUE(form.width() >= wanted.width() && form.height() >= wanted.height()) << size.toStdString();
+    EXPECT_TRUE(form.width() <= screen.width() && form.height() <= screen.height()) << size.toStdString();
+    EXPECT_TRUE(form.width() >= 200 && form.height() >= 100) << size.toStdString();
+}
+
+void clickMenu(frmConfigure& console, const char* menuName, const char* actionName) {
+    auto* bar = console.menuBar();
+    auto* menu = find<QMenu>(console, menuName);
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu->menuAction()).center());
+    ASSERT_TRUE(menu->isVisible()) << menuName;
+    auto* action = find<QAction>(console, actionName);
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+}
+
+} // namespace
+
+TEST(Console, ItsButtonsAndMenusOpenEveryFormAtASaneSize) {
+    QByteArray ini = configuredIni();
+    for (const char* card :
+         {"[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n", "[Hardware3]\r\nCardType=5\r\n"})
+        ini += card;
+    Console console(ini);
+    QFile help(QString(TOLVEX_BIN_DIR) + "/config.chm");
+    ASSERT_TRUE(help.open(QIODevice::ReadOnly));
+    console.machine.write("C:\\APP\\config.chm", help.readAll());
+    ASSERT_TRUE(console.start());
+    console.prompts.forget();
+    auto* strip = find<QTabWidget>(console.form, "tbsConfig");
+    int opened = 0;
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        auto* button = find<JobTile>(console.form, job.control);
+        if (job.opening == JobOpening::Routine || !button->isEnabled())
+            continue;
+        QTest::mouseClick(strip->tabBar(), Qt::LeftButton, {},
+                          strip->tabBar()->tabRect(static_cast<int>(job.tab)).center());
+        ASSERT_TRUE(button->isVisible()) << job.control;
+        bool came = false;
+        withForm(job.form, [&](QWidget& form) {
+            came = true;
+            expectSaneSize(form);
+            EXPECT_EQ(console.prompts.pointer(), platform::Pointer::Default) << job.form;
+            QPushButton* leave = nullptr;
+            for (QPushButton* each : form.findChildren<QPushButton*>())
+                if (each->text().remove(u'&') == "Cancel")
+                    leave = each;
+            if (leave)
+                QTest::mouseClick(leave, Qt::LeftButton);
+            else
+                QTest::keyClick(&form, Qt::Key_Escape);
+            EXPECT_FALSE(form.isVisible()) << job.form;
+        });
+        // Coming back from the file locations opens the cart lists, which are asked for.
+        console.allowLists();
+        QTest::mouseClick(button, Qt::LeftButton, {}, button->rect().center());
+        EXPECT_TRUE(came) << job.control;
+        EXPECT_TRUE(console.form.isEnabled() && console.form.isVisible()) << job.control;
+        for (const QWidget* widget : QApplication::topLevelWidgets())
+            EXPECT_NE(widget->objectName(), job.form);
+        ++opened;
+    }
+    EXPECT_GE(opened, 4);
+    EXPECT_EQ(console.ini(), ini) << "cancelled forms wrote";
+
+    const auto fromMenu = [&](const char* action, const char* name, int key) {
+        bool came = false;
+        withForm(name, [&](QWidget& form) {
+            came = true;
+            expectSaneSize(form);
+            QTest::keyClick(&form, Qt::Key(key));
+        });
+        clickMenu(console.form, "mnuHelp", action);
+        EXPECT_TRUE(QTest::qWaitFor([&came] { return came; })) << action;
+    };
+    fromMenu("mnuAbout", "frmSplash", Qt::Key_Escape);
+    fromMenu("mnuHelpContents", "frmHelp", Qt::Key_Escape);
 }

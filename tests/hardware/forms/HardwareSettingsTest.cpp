@@ -3,9 +3,16 @@
 
 #include "support/QtPrinters.h"
 
+#include "dialogs/FitForm.h"
 #include "hardware/LineList.h"
+#include "platform/Machine.h"
 
-#include <QFileInfo>
+#include <QAbstractTextDocumentLayout>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextTable>
 
 #include <gtest/gtest.h>
 
@@ -208,14 +215,31 @@ TEST(HardwareSettings, CancelAsksOnlyWhenSomethingWouldBeLost) {
     EXPECT_EQ(hw.prompts.asked.size(), 2);
 }
 
+TEST(HardwareSettings, TheSizeFollowsTheLinesUpToTheScreen) {
+    HardwareForm hw("[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\nDescription8=Last\r\n");
+    for (const int inputs : {0, 12, 90}) {
+        hw.driver.addFixed(0, inputs, 1);
+        hw.machine.write(iniPath, inputs == 0 ? hw.ini() : "[Hardware1]\r\nCardType=4\r\n");
+        platform::ForgetProfiles();
+        frmHardwareSettings form;
+        FitForm(&form);
+        const QSize screen = form.screen()->availableSize();
+        form.show();
+        QApplication::processEvents();
+        auto* grid = form.findChild<QTabWidget*>("tbsSettings")->widget(0)->findChild<LineGrid*>("gridUsage");
+        EXPECT_EQ(grid->verticalScrollBar()->maximum() > 0, inputs == 90) << inputs;
+        EXPECT_LE(form.width(), screen.width());
+        EXPECT_EQ(form.height() == screen.height(), inputs == 90) << inputs;
+    }
+}
+
 TEST(HardwareSettings, SaysWhichDeviceTheLinesCameFrom) {
     HardwareForm hw(threeCards);
     hw.driver.addFixed(10, 3, 2);
     hw.open();
     EXPECT_EQ(hw.prompts.asked.size(), 1); // device 16, which is the card's own, does not answer
     const auto origin = [&](int card) { return hw.on<QLabel>(card, "lblOrigin"); };
-    EXPECT_TRUE(origin(1)->isHidden());
-    EXPECT_FALSE(origin(2)->isHidden());
+    EXPECT_EQ(origin(1)->text(), "");
     EXPECT_EQ(origin(2)->text(),
               "The lines are those of device 10: 3 inputs and 2 outputs. Apply sets device "
               "16, which is 10 in hexadecimal.");
@@ -256,18 +280,47 @@ TEST(HardwareSettings, TheLineListNamesWhatIsWired) {
     hw.driver.addFixed(16, 3, 2);
     hw.driver.addFixed(10, 3, 2);
     hw.open();
+    settings().LinkMeshId = 3;
+    EXPECT_FALSE(hw.form->listHtml().contains("not applied yet"));
+    hw.click(1, 1, ColumnLogic);
+    EXPECT_EQ(hw.form->listHtml().count("not applied yet"), 1);
+    EXPECT_TRUE(hw.form->listHtml().contains("Workstation 3 (" + platform::ComputerName() + ")"));
     HardwareLine& line = HardwareCards()[1].Lines[2];
     line.Description = "Lamp <A> & B";
     line.ActiveLow = -1;
+    HardwareCards()[2].Lines[1].Action = 999;
+    HardwareCards()[2].Lines[1].ActionData[1] = 7;
     const ListedCard card{1, "RS232 based controller", 8, &HardwareCards()[1]};
-    const QString html =
-        LineListHtml("Lines", "Studio 1", {card, {3, "Disabled", 0, &HardwareCards()[3]}}, true);
+    const QString html = LineListHtml(
+        "Lines", "Studio 1",
+        {card, {2, "Advantech", 5, &HardwareCards()[2], false}, {3, "Disabled", 0, &HardwareCards()[3]}},
+        true);
     EXPECT_TRUE(html.contains("Lamp &lt;A&gt; &amp; B"));
     EXPECT_TRUE(html.contains("Active low"));
     EXPECT_TRUE(html.contains("IC Trigger, Instant Cart 4"));
-    EXPECT_EQ(html.count("<tr>"), 3);
+    EXPECT_TRUE(html.contains("Action 999, 0, 7, 0, 0"));
+    EXPECT_EQ(html.count("<tr>"), 5);
+    EXPECT_TRUE(html.contains("<h3>Card 1: RS232 based controller</h3>"));
+    EXPECT_TRUE(html.contains("<h3>Card 2: Advantech (not applied yet)</h3>"));
     EXPECT_FALSE(html.contains("Card 3"));
     EXPECT_EQ(LineListHtml("Lines", "", {card}, false).count("<tr>"), 9);
+    // Columns of both cards stand under each other.
+    QTextDocument page;
+    page.setTextWidth(600);
+    page.setHtml(html);
+    QList<QList<qreal>> lefts;
+    for (const QTextFrame* frame : page.rootFrame()->childFrames())
+        if (const auto* table = qobject_cast<const QTextTable*>(frame)) {
+            lefts.append(QList<qreal>());
+            for (int column = 0; column < table->columns(); ++column)
+                lefts.last() +=
+                    page.documentLayout()
+                        ->blockBoundingRect(table->cellAt(0, column).firstCursorPosition().block())
+                        .left();
+        }
+    ASSERT_EQ(lefts.size(), 2);
+    EXPECT_EQ(lefts[0].size(), 5);
+    EXPECT_EQ(lefts[0], lefts[1]);
 
     hw.prompts.files = {std::nullopt, QString("C:\\LINES.PDF"), QString("C:\\GONE\\LINES.PDF")};
     for (int i = 0; i < 3; ++i)
