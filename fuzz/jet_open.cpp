@@ -39,6 +39,8 @@ public:
     bool lock(std::uint64_t, std::uint64_t, bool, bool) override { return true; }
     void unlock(std::uint64_t, std::uint64_t) override {}
     std::optional<std::uint64_t> findLock(std::uint64_t, std::uint64_t) override { return std::nullopt; }
+    bool isNow(const std::string&) override { return true; }
+    void takeRightsOf(const std::string&) override {}
 
 private:
     Bytes bytes_;

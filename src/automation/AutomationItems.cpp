@@ -135,8 +135,8 @@ constexpr Item items[] = {
     {"MUSIC.LastSent", &Record::MUSIC_LastSent, "", DefaultRule::NotWritten},
     {"MUSIC.SentBy", &Record::MUSIC_SentBy, "", DefaultRule::NotWritten},
     {"RotaweaveLiteMode", &Record::RotaweaveLiteMode, 0, DefaultRule::NotWritten},
-    // Its write default is the colour of an older version.
-    {"CMDS.Colour", &Record::CMDS_Colour, "15449533", 16304375},
+    // The colour of an older version is compared with as a text: somebody may want that colour.
+    {"CMDS.Colour", &Record::CMDS_Colour, "15449533", "16304375"},
     {"HOURS.Colour", &Record::HOURS_Colour, "15449533", "15449533"},
 };
 

@@ -2,8 +2,6 @@
 
 #include "databases/SuiteDatabase.h"
 
-#include <array>
-
 namespace tolvex {
 
 const Table& KOVALogSchema() {
@@ -163,17 +161,14 @@ const Table& KOVAScheduleSchema() {
     return table;
 }
 
-namespace {
-
-std::array<const Table*, 5> schemas() {
-    return {&KOVALogSchema(), &SettingsTableSchema(), &KOVASongsSchema(), &KOVAJinglesSchema(),
-            &KOVAScheduleSchema()};
+TableList KOVADatabaseTables() {
+    static const Table* const tables[] = {&KOVALogSchema(), &SettingsTableSchema(), &KOVASongsSchema(),
+                                          &KOVAJinglesSchema(), &KOVAScheduleSchema()};
+    return tables;
 }
 
-} // namespace
-
 qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& connect) {
-    return static_cast<qint16>(ValidateDatabaseTables(databaseName, schemas(), connect));
+    return static_cast<qint16>(ValidateDatabaseTables(databaseName, KOVADatabaseTables(), connect));
 }
 
 bool HasKOVADatabaseIndexes(SuiteDatabase& database) {
@@ -182,7 +177,7 @@ bool HasKOVADatabaseIndexes(SuiteDatabase& database) {
         return shape && shape->indexes.contains(QLatin1String(index), Qt::CaseInsensitive);
     };
     bool all = has("Description", "Main");
-    for (const Table* schema : schemas())
+    for (const Table* schema : KOVADatabaseTables())
         for (const Index& index : schema->indexes)
             all = all && has(schema->name, index.name);
     return all;

@@ -11,6 +11,9 @@ const Table& KOVASongsSchema();
 const Table& KOVAJinglesSchema();
 const Table& KOVAScheduleSchema();
 
+// All tables but that of the description, in the order in which they are checked.
+TableList KOVADatabaseTables();
+
 // Brings all tables of an automation database, a file or with `connect` one on a server, up to date. Result:
 // 0 or, reported, the error number of the first failure.
 qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& connect = {});

@@ -2,7 +2,6 @@
 
 #include "automation/AutomationItems.h"
 #include "automation/AutomationSchema.h"
-#include "core/Folders.h"
 #include "core/Numbers.h"
 #include "core/Settings.h"
 #include "databases/DatabaseKinds.h"
@@ -11,7 +10,6 @@
 #include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 #include "databases/ValidateDatabase.h"
-#include "platform/Files.h"
 #include "platform/ProfileFile.h"
 
 namespace tolvex {
@@ -112,48 +110,28 @@ int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record) {
     return 0;
 }
 
-// Marks a database that is whole. 0; -1 when something is missing in it; else the error number.
+int putBeenSet(SuiteDatabase& database) {
+    auto rows = database.open(QStringLiteral("Settings"), RecordsetMode::Table);
+    rows->setIndex(QStringLiteral("Main"));
+    return isConfigured(*rows) ? 0 : PutDatabaseSetting(rows.get(), BeenSet, 1, 0);
+}
+
+// What the default database has from the start. 0 or, reported, the error number: also for an index that
+// could not be added, since nobody would add it later.
+int fillDefault(SuiteDatabase& database) {
+    if (const int error = CheckTables(database, KOVADatabaseTables()))
+        return error;
+    return HasKOVADatabaseIndexes(database) ? putBeenSet(database) : int{ItemNotFoundError};
+}
+
 int markConfigured(const QString& path) {
     try {
         const auto database = OpenSuiteDatabase(path);
-        if (!HasKOVADatabaseIndexes(*database))
-            return NotConfigured;
-        auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
-        rows->setIndex(QStringLiteral("Main"));
-        const int error = PutDatabaseSetting(rows.get(), BeenSet, 1, 0);
-        rows.reset();
+        const int error = putBeenSet(*database);
         database->close();
         return error;
     } catch (const DatabaseError& error) {
         return Report(QStringLiteral("opening the K-OVA settings table"), error);
-    }
-}
-
-const QString DefaultTitle = QStringLiteral("K-Ova Database");
-
-// Whether the default database was begun and never finished: its making was interrupted. The mark that it is
-// configured is the last thing it gets.
-bool isUnfinished(const QString& path) {
-    if (FileLength(path) <= 0)
-        return false;
-    try {
-        const auto database = OpenSuiteDatabase(path);
-        if (!database->table(QStringLiteral("Description")))
-            return true;
-        const auto row = database->open(QStringLiteral("Description"), RecordsetMode::Table);
-        if (row->eof())
-            return true;
-        if (row->value(QStringLiteral("Type")).toInt() != KOVAType ||
-            row->value(QStringLiteral("Description")).toString() != DefaultTitle)
-            return false;
-        const auto table = database->table(QStringLiteral("Settings"));
-        if (!table || !table->indexes.contains(QStringLiteral("Main"), Qt::CaseInsensitive))
-            return true;
-        const auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
-        rows->setIndex(QStringLiteral("Main"));
-        return !isConfigured(*rows);
-    } catch (const DatabaseError&) {
-        return false;
     }
 }
 
@@ -185,6 +163,11 @@ qint16 SaveKOVASettings(SuiteDatabase& database) {
     const auto rows = openSettings(database, &error);
     if (!rows)
         return static_cast<qint16>(error);
+    // Each item by itself would pass such a table over in silence.
+    if (!rows->updatable())
+        return static_cast<qint16>(
+            Report(QStringLiteral("opening the K-OVA settings table"),
+                   {ReadOnlyError, QStringLiteral("It may not be changed. ") + database.readOnlyReason()}));
     const HeldReports reports;
     try {
         database.begin();
@@ -206,25 +189,18 @@ qint32 CreateDefaultKOVADatabase(bool setAsDefault) {
     Settings& values = settings();
     const QString folder = values.DataLocation + QStringLiteral("\\SCHEDULE\\");
     const QString path = folder + fileName;
-    const QString present = platform::ProfileText(section, key, {}, values.LocalIniFile);
-    const bool named = present.compare(fileName, Qt::CaseInsensitive) == 0;
-    // A workstation that moves to another data location names one that is not there.
-    const bool begun =
-        (named && !platform::FileExists(path)) || ((named || present.isEmpty()) && isUnfinished(path));
-    if (!begun) {
-        QString first;
-        if (!present.isEmpty() || FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
-            return 0;
-    }
-    QString title = DefaultTitle;
-    if (ValidateDatabase(path, KOVAType, true, &title) != 0 || ValidateKOVADatabaseTables(path) != 0)
+    QString first;
+    if (!platform::ProfileText(section, key, {}, values.LocalIniFile).isEmpty() ||
+        FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
         return 0;
-    if (setAsDefault) {
-        if (platform::WriteProfileText(section, key, fileName, values.LocalIniFile) != platform::ProfileOk)
-            return 0;
+    QString title = QStringLiteral("K-Ova Database");
+    if (ValidateDatabase(path, KOVAType, true, &title, {}, fillDefault) != 0 ||
+        ValidateKOVADatabaseTables(path) != 0 || markConfigured(path) != 0)
+        return 0;
+    if (setAsDefault &&
+        platform::WriteProfileText(section, key, fileName, values.LocalIniFile) == platform::ProfileOk)
         values.DefaultDatabase = fileName;
-    }
-    return markConfigured(path) == 0 ? -1 : 0;
+    return -1;
 }
 
 } // namespace tolvex

@@ -19,10 +19,10 @@ qint32 LoadKOVASettings(SuiteDatabase& database, const std::function<void()>& sh
 // error number.
 qint16 SaveKOVASettings(SuiteDatabase& database);
 
-// Makes the automation database KOVA26.MDB of the data location unless the workstation has a default one or
-// the folder for them holds one of the kind. `setAsDefault` names it in the local ini file. One that is named
-// there but missing is made too, and one whose making was interrupted is finished. Result: -1 (true) when it
-// made a database, else 0.
+// Makes the automation database KOVA26.MDB of the data location, unless the workstation names a default one,
+// even a missing one, or the folder for them holds one of the kind, which is left alone. The file appears
+// whole, marked as configured, or not at all. `setAsDefault` names it in the local ini file then. Result: -1
+// (true) when it made a database, else 0.
 qint32 CreateDefaultKOVADatabase(bool setAsDefault);
 
 } // namespace tolvex

@@ -29,18 +29,19 @@ InstalledItem file(const QString& what, const QString& path, qint64 length = 1) 
     return {what, path, FileLength(path) >= length};
 }
 
-// The default database that configuration makes, or the one of its kind that it found. One with a name of its
-// own was chosen by somebody, and is not looked for.
+// The default database that configuration makes, or the one of its kind that it found. Where a default is
+// named, none is made: one that is not there is not missing from the configuration.
 QList<InstalledItem> automationDatabase() {
     const QString ours = QStringLiteral("KOVA26.MDB");
     const QString folder = settings().DataLocation + QStringLiteral("\\SCHEDULE\\");
     QString name = platform::ProfileText(QStringLiteral("KOVA"), QStringLiteral("DefaultDatabase"), {},
                                          settings().LocalIniFile);
-    if (!name.isEmpty() && name.compare(ours, Qt::CaseInsensitive) != 0)
-        return {};
-    if (name.isEmpty())
+    const bool named = !name.isEmpty();
+    if (!named)
         FindDatabaseOfType(folder, KOVAType, &name, 1);
-    return {file(QStringLiteral("Automation database"), folder + (name.isEmpty() ? ours : name))};
+    const InstalledItem item =
+        file(QStringLiteral("Automation database"), folder + (name.isEmpty() ? ours : name));
+    return named && !item.present ? QList<InstalledItem>() : QList{item};
 }
 
 } // namespace

@@ -37,6 +37,8 @@ public:
     std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) override {
         return file_->findLock(offset, length);
     }
+    bool isNow(const std::string& path) override { return file_->isNow(path); }
+    void takeRightsOf(const std::string& path) override { file_->takeRightsOf(path); }
 
 private:
     std::unique_ptr<StorageFile> file_;

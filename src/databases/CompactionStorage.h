@@ -24,6 +24,10 @@ public:
     bool exists(const std::string& path) override { return files_.exists(path); }
     void remove(const std::string& path) override { files_.remove(path); }
     void rename(const std::string& from, const std::string& to) override { files_.rename(from, to); }
+    void publish(const std::string& from, const std::string& to) override { files_.publish(from, to); }
+    bool link(const std::string& path, const std::string& second) override {
+        return files_.link(path, second);
+    }
 
 private:
     jet::Storage& files_;

@@ -10,6 +10,7 @@ namespace tolvex {
 namespace {
 
 constexpr int LongestItem = 250;
+constexpr int MostAttempts = 10; // at a row that other workstations change at the same time
 const QString Item = QStringLiteral("Item");
 const QString Value = QStringLiteral("Value");
 const QString MainIndex = QStringLiteral("Main");
@@ -61,6 +62,31 @@ void clear(SuiteRecordset& recordset) {
         recordset.moveNext();
 }
 
+// `action` says what was being done when it throws.
+void put(SuiteRecordset& recordset, const QString& name, const QVariant& value, const QVariant& fallback,
+         const char*& action) {
+    const bool found = locate(recordset, name);
+    if (SameStoredValue(value, fallback)) {
+        action = "clearing the database setting : ";
+        if (found)
+            clear(recordset);
+        return;
+    }
+    if (found) {
+        action = "starting to edit an existing setting : ";
+        recordset.edit();
+    } else {
+        action = "starting to add a new setting : ";
+        recordset.addNew();
+        action = "setting the item name for a new setting : ";
+        recordset.set(Item, name);
+    }
+    action = "setting the value for a setting : ";
+    recordset.set(Value, value);
+    action = "updating the database setting : ";
+    recordset.update();
+}
+
 } // namespace
 
 bool SameStoredValue(const QVariant& first, const QVariant& second) {
@@ -85,33 +111,16 @@ qint32 PutDatabaseSetting(SuiteRecordset* recordset, const QString& item, const 
                           const QVariant& fallback, const QString& errorContext) {
     if (!recordset || item.isEmpty() || !recordset->updatable())
         return 0;
-    const char* action = "locating the database setting : ";
-    try {
-        const QString name = cutItem(*recordset, item);
-        const bool found = locate(*recordset, name);
-        if (SameStoredValue(value, fallback)) {
-            action = "clearing the database setting : ";
-            if (found)
-                clear(*recordset);
+    for (int attempt = 1;; ++attempt) {
+        const char* action = "locating the database setting : ";
+        try {
+            put(*recordset, cutItem(*recordset, item), value, fallback, action);
             return 0;
+        } catch (const DatabaseError& error) {
+            if (attempt == MostAttempts || !IsOthersChange(error.number))
+                return Report(errorContext + QLatin1String(action) + item, error);
         }
-        if (found) {
-            action = "starting to edit an existing setting : ";
-            recordset->edit();
-        } else {
-            action = "starting to add a new setting : ";
-            recordset->addNew();
-            action = "setting the item name for a new setting : ";
-            recordset->set(Item, name);
-        }
-        action = "setting the value for a setting : ";
-        recordset->set(Value, value);
-        action = "updating the database setting : ";
-        recordset->update();
-    } catch (const DatabaseError& error) {
-        return Report(errorContext + QLatin1String(action) + item, error);
     }
-    return 0;
 }
 
 } // namespace tolvex

@@ -2,6 +2,7 @@
 
 #include "core/Dates.h"
 #include "jet/Database.h"
+#include "jet/Draft.h"
 #include "jet/Execute.h"
 #include "jet/Recordset.h"
 #include "jet/TableDesign.h"
@@ -106,6 +107,8 @@ public:
         return database_.header().version == jet::PageZero::Jet3 ? QStringLiteral("3.0")
                                                                  : QStringLiteral("4.0");
     }
+
+    QString readOnlyReason() const override { return QString::fromStdString(database_.readOnlyReason()); }
 
     std::optional<Shape> table(const QString& name) override {
         return onEngine([&]() -> std::optional<Shape> {
@@ -254,9 +257,25 @@ std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path) {
     });
 }
 
-void CreateSuiteDatabase(const QString& path) {
+void CreateSuiteDatabase(const QString& path, const std::function<void(SuiteDatabase&)>& fill) {
     const std::string host = EnginePath(path);
-    onEngine([&] { jet::Database::create(host).close(); });
+    onEngine([&] {
+        jet::Storage& storage = jet::MachineStorage();
+        jet::Draft draft(storage, host);
+        if (fill) {
+            jet::OpenOptions alone;
+            alone.exclusive = true;
+            JetDatabase database(jet::Database::open(storage, draft.path(), alone));
+            fill(database);
+            database.close();
+        }
+        draft.publish();
+    });
+}
+
+void RemoveEmptyDatabase(const QString& path) {
+    const std::string host = EnginePath(path);
+    onEngine([&] { jet::Draft::removeEmpty(jet::MachineStorage(), host); });
 }
 
 } // namespace tolvex

@@ -15,6 +15,9 @@ public:
               std::make_unique<OdbcConnection>(DatabaseAttributes(connect, name), ServerName(connect))) {}
 
     QString engineVersion() const override { return {}; }
+    QString readOnlyReason() const override {
+        return connection().readOnly() ? QStringLiteral("the server lets it be read only") : QString();
+    }
 
     std::optional<Shape> table(const QString& name) override {
         const auto found = FindServerTable(connection(), name);

@@ -54,6 +54,8 @@ int addFields(SuiteDatabase& database, TableChange& change, const QString& table
             database.appendField(table, field, allowZeroLength);
             shape.fields += QLatin1String(field.name);
         } catch (const DatabaseError& error) {
+            if (error.number == FieldExistsError)
+                continue; // another workstation was quicker
             return Report(QStringLiteral("adding the %1 field").arg(QLatin1String(field.name)), error);
         }
     }
@@ -69,10 +71,25 @@ void addIndexes(SuiteDatabase& database, TableChange& change, const Table& table
             change.begin();
             database.appendIndex(QLatin1String(table.name), index);
         } catch (const DatabaseError& error) {
+            if (error.number == IndexExistsError)
+                continue;
             Report(QStringLiteral("adding the index '%1' to the %2 table")
                        .arg(QLatin1String(index.name), QLatin1String(table.name)),
                    error);
         }
+    }
+}
+
+// A table with its first field alone, or the one that another workstation has made meanwhile.
+SuiteDatabase::Shape createOrFind(SuiteDatabase& database, const QString& name, const Field& first) {
+    try {
+        database.createTable(name, first, true);
+        return {{QLatin1String(first.name)}, {}};
+    } catch (const DatabaseError& error) {
+        auto shape = error.number == TableExistsError ? database.table(name) : std::nullopt;
+        if (!shape)
+            throw;
+        return *std::move(shape);
     }
 }
 
@@ -88,11 +105,10 @@ int checkTable(SuiteDatabase& database, TableChange& change, const Table& table)
     if (!shape) {
         try {
             change.begin();
-            database.createTable(name, first, true);
+            shape = createOrFind(database, name, first);
         } catch (const DatabaseError& error) {
             return Report(QStringLiteral("creating the %1 Table").arg(name), error);
         }
-        shape = SuiteDatabase::Shape{{QLatin1String(first.name)}, {}};
     }
     if (const int error = addFields(database, change, name, *shape, table.fields, true))
         return error;
@@ -140,17 +156,22 @@ int ValidateSettingsTable(SuiteDatabase& database) {
     return CheckTable(database, SettingsTableSchema());
 }
 
-int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables,
-                           const QString& connect) {
+int CheckTables(SuiteDatabase& database, TableList tables) {
+    for (const Table* table : tables)
+        if (const int error = CheckTable(database, *table))
+            return error;
+    return 0;
+}
+
+int ValidateDatabaseTables(const QString& databaseName, TableList tables, const QString& connect) {
     std::unique_ptr<SuiteDatabase> database;
     try {
         database = OpenSuiteDatabase(databaseName, connect);
     } catch (const DatabaseError& error) {
         return Report(QStringLiteral("opening the database"), error);
     }
-    for (const Table* table : tables)
-        if (const int error = CheckTable(*database, *table))
-            return error;
+    if (const int error = CheckTables(*database, tables))
+        return error;
     try {
         database->close();
     } catch (const DatabaseError& error) {

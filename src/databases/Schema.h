@@ -57,9 +57,13 @@ int CheckFields(SuiteDatabase& database, const QString& table, std::span<const F
 // The check of the table of private settings alone.
 int ValidateSettingsTable(SuiteDatabase& database);
 
-// Opens a database, a file or with `connect` one on a server, checks tables in their order, and closes it.
-// Stops at the first failure and gives its error number; tables before it are up to date.
-int ValidateDatabaseTables(const QString& databaseName, std::span<const Table* const> tables,
-                           const QString& connect = {});
+using TableList = std::span<const Table* const>;
+
+// Checks tables in their order. Stops at the first failure and gives its error number; tables before it are
+// up to date.
+int CheckTables(SuiteDatabase& database, TableList tables);
+
+// The same for a database that is opened for it, a file or with `connect` one on a server, and closed again.
+int ValidateDatabaseTables(const QString& databaseName, TableList tables, const QString& connect = {});
 
 } // namespace tolvex

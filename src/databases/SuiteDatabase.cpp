@@ -5,6 +5,15 @@
 
 namespace tolvex {
 
+DatabaseTransaction::~DatabaseTransaction() {
+    try {
+        if (database_)
+            database_->rollback();
+    } catch (const DatabaseError&) {
+        // What made the transaction fail was told.
+    }
+}
+
 std::unique_ptr<SuiteDatabase> OpenSuiteDatabase(const QString& name, const QString& connect) {
     return connect.isEmpty() ? OpenJetDatabase(name) : OpenServerDatabase(name, connect);
 }

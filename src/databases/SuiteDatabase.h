@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -24,13 +25,28 @@ struct DatabaseError {
 // Error numbers that routines act upon.
 enum DatabaseErrorNumber : int {
     TypeMismatchError = 13,
+    TableExistsError = 3010,
     DuplicateKeyError = 3022,
+    ReadOnlyError = 3027,
+    NullKeyError = 3058,
     ServerCallFailed = 3146,
     ConnectionFailed = 3151,
+    FieldTooSmallError = 3163,
+    RecordDeletedError = 3167,
+    FieldExistsError = 3191,
+    RecordChangedError = 3197,
+    DatabaseExistsError = 3204,
     NoPermissionOnServer = 3228,
     ItemNotFoundError = 3265,
+    IndexExistsError = 3284,
     UnrecognisedDatabase = 3343,
 };
+
+// Whether an error of a row means that another workstation has added, changed or removed it since it was
+// looked for.
+inline bool IsOthersChange(int number) {
+    return number == DuplicateKeyError || number == RecordChangedError || number == RecordDeletedError;
+}
 
 // The rows of a table, or of what a query selects, one of which is current.
 class SuiteRecordset {
@@ -79,6 +95,9 @@ public:
     // The engine's own version of the file ("4.0"); empty for a server.
     virtual QString engineVersion() const = 0;
 
+    // Empty: may be changed. Otherwise why not.
+    virtual QString readOnlyReason() const = 0;
+
     // Nothing when there is no such table.
     virtual std::optional<Shape> table(const QString& name) = 0;
     virtual void createTable(const QString& name, const Field& first, bool allowZeroLength) = 0;
@@ -103,6 +122,25 @@ public:
     virtual void close() = 0;
 };
 
+// A transaction in a scope: undone unless committed.
+class DatabaseTransaction {
+public:
+    explicit DatabaseTransaction(SuiteDatabase& database)
+        : database_(&database) {
+        database.begin();
+    }
+    ~DatabaseTransaction();
+    DatabaseTransaction(const DatabaseTransaction&) = delete;
+    DatabaseTransaction& operator=(const DatabaseTransaction&) = delete;
+    void commit() {
+        database_->commit();
+        database_ = nullptr;
+    }
+
+private:
+    SuiteDatabase* database_;
+};
+
 // Opens a database, for reading and writing, shared with others; a file for reading only while the machine is
 // only looked at. `connect` empty: a file, by its path in the suite. Otherwise a database on a server, by its
 // name.
@@ -120,8 +158,11 @@ std::unique_ptr<DatabaseServer> ConnectToServer(const QString& connect);
 // The statement that asks a server for its databases, or for the one of this name.
 QString DatabasesStatement(const QString& name = {});
 
-// Makes a new, empty file. Throws when there is one.
-void CreateSuiteDatabase(const QString& path);
+// Makes a new file, with what `fill` puts into it: the file gets its name when it is whole, and another one
+// of the name is never replaced. Throws DatabaseExistsError when there is one, or what `fill` throws.
+void CreateSuiteDatabase(const QString& path, const std::function<void(SuiteDatabase&)>& fill = {});
+// Removes a file of no length, and no other. Throws.
+void RemoveEmptyDatabase(const QString& path);
 
 // Puts a text in quotes for a criterion or statement, any in it doubled.
 QString QuotedText(const QString& text, QChar quote = u'\'');

@@ -123,6 +123,8 @@ void importFile(const QString& name, SuiteRecordset& users) {
         QString login;
         try {
             login = accounts->value(QStringLiteral("Login")).toString();
+            if (login.trimmed().isEmpty())
+                throw DatabaseError{NullKeyError, QStringLiteral("The account has no login.")};
             importRow(*accounts, users, login);
         } catch (const DatabaseError& error) {
             Report(QStringLiteral("adding %1 to the users database").arg(login), error);

@@ -69,6 +69,7 @@ void doFirstRun(SuiteRecordset& rows, UsersState& state) {
 }
 
 void stampVersion(SuiteDatabase& database) {
+    DatabaseTransaction transaction(database); // other workstations may start at the same time
     auto row = database.open(QStringLiteral("Description"), RecordsetMode::Table);
     if (row->eof())
         row->addNew();
@@ -76,6 +77,7 @@ void stampVersion(SuiteDatabase& database) {
         row->edit();
     row->set(QStringLiteral("Version"), CurrentVersion);
     row->update();
+    transaction.commit();
 }
 
 // Opens and reads; the daily processing comes after it.
@@ -147,7 +149,21 @@ bool isDue(const QVariant& date) {
     return date.isValid() && SerialDate(date.toDateTime()) <= today();
 }
 
-// Result: the last error number.
+// Deletes or disables the account of the current row. Result: 0 or the error number.
+int processAccount(SuiteRecordset& accounts, const QString& by) {
+    const QString login = accounts.value(QStringLiteral("LoginName")).toString();
+    if (isDue(accounts.value(QStringLiteral("DeletionDate")))) {
+        AddEventToUserHistory(by, AccountDeleted, DeleteUser(login) ? EventSucceeded : EventFailed, login);
+        return 0;
+    }
+    const int error = disableAccount(accounts);
+    if (!IsOthersChange(error))
+        AddEventToUserHistory(by, AccountDisabled, error == 0 ? EventSucceeded : EventFailed, login);
+    return error;
+}
+
+// Result: the last error number. Accounts that another workstation deals with at the same time are passed
+// over.
 int processAccounts(SuiteDatabase& database, const QString& by) {
     const auto accounts = database.open(
         QStringLiteral("SELECT * FROM [users] WHERE ([ExpirationDate]<=%1 OR [DeletionDate]<=%1)")
@@ -155,16 +171,14 @@ int processAccounts(SuiteDatabase& database, const QString& by) {
         RecordsetMode::Dynaset);
     int result = 0;
     for (; !accounts->eof(); accounts->moveNext()) {
-        const QString login = accounts->value(QStringLiteral("LoginName")).toString();
-        if (isDue(accounts->value(QStringLiteral("DeletionDate")))) {
-            AddEventToUserHistory(by, AccountDeleted, DeleteUser(login) ? EventSucceeded : EventFailed,
-                                  login);
-        } else {
-            const int error = disableAccount(*accounts);
-            AddEventToUserHistory(by, AccountDisabled, error == 0 ? EventSucceeded : EventFailed, login);
-            if (error != 0)
-                result = error;
+        int error = 0;
+        try {
+            error = processAccount(*accounts, by);
+        } catch (const DatabaseError& thrown) {
+            error = thrown.number;
         }
+        if (error != 0 && !IsOthersChange(error))
+            result = error;
     }
     return result;
 }
@@ -225,7 +239,8 @@ QString UsersDatabaseFile() {
 
 qint16 OpenUsersDatabase(const QString& fileName) {
     QString title = QStringLiteral("Users Database");
-    if (ValidateDatabase(fileName, UsersDatabaseType, true, &title) != 0)
+    const auto tables = [](SuiteDatabase& database) { return CheckTables(database, UsersDatabaseTables()); };
+    if (ValidateDatabase(fileName, UsersDatabaseType, true, &title, {}, tables) != 0)
         return -1;
     UsersState& state = usersState();
     if (state.database)

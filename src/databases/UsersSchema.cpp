@@ -91,10 +91,14 @@ const Table& UserPreferencesSchema() {
     return table;
 }
 
+TableList UsersDatabaseTables() {
+    static const Table* const tables[] = {&SettingsTableSchema(), &UsersSchema(), &UserGroupsSchema(),
+                                          &UserHistorySchema(), &UserPreferencesSchema()};
+    return tables;
+}
+
 qint16 ValidateUsersDatabaseTables(const QString& databaseName, const QString& connect) {
-    const Table* const tables[] = {&SettingsTableSchema(), &UsersSchema(), &UserGroupsSchema(),
-                                   &UserHistorySchema(), &UserPreferencesSchema()};
-    return static_cast<qint16>(ValidateDatabaseTables(databaseName, tables, connect));
+    return static_cast<qint16>(ValidateDatabaseTables(databaseName, UsersDatabaseTables(), connect));
 }
 
 std::span<const UserGroup> DefaultUserGroups() {

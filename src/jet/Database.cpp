@@ -1,6 +1,6 @@
 #include "jet/Database.h"
 
-#include "jet/CreateDatabase.h"
+#include "jet/Draft.h"
 #include "jet/Error.h"
 #include "jet/Jet3File.h"
 #include "jet/PageFile.h"
@@ -85,20 +85,7 @@ Database Database::create(const std::string& path, const OpenOptions& options) {
 }
 
 Database Database::create(Storage& storage, const std::string& path, const OpenOptions& options) {
-    if (storage.exists(path))
-        throw Error(ErrorNumber::DatabaseExists, path);
-    const Bytes image = FreshDatabase(LocalTime());
-    const std::string beside = path + "-new";
-    storage.remove(beside);
-    try {
-        const auto file = storage.open(beside, Storage::Open::CreateNew);
-        file->write(0, image.data(), image.size());
-        file->flush();
-    } catch (const Error&) {
-        storage.remove(beside);
-        throw;
-    }
-    storage.rename(beside, path);
+    Draft(storage, path).publish();
     return open(storage, path, options);
 }
 

@@ -49,7 +49,7 @@ struct FilePager::Impl {
         , free(pager, stored.header().freeMap)
         , readOnlyReason(whyReadOnly(wanted, stored.isWritable(), stored.header())) {}
 
-    void open();
+    bool open();
     void takeOverLog(Sharing::Others others);
 
     PageCache::Frame& load(PageNumber page);
@@ -96,7 +96,8 @@ struct FilePager::Impl {
 
 // ---- Opening
 
-void FilePager::Impl::open() {
+// False: the file was replaced before this user was in, by one that is to be opened in its place.
+bool FilePager::Impl::open() {
     const PageZero& header = stored.header();
     if (!header.password.empty() && header.password != options.password)
         throw Error(ErrorNumber::InvalidPassword, path);
@@ -104,6 +105,11 @@ void FilePager::Impl::open() {
     const Sharing::Others others = sharing->join(options.exclusive);
     stored.setShared(!sharing->isExclusive());
     try {
+        if (!stored.file().isNow(path)) {
+            closed = true;
+            sharing->finishLeaving(!others.any);
+            return false;
+        }
         takeOverLog(others);
         sharing->joined();
     } catch (...) {
@@ -111,6 +117,7 @@ void FilePager::Impl::open() {
         throw;
     }
     ready = sharing->isExclusive();
+    return true;
 }
 
 void FilePager::Impl::takeOverLog(Sharing::Others others) {
@@ -515,9 +522,10 @@ void FilePager::Impl::leaveFile(bool last) {
 
 // ---- The rest
 
-FilePager::FilePager(Storage& storage, const std::string& path, const OpenOptions& options)
-    : impl_(std::make_unique<Impl>(*this, storage, path, options)) {
-    impl_->open();
+FilePager::FilePager(Storage& storage, const std::string& path, const OpenOptions& options) {
+    do
+        impl_ = std::make_unique<Impl>(*this, storage, path, options);
+    while (!impl_->open());
 }
 
 FilePager::~FilePager() {

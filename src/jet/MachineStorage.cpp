@@ -1,69 +1,17 @@
 // Files of a POSIX system. The locks are those of open file descriptions, so that two users in one process
 // exclude each other and closing some other descriptor of the file releases nothing.
 #include "jet/Error.h"
+#include "jet/MachineNames.h"
 #include "jet/PageFile.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace jet {
 
 namespace {
-
-[[noreturn]] void fail(const std::string& path, const char* what, int error, ErrorNumber otherwise) {
-    ErrorNumber number = otherwise;
-    switch (error) {
-    case ENOENT:
-        number = ErrorNumber::FileNotFound;
-        break;
-    case ENOTDIR:
-    case ENAMETOOLONG:
-        number = ErrorNumber::SearchKeyNotFound;
-        break;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-        number = ErrorNumber::DiskFull;
-        break;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EISDIR:
-    case ETXTBSY:
-        number = ErrorNumber::CannotOpenFile;
-        break;
-    case EEXIST:
-        number = ErrorNumber::DatabaseExists;
-        break;
-    default:
-        break;
-    }
-    throw Error(number, path + ": " + what + ": " + std::strerror(error));
-}
-
-std::string folderOf(const std::string& path) {
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-// Makes names made in a folder survive a power cut. Some network file systems refuse it for folders; they
-// keep names by themselves.
-void flushFolder(const std::string& folder) {
-    const int folderFile = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folderFile < 0)
-        return;
-    const bool done = ::fsync(folderFile) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EACCES;
-    const int error = errno;
-    ::close(folderFile);
-    if (!done)
-        fail(folder, "flush", error, ErrorNumber::DiskIo);
-}
 
 class MachineFile final : public StorageFile {
 public:
@@ -78,7 +26,7 @@ public:
     std::uint64_t size() override {
         struct stat status {};
         if (::fstat(file_, &status) != 0)
-            fail(path_, "size", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "size", errno, ErrorNumber::DiskIo);
         return static_cast<std::uint64_t>(status.st_size);
     }
 
@@ -90,7 +38,7 @@ public:
             if (got < 0 && errno == EINTR)
                 continue;
             if (got < 0)
-                fail(path_, "read", errno, ErrorNumber::DiskIo);
+                FailAtFile(path_, "read", errno, ErrorNumber::DiskIo);
             if (got == 0)
                 break;
             done += static_cast<std::size_t>(got);
@@ -106,21 +54,21 @@ public:
             if (put < 0 && errno == EINTR)
                 continue;
             if (put <= 0)
-                fail(path_, "write", put < 0 ? errno : ENOSPC, ErrorNumber::DiskIo);
+                FailAtFile(path_, "write", put < 0 ? errno : ENOSPC, ErrorNumber::DiskIo);
             done += static_cast<std::size_t>(put);
         }
     }
 
     void truncate(std::uint64_t size) override {
         if (::ftruncate(file_, static_cast<off_t>(size)) != 0)
-            fail(path_, "set length", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "set length", errno, ErrorNumber::DiskIo);
     }
 
     void flush() override {
         if (::fdatasync(file_) != 0)
-            fail(path_, "flush", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "flush", errno, ErrorNumber::DiskIo);
         if (folderPending_)
-            flushFolder(folderOf(path_));
+            FlushFolderOf(path_);
         folderPending_ = false;
     }
 
@@ -139,7 +87,7 @@ public:
                 continue;
             if (errno == EAGAIN || errno == EACCES)
                 return false;
-            fail(path_, "lock", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "lock", errno, ErrorNumber::DiskIo);
         }
         return true;
     }
@@ -147,16 +95,42 @@ public:
     void unlock(std::uint64_t offset, std::uint64_t length) override {
         struct flock range = rangeOf(offset, length, F_UNLCK);
         if (::fcntl(file_, F_OFD_SETLK, &range) != 0)
-            fail(path_, "unlock", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "unlock", errno, ErrorNumber::DiskIo);
     }
 
     std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) override {
         struct flock range = rangeOf(offset, length, F_WRLCK);
         if (::fcntl(file_, F_OFD_GETLK, &range) != 0)
-            fail(path_, "look for locks", errno, ErrorNumber::DiskIo);
+            FailAtFile(path_, "look for locks", errno, ErrorNumber::DiskIo);
         if (range.l_type == F_UNLCK)
             return std::nullopt;
         return std::max(offset, static_cast<std::uint64_t>(range.l_start));
+    }
+
+    bool isNow(const std::string& path) override {
+        struct stat ours {};
+        struct stat named {};
+        if (::fstat(file_, &ours) != 0)
+            FailAtFile(path_, "look at", errno, ErrorNumber::DiskIo);
+        if (::stat(path.c_str(), &named) != 0) {
+            if (errno != ENOENT && errno != ENOTDIR)
+                FailAtFile(path, "look for", errno, ErrorNumber::DiskIo);
+            return false;
+        }
+        return IsSameFile(ours, named);
+    }
+
+    // A foreign owner cannot always be given; the group and the mode then still can.
+    void takeRightsOf(const std::string& path) override {
+        struct stat other {};
+        if (::stat(path.c_str(), &other) != 0)
+            FailAtFile(path, "look at", errno, ErrorNumber::DiskIo);
+        constexpr auto same = static_cast<uid_t>(-1);
+        if (::fchown(file_, other.st_uid, other.st_gid) != 0 && errno == EPERM &&
+            ::fchown(file_, same, other.st_gid) != 0 && errno != EPERM)
+            FailAtFile(path_, "set group", errno, ErrorNumber::DiskIo);
+        if (::fchmod(file_, other.st_mode & 07777) != 0 && errno != EPERM && errno != ENOTSUP)
+            FailAtFile(path_, "set mode", errno, ErrorNumber::DiskIo);
     }
 
 private:
@@ -182,38 +156,25 @@ public:
                                                    : O_RDWR | O_CREAT | O_EXCL;
         const int file = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
         if (file < 0)
-            fail(path, "open", errno, ErrorNumber::CannotOpenFile);
+            FailAtFile(path, "open", errno, ErrorNumber::CannotOpenFile);
         struct stat status {};
         if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
             ::close(file);
             throw Error(ErrorNumber::CannotOpenFile, path + ": not a file");
         }
+        // A file that nobody may write is marked read-only: that holds for a user who may write everything.
+        if (how == Open::ReadWrite && (status.st_mode & 0222) == 0) {
+            ::close(file);
+            throw Error(ErrorNumber::CannotOpenFile, path + ": marked read-only");
+        }
         return std::make_unique<MachineFile>(file, path, how == Open::CreateNew);
     }
 
-    // A share that has gone away is no sign that a file is not there: somebody's redo log could be taken for
-    // none.
-    bool exists(const std::string& path) override {
-        struct stat status {};
-        if (::stat(path.c_str(), &status) == 0)
-            return true;
-        if (errno != ENOENT && errno != ENOTDIR)
-            fail(path, "look for", errno, ErrorNumber::DiskIo);
-        return false;
-    }
-
-    void remove(const std::string& path) override {
-        if (::unlink(path.c_str()) != 0 && errno != ENOENT)
-            fail(path, "remove", errno, ErrorNumber::DiskIo);
-    }
-
-    void rename(const std::string& from, const std::string& to) override {
-        if (::rename(from.c_str(), to.c_str()) != 0)
-            fail(from, "rename", errno, ErrorNumber::DiskIo);
-        flushFolder(folderOf(to));
-        if (folderOf(from) != folderOf(to))
-            flushFolder(folderOf(from));
-    }
+    bool exists(const std::string& path) override { return FileIsThere(path); }
+    void remove(const std::string& path) override { RemoveName(path); }
+    void rename(const std::string& from, const std::string& to) override { RenameFile(from, to); }
+    void publish(const std::string& from, const std::string& to) override { PublishFile(from, to); }
+    bool link(const std::string& path, const std::string& second) override { return LinkFile(path, second); }
 };
 
 } // namespace

@@ -35,6 +35,10 @@ public:
     virtual void unlock(std::uint64_t offset, std::uint64_t length) = 0;
     // A byte of the range on which another open file holds a lock of any kind (not always the first one).
     virtual std::optional<std::uint64_t> findLock(std::uint64_t offset, std::uint64_t length) = 0;
+    // Whether this open file is the one that `path` names now: it may have been removed, or replaced.
+    virtual bool isNow(const std::string& path) = 0;
+    // Gives this file the owner, the group and the mode of another one, as far as the system lets it.
+    virtual void takeRightsOf(const std::string& path) = 0;
 };
 
 // Where files are opened, made, renamed and removed. Paths are host paths in UTF-8.
@@ -51,6 +55,13 @@ public:
     virtual void remove(const std::string& path) = 0;
     // Replaces `to` atomically; survives a power cut when it returns.
     virtual void rename(const std::string& from, const std::string& to) = 0;
+    // Renames, and never replaces: throws DatabaseExists when there is a `to`, which then stays as it is. Of
+    // several that publish under one name exactly one succeeds, on whatever machine. Survives a power cut
+    // when it returns.
+    virtual void publish(const std::string& from, const std::string& to) = 0;
+    // Gives a file a second name. Throws DatabaseExists when that is taken. False: files of this disk have
+    // one name only. Survives a power cut when it returns.
+    virtual bool link(const std::string& path, const std::string& second) = 0;
 };
 
 // The machine's own files.

@@ -72,6 +72,18 @@ void encodeState(const RedoLog::State& state, std::uint8_t* at) {
     Store64(at + 32, checksum(0, at, 32));
 }
 
+// Keeps a log under another name, and those that were kept before.
+void setAside(Storage& storage, const std::string& path) {
+    for (int number = 1;; ++number) {
+        try {
+            return storage.publish(path, path + "-unused" + (number == 1 ? "" : std::to_string(number)));
+        } catch (const Error& error) {
+            if (error.code() != ErrorNumber::DatabaseExists)
+                throw;
+        }
+    }
+}
+
 } // namespace
 
 std::uint64_t RedoLog::IdentityOf(const std::uint8_t* pageZero) {
@@ -90,8 +102,7 @@ std::unique_ptr<RedoLog> RedoLog::open(Storage& storage, const std::string& path
 std::unique_ptr<RedoLog> RedoLog::create(Storage& storage, const std::string& path, std::uint64_t identity,
                                          PageNumber pages) {
     if (storage.exists(path) && RedoLog(storage.open(path, Storage::Open::ReadOnly)).readHeader())
-        storage.rename(path,
-                       path + "-unused"); // of a file that was replaced, or changed by a program without logs
+        setAside(storage, path); // of a file that was replaced, or changed by a program without logs
     else
         storage.remove(path);
     std::unique_ptr<RedoLog> log(new RedoLog(storage.open(path, Storage::Open::CreateNew)));

@@ -19,6 +19,7 @@ constexpr std::uint64_t ReadingByte = LockBase + 1;  // shared by readers, exclu
 constexpr std::uint64_t WritingByte = LockBase + 2;  // the transaction
 constexpr std::uint64_t JoiningByte = LockBase + 3;  // entering and leaving
 constexpr std::uint64_t WriterByte = LockBase + 4;   // shared by each user who can write
+constexpr std::uint64_t DraftByte = LockBase + 5;    // exclusive while the file is being made
 constexpr std::uint64_t UserBase = LockBase + 0x100; // + n: user n of the lock file is of this engine
 
 // The lock file: an entry of two texts per user, and a byte far behind them that its user holds locked.
@@ -42,6 +43,10 @@ bool tryFor(Sharing::Wait wait, const std::function<bool()>& attempt) {
 }
 
 } // namespace
+
+bool Sharing::lockDraft(StorageFile& file, bool wait) {
+    return file.lock(DraftByte, 1, true, wait);
+}
 
 std::string Sharing::LockFileOf(const std::string& database) {
     const auto dot = database.rfind('.');
@@ -103,11 +108,10 @@ void Sharing::enterLockFile() {
         lockFile_ = storage_.open(lockPath_, storage_.exists(lockPath_) ? Storage::Open::ReadWrite
                                                                         : Storage::Open::CreateNew);
         for (int slot = 1; slot <= MaximumUsers && slot_ == 0; ++slot)
-            if (lockFile_->lock(UserLockBase + static_cast<std::uint64_t>(slot) - 1, 1, true, false))
+            if (takeSlot(static_cast<std::uint64_t>(slot)))
                 slot_ = slot;
         if (slot_ == 0)
             throw Error(ErrorNumber::FileLocked, path_ + ": 255 users have opened it");
-        file_.lock(UserBase + static_cast<std::uint64_t>(slot_), 1, false, false);
         std::array<char, EntryLength> entry{};
         MachineName().copy(entry.data(), NameLength - 1);
         std::string(UserName).copy(entry.data() + NameLength, NameLength - 1);
@@ -118,6 +122,18 @@ void Sharing::enterLockFile() {
         if (slot_ == 0)
             lockFile_.reset();
     }
+}
+
+// The byte of the database first: whoever meets the entry locked always sees that it is one of this engine.
+bool Sharing::takeSlot(std::uint64_t slot) {
+    const std::uint64_t entry = UserLockBase + slot - 1;
+    if (lockFile_->findLock(entry, 1))
+        return false;
+    file_.lock(UserBase + slot, 1, false, false);
+    if (lockFile_->lock(entry, 1, true, false))
+        return true;
+    file_.unlock(UserBase + slot, 1);
+    return false;
 }
 
 std::vector<int> Sharing::otherSlots() {

@@ -48,12 +48,17 @@ public:
     // log.
     bool hasForeignUsers();
 
+    // Locks a file that is being made, against others who would take it over. No user of a database minds
+    // this lock. False: another holds it.
+    static bool lockDraft(StorageFile& file, bool wait);
+
     static std::string LockFileOf(const std::string& database);
     // The computers entered in the lock file by users who are there now, but for this one.
     std::vector<std::string> otherUsers();
 
 private:
     void enterLockFile();
+    bool takeSlot(std::uint64_t slot);
     std::vector<int> otherSlots();
     std::string describeOthers();
 

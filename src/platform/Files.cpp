@@ -23,6 +23,18 @@ bool look(const QString& path, struct stat& info) {
     return at.error == NoError && ::stat(at.name.constData(), &info) == 0;
 }
 
+// Renames where nothing has the new name, even when another program takes it at this moment. False with the
+// errno; a file system that can do neither of these two is trusted to be used by nobody else.
+bool renameToNew(const QByteArray& from, const QByteArray& to) {
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
+        return false;
+    if (::link(from.constData(), to.constData()) == 0)
+        return ::unlink(from.constData()) == 0;
+    return errno != EEXIST && errno != EXDEV && hostCalls().rename(from.constData(), to.constData()) == 0;
+}
+
 } // namespace
 
 qint64 FileSize(const QString& path) {
@@ -99,16 +111,20 @@ int RenameFile(const QString& from, const QString& to) {
     struct stat ours {};
     if (::lstat(source.name.constData(), &ours) != 0)
         return source.failed();
-    // A change of case alone finds the file itself; so does giving it the name it has.
-    QByteArray name = target.name;
-    if (::lstat(name.constData(), &there) == 0) {
+    bool renamed = false;
+    if (::lstat(target.name.constData(), &there) == 0) {
         if (there.st_ino != ours.st_ino || there.st_dev != ours.st_dev)
             return FileAlreadyExists;
+        // A change of case alone finds the file itself; so does giving it the name it has.
+        QByteArray name = target.name;
         const std::optional<PathParts> spelled = SplitPath(to, {});
         if (spelled && !spelled->names.isEmpty())
             name = HostName(HostFolder(target.host) + u'/' + spelled->names.last());
+        renamed = hostCalls().rename(source.name.constData(), name.constData()) == 0;
+    } else {
+        renamed = renameToNew(source.name, target.name);
     }
-    if (hostCalls().rename(source.name.constData(), name.constData()) == 0)
+    if (renamed)
         return NoError;
     if (errno != EXDEV)
         return target.failed();

@@ -33,6 +33,15 @@ TEST_F(Ctl, MakesChecksAndDescribesDatabases) {
     EXPECT_EQ(run(command + QStringList{"set", "BeenSet", ""}).status, 0);
     EXPECT_EQ(run(command + QStringList{"get", "BeenSet"}).status, 1);
     EXPECT_EQ(run(command + QStringList{"put", "BeenSet", "1"}).status, 2);
+
+    QFile(onC("D/LOG.mdb")).setPermissions(QFile::ReadOwner);
+    const Result refused = run(command + QStringList{"set", "BeenSet", "1"});
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_TRUE(refused.err.contains("not stored: the file may not be written")) << refused.err.toStdString();
+    EXPECT_EQ(run(command + QStringList{"get", "BeenSet"}).status, 1);
+    EXPECT_EQ(run({"db", "describe", "C:\\D\\LOG.mdb", "Third log"}).status, 3);
+    EXPECT_EQ(run({"db", "create", "C:\\D\\LONG", "--type", "14", "--title", QString(201, u't')}).status, 3);
+    EXPECT_EQ(QDir(onC("D")).entryList(QDir::Files), QStringList{"LOG.mdb"});
 }
 
 TEST_F(Ctl, TellsUsersGroupsAndHistory) {

@@ -122,6 +122,24 @@ TEST_F(AutomationTest, MakesOneDefaultDatabase) {
     EXPECT_EQ(platform::FolderNames("C:\\DATA\\SCHEDULE"), (QStringList{"KOVA26.MDB", "OTHER.MDB"}));
 }
 
+// A database that somebody emptied, or began and left, under the default's own title: it was found, so its
+// settings are nobody's business here. And a default that is named counts, whether it is there or not.
+TEST_F(AutomationTest, LeavesAloneWhatItFindsOrWhatIsNamed) {
+    make("C:\\DATA\\SCHEDULE\\KOVA26.MDB", KOVAType, "K-Ova Database");
+    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0);
+    EXPECT_EQ(rows(Path, "Description"), "K-Ova Database,2.5999999,14");
+    EXPECT_EQ(mdb("mdb-tables", Path, {"-1"}), "Description");
+    EXPECT_EQ(platform::ProfileText("KOVA", "DefaultDatabase", {}, "TOLVEX.INI"), "");
+    platform::RemoveFile(Path);
+    platform::WriteProfileText("KOVA", "DefaultDatabase", "kova26.mdb", "TOLVEX.INI");
+    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0);
+    EXPECT_FALSE(machine.exists(Path));
+    // Without being asked to, it names none.
+    platform::WriteProfileText("KOVA", "DefaultDatabase", QString(), "TOLVEX.INI");
+    EXPECT_EQ(CreateDefaultKOVADatabase(false), -1);
+    EXPECT_EQ(platform::ProfileText("KOVA", "DefaultDatabase", {}, "TOLVEX.INI"), "");
+}
+
 TEST_F(AutomationTest, HasTheTablesThatPlayersRelyOn) {
     makeComplete();
     database->close();
@@ -194,6 +212,26 @@ TEST_P(AutomationStoreTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
 
+// The value with which an item is compared when it is saved is one that somebody may choose.
+TEST_P(AutomationStoreTest, KeepsValuesThatEqualAWriteDefault) {
+    makeComplete();
+    LoadKOVASettings(*database);
+    for (const AutomationItem& item : AutomationItems())
+        if (item.isWritten())
+            TakeMember(item, DefaultValue(item, item.writeDefault, record), record);
+    EXPECT_EQ(record.CMDS_Colour, 16304375);
+    EXPECT_EQ(record.SEGUE_VoiceLinkLevelTrigger, 5);
+    // 0 stands for the voice-tracker's own numbers.
+    record.SEGUE_PreviewLength = record.SEGUE_VoiceStartCart = record.SEGUE_VoiceEndCart = 1;
+    const KOVADatabaseSettings saved = record;
+    store("BeenSet", 1);
+    ASSERT_EQ(SaveKOVASettings(*database), 0);
+    ResetKOVADatabaseSettings();
+    ASSERT_EQ(LoadKOVASettings(*database), 0);
+    for (const AutomationItem& item : AutomationItems())
+        EXPECT_EQ(MemberValue(item, record), MemberValue(item, saved)) << item.name;
+}
+
 TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     makeComplete();
     LoadKOVASettings(*database);
@@ -221,12 +259,10 @@ TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     record.KOVA_LogFont_FontName = "Arial";
     record.KOVA_LogFont_FontSize = 12;
     record.MUSIC_FilenamePrefix = "TL";
-    record.CMDS_Colour = 16304375; // the one number that a written default can match
     ASSERT_EQ(SaveKOVASettings(*database), 0);
     const auto values = stored();
-    for (const char* item :
-         {"KOVA.LogFont.FontName", "KOVA.LogFont.FontSize", "KOVA.LogFont.FontItalic", "MUSIC.FilenamePrefix",
-          "ADVERTS.ClientDatabase", "MUSIC.SongsEnd", "CMDS.Colour"})
+    for (const char* item : {"KOVA.LogFont.FontName", "KOVA.LogFont.FontSize", "KOVA.LogFont.FontItalic",
+                             "MUSIC.FilenamePrefix", "ADVERTS.ClientDatabase", "MUSIC.SongsEnd"})
         EXPECT_FALSE(values.contains(item)) << item;
     EXPECT_EQ(values["KOVA.LogFont.FontBold"], "0");
 }

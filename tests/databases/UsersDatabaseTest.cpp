@@ -13,10 +13,10 @@
 #include "platform/ProfileFile.h"
 #include "support/FixedClock.h"
 #include "support/NoRoom.h"
+#include "support/Workstation.h"
 
 #include <array>
 #include <poll.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -70,25 +70,6 @@ protected:
     }
 
     FixedClock clock{QDateTime({2024, 3, 20}, {10, 0, 0, 700})};
-};
-
-// Another workstation: a process of its own that does `work`, which gives true when all went well.
-class Workstation {
-public:
-    explicit Workstation(const std::function<bool()>& work)
-        : id_(::fork()) {
-        if (id_ == 0)
-            ::_exit(work() ? 0 : 1);
-    }
-    // Waits for its end.
-    bool wentWell() const {
-        int status = 0;
-        ::waitpid(id_, &status, 0);
-        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    }
-
-private:
-    pid_t id_;
 };
 
 // Where two processes wait for each other, but not for ever.
@@ -258,10 +239,11 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
             int access2;
             int access3;
             int nameLength;
-        } accounts[] = {{"ann", 1 + 8192, 0, 5}, {"bob", 0, 1, 5}, {"cat", 64, 2, 5}, {"long", 0, 0, 70}};
+        } accounts[] = {{"ann", 1 + 8192, 0, 5}, {"bob", 0, 1, 5}, {"cat", 64, 2, 5},
+                        {"long", 0, 0, 70},      {" ", 0, 0, 5},   {nullptr, 0, 0, 5}};
         for (const auto& account : accounts) {
             rows->addNew();
-            rows->set("Login", QString(account.login));
+            rows->set("Login", account.login ? QVariant(QString(account.login)) : QVariant());
             rows->set("password", QString("secret"));
             rows->set("FullName", QString(account.nameLength, u'n'));
             rows->set("Phone1", QString("123"));
@@ -274,10 +256,13 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
     platform::WriteProfileText("UsersDatabase", "FileName", "USERS.MDB", "Tolvex.ini");
     prompts.answers = {Answer::Yes};
     open();
-    ASSERT_EQ(prompts.asked.size(), 3) << texts().join('|').toStdString();
+    ASSERT_EQ(prompts.asked.size(), 5) << texts().join('|').toStdString();
     EXPECT_EQ(texts()[0], "Do you want to import the Users from 'Old users'?");
     EXPECT_TRUE(texts()[1].startsWith("There was a problem adding long to the users database and"));
-    EXPECT_EQ(texts()[2], "The Users database has been imported");
+    // Accounts that nobody could log in to.
+    EXPECT_TRUE(texts()[2].startsWith("There was a problem adding   to the users database and"));
+    EXPECT_TRUE(texts()[3].startsWith("There was a problem adding  to the users database and"));
+    EXPECT_EQ(texts()[4], "The Users database has been imported");
     EXPECT_EQ(column("UserGroups", "Name").size(), 23);
     EXPECT_EQ(column("UserGroups", "AccessRight6"), QStringList(15, "true") + QStringList(8, "false"));
     EXPECT_EQ(column("Users", "LoginName"), (QStringList{"ann", "bob", "cat"}));

@@ -128,6 +128,20 @@ TEST_F(ValidateDatabaseTest, ReportsWhatStopsIt) {
     EXPECT_TRUE(texts().last().startsWith("There was a problem opening a new DB Workspace and"));
 }
 
+TEST_F(ValidateDatabaseTest, MakesNoFileForATitleThatDoesNotFit) {
+    QString title(201, u't');
+    EXPECT_EQ(ValidateDatabase("C:\\LONG\\A.MDB", 1, true, &title), FieldTooSmallError);
+    EXPECT_FALSE(machine.exists("C:\\LONG"));
+    EXPECT_TRUE(texts().last().contains("201 characters"));
+    prompts.typed = {title};
+    prompts.answers = {Answer::Yes};
+    title.clear();
+    EXPECT_EQ(ValidateDatabase("C:\\LONG\\A.MDB", 1, false, &title), FieldTooSmallError);
+    EXPECT_EQ(platform::FolderNames("C:\\LONG"), QStringList{});
+    title = ' ' + QString(200, u't') + ' ';
+    EXPECT_EQ(ValidateDatabase("C:\\LONG\\A.MDB", 1, true, &title), 0);
+}
+
 TEST_F(ValidateDatabaseTest, TellsTheDebugLogWhatItDoes) {
     settings().DebugLevel = 5;
     make(Path, 1, "T");

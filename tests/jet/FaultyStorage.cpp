@@ -74,6 +74,11 @@ public:
         return std::nullopt;
     }
 
+    bool isNow(const std::string& path) override {
+        return storage_.exists(path) && storage_.names_[path] == inode_;
+    }
+    void takeRightsOf(const std::string&) override { storage_.step(); }
+
 private:
     static bool overlaps(const Lock& lock, std::uint64_t offset, std::uint64_t length) {
         return lock.from <= offset + (length - 1) && offset <= lock.to;
@@ -153,6 +158,21 @@ void FaultyStorage::rename(const std::string& from, const std::string& to) {
     flushNames();
 }
 
+void FaultyStorage::publish(const std::string& from, const std::string& to) {
+    if (exists(to))
+        throw Error(ErrorNumber::DatabaseExists, to);
+    rename(from, to);
+}
+
+bool FaultyStorage::link(const std::string& path, const std::string& second) {
+    if (exists(second))
+        throw Error(ErrorNumber::DatabaseExists, second);
+    step();
+    changeNames([&](Names& names) { names[second] = names.at(path); });
+    flushNames();
+    return true;
+}
+
 void FaultyStorage::put(const std::string& path, const Bytes& content) {
     const auto inode = std::make_shared<Inode>();
     inode->content = inode->flushed = content;
@@ -170,10 +190,15 @@ void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& 
     std::mt19937 random(seed);
     const auto kept = [&] { return loss == Loss::Nothing || (loss == Loss::Random && random() % 2 != 0); };
     const bool wholeWrites = random() % 2 != 0;
+    std::map<const Inode*, std::shared_ptr<Inode>> survivors;
     std::size_t changes = 0;
     while (changes < pendingNames_.size() && kept())
         ++changes;
     for (const auto& [name, inode] : changes < pendingNames_.size() ? pendingNames_[changes] : names_) {
+        if (const auto known = survivors.find(inode.get()); known != survivors.end()) {
+            into.names_[name] = known->second; // another name of it
+            continue;
+        }
         Bytes content = inode->flushed;
         for (const Write& write : inode->pending) {
             if (write.truncate) {
@@ -194,6 +219,7 @@ void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& 
             }
         }
         into.put(name, content);
+        survivors[inode.get()] = into.names_[name];
     }
 }
 

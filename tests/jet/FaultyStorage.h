@@ -35,6 +35,8 @@ public:
     }
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
+    void publish(const std::string& from, const std::string& to) override;
+    bool link(const std::string& path, const std::string& second) override;
 
     // Puts a file there, flushed.
     void put(const std::string& path, const Bytes& content);

@@ -302,13 +302,18 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     }
     Bytes restored = RawFile();
     restored[0xE02] = 9; // another program has written since
-    after.put(Path, restored);
-    FilePager pager(after, Path, {});
-    EXPECT_EQ(FilledWith(pager.read(2)), 0);
-    Changing change(pager);
-    Fill(pager.edit(3), 1);
-    change.commit();
-    EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + "-unused"));
+    const Bytes log = after.get(RedoLog::PathFor(Path));
+    for (const char* aside : {"-unused", "-unused2"}) { // and what was kept before stays
+        after.put(Path, restored);
+        after.put(RedoLog::PathFor(Path), log);
+        FilePager pager(after, Path, {});
+        EXPECT_EQ(FilledWith(pager.read(2)), 0);
+        Changing change(pager);
+        Fill(pager.edit(3), 1);
+        change.commit();
+        EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + aside));
+    }
+    EXPECT_EQ(after.get(RedoLog::PathFor(Path) + "-unused"), log);
 }
 
 // A log is made by the first commit, and by a large transaction long before it.

@@ -3,6 +3,7 @@
 #include "platform/HostFiles.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
+#include "support/Workstation.h"
 
 #include <gtest/gtest.h>
 
@@ -80,6 +81,28 @@ TEST_F(Files, KeepModeAndLinkWhenReplaced) {
     EXPECT_EQ(info.st_mode & 0777, 0640U);
     EXPECT_EQ(machine.read("C:\\Real.ini"), "new");
     EXPECT_TRUE(QFileInfo(machine.host("C:\\Link.ini")).isSymLink());
+}
+
+// Two programs give the same name at the same moment: one gets it, and the other's file keeps its own.
+TEST_F(Files, AreNeverReplacedByARename) {
+    for (int round = 0; round < 150 && !HasFailure(); ++round) {
+        machine.write("C:\\a.txt", "a");
+        machine.write("C:\\b.txt", "b");
+        const tolvex::tests::StartingGun gun;
+        const auto renames = [&](const char* from) {
+            return [&gun, from] {
+                gun.wait();
+                return RenameFile(from, "C:\\c.txt") == NoError;
+            };
+        };
+        const tolvex::tests::Workstation one(renames("C:\\a.txt"));
+        const tolvex::tests::Workstation two(renames("C:\\b.txt"));
+        gun.fire();
+        const int done = one.wentWell() + two.wentWell();
+        EXPECT_EQ(done, 1);
+        EXPECT_EQ(leftIn(machine).size(), 2);
+        RemoveFile("C:\\c.txt");
+    }
 }
 
 TEST_F(Files, NameTheirErrors) {

@@ -28,6 +28,8 @@ struct Plan {
 // Shared with the process that runs the job; null where none does.
 Plan* plan = nullptr;
 
+tolvex::tests::DiskAbilities disk;
+
 enum class Kind { TakesRoom, Other };
 
 // Counts an operation. 0, or the error it is to fail with; does not return where the process dies, after
@@ -116,6 +118,25 @@ int rename(const char* from, const char* to) noexcept {
                    [&] { return int(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0)); });
 }
 
+int renameat2(int, const char* from, int, const char* to, unsigned how) noexcept {
+    const int unable = disk.renamesWithoutReplacing ? 0 : EINVAL;
+    return guarded(unable != 0 ? unable : meet(Kind::Other),
+                   [&] { return int(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, how)); });
+}
+
+int link(const char* path, const char* second) noexcept {
+    return guarded(disk.links ? meet(Kind::Other) : EPERM,
+                   [&] { return int(::syscall(SYS_linkat, AT_FDCWD, path, AT_FDCWD, second, 0)); });
+}
+
+int fchown(int file, uid_t owner, gid_t group) noexcept {
+    return guarded(meet(Kind::Other), [&] { return int(::syscall(SYS_fchown, file, owner, group)); });
+}
+
+int fchmod(int file, mode_t mode) noexcept {
+    return guarded(meet(Kind::Other), [&] { return int(::syscall(SYS_fchmod, file, mode)); });
+}
+
 int unlink(const char* path) noexcept {
     return guarded(meet(Kind::Other), [&] { return int(::syscall(SYS_unlinkat, AT_FDCWD, path, 0)); });
 }
@@ -143,6 +164,14 @@ FaultyRun RunWithFault(const std::function<int()>& job, Fault fault, int at) {
                         ended ? WEXITSTATUS(status) : -1};
     ::munmap(shared, sizeof(Plan));
     return run;
+}
+
+PlainDisk::PlainDisk(DiskAbilities abilities) {
+    disk = abilities;
+}
+
+PlainDisk::~PlainDisk() {
+    disk = {};
 }
 
 } // namespace tolvex::tests

@@ -99,17 +99,24 @@ int info(Call& call) {
     return Done;
 }
 
+// The tables that a database of its kind has besides its description.
+TableList tablesOf(qint32 type) {
+    return type == UsersDatabaseType ? UsersDatabaseTables()
+           : type == KOVAType        ? KOVADatabaseTables()
+                                     : TableList();
+}
+
 // Everything that a database of its kind has.
 int validateAll(Call& call, qint32 type, QString title, bool silent) {
     const QString file = fileOf(call);
     const QString connect = connectOf(call);
-    int error = ValidateDatabase(file, type, silent, &title, connect);
+    const TableList tables = tablesOf(type);
+    int error = ValidateDatabase(file, type, silent, &title, connect,
+                                 [&](SuiteDatabase& database) { return CheckTables(database, tables); });
     if (error == -1)
         return No;
-    if (error == 0 && type == UsersDatabaseType)
-        error = ValidateUsersDatabaseTables(file, connect);
-    if (error == 0 && type == KOVAType)
-        error = ValidateKOVADatabaseTables(file, connect);
+    if (error == 0 && !tables.empty())
+        error = ValidateDatabaseTables(file, tables, connect);
     return error == 0 ? Done : Failed;
 }
 
@@ -175,6 +182,13 @@ int getSetting(Call& call, SuiteRecordset& rows) {
     return Done;
 }
 
+int notStored(const Call& call, const SuiteDatabase& database) {
+    const QString reason = database.readOnlyReason();
+    return call.fail(
+        QStringLiteral("%1: the setting was not stored: %2.")
+            .arg(fileOf(call), reason.isEmpty() ? QStringLiteral("the table may not be changed") : reason));
+}
+
 int settingsOf(Call& call) {
     const QString verb = call.argument(1);
     const int expected = verb == QStringLiteral("list") ? 2 : verb == QStringLiteral("get") ? 3 : 4;
@@ -190,6 +204,8 @@ int settingsOf(Call& call) {
         return listSettings(call, *rows);
     if (expected == 3)
         return getSetting(call, *rows);
+    if (!rows->updatable())
+        return notStored(call, *database);
     if (PutDatabaseSetting(rows.get(), call.argument(2), call.argument(3), QString()) != 0)
         return Failed;
     rows.reset();

@@ -1,0 +1,107 @@
+#include "jet/Draft.h"
+
+#include "jet/Catalog.h"
+#include "jet/CreateDatabase.h"
+#include "jet/Error.h"
+#include "jet/RedoLog.h"
+#include "jet/Sharing.h"
+
+namespace jet {
+
+namespace {
+
+constexpr int MostDrafts = 1000; // of one database at the same time
+
+// Another stem than the database's, so that its lock file is another one, and no ".MDB" that searches find.
+std::string nameBeside(const std::string& path, int number) {
+    const auto slash = path.rfind('/');
+    const auto dot = path.rfind('.');
+    const bool hasExtension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+    return path.substr(0, hasExtension ? dot : path.size()) + "-new" +
+           (number == 1 ? std::string() : std::to_string(number)) + ".TMP";
+}
+
+} // namespace
+
+Draft::Draft(Storage& storage, std::string path)
+    : storage_(storage)
+    , path_(std::move(path)) {
+    if (storage_.exists(path_))
+        throw Error(ErrorNumber::DatabaseExists, path_);
+    for (int number = 1; !take(nameBeside(path_, number)); ++number)
+        if (number == MostDrafts)
+            throw Error(ErrorNumber::CannotOpenFile, path_ + ": it is being made by too many");
+    try {
+        write();
+    } catch (const Error&) {
+        storage_.remove(beside_);
+        throw;
+    }
+}
+
+// False: a living process has it, or it may not be written.
+bool Draft::take(const std::string& beside) {
+    for (;;) {
+        const bool isThere = storage_.exists(beside);
+        std::unique_ptr<StorageFile> file;
+        try {
+            file = storage_.open(beside, isThere ? Storage::Open::ReadWrite : Storage::Open::CreateNew);
+        } catch (const Error& error) {
+            if (error.code() == (isThere ? ErrorNumber::FileNotFound : ErrorNumber::DatabaseExists))
+                continue; // it went or came in between
+            if (isThere && error.code() == ErrorNumber::CannotOpenFile)
+                return false;
+            throw;
+        }
+        if (!Sharing::lockDraft(*file, false))
+            return false;
+        if (!file->isNow(beside))
+            continue; // published or removed in between
+        file_ = std::move(file);
+        beside_ = beside;
+        return true;
+    }
+}
+
+void Draft::write() const {
+    storage_.remove(RedoLog::PathFor(beside_));
+    if (file_->size() != 0)
+        file_->truncate(0);
+    const Bytes image = FreshDatabase(LocalTime());
+    file_->write(0, image.data(), image.size());
+    file_->flush();
+}
+
+Draft::~Draft() {
+    if (beside_.empty())
+        return;
+    try {
+        storage_.remove(RedoLog::PathFor(beside_));
+        storage_.remove(beside_);
+    } catch (const Error&) {
+        // The next who makes this database takes it over.
+    }
+}
+
+void Draft::publish() {
+    storage_.remove(RedoLog::PathFor(beside_)); // empty, if it could not be removed when it was closed
+    storage_.publish(beside_, path_);
+    beside_.clear();
+}
+
+void Draft::removeEmpty(Storage& storage, const std::string& path) {
+    std::unique_ptr<StorageFile> file;
+    try {
+        file = storage.open(path, Storage::Open::ReadWrite);
+    } catch (const Error& error) {
+        if (error.code() == ErrorNumber::FileNotFound)
+            return; // another has removed it
+        throw;
+    }
+    if (!Sharing::lockDraft(*file, true))
+        throw Error(ErrorNumber::CannotOpenFile, path);
+    if (file->size() == 0 && file->isNow(path))
+        storage.remove(path);
+}
+
+} // namespace jet
