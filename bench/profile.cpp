@@ -5,6 +5,7 @@
 #include "platform/ProfileDocument.h"
 #include "platform/ProfileFile.h"
 #include "platform/RegistryStore.h"
+#include "platform/Replacement.h"
 
 #include <benchmark/benchmark.h>
 

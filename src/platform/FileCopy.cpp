@@ -1,8 +1,8 @@
 #include "platform/FileCopy.h"
 
-#include "platform/HostFiles.h"
 #include "platform/PathParts.h"
 #include "platform/Prompts.h"
+#include "platform/Replacement.h"
 
 #include <vector>
 

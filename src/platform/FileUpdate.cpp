@@ -2,6 +2,7 @@
 
 #include "platform/FileLock.h"
 #include "platform/LookOnly.h"
+#include "platform/Replacement.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 // all or nothing.
 #pragma once
 
-#include "platform/HostFiles.h"
+#include "platform/Files.h"
 
 #include <functional>
 

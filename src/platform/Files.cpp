@@ -4,6 +4,7 @@
 #include "platform/LookOnly.h"
 #include "platform/PathParts.h"
 #include "platform/Paths.h"
+#include "platform/Replacement.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -32,23 +32,6 @@ bool isFolder(const QString& hostPath) {
     return ::stat(HostName(hostPath).constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// Keeps mode and owner of the file that is about to be replaced. A foreign owner cannot always be kept; then
-// the file is at least ours with the same rights.
-void takeOver(int descriptor, const struct stat& old) {
-    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0)
-        errno = 0;
-    if (::fchmod(descriptor, old.st_mode & 07777) != 0)
-        errno = 0;
-}
-
-int flushFolder(const QString& folder) {
-    const Descriptor descriptor(::open(HostName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor.open() || hostCalls().flush(descriptor.get()) == 0)
-        return NoError;
-    // Network file systems that cannot flush a folder say so; they keep names by themselves.
-    return errno == EINVAL || errno == EBADF || errno == ENOTSUP ? NoError : DeviceIoError;
-}
-
 } // namespace
 
 HostCalls& hostCalls() {
@@ -204,73 +187,6 @@ std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, in
     if (error)
         *error = NoError;
     return bytes;
-}
-
-Replacement::Replacement(const QString& hostPath) {
-    if (LookingOnly()) {
-        error_ = PathFileAccess;
-        return;
-    }
-    const std::optional<QString> target = FollowLinks(hostPath);
-    if (!target) {
-        error_ = PathNotFound;
-        return;
-    }
-    target_ = *target;
-    const QByteArray name = HostName(target_);
-    struct stat old {};
-    const bool replaces = ::stat(name.constData(), &old) == 0;
-    if (replaces && (!S_ISREG(old.st_mode) || ::access(name.constData(), W_OK) != 0)) {
-        error_ = PathFileAccess;
-        return;
-    }
-    // A short name of its own, so that a long file name leaves room for it.
-    static int counter = 0;
-    beside_ = HostName(QStringLiteral("%1/.tolvex-%2-%3.new")
-                           .arg(HostFolder(target_))
-                           .arg(static_cast<qint64>(::getpid()))
-                           .arg(++counter));
-    file_ =
-        Descriptor(::open(beside_.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
-    if (!file_.open())
-        error_ = FileErrorFor(errno, target_);
-    else if (replaces)
-        takeOver(file_.get(), old);
-}
-
-Replacement::~Replacement() {
-    if (file_.open())
-        ::unlink(beside_.constData());
-}
-
-int Replacement::write(const char* bytes, qint64 length) {
-    if (error_ == NoError)
-        error_ = FileErrorFor(WriteFully(file_.get(), bytes, length), target_);
-    return error_;
-}
-
-int Replacement::commit(const struct timespec* modified) {
-    if (error_ != NoError)
-        return error_;
-    const struct timespec times[2] = {{0, UTIME_OMIT}, modified ? *modified : timespec{0, UTIME_OMIT}};
-    int failed = ::futimens(file_.get(), times) == 0 || errno == EPERM ? 0 : errno;
-    if (failed == 0 && hostCalls().flush(file_.get()) != 0)
-        failed = errno;
-    if (const int closing = file_.close(); failed == 0)
-        failed = closing;
-    if (failed == 0 && hostCalls().rename(beside_.constData(), HostName(target_).constData()) != 0)
-        failed = errno;
-    if (failed != 0) {
-        ::unlink(beside_.constData());
-        return error_ = FileErrorFor(failed, target_);
-    }
-    return error_ = flushFolder(HostFolder(target_));
-}
-
-int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes) {
-    Replacement replacement(hostPath);
-    replacement.write(bytes.constData(), bytes.size());
-    return replacement.commit();
 }
 
 ResolvedPath::ResolvedPath(const QString& windowsPath)

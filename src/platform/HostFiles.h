@@ -70,31 +70,6 @@ private:
     int number_;
 };
 
-// Replaces (or makes) a regular file as a whole: written beside, flushed, renamed over it, folder flushed.
-// Links are followed and stay links; mode and, where allowed, owner stay. The file is the old one or the new
-// one whenever the machine stops. Without a commit the old file stays and nothing is left beside it.
-class Replacement {
-public:
-    explicit Replacement(const QString& hostPath);
-    ~Replacement();
-    Replacement(const Replacement&) = delete;
-    Replacement& operator=(const Replacement&) = delete;
-
-    // Adds bytes; the FileError of the first failure of all, here and below.
-    int write(const char* bytes, qint64 length);
-    // Puts the file in place, with another time of change if one is given. On an error the old file is there,
-    // but for a folder that would not be flushed: then the new one is, and DeviceIoError tells.
-    int commit(const struct timespec* modified = nullptr);
-    int error() const { return error_; }
-
-private:
-    QString target_;
-    QByteArray beside_;
-    Descriptor file_;
-    int error_ = NoError;
-};
-int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes);
-
 // A Windows path resolved (Paths.h), with the error that stands for one that does not resolve.
 struct ResolvedPath {
     explicit ResolvedPath(const QString& windowsPath);

@@ -4,6 +4,7 @@
 
 #include "platform/FileLock.h"
 #include "platform/Paths.h"
+#include "platform/Replacement.h"
 #include "platform/WaveNumbers.h"
 
 #include <memory>

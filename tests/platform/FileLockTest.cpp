@@ -1,5 +1,6 @@
 // The lock that keeps two programs from replacing one file on top of each other.
 #include "platform/FileLock.h"
+#include "platform/Replacement.h"
 
 #include <QTemporaryDir>
 

@@ -3,6 +3,7 @@
 #include "platform/RegistryStore.h"
 #include "platform/HostFiles.h"
 #include "platform/Paths.h"
+#include "platform/Replacement.h"
 
 #include <QTemporaryDir>
 
