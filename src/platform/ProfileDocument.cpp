@@ -25,6 +25,32 @@ bool isLineBreak(QChar c) {
     return c == u'\r' || c == u'\n';
 }
 
+// Finds where line ends end: after a LF with every CR before it, or after a CR alone. Text-mode writers turn
+// CR LF into CR CR LF; taken apart, that would be a line and a blank one, with room for a new key between.
+class LineEnds {
+public:
+    LineEnds(const QChar* text, int size)
+        : text_(text)
+        , size_(size) {}
+    // `at` is at a line break. Looks at each character once over all calls from front to back.
+    int endAfter(int at) {
+        if (at < noFeedBefore_)
+            return at + 1;
+        int end = at;
+        while (end < size_ && text_[end] == u'\r')
+            ++end;
+        if (end < size_ && text_[end] == u'\n')
+            return end + 1;
+        noFeedBefore_ = end;
+        return at + 1;
+    }
+
+private:
+    const QChar* text_;
+    int size_;
+    int noFeedBefore_ = 0; // the CRs before this place have no LF after them
+};
+
 QStringView stripped(QStringView text) {
     qsizetype begin = 0;
     qsizetype end = text.size();
@@ -88,7 +114,7 @@ ProfileDocument::ProfileDocument(const QByteArray& bytes)
     parse();
 }
 
-// Splits text_ into lines. A line ends behind CR LF, LF or CR.
+// Splits text_ into lines.
 void ProfileDocument::parse() {
     lines_.clear();
     places_.clear();
@@ -98,6 +124,7 @@ void ProfileDocument::parse() {
     int begin = wide_ && size > 0 && text[0] == QChar(byteOrderMark) ? 1 : 0;
     lines_.push_back({0, begin}); // the mark, or nothing: what a first header is put behind
     int header = -1;
+    LineEnds ends(text, size);
     while (begin < size && valid()) {
         int end = begin;
         while (end < size && !isLineBreak(text[end]))
@@ -106,7 +133,7 @@ void ProfileDocument::parse() {
         if (header < 0 && kind != Kind::Header)
             kind = Kind::Other;
         if (end < size)
-            end += text[end] == u'\r' && end + 1 < size && text[end + 1] == u'\n' ? 2 : 1;
+            end = ends.endAfter(end);
         const int number = static_cast<int>(lines_.size());
         if (Line& before = lines_.back(); kind == Kind::Other && before.kind == kind && number > 1) {
             before.end = end;
@@ -285,8 +312,8 @@ void ProfileDocument::unlink(int number) {
     }
     Line& behind = at(line.next);
     behind.previous = line.previous;
-    joins_ = joins_ ||
-             (before.end > before.begin && text_[before.end - 1] == u'\r' && text_[behind.begin] == u'\n');
+    joins_ = joins_ || (before.end > before.begin && text_[before.end - 1] == u'\r' &&
+                        isLineBreak(text_[behind.begin]));
 }
 
 // The last Key line of a section, looked for upwards from one of its lines.

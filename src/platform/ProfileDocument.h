@@ -99,7 +99,7 @@ private:
     QString text_;       // the text as read, and behind it every line written since
     std::vector<Line> lines_;
     int last_ = 0;
-    bool joins_ = false; // a removal brought a CR and an LF together
+    bool joins_ = false; // a removal brought a CR and another line break together
     QHash<quint64, Chain> places_;
 };
 

@@ -5,6 +5,7 @@
 #include "platform/HostFiles.h"
 #include "platform/Paths.h"
 #include "platform/ProfileDocument.h"
+#include "platform/Replacement.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -117,7 +118,7 @@ TEST(ProfileDocument, AGroupOfChangesLeavesTheBytesOfSingleOnes) {
     const QStringList lines = {"[s]",   "[t] x", "[s",     "a=1",     "A = 2",
                                " b=x ", "flag",  "; note", "",        "  ",
                                "[]",    "=e",    "c",      "a=\"q\"", QString::fromLatin1("d=1\0z", 5)};
-    const QStringList ends = {"\r\n", "\r\n", "\n", "\r", "\r\r\n"};
+    const QStringList ends = {"\r\n", "\r\n", "\n", "\r", "\r\r\n", "\r\r", "\n\r"};
     const QStringList names = {"a", "B", "c", "flag", "", ";k", "x=y", "\ttab", "[u", " d ", "new"};
     const QStringList sections = {"s", "T", "", "u", "v]w", "\tx"};
     for (int round = 0; round < 3000; ++round) {
