@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
 
 #include <unistd.h>
 
@@ -41,10 +42,37 @@ bool isWindowsProgram(const QString& hostPath) {
     return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
 }
 
+// Splits arguments at blanks outside double quotes. Quotes do not become part of an argument, but for one
+// that three in a row stand for; a pair with nothing in it is an argument without characters.
+QStringList splitArguments(const QString& text) {
+    QStringList arguments;
+    QString argument;
+    bool begun = false;
+    bool quoted = false;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (QStringView(text).sliced(at).startsWith(u"\"\"\"")) {
+            argument += u'"';
+            begun = true;
+            at += 2;
+        } else if (text[at] == u'"') {
+            quoted = !quoted;
+            begun = true;
+        } else if (quoted || !text[at].isSpace()) {
+            argument += text[at];
+            begun = true;
+        } else if (std::exchange(begun, false)) {
+            arguments += std::exchange(argument, QString());
+        }
+    }
+    if (begun)
+        arguments += argument;
+    return arguments;
+}
+
 // The parts of the process that are the same however it is waited for.
 void prepare(QProcess& process, const QString& hostPath, const QString& arguments) {
     process.setProgram(hostPath);
-    process.setArguments(QProcess::splitCommand(arguments));
+    process.setArguments(splitArguments(arguments));
     process.setWorkingDirectory(HostPath(CurrentFolder()));
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());

@@ -80,6 +80,24 @@ TEST_F(Processes, GetTheirArgumentsFolderAndMachineAndNothingElse) {
     EXPECT_FALSE(lines[5].contains(QByteArray::number(leak) + ' ')) << lines[5].toStdString();
 }
 
+TEST_F(Processes, GetEachArgumentEvenOneWithoutCharacters) {
+    script("C:\\show.sh", "#!/bin/sh\nfor a in \"$@\"; do printf '[%s]\\n' \"$a\"; done > \"$0.out\"\n");
+    const std::pair<const char*, const char*> cases[] = {
+        {"a \"\" b", "[a]\n[]\n[b]\n"},
+        {"\"\"", "[]\n"},
+        {"  \"\"  \"\"", "[]\n[]\n"},
+        {"", ""},
+        {" \t", ""},
+        {"/D=\"\" \"x y\"z", "[/D=]\n[x yz]\n"},
+        {"say \"\"\"hello there\"\"\"", "[say]\n[\"hello]\n[there\"]\n"},
+        {"\"not closed ", "[not closed ]\n"},
+    };
+    for (const auto& [arguments, expected] : cases) {
+        ASSERT_TRUE(StartProcess("C:\\show.sh", arguments, ProcessWait::End, 20)) << arguments;
+        EXPECT_EQ(machine.read("C:\\show.sh.out"), expected) << arguments;
+    }
+}
+
 TEST_F(Processes, AreWaitedForWithEventsRunning) {
     script("C:\\slow.sh", "#!/bin/sh\nsleep 0.2\necho done > \"$1\"\nexit 3\n");
     const QString out = machine.host("C:\\slow.out");
