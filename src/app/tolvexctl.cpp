@@ -19,30 +19,52 @@ void print(const QString& text) {
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
-int run(const CommandLine& line) {
-    Output output(line.has("--json"), line.has("--quiet"));
-    if (!line.problem.isEmpty())
-        return output.say(line.problem), Usage;
-    if (line.has("--version"))
-        return print(QStringLiteral("tolvexctl " TOLVEX_VERSION "\n")), Done;
-    if (line.has("--help"))
-        return print(line.command ? HelpFor(*line.command) : HelpForGroup(line.words)), Done;
+Output::Ending endingOf(int status) {
+    return status == Done     ? Output::Ending::Done
+           : status == Failed ? Output::Ending::Failed
+                              : Output::Ending::No;
+}
 
-    Call call{*line.command, output, line.arguments, line.options};
+// The ini files that the options name. False, with a sentence in *why, when one cannot be reached.
+bool setIniFiles(const CommandLine& line, QString* why) {
+    QStringList files;
+    for (const char* option : {"--ini", "--sys-ini"}) {
+        const auto file = FileArgument(line.option(option), BareFile::WindowsFolder, why);
+        if (!file)
+            return false;
+        files += *file;
+    }
+    tolvex::SetIniFiles(files[0], files[1]);
+    return true;
+}
+
+int start(const CommandLine& line, Call& call) {
     std::optional<tolvex::platform::LookOnly> looking;
     if (!call.command.changes || !call.command.changes(call))
         looking.emplace();
     QString why;
-    if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why))
-        return output.say(why), Failed;
-    tolvex::SetIniFiles(FileArgument(line.option("--ini")), FileArgument(line.option("--sys-ini")));
+    if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why) || !setIniFiles(line, &why) ||
+        !ResolveFiles(call, &why))
+        return call.fail(why);
+    return line.command->run(call);
+}
+
+int run(const CommandLine& line) {
+    if (line.problem.isEmpty() && line.has("--version"))
+        return print(QStringLiteral("tolvexctl " TOLVEX_VERSION "\n")), Done;
+    if (line.problem.isEmpty() && line.has("--help"))
+        return print(line.command ? HelpFor(*line.command) : HelpForGroup(line.words)), Done;
+
+    Output output(line.has("--json"), line.has("--quiet"));
     TerminalPrompts prompts(line.has("--yes")  ? TerminalPrompts::Answers::Yes
                             : line.has("--no") ? TerminalPrompts::Answers::No
                                                : TerminalPrompts::Answers::Ask,
                             line.has("--quiet"));
     tolvex::platform::setPrompts(&prompts);
-    int status = line.command->run(call);
-    if (!output.finish()) {
+    static const Command none{"", "", "", nullptr};
+    Call call{line.command ? *line.command : none, output, line.arguments, line.options};
+    int status = line.problem.isEmpty() ? start(line, call) : call.wrong(line.problem);
+    if (!output.finish(endingOf(status), prompts.lastMessage())) {
         output.say(QStringLiteral("Standard output did not take everything."));
         status = Failed;
     }

@@ -8,6 +8,7 @@
 #include "console/LoadSettings.h"
 #include "console/SearchDrives.h"
 #include "core/Folders.h"
+#include "core/PathNames.h"
 #include "core/ProblemReport.h"
 #include "core/SaveLocalSettings.h"
 #include "core/SettingsLoader.h"
@@ -52,9 +53,9 @@ CartPaths everywhere(const QString& location) {
 }
 
 void setLocations(const QString& data, const CartPaths& carts) {
-    settings().DataLocation = data;
+    settings().DataLocation = TidyLocation(data);
     for (int part = 1; part <= CartPartCount; ++part) {
-        settings().CartPartTable[part].Location = carts[part];
+        settings().CartPartTable[part].Location = TidyLocation(carts[part]);
         settings().CartPartTable[part].State = NotChecked;
     }
 }

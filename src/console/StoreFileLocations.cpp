@@ -2,7 +2,9 @@
 
 #include "core/Folders.h"
 #include "core/PathNames.h"
+#include "core/ProblemReport.h"
 #include "core/Registry.h"
+#include "core/SettingCheck.h"
 #include "core/Settings.h"
 #include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
@@ -14,8 +16,17 @@ namespace {
 
 constexpr int DefaultNumberOfCarts = 9999;
 
-QString tidy(const QString& path) {
-    return WithoutTrailingBackslash(path.trimmed().toUpper());
+// A folder whose name the ini file cannot hold would have another name there; it is not made, and that is
+// said.
+bool mayBeMade(const QString& location) {
+    const QString fault = StoredTextFault(location);
+    if (!fault.isEmpty())
+        ShowExclamation(QStringLiteral("\"%1\" was not made: %2.").arg(location, fault));
+    return fault.isEmpty();
+}
+
+bool makeFolder(const QString& location) {
+    return mayBeMade(location) && CreatePath(location, false);
 }
 
 void setState(const QString& location, CartPartState state) {
@@ -29,10 +40,10 @@ void setState(const QString& location, CartPartState state) {
 int StoreFileLocations(const QString& data, const QStringList& carts, const QString& iniFile,
                        const QString& registryKey) {
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
-    const QString dataLocation = tidy(data);
+    const QString dataLocation = TidyLocation(data);
     auto& table = settings().CartPartTable;
     for (int n = 1; n <= CartPartCount; ++n) {
-        table[n].Location = tidy(carts.value(n - 1));
+        table[n].Location = TidyLocation(carts.value(n - 1));
         table[n].State = NotChecked;
     }
 
@@ -41,18 +52,18 @@ int StoreFileLocations(const QString& data, const QStringList& carts, const QStr
     for (int n = 1; n <= CartPartCount; ++n) {
         CartPart& part = table[n];
         if (part.State == NotChecked) {
-            const bool there = !part.Location.isEmpty() &&
-                               (DirectoryExists(part.Location) || CreatePath(part.Location, false));
+            const bool there =
+                !part.Location.isEmpty() && (DirectoryExists(part.Location) || makeFolder(part.Location));
             setState(part.Location, there ? Available : Unavailable);
         }
-        batch.put(section, QStringLiteral("Carts%1").arg(n), WithoutTrailingBackslash(part.Location));
+        batch.put(section, QStringLiteral("Carts%1").arg(n), part.Location);
         if (!registryKey.isEmpty())
             WriteRegistryString(platform::LocalMachineHive, registryKey,
                                 QStringLiteral("CartLocation%1").arg(n), part.Location, QString());
     }
 
     settings().DataLocation = dataLocation;
-    batch.put(section, QStringLiteral("Data"), WithoutTrailingBackslash(dataLocation));
+    batch.put(section, QStringLiteral("Data"), dataLocation);
     batch.put(section, QStringLiteral("Schedules"), dataLocation + QStringLiteral("\\SCHEDULE"));
     batch.put(section, QStringLiteral("Logs"), dataLocation + QStringLiteral("\\LOGS"));
     const int error = iniFile.isEmpty() ? 0 : batch.commit();
@@ -60,7 +71,8 @@ int StoreFileLocations(const QString& data, const QStringList& carts, const QStr
         WriteRegistryString(platform::LocalMachineHive, registryKey, QStringLiteral("DataLocation"),
                             dataLocation, QString());
 
-    CreateDataDirectories(dataLocation);
+    if (mayBeMade(dataLocation))
+        CreateDataDirectories(dataLocation);
     settings().NoCarts =
         platform::ProfileInteger(QStringLiteral("Audiowall"), QStringLiteral("NoCarts"), DefaultNumberOfCarts,
                                  table[1].Location + QStringLiteral("\\Audwall.ini"));

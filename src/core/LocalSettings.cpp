@@ -16,7 +16,7 @@ SettingRef jumpButton(Settings& values, int index) {
 }
 
 QString dataFolder(const Settings& values, const char* name) {
-    return WithoutTrailingBackslash(values.DataLocation) + QLatin1String(name);
+    return TidyLocation(values.DataLocation) + QLatin1String(name);
 }
 
 std::optional<QString> schedules(const Settings& values, int) {

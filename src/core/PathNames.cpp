@@ -1,6 +1,11 @@
 #include "core/PathNames.h"
 
+#include "core/TextFields.h"
+#include "platform/CodePage.h"
+#include "platform/PathParts.h"
 #include "platform/Paths.h"
+
+#include <QStringList>
 
 namespace tolvex {
 
@@ -8,6 +13,14 @@ namespace {
 
 qsizetype lastSeparator(const QString& path) {
     return std::max(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/'));
+}
+
+// Names that stand for a device in every folder, whatever extension follows.
+bool isDeviceName(const QString& name) {
+    const QString stem = name.section(u'.', 0, 0).trimmed().toUpper();
+    if (stem.size() == 4 && (stem.startsWith(u"COM") || stem.startsWith(u"LPT")))
+        return stem[3] >= u'1' && stem[3] <= u'9';
+    return stem == u"CON" || stem == u"PRN" || stem == u"AUX" || stem == u"NUL";
 }
 
 } // namespace
@@ -34,6 +47,26 @@ QString WithoutTrailingBackslash(QString path) {
     if (path.endsWith(u'\\'))
         path.chop(1);
     return path;
+}
+
+QString TidyLocation(const QString& path) {
+    return WithoutTrailingBackslash(UpperCased(path.trimmed()));
+}
+
+QString LocationFault(const QString& path) {
+    if (platform::FromCodePage(platform::ToCodePage(path)) != path)
+        return QStringLiteral("the text holds a character that the files cannot store");
+    QString names = path.trimmed();
+    names.replace(u'/', u'\\');
+    const bool share = names.startsWith(u"\\\\");
+    const bool drive = names.size() > 1 && names[1] == u':' && names[0].isLetter();
+    const QStringList parts = names.mid(drive ? 2 : 0).split(u'\\', Qt::SkipEmptyParts);
+    if (share && parts.size() < 2)
+        return QStringLiteral("a server and a share are expected after \"\\\\\"");
+    for (const QString& name : parts)
+        if (!platform::IsValidName(name) || isDeviceName(name))
+            return QStringLiteral("\"%1\" cannot be the name of a folder").arg(name);
+    return {};
 }
 
 } // namespace tolvex

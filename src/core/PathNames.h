@@ -20,4 +20,13 @@ QString MakeShortPath(const QString& path);
 // The text without one trailing backslash.
 QString WithoutTrailingBackslash(QString path);
 
+// A data or cart location as it is shown and stored: trimmed, in upper case, without one trailing backslash.
+// Two lose only one, so each writer calls this once.
+QString TidyLocation(const QString& path);
+
+// What forbids a location, as the end of a sentence that begins with its setting; empty when nothing does. A
+// location may be empty; its names must be names that the file system allows, and the text one that the ini
+// files can store.
+QString LocationFault(const QString& path);
+
 } // namespace tolvex

@@ -89,8 +89,6 @@ int SaveLocalSettings(const QString& iniFile) {
         return platform::ProfileOk;
     static const std::vector<SavedBlock> blocks = resolve();
     Settings& values = settings();
-    for (CartPart& part : values.CartPartTable)
-        part.Location = WithoutTrailingBackslash(part.Location);
     platform::ProfileBatch batch(iniFile);
     for (const SavedBlock& block : blocks) {
         const bool indexed = block.front()->count != nullptr;
@@ -99,6 +97,10 @@ int SaveLocalSettings(const QString& iniFile) {
             for (const SettingRow* row : block)
                 put(batch, *row, indexed ? index : 0, values);
     }
+    // After their texts were taken: a location loses one backslash a save, not one here and one there.
+    values.DataLocation = TidyLocation(values.DataLocation);
+    for (CartPart& part : values.CartPartTable)
+        part.Location = TidyLocation(part.Location);
     return batch.commit();
 }
 

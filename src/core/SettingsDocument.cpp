@@ -1,11 +1,10 @@
 #include "core/SettingsDocument.h"
 
 #include "core/Dates.h"
-#include "core/SettingsLoader.h"
-#include "platform/Clock.h"
-#include "platform/Files.h"
+#include "core/PathNames.h"
+#include "core/SettingCheck.h"
+#include "platform/CodePage.h"
 #include "platform/Machine.h"
-#include "platform/ProfileFile.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,6 +19,9 @@ const QString formatName = QStringLiteral("tolvex-settings");
 constexpr int formatVersion = 1;
 // Far more than all declared settings with the most jump buttons there can be.
 constexpr qsizetype longestDocument = 64 * 1024 * 1024;
+// Longer values wrap when another program reads them.
+constexpr qsizetype longestStoredText = 65535;
+const QString storedName = QStringLiteral("stored");
 
 struct FileName {
     SettingsFile file;
@@ -31,7 +33,7 @@ constexpr FileName fileNames[] = {
     {SettingsFile::Audiowall, "audiowall"},
 };
 
-QJsonValue jsonValue(const StoredSetting& setting) {
+QJsonValue typedValue(const StoredSetting& setting) {
     switch (setting.place.row->kind) {
     case SettingKind::Flag:
         return setting.value.toInt() != 0;
@@ -40,16 +42,16 @@ QJsonValue jsonValue(const StoredSetting& setting) {
     case SettingKind::NumberText:
     case SettingKind::Colour:
         return setting.value.toInt();
-    case SettingKind::Date: {
-        const std::optional<double> date = ParseDate(setting.value);
-        return date ? QJsonValue(FromSerialDate(*date).toString(Qt::ISODate)) : QJsonValue();
-    }
+    case SettingKind::Date:
+        if (const std::optional<double> date = ParseDate(setting.value))
+            return FromSerialDate(*date).toString(Qt::ISODate);
+        return {};
     default:
         return setting.value;
     }
 }
 
-// The value as CheckSettingValue takes it; nothing for a kind of value that no setting has.
+// The value as CheckSettingValue takes it; nothing for a type that no setting of that kind has.
 std::optional<QString> textOf(const QJsonValue& value, SettingKind kind) {
     if (value.isBool() && kind == SettingKind::Flag)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
@@ -60,163 +62,137 @@ std::optional<QString> textOf(const QJsonValue& value, SettingKind kind) {
     return std::nullopt;
 }
 
-bool meansTheSame(const SettingRow& row, const QString& stored, const QString& given) {
-    if (row.kind == SettingKind::Flag)
-        return (stored.toInt() != 0) == (given.toInt() != 0);
-    return stored == given;
+// The typed value, where it stands for all that the file holds and would be taken back.
+QJsonValue exportedValue(const StoredSetting& setting) {
+    const SettingRow& row = *setting.place.row;
+    QJsonValue typed = typedValue(setting);
+    const std::optional<QString> text = TextOfDocumentValue(row, typed, nullptr);
+    const bool isWhole = row.kind == SettingKind::Text   ? text == setting.value && text == setting.stored
+                         : row.kind == SettingKind::Path ? setting.value == setting.stored
+                                                         : true;
+    if (text && isWhole)
+        return typed;
+    return QJsonObject{{storedName, setting.stored.value_or(QString())}};
 }
 
-// Devices that were given out automatically belong to one machine.
-bool isExported(const StoredSetting& setting, bool automaticPlayers) {
-    return !(setting.place.row->written && automaticPlayers) &&
-           !(setting.place.row->kind == SettingKind::Date && setting.value.isEmpty());
+// The sections of one file. Derived keys are marked by what they hold; an import works them out anew.
+QJsonObject sectionsOf(SettingsFile kind, const QString& file, const QList<StoredSetting>& settings,
+                       const Settings& values) {
+    QJsonObject sections;
+    const auto insert = [&sections](const SettingRow& row, const QString& key, const QJsonValue& value) {
+        QJsonObject keys = sections.value(QLatin1String(row.section)).toObject();
+        keys.insert(key, value);
+        sections.insert(QLatin1String(row.section), keys);
+    };
+    for (const StoredSetting& setting : settings) {
+        const SettingRow& row = *setting.place.row;
+        const bool givenOut = row.written && !row.written(values, setting.place.index);
+        if (setting.place.file == kind && setting.stored && !givenOut)
+            insert(row, setting.key, exportedValue(setting));
+    }
+    for (const SettingGroup& group : AllSettings())
+        for (const SettingRow& row : group.rows)
+            if (group.file == kind && !row.at)
+                if (const std::optional<QString> text = StoredTextOf(row, 0, file))
+                    insert(row, QLatin1String(row.key), *text);
+    return sections;
 }
 
-bool playersAreAutomatic(const QList<StoredSetting>& settings) {
-    for (const StoredSetting& setting : settings)
-        if (setting.key == QLatin1String("AutomaticPlayerAssignment"))
-            return setting.value.toInt() != 0;
-    return false;
+// Whether a file can hold a text as it stands: one line of its characters.
+bool isStorable(const QString& text) {
+    return text.size() <= longestStoredText && !text.contains(u'\r') && !text.contains(u'\n') &&
+           !text.contains(QChar(0)) && platform::FromCodePage(platform::ToCodePage(text)) == text;
 }
 
-class Planner {
-public:
-    Planner(const SettingsFiles& files, SettingsImport& plan)
-        : files_(files)
-        , plan_(plan) {
-        for (const StoredSetting& setting : ReadStoredSettings(files))
-            stored_.insert(nameOf(setting.place.file, QLatin1String(setting.place.row->section), setting.key),
-                           setting);
-    }
+QString wrongFormat(const QJsonObject& all) {
+    if (all.value(QStringLiteral("format")).toString() != formatName)
+        return QStringLiteral("The document holds no settings of a workstation");
+    if (all.value(QStringLiteral("version")).toInt() != formatVersion)
+        return QStringLiteral("The document was written by another version of this program");
+    if (!all.value(QStringLiteral("settings")).isObject())
+        return QStringLiteral("The document has no \"settings\"");
+    return {};
+}
 
-    void take(SettingsFile file, const QString& section, const QString& key, const QJsonValue& value) {
-        const QString shown = u'[' + section + QStringLiteral("] ") + key;
-        const SettingPlace place = FindSetting(section, key);
-        if (!place || !place.row->at || place.file != file) {
-            plan_.unknown << shown;
-            return;
-        }
-        if (files_.of(file).isEmpty()) {
-            plan_.refused << shown + QStringLiteral(": its file is not known yet");
-            return;
-        }
-        QString why = QStringLiteral("a value of that kind cannot be stored");
-        const std::optional<QString> given = textOf(value, place.row->kind);
-        const std::optional<QString> text =
-            given ? CheckSettingValue(*place.row, *given, &why) : std::nullopt;
-        if (!text) {
-            plan_.refused << shown + QStringLiteral(": ") + why;
-            return;
-        }
-        const StoredSetting now = stored_.value(
-            nameOf(file, QLatin1String(place.row->section), SettingKey(*place.row, place.index)));
-        if (!now.present || !meansTheSame(*place.row, now.value, *text))
-            plan_.changes.append({place, SettingKey(*place.row, place.index), now.value, *text});
+// The settings below the name of one file.
+void readFile(const FileName& name, const QJsonValue& value, SettingsDocument& document) {
+    const QString damaged = QStringLiteral("The document is damaged: \"%1\" is not a group of settings");
+    if (!value.isObject() && !value.isUndefined())
+        document.problem = damaged.arg(QLatin1String(name.name));
+    const QJsonObject sections = value.toObject();
+    for (auto section = sections.begin(); section != sections.end(); ++section) {
+        if (!section.value().isObject())
+            document.problem = damaged.arg(section.key());
+        const QJsonObject keys = section.value().toObject();
+        for (auto key = keys.begin(); key != keys.end(); ++key)
+            document.entries.append({name.file, section.key(), key.key(), key.value()});
     }
-
-private:
-    static QString nameOf(SettingsFile file, const QString& section, const QString& key) {
-        return QString::number(static_cast<int>(file)) + section + u'\n' + key;
-    }
-
-    const SettingsFiles& files_;
-    SettingsImport& plan_;
-    QMap<QString, StoredSetting> stored_;
-};
+}
 
 } // namespace
 
 QByteArray ExportSettings(const SettingsFiles& files) {
-    const QList<StoredSetting> stored = ReadStoredSettings(files);
-    const bool automaticPlayers = playersAreAutomatic(stored);
+    const QList<StoredSetting> settings = ReadStoredSettings(files);
+    const Settings values = LoadFrom(files);
     QJsonObject byFile;
+    QJsonObject paths;
     for (const FileName& name : fileNames) {
-        QJsonObject sections;
-        for (const StoredSetting& setting : stored) {
-            if (setting.place.file != name.file || !isExported(setting, automaticPlayers))
-                continue;
-            const QString section = QLatin1String(setting.place.row->section);
-            QJsonObject keys = sections.value(section).toObject();
-            keys.insert(setting.key, jsonValue(setting));
-            sections.insert(section, keys);
-        }
-        if (!sections.isEmpty())
-            byFile.insert(QLatin1String(name.name), sections);
+        const QString& file = files.of(name.file);
+        const QJsonObject sections =
+            file.isEmpty() ? QJsonObject() : sectionsOf(name.file, file, settings, values);
+        if (sections.isEmpty())
+            continue;
+        byFile.insert(QLatin1String(name.name), sections);
+        paths.insert(QLatin1String(name.name), ProfilePath(file));
     }
-    QJsonObject document;
-    document.insert(QStringLiteral("format"), formatName);
-    document.insert(QStringLiteral("version"), formatVersion);
-    document.insert(QStringLiteral("computer"), platform::ComputerName());
-    document.insert(QStringLiteral("settings"), byFile);
+    const QJsonObject document{{QStringLiteral("format"), formatName},
+                               {QStringLiteral("version"), formatVersion},
+                               {QStringLiteral("computer"), platform::ComputerName()},
+                               {QStringLiteral("files"), paths},
+                               {QStringLiteral("settings"), byFile}};
     return QJsonDocument(document).toJson(QJsonDocument::Indented);
 }
 
-SettingsImport PlanImport(const QByteArray& document, const SettingsFiles& files) {
-    SettingsImport plan;
+SettingsDocument ReadSettingsDocument(const QByteArray& bytes) {
+    SettingsDocument document;
+    if (bytes.size() > longestDocument) {
+        document.problem = QStringLiteral("The document is too large to hold settings");
+        return document;
+    }
     QJsonParseError error;
-    const QJsonObject all = document.size() > longestDocument
-                                ? QJsonObject()
-                                : QJsonDocument::fromJson(document, &error).object();
-    if (document.size() > longestDocument) {
-        plan.problem = QStringLiteral("The document is too large to hold settings");
-    } else if (error.error != QJsonParseError::NoError) {
-        plan.problem = QStringLiteral("The document cannot be read: %1 at byte %2")
-                           .arg(error.errorString())
-                           .arg(error.offset);
-    } else if (all.value(QStringLiteral("format")).toString() != formatName) {
-        plan.problem = QStringLiteral("The document holds no settings of a workstation");
-    } else if (all.value(QStringLiteral("version")).toInt() != formatVersion) {
-        plan.problem = QStringLiteral("The document was written by another version of this program");
-    }
-    if (!plan.problem.isEmpty())
-        return plan;
-    Planner planner(files, plan);
-    const QJsonObject byFile = all.value(QStringLiteral("settings")).toObject();
-    for (const FileName& name : fileNames) {
-        const QJsonObject sections = byFile.value(QLatin1String(name.name)).toObject();
-        for (auto section = sections.begin(); section != sections.end(); ++section) {
-            const QJsonObject keys = section.value().toObject();
-            for (auto key = keys.begin(); key != keys.end(); ++key)
-                planner.take(name.file, section.key(), key.key(), key.value());
-        }
-    }
-    return plan;
+    const QJsonObject all = QJsonDocument::fromJson(bytes, &error).object();
+    document.problem = error.error == QJsonParseError::NoError
+                           ? wrongFormat(all)
+                           : QStringLiteral("The document cannot be read: %1 at byte %2")
+                                 .arg(error.errorString())
+                                 .arg(error.offset);
+    if (!document.problem.isEmpty())
+        return document;
+    QJsonObject byFile = all.value(QStringLiteral("settings")).toObject();
+    for (const FileName& name : fileNames)
+        readFile(name, byFile.take(QLatin1String(name.name)), document);
+    document.unknown = byFile.keys();
+    return document;
 }
 
-bool ApplyImport(SettingsImport& plan, const SettingsFiles& files) {
-    if (!plan.usable())
-        return false;
-    const QString stamp = platform::clock().now().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    for (const FileName& name : fileNames) {
-        const QString& file = files.of(name.file);
-        platform::ProfileBatch batch(file);
-        bool changes = false;
-        for (const SettingsImport::Change& change : plan.changes) {
-            if (change.place.file != name.file)
-                continue;
-            batch.put(QLatin1String(change.place.row->section), change.key, change.after);
-            changes = true;
+std::optional<QString> TextOfDocumentValue(const SettingRow& row, const QJsonValue& value, QString* why) {
+    QString reason = QStringLiteral("a value of that kind cannot be stored");
+    std::optional<QString> text;
+    if (const QJsonValue stored = value.toObject().value(storedName); stored.isString()) {
+        if (isStorable(stored.toString())) {
+            text = row.kind == SettingKind::Path ? TidyLocation(stored.toString()) : stored.toString();
+            reason = CheckSettingValue(row, stored.toString(), &reason)
+                         ? QString()
+                         : reason + QStringLiteral("; it is taken as it stands");
         }
-        if (!changes)
-            continue;
-        const QString path = ProfilePath(file);
-        if (platform::FileExists(path)) {
-            const QString backup = path + u'.' + stamp + QStringLiteral(".bak");
-            if (const int error = platform::CopyWholeFile(path, backup); error != platform::NoError) {
-                plan.problem =
-                    QStringLiteral("%1 could not be copied to %2 (error %3); nothing of it was changed")
-                        .arg(path, backup)
-                        .arg(error);
-                return false;
-            }
-            plan.backups << backup;
-        }
-        if (const int error = batch.commit(); error != platform::ProfileOk) {
-            plan.problem = ProfileErrorText(error, path);
-            return false;
-        }
+    } else if (const std::optional<QString> given = textOf(value, row.kind)) {
+        text = CheckSettingValue(row, *given, &reason);
+        if (text)
+            reason.clear();
     }
-    return true;
+    if (why)
+        *why = reason;
+    return text;
 }
 
 } // namespace tolvex

@@ -1,41 +1,45 @@
-// All declared settings of a workstation as one JSON document, for keeping and for setting up others:
+// The stored settings of a workstation as one JSON document, for keeping and for setting up others:
 //
 //     { "format": "tolvex-settings", "version": 1, "computer": "STUDIO1",
+//       "files": { "local": "C:\\WINDOWS\\TOLVEX.INI", ... },
 //       "settings": { "local": { "Display": { "ShowClock": true, ... }, ... }, "system": ..., "audiowall":
 //       ... } }
 //
-// Flags are booleans, numbers and colours numbers, texts texts, dates ISO 8601. Keys that are derived from
-// others, and the devices of automatic assignment, are left out.
+// It holds what the files hold and no defaults, below the name of the file that each came from; "files" says
+// where that was and is not read again. Flags are booleans, numbers and colours numbers, texts texts, dates
+// ISO 8601. A value that could not be set by hand, one outside its range for instance, is { "stored": "..."
+// }: the text as it stands in the file. Devices that were given out automatically belong to one machine and
+// are left out.
 #pragma once
 
 #include "core/StoredSettings.h"
+
+#include <QJsonValue>
 
 namespace tolvex {
 
 QByteArray ExportSettings(const SettingsFiles& files);
 
-// What an import would do, or did.
-struct SettingsImport {
-    struct Change {
-        SettingPlace place;
-        QString key;
-        QString before;
-        QString after;
-    };
-    QList<Change> changes;
-    QStringList unknown; // "[section] key" that no row declares; left out
-    QStringList refused; // with the reason; nothing is applied while there are any
-    QString problem;     // why the document cannot be used at all
-    QStringList backups; // copies of the files as they were, once it was applied
-    bool usable() const { return problem.isEmpty() && refused.isEmpty(); }
+// A setting of a document.
+struct DocumentEntry {
+    SettingsFile file = SettingsFile::Local;
+    QString section;
+    QString key;
+    QJsonValue value;
 };
 
-// Reads a document and compares it with the files; changes nothing.
-SettingsImport PlanImport(const QByteArray& document, const SettingsFiles& files);
+struct SettingsDocument {
+    QList<DocumentEntry> entries;
+    QStringList unknown; // names of files that there are none of
+    QString problem;     // why it cannot be used at all
+};
 
-// Copies each file that changes to "<file>.<time>.bak", then applies the changes to it as one replacement.
-// False, with the reason in plan.problem, at the first file that fails; files not yet reached keep their
-// content.
-bool ApplyImport(SettingsImport& plan, const SettingsFiles& files);
+// Cost: one pass; nesting and length are limited, and anything may be in it.
+SettingsDocument ReadSettingsDocument(const QByteArray& bytes);
+
+// The text that a document's value stores for a row. Nothing, with the end of a sentence in *why, when it
+// cannot be stored. A text taken as it stands in another file may be one that could not be set by hand; *why
+// then says what is unusual about it, and is empty otherwise.
+std::optional<QString> TextOfDocumentValue(const SettingRow& row, const QJsonValue& value, QString* why);
 
 } // namespace tolvex

@@ -96,9 +96,18 @@ void putText(const SettingRow& row, const SettingRef& ref, const QString& text) 
         *std::get<QString*>(ref) = row.longest ? text.left(row.longest) : text;
 }
 
+// Forms hold a set flag as -1; the files hold 1.
+bool losesSign(const SettingRow& row) {
+    return row.kind == SettingKind::Flag || row.kind == SettingKind::NumberText || row.absolute;
+}
+
+qint32 withoutSign(qint32 value) {
+    return value == INT32_MIN ? INT32_MAX : qAbs(value);
+}
+
 qint32 asLoaded(const SettingRow& row, qint32 value) {
-    if (row.absolute && value < 0)
-        value = value == INT32_MIN ? INT32_MAX : -value;
+    if (row.absolute)
+        value = withoutSign(value);
     return row.held ? HeldBetween(value, row.lowest, row.highest) : value;
 }
 
@@ -123,6 +132,16 @@ void LoadEntry(const SettingRow& row, int index, const SettingSource& source, Se
     }
 }
 
+void PutEntry(const SettingRow& row, int index, const QString& text, Settings& values) {
+    const SettingRef ref = row.at(values, index);
+    if (isText(row.kind))
+        putText(row, ref, text.left(row.buffer - 1));
+    else if (row.kind == SettingKind::NumberText)
+        putNumber(ref, asLoaded(row, ToLong(LeadingNumber(text))));
+    else
+        putNumber(ref, asLoaded(row, platform::LeadingInteger(text)));
+}
+
 void LoadRow(const SettingRow& row, const SettingSource& source, Settings& values) {
     if (!row.count) {
         LoadEntry(row, 0, source, values);
@@ -145,9 +164,7 @@ void SizeJumpCartButtons(Settings& values) {
 QString MemberText(const SettingRow& row, int index, Settings& values) {
     return std::visit(
         Overloaded{
-            [&](const QString* text) {
-                return row.kind == SettingKind::Path ? WithoutTrailingBackslash(*text) : *text;
-            },
+            [](const QString* text) { return *text; },
             [](const double* date) { return *date > 0 ? DateText(FromSerialDate(*date)) : QString(); },
             [](const auto* number) { return QString::number(*number); },
         },
@@ -155,7 +172,12 @@ QString MemberText(const SettingRow& row, int index, Settings& values) {
 }
 
 std::optional<QString> StoredText(const SettingRow& row, int index, Settings& values) {
-    return row.written ? row.written(values, index) : MemberText(row, index, values);
+    if (row.written)
+        return row.written(values, index);
+    const QString text = MemberText(row, index, values);
+    if (row.kind == SettingKind::Path)
+        return TidyLocation(text);
+    return losesSign(row) ? QString::number(withoutSign(text.toInt())) : text;
 }
 
 QString DefaultText(const SettingRow& row, int index, const Settings& values) {

@@ -18,6 +18,9 @@ struct SettingSource {
 // key stands beside the row.
 void LoadEntry(const SettingRow& row, int index, const SettingSource& source, Settings& values = settings());
 
+// The same for an entry whose text is known: fills its member as if a file held that text.
+void PutEntry(const SettingRow& row, int index, const QString& text, Settings& values);
+
 // All entries of a row, all rows of a group, in order.
 void LoadRow(const SettingRow& row, const SettingSource& source, Settings& values = settings());
 void LoadRows(SettingRows rows, const SettingSource& source, Settings& values = settings());
@@ -25,11 +28,12 @@ void LoadRows(SettingRows rows, const SettingSource& source, Settings& values = 
 // Sizes JumpCartButtons by NumberCartJumpButtons, keeping its content.
 void SizeJumpCartButtons(Settings& values = settings());
 
-// The text of an entry's member as its kind is written; a date that was never set is empty. The row is one
-// that is read.
+// The text of an entry's member as it is held; a date that was never set is empty. The row is one that is
+// read.
 QString MemberText(const SettingRow& row, int index, Settings& values = settings());
 
-// The text that saving writes for an entry; nothing when the key is to be removed.
+// The text that saving writes for an entry: a flag without its sign, a location tidied. Nothing when the key
+// is to be removed.
 std::optional<QString> StoredText(const SettingRow& row, int index, Settings& values = settings());
 
 // The default of an entry as it would be stored, with the other settings as they are held.

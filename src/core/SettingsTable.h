@@ -23,13 +23,13 @@ enum class SettingsFile {
 };
 
 enum class SettingKind {
-    Flag,       // 0 off, any other value on
+    Flag,       // 0 off, any other value on; stored without its sign
     Word,       // 16-bit number
     Number,     // 32-bit number
-    NumberText, // a number that is read as text: its leading number, rounded
+    NumberText, // read as text: its leading number, rounded; a flag to those who use it, and stored like one
     Colour,     // blue-green-red integer
     Text,
-    Path, // text that is written without a trailing backslash
+    Path, // a data or cart location; stored as TidyLocation has it
     Date  // "dd mmm yyyy hh:nn:ss"
 };
 
@@ -62,7 +62,7 @@ struct SettingRow {
     qint32 lowest = INT32_MIN;
     qint32 highest = INT32_MAX;
     bool held = false;
-    bool absolute = false; // a loaded value loses its sign
+    bool absolute = false; // a value loses its sign when it is loaded and when it is stored
     int longest = 0;       // characters of a text; 0: no limit but the buffer
     int buffer = 255;      // of a read, its ending zero included
 

@@ -1,11 +1,8 @@
 #include "core/StoredSettings.h"
 
-#include "core/Dates.h"
 #include "core/PathNames.h"
+#include "core/SettingCheck.h"
 #include "core/SettingsLoader.h"
-#include "platform/CodePage.h"
-#include "platform/Paths.h"
-#include "platform/ProfileFile.h"
 
 #include <QMap>
 
@@ -13,87 +10,17 @@ namespace tolvex {
 
 namespace {
 
-// Loads all groups of the files given into a record of its own.
-Settings loadedFrom(const SettingsFiles& files) {
-    Settings values;
-    for (const SettingGroup& group : AllSettings()) {
-        const QString& file = files.of(group.file);
-        if (file.isEmpty())
-            continue;
-        LoadRows(group.rows, {file}, values);
-        if (group.rows.data() == AudioWallSizeRows.data())
-            SizeJumpCartButtons(values);
-    }
-    return values;
-}
-
-QString quoted(const QString& text) {
-    return u'"' + text + u'"';
-}
-
 bool fail(QString* why, const QString& reason) {
     if (why)
         *why = reason;
     return false;
 }
 
-std::optional<QString> refuse(QString* why, const QString& reason) {
-    fail(why, reason);
-    return std::nullopt;
-}
-
-std::optional<QString> flagText(const QString& value) {
-    const QString word = value.toLower();
-    for (const char* on : {"1", "true", "on", "yes"})
-        if (word == QLatin1String(on))
-            return QStringLiteral("1");
-    for (const char* off : {"0", "false", "off", "no"})
-        if (word == QLatin1String(off))
-            return QStringLiteral("0");
-    return word == QLatin1String("-1") ? std::optional(word) : std::nullopt;
-}
-
-std::optional<qint64> wholeNumber(const QString& value, bool hexadecimal) {
-    bool good = false;
-    qint64 number = 0;
-    if (hexadecimal && value.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
-        number = static_cast<qint32>(value.mid(2).toUInt(&good, 16));
-    else
-        number = value.toLongLong(&good, 10);
-    return good ? std::optional(number) : std::nullopt;
-}
-
-std::optional<QString> checkNumber(const SettingRow& row, const QString& value, QString* why) {
-    const std::optional<qint64> number = wholeNumber(value, row.kind == SettingKind::Colour);
-    if (!number)
-        return refuse(why, quoted(value) + QStringLiteral(" is no whole number"));
-    if (*number < row.lowest || *number > row.highest)
-        return refuse(
-            why, QStringLiteral("%1 lies outside %2 to %3").arg(*number).arg(row.lowest).arg(row.highest));
-    return QString::number(*number);
-}
-
-std::optional<QString> checkText(const SettingRow& row, const QString& value, QString* why) {
-    const QString text = row.kind == SettingKind::Path ? WithoutTrailingBackslash(value) : value;
-    const int longest = row.longest ? row.longest : row.buffer - 1;
-    if (text.size() > longest)
-        return refuse(why, QStringLiteral("the text is longer than %1 characters").arg(longest));
-    for (const QChar c : text)
-        if (c.unicode() < 0x20)
-            return refuse(why, QStringLiteral("the text holds a control character"));
-    if (platform::FromCodePage(platform::ToCodePage(text)) != text)
-        return refuse(why, QStringLiteral("the text holds a character that the files cannot store"));
-    // A reader takes one pair of enclosing quotes off.
-    if (text.size() > 1 && text.front() == text.back() && (text.front() == u'"' || text.front() == u'\''))
-        return refuse(why, QStringLiteral("the text cannot be enclosed in quotes"));
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
-std::optional<QString> checkDate(const QString& value, QString* why) {
-    const std::optional<double> date = ParseDate(value);
-    if (!date)
-        return refuse(why, quoted(value) + QStringLiteral(" is no date"));
-    return DateText(FromSerialDate(*date));
+bool hasOlderKey(const SettingRow& row, int index, const QString& file) {
+    return row.oldKey && platform::ProfileKeyExists(QLatin1String(row.oldSection),
+                                                    QLatin1String(row.oldKey) +
+                                                        (row.count ? QString::number(index) : QString()),
+                                                    file);
 }
 
 } // namespace
@@ -109,21 +36,50 @@ const QString& SettingsFiles::of(SettingsFile file) const {
     }
 }
 
-SettingsFiles FilesInForce() {
-    const Settings& values = settings();
-    SettingsFiles files{values.LocalIniFile, values.SystemIniFile, {}};
-    if (!values.CartPartTable[1].Location.isEmpty())
-        files.audiowall = values.CartPartTable[1].Location + QStringLiteral("\\Audwall.ini");
-    return files;
+QString SystemIniIn(const QString& dataLocation) {
+    return dataLocation.trimmed().isEmpty() ? QString() : dataLocation + QStringLiteral("\\TLVX_SYS.INI");
 }
 
-QString ProfilePath(const QString& file) {
-    const bool bare = !file.contains(u'\\') && !file.contains(u'/') && !file.contains(u':');
-    return bare ? platform::WindowsFolder() + u'\\' + file : file;
+QString AudiowallIniIn(const QString& firstPart) {
+    return firstPart.trimmed().isEmpty() ? QString() : firstPart + QStringLiteral("\\Audwall.ini");
+}
+
+SettingsFiles FilesInForce() {
+    const Settings& values = settings();
+    // Without a data location and a name of its own the station's file would lie in the root of some drive.
+    const bool nowhere = values.DataLocation.trimmed().isEmpty() && values.SystemIniFile == u"\\TLVX_SYS.INI";
+    return {values.LocalIniFile, nowhere ? QString() : values.SystemIniFile,
+            AudiowallIniIn(values.CartPartTable[1].Location)};
+}
+
+QString WhatMakesFileKnown(SettingsFile file) {
+    return file == SettingsFile::System ? QStringLiteral("set the data location")
+                                        : QStringLiteral("set the first cart location");
+}
+
+Settings LoadFrom(const SettingsFiles& files) {
+    Settings values;
+    for (const SettingGroup& group : AllSettings()) {
+        const QString& file = files.of(group.file);
+        if (file.isEmpty())
+            continue;
+        LoadRows(group.rows, {file}, values);
+        if (group.rows.data() == AudioWallSizeRows.data())
+            SizeJumpCartButtons(values);
+    }
+    return values;
+}
+
+std::optional<QString> StoredTextOf(const SettingRow& row, int index, const QString& file) {
+    const QString section = QLatin1String(row.section);
+    const QString key = SettingKey(row, index);
+    if (!platform::ProfileKeyExists(section, key, file))
+        return std::nullopt;
+    return platform::ProfileText(section, key, {}, file, INT_MAX);
 }
 
 QList<StoredSetting> ReadStoredSettings(const SettingsFiles& files) {
-    Settings values = loadedFrom(files);
+    Settings values = LoadFrom(files);
     QList<StoredSetting> list;
     for (const SettingGroup& group : AllSettings()) {
         const QString& file = files.of(group.file);
@@ -139,7 +95,9 @@ QList<StoredSetting> ReadStoredSettings(const SettingsFiles& files) {
                 setting.value = MemberText(row, index, values);
                 setting.defaultValue =
                     row.kind == SettingKind::Date ? QString() : DefaultText(row, index, values);
-                setting.present = platform::ProfileKeyExists(QLatin1String(row.section), setting.key, file);
+                setting.stored = StoredTextOf(row, index, file);
+                if (!setting.stored && hasOlderKey(row, index, file))
+                    setting.stored = setting.value;
                 list.append(setting);
             }
         }
@@ -147,45 +105,57 @@ QList<StoredSetting> ReadStoredSettings(const SettingsFiles& files) {
     return list;
 }
 
-std::optional<QString> CheckSettingValue(const SettingRow& row, const QString& value, QString* why) {
-    const QString plain = value.trimmed();
-    switch (row.kind) {
-    case SettingKind::Flag:
-        if (std::optional<QString> flag = flagText(plain))
-            return flag;
-        return refuse(why, quoted(plain) + QStringLiteral(" is neither on (1) nor off (0)"));
-    case SettingKind::Word:
-    case SettingKind::Number:
-    case SettingKind::NumberText:
-    case SettingKind::Colour:
-        return checkNumber(row, plain, why);
-    case SettingKind::Date:
-        return checkDate(plain, why);
-    default:
-        return checkText(row, plain, why);
-    }
+QList<StoredChange> DerivedChanges(const QString& localIni, const Settings& before, const Settings& after,
+                                   const QList<const SettingRow*>& wanted) {
+    QList<StoredChange> changes;
+    for (const SettingGroup& group : AllSettings())
+        for (const SettingRow& row : group.rows) {
+            if (row.at)
+                continue;
+            const std::optional<QString> stored = StoredTextOf(row, 0, localIni);
+            const std::optional<QString> text = row.written(after, 0);
+            const bool follows = stored && text != row.written(before, 0);
+            if (text && text != stored && (follows || wanted.contains(&row)))
+                changes.append({&row, QLatin1String(row.key), *text});
+        }
+    return changes;
 }
 
 bool SetStoredSetting(const SettingsFiles& files, const QString& section, const QString& key,
-                      const QString& value, QString* why) {
+                      const QString& value, QString* why, int* error) {
+    if (error)
+        *error = platform::ProfileOk;
     const QString name = u'[' + section + QStringLiteral("] ") + key;
     const SettingPlace place = FindSetting(section, key);
     if (!place)
-        return fail(why, name + QStringLiteral(" is no setting that is known"));
-    if (!place.row->at)
+        return fail(why, name + QStringLiteral(" is not a setting that is known"));
+    const SettingRow& row = *place.row;
+    if (!row.at)
         return fail(why, name + QStringLiteral(" follows from other settings and cannot be set"));
     const QString& file = files.of(place.file);
     if (file.isEmpty())
-        return fail(why, name + QStringLiteral(" has no file yet: set the first cart location"));
-    if (place.index > SettingCount(*place.row, loadedFrom(files)))
+        return fail(why, name + QStringLiteral(" has no file yet: ") + WhatMakesFileKnown(place.file));
+    const Settings before = LoadFrom(files);
+    if (place.index > SettingCount(row, before))
         return fail(why, name + QStringLiteral(" has a number above the last one"));
     QString reason;
-    const std::optional<QString> text = CheckSettingValue(*place.row, value, &reason);
+    const std::optional<QString> text = CheckSettingValue(row, value, &reason);
     if (!text)
         return fail(why, name + QStringLiteral(": ") + reason);
-    const int error = platform::WriteProfileText(QLatin1String(place.row->section),
-                                                 SettingKey(*place.row, place.index), *text, file);
-    return error == platform::ProfileOk || fail(why, ProfileErrorText(error, file));
+
+    platform::ProfileBatch batch(file);
+    batch.put(QLatin1String(row.section), SettingKey(row, place.index), *text);
+    if (place.file == SettingsFile::Local) {
+        Settings after = before;
+        PutEntry(row, place.index, *text, after);
+        for (const StoredChange& change : DerivedChanges(file, before, after))
+            batch.put(QLatin1String(change.row->section), change.key, change.text);
+    }
+    const int failed = batch.commit();
+    if (error)
+        *error = failed;
+    return failed == platform::ProfileOk ||
+           fail(why, name + QStringLiteral(": ") + ProfileErrorText(failed, ProfilePath(file)));
 }
 
 QList<SettingDifference> DiffSettings(const QString& firstIni, const QString& secondIni) {

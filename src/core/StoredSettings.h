@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/SettingsTable.h"
+#include "platform/ProfileFile.h"
 
 namespace tolvex {
 
@@ -14,32 +15,55 @@ struct SettingsFiles {
     const QString& of(SettingsFile file) const;
 };
 
+// Where the station's file lies for a data location, and the audiowall's for the folder of its first part;
+// empty when the location is.
+QString SystemIniIn(const QString& dataLocation);
+QString AudiowallIniIn(const QString& firstPart);
+
+// What has to be done first for a file that no location leads to: "set the data location".
+QString WhatMakesFileKnown(SettingsFile file);
+
 // Those of this workstation, as the settings in force name them.
 SettingsFiles FilesInForce();
 
-// A bare name with the Windows folder in front, where the profile operations find it; other paths as they
-// are.
-QString ProfilePath(const QString& file);
+using platform::ProfilePath;
 
 struct StoredSetting {
     SettingPlace place;
     QString key;          // with its number
-    QString value;        // as it would be written; the default where the file has none
+    QString value;        // as it is loaded; the default where the file has none
     QString defaultValue; // with the other settings as the files have them
-    bool present = false; // the key is in the file
+    // The text in the file, without the quotes around it; for a key that only has its older form, the value.
+    // Nothing when neither is there.
+    std::optional<QString> stored;
 };
 
 // Every declared setting that is read, file by file.
 QList<StoredSetting> ReadStoredSettings(const SettingsFiles& files);
 
-// The text that stores `value` for a row, or nothing, with a sentence in *why, when its kind or range forbids
-// it. Flags may be given as 0, 1, -1, true, false, on, off, yes, no; colours in hexadecimal (0x00FF00).
-std::optional<QString> CheckSettingValue(const SettingRow& row, const QString& value, QString* why);
+// The settings of these files in a record of their own.
+Settings LoadFrom(const SettingsFiles& files);
 
-// Changes one setting in its file. False, with a sentence in *why, when the key is not declared, not to be
-// set by hand, or the value is refused or cannot be written.
+// The text of a declared key, without the quotes around it; nothing when it is not in the file.
+std::optional<QString> StoredTextOf(const SettingRow& row, int index, const QString& file);
+
+// A key to be written.
+struct StoredChange {
+    const SettingRow* row = nullptr;
+    QString key; // with its number
+    QString text;
+};
+
+// What has to become of the derived keys of a local ini file when the settings they follow from change. A key
+// that is not in the file stays out of it, unless it is one of `wanted`.
+QList<StoredChange> DerivedChanges(const QString& localIni, const Settings& before, const Settings& after,
+                                   const QList<const SettingRow*>& wanted = {});
+
+// Changes one setting in its file, and the derived keys in it that follow from it. False, with a sentence in
+// *why that names the setting, when the key is not declared, not to be set by hand, or the value is refused
+// or cannot be written; then *error is the number of the write that failed, 0 when it was not tried.
 bool SetStoredSetting(const SettingsFiles& files, const QString& section, const QString& key,
-                      const QString& value, QString* why);
+                      const QString& value, QString* why, int* error = nullptr);
 
 // What differs between the local settings of two workstations: the declared keys whose values are not the
 // same, one of them perhaps by default.

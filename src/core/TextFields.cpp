@@ -1,5 +1,7 @@
 #include "core/TextFields.h"
 
+#include "platform/CodePage.h"
+
 namespace tolvex {
 
 bool ValidateCharacters(const QString& text, CharacterClass allowed) {
@@ -27,6 +29,14 @@ QString TextField(const QString& text, qsizetype start, QChar separator, qsizety
         *position = end + 1;
     const QString field = text.mid(first, end < 0 ? -1 : end - first);
     return trim ? field.trimmed() : field;
+}
+
+QString UpperCased(QString text) {
+    for (QChar& letter : text)
+        if (const QString upper(letter.toUpper());
+            letter.unicode() < 0x80 || platform::FromCodePage(platform::ToCodePage(upper)) == upper)
+            letter = upper.front();
+    return text;
 }
 
 QString SwitchValue(const QString& commandLine, const QString& name) {

@@ -23,6 +23,10 @@ bool ValidateCharacters(const QString& text, CharacterClass allowed);
 QString TextField(const QString& text, qsizetype start, QChar separator, qsizetype* position = nullptr,
                   bool trim = true, bool skipLeading = false);
 
+// The text in upper case, character by character, as far as the suite's files can hold it: a character whose
+// upper case is two characters or lies outside code page 1252 stays as it is.
+QString UpperCased(QString text);
+
 // The value of a switch of the command line: the text behind its first match up to the next blank, trimmed.
 // Null when the switch is not there. Switches are upper-case, as the command line is.
 QString SwitchValue(const QString& commandLine, const QString& name);

@@ -2,6 +2,7 @@
 
 #include "core/Folders.h"
 #include "core/Settings.h"
+#include "core/TextFields.h"
 #include "databases/Report.h"
 #include "databases/UsersDatabase.h"
 #include "databases/UsersSchema.h"
@@ -36,15 +37,6 @@ constexpr struct {
     {"Access2", 1, "AccessRight2"}, {"Access2", 8192, "AccessRight1"}, {"Access3", 1, "AccessRight4"},
     {"Access3", 1, "AccessRight5"}, {"Access2", 124, "AccessRight6"},
 };
-
-// Characters whose upper case the code page lacks stay as they are.
-QString upperCased(QString text) {
-    for (QChar& letter : text)
-        if (const QString upper(letter.toUpper());
-            platform::FromCodePage(platform::ToCodePage(upper)) == upper)
-            letter = upper.front();
-    return text;
-}
 
 void makeGroups(SuiteDatabase& database) {
     auto table = database.open(QStringLiteral("Usergroups"), RecordsetMode::Table);
@@ -143,7 +135,7 @@ QString OlderUsersFile() {
 }
 
 QString TransformPassword(const QString& text, bool keepCase) {
-    QByteArray codes = platform::ToCodePage(keepCase ? text : upperCased(text));
+    QByteArray codes = platform::ToCodePage(keepCase ? text : UpperCased(text));
     for (char& code : codes) {
         const unsigned bits = static_cast<unsigned char>(code);
         code = static_cast<char>((bits & 0xE4u) | (bits & 0x01u) << 4 | (bits & 0x10u) >> 4 |

@@ -1,5 +1,6 @@
 #include "dialogs/TextBoxes.h"
 
+#include "core/TextFields.h"
 #include "dialogs/Style.h"
 
 #include <QEvent>
@@ -81,7 +82,7 @@ void TypeInUpperCase(QLineEdit* box) {
     SelectAllOnFocus(box);
     QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
         const int cursor = box->cursorPosition();
-        box->setText(text.toUpper());
+        box->setText(UpperCased(text));
         box->setCursorPosition(cursor);
     });
 }

@@ -34,6 +34,14 @@ FileLock::FileLock(const QString& hostPath, int milliseconds) {
     }
 }
 
+bool FileLock::isHeld(const QString& hostPath) {
+    const std::optional<QString> target = FollowLinks(hostPath);
+    const Descriptor companion(target ? ::open((HostName(*target) + ".lock").constData(),
+                                               O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)
+                                      : -1);
+    return companion.open() && ::flock(companion.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
 // One try. PermissionDenied in error_ means that another one has it; other errors last.
 bool FileLock::attempt() {
     Descriptor file(

@@ -27,6 +27,9 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
+    // Whether somebody holds the lock of a file now. Changes nothing.
+    static bool isHeld(const QString& hostPath);
+
     bool held() const { return file_.open(); }
     // FileError: PermissionDenied when another program kept the lock all the time; PathFileAccess or
     // PathNotFound when the folder does not take files; NoError when held.

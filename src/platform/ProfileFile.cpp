@@ -2,7 +2,8 @@
 
 #include "platform/CodePage.h"
 #include "platform/FileCache.h"
-#include "platform/FileUpdate.h"
+#include "platform/FileGroup.h"
+#include "platform/PathParts.h"
 #include "platform/Paths.h"
 #include "platform/ProfileDocument.h"
 
@@ -55,19 +56,6 @@ QString asDefault(QString text) {
     return text;
 }
 
-qint32 leadingInteger(const QString& text) {
-    qsizetype at = 0;
-    while (at < text.size() && (text[at] == u' ' || text[at] == u'\t'))
-        ++at;
-    const bool negative = at < text.size() && text[at] == u'-';
-    if (at < text.size() && (negative || text[at] == u'+'))
-        ++at;
-    quint32 number = 0;
-    for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at)
-        number = number * 10 + (text[at].unicode() - u'0');
-    return static_cast<qint32>(negative ? 0u - number : number);
-}
-
 int profileError(int fileError) {
     switch (fileError) {
     case NoError:
@@ -98,6 +86,23 @@ int nameError(const QString& file) {
 
 } // namespace
 
+QString ProfilePath(const QString& file) {
+    return IsBareName(file) ? WindowsFolder() + u'\\' + file : file;
+}
+
+qint32 LeadingInteger(const QString& value) {
+    qsizetype at = 0;
+    while (at < value.size() && (value[at] == u' ' || value[at] == u'\t'))
+        ++at;
+    const bool negative = at < value.size() && value[at] == u'-';
+    if (at < value.size() && (negative || value[at] == u'+'))
+        ++at;
+    quint32 number = 0;
+    for (; at < value.size() && value[at] >= u'0' && value[at] <= u'9'; ++at)
+        number = number * 10 + (value[at].unicode() - u'0');
+    return static_cast<qint32>(negative ? 0u - number : number);
+}
+
 QString ProfileText(const QString& section, const QString& key, const QString& fallback, const QString& file,
                     int bufferSize) {
     const std::optional<QString> found = find(section, key, file);
@@ -106,7 +111,7 @@ QString ProfileText(const QString& section, const QString& key, const QString& f
 
 qint32 ProfileInteger(const QString& section, const QString& key, qint32 fallback, const QString& file) {
     const std::optional<QString> found = find(section, key, file);
-    return found ? leadingInteger(inBuffer(*found, INT_MAX)) : fallback;
+    return found ? LeadingInteger(inBuffer(*found, INT_MAX)) : fallback;
 }
 
 QStringList ProfileSections(const QString& file) {
@@ -155,35 +160,56 @@ void ProfileBatch::removeSection(const QString& section) {
     changes_.append({section, {}, {}});
 }
 
-int ProfileBatch::commit() {
-    if (changes_.isEmpty())
-        return ProfileOk;
-    for (const Change& change : std::as_const(changes_))
+int ProfileBatch::fault() const {
+    for (const Change& change : changes_)
         if (change.section.isNull())
             return ProfileFileNotFound;
     if (file_.contains(u'*') || file_.contains(u'?'))
         return ProfileInvalidName;
-    const QString path = HostPath(file_, BareName::WindowsFolder);
-    if (path.isEmpty())
-        return nameError(file_);
+    return HostPath(file_, BareName::WindowsFolder).isEmpty() ? nameError(file_) : ProfileOk;
+}
 
-    const int error = UpdateHostFile(path, longestFile, [this](const std::optional<QByteArray>& now) {
-        ProfileDocument document(now.value_or(QByteArray()));
-        if (!document.valid())
-            return FileChange{{}, DeviceIoError};
-        for (const Change& change : std::as_const(changes_)) {
-            if (change.key.isNull())
-                document.removeSection(change.section);
-            else if (change.value.isNull())
-                document.remove(change.section, change.key);
-            else
-                document.set(change.section, change.key, change.value);
-        }
-        return FileChange{document.bytes()};
-    });
+// What the batch makes of a file's bytes.
+FileChange ProfileBatch::applyTo(const std::optional<QByteArray>& now) const {
+    ProfileDocument document(now.value_or(QByteArray()));
+    if (!document.valid())
+        return FileChange{{}, DeviceIoError};
+    for (const Change& change : changes_) {
+        if (change.key.isNull())
+            document.removeSection(change.section);
+        else if (change.value.isNull())
+            document.remove(change.section, change.key);
+        else
+            document.set(change.section, change.key, change.value);
+    }
+    return FileChange{document.bytes()};
+}
+
+int ProfileBatch::commit() {
+    if (changes_.isEmpty())
+        return ProfileOk;
+    if (const int error = fault())
+        return error;
+    const int error = UpdateHostFile(HostPath(file_, BareName::WindowsFolder), longestFile,
+                                     [this](const std::optional<QByteArray>& now) { return applyTo(now); });
     if (error == NoError)
         changes_.clear();
     return profileError(error);
+}
+
+int ProfileGroup::commit() {
+    QList<GroupMember> members;
+    for (const ProfileBatch& batch : batches) {
+        failed = batch.file_;
+        if (const int error = batch.fault())
+            return error;
+        members.append({ProfilePath(batch.file_),
+                        [&batch](const std::optional<QByteArray>& now) { return batch.applyTo(now); }});
+    }
+    const GroupResult result = UpdateTogether(members, longestFile, record, stamp);
+    failed = result.path;
+    backups = result.backups;
+    return profileError(result.error);
 }
 
 void ForgetProfiles() {

@@ -11,7 +11,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace tolvex::platform {
+
+struct FileChange; // FileUpdate.h
 
 // Error numbers of the platform, for those who want to know; the suite's own writers do not look.
 enum ProfileError : int {
@@ -25,6 +29,9 @@ enum ProfileError : int {
     ProfileDeviceError = 1117, // also: a file too long for a profile
 };
 
+// A bare name with the Windows folder in front, where these operations find it; other paths as they are.
+QString ProfilePath(const QString& file);
+
 // Text of a key: trimmed, one pair of enclosing quotes taken off, cut to bufferSize - 1 characters.
 // `fallback`, without trailing blanks, when file, section or key is missing or unreadable; a present empty
 // key gives empty text.
@@ -34,6 +41,9 @@ QString ProfileText(const QString& section, const QString& key, const QString& f
 // Leading decimal digits with an optional sign, modulo 2^32; 0 for an empty or non-numeric value; `fallback`
 // when the key is missing.
 qint32 ProfileInteger(const QString& section, const QString& key, qint32 fallback, const QString& file);
+
+// The number that ProfileInteger gives for a value.
+qint32 LeadingInteger(const QString& value);
 
 // Section names of a file, key names of a section, as they are spelled, in file order, repeats included.
 QStringList ProfileSections(const QString& file);
@@ -58,13 +68,32 @@ public:
     int commit();
 
 private:
+    friend struct ProfileGroup;
     struct Change {
         QString section;
         QString key;   // null: the section
         QString value; // null: remove
     };
+    // Why it cannot be committed as it stands; ProfileOk when it can.
+    int fault() const;
+    FileChange applyTo(const std::optional<QByteArray>& now) const;
+
     QString file_;
     QList<Change> changes_;
+};
+
+// Batches for several files that go down together: all files change, or none. Files that change are copied to
+// "<file>.<stamp>.bak" first. While they change a record lies at `record`, by which an interrupted commit is
+// known and undone (FileGroup.h).
+struct ProfileGroup {
+    QList<ProfileBatch> batches;
+    QString record;
+    QString stamp;
+
+    QString failed;      // the file that the error of commit() is about
+    QStringList backups; // the copies, after a commit that went down
+    // Result: ProfileError; nothing has changed when it is not ProfileOk.
+    int commit();
 };
 
 // Empties the cache of parsed files (tests, and a change of the machine folder).

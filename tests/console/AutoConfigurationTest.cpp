@@ -185,8 +185,8 @@ TEST_F(AutoConfigurationTest, WhatIsFoundIsUsedAfterAQuestion) {
     prompts.answers = {Answer::Yes, Answer::Yes};
     EXPECT_TRUE(LookForSetup());
     EXPECT_EQ(prompts.texts(), QStringList{question("")} + installing + QStringList{exitQuestion});
-    EXPECT_EQ(locations(), QString("m:\\SYSTEM u:\\AUDIO u:\\AUDIO\\AUDIO2"));
-    EXPECT_EQ(stored("FileLocations", "Carts11"), QString("u:\\AUDIO\\AUDIO2"));
+    EXPECT_EQ(locations(), QString("M:\\SYSTEM U:\\AUDIO U:\\AUDIO\\AUDIO2"));
+    EXPECT_EQ(stored("FileLocations", "Carts11"), QString("U:\\AUDIO\\AUDIO2"));
     EXPECT_TRUE(machine.read("U:\\AUDIO\\AUDIO2\\Carts2.lst").startsWith(QByteArray(300, 'x')));
     EXPECT_EQ(machine.read("M:\\SYSTEM\\Terminal.Lst").size(), 2 * 128);
 
@@ -305,7 +305,7 @@ TEST_F(AutoConfigurationTest, TheInstallerNamesTheBaseAndTheEditorIsLookedFor) {
     machine.write("C:\\CE\\COOL2000.EXE", "program");
     prompts.answers = {Answer::Yes};
     EXPECT_TRUE(DefaultLocalInstall());
-    EXPECT_EQ(locations(), QString("C:\\Radio\\SYSTEM C:\\Radio\\AUDIO"));
+    EXPECT_EQ(locations(), QString("C:\\RADIO\\SYSTEM C:\\RADIO\\AUDIO"));
     EXPECT_EQ(settings().AudioEditor, QString("C:\\CE\\COOL2000.EXE"));
     EXPECT_FALSE(prompts.texts().contains(editorMessage));
 

@@ -27,7 +27,7 @@ const QByteArray full =
     "Carts9=\r\nCarts10=\r\nCarts11=U:\\TOP\r\nSampleEditor=X:\\ED.EXE\r\nAudioEditor=X:\\ED.EXE\r\n"
     "\r\n[Hardware1]\r\nCardType=3\r\n ; a line\r\nLineType7 = 2\r\n"
     "[Audio]\r\nFadeFire=0.5\r\nAudioEditorPriority=10\r\nAudioEditorRunAtIdleSpeed=0\r\nKHz=48000\r\n"
-    "Channels=2\r\nFormat=1\r\nBits=16\r\nAllowDifferentFormat=-1\r\nRecordLocal=0\r\n"
+    "Channels=2\r\nFormat=1\r\nBits=16\r\nAllowDifferentFormat=1\r\nRecordLocal=0\r\n"
     "PlayerFadeFirePercent=65\r\nPlayCartsInstantly=1\r\nOnlyAllowEjectStoppedCarts=0\r\n"
     "PlayerFadeSeconds=2\r\n"
     "[DateTimeSettings]\r\nRadioClockComPort=2\r\n"
@@ -127,6 +127,39 @@ TEST(SaveLocalSettings, ANewFileHoldsTheKeysInTheOrderOfSaving) {
     EXPECT_TRUE(saved.contains("BackColor1=0\r\nForeColor1=255\r\nBackColor2=0\r\n"));
 }
 
+// A form holds a set flag as -1; the files hold 0 or 1.
+TEST(SaveLocalSettings, FlagsLoseTheirSign) {
+    tests::TestMachine machine;
+    loadAll();
+    Settings& values = settings();
+    values.ShowClock = values.AdjustTheSystemColors = values.UseLargeWLBuffers = values.CartFontBold = -1;
+    values.SingleClickPlayCarts = values.MouseClose = values.ShowICAtLogin = values.DisplayExtros = -1;
+    values.ShowPadAtLogin = 0;
+    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    const QByteArray saved = machine.read(ini);
+    for (const char* line : {"ShowClock=1\r\n", "AdjustTheSystemColors=1\r\n", "UseLargeWLBuffers=1\r\n",
+                             "CartFontBold=1\r\n", "SingleClickPlayCarts=1\r\n", "MouseClose=1\r\n",
+                             "ShowICAtLogin=1\r\n", "DisplayExtros=1\r\n", "ShowPadAtLogin=0\r\n"})
+        EXPECT_TRUE(saved.contains(line)) << line;
+    EXPECT_EQ(values.ShowClock, -1) << "the setting stays as the form has it";
+}
+
+TEST(SaveLocalSettings, LocationsAreTidiedOnceASave) {
+    tests::TestMachine machine;
+    loadAll();
+    settings().DataLocation = QStringLiteral(" m:\\tolvex\\\\ ");
+    settings().CartPartTable[1].Location = QString::fromUtf8("u:\\Gro\u00DF \u00B5\u00E9\\");
+    settings().CartPartTable[2].Location = QStringLiteral("\\\\srv\\wall\\\\\\");
+    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    EXPECT_TRUE(machine.read(ini).startsWith(
+        "[FileLocations]\r\nData=M:\\TOLVEX\\\r\nSchedules=M:\\TOLVEX\\\\SCHEDULE\r\n"
+        "Logs=M:\\TOLVEX\\\\LOGS\r\nCarts1=U:\\GRO\xDF \xB5\xC9\r\n"
+        "Carts2=\\\\SRV\\WALL\\\\\r\n"))
+        << machine.read(ini).left(300).toStdString();
+    EXPECT_EQ(settings().DataLocation, "M:\\TOLVEX\\");
+    EXPECT_EQ(settings().CartPartTable[2].Location, "\\\\SRV\\WALL\\\\");
+}
+
 TEST(SaveLocalSettings, AutomaticAssignmentRemovesStoredDevicesAndTheEditorIsKeptByItsShortPathToo) {
     tests::TestMachine machine;
     machine.write(ini, withAudioEnd());
@@ -137,7 +170,7 @@ TEST(SaveLocalSettings, AutomaticAssignmentRemovesStoredDevicesAndTheEditorIsKep
     EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
     const QByteArray saved = machine.read(ini);
     EXPECT_FALSE(saved.contains("SoundCardNumber"));
-    EXPECT_TRUE(saved.contains("AutomaticPlayerAssignment=-1\r\n"));
+    EXPECT_TRUE(saved.contains("AutomaticPlayerAssignment=1\r\n"));
     EXPECT_TRUE(saved.contains("\r\nAudioEditor=C:\\Program Files\\Wave Editor\\editor.exe\r\n"));
     const QString shortPath =
         platform::ShortPath(QStringLiteral("C:\\Program Files\\Wave Editor\\editor.exe"));

@@ -69,7 +69,7 @@ TEST_F(SettingsLoader, ReadsValuesOfEveryKindAndTheOlderKeyWhereTheKeyIsMissing)
         {"AudioWall", "JumpDescription1",
          "[AudioWall]\r\nJumpDescription1=0123456789012345678901234 too long\r\n",
          "0123456789012345678901234"},
-        {"FileLocations", "Data", "[FileLocations]\r\nData=C:\\\r\n", "C:"},
+        {"FileLocations", "Data", "[FileLocations]\r\nData=C:\\\r\n", "C:\\"},
         {"Display", "SingleClickPlayCarts", "[Display]\r\nSingleClickPlayCarts= 1 day\r\n", "1"},
         // Bad values.
         {"Audiowall", "NoCarts", "[Audiowall]\r\nNoCarts=abc\r\n", "0"},

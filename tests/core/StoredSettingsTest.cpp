@@ -1,14 +1,10 @@
 #include "core/StoredSettings.h"
-#include "core/SettingsDocument.h"
+#include "core/SettingCheck.h"
 
-#include "support/FixedClock.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
-
-#include <QJsonDocument>
-#include <QJsonObject>
 
 using namespace tolvex;
 
@@ -32,10 +28,7 @@ protected:
         EXPECT_EQ(why, QString());
         return done;
     }
-    QJsonObject exported() { return QJsonDocument::fromJson(ExportSettings(files)).object(); }
-
     tests::TestMachine machine;
-    tests::FixedClock clock{QDateTime(QDate(2026, 11, 21), QTime(14, 30))};
     const SettingsFiles files{QStringLiteral("TOLVEX.INI"), {}, QStringLiteral("C:\\WALL\\Audwall.ini")};
     const QByteArray local = "; kept\r\n[Display]\r\nShowClock=-1\r\nformForeColor=255\r\n"
                              "[CartPlayers]\r\nAutomaticPlayerAssignment=0\r\nSoundCardNumber2=5\r\n"
@@ -50,14 +43,14 @@ TEST_F(StoredSettings, ListsEveryDeclaredSettingWithItsDefault) {
         byKey.insert(QLatin1String(setting.place.row->section) + u'/' + setting.key, setting);
     EXPECT_EQ(byKey[QStringLiteral("Display/FormForeColor")].value, "255");
     EXPECT_EQ(byKey[QStringLiteral("Display/FormForeColor")].defaultValue, "-2147483630");
-    EXPECT_TRUE(byKey[QStringLiteral("Display/FormForeColor")].present);
+    EXPECT_EQ(byKey[QStringLiteral("Display/FormForeColor")].stored, "255");
     EXPECT_EQ(byKey[QStringLiteral("Audio/KHz")].value, "44100");
-    EXPECT_FALSE(byKey[QStringLiteral("Audio/KHz")].present);
+    EXPECT_EQ(byKey[QStringLiteral("Audio/KHz")].stored, std::nullopt);
     EXPECT_EQ(byKey[QStringLiteral("CartPlayers/SoundCardNumber2")].value, "5");
     EXPECT_EQ(byKey[QStringLiteral("Audiowall/NoCarts")].value, "12000");
     EXPECT_TRUE(byKey.contains(QStringLiteral("AudioWall/JumpDescription3")));
     EXPECT_FALSE(byKey.contains(QStringLiteral("AudioWall/JumpDescription4")));
-    // What stands when nothing is set could be set, so that an export can always be imported.
+    // What stands when nothing is set could be set.
     for (const StoredSetting& setting : std::as_const(byKey))
         if (setting.place.row->kind != SettingKind::Date) {
             QString why;
@@ -84,29 +77,70 @@ TEST_F(StoredSettings, SettingOneChangesItsLineAndNoOther) {
 }
 
 TEST_F(StoredSettings, WhatKindOrRangeForbidIsRefusedAndNamed) {
-    EXPECT_EQ(refusal("Audio", "Khz", QStringLiteral("fast")), "[Audio] Khz: \"fast\" is no whole number");
+    EXPECT_EQ(refusal("Audio", "Khz", QStringLiteral("fast")), "[Audio] Khz: \"fast\" is not a whole number");
     EXPECT_EQ(refusal("Audio", "GeneralVolume", QStringLiteral("101")),
               "[Audio] GeneralVolume: 101 lies outside 0 to 100");
     EXPECT_TRUE(refusal("Display", "ShowClock", QStringLiteral("2")).contains("neither on"));
-    EXPECT_TRUE(refusal("Display", "Colour", QStringLiteral("2")).contains("no setting that is known"));
+    EXPECT_TRUE(refusal("Display", "Colour", QStringLiteral("2")).contains("not a setting that is known"));
     EXPECT_TRUE(
         refusal("FileLocations", "Logs", QStringLiteral("X:")).contains("follows from other settings"));
     EXPECT_TRUE(
-        refusal("FileLocations", "Carts12", QStringLiteral("X:")).contains("no setting that is known"));
+        refusal("FileLocations", "Carts12", QStringLiteral("X:")).contains("not a setting that is known"));
     EXPECT_TRUE(
         refusal("AudioWall", "JumpCartNumber4", QStringLiteral("1")).contains("number above the last one"));
-    EXPECT_TRUE(refusal("OPALTransfers", "Default", QStringLiteral("x")).contains("no file yet"));
+    EXPECT_EQ(refusal("OPALTransfers", "Default", QStringLiteral("x")),
+              "[OPALTransfers] Default has no file yet: set the data location");
     EXPECT_TRUE(refusal("AudioWall", "JumpDescription1", QString(26, u'x')).contains("longer than 25"));
     EXPECT_TRUE(refusal("FileLocations", "Data", QString(255, u'x')).contains("longer than 254"));
     EXPECT_TRUE(refusal("FileLocations", "Data", QStringLiteral("a\nb")).contains("control character"));
     EXPECT_TRUE(refusal("FileLocations", "Data", QString::fromUtf8("Ω")).contains("cannot store"));
-    EXPECT_TRUE(refusal("FileLocations", "Data", QStringLiteral("\"x\"")).contains("quotes"));
+    EXPECT_TRUE(refusal("FileLocations", "AudioEditor", QStringLiteral("\"x\"")).contains("quotes"));
+    for (const char* name :
+         {"C:\\A?B", "M:\\X\\a|b", "C:\\CON", "D:\\X\\lpt1.old\\Y", "C:\\a:b", "\"x\"", "1:\\X"})
+        EXPECT_TRUE(refusal("FileLocations", "Carts3", QLatin1String(name)).contains("name of a folder"))
+            << name;
+    EXPECT_TRUE(refusal("FileLocations", "Data", QStringLiteral("\\\\SERVER")).contains("share"));
     EXPECT_EQ(machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI")), local);
     machine.makeFolder(QStringLiteral("C:\\FOLDER.INI"));
     QString why;
     EXPECT_FALSE(SetStoredSetting({QStringLiteral("C:\\FOLDER.INI"), {}, {}}, QStringLiteral("Audio"),
                                   QStringLiteral("KHz"), QStringLiteral("1"), &why));
-    EXPECT_TRUE(why.startsWith("C:\\FOLDER.INI was not changed: ")) << why.toStdString();
+    EXPECT_TRUE(why.startsWith("[Audio] KHz: C:\\FOLDER.INI was not changed: ")) << why.toStdString();
+}
+
+TEST_F(StoredSettings, FlagsAndLocationsAreStoredInOneForm) {
+    EXPECT_TRUE(set("Display", "ShowClock", QStringLiteral("-1")));
+    EXPECT_TRUE(set("Display", "SingleClickPlayCarts", QStringLiteral("-1")));
+    EXPECT_TRUE(set("FileLocations", "Data", QStringLiteral(" m:\\tolvex\\System\\\\ ")));
+    EXPECT_TRUE(set("FileLocations", "Carts1", QString::fromUtf8("\\\\srv\\stra\u00DFe\\\u00FCber\\")));
+    EXPECT_TRUE(set("FileLocations", "Carts2", {}));
+    const QByteArray stored = machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"));
+    EXPECT_TRUE(stored.contains("ShowClock=1\r\n") && stored.contains("SingleClickPlayCarts=1\r\n"));
+    EXPECT_TRUE(stored.endsWith("[FileLocations]\r\nData=M:\\TOLVEX\\SYSTEM\\\r\n"
+                                "Carts1=\\\\SRV\\STRA\xDF"
+                                "E\\\xDC"
+                                "BER\r\nCarts2=\r\n"))
+        << stored.toStdString();
+}
+
+// Other programs read the folders of the schedules and logs as they are stored.
+TEST_F(StoredSettings, KeysThatFollowFromALocationChangeWithIt) {
+    machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"),
+                  "[FileLocations]\r\nData=C:\\OLD\r\nLogs=C:\\OLD\\LOGS\r\nSampleEditor=C:\\E.EXE\r\n");
+    EXPECT_TRUE(set("FileLocations", "Data", QStringLiteral("D:\\New\\")));
+    EXPECT_EQ(machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI")),
+              "[FileLocations]\r\nData=D:\\NEW\r\nLogs=D:\\NEW\\LOGS\r\nSampleEditor=C:\\E.EXE\r\n");
+}
+
+TEST(SettingsFilesInForce, AStationWithoutADataLocationHasNoFileInTheRootOfADrive) {
+    ResetSettings();
+    settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
+    settings().SystemIniFile = QStringLiteral("\\TLVX_SYS.INI");
+    EXPECT_EQ(FilesInForce().system, "");
+    EXPECT_EQ(FilesInForce().audiowall, "");
+    settings().SystemIniFile = QStringLiteral("C:\\NAMED.INI");
+    EXPECT_EQ(FilesInForce().system, "C:\\NAMED.INI");
+    ResetSettings();
 }
 
 TEST_F(StoredSettings, ADifferenceCountsWhetherStoredOrByDefault) {
@@ -124,56 +158,4 @@ TEST_F(StoredSettings, ADifferenceCountsWhetherStoredOrByDefault) {
                            "CartPlayers SoundCardNumber2 5 2", "AudioWall JumpCartNumber4 none 0",
                            "AudioWall JumpDescription4 none "}));
     EXPECT_TRUE(DiffSettings(QStringLiteral("TOLVEX.INI"), QStringLiteral("tolvex.ini")).isEmpty());
-}
-
-TEST_F(StoredSettings, AnExportSetsUpAnotherWorkstationAlike) {
-    const QByteArray document = ExportSettings(files);
-    EXPECT_TRUE(PlanImport(document, files).unknown.isEmpty());
-    const SettingsFiles other{QStringLiteral("C:\\NEW.INI"), {}, QStringLiteral("C:\\WALL\\Other.ini")};
-    machine.write(other.local, "[Other]\r\nKeep=1\r\n[Display]\r\nShowClock=0\r\n");
-    SettingsImport plan = PlanImport(document, other);
-    EXPECT_TRUE(plan.usable()) << plan.refused.join(u'\n').toStdString();
-    EXPECT_TRUE(plan.backups.isEmpty());
-    EXPECT_EQ(machine.read(other.local), "[Other]\r\nKeep=1\r\n[Display]\r\nShowClock=0\r\n");
-    ASSERT_TRUE(ApplyImport(plan, other)) << plan.problem.toStdString();
-    EXPECT_EQ(plan.backups, QStringList{"C:\\NEW.INI.20261121-143000.bak"});
-    EXPECT_EQ(machine.read(plan.backups.value(0)), "[Other]\r\nKeep=1\r\n[Display]\r\nShowClock=0\r\n");
-    EXPECT_TRUE(machine.read(other.local).startsWith("[Other]\r\nKeep=1\r\n"));
-    EXPECT_TRUE(DiffSettings(files.local, other.local).size() <= 1); // -1 and 1 mean the same
-    EXPECT_TRUE(PlanImport(document, other).changes.isEmpty());
-}
-
-TEST_F(StoredSettings, AnImportNamesWhatItDoesNotKnowAndAppliesNothingThatIsRefused) {
-    QJsonObject document = exported();
-    document.insert(
-        QStringLiteral("settings"),
-        QJsonObject{{QStringLiteral("local"),
-                     QJsonObject{{QStringLiteral("Display"), QJsonObject{{QStringLiteral("ShowClock"), false},
-                                                                         {QStringLiteral("Mystery"), 1}}},
-                                 {QStringLiteral("Audio"),
-                                  QJsonObject{{QStringLiteral("KHz"), 1.5}, {QStringLiteral("Bits"), 8}}}}}});
-    SettingsImport plan = PlanImport(QJsonDocument(document).toJson(), files);
-    EXPECT_EQ(plan.unknown, (QStringList{"[Audio] Bits", "[Display] Mystery"}));
-    EXPECT_EQ(plan.refused, QStringList{"[Audio] KHz: a value of that kind cannot be stored"});
-    ASSERT_EQ(plan.changes.size(), 1);
-    EXPECT_EQ(plan.changes[0].before, "-1");
-    EXPECT_EQ(plan.changes[0].after, "0");
-    EXPECT_FALSE(ApplyImport(plan, files));
-    EXPECT_EQ(machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI")), local);
-
-    for (const QByteArray& bad :
-         {QByteArray(), QByteArray("{"), QByteArray("[]"), QByteArray("{\"format\":\"x\"}"),
-          QByteArray(200000, '['), QByteArray("{\"format\":\"tolvex-settings\",\"version\":2}")})
-        EXPECT_FALSE(PlanImport(bad, files).problem.isEmpty()) << bad.left(20).toStdString();
-}
-
-TEST_F(StoredSettings, DevicesOfAutomaticAssignmentAreNotExported) {
-    const auto players = [this] {
-        return exported()[QStringLiteral("settings")][QStringLiteral("local")][QStringLiteral("CartPlayers")]
-            .toObject();
-    };
-    EXPECT_EQ(players()[QStringLiteral("SoundCardNumber2")].toInt(), 5);
-    EXPECT_TRUE(set("CartPlayers", "AutomaticPlayerAssignment", QStringLiteral("1")));
-    EXPECT_FALSE(players().contains(QStringLiteral("SoundCardNumber2")));
-    EXPECT_TRUE(players()[QStringLiteral("AutomaticPlayerAssignment")].toBool());
 }

@@ -67,7 +67,7 @@ int tell(Call& call) {
                              {QStringLiteral("state"), QStringLiteral("in use")}};
         call.output.records(lines, {{"what", "What"}, {"path", "Where"}, {"state", "State"}});
     }
-    return complete ? Done : Failed;
+    return complete ? Done : call.fail(QStringLiteral("Not everything could be made."));
 }
 
 // Loads, configures, and closes what configuration leaves open for the windows.

@@ -1,10 +1,13 @@
 #include "app/ctl/Command.h"
 
 #include "console/LoadSettings.h"
-#include "core/Settings.h"
+#include "core/ProblemReport.h"
+#include "core/SettingsImport.h"
 #include "platform/Paths.h"
 
 #include <QDir>
+
+#include <utility>
 
 namespace tolvex::ctl {
 
@@ -29,19 +32,66 @@ Command Changing(Command row, bool (*when)(const Call& call)) {
     return row;
 }
 
+Command ForIniFiles(Command row) {
+    row.bareFile = BareFile::WindowsFolder;
+    return row;
+}
+
 void NoteListFault(const Call& call, const QString& fault) {
     call.output.note(fault + QStringLiteral(" \"tolvexctl carts repair\" mends it."));
 }
 
-QString FileArgument(const QString& given) {
+int Call::end(const QString& why, int number, Exit status) const {
+    output.say(why);
+    output.setError(why, number);
+    return status;
+}
+
+std::optional<QString> FileArgument(const QString& given, BareFile bare, QString* why) {
     const bool ofTheSuite = given.contains(u'\\') || (given.size() > 1 && given[1] == u':');
-    if (ofTheSuite || !given.contains(u'/'))
+    const bool inWindowsFolder = bare == BareFile::WindowsFolder && !given.contains(u'/');
+    if (given.isEmpty() || ofTheSuite || inWindowsFolder)
         return given;
-    return platform::WindowsPath(QDir::current().absoluteFilePath(given));
+    const QString host = QDir::current().absoluteFilePath(given);
+    const QString path = platform::WindowsPath(host);
+    if (!path.isEmpty())
+        return path;
+    *why = QStringLiteral("No drive leads to %1: link one to its folder in %2/dosdevices.")
+               .arg(host, platform::MachineFolder());
+    return std::nullopt;
+}
+
+bool ResolveFiles(Call& call, QString* why) {
+    call.paths.clear();
+    // Then FILE is the name of a database on the server.
+    if (call.has("--connect"))
+        return true;
+    const QStringList names =
+        QString::fromLatin1(call.command.arguments).remove(u'[').remove(u']').split(u' ', Qt::SkipEmptyParts);
+    for (qsizetype at = 0; at < call.arguments.size(); ++at) {
+        const QString name = names.value(at);
+        QString path;
+        if (name == u"FILE" || name == u"FOLDER" || name.endsWith(u".INI")) {
+            const std::optional<QString> found = FileArgument(call.arguments[at], call.command.bareFile, why);
+            if (!found)
+                return false;
+            path = *found;
+        }
+        call.paths += path;
+    }
+    return true;
 }
 
 bool LoadWorkstation() {
-    return ReadLocalSettings() && LoadSystemSettings();
+    if (!ReadLocalSettings() || !LoadSystemSettings())
+        return false;
+    static bool told = false;
+    if (!std::exchange(told, true) && ImportWasInterrupted(settings().LocalIniFile))
+        ShowExclamation(QStringLiteral(
+            "An import of settings was cut short: the files of this workstation may not belong "
+            "together. The next start of Tolvex Configuration, or \"tolvexctl settings "
+            "import\", puts them back as they were."));
+    return true;
 }
 
 } // namespace tolvex::ctl

@@ -10,7 +10,7 @@
 #include <QMap>
 #include <QStringList>
 
-#include <span>
+#include <optional>
 #include <vector>
 
 namespace tolvex::ctl {
@@ -32,6 +32,10 @@ struct Option {
 // A command as it was called.
 struct Call;
 
+// Where a name without a folder lies: in the Windows folder, for ini files, as it does for the suite, or in
+// the folder that the shell is in.
+enum class BareFile { WindowsFolder, ShellFolder };
+
 struct Command {
     const char* words;     // "profile get"
     const char* arguments; // "FILE SECTION KEY [DEFAULT]": optional ones in brackets, "..." any number more
@@ -41,6 +45,7 @@ struct Command {
     // Whether a call changes anything; null: none does. While a call that does not change anything runs, the
     // machine is only looked at (platform/LookOnly.h), whatever the routine uses.
     bool (*changes)(const Call& call) = nullptr;
+    BareFile bareFile = BareFile::ShellFolder; // for the arguments FILE, FOLDER and A.INI
 
     int fewest() const; // arguments
     int most() const;   // -1: any number
@@ -51,16 +56,24 @@ struct Call {
     Output& output;
     QStringList arguments;
     QMap<QString, QString> options; // by name; a flag's value is empty
+    QStringList paths = {};         // of the arguments that name files, at the same numbers
 
     bool has(const char* option) const { return options.contains(QLatin1String(option)); }
     QString option(const char* name) const { return options.value(QLatin1String(name)); }
     // An argument that may be missing.
     QString argument(int number) const { return arguments.value(number); }
 
-    // Each writes one sentence to standard error and gives the exit status that goes with it.
-    int no(const QString& why) const { return output.say(why), No; }
-    int wrong(const QString& expected) const { return output.say(expected), Usage; }
-    int fail(const QString& why) const { return output.say(why), Failed; }
+    // An argument that names a file (ResolveFiles), as a path of the suite.
+    QString path(int number) const { return paths.value(number); }
+
+    // Each writes one sentence to standard error and gives the exit status that goes with it; `number` is the
+    // error that was met, 0 for none.
+    int no(const QString& why) const { return end(why, 0, No); }
+    int wrong(const QString& expected) const { return end(expected, 0, Usage); }
+    int fail(const QString& why, int number = 0) const { return end(why, number, Failed); }
+
+private:
+    int end(const QString& why, int number, Exit status) const;
 };
 
 // The row of a command that changes something: in all calls, or in those that `when` names.
@@ -70,9 +83,16 @@ Command Changing(
 // Notes what is wrong with a cart list, a sentence, and what mends it.
 void NoteListFault(const Call& call, const QString& fault);
 
-// A FILE argument as a path of the suite: one with a drive, a share or "\" stays as it is, and so does a bare
-// name; one with "/" is a path of this system.
-QString FileArgument(const QString& given);
+// The row of a command whose FILE is an ini file.
+Command ForIniFiles(Command row);
+
+// What a user gave for a FILE, as a path of the suite: one with a drive, a share or "\" stays as it is, any
+// other is a path of this system. Nothing, with a sentence in *why, when no drive of the machine leads to it.
+std::optional<QString> FileArgument(const QString& given, BareFile bare, QString* why);
+
+// Fills the paths of a call from the arguments that its command declares as files. False, with a sentence in
+// *why, when one cannot be reached.
+bool ResolveFiles(Call& call, QString* why);
 
 // Loads the settings of this workstation and of its station into settings(), as the windows have them, and
 // makes or changes nothing: an audiowall of an older version waits for the window. False when no local ini

@@ -72,9 +72,11 @@ QString takeOption(const QStringList& given, qsizetype& at, CommandLine& line) {
         option = findOption(line.command->options, name);
     if (!option)
         return unknownOption(name, line.command);
+    if (!option->value && hasValue)
+        return QStringLiteral("Option \"%1\" takes no value.").arg(name);
     if (!option->value) {
         line.options[name] = QString();
-        return hasValue ? QStringLiteral("Option \"%1\" takes no value.").arg(name) : QString();
+        return {};
     }
     if (!hasValue && at + 1 >= given.size())
         return QStringLiteral("Option \"%1\" needs a value: %1 %2.").arg(name, QLatin1String(option->value));
@@ -148,6 +150,9 @@ CommandLine ParseCommandLine(const QStringList& given) {
         else
             takeWord(given[at], line);
     }
+    // Words that are not understood are answered in the form that was asked for, wherever that stands.
+    if (!line.problem.isEmpty() && given.contains(QLatin1String("--json")))
+        line.options[QStringLiteral("--json")] = QString();
     if (line.problem.isEmpty())
         line.problem = checkCommand(line);
     if (line.problem.isEmpty() && line.has("--yes") && line.has("--no"))

@@ -33,12 +33,12 @@ QString connectOf(const Call& call) {
 
 // The path of a file, or a name on a server.
 QString fileOf(const Call& call) {
-    return connectOf(call).isEmpty() ? WithDatabaseExtension(FileArgument(call.argument(0)))
-                                     : call.argument(0);
+    return connectOf(call).isEmpty() ? WithDatabaseExtension(call.path(0)) : call.argument(0);
 }
 
 int failure(const Call& call, const DatabaseError& error) {
-    return call.fail(QStringLiteral("%1: %2 (error %3)").arg(fileOf(call), error.text).arg(error.number));
+    return call.fail(QStringLiteral("%1: %2 (error %3)").arg(fileOf(call), error.text).arg(error.number),
+                     error.number);
 }
 
 // Throws DatabaseError when the server cannot be asked.
@@ -155,7 +155,7 @@ int find(Call& call) {
     if (onServer) // which is told when it does not answer; the search would pass it over
         ConnectToServer(connectOf(call));
     QString first;
-    const qint32 count = FindDatabaseOfType(FileArgument(call.argument(0)), type, &first, 0, connectOf(call));
+    const qint32 count = FindDatabaseOfType(call.path(0), type, &first, 0, connectOf(call));
     call.output.record(QJsonObject{{QStringLiteral("count"), count}, {QStringLiteral("firstName"), first}},
                        {{"count", "Databases"}, {"firstName", "First"}});
     return count > 0 ? Done : No;
@@ -208,6 +208,9 @@ int settingsOf(Call& call) {
         return notStored(call, *database);
     if (PutDatabaseSetting(rows.get(), call.argument(2), call.argument(3), QString()) != 0)
         return Failed;
+    if (call.output.json())
+        call.output.record(
+            {{QStringLiteral("item"), call.argument(2)}, {QStringLiteral("value"), call.argument(3)}}, {});
     rows.reset();
     database->close();
     return Done;

@@ -17,7 +17,7 @@ namespace tolvex::ctl {
 namespace {
 
 QString hostFile(const Call& call) {
-    return platform::HostPath(FileArgument(call.argument(0)));
+    return platform::HostPath(call.path(0));
 }
 
 std::string pathOf(const QString& hostPath) {
@@ -36,7 +36,8 @@ int guarded(Call& call, Job job) {
     } catch (const jet::Error& error) {
         return call.fail(QStringLiteral("%1: %2 (error %3)")
                              .arg(call.argument(0), QString::fromStdString(error.what()))
-                             .arg(error.number()));
+                             .arg(error.number()),
+                         error.number());
     }
 }
 
@@ -177,6 +178,7 @@ jet::TextFormat formatOf(const Call& call) {
 }
 
 void exportRows(Call& call, const jet::Selection& selection) {
+    call.output.piece({}); // no rows are no document either
     jet::ExportRows(selection, formatOf(call), [&](std::string_view text) { call.output.piece(text); });
 }
 
@@ -197,6 +199,8 @@ int importTable(Call& call) {
             [](char* into, std::size_t length) { return std::fread(into, 1, length, stdin); });
         const std::uint32_t rows = jet::ImportRows(table, formatOf(call), input);
         database.close();
+        if (call.output.json())
+            call.output.value("rows", static_cast<qint64>(rows));
         call.output.note(QStringLiteral("%1 rows were added to %2.").arg(rows).arg(call.argument(1)));
         return Done;
     });
@@ -265,7 +269,7 @@ int check(Call& call) {
 int compact(Call& call) {
     QJsonArray losses;
     const auto lost = [&](const jet::Fault& loss) { losses += recordOf(loss); };
-    if (!CompactRepairDatabase(FileArgument(call.argument(0)), false, {}, true, lost))
+    if (!CompactRepairDatabase(call.path(0), false, {}, true, lost))
         return call.fail(QStringLiteral("%1 was not compacted.").arg(call.argument(0)));
     if (!losses.isEmpty() || call.output.json())
         call.output.records(losses, faultColumns);

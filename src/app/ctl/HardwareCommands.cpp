@@ -55,7 +55,7 @@ void noteOrigin(const Call& call, int number) {
 int write(const Call& call, int number, DriverReports& reports) {
     const QString file = settings().LocalIniFile;
     if (const int error = WriteHardwareSettings(file, reports))
-        return call.fail(ProfileErrorText(error, ProfilePath(file)));
+        return call.fail(ProfileErrorText(error, ProfilePath(file)), error);
     noteOrigin(call, number);
     return Done;
 }
@@ -172,8 +172,12 @@ int set(Call& call) {
     const QString wrong = SetLine({HardwareCards()[*number], row, lines}, *n, line);
     if (!wrong.isEmpty())
         return call.wrong(wrong);
-    GetGridinfo(HardwareCards()[*number].Lines[*n]);
-    return write(call, *number, reports);
+    HardwareLine& stored = HardwareCards()[*number].Lines[*n];
+    GetGridinfo(stored);
+    const int status = write(call, *number, reports);
+    if (status == Done && call.output.json())
+        call.output.record(recordOf(*number, *n, stored), {});
+    return status;
 }
 
 int card(Call& call) {

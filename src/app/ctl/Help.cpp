@@ -76,8 +76,10 @@ QString ManualPage() {
         ".SH DESCRIPTION\nDoes every job of the configuration window without one: for scripts, remote "
         "shells\n"
         "and the set\\-up of many workstations. Paths of the suite are given as Windows paths\n"
-        "(C:\\eTOLVEX\\eSYSTEM); where a FILE is asked for, a path of this system works too when it holds\n"
-        "a slash. Without \\fB\\-\\-json\\fR the output is for people.\n"
+        "(C:\\eTOLVEX\\eSYSTEM); where a FILE is asked for, a path of this system works too. A FILE without "
+        "a\n"
+        "folder lies in the current folder, but for ini files, which lie in the Windows folder.\n"
+        "Without \\fB\\-\\-json\\fR the output is for people.\n"
         ".PP\nQuestions go to the terminal. Where there is none they get their default, or the answer that\n"
         "\\fB\\-\\-yes\\fR or \\fB\\-\\-no\\fR gives. Messages of the system go to standard error.\n"
         ".SH OPTIONS\n");

@@ -1,6 +1,5 @@
 #include "app/ctl/Output.h"
 
-#include <QJsonDocument>
 #include <QStringList>
 
 #include <algorithm>
@@ -41,7 +40,7 @@ QString harmless(QString text) {
 
 void Output::records(const QJsonArray& records, const Columns& columns) {
     if (json_) {
-        print(QJsonDocument(records).toJson());
+        document_ = QJsonDocument(records);
         return;
     }
     std::vector<QStringList> rows(1);
@@ -73,7 +72,7 @@ void Output::records(const QJsonArray& records, const Columns& columns) {
 
 void Output::record(const QJsonObject& record, const Columns& columns) {
     if (json_) {
-        print(QJsonDocument(record).toJson());
+        document_ = QJsonDocument(record);
         return;
     }
     qsizetype width = 0;
@@ -88,17 +87,19 @@ void Output::record(const QJsonObject& record, const Columns& columns) {
 
 void Output::value(const char* key, const QJsonValue& value) {
     if (json_)
-        print(QJsonDocument(QJsonObject{{QLatin1String(key), value}}).toJson());
+        document_ = QJsonDocument(QJsonObject{{QLatin1String(key), value}});
     else
         line(cellText(value).toUtf8());
 }
 
 void Output::line(const QByteArray& text) {
+    written_ = true;
     print(text);
     print("\n");
 }
 
 void Output::piece(std::string_view bytes) {
+    written_ = true;
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);
 }
 
@@ -114,7 +115,30 @@ void Output::note(const QString& sentence) const {
         say(sentence);
 }
 
-bool Output::finish() {
+void Output::setError(const QString& sentence, int number) {
+    errors_ += sentence;
+    if (number != 0)
+        errorNumber_ = number;
+}
+
+QJsonDocument Output::ended(Ending ending, const QString& shown) const {
+    if (document_ && ending != Ending::Failed)
+        return *document_;
+    if (ending == Ending::Done)
+        return QJsonDocument(QJsonObject{{QStringLiteral("done"), true}});
+    const QString text = !errors_.isEmpty() ? errors_.join(u'\n')
+                         : !shown.isEmpty() ? shown
+                                            : QStringLiteral("The answer is no.");
+    QJsonObject error{{QStringLiteral("text"), text}, {QStringLiteral("number"), errorNumber_}};
+    if (document_)
+        error[QStringLiteral("details")] =
+            document_->isArray() ? QJsonValue(document_->array()) : QJsonValue(document_->object());
+    return QJsonDocument(QJsonObject{{QStringLiteral("error"), error}});
+}
+
+bool Output::finish(Ending ending, const QString& shown) {
+    if (json_ && !written_)
+        print(ended(ending, shown).toJson());
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QString>
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -26,6 +28,10 @@ public:
 
     bool json() const { return json_; }
 
+    // With JSON the document is written when the command has ended, so that one that failed after all can say
+    // so: its document is {"error": {"text": ..., "number": ...}}, with "details" that hold what it had to
+    // give.
+    //
     // Records of one kind, an array in JSON; people see the columns. Members that are arrays or objects are
     // joined by commas.
     void records(const QJsonArray& records, const Columns& columns);
@@ -44,12 +50,25 @@ public:
     // The same for what is good to know; not with --quiet.
     void note(const QString& sentence) const;
 
-    // Writes all of it out. False when standard output did not take everything.
-    bool finish();
+    // Why a command ends without success, for its document, and the number of the error that it met, 0 for
+    // none. Several sentences are kept.
+    void setError(const QString& sentence, int number);
+
+    enum class Ending { Done, No, Failed };
+    // Writes all of it out: for a command that had nothing to give, {"done": true} or its error. `shown` is
+    // what the system told the user last, for a command that left it at that. False when standard output did
+    // not take everything.
+    bool finish(Ending ending, const QString& shown);
 
 private:
+    QJsonDocument ended(Ending ending, const QString& shown) const;
+
     bool json_;
     bool quiet_;
+    bool written_ = false; // standard output has something that is not the document
+    std::optional<QJsonDocument> document_;
+    QStringList errors_;
+    int errorNumber_ = 0;
 };
 
 } // namespace tolvex::ctl

@@ -16,7 +16,7 @@ using namespace platform;
 constexpr int wholeValue = 1 << 26;
 
 int nothing(const Call& call) {
-    const QString file = ProfilePath(FileArgument(call.argument(0)));
+    const QString file = ProfilePath(call.path(0));
     if (!FileExists(file))
         return call.no(QStringLiteral("There is no file %1.").arg(file));
     return call.no(
@@ -28,14 +28,14 @@ int nothing(const Call& call) {
 }
 
 bool isThere(const Call& call) {
-    return ProfileKeyExists(call.argument(1), call.argument(2), FileArgument(call.argument(0)));
+    return ProfileKeyExists(call.argument(1), call.argument(2), call.path(0));
 }
 
 int get(Call& call) {
     if (!isThere(call) && call.arguments.size() < 4)
         return nothing(call);
-    call.output.value("value", ProfileText(call.argument(1), call.argument(2), call.argument(3),
-                                           FileArgument(call.argument(0)), wholeValue));
+    call.output.value(
+        "value", ProfileText(call.argument(1), call.argument(2), call.argument(3), call.path(0), wholeValue));
     return Done;
 }
 
@@ -46,8 +46,7 @@ int getInteger(Call& call) {
         return call.wrong(QStringLiteral("The default is a whole number, not \"%1\".").arg(call.argument(3)));
     if (!isThere(call) && call.arguments.size() < 4)
         return nothing(call);
-    call.output.value("value", ProfileInteger(call.argument(1), call.argument(2), fallback,
-                                              FileArgument(call.argument(0))));
+    call.output.value("value", ProfileInteger(call.argument(1), call.argument(2), fallback, call.path(0)));
     return Done;
 }
 
@@ -67,10 +66,10 @@ QString unreadable(const QString& section, const QString& key, const QString& va
 }
 
 int write(Call& call, const QString& value) {
-    const QString file = FileArgument(call.argument(0));
+    const QString file = call.path(0);
     const QString key = call.arguments.size() > 2 ? call.argument(2) : QString();
     const int error = WriteProfileText(call.argument(1), key, value, file);
-    return error == ProfileOk ? Done : call.fail(ProfileErrorText(error, file));
+    return error == ProfileOk ? Done : call.fail(ProfileErrorText(error, ProfilePath(file)), error);
 }
 
 int set(Call& call) {
@@ -78,16 +77,19 @@ int set(Call& call) {
     if (const QString why = unreadable(call.argument(1), call.argument(2), value); !why.isEmpty())
         return call.wrong(why);
     const int status = write(call, value.isNull() ? QStringLiteral("") : value);
-    const QString readBack =
-        ProfileText(call.argument(1), call.argument(2), {}, FileArgument(call.argument(0)), wholeValue);
-    if (status == Done && readBack != value)
+    const QString readBack = ProfileText(call.argument(1), call.argument(2), {}, call.path(0), wholeValue);
+    if (status != Done)
+        return status;
+    if (readBack != value)
         call.output.note(
             QStringLiteral("It reads back as \"%1\": outer blanks and quotes do not count.").arg(readBack));
-    return status;
+    if (call.output.json())
+        call.output.value("value", readBack);
+    return Done;
 }
 
 int remove(Call& call) {
-    const QString file = FileArgument(call.argument(0));
+    const QString file = call.path(0);
     const bool present =
         call.arguments.size() > 2
             ? isThere(call)
@@ -105,17 +107,17 @@ int list(Call& call, const QStringList& names, const char* key, const char* head
 }
 
 int sections(Call& call) {
-    return list(call, ProfileSections(FileArgument(call.argument(0))), "section", "Section");
+    return list(call, ProfileSections(call.path(0)), "section", "Section");
 }
 
 int keys(Call& call) {
-    return list(call, ProfileKeys(call.argument(1), FileArgument(call.argument(0))), "key", "Key");
+    return list(call, ProfileKeys(call.argument(1), call.path(0)), "key", "Key");
 }
 
 } // namespace
 
 CommandRows ProfileCommands() {
-    return {
+    CommandRows rows = {
         {"profile get", "FILE SECTION KEY [DEFAULT]", "Print the text of a key of an ini file", get},
         {"profile getint", "FILE SECTION KEY [DEFAULT]", "Print the whole number that a key begins with",
          getInteger},
@@ -126,6 +128,9 @@ CommandRows ProfileCommands() {
         {"profile sections", "FILE", "List the sections of an ini file", sections},
         {"profile keys", "FILE SECTION", "List the keys of a section", keys},
     };
+    for (Command& row : rows)
+        row = ForIniFiles(row);
+    return rows;
 }
 
 } // namespace tolvex::ctl

@@ -123,6 +123,8 @@ int set(Call& call) {
     if (!RegistryWrite(LocalMachineHive, key, call.argument(1), value))
         return call.fail(QStringLiteral(
             "The registry store in the machine folder could not be written; is the disk full or read-only?"));
+    if (call.output.json())
+        call.output.value("value", valueOf(value));
     return Done;
 }
 

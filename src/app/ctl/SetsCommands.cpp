@@ -90,7 +90,8 @@ int rename(Call& call) {
     if (call.argument(1).size() > LongestDescription)
         return tooLong(call);
     if (const int error = RenameSet(set->file, call.argument(1)))
-        return call.fail(QStringLiteral("%1 could not be written (error %2).").arg(set->file).arg(error));
+        return call.fail(QStringLiteral("%1 could not be written (error %2).").arg(set->file).arg(error),
+                         error);
     return Done;
 }
 

@@ -1,9 +1,10 @@
 // The declared settings of this workstation: listing, changing one, comparing, keeping and carrying over.
 #include "app/ctl/Commands.h"
 
-#include "core/SettingsDocument.h"
+#include "console/StartUp.h"
+#include "core/SettingCheck.h"
+#include "core/SettingsImport.h"
 #include "core/SettingsReference.h"
-#include "core/StoredSettings.h"
 #include "platform/Files.h"
 
 namespace tolvex::ctl {
@@ -56,22 +57,28 @@ int list(Call& call) {
     return Done;
 }
 
+// The setting that the first two arguments name; nothing when there is none.
+std::optional<StoredSetting> named(const Call& call) {
+    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce()))
+        if (call.argument(0).compare(QLatin1String(setting.place.row->section), Qt::CaseInsensitive) == 0 &&
+            call.argument(1).compare(setting.key, Qt::CaseInsensitive) == 0)
+            return setting;
+    return std::nullopt;
+}
+
 int get(Call& call) {
     if (!LoadWorkstation())
         return call.fail(noIni);
-    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce())) {
-        if (call.argument(0).compare(QLatin1String(setting.place.row->section), Qt::CaseInsensitive) != 0 ||
-            call.argument(1).compare(setting.key, Qt::CaseInsensitive) != 0)
-            continue;
-        if (call.output.json())
-            call.output.record(recordOf(setting), {});
-        else
-            call.output.value("value", setting.value);
-        return Done;
-    }
-    return call.no(
-        QStringLiteral("There is no setting %2 in section %1; \"tolvexctl settings list\" tells all.")
-            .arg(call.argument(0), call.argument(1)));
+    const std::optional<StoredSetting> setting = named(call);
+    if (!setting)
+        return call.no(
+            QStringLiteral("There is no setting %2 in section %1; \"tolvexctl settings list\" tells all.")
+                .arg(call.argument(0), call.argument(1)));
+    if (call.output.json())
+        call.output.record(recordOf(*setting), {});
+    else
+        call.output.value("value", setting->value);
+    return Done;
 }
 
 int set(Call& call) {
@@ -79,18 +86,23 @@ int set(Call& call) {
         return call.fail(noIni);
     const SettingPlace place = FindSetting(call.argument(0), call.argument(1));
     QString why;
-    if (place && !CheckSettingValue(*place.row, call.argument(2), &why))
-        return call.wrong(why);
-    if (!SetStoredSetting(FilesInForce(), call.argument(0), call.argument(1), call.argument(2), &why))
-        return place ? call.fail(why) : call.no(why);
+    if (place && place.row->at && !CheckSettingValue(*place.row, call.argument(2), &why))
+        return call.wrong(QStringLiteral("[%1] %2: %3").arg(call.argument(0), call.argument(1), why));
+    int error = 0;
+    if (!SetStoredSetting(FilesInForce(), call.argument(0), call.argument(1), call.argument(2), &why, &error))
+        return place ? call.fail(why, error) : call.no(why);
+    if (call.output.json() && LoadWorkstation())
+        if (const std::optional<StoredSetting> setting = named(call))
+            call.output.record(recordOf(*setting), {});
     return Done;
 }
 
 int diff(Call& call) {
-    const QString files[] = {FileArgument(call.argument(0)), FileArgument(call.argument(1))};
+    const QString files[] = {call.path(0), call.path(1)};
     for (const QString& file : files)
         if (!platform::FileExists(ProfilePath(file)))
-            return call.fail(QStringLiteral("There is no file %1.").arg(ProfilePath(file)));
+            return call.fail(QStringLiteral("There is no file %1.").arg(ProfilePath(file)),
+                             platform::FileNotFound);
     QJsonArray records;
     const auto side = [](const QString& text) { return text.isNull() ? QJsonValue() : QJsonValue(text); };
     for (const SettingDifference& difference : DiffSettings(files[0], files[1]))
@@ -112,49 +124,79 @@ int exportAll(Call& call) {
         call.output.line(document.trimmed());
         return Done;
     }
-    const QString file = ProfilePath(FileArgument(call.argument(0)));
-    if (platform::ReplaceWholeFile(file, document) != platform::NoError)
-        return call.fail(QStringLiteral("%1 could not be written.").arg(file));
+    if (const int error = platform::ReplaceWholeFile(call.path(0), document))
+        return call.fail(QStringLiteral("%1 could not be written (error %2).").arg(call.path(0)).arg(error),
+                         error);
+    if (call.output.json())
+        call.output.value("file", call.path(0));
     return Done;
 }
 
+const char* fileWord(SettingsFile file) {
+    return file == SettingsFile::Local ? "local" : file == SettingsFile::System ? "system" : "audiowall";
+}
+
+QJsonArray recordsOf(const ImportPlan& plan) {
+    QJsonArray changes;
+    for (const ImportPlan::File& file : plan.files)
+        for (const ImportPlan::Change& change : file.changes)
+            changes += QJsonObject{
+                {QStringLiteral("file"), QLatin1String(fileWord(file.kind))},
+                {QStringLiteral("path"), ProfilePath(file.path)},
+                {QStringLiteral("section"), QLatin1String(change.row->section)},
+                {QStringLiteral("key"), change.key},
+                {QStringLiteral("before"), change.before ? QJsonValue(*change.before) : QJsonValue()},
+                {QStringLiteral("after"), change.after}};
+    return changes;
+}
+
+void tellPlan(Call& call, const ImportPlan& plan, bool applied) {
+    const QJsonArray changes = recordsOf(plan);
+    if (call.output.json()) {
+        call.output.record({{QStringLiteral("changes"), changes},
+                            {QStringLiteral("folders"), QJsonArray::fromStringList(plan.folders)},
+                            {QStringLiteral("unknown"), QJsonArray::fromStringList(plan.unknown)},
+                            {QStringLiteral("remarks"), QJsonArray::fromStringList(plan.remarks)},
+                            {QStringLiteral("refused"), QJsonArray::fromStringList(plan.refused)},
+                            {QStringLiteral("backups"), QJsonArray::fromStringList(plan.backups)},
+                            {QStringLiteral("applied"), applied}},
+                           {});
+        return;
+    }
+    call.output.records(
+        changes,
+        {{"path", "File"}, {"section", "Section"}, {"key", "Key"}, {"before", "Before"}, {"after", "After"}});
+    for (const QString& folder : plan.folders)
+        call.output.note(QStringLiteral("A new folder: ") + folder);
+    for (const QString& key : plan.unknown)
+        call.output.say(QStringLiteral("Not known, left out: ") + key);
+    for (const QString& remark : plan.remarks)
+        call.output.say(remark);
+    for (const QString& backup : plan.backups)
+        call.output.note(QStringLiteral("The file as it was: ") + backup);
+}
+
 int import(Call& call) {
-    if (!LoadWorkstation())
+    const bool preview = call.has("--preview");
+    // What an interrupted import left is put back before it is read.
+    if (!(preview ? LoadWorkstation() : InitialiseProgram()))
         return call.fail(noIni);
-    const QString file = ProfilePath(FileArgument(call.argument(0)));
+    const QString file = call.path(0);
     const std::optional<QByteArray> document = platform::ReadWholeFile(file, 64 << 20);
     if (!document)
         return call.fail(QStringLiteral("%1 could not be read.").arg(file));
-    SettingsImport plan = PlanImport(*document, FilesInForce());
-    QJsonArray changes;
-    // Keys that only become explicit, with the value they have, are no news.
-    for (const SettingsImport::Change& change : plan.changes)
-        if (change.before != change.after)
-            changes += QJsonObject{{QStringLiteral("section"), QLatin1String(change.place.row->section)},
-                                   {QStringLiteral("key"), change.key},
-                                   {QStringLiteral("before"), change.before},
-                                   {QStringLiteral("after"), change.after}};
-    const bool applied = plan.usable() && !call.has("--preview") && ApplyImport(plan, FilesInForce());
-    const QJsonObject record{{QStringLiteral("changes"), changes},
-                             {QStringLiteral("unknown"), QJsonArray::fromStringList(plan.unknown)},
-                             {QStringLiteral("refused"), QJsonArray::fromStringList(plan.refused)},
-                             {QStringLiteral("backups"), QJsonArray::fromStringList(plan.backups)},
-                             {QStringLiteral("applied"), applied}};
-    if (call.output.json()) {
-        call.output.record(record, {});
-    } else {
-        call.output.records(
-            changes, {{"section", "Section"}, {"key", "Key"}, {"before", "Before"}, {"after", "After"}});
-        for (const QString& key : plan.unknown)
-            call.output.say(QStringLiteral("Not known, left out: ") + key);
-        for (const QString& backup : plan.backups)
-            call.output.note(QStringLiteral("The file as it was: ") + backup);
-    }
+    const QString localIni = settings().LocalIniFile;
+    if (!preview)
+        if (const QString undone = UndoInterruptedImport(localIni); !undone.isEmpty())
+            call.output.say(undone);
+    ImportPlan plan = PlanImport(*document, localIni, NamedSystemIniFile());
+    const bool applied = plan.usable() && !preview && ApplyImport(plan);
+    if (plan.problem.isEmpty() || !plan.files.isEmpty())
+        tellPlan(call, plan, applied);
+    int status = Done;
     for (const QString& reason : plan.refused)
-        call.output.say(reason);
-    if (!plan.problem.isEmpty())
-        return call.fail(plan.problem);
-    return plan.refused.isEmpty() ? Done : Failed;
+        status = call.fail(reason);
+    return plan.problem.isEmpty() ? status : call.fail(plan.problem, plan.error);
 }
 
 } // namespace
@@ -165,13 +207,13 @@ CommandRows SettingsCommands() {
         {"settings get", "SECTION KEY", "Print the value of a setting, its default where it has none", get},
         Changing({"settings set", "SECTION KEY VALUE",
                   "Change a setting; what its kind or range forbids is refused", set}),
-        {"settings diff", "A.INI B.INI", "List what differs between two workstations; 0 when nothing does",
-         diff},
-        Changing({"settings export", "[FILE]", "Write all settings as one document", exportAll},
+        ForIniFiles({"settings diff", "A.INI B.INI",
+                     "List what differs between two workstations; 0 when nothing does", diff}),
+        Changing({"settings export", "[FILE]", "Write all stored settings as one document", exportAll},
                  [](const Call& call) { return !call.arguments.isEmpty(); }),
         Changing({"settings import",
                   "FILE",
-                  "Apply such a document, keeping a copy of the files as they were",
+                  "Take over such a document, all of it or nothing, keeping a copy of the files as they were",
                   import,
                   {{"--preview", nullptr, "only tell what it would change and what it does not know"}}},
                  [](const Call& call) { return !call.has("--preview"); }),

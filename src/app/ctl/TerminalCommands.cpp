@@ -40,8 +40,8 @@ int wrongNumber(const Call& call) {
 }
 
 int notWritten(const Call& call, int error) {
-    return call.fail(
-        QStringLiteral("%1 could not be written (error %2).").arg(TerminalListPath()).arg(error));
+    return call.fail(QStringLiteral("%1 could not be written (error %2).").arg(TerminalListPath()).arg(error),
+                     error);
 }
 
 int list(Call& call) {
@@ -83,7 +83,8 @@ int choose(Call& call) {
     if (const int error = platform::WriteProfileText(QStringLiteral("LinkMesh"), QStringLiteral("LinkMeshId"),
                                                      QString::number(id), settings().LocalIniFile))
         return call.fail(
-            QStringLiteral("%1 could not be written (error %2).").arg(settings().LocalIniFile).arg(error));
+            QStringLiteral("%1 could not be written (error %2).").arg(settings().LocalIniFile).arg(error),
+            error);
     return Done;
 }
 

@@ -95,8 +95,10 @@ bool TerminalPrompts::mayAsk() const {
 Answer TerminalPrompts::ask(const platform::Message& message) {
     const std::vector<Button> buttons = buttonsOf(message.buttons);
     say(message.text);
-    if (buttons.size() == 1)
+    if (buttons.size() == 1) {
+        lastMessage_ = message.text;
         return buttons[0].answer;
+    }
     // The button for No is the second one, be it No or Cancel.
     if (answers_ != Answers::Ask)
         return buttons[answers_ == Answers::Yes ? 0 : 1].answer;
@@ -121,8 +123,15 @@ Answer TerminalPrompts::ask(const platform::Message& message) {
 }
 
 std::optional<QString> TerminalPrompts::path(const QString& prompt, const QString& start) {
-    const std::optional<QString> given = askText(prompt, {}, start);
-    return given && !given->isEmpty() ? std::optional(FileArgument(*given)) : std::nullopt;
+    for (;;) {
+        const std::optional<QString> given = askText(prompt, {}, start);
+        if (!given || given->isEmpty())
+            return std::nullopt;
+        QString why;
+        if (const auto file = FileArgument(*given, BareFile::ShellFolder, &why))
+            return file;
+        say(why);
+    }
 }
 
 std::optional<QString> TerminalPrompts::pickFile(const platform::FileQuestion& question) {

@@ -29,12 +29,16 @@ public:
     void openAddress(const QString& address) override;
     void processEvents() override;
 
+    // The message that was shown last, one that is no question.
+    const QString& lastMessage() const { return lastMessage_; }
+
 private:
     bool mayAsk() const;
     std::optional<QString> path(const QString& prompt, const QString& start);
 
     Answers answers_;
     bool quiet_;
+    QString lastMessage_;
     platform::Pointer pointer_ = platform::Pointer::Default;
 };
 

@@ -65,7 +65,8 @@ int show(Call& call, const QString& table, std::span<const Shown> fields, int la
         }
     } catch (const DatabaseError& error) {
         return call.fail(
-            QStringLiteral("%1: %2 (error %3)").arg(UsersDatabaseFile(), error.text).arg(error.number));
+            QStringLiteral("%1: %2 (error %3)").arg(UsersDatabaseFile(), error.text).arg(error.number),
+            error.number);
     }
     Columns columns;
     for (const Shown& field : fields)
@@ -102,8 +103,9 @@ int process(Call& call) {
         return call.fail(QStringLiteral("%1 could not be opened.").arg(UsersDatabaseFile()));
     const int error = ProcessUserAccounts(QStringLiteral("SYSTEM"));
     CloseUsersDatabase();
-    return error == 0 ? Done
-                      : call.fail(QStringLiteral("Not all accounts were processed (error %1).").arg(error));
+    return error == 0
+               ? Done
+               : call.fail(QStringLiteral("Not all accounts were processed (error %1).").arg(error), error);
 }
 
 } // namespace

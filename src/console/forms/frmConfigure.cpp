@@ -16,10 +16,12 @@
 #include "console/forms/frmSplash.h"
 #include "core/DataEngine.h"
 #include "core/Folders.h"
+#include "core/ProblemReport.h"
 #include "core/Product.h"
 #include "core/Programs.h"
 #include "core/Registry.h"
 #include "core/SaveLocalSettings.h"
+#include "core/SettingsImport.h"
 #include "core/SettingsLoader.h"
 #include "databases/UsersDatabase.h"
 #include "dialogs/FitForm.h"
@@ -138,6 +140,8 @@ bool frmConfigure::load(bool firstInstance) {
     loaded_ = true;
     if (!InitialiseProgram())
         return false;
+    if (const QString undone = UndoInterruptedImport(settings().LocalIniFile); !undone.isEmpty())
+        ShowExclamation(undone);
     InitCartState();
     LoadLocalSettings();
     askFirstRun();

@@ -13,7 +13,7 @@ namespace tolvex {
 
 namespace {
 
-// A flag that comes from a check box is stored as -1 or 0.
+// A flag that comes from a check box is held as -1 or 0.
 qint16 flagOf(const QCheckBox* box) {
     return box->isChecked() ? -1 : 0;
 }

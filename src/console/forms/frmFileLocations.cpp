@@ -5,6 +5,7 @@
 #include "core/PathNames.h"
 #include "core/Registry.h"
 #include "core/Settings.h"
+#include "core/TextFields.h"
 #include "dialogs/OpenForms.h"
 #include "dialogs/Style.h"
 #include "dialogs/TextBoxes.h"
@@ -77,7 +78,7 @@ QLabel* frmFileLocations::label(int part) const {
 }
 
 void frmFileLocations::fill(QLineEdit* line, const QString& text) {
-    line->setText(text.trimmed().toUpper());
+    line->setText(UpperCased(text.trimmed()));
 }
 
 void frmFileLocations::setIniFile(const QString& file) {
@@ -104,9 +105,9 @@ void frmFileLocations::setReg_Path(const QString& key) {
 }
 
 void frmFileLocations::checkOneLocation() {
-    const QString first = box(1)->text().trimmed().toUpper();
+    const QString first = UpperCased(box(1)->text().trimmed());
     for (int part = 2; part <= CartPartCount; ++part)
-        if (box(part)->text().trimmed().toUpper() != first)
+        if (UpperCased(box(part)->text().trimmed()) != first)
             return;
     ui_->chkUseOneCartLocation->setChecked(true);
 }
@@ -136,7 +137,7 @@ void frmFileLocations::pick(QLineEdit* line) {
 void frmFileLocations::lookAtFolders() {
     QStringList missing;
     const auto look = [&missing](QLineEdit* line) {
-        const QString path = WithoutTrailingBackslash(line->text().trimmed().toUpper());
+        const QString path = TidyLocation(line->text());
         const bool absent = !path.isEmpty() && !DirectoryExists(path);
         MarkBox(line, absent ? QStringLiteral("not found") : QString());
         if (absent && !missing.contains(path))

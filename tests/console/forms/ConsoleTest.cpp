@@ -10,6 +10,7 @@
 #include "platform/RegistryStore.h"
 
 #include <QAction>
+#include <QCryptographicHash>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -102,6 +103,27 @@ TEST(Console, EndsAtOnceWithoutEngineInASecondInstanceOrAfterACancelledChoice) {
         console.form.close();
         EXPECT_EQ(console.ini(), configuredIni());
     }
+}
+
+// An import that was cut short with the local file changed: the record says what the file was to hold.
+TEST(Console, PutsAnInterruptedImportBackBeforeItLoads) {
+    Console console;
+    const QByteArray half = "[FileLocations]\r\nData=C:\\ELSEWHERE\r\n";
+    console.machine.write("C:\\WINDOWS\\OLD.bak", console.ini());
+    console.machine.write("C:\\WINDOWS\\TOLVEX.INI", half);
+    console.machine.write(
+        "C:\\WINDOWS\\TOLVEX.INI.import",
+        R"({"format":"tolvex-interrupted-change","files":[{"path":"C:\\WINDOWS\\TOLVEX.INI",)"
+        R"("backup":"C:\\WINDOWS\\OLD.bak","after":")" +
+            QCryptographicHash::hash(half, QCryptographicHash::Sha256).toHex() +
+            R"("},{"path":"C:\\DATA\\TLVX_SYS.INI","backup":"","after":"0"}]})");
+    ASSERT_TRUE(console.start());
+    EXPECT_TRUE(console.prompts.texts().value(0).startsWith(
+        "An import of settings was cut short. These files were put back as they were before it: "))
+        << console.prompts.texts().value(0).toStdString();
+    EXPECT_EQ(settings().DataLocation, "C:\\DATA");
+    EXPECT_EQ(console.ini(), configuredIni());
+    EXPECT_FALSE(console.machine.exists("C:\\WINDOWS\\TOLVEX.INI.import"));
 }
 
 TEST(Console, AsksOnAMachineThatWasNeverConfigured) {

@@ -48,7 +48,7 @@ TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     EXPECT_EQ(station.value("FileLocations", "Schedules"), "C:\\DATA\\SCHEDULE");
     EXPECT_EQ(station.value("FileLocations", "Logs"), "C:\\DATA\\LOGS");
     EXPECT_EQ(settings().CartPartTable[1].Location, "C:\\WALL\\ONE\\");
-    EXPECT_EQ(station.value("FileLocations", "Carts1"), "C:\\WALL\\ONE");
+    EXPECT_EQ(station.value("FileLocations", "Carts1"), "C:\\WALL\\ONE\\");
     EXPECT_EQ(station.value("FileLocations", "Carts2"), "C:");
     EXPECT_EQ(station.value("FileLocations", "Carts3"), "C:\\FILE\\X");
     EXPECT_EQ(station.value("FileLocations", "Carts4"), "");
@@ -60,6 +60,25 @@ TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     EXPECT_TRUE(station.machine.exists("C:\\DATA\\SCRIPTS"));
     EXPECT_TRUE(station.ini().startsWith("[FileLocations]\r\n; kept\r\nData=C:\\DATA\r\nOther=1\r\n"));
     EXPECT_FALSE(form.isVisible());
+}
+
+TEST(FileLocations, KeepsLettersThatHaveNoUpperCaseAndMakesNoFolderUnderAnotherName) {
+    Station station("[FileLocations]\r\nData=C:\\gro\xDF\r\n");
+    frmFileLocations form;
+    form.setIniFile("TOLVEX.INI");
+    form.show();
+    EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), QString("C:\\GRO\u00DF"));
+    click(form, "chkUseOneCartLocation");
+    find<QLineEdit>(form, "txtCartLocations_1")->setText(QString("C:\\\u03A9"));
+    type(form, "txtCartLocations_2", "C:\\A?B");
+    click(form, "cmdDone");
+    EXPECT_EQ(station.value("FileLocations", "Data"), QString("C:\\GRO\u00DF"));
+    EXPECT_FALSE(station.machine.exists(QString("C:\\\u03A9")));
+    EXPECT_FALSE(station.machine.exists("C:\\A?B"));
+    EXPECT_EQ(settings().CartPartTable[1].State, Unavailable);
+    ASSERT_EQ(station.prompts.texts().size(), 2);
+    EXPECT_TRUE(station.prompts.texts()[0].contains("a character that the files cannot store"));
+    EXPECT_TRUE(station.prompts.texts()[1].contains("Bad file name or number"));
 }
 
 TEST(FileLocations, OneDirectoryForAllCarts) {
@@ -156,6 +175,6 @@ TEST(DisplayOptions, OkStoresTheChoices) {
     click(form, "cmdOK");
     EXPECT_EQ(station.value("Display", "UseInformationWindow"), "1");
     EXPECT_EQ(station.value("Display", "ShowClock"), "0");
-    EXPECT_EQ(station.value("Display", "SingleClickPlayCarts"), "-1");
+    EXPECT_EQ(station.value("Display", "SingleClickPlayCarts"), "1");
     EXPECT_EQ(settings().AdjustTheSystemColors, 0);
 }
