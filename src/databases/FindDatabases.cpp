@@ -1,6 +1,7 @@
 #include "databases/FindDatabases.h"
 
 #include "databases/DatabaseInformation.h"
+#include "databases/Report.h"
 #include "databases/SuiteDatabase.h"
 #include "platform/Files.h"
 
@@ -47,6 +48,7 @@ qint32 FindDatabaseOfType(const QString& folder, qint32 type, QString* firstName
         }
         return count;
     }
+    const HeldReports reports(QStringLiteral("reading databases in ") + folder);
     const QString path = folder.endsWith(u'\\') ? folder : folder + u'\\';
     for (const QString& name : platform::FolderNames(path)) {
         if (!name.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive) ||

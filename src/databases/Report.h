@@ -12,9 +12,12 @@ int Report(const QString& action, const DatabaseError& error);
 
 // While one lives, reports wait; they are shown when it ends. A message box waits for its user: put this
 // around a transaction, so that no other workstation waits for the box.
+//
+// With `summary`, a phrase as ProblemReport takes it, more than one report becomes one report of it that
+// lists what each said: put this around work over many databases, so that nobody has to close a box for each.
 class HeldReports {
 public:
-    HeldReports();
+    explicit HeldReports(const QString& summary = {});
     ~HeldReports();
     HeldReports(const HeldReports&) = delete;
     HeldReports& operator=(const HeldReports&) = delete;
@@ -28,6 +31,7 @@ private:
 
     static HeldReports* current_;
     HeldReports* outer_;
+    QString summary_;
     std::vector<Entry> entries_;
 };
 

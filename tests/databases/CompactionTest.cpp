@@ -139,3 +139,21 @@ TEST_F(CompactionTest, FindsDatabasesOfAKindAmongOthers) {
     EXPECT_EQ(FindDatabaseOfType("C:\\NOWHERE", 14, &first, 0), 0);
     EXPECT_EQ(FindDatabaseOfType("C:\\FOUND", 14, &first, 0, "Odbc;DSN=none"), 0);
 }
+
+TEST_F(CompactionTest, ReportsManyUnreadableFilesInOneBox) {
+    QString first;
+    machine.write("C:\\FOUND\\ONE.MDB", QByteArray(100000, 'x'));
+    EXPECT_EQ(FindDatabaseOfType("C:\\FOUND", 14, &first, 0), 0);
+    ASSERT_EQ(texts().size(), 1);
+    EXPECT_TRUE(texts()[0].startsWith(
+        "There was a problem Compacting/Repairing the database: C:\\FOUND\\ONE.MDB and"));
+    for (int i = 2; i <= 40; ++i)
+        machine.write(QStringLiteral("C:\\FOUND\\S%1.MDB").arg(i, 2, 10, QLatin1Char('0')),
+                      QByteArray(100000, 'x'));
+    EXPECT_EQ(FindDatabaseOfType("C:\\FOUND", 14, &first, 0), 0);
+    ASSERT_EQ(texts().size(), 2);
+    EXPECT_TRUE(texts()[1].startsWith("There was a problem reading databases in C:\\FOUND\n\n"
+                                      "Compacting/Repairing the database: C:\\FOUND\\ONE.MDB (3343)\n"))
+        << texts()[1].toStdString();
+    EXPECT_TRUE(texts()[1].endsWith("S10.MDB (3343)\nand 30 more")) << texts()[1].toStdString();
+}
