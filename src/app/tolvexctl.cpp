@@ -27,14 +27,16 @@ Output::Ending endingOf(int status) {
 
 // The ini files that the options name. False, with a sentence in *why, when one cannot be reached.
 bool setIniFiles(const CommandLine& line, QString* why) {
-    QStringList files;
+    QMap<QString, QString> files;
     for (const char* option : {"--ini", "--sys-ini"}) {
+        if (!line.has(option))
+            continue;
         const auto file = FileArgument(line.option(option), BareFile::WindowsFolder, why);
         if (!file)
             return false;
-        files += *file;
+        files[QLatin1String(option)] = *file;
     }
-    tolvex::SetIniFiles(files[0], files[1]);
+    tolvex::SetIniFiles(files[QStringLiteral("--ini")], files[QStringLiteral("--sys-ini")]);
     return true;
 }
 

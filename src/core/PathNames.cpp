@@ -1,7 +1,6 @@
 #include "core/PathNames.h"
 
 #include "core/TextFields.h"
-#include "platform/CodePage.h"
 #include "platform/PathParts.h"
 #include "platform/Paths.h"
 
@@ -54,8 +53,6 @@ QString TidyLocation(const QString& path) {
 }
 
 QString LocationFault(const QString& path) {
-    if (platform::FromCodePage(platform::ToCodePage(path)) != path)
-        return QStringLiteral("the text holds a character that the files cannot store");
     QString names = path.trimmed();
     names.replace(u'/', u'\\');
     const bool share = names.startsWith(u"\\\\");

@@ -25,8 +25,7 @@ QString WithoutTrailingBackslash(QString path);
 QString TidyLocation(const QString& path);
 
 // What forbids a location, as the end of a sentence that begins with its setting; empty when nothing does. A
-// location may be empty; its names must be names that the file system allows, and the text one that the ini
-// files can store.
+// location may be empty; its names must be names that the file system allows.
 QString LocationFault(const QString& path);
 
 } // namespace tolvex

@@ -43,8 +43,8 @@ ImportPlan PlanImport(const QByteArray& document, const QString& localIni, const
 // changes all of them or none. False, with the reason in plan.problem, when nothing was changed.
 bool ApplyImport(ImportPlan& plan);
 
-// An import into this local ini file that was cut short, by a power failure for instance, with some of its
-// files changed.
+// An import into this local ini file that was cut short, by a power failure for instance, perhaps with some
+// of its files changed. Changes nothing.
 bool ImportWasInterrupted(const QString& localIni);
 
 // Puts the files of such an import back as they were before it. Sentences for the user about what was done

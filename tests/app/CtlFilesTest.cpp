@@ -51,6 +51,12 @@ TEST_F(Ctl, AFileThatNoDriveLeadsToIsAnErrorInWords) {
     EXPECT_EQ(read(onC("WINDOWS/TOLVEX.INI")), before);
     EXPECT_EQ(read(file), "[Display]\r\nShowClock=1\r\n");
     EXPECT_FALSE(QFile::exists(folder_.filePath("all.json")));
+    for (const QStringList& words : {QStringList{"--ini=", "settings", "set", "Display", "ShowClock", "1"},
+                                     {"--sys-ini", "", "status"},
+                                     {"settings", "export", ""},
+                                     {"db", "info", ""}})
+        EXPECT_EQ(run(words).err, "The name of a file is expected, not an empty text.\n")
+            << words.join(' ').toStdString();
     // A name on a server is no file.
     EXPECT_TRUE(run({"db", "info", "LOG", "--connect", "DRIVER={No Such Driver}"}).err.contains("LOG"));
     EXPECT_EQ(run({"--ini", "TOLVEX.INI", "settings", "get", "Display", "ShowClock"}).out, "0\n");

@@ -188,6 +188,11 @@ TEST_F(SettingsImport, AStationFileThatWasNamedStaysTheStationsFile) {
     ASSERT_TRUE(ApplyImport(plan)) << plan.problem.toStdString();
     EXPECT_EQ(b.read("C:\\NAMED.INI"), "[X]\r\n[OPALTransfers]\r\nDefault=Night\r\n");
     EXPECT_FALSE(b.exists("C:\\TOLVEX\\TLVX_SYS.INI"));
+    // The workstation's own file may have a name that no ini file could hold.
+    const QString odd = QString::fromUtf8("C:\\\u03A9.INI");
+    ImportPlan here = PlanImport(document(R"({"local":{"Audio":{"KHz":8000}}})"), odd, {});
+    ASSERT_TRUE(ApplyImport(here)) << here.refused.join(u'|').toStdString();
+    EXPECT_EQ(b.read(odd), "[Audio]\r\nKHz=8000\r\n");
     // Two names for one file are one file.
     const ImportPlan same =
         PlanImport(document(R"({"local":{"Audio":{"KHz":8000}},"system":{"OPALTransfers":{"Default":"x"}}})"),

@@ -1,8 +1,10 @@
 #include "app/ctl/Command.h"
 
 #include "console/LoadSettings.h"
+#include "console/StartUp.h"
 #include "core/ProblemReport.h"
 #include "core/SettingsImport.h"
+#include "platform/LookOnly.h"
 #include "platform/Paths.h"
 
 #include <QDir>
@@ -10,6 +12,29 @@
 #include <utility>
 
 namespace tolvex::ctl {
+
+namespace {
+
+// A command that changes something begins with files that belong together; one that reads can only say that
+// they may not.
+void mendInterruptedImport() {
+    const QString localIni = settings().LocalIniFile;
+    if (!ImportWasInterrupted(localIni))
+        return;
+    if (!platform::LookingOnly()) {
+        if (const QString undone = UndoInterruptedImport(localIni); !undone.isEmpty())
+            ShowExclamation(undone);
+        return;
+    }
+    static bool told = false;
+    if (!std::exchange(told, true))
+        ShowExclamation(QStringLiteral(
+            "An import of settings was cut short: the files of this workstation may not belong together. The "
+            "next start of Tolvex Configuration, or the next command that changes a setting, puts them back "
+            "as they were."));
+}
+
+} // namespace
 
 int Command::fewest() const {
     int depth = 0;
@@ -50,7 +75,11 @@ int Call::end(const QString& why, int number, Exit status) const {
 std::optional<QString> FileArgument(const QString& given, BareFile bare, QString* why) {
     const bool ofTheSuite = given.contains(u'\\') || (given.size() > 1 && given[1] == u':');
     const bool inWindowsFolder = bare == BareFile::WindowsFolder && !given.contains(u'/');
-    if (given.isEmpty() || ofTheSuite || inWindowsFolder)
+    if (given.isEmpty()) {
+        *why = QStringLiteral("The name of a file is expected, not an empty text.");
+        return std::nullopt;
+    }
+    if (ofTheSuite || inWindowsFolder)
         return given;
     const QString host = QDir::current().absoluteFilePath(given);
     const QString path = platform::WindowsPath(host);
@@ -83,15 +112,11 @@ bool ResolveFiles(Call& call, QString* why) {
 }
 
 bool LoadWorkstation() {
-    if (!ReadLocalSettings() || !LoadSystemSettings())
+    // It comes first: what it says of an interrupted import is about the local ini file that it chooses.
+    if (!InitialiseProgram())
         return false;
-    static bool told = false;
-    if (!std::exchange(told, true) && ImportWasInterrupted(settings().LocalIniFile))
-        ShowExclamation(QStringLiteral(
-            "An import of settings was cut short: the files of this workstation may not belong "
-            "together. The next start of Tolvex Configuration, or \"tolvexctl settings "
-            "import\", puts them back as they were."));
-    return true;
+    mendInterruptedImport();
+    return ReadLocalSettings() && LoadSystemSettings();
 }
 
 } // namespace tolvex::ctl

@@ -177,20 +177,15 @@ void tellPlan(Call& call, const ImportPlan& plan, bool applied) {
 }
 
 int import(Call& call) {
-    const bool preview = call.has("--preview");
-    // What an interrupted import left is put back before it is read.
-    if (!(preview ? LoadWorkstation() : InitialiseProgram()))
+    if (!LoadWorkstation())
         return call.fail(noIni);
     const QString file = call.path(0);
     const std::optional<QByteArray> document = platform::ReadWholeFile(file, 64 << 20);
     if (!document)
         return call.fail(QStringLiteral("%1 could not be read.").arg(file));
     const QString localIni = settings().LocalIniFile;
-    if (!preview)
-        if (const QString undone = UndoInterruptedImport(localIni); !undone.isEmpty())
-            call.output.say(undone);
     ImportPlan plan = PlanImport(*document, localIni, NamedSystemIniFile());
-    const bool applied = plan.usable() && !preview && ApplyImport(plan);
+    const bool applied = plan.usable() && !call.has("--preview") && ApplyImport(plan);
     if (plan.problem.isEmpty() || !plan.files.isEmpty())
         tellPlan(call, plan, applied);
     int status = Done;

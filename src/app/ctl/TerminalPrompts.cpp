@@ -128,7 +128,7 @@ std::optional<QString> TerminalPrompts::path(const QString& prompt, const QStrin
         if (!given || given->isEmpty())
             return std::nullopt;
         QString why;
-        if (const auto file = FileArgument(*given, BareFile::ShellFolder, &why))
+        if (auto file = FileArgument(*given, BareFile::ShellFolder, &why))
             return file;
         say(why);
     }
