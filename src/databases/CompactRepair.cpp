@@ -2,12 +2,15 @@
 
 #include "core/Folders.h"
 #include "core/PathNames.h"
-#include "core/ProblemReport.h"
 #include "databases/CompactionStorage.h"
+#include "databases/DeadCopies.h"
 #include "databases/JetDatabase.h"
 #include "databases/Report.h"
-#include "jet/Compact.h"
+#include "jet/CompactInPlace.h"
+#include "platform/Files.h"
 #include "platform/Prompts.h"
+
+#include <QRandomGenerator>
 
 namespace tolvex {
 
@@ -37,66 +40,54 @@ bool isConfirmed(const QString& name) {
     return platform::prompts().ask(question) == Answer::Yes;
 }
 
-QString backupName(const QString& name) {
-    for (int number = 1;; ++number) {
-        QString backup =
-            PathWithoutExtension(name) + QStringLiteral("-%1.BAK").arg(number, 4, 10, QLatin1Char('0'));
-        if (FileLength(backup) < 0)
-            return backup;
-    }
+QString backupName(const QString& name, int number) {
+    return PathWithoutExtension(name) + QStringLiteral("-%1.BAK").arg(number, 4, 10, QLatin1Char('0'));
 }
 
-// Compacts into a new file. A file whose first page is no database's is read once more under a page of a new
-// database. Throws DatabaseError, or CompactionStopped.
-void compact(const QString& from, const QString& to, platform::Progress* progress, const jet::OnLoss& lost) {
-    const std::string source = EnginePath(from);
-    const std::string target = EnginePath(to);
-    CompactionStorage storage(source, progress);
+// A name that is free. Nothing is made under it yet: what is made is noted before.
+QString temporaryName(const QString& folder) {
+    constexpr quint32 numbers = 0x10000;
+    QString name;
+    do
+        name = QStringLiteral("MDB%1.TMP")
+                   .arg(QRandomGenerator::global()->bounded(numbers), 4, 16, QLatin1Char('0'))
+                   .toUpper();
+    while (platform::FileExists(folder + u'\\' + name));
+    return name;
+}
+
+// A file whose first page is no database's is read once more under a page of a new database. Throws
+// DatabaseError, or CompactionStopped.
+void compact(const QString& name, platform::Progress* progress, const jet::OnLoss& lost) {
+    const std::string path = EnginePath(name);
+    const jet::InPlaceNames names{temporaryName(FolderOf(name)).toStdString(),
+                                  [&](int number) { return EnginePath(backupName(name, number)); }};
+    CompactionStorage storage(path, progress);
     try {
         try {
-            jet::CompactDatabase(storage, source, target, {}, lost);
+            jet::CompactInPlace(storage, path, names, {}, lost);
         } catch (const jet::Error& error) {
             if (error.code() != jet::ErrorNumber::Unrecognised || !storage.replaceFirstPage())
                 throw;
-            jet::CompactDatabase(storage, source, target, {}, lost);
+            jet::CompactInPlace(storage, path, names, {}, lost);
         }
     } catch (const jet::Error& error) {
         throw FromEngine(error);
     }
 }
 
-// Puts the new file in the place of the old one; 0 or an error number, and then the old one is in its place.
-int exchange(const QString& name, const QString& compacted) {
-    const QString backup = backupName(name);
-    int error = platform::RenameFile(name, backup);
-    if (error != 0)
-        return error;
-    error = platform::RenameFile(compacted, name);
-    if (error != 0)
-        platform::RenameFile(backup, name);
-    return error;
-}
-
 bool rewrite(const QString& name, bool silent, const jet::OnLoss& lost) {
-    const QString action = QStringLiteral("Compacting/Repairing the database: ") + name.trimmed();
-    const QString temporary = TempFileName(FolderOf(name), QStringLiteral("MDB"));
-    if (temporary.isEmpty())
-        return false;
+    RemoveDeadCopies(FolderOf(name));
     try {
         const platform::PointerKeeper pointer(platform::Pointer::Wait);
         const auto progress =
             silent ? nullptr
                    : platform::prompts().beginProgress(QStringLiteral("Compact/Repair Database"), true);
-        compact(name, temporary, progress.get(), lost);
+        compact(name, progress.get(), lost);
     } catch (const DatabaseError& error) {
-        Report(action, error);
+        Report(QStringLiteral("Compacting/Repairing the database: ") + name.trimmed(), error);
         return false;
     } catch (const CompactionStopped&) {
-        return false;
-    }
-    if (const int error = exchange(name, temporary)) {
-        platform::RemoveFile(temporary);
-        ProblemReport(action, error);
         return false;
     }
     return true;

@@ -10,8 +10,10 @@ namespace tolvex {
 // Rewrites a file through the engine's compaction, which also saves what can be read of a damaged one, and
 // keeps the old file as "<name>-0001.BAK", or the next number that is free. `fileName` empty: the user picks
 // the file if `withDialog`, starting in `initialFolder`. Unless `silent` the user is asked first, sees the
-// progress, may stop it, and is told of the success. True when the file was rewritten; otherwise nothing was
-// changed. `lost` gets what could not be saved. Cost: one pass over the file.
+// progress, may stop it, and is told of the success. The database is locked from before it is read until the
+// new file is in its place, and there under its name, the old or the new one, whenever the program ends.
+// True when the file was rewritten; otherwise nothing was changed. `lost` gets what could not be saved. Cost:
+// one pass over the file.
 bool CompactRepairDatabase(const QString& fileName, bool withDialog, const QString& initialFolder,
                            bool silent, const jet::OnLoss& lost = {});
 

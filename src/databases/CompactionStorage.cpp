@@ -89,9 +89,9 @@ private:
 
 } // namespace
 
-CompactionStorage::CompactionStorage(std::string source, platform::Progress* progress)
+CompactionStorage::CompactionStorage(const std::string& source, platform::Progress* progress)
     : files_(jet::MachineStorage())
-    , source_(std::move(source))
+    , source_(files_.resolve(source))
     , progress_(progress) {}
 
 bool CompactionStorage::replaceFirstPage() {
@@ -109,7 +109,8 @@ bool CompactionStorage::replaceFirstPage() {
 
 std::unique_ptr<jet::StorageFile> CompactionStorage::open(const std::string& path, Open how) {
     auto file = files_.open(path, how);
-    if (path == source_ && !firstPage_.empty())
+    // Opened for reading, it is copied as it is.
+    if (path == source_ && how == Open::ReadWrite && !firstPage_.empty())
         return std::make_unique<PatchedFile>(std::move(file), firstPage_);
     if (how == Open::CreateNew && progress_) {
         const std::uint64_t expected = files_.open(source_, Open::ReadOnly)->size();

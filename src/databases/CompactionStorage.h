@@ -14,13 +14,14 @@ struct CompactionStopped {};
 class CompactionStorage final : public jet::Storage {
 public:
     // `source`: the host path of the file to compact. `progress` may be null.
-    CompactionStorage(std::string source, platform::Progress* progress);
+    CompactionStorage(const std::string& source, platform::Progress* progress);
 
     // Has the source read from now on with the first page of a new database. False: what follows the first
     // page does not look like a database either.
     bool replaceFirstPage();
 
     std::unique_ptr<jet::StorageFile> open(const std::string& path, Open how) override;
+    std::string resolve(const std::string& path) override { return files_.resolve(path); }
     bool exists(const std::string& path) override { return files_.exists(path); }
     void remove(const std::string& path) override { files_.remove(path); }
     void rename(const std::string& from, const std::string& to) override { files_.rename(from, to); }

@@ -152,17 +152,11 @@ CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost) {
     return Compaction(source, target, lost).run();
 }
 
-CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
-                              const std::u16string& password, const OnLoss& lost) {
-    OpenOptions options;
-    options.readOnly = true;
-    options.exclusive = true;
-    options.password = password;
-    Database from = Database::open(storage, source, options);
-    PageZero header = from.header();
-    if (from.olderContents() != nullptr) {
+CompactResult CompactInto(Database& source, StorageFile& target, const OnLoss& lost) {
+    PageZero header = source.header();
+    if (source.olderContents() != nullptr) {
         std::u16string kept = std::move(header.password);
-        header = DecodePageZero({from.pager().read(0), PageSize});
+        header = DecodePageZero({source.pager().read(0), PageSize});
         header.password = std::move(kept);
     }
     header.freeMap = {1, 0};
@@ -171,14 +165,25 @@ CompactResult CompactDatabase(Storage& storage, const std::string& source, const
     header.permissions = Catalog::PermissionsPage;
     header.queries = queriesPage;
     header.relationships = Catalog::RelationshipsPage;
-    Target file(storage, target);
-    NewFile to(file.file(), header);
-    CompactResult result = CompactPages(from.pager(), to, lost);
-    if (const Jet3Contents* older = from.olderContents(); older != nullptr) {
+    NewFile to(target, header);
+    CompactResult result = CompactPages(source.pager(), to, lost);
+    if (const Jet3Contents* older = source.olderContents(); older != nullptr) {
         result.losses += older->faults.size();
         std::for_each(older->faults.begin(), older->faults.end(), lost);
     }
     to.finish();
+    return result;
+}
+
+CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
+                              const std::u16string& password, const OnLoss& lost) {
+    OpenOptions options;
+    options.readOnly = true;
+    options.exclusive = true;
+    options.password = password;
+    Database from = Database::open(storage, source, options);
+    Target file(storage, target);
+    const CompactResult result = CompactInto(from, file.file(), lost);
     file.complete();
     return result;
 }

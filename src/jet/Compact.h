@@ -33,6 +33,10 @@ CompactResult CompactDatabase(Storage& storage, const std::string& source, const
 CompactResult CompactDatabase(const std::string& source, const std::string& target,
                               const std::u16string& password, const OnLoss& lost);
 
+// The same of an open database into a new, empty file, which is whole and flushed when it returns.
+class Database;
+CompactResult CompactInto(Database& source, StorageFile& target, const OnLoss& lost);
+
 // The same between pagers. `target`: a NewFile or one like it, of which pages 0 and 1 are made.
 CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost);
 

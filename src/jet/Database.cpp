@@ -7,24 +7,53 @@
 #include "jet/Sharing.h"
 
 #include <optional>
+#include <utility>
 
 namespace jet {
 
 namespace {
 
-// A file of the older format, whole; nothing if it is none. Such a file is not locked, so that of exclusive
-// use only the others' part can be kept: nobody may have it open.
-std::optional<Bytes> readOlder(Storage& storage, const std::string& path, const OpenOptions& options) {
-    const auto file = storage.open(path, Storage::Open::ReadOnly);
-    Bytes bytes(Jet3File::PageSize3);
-    if (file->read(0, bytes.data(), bytes.size()) < bytes.size() ||
+// A file of the older format, whole.
+struct Older {
+    std::unique_ptr<StorageFile> file;
+    std::unique_ptr<Sharing> sharing; // of exclusive use; others read it as it is, and never write
+    Bytes bytes;
+};
+
+std::unique_ptr<StorageFile> openOlder(Storage& storage, const std::string& path, bool& writable) {
+    try {
+        if (writable)
+            return storage.open(path, Storage::Open::ReadWrite);
+    } catch (const Error& error) {
+        if (error.code() != ErrorNumber::CannotOpenFile)
+            throw;
+        writable = false;
+    }
+    return storage.open(path, Storage::Open::ReadOnly);
+}
+
+// Nothing when it is none.
+std::optional<Older> readOlder(Storage& storage, const std::string& path, const OpenOptions& options) {
+    bool writable = options.exclusive;
+    Older older{openOlder(storage, path, writable), nullptr, Bytes(Jet3File::PageSize3)};
+    Bytes& bytes = older.bytes;
+    if (older.file->read(0, bytes.data(), bytes.size()) < bytes.size() ||
         DecodePageZero(bytes).version != PageZero::Jet3)
         return std::nullopt;
-    if (options.exclusive && Sharing(storage, *file, path, false, options.lockWait).hasForeignUsers())
-        throw Error(ErrorNumber::CannotStart, path);
-    bytes.resize(file->size());
-    bytes.resize(file->read(0, bytes.data(), bytes.size()));
-    return bytes;
+    if (options.exclusive) {
+        older.sharing = std::make_unique<Sharing>(storage, *older.file, path, writable, options.lockWait);
+        if (older.sharing->hasForeignUsers())
+            throw Error(ErrorNumber::CannotStart, path);
+    }
+    if (writable) {
+        older.sharing->join(true);
+        older.sharing->joined();
+        if (!older.file->isNow(path))
+            throw Error(ErrorNumber::CannotStart, path + ": it was replaced just now");
+    }
+    bytes.resize(older.file->size());
+    bytes.resize(older.file->read(0, bytes.data(), bytes.size()));
+    return older;
 }
 
 } // namespace
@@ -33,6 +62,7 @@ struct Database::Parts {
     std::string path;
     std::unique_ptr<FilePager> file;    // either this
     std::unique_ptr<MemoryPager> older; // or a copy of a file of the older format, with the rest
+    Older olderFile;
     PageZero olderHeader;
     std::string olderReason;
     Jet3Contents olderContents;
@@ -43,9 +73,10 @@ struct Database::Parts {
         , file(std::make_unique<FilePager>(storage, name, options))
         , catalog(*file) {}
 
-    Parts(const std::string& name, const PageZero& header, Jet3Import import)
+    Parts(const std::string& name, Older read, const PageZero& header, Jet3Import import)
         : path(name)
         , older(std::move(import.pager))
+        , olderFile(std::move(read))
         , olderHeader(header)
         , olderReason(name + " is of an older version, which is only read")
         , olderContents(std::move(import.contents))
@@ -64,19 +95,21 @@ Database Database::open(const std::string& path, const OpenOptions& options) {
     return open(MachineStorage(), path, options);
 }
 
-Database Database::open(Storage& storage, const std::string& path, const OpenOptions& options) {
+Database Database::open(Storage& storage, const std::string& name, const OpenOptions& options) {
+    const std::string path = storage.resolve(name);
     try {
         return Database(std::make_unique<Parts>(storage, path, options));
     } catch (const Error& error) {
         if (error.code() != ErrorNumber::Unrecognised)
             throw;
-        const std::optional<Bytes> older = readOlder(storage, path, options);
+        std::optional<Older> older = readOlder(storage, path, options);
         if (!older)
             throw;
-        const PageZero header = DecodePageZero(*older);
+        const PageZero header = DecodePageZero(older->bytes);
         if (!header.password.empty() && header.password != options.password)
             throw Error(ErrorNumber::InvalidPassword, path);
-        return Database(std::make_unique<Parts>(path, header, ImportJet3(*older)));
+        Jet3Import import = ImportJet3(std::exchange(older->bytes, {}));
+        return Database(std::make_unique<Parts>(path, std::move(*older), header, std::move(import)));
     }
 }
 
@@ -109,6 +142,12 @@ const std::string& Database::readOnlyReason() const {
     return parts_->file ? parts_->file->readOnlyReason() : parts_->olderReason;
 }
 
+bool Database::isHeldAlone() const {
+    if (parts_->file)
+        return parts_->file->isHeldAlone();
+    return parts_->olderFile.sharing != nullptr && parts_->olderFile.sharing->isExclusive();
+}
+
 const Jet3Contents* Database::olderContents() const {
     return parts_->older ? &parts_->olderContents : nullptr;
 }
@@ -136,6 +175,11 @@ int Database::transactionDepth() const {
 void Database::flush() {
     if (parts_->file)
         parts_->file->flush();
+}
+
+void Database::emptyLog() {
+    if (parts_->file)
+        parts_->file->emptyLog();
 }
 
 void Database::refresh() {

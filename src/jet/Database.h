@@ -28,6 +28,8 @@ public:
     const std::string& path() const;
     // Empty: may be changed. Otherwise why not.
     const std::string& readOnlyReason() const;
+    // Opened exclusively, a file that may be written is held alone: nobody else can open it.
+    bool isHeldAlone() const;
     // What was found in a Jet 3 file; null for any other.
     const Jet3Contents* olderContents() const;
 
@@ -41,6 +43,8 @@ public:
 
     // Returns when everything committed so far survives a power cut.
     void flush();
+    // Of a file that is held alone: brings everything into it and removes the redo log.
+    void emptyLog();
     // Takes notice of what other programs have written since the last operation.
     void refresh();
     // Brings everything into the file and closes it; throws when that fails, with nothing lost.

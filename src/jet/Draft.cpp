@@ -23,9 +23,9 @@ std::string nameBeside(const std::string& path, int number) {
 
 } // namespace
 
-Draft::Draft(Storage& storage, std::string path)
+Draft::Draft(Storage& storage, const std::string& path)
     : storage_(storage)
-    , path_(std::move(path)) {
+    , path_(storage.resolve(path)) {
     if (storage_.exists(path_))
         throw Error(ErrorNumber::DatabaseExists, path_);
     for (int number = 1; !take(nameBeside(path_, number)); ++number)

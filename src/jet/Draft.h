@@ -22,7 +22,7 @@ class Draft {
 public:
     // Begins with an empty database. Throws DatabaseExists when `path` is there, and what making a file
     // throws. The storage outlives the draft.
-    Draft(Storage& storage, std::string path);
+    Draft(Storage& storage, const std::string& path);
     // Takes away what was not published.
     ~Draft();
     Draft(const Draft&) = delete;

@@ -4,6 +4,7 @@
 #include "jet/LoggedFile.h"
 #include "jet/Savepoints.h"
 #include "jet/Sharing.h"
+#include "jet/Swap.h"
 #include "jet/UsageMap.h"
 
 #include <algorithm>
@@ -50,6 +51,7 @@ struct FilePager::Impl {
         , readOnlyReason(whyReadOnly(wanted, stored.isWritable(), stored.header())) {}
 
     bool open();
+    void settleSwap() const;
     void takeOverLog(Sharing::Others others);
 
     PageCache::Frame& load(PageNumber page);
@@ -110,6 +112,8 @@ bool FilePager::Impl::open() {
             sharing->finishLeaving(!others.any);
             return false;
         }
+        if (!others.any && stored.isWritable())
+            settleSwap();
         takeOverLog(others);
         sharing->joined();
     } catch (...) {
@@ -118,6 +122,14 @@ bool FilePager::Impl::open() {
     }
     ready = sharing->isExclusive();
     return true;
+}
+
+void FilePager::Impl::settleSwap() const {
+    try {
+        Swap::settle(storage, path);
+    } catch (const Error&) {
+        // What a dead process left beside the file takes room and does no harm.
+    }
 }
 
 void FilePager::Impl::takeOverLog(Sharing::Others others) {
@@ -461,6 +473,16 @@ void FilePager::refresh() {
     d.cache.dropClean();
     d.forgetDerived();
     d.stored.countPages();
+}
+
+bool FilePager::isHeldAlone() const {
+    return impl_->sharing->isExclusive();
+}
+
+void FilePager::emptyLog() {
+    impl_->checkOpen();
+    if (impl_->sharing->isExclusive() && impl_->changes.depth() == 0)
+        impl_->stored.retireLog();
 }
 
 void FilePager::close() {

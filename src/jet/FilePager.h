@@ -50,6 +50,10 @@ public:
 
     // Returns when all commits so far survive a power cut. Not inside a transaction.
     void flush();
+    // Whether nobody else can open the file.
+    bool isHeldAlone() const;
+    // As such a user: brings everything into the file and removes the redo log.
+    void emptyLog();
     // Takes notice of what other programs have written, also of such that know nothing of the redo log.
     void refresh();
     // Brings everything into the file; the last user removes the redo log and the lock file. Running changes

@@ -1,5 +1,6 @@
 #include "jet/MachineNames.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -159,6 +160,20 @@ void FlushFolderOf(const std::string& path) {
     ::close(folderFile);
     if (!done)
         FailAtFile(folder, "flush", error, ErrorNumber::DiskIo);
+}
+
+std::string FollowLinks(const std::string& path) {
+    constexpr int mostLinks = 40; // as many as the system itself follows
+    std::string at = path;
+    for (int i = 0; i < mostLinks; ++i) {
+        std::array<char, 4096> target{};
+        const auto length = ::readlink(at.c_str(), target.data(), target.size());
+        if (length < 0)
+            return at;
+        const std::string to(target.data(), static_cast<std::size_t>(length));
+        at = to.starts_with('/') ? to : folderOf(at) + '/' + to;
+    }
+    return path; // a circle: opening says so
 }
 
 // A share that has gone away is no sign that a file is not there: somebody's redo log could be taken for

@@ -18,6 +18,10 @@ bool IsSameFile(const struct stat& one, const struct stat& other);
 // Makes names made in the folder of a path survive a power cut.
 void FlushFolderOf(const std::string& path);
 
+// Where a chain of links that begins at a path ends, whether something is there or not. A folder above may
+// still be a link.
+std::string FollowLinks(const std::string& path);
+
 // What Storage promises of exists(), remove(), rename(), publish() and link().
 bool FileIsThere(const std::string& path);
 void RemoveName(const std::string& path);

@@ -170,6 +170,7 @@ public:
         return std::make_unique<MachineFile>(file, path, how == Open::CreateNew);
     }
 
+    std::string resolve(const std::string& path) override { return FollowLinks(path); }
     bool exists(const std::string& path) override { return FileIsThere(path); }
     void remove(const std::string& path) override { RemoveName(path); }
     void rename(const std::string& from, const std::string& to) override { RenameFile(from, to); }

@@ -44,6 +44,11 @@ bool tryFor(Sharing::Wait wait, const std::function<bool()>& attempt) {
 
 } // namespace
 
+void Sharing::holdAlone(StorageFile& file) {
+    if (!file.lock(OpenByte, 1, true, false))
+        throw Error(ErrorNumber::CannotStart, "another has opened a new file");
+}
+
 bool Sharing::lockDraft(StorageFile& file, bool wait) {
     return file.lock(DraftByte, 1, true, wait);
 }

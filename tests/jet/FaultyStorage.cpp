@@ -167,6 +167,8 @@ void FaultyStorage::publish(const std::string& from, const std::string& to) {
 bool FaultyStorage::link(const std::string& path, const std::string& second) {
     if (exists(second))
         throw Error(ErrorNumber::DatabaseExists, second);
+    if (!links_)
+        return false;
     step();
     changeNames([&](Names& names) { names[second] = names.at(path); });
     flushNames();

@@ -54,6 +54,8 @@ public:
         error_ = error;
         lasting_ = lasting;
     }
+    // Whether files may have two names.
+    void setLinks(bool links) { links_ = links; }
     // Opening a file for writing, or making one, is refused.
     void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
 
@@ -101,6 +103,7 @@ private:
     ErrorNumber error_ = ErrorNumber::DiskIo;
     bool lasting_ = false;
     bool readOnly_ = false;
+    bool links_ = true;
 };
 
 } // namespace jet::test
