@@ -14,7 +14,6 @@ namespace tolvex {
 InCellEditor::InCellEditor(QTableView* grid)
     : QObject(grid)
     , grid_(grid) {
-    grid->viewport()->installEventFilter(this);
     connect(grid->horizontalHeader(), &QHeaderView::sectionResized, this, &InCellEditor::place);
 }
 
@@ -105,11 +104,6 @@ void InCellEditor::place() {
 }
 
 bool InCellEditor::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == grid_->viewport()) {
-        if (event->type() == QEvent::Resize)
-            place();
-        return false;
-    }
     if (!control_ || watched != control_)
         return false;
     if (event->type() == QEvent::Hide) {

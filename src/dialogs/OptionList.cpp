@@ -39,10 +39,7 @@ OptionList::OptionList(QWidget* parent)
     installEventFilter(this);
     hidden_.setSingleShot(true);
     connect(&hidden_, &QTimer::timeout, this, &OptionList::committed);
-    connect(this, &QComboBox::activated, this, [this](int entry) {
-        emit chosen(itemData(entry).toInt());
-        emit committed();
-    });
+    connect(this, &QComboBox::activated, this, [this](int entry) { emit chosen(itemData(entry).toInt()); });
     hide();
 }
 

@@ -22,7 +22,7 @@ public:
     void press(const QKeyEvent& key);
 
 signals:
-    // By the mouse, which ends the choice, or by a key, after which the list stays open.
+    // By the mouse, which ends the choice then, or by a key, after which the list stays open.
     void chosen(qint32 value);
     // Enter, Tab, a click on an entry or outside the list.
     void committed();
@@ -35,7 +35,7 @@ private:
     bool handleKey(QObject* watched, QKeyEvent* key);
     void chooseReached();
 
-    QTimer hidden_; // runs out when the list of entries was hidden by somebody else
+    QTimer hidden_; // runs out after the list of entries was hidden, which ends the choice
     bool passing_ = false;
 };
 

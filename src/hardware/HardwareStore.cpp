@@ -76,15 +76,12 @@ private:
     }
     qint32 number(const QString& key) const { return platform::ProfileInteger(section_, key, 0, file_); }
 
-    // An output unless the key says otherwise; what is no number says nothing.
+    // An output unless the key says otherwise; a value that is not a number is ignored.
     qint32 lineType(const QString& key) const {
         constexpr qint32 output = 1;
         const qint32 type = platform::ProfileInteger(section_, key, output, file_);
-        if (type != 0)
-            return type;
         const QString stored = text(key);
-        const QChar last = stored.isEmpty() ? QChar() : stored[stored.startsWith(u'-') && stored.size() > 1];
-        return last >= u'0' && last <= u'9' ? type : output;
+        return type != 0 || stored.startsWith(u'0') || stored.startsWith(QLatin1String("-0")) ? type : output;
     }
 
     void readLine(const LineKeys& keys, const HardwareCard& card, int n, HardwareLine& line) const {

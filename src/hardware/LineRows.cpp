@@ -92,8 +92,8 @@ public:
         for (std::size_t k = 0; k < line.ActionData.size(); ++k)
             line.ActionData[k] = number(Data1 + static_cast<int>(k));
         const LineTexts stored = TextsOf(line);
-        const bool numbersHold = !cell(Code).isEmpty() && stored.action == cell(Action) &&
-                                 stored.info1 == cell(Info1) && stored.info2 == cell(Info2);
+        const bool numbersHold =
+            stored.action == cell(Action) && stored.info1 == cell(Info1) && stored.info2 == cell(Info2);
         return numbersHold ? QString() : readWords(line);
     }
 
@@ -157,13 +157,10 @@ std::optional<QList<HardwareLine>> LinesOfRows(const QString& text, QString* why
         places[cell] = static_cast<int>(cell);
     const QStringList rows = text.split(u'\n');
     for (int n = 0; n < rows.size(); ++n) {
-        QString row = rows[n];
-        if (row.endsWith(u'\r'))
-            row.chop(1);
-        const QStringList cells = row.split(u'\t');
-        if (row.trimmed().isEmpty())
+        const QStringList cells = rows[n].split(u'\t');
+        if (rows[n].trimmed().isEmpty())
             continue;
-        if (const std::optional<Places> found = lines.isEmpty() ? placesOf(cells) : std::nullopt) {
+        if (const std::optional<Places> found = placesOf(cells)) {
             places = *found;
             continue;
         }

@@ -194,7 +194,7 @@ TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
     };
     const QString umlauts = QString::fromUtf8("Ätherlampe – „rot“ €");
     for (const QString& text :
-         QStringList{QString(254, u'x'), "\"Go\"", "'Go'", "\"" + QString(251, u'x') + "\"", "\"",
+         QStringList{QString(254, u'x'), "\"Go\"", "\"\"", "'Go'", "\"" + QString(251, u'x') + "\"", "\"",
                      "\"Go\" button", "a; b = c", "[x]", umlauts}) {
         EXPECT_EQ(SetLine(lines, 4, with(text)), "") << text.toStdString();
         station.saved();

@@ -34,6 +34,8 @@ TEST(OutputLines, StatesAreAppliedByTheNumberOverAllCards) {
     };
     EXPECT_FALSE(SetOutputLine(0, OutputLineState::On));
     EXPECT_FALSE(SetOutputLine(301, OutputLineState::On));
+    EXPECT_TRUE(SetOutputLine(300, OutputLineState::On));
+    EXPECT_EQ(HardwareCards()[3].Lines[100].OutputState, -1);
     EXPECT_TRUE(SetOutputLine(200, OutputLineState::Flash));
     HardwareLine& last = HardwareCards()[2].Lines[100];
     EXPECT_EQ(last.OutputState, -1);
@@ -53,7 +55,7 @@ TEST(OutputLines, StatesAreAppliedByTheNumberOverAllCards) {
     EXPECT_EQ(HardwareCards()[1].Lines[1].OutputState, 0);
     EXPECT_TRUE(SetOutputLine(201, OutputLineState::On));
     EXPECT_EQ(HardwareCards()[3].Lines[1].OutputState, -1);
-    EXPECT_EQ(driven, (std::vector<int>{2100, 2100, 2100, 3001}));
+    EXPECT_EQ(driven, (std::vector<int>{3100, 2100, 2100, 2100, 3001}));
     EXPECT_EQ(HardwareBusy(), 0);
 }
 

@@ -59,8 +59,7 @@ void CardPage::load(DriverReports& reports) {
         selectType();
     ui_->PortAddressT->setText(AddressText(card_.BaseAddress));
     if (card_.CardType == CardRS232)
-        ui_->ComPortlist->setCurrentIndex(
-            card_.ComPort >= 1 && card_.ComPort <= SerialPorts ? card_.ComPort - 1 : -1);
+        ui_->ComPortlist->setCurrentIndex(card_.ComPort - 1); // none for a port that is not on the list
     loading_ = nullptr;
     markStored();
 }

@@ -111,7 +111,13 @@ TEST(HardwareGrid, WhatIsNotKnownStaysUntilItIsChosenAnew) {
     EXPECT_TRUE(hw.list(1)->isVisible());
     EXPECT_EQ(hw.list(1)->count(), 0);
     hw.key(Qt::Key_Down);
+    hw.key(Qt::Key_Right);
+    EXPECT_EQ(hw.grid(1)->currentIndex().column(), ColumnInfo1);
     hw.key(Qt::Key_Escape);
+    EXPECT_TRUE(hw.form->isVisible());
+    hw.click(1, 2, ColumnInfo1);
+    hw.type(1)->setFocus();
+    EXPECT_TRUE(hw.list(1)->isHidden());
     EXPECT_EQ(line(2).ActionData[0], 5);
     hw.press("cmdApply");
     EXPECT_TRUE(hw.ini().contains("Action2=999\r\nAction2Data1=5\r\n"));
@@ -141,6 +147,13 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     EXPECT_FALSE(box->isVisible());
     EXPECT_TRUE(hw.form->isVisible());
     EXPECT_EQ(line(1).Description, "Red button");
+    // Its own menu leaves it open.
+    hw.click(1, 1, ColumnDescription);
+    QContextMenuEvent asks(QContextMenuEvent::Mouse, QPoint(4, 4), box->mapToGlobal(QPoint(4, 4)));
+    QApplication::sendEvent(box, &asks);
+    ASSERT_TRUE(QApplication::activePopupWidget());
+    EXPECT_TRUE(box->isVisible());
+    QApplication::activePopupWidget()->close();
     // Leaving the box stores it, for every line of the range; a click elsewhere edits that cell then.
     hw.drag(1, 6, 5, ColumnDescription);
     box->setText("Lamp");
@@ -237,6 +250,7 @@ TEST(HardwareGrid, AListIsGoneAfterATabChangeAndItsChoiceStands) {
     EXPECT_EQ(line(5).Description, "Mine");
     hw.key(Qt::Key_F4);
     EXPECT_TRUE(hw.list(1)->isHidden());
+    EXPECT_EQ(line(5).Description, "Mine");
     // Down and Enter, faster than events are handled.
     hw.click(1, 5, ColumnAction);
     QTest::keyClick(hw.list(1)->view(), Qt::Key_Down);
@@ -255,6 +269,9 @@ TEST(HardwareGrid, AnEditorStaysOnItsCellAndStoresForItsLines) {
     QApplication::processEvents();
     EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(2, ColumnDescription)));
     QTest::keyClicks(box, "Three");
+    // So it does beside a column that becomes wider.
+    grid->setColumnWidth(ColumnType, grid->columnWidth(ColumnType) + 30);
+    EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(2, ColumnDescription)));
     // The filter would put another line under the box.
     hw.on<QCheckBox>(1, "chkOnlyInUse")->click();
     EXPECT_TRUE(box->isHidden());
@@ -275,12 +292,18 @@ TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
     QApplication::clipboard()->setText(QString::fromUtf8("Łódź\tB") + QString(300, u'x'));
     box->selectAll();
     QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(box->text(), QString::fromUtf8("ód B") + QString(248, u'x'));
+    // What is left keeps the cursor where it was.
+    box->setCursorPosition(2);
+    QApplication::clipboard()->setText(QString::fromUtf8("ŁaŁ"));
+    QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+    QTest::keyClicks(box, "b");
     hw.key(Qt::Key_Return);
-    EXPECT_EQ(line(1).Description, QString::fromUtf8("ód B") + QString(248, u'x'));
+    EXPECT_EQ(line(1).Description, QString::fromUtf8("ódab B") + QString(248, u'x'));
     hw.press("cmdApply");
     EXPECT_TRUE(hw.prompts.asked.isEmpty());
     EXPECT_TRUE(hw.ini().contains("Description1=\xF3"
-                                  "d Bxxx"));
+                                  "dab Bxxx"));
 }
 
 TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
@@ -420,6 +443,17 @@ TEST(HardwareGrid, RowsGoThroughTheClipboardToAnotherCardAndBack) {
     hw.key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(hw.prompts.texts().back(), "Only the first 4 of 6 lines were pasted: the card has no more.");
     EXPECT_EQ(hw.cell(2, 4, ColumnDescription), "Many");
+}
+
+TEST(HardwareGrid, ARightClickKeepsASelectionItLiesInAndMovesElsewhere) {
+    HardwareForm hw(controller);
+    hw.open();
+    hw.drag(1, 2, 4, ColumnLine);
+    for (const int line : {3, 6}) {
+        QTest::mouseClick(hw.grid(1)->viewport(), Qt::RightButton, {}, hw.at(1, line, ColumnLine));
+        EXPECT_EQ(hw.grid(1)->selectedLines(), line == 3 ? (LineNumbers{2, 3, 4}) : LineNumbers{6});
+    }
+    EXPECT_TRUE(hw.list(1)->isHidden());
 }
 
 TEST(HardwareGrid, HiddenLinesAreLeftAlone) {

@@ -8,6 +8,7 @@
 #include "platform/Machine.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QHeaderView>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -52,6 +53,9 @@ TEST(HardwareSettings, OpensWithTheCardsAsTheyAreStored) {
     EXPECT_EQ(hw.grid(2)->model()->rowCount(), 4);
     EXPECT_EQ(hw.type(3)->currentText(), "Disabled");
     EXPECT_EQ(hw.grid(3)->model()->rowCount(), 0);
+    EXPECT_FALSE(hw.address(3)->isEnabled());
+    EXPECT_NE(hw.grid(1)->model()->index(0, ColumnAction).data(Qt::ForegroundRole),
+              hw.grid(1)->model()->index(1, ColumnAction).data(Qt::ForegroundRole));
     // A default description made on opening is no change of the user's.
     EXPECT_EQ(hw.changes(), "");
     EXPECT_EQ(hw.prompts.pointer(), platform::Pointer::Default);
@@ -155,15 +159,18 @@ TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) 
         return count;
     };
     EXPECT_EQ(managers(), 1);
+    frmHardwareManager::LoadManager();
+    EXPECT_EQ(managers(), 1);
 
     for (const char* wrong : {"100", "FFFF"}) {
+        hw.showCard(1);
         hw.address(2)->setText(wrong);
         hw.prompts.forget();
         hw.press("cmdApply");
         EXPECT_EQ(hw.prompts.texts().back(), "You must specify a Device Number from 0 to FF") << wrong;
         EXPECT_EQ(managers(), 0);
         EXPECT_TRUE(hw.form->isVisible());
-        EXPECT_TRUE(hw.address(2)->hasFocus());
+        EXPECT_TRUE(hw.address(2)->isVisible() && hw.address(2)->hasFocus());
     }
     hw.prompts.forget();
     hw.press("cmdOK");
@@ -230,6 +237,16 @@ TEST(HardwareSettings, TheSizeFollowsTheLinesUpToTheScreen) {
         EXPECT_EQ(grid->verticalScrollBar()->maximum() > 0, inputs == 90) << inputs;
         EXPECT_LE(form.width(), screen.width());
         EXPECT_EQ(form.height() == screen.height(), inputs == 90) << inputs;
+        // Room beyond the columns goes to the descriptions; a long one takes no more than its share.
+        EXPECT_GE(grid->horizontalHeader()->length(), grid->viewport()->width());
+        const int width = grid->sizeHint().width();
+        HardwareCards()[1].Lines[1].Description = QString(60, u'W');
+        grid->showLines();
+        const int wider = grid->sizeHint().width();
+        EXPECT_GT(wider, width);
+        HardwareCards()[1].Lines[1].Description = QString(250, u'W');
+        grid->showLines();
+        EXPECT_EQ(grid->sizeHint().width(), wider);
     }
 }
 
