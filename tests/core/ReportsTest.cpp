@@ -46,6 +46,8 @@ TEST_F(Reports, AProblemReportNamesTheActionAndTheError) {
                     .contains("\"Path not found\" (76)"));
     EXPECT_TRUE(ProblemReport(QStringLiteral("x"), 3999, true)
                     .contains("\"Application-defined or object-defined error\" (3999)"));
+    EXPECT_TRUE(ProblemReport(QStringLiteral("x"), -2147217900, true, QStringLiteral("mine"))
+                    .contains("\"mine\" (-2147217900)"));
     EXPECT_EQ(prompts.asked.size(), 2);
 }
 
@@ -109,6 +111,7 @@ TEST_F(Reports, RegistryValuesOfAnotherTypeOrLengthReadAsTheDefault) {
     EXPECT_EQ(ReadRegistryString(LocalMachineHive, key, QStringLiteral("Expand"), QStringLiteral("d")), "d");
     EXPECT_EQ(ReadRegistryLong(LocalMachineHive, key, QStringLiteral("Binary"), 1), 5);
     EXPECT_EQ(ReadRegistryLong(LocalMachineHive, key, QStringLiteral("Short"), 1), 1);
+    EXPECT_EQ(ReadRegistryLong(LocalMachineHive, key, QStringLiteral("Cut"), 1), 1);
 }
 
 TEST_F(Reports, TheDataEngineMustBeThereAndNewEnough) {

@@ -1,3 +1,4 @@
+#include "core/Dates.h"
 #include "core/DayTime.h"
 #include "core/Numbers.h"
 #include "core/TextFields.h"
@@ -53,9 +54,9 @@ TEST(TextFields, CharacterClasses) {
 
 TEST(Numbers, TheLeadingNumberOfAText) {
     const std::pair<const char*, double> cases[] = {
-        {"", 0},    {"abc", 0},  {" 12abc", 12},   {"2.50", 2.5}, {"2.6.1", 2.6},
-        {"-3", -3}, {"1 0", 10}, {"+.5x", .5},     {"1e3", 1000}, {"12e", 12},
-        {"4E-", 4}, {"--5", 0},  {"0.65 of", .65}, {"2,5", 2},    {"1e999", 0},
+        {"", 0},          {"abc", 0},   {" 12abc", 12}, {"2.50", 2.5},  {"2.6.1", 2.6}, {"-3", -3},
+        {"1 0", 10},      {"+.5x", .5}, {"1e3", 1000},  {"12e", 12},    {"4E-", 4},     {"--5", 0},
+        {"0.65 of", .65}, {"2,5", 2},   {"1e999", 0},   {"\t1\t2", 12}, {"1e2.5", 100},
     };
     for (const auto& [text, value] : cases)
         EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << text;
@@ -96,6 +97,8 @@ TEST(TimeText, LayoutsRoundingsAndBlankFields) {
         {65, 202, "01:05"},
         {5, 202, "05"},
         {5.25, 200, "05.25"},
+        {0.25, 200, "00.25"},
+        {0.25, 101, "  :  :00.25"},
         {0, 203, "00"},
         {59.5, 203, "01:00"},
         {30, 104, "  :00"},
@@ -137,4 +140,15 @@ TEST(DayTime, CarriesIntoTheDayAndCountsToNow) {
     EXPECT_LT(SecondsSince(after), 0);
     Sleep(2.5);
     EXPECT_EQ(SecondsSince(now), 2.5);
+}
+
+TEST(Dates, ManyWaysOfWritingOneAreRead) {
+    const double day = 46341; // 15 November 2026
+    for (const char* text : {"15 Nov 2026", "15 November 2026", "Nov 15 2026", "2026-11-15", "15/11/2026",
+                             " 15.11.2026 ", "15-Nov-2026 00:00"})
+        EXPECT_EQ(ParseDate(QLatin1String(text)), day) << text;
+    EXPECT_EQ(ParseDate(QStringLiteral("15 November 2026 18:00:00")), day + 0.75);
+    for (const char* text : {"", "18:00", "15 Nov", "31 Feb 2026", "15 Nov 2026 25:00"})
+        EXPECT_FALSE(ParseDate(QLatin1String(text))) << text;
+    EXPECT_EQ(DateText(FromSerialDate(day + 0.75)), "15 Nov 2026 18:00:00");
 }
