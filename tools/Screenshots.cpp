@@ -8,6 +8,7 @@
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
 #include "core/Settings.h"
+#include "dialogs/FitForm.h"
 #include "dialogs/Style.h"
 #include "dialogs/frmGoodInputBox.h"
 #include "dialogs/frmHelp.h"
@@ -20,6 +21,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
 #include <QTabWidget>
@@ -87,6 +89,7 @@ void save(QWidget& form, const char* name) {
 
 void saveForm(const char* form, const char* name) {
     const std::unique_ptr<QDialog> dialog(MakeForm(QString::fromLatin1(form), nullptr));
+    FitForm(dialog.get());
     save(*dialog, name);
 }
 
@@ -123,7 +126,7 @@ int main(int argc, char** argv) {
     for (int card = 0; card < HardwareCardCount; ++card) {
         const std::unique_ptr<QDialog> hardware(MakeForm(QStringLiteral("frmHardwareSettings"), nullptr));
         hardware->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->setCurrentIndex(card);
-        hardware->resize(1260, 560);
+        FitForm(hardware.get());
         save(*hardware, card == 0 ? "hardware" : card == 1 ? "hardware-advantech" : "hardware-joystick");
     }
     frmMultiConfig sets(QString::fromUtf16(SetsRegistryKey), QStringLiteral("tolvex.ini studio2.ini"));

@@ -7,15 +7,18 @@
 #include <QEvent>
 #include <QPointer>
 #include <QScrollBar>
+#include <QTabBar>
 
 namespace tolvex {
 
 namespace {
 
-// The field that a widget is or belongs to; null for all that holds no value.
+// The field that a widget is or belongs to, such as a list, a number or the tabs of a strip; null for all
+// that holds no value.
 const QWidget* fieldOf(const QWidget* widget) {
     for (; widget && !widget->isWindow(); widget = widget->parentWidget()) {
-        if (qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget))
+        if (qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget) ||
+            qobject_cast<const QTabBar*>(widget))
             return widget;
         if (qobject_cast<const QAbstractSlider*>(widget))
             return qobject_cast<const QScrollBar*>(widget) ? nullptr : widget;

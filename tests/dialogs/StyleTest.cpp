@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -91,9 +92,13 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
     number->setValue(1);
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setValue(1);
-    layout->addWidget(list);
-    layout->addWidget(number);
-    layout->addWidget(slider);
+    auto* tabs = new QTabBar;
+    for (const char* tab : {"1", "2", "3"})
+        tabs->addTab(tab);
+    tabs->setCurrentIndex(1);
+    for (QWidget* field : {static_cast<QWidget*>(list), static_cast<QWidget*>(number),
+                           static_cast<QWidget*>(slider), static_cast<QWidget*>(tabs)})
+        layout->addWidget(field);
     for (int i = 0; i < 60; ++i)
         layout->addWidget(new QPushButton);
     area.setWidget(page);
@@ -112,12 +117,13 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
         area.verticalScrollBar()->setValue(0);
         return scrolled;
     };
-    const QList<QWidget*> parts = {list, number, number->findChild<QLineEdit*>(), slider};
+    const QList<QWidget*> parts = {list, number, number->findChild<QLineEdit*>(), slider, tabs};
     for (QWidget* part : parts)
         EXPECT_GT(roll(part), 0) << part->metaObject()->className();
     EXPECT_EQ(list->currentIndex(), 1);
     EXPECT_EQ(number->value(), 1);
     EXPECT_EQ(slider->value(), 1);
+    EXPECT_EQ(tabs->currentIndex(), 1);
     // With the focus each is turned by the wheel as ever.
     list->setFocus();
     EXPECT_EQ(roll(list), 0);
@@ -128,6 +134,9 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
     slider->setFocus();
     roll(slider);
     EXPECT_NE(slider->value(), 1);
+    tabs->setFocus();
+    roll(tabs);
+    EXPECT_EQ(tabs->currentIndex(), 2);
     // A scroll bar is no field.
     EXPECT_GT(roll(area.verticalScrollBar()), 0);
 }
