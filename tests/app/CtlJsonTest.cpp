@@ -43,6 +43,8 @@ TEST_F(Ctl, TellsInItsDocumentWhatFailedAndTheNumberOfTheError) {
               "[Display] ShowClock: \"7\" is neither on (1) nor off (0)");
     EXPECT_EQ(run({"settings", "set", "Audio", "KHz", "fast"}).err,
               "[Audio] KHz: \"fast\" is not a whole number\n");
+    EXPECT_TRUE(
+        errorText(run({"status", "--nonsense", "--json"})).startsWith("There is no option \"--nonsense\""));
     const Result unwritable = run({"--json", "profile", "set", folder_.filePath("no/x.ini"), "s", "k", "v"});
     EXPECT_EQ(unwritable.status, 3);
     EXPECT_EQ(unwritable.json()["error"]["number"].toInt(), 3);

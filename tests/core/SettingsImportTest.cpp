@@ -5,6 +5,7 @@
 #include "core/SettingsLoader.h"
 #include "platform/CodePage.h"
 
+#include "platform/FileLock.h"
 #include "platform/Replacement.h"
 #include "support/FileFaults.h"
 #include "support/FixedClock.h"
@@ -368,12 +369,31 @@ TEST_F(SettingsImport, CutShortAnywhereItIsUndoneByTheNextStart) {
             reset();
             const FaultyRun run = RunWithFault(job, fault, at);
             EXPECT_FALSE(run.result == 0 && ImportWasInterrupted(ini));
+            const bool complete = filesOfB() == after; // though the record may be there still
             undone += !UndoInterruptedImport(ini).isEmpty();
-            EXPECT_EQ(filesOfB(), run.result == 0 || filesOfB() == after ? after : before);
+            EXPECT_EQ(filesOfB(), run.result == 0 || complete ? after : before);
             EXPECT_FALSE(b.exists(record));
             EXPECT_EQ(UndoInterruptedImport(ini), QString());
         }
     EXPECT_GE(undone, 2) << "at least between the renames there is something to undo";
+}
+
+TEST_F(SettingsImport, AnImportAtWorkIsNotTakenForAnInterruptedOne) {
+    configureB();
+    b.write(record, R"({"format":"tolvex-interrupted-change","files":[]})");
+    {
+        const platform::FileLock atWork(b.host(record));
+        ASSERT_TRUE(atWork.held());
+        EXPECT_FALSE(ImportWasInterrupted(ini));
+        EXPECT_EQ(UndoInterruptedImport(ini), QString());
+        EXPECT_TRUE(b.exists(record));
+    }
+    EXPECT_TRUE(ImportWasInterrupted(ini));
+    // What is no record says nothing about any file; it stays for whoever can read it.
+    b.write(record, "?");
+    EXPECT_TRUE(UndoInterruptedImport(ini).contains("TOLVEX.INI.import names the files"))
+        << UndoInterruptedImport(ini).toStdString();
+    EXPECT_TRUE(b.exists(record));
 }
 
 TEST_F(SettingsImport, UndoingLeavesWhatAnotherProgramWroteSince) {

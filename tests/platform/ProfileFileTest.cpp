@@ -108,6 +108,21 @@ TEST_F(ProfileFile, HasNoLimitOfItsOwnButTheBuffer) {
     EXPECT_EQ(ProfileText(name, name, {}, ini, 70000), value);
 }
 
+// A CR that a removal brings before a CR LF makes one line end of them for whoever reads the file next.
+TEST(ProfileDocument, AGroupSeesLineEndsThatGrowTogether) {
+    ProfileDocument group("[s]\ra=1\rb=2\n\r\nc=3\r\n");
+    ProfileDocument one(group.bytes());
+    for (ProfileDocument* document : {&group, &one})
+        document->remove("s", "b");
+    one = ProfileDocument(one.bytes());
+    for (ProfileDocument* document : {&group, &one}) {
+        document->remove("s", "c");
+        document->set("s", "n", "x");
+    }
+    EXPECT_EQ(one.bytes(), "[s]\ra=1\r\r\nn=x\r\n");
+    EXPECT_EQ(group.bytes(), one.bytes());
+}
+
 // Several programs of the suite change the same file. Whatever sequence of changes is made, as one group or
 // one by one, the bytes are the same, and lines that no change names stay.
 TEST(ProfileDocument, AGroupOfChangesLeavesTheBytesOfSingleOnes) {
