@@ -28,8 +28,6 @@ int keepRest(const RecordListLength& list, QString* keptIn) {
     const std::optional<QByteArray> bytes = platform::ReadWholeFile(list.path);
     if (!bytes)
         return platform::DeviceIoError;
-    if (bytes->size() != list.size)
-        return platform::PermissionDenied;
     const QString name = freeName(list.path);
     const int error = platform::ReplaceWholeFile(name, bytes->right(list.rest()));
     if (error == platform::NoError)

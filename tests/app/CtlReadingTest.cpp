@@ -213,6 +213,21 @@ TEST_F(CtlReading, NothingChanges) {
     EXPECT_EQ(run({"db", "settings", "C:\\DB\\LOG.mdb", "get", "Late"}).out, "1\n");
     EXPECT_TRUE(run({"users", "list"}).out.contains("LATE"));
     EXPECT_TRUE(QFile::exists(onC("DB/LOG.mdb-redo")));
+    // Nobody is asked whether a damaged database is to be repaired on the way.
+    const Result damaged = run({"--yes", "db", "info", "C:\\DB\\DAMAGED.mdb"});
+    EXPECT_TRUE(damaged.err.contains("Unrecognised database format")) << damaged.err.toStdString();
+    EXPECT_FALSE(damaged.err.contains("compacting")) << damaged.err.toStdString();
+}
+
+// Nor does a command that changes something change what it was not asked to: an older audiowall waits for the
+// window, with its lists as they are.
+TEST_F(CtlReading, AChangeChangesNothingElse) {
+    for (const QStringList& words : {QStringList{"settings", "set", "Display", "ShowClock", "0"},
+                                     {"settings", "export", folder_.filePath("all.json")}}) {
+        const Snapshot before = snapshotOf(onC("TOLVEX/AUDIO"));
+        EXPECT_EQ(run(words).status, 0);
+        EXPECT_EQ(differences(before, snapshotOf(onC("TOLVEX/AUDIO"))), QString()) << words[1].toStdString();
+    }
 }
 
 // A machine of which nothing may be written gives the same answers.

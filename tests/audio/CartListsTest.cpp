@@ -3,9 +3,12 @@
 
 #include "audio/CartCheck.h"
 #include "audio/CartLists.h"
+#include "platform/HostFiles.h"
 #include "platform/LookOnly.h"
 #include "support/NoRoom.h"
 #include "support/WithoutRights.h"
+
+#include <unistd.h>
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -122,10 +125,28 @@ TEST_F(CartListsTest, ARepairThatFailsLosesNothing) {
     EXPECT_EQ(machine.read(list1), torn);
 }
 
+// The torn record was one that another program was just writing.
+TEST_F(CartListsTest, ARepairLeavesARecordThatIsFinishedMeanwhile) {
+    static const QByteArray two = cartBytes("Two");
+    static QString listOnHost;
+    listOnHost = machine.host(list1);
+    machine.write(list1, cartBytes("One") + two.left(299));
+    platform::hostCalls().write = [](int descriptor, const void* bytes, size_t length) -> ssize_t {
+        QFile list(listOnHost);
+        EXPECT_TRUE(list.open(QIODevice::Append) && (list.size() == 600 || list.write(two.right(1)) == 1));
+        return ::write(descriptor, bytes, length);
+    };
+    const CartListRepair repair = RepairCartList(1);
+    platform::RestoreHostCalls();
+    EXPECT_EQ(repair.error, 0);
+    EXPECT_EQ(machine.read(list1), cartBytes("One") + two + emptyCarts(8));
+}
+
 TEST_F(CartListsTest, CartsWithoutAudioAndDoublesAreFound) {
     settings().UseIndividualCartListFiles = -1;
     QByteArray carts;
-    for (const char* line : {"Jingle", "News", "Jingle", "", "", "Silent", "Torn", "Twice", "Empty", "None"})
+    for (const char* line : {"Jingle", "News", "Jingle", "", "", "Silent", "Torn", "Twice", "Empty", "None",
+                             "Beyond the last cart"})
         carts += cartBytes(line);
     const auto put = [&carts](int cart, const QByteArray& record) {
         carts.replace((cart - 1) * CartListRecordLength, CartListRecordLength, record);
@@ -152,6 +173,18 @@ TEST_F(CartListsTest, CartsWithoutAudioAndDoublesAreFound) {
     machine.write(list1, carts);
     settings().AllowAudioFileLinking = -1;
     EXPECT_EQ(check().size(), 2);
+}
+
+TEST_F(CartListsTest, AudioLiesInTheFolderOfItsPart) {
+    settings().NoCarts = 1001;
+    part(2).Location = "D:\\TWO";
+    machine.write(list1, cartBytes("One") + emptyCarts(999));
+    machine.write("D:\\TWO\\Carts2.lst", cartBytes("Two"));
+    giveAudio(1);
+    giveAudio(1001);
+    EXPECT_EQ(check(), QStringList{"audio 1001: Cart 1001 has no audio in D:\\TWO."});
+    machine.write("D:\\TWO\\TLV01001.WAV", "sound");
+    EXPECT_EQ(check(), QStringList());
 }
 
 TEST_F(CartListsTest, TheCheckCoversEveryPartAndCanBeStopped) {

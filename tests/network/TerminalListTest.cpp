@@ -57,6 +57,7 @@ TEST_F(TerminalListTest, IsMadeAfterAQuestionAndGrownWithBlankRecords) {
     EXPECT_FALSE(OpenTerminalList());
     EXPECT_TRUE(OpenTerminalList());
     EXPECT_FALSE(TerminalListIsOpen() || machine.exists(path));
+    EXPECT_EQ(TerminalListFault(), QString());
     EXPECT_EQ(ReadTerminal(1), BlankTerminalRecord());
     EXPECT_EQ(WriteTerminal(1, BlankTerminalRecord()), platform::BadFileNumber);
     EXPECT_TRUE(OpenTerminalList());
@@ -66,8 +67,11 @@ TEST_F(TerminalListTest, IsMadeAfterAQuestionAndGrownWithBlankRecords) {
     EXPECT_EQ(prompts.asked[0].title, QString("File System Startup Error"));
 
     // Short, cut inside a record, and longer than it has to be.
+    EXPECT_EQ(TerminalListFault(), QString());
     const QByteArray used = terminal("Studio 1", "PC1");
     machine.write(path, used + "rest");
+    EXPECT_EQ(TerminalListFault(), QString("M:\\DATA\\Terminal.Lst is torn: 4 of 128 bytes of number 2 are "
+                                           "there, and is short: 1 of 4 workstations are there."));
     EXPECT_TRUE(OpenTerminalList());
     EXPECT_EQ(machine.read(path), used + blank.repeated(3));
     machine.write(path, used.repeated(6));

@@ -19,7 +19,8 @@ TEST(LookOnly, RefusesEveryChangeAndAllowsEveryLook) {
     machine.write("C:\\Data\\A.ini", "[s]\r\nk=1\r\n");
     machine.write("C:\\Data\\Carts1.lst", record);
     const auto names = [] {
-        return FolderNames("C:\\") + FolderNames("C:\\Data") + FolderNames("Z:" + MachineFolder());
+        return FolderNames("C:\\") + FolderNames("C:\\WINDOWS") + FolderNames("C:\\Data") +
+               FolderNames("Z:" + MachineFolder());
     };
     ASSERT_TRUE(QDir(machine.host("C:\\WINDOWS")).rmdir("TEMP"));
     const QStringList before = names();
