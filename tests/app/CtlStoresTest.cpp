@@ -151,6 +151,7 @@ TEST_F(Ctl, TellsWhatIsNotConfiguredAndWhereTheAudiowallLies) {
     EXPECT_EQ(bare.json()["localIni"], "TOLVEX.INI");
     EXPECT_TRUE(bare.json()["missing"].toArray().contains("The Data Location has not been set"));
     EXPECT_EQ(run({"--json", "carts", "list"}).status, 3);
+    EXPECT_EQ(run({"--json", "carts", "check"}).status, 3);
 
     QByteArray ini = "[FileLocations]\r\nData=C:\\TOLVEX\r\n";
     for (int part = 1; part <= 10; ++part)

@@ -9,8 +9,8 @@
 #include "jet/FaultyStorage.h"
 #include "jet/KeyEncoding.h"
 #include "jet/OrderedRows.h"
+#include "jet/SortedRows.h"
 #include "jet/TableDesign.h"
-#include "jet/Transfer.h"
 
 #include <gtest/gtest.h>
 
@@ -52,14 +52,7 @@ std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
     for (const CatalogObject& object : catalog.objects()) {
         if (!object.isTable() || object.name.starts_with(u"MSysObjects") || object.name == u"MSysACEs")
             continue; // these hold the new pages
-        const Table table = catalog.table(object);
-        std::string text;
-        ExportRows(Selection(table, std::nullopt), TextFormat::JsonLines,
-                   [&](std::string_view piece) { text += piece; });
-        auto& lines = all[object.name];
-        for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
-            lines.push_back(text.substr(at, text.find('\n', at) - at));
-        std::sort(lines.begin(), lines.end());
+        all[object.name] = tests::SortedRows(catalog.table(object));
     }
     return all;
 }

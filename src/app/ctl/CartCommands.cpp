@@ -181,14 +181,14 @@ int check(Call& call) {
                               {QStringLiteral("part"), fault.part},
                               {QStringLiteral("cart"), fault.cart},
                               {QStringLiteral("text"), fault.text}};
+    if (result.lists == 0 && faults.isEmpty())
+        return call.fail(noList);
     if (!call.output.json() && !faults.isEmpty())
         call.output.records(faults, {{"part", "Part", true}, {"kind", "Fault"}, {"text", "What was found"}});
     call.output.record({{QStringLiteral("faults"), faults},
                         {QStringLiteral("lists"), result.lists},
                         {QStringLiteral("carts"), result.carts}},
                        {{"lists", "Lists"}, {"carts", "Carts"}});
-    if (result.lists == 0)
-        return call.fail(noList);
     return faults.isEmpty() ? Done : No;
 }
 

@@ -2,6 +2,7 @@
 // or refused with a reason; those of the present format keep everything when they are rewritten, changed and
 // compacted.
 #include "jet/NewDatabase.h"
+#include "jet/SortedRows.h"
 #include "jet/samples/Samples.h"
 
 #include "jet/Check.h"
@@ -9,7 +10,6 @@
 #include "jet/IndexCheck.h"
 #include "jet/Jet3Import.h"
 #include "jet/KeyEncoding.h"
-#include "jet/Transfer.h"
 
 #include <gtest/gtest.h>
 
@@ -112,15 +112,8 @@ std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
     MemoryPager pager(image);
     const Catalog catalog(pager);
     std::map<std::u16string, std::vector<std::string>> all;
-    for (const CatalogObject& object : catalog.tables()) {
-        std::string text;
-        ExportRows(Selection(catalog.table(object), std::nullopt), TextFormat::JsonLines,
-                   [&](std::string_view piece) { text += piece; });
-        auto& lines = all[object.name];
-        for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
-            lines.push_back(text.substr(at, text.find('\n', at) - at));
-        std::sort(lines.begin(), lines.end());
-    }
+    for (const CatalogObject& object : catalog.tables())
+        all[object.name] = SortedRows(catalog.table(object));
     return all;
 }
 

@@ -1,0 +1,24 @@
+// All rows of a table as text, to be compared with those of another file.
+#pragma once
+
+#include "jet/Transfer.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace jet::tests {
+
+// A line for each row, as an export writes it, in the order of their texts.
+inline std::vector<std::string> SortedRows(const Table& table) {
+    std::string text;
+    ExportRows(Selection(table, std::nullopt), TextFormat::JsonLines,
+               [&](std::string_view piece) { text += piece; });
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
+        lines.push_back(text.substr(at, text.find('\n', at) - at));
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+} // namespace jet::tests
