@@ -11,7 +11,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Test Xml)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Test Xml Network SerialPort DBus)
 find_package(GTest REQUIRED)
 find_package(Threads REQUIRED)
 find_package(ODBC REQUIRED)
@@ -67,11 +67,13 @@ tolvex_precompiled(pch_core "${CMAKE_SOURCE_DIR}/cmake/PrecompiledCore.h" Qt6::C
 tolvex_precompiled(pch_widgets "${CMAKE_SOURCE_DIR}/cmake/PrecompiledWidgets.h" Qt6::Widgets)
 
 # tolvex_library(<name> FOLDER <folder below src/> [WIDGETS | PLAIN] LINK <libraries>)
-# All sources of the folder (not of folders below it) as one static library. PLAIN: no Qt at all.
+# All sources of the folder and its rooms (folders below it, but for forms/) as one static library. PLAIN: no Qt at all.
 function(tolvex_library name)
   cmake_parse_arguments(arg "WIDGETS;PLAIN" "FOLDER" "LINK" ${ARGN})
   set(dir ${CMAKE_SOURCE_DIR}/src/${arg_FOLDER})
-  file(GLOB sources CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h ${dir}/*.ui ${dir}/*.qrc)
+  file(GLOB_RECURSE sources RELATIVE ${dir} CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h ${dir}/*.ui ${dir}/*.qrc)
+  list(FILTER sources EXCLUDE REGEX "(^|/)forms/")
+  list(TRANSFORM sources PREPEND ${dir}/)
   if(NOT sources)
     add_library(${name} INTERFACE)
     target_link_libraries(${name} INTERFACE ${arg_LINK})

@@ -11,13 +11,19 @@ constexpr char16_t high[32] = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-char toByte(char16_t unit) {
+// The byte of a unit, or -1.
+int byteOf(char16_t unit) {
     if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
-        return static_cast<char>(unit);
+        return unit;
     for (int i = 0; i < 32; ++i)
         if (high[i] == unit)
-            return static_cast<char>(0x80 + i);
-    return '?';
+            return 0x80 + i;
+    return -1;
+}
+
+char toByte(char16_t unit) {
+    const int byte = byteOf(unit);
+    return byte < 0 ? '?' : static_cast<char>(byte);
 }
 
 } // namespace
@@ -33,6 +39,13 @@ QByteArray ToCodePage(const QString& text) {
             ++i;
     }
     return bytes;
+}
+
+qsizetype FirstOutsideCodePage(const QString& text) {
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (byteOf(text[i].unicode()) < 0)
+            return i;
+    return -1;
 }
 
 QString FromCodePage(const char* bytes, qsizetype length) {

@@ -9,6 +9,8 @@
 namespace tolvex::platform {
 
 QByteArray ToCodePage(const QString& text);
+// The place of the first character that does not fit, from 0; -1 when all of them do.
+qsizetype FirstOutsideCodePage(const QString& text);
 QString FromCodePage(const char* bytes, qsizetype length);
 inline QString FromCodePage(const QByteArray& bytes) {
     return FromCodePage(bytes.constData(), bytes.size());

@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <unistd.h>
@@ -70,7 +71,8 @@ QStringList splitArguments(const QString& text) {
 }
 
 // The parts of the process that are the same however it is waited for.
-void prepare(QProcess& process, const QString& hostPath, const QString& arguments) {
+void prepare(QProcess& process, const QString& hostPath, const QString& arguments,
+             const std::optional<int>& windowStyle) {
     process.setProgram(hostPath);
     process.setArguments(splitArguments(arguments));
     process.setWorkingDirectory(HostPath(CurrentFolder()));
@@ -80,6 +82,8 @@ void prepare(QProcess& process, const QString& hostPath, const QString& argument
     // Programs of the suite are to find the machine that this one works on.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("TOLVEX_HOME"), MachineFolder());
+    if (windowStyle)
+        environment.insert(QStringLiteral("TOLVEX_WINDOW_STYLE"), QString::number(*windowStyle));
     process.setProcessEnvironment(environment);
     // Nothing that a library of ours holds open is any business of another program.
     ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
@@ -87,10 +91,9 @@ void prepare(QProcess& process, const QString& hostPath, const QString& argument
     process.setChildProcessModifier([] { ::setsid(); });
 }
 
-} // namespace
-
-bool StartProcess(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
-                  QString* why) {
+// Starts a program by its name, which may stand in quotes.
+bool start(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
+           const std::optional<int>& windowStyle, QString* why) {
     QString name = program.trimmed();
     if (name.size() >= 2 && name.startsWith(u'"') && name.endsWith(u'"'))
         name = name.mid(1, name.size() - 2);
@@ -104,7 +107,7 @@ bool StartProcess(const QString& program, const QString& arguments, ProcessWait 
         return fail(QStringLiteral("was not found"));
 
     QProcess process;
-    prepare(process, hostPath, arguments);
+    prepare(process, hostPath, arguments, windowStyle);
     const bool waits = wait == ProcessWait::End || wait == ProcessWait::IdleThenEnd;
     bool started = false;
     if (waits) {
@@ -125,6 +128,31 @@ bool StartProcess(const QString& program, const QString& arguments, ProcessWait 
            process.state() != QProcess::NotRunning)
         prompts().processEvents();
     return true;
+}
+
+// Where the program of a command line ends.
+qsizetype programLength(const QString& line) {
+    if (line.startsWith(u'"')) {
+        const qsizetype end = line.indexOf(u'"', 1);
+        return end < 0 ? line.size() : end + 1;
+    }
+    for (qsizetype blank = line.indexOf(u' '); blank >= 0; blank = line.indexOf(u' ', blank + 1))
+        if (!findProgram(line.left(blank)).isEmpty())
+            return blank;
+    return findProgram(line).isEmpty() && line.contains(u' ') ? line.indexOf(u' ') : line.size();
+}
+
+} // namespace
+
+bool StartProcess(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
+                  QString* why) {
+    return start(program, arguments, wait, stepMilliseconds, std::nullopt, why);
+}
+
+bool StartCommandLine(const QString& commandLine, int windowStyle, QString* why) {
+    const QString line = commandLine.trimmed();
+    const qsizetype end = programLength(line);
+    return start(line.left(end), line.mid(end), ProcessWait::InputIdle, 0, windowStyle, why);
 }
 
 } // namespace tolvex::platform

@@ -20,4 +20,11 @@ enum class ProcessWait {
 bool StartProcess(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
                   QString* why = nullptr);
 
+// Starts a command line, a program and its arguments as one text. A program with blanks in its path stands in
+// quotes, or is found as the shortest part of the text before a blank that names one. Returns when it has
+// started. Off Windows the style of its window (the platform's number: 1 normal, 2 minimised, 3 maximised, 4
+// and 7 the first two without the focus) is the window manager's business; the program finds it in
+// TOLVEX_WINDOW_STYLE.
+bool StartCommandLine(const QString& commandLine, int windowStyle, QString* why = nullptr);
+
 } // namespace tolvex::platform

@@ -117,6 +117,9 @@ const Reading readings[] = {
     {{"users", "history"}, 0},
     {{"hardware", "list"}, 0},
     {{"terminals", "list"}, 0},
+    {{"commands", "list"}, 0},
+    {{"commands", "show", "Door"}, 0},
+    {{"ports", "list"}, -1}, // as the machine has some or none
     {{"db", "info", "C:\\DB\\LOG.mdb"}, 0},
     {{"db", "find", "C:\\DB", "--type", "14"}, 0},
     {{"db", "settings", "C:\\DB\\LOG.mdb", "list"}, 0},
@@ -138,6 +141,7 @@ protected:
         ASSERT_EQ(run({"--yes", "--quiet", "autoconfig", "local"}).status, 0);
         ASSERT_EQ(run({"registry", "set", "Software\\Norvane\\Tolvex", "Path", "C:\\TOLVEX"}).status, 0);
         ASSERT_EQ(run({"hardware", "card", "1", "rs232", "1"}).status, 0);
+        ASSERT_EQ(run({"commands", "add", "Door", "--udp", "127.0.0.1:9", "--text", "x"}).status, 0);
         ASSERT_EQ(run({"db", "create", "C:\\DB\\LOG.mdb", "--type", "14"}).status, 0);
         ASSERT_EQ(run({"db", "settings", "C:\\DB\\LOG.mdb", "set", "BeenSet", "1"}).status, 0);
         ASSERT_EQ(run({"settings", "export", "C:\\ALL.JSON"}).status, 0);

@@ -2,6 +2,7 @@
 #include "automation/AutomationItems.h"
 #include "automation/AutomationSchema.h"
 #include "automation/AutomationStore.h"
+#include "automation/LogMentions.h"
 
 #include "core/Dates.h"
 #include "core/Settings.h"
@@ -353,4 +354,24 @@ TEST_F(AutomationTest, SavesAllOrNothingOnAServer) {
     EXPECT_EQ(record.KOVA_PreCueTime, 99);
     EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=3")), 0);
     EXPECT_EQ(record.KOVA_PreCueTime, 20);
+}
+
+TEST_F(AutomationTest, EntriesOfTheLogAreFoundByTheirTexts) {
+    EXPECT_EQ(AutomationLogPath(settings()), QString());
+    settings().DefaultDatabase = "KOVA26.MDB";
+    EXPECT_EQ(AutomationLogPath(settings()), Path);
+    makeComplete();
+    database->execute("INSERT INTO Log (KIndex, ItemReference) VALUES (1.5, 'DOOR')");
+    database->execute("INSERT INTO Log (KIndex, Description1) VALUES (2, 'News')");
+    database->execute("INSERT INTO Log (KIndex, InformationString4, ItemReference) VALUES (3, 'Door', 'x')");
+    const auto isDoor = [](const QString& text) { return text.compare("door", Qt::CaseInsensitive) == 0; };
+    const QList<LogMention> found = FindInAutomationLog(Path, isDoor, 9);
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[0].entry, 1.5);
+    EXPECT_EQ(found[0].field + '=' + found[0].text, QString("ItemReference=DOOR"));
+    EXPECT_EQ(found[1].field + '=' + found[1].text, QString("InformationString4=Door"));
+    EXPECT_EQ(FindInAutomationLog(Path, isDoor, 1).size(), 1);
+    QString why;
+    EXPECT_TRUE(FindInAutomationLog("C:\\NOT THERE.MDB", isDoor, 9, &why).isEmpty());
+    EXPECT_TRUE(why.startsWith("C:\\NOT THERE.MDB could not be read: ")) << why.toStdString();
 }

@@ -10,7 +10,7 @@ const CommandRows& AllCommands() {
         for (CommandRows (*subject)() :
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
               AudioCommands, DatabaseCommands, DbCommands, UsersCommands, HardwareCommands,
-              AutoConfigCommands, TerminalCommands}) {
+              AutoConfigCommands, TerminalCommands, CommandCommands, PortCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

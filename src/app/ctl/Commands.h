@@ -20,6 +20,8 @@ CommandRows UsersCommands();
 CommandRows HardwareCommands();
 CommandRows AutoConfigCommands();
 CommandRows TerminalCommands();
+CommandRows CommandCommands();
+CommandRows PortCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();

@@ -1,0 +1,33 @@
+// How a serial line is set: speed, parity, data and stop bits, as the suite writes them in one text
+// ("9600,n,8,1"), and handshaking.
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace tolvex::platform {
+
+enum class Parity { None, Even, Odd, Mark, Space };
+enum class StopBits { One, OneAndHalf, Two };
+
+// The defaults are those of the platform's serial control.
+struct SerialLine {
+    qint32 baud = 9600;
+    Parity parity = Parity::None;
+    int dataBits = 8; // 5 to 8
+    StopBits stopBits = StopBits::One;
+
+    bool operator==(const SerialLine&) const = default;
+};
+
+// Numbers as command files hold them.
+enum class Handshaking : qint32 { None = 0, XonXoff = 1, RtsCts = 2, RtsCtsXonXoff = 3 };
+
+// Takes a settings text: speed, parity, data bits, stop bits between commas, letters in any case, blanks
+// anywhere. A speed of two digits is the system's short form (96 is 9600). Parity is n, e, o, m or s, or the
+// word. What is left out at the end or between two commas has its default. Nothing, with a sentence in *why,
+// for anything else.
+std::optional<SerialLine> ParseSerialSettings(const QString& text, QString* why = nullptr);
+
+} // namespace tolvex::platform

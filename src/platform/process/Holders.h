@@ -1,0 +1,24 @@
+// Which program holds a device or a network port that somebody else wants.
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace tolvex::platform {
+
+struct Holder {
+    qint64 process = 0;
+    QString program; // its name as the system lists it
+
+    // "minicom (process 412)".
+    QString text() const;
+};
+
+// A program that has the device open, or that listens on the TCP port; this program is not looked at. Nothing
+// when there is none, or when it belongs to another user and the system does not say. Reads the system's list
+// of processes: some milliseconds.
+std::optional<Holder> HolderOfDevice(const QString& hostPath);
+std::optional<Holder> HolderOfTcpPort(quint16 port);
+
+} // namespace tolvex::platform
