@@ -1,19 +1,18 @@
 // The audiowall at its largest, 99,999 carts in 11 lists of 30 MB together: reading every cart as a search
 // does, beside reading the same bytes in one plain loop; decoding alone; and looking for the notes of every
 // cart in a folder that holds 5,000 of them.
+#include "FullWall.h"
+
 #include "audio/CartNotes.h"
-#include "audio/CartStore.h"
-#include "platform/Files.h"
 #include "platform/Paths.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdio>
 
 using namespace tolvex;
+using namespace tolvex::bench;
 
 namespace {
 
@@ -25,31 +24,12 @@ QString listPath(int part) {
     return wallFolder + QStringLiteral("\\Carts%1.lst").arg(part);
 }
 
-QByteArray cartBytes(int cart) {
-    CartRecord record = MakeEmptyCartRecord(0xC0C0C0, 0);
-    record.Line1 = QStringLiteral("Title number %1").arg(cart);
-    record.Line2 = QStringLiteral("An artist whose name goes on beyond the head of a line");
-    record.Length = record.TotalLength = record.PlayEnd = record.PlayLength = float(cart % 600 + 1);
-    return QByteArray(EncodeCartRecord(record).data(), CartListRecordLength);
-}
-
 // A machine with a full wall, made once.
 class Wall {
 public:
     Wall() {
         platform::SetMachineFolder(folder_.path());
-        platform::MakeFolder(wallFolder);
-        QByteArray list;
-        for (int cart = 1; cart <= carts; ++cart) {
-            list += cartBytes(cart);
-            if (cart == carts || PartOfCart(cart + 1) != PartOfCart(cart)) {
-                platform::ReplaceWholeFile(listPath(PartOfCart(cart)), list);
-                list.clear();
-            }
-        }
-        settings().NoCarts = carts;
-        for (CartPart& part : settings().CartPartTable)
-            part.Location = wallFolder;
+        makeFullWall([](int) { return wallFolder; });
         for (int note = 0; note < notes; ++note)
             platform::ReplaceWholeFile(CartFileStem(1 + note * (carts / notes)) + QStringLiteral(".RTF"),
                                        "x");
@@ -75,12 +55,6 @@ void readPlainly() {
 void readEveryCart() {
     for (int cart = 1; cart <= carts; ++cart)
         benchmark::DoNotOptimize(ReadCart(cart));
-}
-
-double secondsOf(void (*work)()) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 // Both in turn, so that what else the machine does meets both alike; "ratio" is how many plain loops one

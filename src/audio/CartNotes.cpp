@@ -2,12 +2,14 @@
 
 #include "audio/CartStore.h"
 #include "platform/Files.h"
+#include "platform/FolderReader.h"
 #include "platform/SteadyTime.h"
 
 #include <QHash>
-#include <QSet>
 
 #include <chrono>
+#include <limits>
+#include <memory>
 
 namespace tolvex {
 
@@ -18,19 +20,42 @@ using std::chrono::milliseconds;
 // How long a folder is taken to be as it was without asking for its time of change.
 constexpr milliseconds trusted{100};
 
+// Names that one call of ListCartNotes looks at: a fraction of a millisecond on a disk of this machine.
+constexpr int namesAtOnce = 500;
+
 // A folder that changed this short a time before it was listed may change again and keep its time of change.
 // Disk formats whose times have no fraction have the coarsest clock.
 milliseconds tickOf(const QDateTime& modified) {
     return milliseconds(modified.time().msec() == 0 ? 2500 : 50);
 }
 
-// What a folder holds of notes. A name in it is worth a look at the file; the others need none.
+enum Notes : quint8 { RichText = 1, PlainText = 2 };
+// The notes that each cart has, as flags. One that is named here is worth a look at its file.
+using NotesByCart = QHash<qint32, quint8>;
+
+// A listing under way.
+struct Listing {
+    Listing(const QString& location, const QDateTime& changed)
+        : begun(platform::SteadyTime())
+        , settled(changed.addDuration(tickOf(changed)) < QDateTime::currentDateTime())
+        , modified(changed)
+        , names(location) {}
+
+    milliseconds begun;
+    bool settled;
+    QDateTime modified;
+    platform::FolderReader names;
+    NotesByCart notes;
+};
+
+// What is known of a folder.
 struct NotesFolder {
-    QSet<QString> names; // upper-cased, without the path
-    bool listed = false; // false: it cannot be listed, so every file has to be looked for
-    bool settled = false;
+    NotesByCart notes;
+    bool listed = false;  // false: it cannot be listed, so every file has to be looked for
+    bool settled = false; // it was at rest when it was listed
     QDateTime modified;
     milliseconds trustedUntil{0};
+    std::shared_ptr<Listing> listing; // null: none under way
 };
 
 QHash<QString, NotesFolder>& folders() {
@@ -38,55 +63,119 @@ QHash<QString, NotesFolder>& folders() {
     return known;
 }
 
-NotesFolder list(const QString& location, const QDateTime& modified) {
-    NotesFolder folder;
-    folder.modified = modified;
-    folder.settled = modified.addDuration(tickOf(modified)) < QDateTime::currentDateTime();
-    const QStringList names = platform::FolderNames(location);
-    folder.listed = !names.isEmpty() || !modified.isValid();
-    for (const QString& name : names)
-        if (name.endsWith(QLatin1String(".RTF"), Qt::CaseInsensitive) ||
-            name.endsWith(QLatin1String(".TXT"), Qt::CaseInsensitive))
-            folder.names.insert(name.toUpper());
-    return folder;
+// The cart whose files are called so, as CartFileName gives it in any case; 0 for any other name.
+qint32 cartCalled(QStringView stem) {
+    const qsizetype digits = stem.size() - 3;
+    if (digits < 5 || (digits > 5 && stem[3] == u'0') || !stem.startsWith(u"TLV", Qt::CaseInsensitive) ||
+        !stem[3].isDigit())
+        return 0;
+    return stem.mid(3).toInt();
 }
 
-const NotesFolder& folderAt(const QString& location) {
-    NotesFolder& folder = folders()[location];
-    const milliseconds now = platform::SteadyTime();
-    if (now < folder.trustedUntil)
-        return folder;
-    const QDateTime modified = platform::FileModified(location);
-    if (!folder.settled || folder.modified != modified)
-        folder = list(location, modified);
+void take(const QString& name, NotesByCart& notes) {
+    const QStringView extension = QStringView(name).right(4);
+    const quint8 kind = extension.compare(u".RTF", Qt::CaseInsensitive) == 0   ? RichText
+                        : extension.compare(u".TXT", Qt::CaseInsensitive) == 0 ? PlainText
+                                                                               : 0;
+    const qint32 cart = kind != 0 ? cartCalled(QStringView(name).chopped(4)) : 0;
+    if (cart != 0)
+        notes[cart] |= kind;
+}
+
+void finish(NotesFolder& folder) {
+    const std::shared_ptr<Listing> done = std::exchange(folder.listing, nullptr);
+    folder.notes = done->notes;
+    folder.listed = done->names.isOpen() || !done->modified.isValid();
+    folder.settled = done->settled;
+    folder.modified = done->modified;
     // A large folder that changes all the time takes at most a fifth of a search.
-    const milliseconds listed = platform::SteadyTime();
-    folder.trustedUntil = listed + std::max(trusted, 4 * (listed - now));
-    return folder;
+    const milliseconds now = platform::SteadyTime();
+    folder.trustedUntil = now + std::max(trusted, 4 * (now - done->begun));
+}
+
+// Looks at no more than so many names. True when it is known what the folder at `location` has.
+bool learn(NotesFolder& folder, const QString& location, int names) {
+    if (!folder.listing) {
+        const milliseconds now = platform::SteadyTime();
+        if (now < folder.trustedUntil)
+            return true;
+        const QDateTime modified = platform::FileModified(location);
+        if (folder.settled && folder.modified == modified) {
+            folder.trustedUntil = now + trusted;
+            return true;
+        }
+        folder.listing = std::make_shared<Listing>(location, modified);
+    }
+    QString name;
+    for (; names > 0; --names) {
+        if (!folder.listing->names.next(name)) {
+            finish(folder);
+            return true;
+        }
+        take(name, folder.listing->notes);
+    }
+    return false;
+}
+
+// The kinds of notes, the preferred one first.
+struct Candidate {
+    quint8 kind;
+    const char* extension;
+};
+constexpr Candidate candidates[] = {{RichText, ".RTF"}, {PlainText, ".TXT"}};
+
+bool isCart(qint32 cart) {
+    return cart >= 1 && cart <= settings().NoCarts;
+}
+
+const QString& locationOf(qint32 cart) {
+    return settings().CartPartTable[PartOfCart(cart)].Location;
+}
+
+quint8 kindsOf(qint32 cart) {
+    if (!isCart(cart))
+        return 0;
+    NotesFolder& folder = folders()[locationOf(cart)];
+    learn(folder, locationOf(cart), std::numeric_limits<int>::max());
+    return folder.listed ? folder.notes.value(cart) : RichText | PlainText;
+}
+
+QString pathOf(qint32 cart, const Candidate& candidate) {
+    return CartFileStem(cart) + QLatin1String(candidate.extension);
 }
 
 } // namespace
 
 QString CartNotesPath(qint32 cart, bool* exists) {
-    const QString stem = CartFileStem(cart);
-    bool found = false;
-    QString path;
-    if (!stem.isEmpty()) {
-        const QString& location = settings().CartPartTable[PartOfCart(cart)].Location;
-        const NotesFolder& folder = folderAt(location);
-        const auto isThere = [&](const QString& candidate) {
-            const bool mayBe = !folder.listed || folder.names.contains(candidate.mid(location.size() + 1));
-            return mayBe && platform::FileExists(candidate);
-        };
-        const QString richText = stem + QStringLiteral(".RTF");
-        const QString plainText = stem + QStringLiteral(".TXT");
-        const bool rich = isThere(richText);
-        found = rich || isThere(plainText);
-        path = found && !rich ? plainText : richText;
+    const quint8 kinds = kindsOf(cart);
+    for (const Candidate& candidate : candidates) {
+        QString path = pathOf(cart, candidate);
+        if ((kinds & candidate.kind) == 0 || !platform::FileExists(path))
+            continue;
+        if (exists)
+            *exists = true;
+        return path;
     }
     if (exists)
-        *exists = found;
-    return path;
+        *exists = false;
+    return isCart(cart) ? pathOf(cart, candidates[0]) : QString();
+}
+
+qint64 ReadCartNotes(qint32 cart, char* bytes, qint64 most) {
+    const quint8 kinds = kindsOf(cart);
+    for (const Candidate& candidate : candidates) {
+        if ((kinds & candidate.kind) == 0)
+            continue;
+        const QString path = pathOf(cart, candidate);
+        const qint64 length = platform::ReadFileStart(path, bytes, most);
+        if (length >= 0 || platform::FileExists(path))
+            return length;
+    }
+    return -1;
+}
+
+bool ListCartNotes(qint32 cart) {
+    return !isCart(cart) || learn(folders()[locationOf(cart)], locationOf(cart), namesAtOnce);
 }
 
 void ForgetCartNotes() {

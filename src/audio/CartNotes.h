@@ -11,6 +11,14 @@ namespace tolvex {
 // takes long to list within four times that; one that is gone at once.
 QString CartNotesPath(qint32 cart, bool* exists = nullptr);
 
+// The first bytes of a cart's notes, at most `most` of them: how many there are, or -1 when it has none or
+// they cannot be read. Quicker than reading what CartNotesPath names.
+qint64 ReadCartNotes(qint32 cart, char* bytes, qint64 most);
+
+// Goes on with listing the folder of a cart's notes, for a caller that must not be held up by a large one:
+// looks at a few hundred names. True when the calls above need not list for that cart any more.
+bool ListCartNotes(qint32 cart);
+
 // Forgets the folders seen (tests, and a change of the machine folder).
 void ForgetCartNotes();
 

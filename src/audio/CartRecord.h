@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <array>
+#include <string_view>
 
 namespace tolvex {
 
@@ -59,8 +60,17 @@ inline CartRecord DecodeCartRecord(const CartListRecord& bytes) {
     return DecodeCartRecord(bytes.data());
 }
 
-// TotalLength of a record in its file form, without decoding the rest.
+// Parts of a record in its file form, without decoding the rest.
+float CartListLength(const CartListRecord& bytes);
 float CartListTotalLength(const CartListRecord& bytes);
+
+// Line 1, 2 or 3 of a record in its file form: its 50 bytes.
+using CartLineBytes = std::array<char, CartLineLength>;
+CartLineBytes CartListLine(const CartListRecord& bytes, int line);
+
+// The bytes of CartDescription(record, true) for a record in its file form. They lie in `room`.
+using CartDescriptionRoom = std::array<char, std::size_t{3} * CartLineLength>;
+std::string_view CartListDescription(const CartListRecord& bytes, CartDescriptionRoom& room);
 
 // The record of a cart that holds nothing, in these colours.
 CartRecord MakeEmptyCartRecord(qint32 backColor, qint32 foreColor);

@@ -20,6 +20,9 @@ constexpr int lastPart = CartPartCount;
 constexpr qint32 lastCartOfEvenParts = 10000;
 constexpr qint32 playerIsEmpty = 15;
 
+// Status of a cart that has no part, or whose part cannot be opened.
+constexpr int noPart = -1;
+
 struct CartStore {
     std::array<QString, PlayerStateCount> words;
     CartRecord emptyRecord = MakeEmptyCartRecord(0, 0);
@@ -223,11 +226,12 @@ QString CartListPath(int part) {
            (entry.ListName.isEmpty() ? QStringLiteral("Carts%1.lst").arg(part) : entry.ListName);
 }
 
+QString CartFileName(qint32 cart) {
+    return QStringLiteral("TLV") + QString::number(cart).rightJustified(5, u'0');
+}
+
 QString CartFileStem(qint32 cart) {
-    if (!isCart(cart))
-        return {};
-    return partNumber(PartOfCart(cart)).Location + QStringLiteral("\\TLV") +
-           QString::number(cart).rightJustified(5, u'0');
+    return isCart(cart) ? partNumber(PartOfCart(cart)).Location + u'\\' + CartFileName(cart) : QString();
 }
 
 qint16 FreeFileNumber() {
@@ -273,19 +277,38 @@ int OpenCartParts(int part, bool silent) {
 }
 
 CartRecord ReadCart(qint32 cart, qint16* status) {
-    qint16 ignored = 0;
-    qint16& result = status ? *status : ignored;
-    result = -1;
-    if (!isCart(cart))
-        return EmptyCartRecord();
-    const int part = PartOfCart(cart);
-    if (!isReadable(part) && OpenCartParts(part, true) != 0) {
-        partNumber(part).State = Unavailable;
-        return EmptyCartRecord();
-    }
     CartListRecord bytes;
-    result = qint16(readBytes(cart, part, bytes));
-    if (result != platform::NoError || CartListTotalLength(bytes) == EmptyCartLength)
+    const qint16 result = ReadCartBytes(cart, bytes);
+    if (status)
+        *status = result;
+    return result == platform::NoError ? CartOfBytes(bytes) : EmptyCartRecord();
+}
+
+qint16 ReadCartBytes(qint32 cart, CartListRecord& bytes) {
+    int result = noPart;
+    if (isCart(cart)) {
+        const int part = PartOfCart(cart);
+        if (isReadable(part) || OpenCartParts(part, true) == 0)
+            result = readBytes(cart, part, bytes);
+        else
+            partNumber(part).State = Unavailable;
+    }
+    if (result != platform::NoError)
+        bytes = EmptyCartListRecord();
+    return static_cast<qint16>(result);
+}
+
+bool ReadCartsAhead(qint32 first, qint32 count, CartListRecord* bytes) {
+    const qint32 last = first + count - 1;
+    if (settings().UseIndividualCartListFiles || !isCart(first) || !isCart(last))
+        return false;
+    const int part = PartOfCart(first);
+    return PartOfCart(last) == part && isReadable(part) &&
+           store().lists[part]->readAhead(recordOfCart(first, part), count, bytes->data());
+}
+
+CartRecord CartOfBytes(const CartListRecord& bytes) {
+    if (CartListTotalLength(bytes) == EmptyCartLength)
         return EmptyCartRecord();
     CartRecord record = DecodeCartRecord(bytes);
     if (!(record.PlayEnd > 0 && record.PlayLength > 0)) {

@@ -151,6 +151,15 @@ void ReadAudioSettings(const QString& iniPath, const QString& registryRoot) {
     loadAudiowall();
 }
 
+void ReadAudiowallSettings(const QString& iniPath, const QString& registryRoot) {
+    const SettingSource source{iniPath, registryRoot};
+    InitCartState();
+    for (const SettingRows rows : {AudioRows, CartDisplayRows, LocationRows})
+        LoadRows(rows, source);
+    ColourEmptyCartListRecord();
+    loadAudiowall();
+}
+
 void LoadAudioSettings(const QString& iniPath, const QString& registryRoot) {
     CheckFileCache(registryRoot, false);
     ReadAudioSettings(iniPath, registryRoot);

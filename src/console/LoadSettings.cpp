@@ -73,6 +73,13 @@ bool ReadLocalSettings() {
     return loadLocal(&ReadAudioSettings);
 }
 
+bool ReadAudiowall() {
+    if (!InitialiseProgram())
+        return false;
+    ReadAudiowallSettings(settings().LocalIniFile, QLatin1String(AudioRegistryRoot));
+    return true;
+}
+
 bool LoadSystemSettings() {
     Settings& values = settings();
     const QString named = NamedSystemIniFile();

@@ -11,6 +11,8 @@ namespace tolvex {
 bool LoadLocalSettings();
 // The same without what the load keeps up to date in passing (ReadAudioSettings).
 bool ReadLocalSettings();
+// Only what the cart lists need (ReadAudiowallSettings).
+bool ReadAudiowall();
 
 // Section AudioWall.
 void LoadAudioWallDisplaySettings(const QString& iniFile);

@@ -26,7 +26,22 @@ char toByte(char16_t unit) {
     return byte < 0 ? '?' : static_cast<char>(byte);
 }
 
+constexpr std::array<unsigned char, 256> lowerCaseBytes() {
+    std::array<unsigned char, 256> lower{};
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        const bool ascii = byte >= 'A' && byte <= 'Z';
+        const bool latin = byte >= 0xC0 && byte <= 0xDE && byte != 0xD7; // D7 is the multiplication sign
+        const bool caron =
+            byte == 0x8A || byte == 0x8C || byte == 0x8E; // S and Z with caron, the ligature OE
+        const unsigned step = ascii || latin ? 0x20 : caron ? 0x10 : 0;
+        lower[byte] = static_cast<unsigned char>(byte == 0x9F ? 0xFF : byte + step); // 9F: Y with diaeresis
+    }
+    return lower;
+}
+
 } // namespace
+
+const std::array<unsigned char, 256> LowerCaseBytes = lowerCaseBytes();
 
 QByteArray ToCodePage(const QString& text) {
     QByteArray bytes;

@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
+
 namespace tolvex::platform {
 
 QByteArray ToCodePage(const QString& text);
@@ -15,5 +17,9 @@ QString FromCodePage(const char* bytes, qsizetype length);
 inline QString FromCodePage(const QByteArray& bytes) {
     return FromCodePage(bytes.constData(), bytes.size());
 }
+
+// The lower-case form of each byte: two bytes are one letter, in whatever case, when these are equal. A
+// letter whose other case the code page lacks (sharp s, florin, micro) is only itself.
+extern const std::array<unsigned char, 256> LowerCaseBytes;
 
 } // namespace tolvex::platform

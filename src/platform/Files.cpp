@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 
+#include "platform/FolderReader.h"
 #include "platform/HostFiles.h"
 #include "platform/LookOnly.h"
 #include "platform/PathParts.h"
@@ -11,7 +12,6 @@
 #include <memory>
 #include <optional>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -76,14 +76,9 @@ int MakeFolder(const QString& path) {
 
 QStringList FolderNames(const QString& path) {
     QStringList names;
-    const ResolvedPath at(path);
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(
-        at.error == NoError ? ::opendir(at.name.constData()) : nullptr, &::closedir);
-    while (const struct dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        const QString name = QString::fromUtf8(entry->d_name);
-        if (name != u"." && name != u".." && name.toUtf8() == entry->d_name)
-            names += name;
-    }
+    FolderReader folder(path);
+    for (QString name; folder.next(name);)
+        names += name;
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
         const int order = a.compare(b, Qt::CaseInsensitive);
         return order != 0 ? order < 0 : a < b;
@@ -137,6 +132,23 @@ int RenameFile(const QString& from, const QString& to) {
 std::optional<QByteArray> ReadWholeFile(const QString& path, qint64 limit) {
     const ResolvedPath at(path);
     return at.error == NoError ? ReadHostFile(at.host, limit) : std::nullopt;
+}
+
+qint64 ReadFileStart(const QString& path, char* bytes, qint64 most) {
+    const ResolvedPath at(path);
+    if (at.error != NoError)
+        return -1;
+    const Descriptor file(::open(at.name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    qint64 done = 0;
+    while (file.open() && done < most) {
+        const ssize_t got = ::read(file.get(), bytes + done, static_cast<size_t>(most - done));
+        if (got == 0)
+            break;
+        if (got < 0 && errno != EINTR)
+            return -1;
+        done += std::max<ssize_t>(got, 0);
+    }
+    return file.open() ? done : -1;
 }
 
 int ReplaceWholeFile(const QString& path, const QByteArray& bytes) {

@@ -54,6 +54,10 @@ int CopyWholeFile(const QString& from, const QString& to);
 // The whole file, or nothing when it cannot be read or is longer than `limit` bytes.
 std::optional<QByteArray> ReadWholeFile(const QString& path, qint64 limit = 1LL << 30);
 
+// The first bytes of a file, at most `most` of them, into `bytes`: how many there are, or -1 when it cannot
+// be read.
+qint64 ReadFileStart(const QString& path, char* bytes, qint64 most);
+
 // Replaces (or makes) a file as a whole: written beside, flushed, renamed, folder flushed. The old file stays
 // whole on any failure. FileError number.
 int ReplaceWholeFile(const QString& path, const QByteArray& bytes);
@@ -85,6 +89,10 @@ public:
     // a second, what other machines did. No system call in the common case: records come from pages of the
     // file shared with every other program that has it open, checked against the disk ten times a second.
     virtual int read(qint64 number, char* record) = 0;
+    // `count` records from `first` on in one go, as read() gives each: for whoever goes through a file. False
+    // when one of them needs read() to be got, or to tell why it cannot be; `records` is then worthless.
+    // Cost: one system call for all of them.
+    virtual bool readAhead(qint64 first, qint64 count, char* records) = 0;
     // Writes exactly one record, growing the file when `number` is count() + 1 or more; records between are
     // zeros. PathFileAccess when the file is open for reading only. A record that does not fit on the disk
     // leaves the file as long as it was.

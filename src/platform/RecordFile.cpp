@@ -73,6 +73,24 @@ public:
         return NoError;
     }
 
+    bool readAhead(qint64 first, qint64 count, char* records) override {
+        if (first < 1 || count < 1 || first > std::numeric_limits<qint64>::max() / recordLength_ - count)
+            return false;
+        const qint64 offset = (first - 1) * recordLength_;
+        const qint64 length = count * recordLength_;
+        const qint64 end = offset + length;
+        const bool isTrusted = SteadyTime() < trustedUntil_ && end <= pages_.length();
+        if ((!isTrusted && look() != NoError) || end > pages_.length())
+            return false;
+        const bool isCopied = pages_.copy(offset, length, records);
+        // What was cut off meanwhile may have shown as zeros.
+        if (isCopied && this->count() * recordLength_ >= end)
+            return true;
+        pages_.unmap();
+        trustedUntil_ = {};
+        return false;
+    }
+
     int write(qint64 number, const char* record) override {
         if (number < 1)
             return BadRecordNumber;

@@ -110,6 +110,8 @@ const Reading readings[] = {
     {{"carts", "show", "3001"}, 3}, // without a list
     {{"carts", "show", "4001"}, 0}, // in a list that is read-only
     {{"carts", "show", "5001"}, 3}, // in a list that is a folder
+    {{"carts", "find", "o"}, 0},
+    {{"carts", "find", "--notes", "--backwards", "three"}, 1}, // where the list is torn
     {{"carts", "check"}, 1},
     {{"audio", "devices"}, -1}, // as the machine has some or none
     {{"users", "list"}, 0},

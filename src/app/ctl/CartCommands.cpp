@@ -1,72 +1,21 @@
 // The audiowall's lists.
+#include "app/ctl/CartOutput.h"
 #include "app/ctl/Commands.h"
 
 #include "audio/CartBackup.h"
 #include "audio/CartCheck.h"
-#include "audio/CartLists.h"
 #include "audio/CartStore.h"
 #include "console/CheckConfiguration.h"
+#include "console/LoadSettings.h"
 #include "platform/Files.h"
-
-#include <cmath>
 
 namespace tolvex::ctl {
 
 namespace {
 
-const QString noIni = QStringLiteral("No local ini file was chosen.");
-const QString noList = QStringLiteral(
-    "No cart list could be opened; \"tolvexctl carts locations\" tells which folders are missing.");
-
-// Times are stored with the precision of a 32-bit float; thousandths are what they mean.
-double seconds(float value) {
-    return std::isfinite(value) ? std::round(static_cast<double>(value) * 1000) / 1000 : 0;
-}
-
-QString withoutBlanks(QString line) {
-    while (line.endsWith(u' '))
-        line.chop(1);
-    return line;
-}
-
-QJsonObject recordOf(qint32 number, const CartRecord& cart, qint16 status) {
-    return {{QStringLiteral("number"), number},
-            {QStringLiteral("line1"), withoutBlanks(cart.Line1)},
-            {QStringLiteral("line2"), withoutBlanks(cart.Line2)},
-            {QStringLiteral("line3"), withoutBlanks(cart.Line3)},
-            {QStringLiteral("backColor"), cart.BackColor},
-            {QStringLiteral("foreColor"), cart.ForeColor},
-            {QStringLiteral("length"), seconds(cart.Length)},
-            {QStringLiteral("totalLength"), seconds(cart.TotalLength)},
-            {QStringLiteral("playStart"), seconds(cart.PlayStart)},
-            {QStringLiteral("playEnd"), seconds(cart.PlayEnd)},
-            {QStringLiteral("playLength"), seconds(cart.PlayLength)},
-            {QStringLiteral("empty"), cart.isEmpty()},
-            {QStringLiteral("status"), status}};
-}
-
-std::optional<qint32> cartNumber(const QString& text) {
-    bool good = false;
-    const qint32 number = text.toInt(&good);
-    return good && number >= 1 && number <= HighestCart ? std::optional(number) : std::nullopt;
-}
-
-// Opens the list of a part for reading. False, with a note, when it cannot be opened.
-bool openForReading(const Call& call, const CartListFacts& list) {
-    if (list.isTorn() || list.isShort())
-        NoteListFault(call, list.inWords());
-    if (list.error == platform::NoError && OpenCartParts(list.part, true) == 0 &&
-        settings().CartPartTable[list.part].IsOpen)
-        return true;
-    if (!list.length.path.isEmpty())
-        call.output.note(list.isSound() ? QStringLiteral("%1 could not be opened.").arg(list.length.path)
-                                        : list.inWords());
-    return false;
-}
-
 int locations(Call& call) {
     if (!LoadWorkstation())
-        return call.fail(noIni);
+        return call.fail(NoIniChosen);
     QJsonArray records;
     bool complete = true;
     const ConfigurationStatus facts = LookAtConfiguration();
@@ -97,8 +46,8 @@ int list(Call& call) {
     qint32 last = HighestCart;
     if (!call.arguments.isEmpty()) {
         const QStringList ends = call.argument(0).split(u'-');
-        const auto from = cartNumber(ends.first());
-        const auto to = cartNumber(ends.last());
+        const auto from = CartNumber(ends.first());
+        const auto to = CartNumber(ends.last());
         if (!from || !to || ends.size() > 2 || *from > *to)
             return call.wrong(QStringLiteral("A cart number or FIRST-LAST is expected, 1 to %1, not \"%2\".")
                                   .arg(HighestCart)
@@ -106,14 +55,14 @@ int list(Call& call) {
         first = *from;
         last = *to;
     }
-    if (!LoadWorkstation())
-        return call.fail(noIni);
+    if (!ReadAudiowall())
+        return call.fail(NoIniChosen);
     QJsonArray records;
     last = std::min(last, settings().NoCarts);
     bool anyList = false;
     for (int part = PartOfCart(first); first <= last && part <= PartOfCart(last); ++part) {
         const CartListFacts facts = LookAtCartList(part);
-        if (!openForReading(call, facts))
+        if (!OpenForReading(call, facts))
             continue;
         anyList = true;
         const qint32 end = std::min(last, facts.lastCart());
@@ -121,59 +70,53 @@ int list(Call& call) {
             qint16 status = 0;
             const CartRecord cart = ReadCart(number, &status);
             if (!cart.isEmpty())
-                records += recordOf(number, cart, status);
+                records += CartAsJson(number, cart, status);
         }
     }
     if (!anyList && first <= last)
-        return call.fail(noList);
+        return call.fail(NoCartListOpens);
     if (records.isEmpty() && !call.output.json())
         return call.no(QStringLiteral("There is no cart in that range."));
-    call.output.records(records, {{"number", "Cart", true},
-                                  {"line1", "Line 1"},
-                                  {"line2", "Line 2"},
-                                  {"line3", "Line 3"},
-                                  {"length", "Seconds", true}});
+    call.output.records(records, CartColumns());
     return records.isEmpty() ? No : Done;
 }
 
 int show(Call& call) {
-    const auto number = cartNumber(call.argument(0));
+    const auto number = CartNumber(call.argument(0));
     if (!number)
-        return call.wrong(QStringLiteral("A cart number from 1 to %1 is expected, not \"%2\".")
-                              .arg(HighestCart)
-                              .arg(call.argument(0)));
-    if (!LoadWorkstation())
-        return call.fail(noIni);
+        return call.wrong(NoCartNumber(call.argument(0)));
+    if (!ReadAudiowall())
+        return call.fail(NoIniChosen);
     if (*number > settings().NoCarts)
         return call.fail(QStringLiteral("The audiowall has %1 carts.").arg(settings().NoCarts));
     const CartListFacts facts = LookAtCartList(PartOfCart(*number));
     if (facts.length.path.isEmpty())
         return call.fail(QStringLiteral("Part %1 of the AudioWall has no location.").arg(facts.part));
-    if (!openForReading(call, facts))
+    if (!OpenForReading(call, facts))
         return call.fail(QStringLiteral("Cart %1 could not be read.").arg(*number));
     qint16 status = 0;
     const CartRecord cart = ReadCart(*number, &status);
     // What a list does not hold yet is an empty cart to the suite.
     if (status != platform::NoError && status != platform::PastEndOfFile)
         return call.fail(QStringLiteral("Cart %1 could not be read (error %2).").arg(*number).arg(status));
-    call.output.record(recordOf(*number, cart, status), {{"number", "Cart"},
-                                                         {"line1", "Line 1"},
-                                                         {"line2", "Line 2"},
-                                                         {"line3", "Line 3"},
-                                                         {"length", "Length"},
-                                                         {"totalLength", "Total length"},
-                                                         {"playStart", "Play start"},
-                                                         {"playEnd", "Play end"},
-                                                         {"playLength", "Play length"},
-                                                         {"backColor", "Back colour"},
-                                                         {"foreColor", "Fore colour"},
-                                                         {"empty", "Empty"}});
+    call.output.record(CartAsJson(*number, cart, status), {{"number", "Cart"},
+                                                           {"line1", "Line 1"},
+                                                           {"line2", "Line 2"},
+                                                           {"line3", "Line 3"},
+                                                           {"length", "Length"},
+                                                           {"totalLength", "Total length"},
+                                                           {"playStart", "Play start"},
+                                                           {"playEnd", "Play end"},
+                                                           {"playLength", "Play length"},
+                                                           {"backColor", "Back colour"},
+                                                           {"foreColor", "Fore colour"},
+                                                           {"empty", "Empty"}});
     return cart.isEmpty() ? No : Done;
 }
 
 int check(Call& call) {
     if (!LoadWorkstation())
-        return call.fail(noIni);
+        return call.fail(NoIniChosen);
     const CartCheckResult result = CheckCarts();
     QJsonArray faults;
     for (const CartFault& fault : result.faults)
@@ -182,7 +125,7 @@ int check(Call& call) {
                               {QStringLiteral("cart"), fault.cart},
                               {QStringLiteral("text"), fault.text}};
     if (result.lists == 0 && faults.isEmpty())
-        return call.fail(noList);
+        return call.fail(NoCartListOpens);
     if (!call.output.json() && !faults.isEmpty())
         call.output.records(faults, {{"part", "Part", true}, {"kind", "Fault"}, {"text", "What was found"}});
     call.output.record({{QStringLiteral("faults"), faults},
@@ -212,7 +155,7 @@ QJsonObject mend(int part, int* error) {
 
 int repair(Call& call) {
     if (!LoadWorkstation())
-        return call.fail(noIni);
+        return call.fail(NoIniChosen);
     QJsonArray records;
     int worst = Done;
     for (int part = 1; part <= PartOfCart(settings().NoCarts); ++part) {
@@ -242,7 +185,7 @@ int repair(Call& call) {
 
 int backup(Call& call) {
     if (!LoadWorkstation())
-        return call.fail(noIni);
+        return call.fail(NoIniChosen);
     if (!BackupCartLists(true))
         return call.fail(
             QStringLiteral("A cart list could not be copied to the Backups folder of its location."));
@@ -256,6 +199,7 @@ CommandRows CartCommands() {
         {"carts locations", "", "List the folders of the audiowall; 0 when all that are needed are there",
          locations},
         {"carts list", "[FIRST[-LAST]]", "List the carts that are not empty", list},
+        CartFindCommand(),
         {"carts show", "N", "Print all that the lists hold of a cart; 1 when it is empty", show},
         {"carts check", "", "Find torn and short lists, carts without audio, doubles; 0 when there are none",
          check},
