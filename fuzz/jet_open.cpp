@@ -119,7 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     attempt([&] { CheckDatabase(pager, ignore); });
     attempt([&] {
         const Catalog catalog(pager);
-        for (const CatalogObject& object : catalog.readableObjects([](PageNumber, const Error&) {})) {
+        const Table objects(pager, Catalog::ObjectsPage);
+        for (const CatalogObject& object : ReadObjects(objects, [](PageNumber, const Error&) {})) {
             if (!object.isTable())
                 continue;
             attempt([&] {

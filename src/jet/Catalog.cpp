@@ -33,51 +33,40 @@ constexpr const char16_t* ReferencingColumn = u"szColumn";
 constexpr const char16_t* ReferencedTable = u"szReferencedObject";
 constexpr const char16_t* ReferencedColumn = u"szReferencedColumn";
 
-// Columns of a system table by their names.
-class SystemTable {
-public:
-    SystemTable(Pager& pager, PageNumber page)
-        : table(pager, page) {}
+int columnOf(const Table& table, const char16_t* name) {
+    const int found = table.definition().findColumn(name);
+    if (found < 0)
+        Damaged(table.definition().page, "has no column '" + ToUtf8(name) + "'");
+    return found;
+}
 
-    int column(const char16_t* name) const {
-        const int found = table.definition().findColumn(name);
-        if (found < 0)
-            Damaged(table.definition().page, "has no column '" + ToUtf8(name) + "'");
-        return found;
-    }
-    // The value of a column, or the default if it is null.
-    template<class T>
-    T get(const RowView& row, int column, T absent = {}) const {
-        Value value;
-        table.value(row, column, value);
-        if (T* held = std::get_if<T>(&value))
-            return std::move(*held);
-        return absent;
-    }
+// The value of a column, or the default if it is null.
+template<class T>
+T get(const Table& table, const RowView& row, int column, T absent = {}) {
+    Value value;
+    table.value(row, column, value);
+    if (T* held = std::get_if<T>(&value))
+        return std::move(*held);
+    return absent;
+}
 
-    // A row of null values but for the given ones.
-    void insert(std::initializer_list<std::pair<const char16_t*, Value>> fields) {
-        std::vector<Value> values(table.definition().columns.size());
-        for (const auto& [name, value] : fields)
-            values[static_cast<std::size_t>(column(name))] = value;
-        table.insert(values);
-    }
+// A row of null values but for the given ones.
+void insertRow(Table& table, std::initializer_list<std::pair<const char16_t*, Value>> fields) {
+    std::vector<Value> values(table.definition().columns.size());
+    for (const auto& [name, value] : fields)
+        values[static_cast<std::size_t>(columnOf(table, name))] = value;
+    table.insert(values);
+}
 
-    Table table;
-};
+[[noreturn]] void throwDamage(PageNumber, const Error& error) {
+    throw Error(error);
+}
 
 // The security identifiers as engines write them when nothing else is known: of the administrator, and of the
 // one that stands for whoever made an object. Both are stored under a key of the file, so the second is found
 // from the first by what they differ in.
 const Bytes DefaultAdministrator{0x64, 0x8B};
-constexpr std::uint8_t CreatorDifference[] = {0x01, 0x05};
-
-Bytes creatorOf(const Bytes& administrator) {
-    Bytes creator = administrator;
-    for (std::size_t i = 0; i < creator.size() && creator.size() == std::size(CreatorDifference); ++i)
-        creator[i] ^= CreatorDifference[i];
-    return creator;
-}
+const Bytes DefaultCreator{0x65, 0x8E};
 
 } // namespace
 
@@ -93,22 +82,18 @@ Date LocalTime() {
             (local->tm_hour * 3600 + local->tm_min * 60 + local->tm_sec) / secondsOfDay};
 }
 
-std::vector<CatalogObject> Catalog::objects() const {
-    return readableObjects([](PageNumber, const Error& error) { throw error; });
-}
-
-std::vector<CatalogObject> Catalog::readableObjects(const OnDamage& damaged) const {
-    const Reading reading(*pager_);
-    const SystemTable system(*pager_, ObjectsPage);
-    const int id = system.column(Id), parent = system.column(ParentId), name = system.column(Name),
-              type = system.column(Type), created = system.column(DateCreate),
-              updated = system.column(DateUpdate), owner = system.column(Owner), flags = system.column(Flags);
+std::vector<CatalogObject> ReadObjects(const Table& table, const OnDamage& damaged) {
+    const Reading reading(table.pager());
+    const int id = columnOf(table, Id), parent = columnOf(table, ParentId), name = columnOf(table, Name),
+              type = columnOf(table, Type), created = columnOf(table, DateCreate),
+              updated = columnOf(table, DateUpdate), owner = columnOf(table, Owner),
+              flags = columnOf(table, Flags);
     std::vector<CatalogObject> all;
     const auto visit = [&](RowPointer at, const RowView& row) {
         CatalogObject object;
         std::int32_t bits = 0;
         const auto take = [&](int column, auto& into) {
-            return DespiteDamage(at.page, damaged, [&] { into = system.get(row, column, into); });
+            return DespiteDamage(at.page, damaged, [&] { into = get(table, row, column, into); });
         };
         object.row = at;
         if (!take(id, object.id) || !take(type, object.kind))
@@ -122,8 +107,41 @@ std::vector<CatalogObject> Catalog::readableObjects(const OnDamage& damaged) con
         object.flags = static_cast<std::uint32_t>(bits);
         all.push_back(std::move(object));
     };
-    WalkReadable(system.table, visit, damaged);
+    WalkReadable(table, visit, damaged);
     return all;
+}
+
+std::vector<RelationshipColumn> ReadRelationships(const Table& table, const OnDamage& damaged) {
+    const Reading reading(table.pager());
+    const int name = columnOf(table, Relationship), referencing = columnOf(table, ReferencingTable),
+              column = columnOf(table, ReferencingColumn), referenced = columnOf(table, ReferencedTable),
+              referencedColumn = columnOf(table, ReferencedColumn);
+    std::vector<RelationshipColumn> all;
+    const auto visit = [&](RowPointer at, const RowView& row) {
+        RelationshipColumn& pair = all.emplace_back();
+        pair.row = at;
+        const auto take = [&](int from, std::u16string& into) {
+            DespiteDamage(at.page, damaged, [&] { into = get(table, row, from, into); });
+        };
+        take(name, pair.name);
+        take(referencing, pair.table);
+        take(column, pair.column);
+        take(referenced, pair.referencedTable);
+        take(referencedColumn, pair.referencedColumn);
+    };
+    WalkReadable(table, visit, damaged);
+    return all;
+}
+
+Bytes SecurityIdOf(const Bytes& sid, const Bytes& administrator) {
+    Bytes own = sid;
+    for (std::size_t i = 0; i < own.size() && administrator.size() == DefaultAdministrator.size(); ++i)
+        own[i] ^= static_cast<std::uint8_t>(DefaultAdministrator[i] ^ administrator[i]);
+    return own;
+}
+
+std::vector<CatalogObject> Catalog::objects() const {
+    return ReadObjects(Table(*pager_, ObjectsPage), throwDamage);
 }
 
 std::vector<CatalogObject> Catalog::tables() const {
@@ -134,7 +152,8 @@ std::vector<CatalogObject> Catalog::tables() const {
 
 std::optional<CatalogObject> Catalog::findTable(std::u16string_view name) const {
     std::optional<Error> damage;
-    for (CatalogObject& object : readableObjects([&](PageNumber, const Error& error) { damage = error; }))
+    const auto damaged = [&](PageNumber, const Error& error) { damage = error; };
+    for (CatalogObject& object : ReadObjects(Table(*pager_, ObjectsPage), damaged))
         if (object.isTable() && SameName(object.name, name))
             return std::move(object);
     if (damage)
@@ -159,20 +178,20 @@ Table Catalog::table(const CatalogObject& object) const {
 
 PropertyBlob Catalog::properties(const CatalogObject& object) const {
     const Reading reading(*pager_);
-    const SystemTable system(*pager_, ObjectsPage);
+    const Table system(*pager_, ObjectsPage);
     RowView row;
-    if (!system.table.fetch(object.row, row))
+    if (!system.fetch(object.row, row))
         throw Error(ErrorNumber::ItemNotFound, ToUtf8(object.name));
-    return DecodeProperties(system.get<Bytes>(row, system.column(LvProp)));
+    return DecodeProperties(get<Bytes>(system, row, columnOf(system, LvProp)));
 }
 
 void Catalog::updateObject(const CatalogObject& object,
                            std::initializer_list<std::pair<const char16_t*, Value>> fields) {
-    SystemTable system(*pager_, ObjectsPage);
-    std::vector<FieldChange> changes{{system.column(DateUpdate), LocalTime()}};
+    Table system(*pager_, ObjectsPage);
+    std::vector<FieldChange> changes{{columnOf(system, DateUpdate), LocalTime()}};
     for (const auto& [name, value] : fields)
-        changes.push_back({system.column(name), value});
-    system.table.update(object.row, changes);
+        changes.push_back({columnOf(system, name), value});
+    system.update(object.row, changes);
 }
 
 void Catalog::setProperties(const CatalogObject& object, const PropertyBlob& properties) {
@@ -206,80 +225,75 @@ void Catalog::addTable(PageNumber definition, std::u16string_view name, const Pr
     Changing change(*pager_, Changing::Undoable);
     if (hasSibling(TablesContainer, name, 0))
         throw Error(ErrorNumber::TableExists, ToUtf8(name));
-    const std::vector<CatalogObject> all = objects();
-    const auto database = std::find_if(all.begin(), all.end(), [](const CatalogObject& object) {
-        return object.kind == CatalogObject::DatabaseKind && !object.owner.empty();
-    });
-    const Bytes administrator = database == all.end() ? DefaultAdministrator : database->owner;
     const auto id = static_cast<std::int32_t>(definition);
     const Date created = LocalTime();
-    SystemTable system(*pager_, ObjectsPage);
-    system.insert({{Id, id},
-                   {ParentId, TablesContainer},
-                   {Name, std::u16string(name)},
-                   {Type, static_cast<std::int16_t>(CatalogObject::TableKind)},
-                   {DateCreate, created},
-                   {DateUpdate, created},
-                   {Owner, administrator},
-                   {Flags, static_cast<std::int32_t>(flags)},
-                   {LvProp, properties.empty() ? Value() : Value(EncodeProperties(properties))}});
+    Table system(*pager_, ObjectsPage);
+    insertRow(system, {{Id, id},
+                       {ParentId, TablesContainer},
+                       {Name, std::u16string(name)},
+                       {Type, static_cast<std::int16_t>(CatalogObject::TableKind)},
+                       {DateCreate, created},
+                       {DateUpdate, created},
+                       {Owner, administrator()},
+                       {Flags, static_cast<std::int32_t>(flags)},
+                       {LvProp, properties.empty() ? Value() : Value(EncodeProperties(properties))}});
+    inheritPermissions(id, TablesContainer);
+    change.commit();
+}
 
-    // What the container of tables hands down; an entry for whoever makes an object goes to the owner.
-    SystemTable permissions(*pager_, PermissionsPage);
-    const int object = permissions.column(ObjectId), sid = permissions.column(SecurityId),
-              mask = permissions.column(AccessMask), inheritable = permissions.column(Inheritable);
+Bytes Catalog::administrator() const {
+    for (const CatalogObject& object : objects())
+        if (object.kind == CatalogObject::DatabaseKind && !object.owner.empty())
+            return object.owner;
+    return DefaultAdministrator;
+}
+
+void Catalog::inheritPermissions(std::int32_t object, std::int32_t container) {
+    Changing change(*pager_, Changing::Undoable);
+    Table permissions(*pager_, PermissionsPage);
+    const int id = columnOf(permissions, ObjectId), sid = columnOf(permissions, SecurityId),
+              mask = columnOf(permissions, AccessMask), inheritable = columnOf(permissions, Inheritable);
     std::vector<std::pair<Bytes, std::int32_t>> inherited;
     RowPointer at;
-    for (RowView row; permissions.table.next(at, row);)
-        if (permissions.get<std::int32_t>(row, object) == TablesContainer &&
-            permissions.get<bool>(row, inheritable))
-            inherited.emplace_back(permissions.get<Bytes>(row, sid),
-                                   permissions.get<std::int32_t>(row, mask));
-    const Bytes creator = creatorOf(administrator);
+    for (RowView row; permissions.next(at, row);)
+        if (get<std::int32_t>(permissions, row, id) == container && get<bool>(permissions, row, inheritable))
+            inherited.emplace_back(get<Bytes>(permissions, row, sid),
+                                   get<std::int32_t>(permissions, row, mask));
+    const Bytes owner = administrator();
+    const Bytes creator = SecurityIdOf(DefaultCreator, owner);
     for (auto& [who, what] : inherited)
-        permissions.insert({{ObjectId, id},
-                            {SecurityId, who == creator ? administrator : who},
-                            {AccessMask, what},
-                            {Inheritable, false}});
+        insertRow(permissions, {{ObjectId, object},
+                                {SecurityId, who == creator ? owner : who},
+                                {AccessMask, what},
+                                {Inheritable, false}});
     change.commit();
 }
 
 void Catalog::remove(const CatalogObject& object) {
     Changing change(*pager_, Changing::Undoable);
-    SystemTable permissions(*pager_, PermissionsPage);
-    const int id = permissions.column(ObjectId);
+    Table permissions(*pager_, PermissionsPage);
+    const int id = columnOf(permissions, ObjectId);
     RowPointer at;
-    for (RowView row; permissions.table.next(at, row);)
-        if (permissions.get<std::int32_t>(row, id) == object.id)
-            permissions.table.remove(at);
+    for (RowView row; permissions.next(at, row);)
+        if (get<std::int32_t>(permissions, row, id) == object.id)
+            permissions.remove(at);
     Table(*pager_, ObjectsPage).remove(object.row);
     change.commit();
 }
 
-std::vector<Catalog::RelationshipColumn> Catalog::relationships() const {
-    const Reading reading(*pager_);
-    const SystemTable system(*pager_, RelationshipsPage);
-    const int name = system.column(Relationship), table = system.column(ReferencingTable),
-              column = system.column(ReferencingColumn), referencedTable = system.column(ReferencedTable),
-              referencedColumn = system.column(ReferencedColumn);
-    const auto text = [&](const RowView& row, int at) { return system.get<std::u16string>(row, at); };
-    std::vector<RelationshipColumn> all;
-    RowPointer at;
-    for (RowView row; system.table.next(at, row);)
-        all.push_back({at, text(row, name), text(row, table), text(row, column), text(row, referencedTable),
-                       text(row, referencedColumn)});
-    return all;
+std::vector<RelationshipColumn> Catalog::relationships() const {
+    return ReadRelationships(Table(*pager_, RelationshipsPage), throwDamage);
 }
 
 void Catalog::renameInRelationships(std::u16string_view table, std::u16string_view name) {
     Changing change(*pager_, Changing::Undoable);
-    SystemTable system(*pager_, RelationshipsPage);
+    Table system(*pager_, RelationshipsPage);
     const Value changed = std::u16string(name);
     for (const RelationshipColumn& pair : relationships()) {
         if (SameName(pair.table, table))
-            system.table.update(pair.row, std::array{FieldChange{system.column(ReferencingTable), changed}});
+            system.update(pair.row, std::array{FieldChange{columnOf(system, ReferencingTable), changed}});
         if (SameName(pair.referencedTable, table))
-            system.table.update(pair.row, std::array{FieldChange{system.column(ReferencedTable), changed}});
+            system.update(pair.row, std::array{FieldChange{columnOf(system, ReferencedTable), changed}});
     }
     change.commit();
 }
@@ -287,13 +301,13 @@ void Catalog::renameInRelationships(std::u16string_view table, std::u16string_vi
 void Catalog::renameInRelationships(std::u16string_view table, std::u16string_view column,
                                     std::u16string_view name) {
     Changing change(*pager_, Changing::Undoable);
-    SystemTable system(*pager_, RelationshipsPage);
+    Table system(*pager_, RelationshipsPage);
     const Value changed = std::u16string(name);
     for (const RelationshipColumn& pair : relationships()) {
         if (SameName(pair.table, table) && SameName(pair.column, column))
-            system.table.update(pair.row, std::array{FieldChange{system.column(ReferencingColumn), changed}});
+            system.update(pair.row, std::array{FieldChange{columnOf(system, ReferencingColumn), changed}});
         if (SameName(pair.referencedTable, table) && SameName(pair.referencedColumn, column))
-            system.table.update(pair.row, std::array{FieldChange{system.column(ReferencedColumn), changed}});
+            system.update(pair.row, std::array{FieldChange{columnOf(system, ReferencedColumn), changed}});
     }
     change.commit();
 }

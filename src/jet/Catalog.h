@@ -37,6 +37,25 @@ struct CatalogObject {
     bool isSystem() const { return (flags & SystemFlags) != 0; }
 };
 
+// One row of MSysRelationships: a pair of columns of a relationship between two tables.
+struct RelationshipColumn {
+    RowPointer row;
+    std::u16string name;
+    std::u16string table;
+    std::u16string column;
+    std::u16string referencedTable;
+    std::u16string referencedColumn;
+};
+
+// The rows of MSysObjects and of MSysRelationships that can be read; damage goes to `damaged`, and single
+// columns that cannot be read are left empty. Throws ReadVerification if the table lacks a column.
+std::vector<CatalogObject> ReadObjects(const Table& table, const OnDamage& damaged);
+std::vector<RelationshipColumn> ReadRelationships(const Table& table, const OnDamage& damaged);
+
+// A security identifier as a file stores it, of which others of the same file differ by what theirs do in a
+// new file: `sid` is stored in a new file, `administrator` the administrator's in this one.
+Bytes SecurityIdOf(const Bytes& sid, const Bytes& administrator);
+
 // The computer's local time, as the catalogue keeps it.
 Date LocalTime();
 
@@ -57,8 +76,6 @@ public:
 
     // All objects in the order of the catalogue's rows. A damaged row throws.
     std::vector<CatalogObject> objects() const;
-    // Those that can be read; damage goes to `damaged`. Single columns that cannot be read are left empty.
-    std::vector<CatalogObject> readableObjects(const OnDamage& damaged) const;
     // The user's tables (neither system nor linked), in the order of the catalogue.
     std::vector<CatalogObject> tables() const;
     // The table of this name, system tables included. Damage of other objects does not matter; when there is
@@ -84,15 +101,10 @@ public:
     // Takes out an object's row and its permissions.
     void remove(const CatalogObject& object);
 
-    // One pair of columns of a relationship between two tables.
-    struct RelationshipColumn {
-        RowPointer row;
-        std::u16string name;
-        std::u16string table;
-        std::u16string column;
-        std::u16string referencedTable;
-        std::u16string referencedColumn;
-    };
+    // Gives an object what its container hands down; what that has for whoever makes an object goes to the
+    // owner of the database.
+    void inheritPermissions(std::int32_t object, std::int32_t container);
+
     std::vector<RelationshipColumn> relationships() const;
     // Enters the new name of a table, or of one of its columns, in the relationships.
     void renameInRelationships(std::u16string_view table, std::u16string_view name);
@@ -100,6 +112,7 @@ public:
                                std::u16string_view name);
 
 private:
+    Bytes administrator() const;
     bool hasSibling(std::int32_t parent, std::u16string_view name, std::int32_t except) const;
     void updateObject(const CatalogObject& object,
                       std::initializer_list<std::pair<const char16_t*, Value>> fields);

@@ -26,7 +26,8 @@ public:
         context_.faults.setTable(u"MSysObjects");
         const bool readable = context_.faults.guard(Catalog::ObjectsPage, [&] {
             // What is damaged in the catalogue's own rows is reported with its table.
-            objects = catalog_.readableObjects([](PageNumber, const Error&) {});
+            objects =
+                ReadObjects(Table(context_.pager, Catalog::ObjectsPage), [](PageNumber, const Error&) {});
         });
         bool catalogListed = false;
         for (const CatalogObject& object : objects) {

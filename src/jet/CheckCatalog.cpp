@@ -3,6 +3,8 @@
 #include "jet/Collation.h"
 
 #include <algorithm>
+#include <map>
+#include <optional>
 #include <set>
 
 namespace jet {
@@ -10,14 +12,6 @@ namespace jet {
 namespace {
 
 constexpr std::int32_t rootId = 0x0F000000;
-
-std::u16string textOf(const Table& table, const RowView& row, std::u16string_view column) {
-    Value value;
-    if (const int at = table.definition().findColumn(column); at >= 0)
-        table.value(row, at, value);
-    const auto* text = std::get_if<std::u16string>(&value);
-    return text == nullptr ? std::u16string() : *text;
-}
 
 void checkNames(CheckContext& context, const std::vector<CatalogObject>& objects) {
     std::vector<const CatalogObject*> sorted;
@@ -78,32 +72,51 @@ void checkPermissions(CheckContext& context, const Catalog& catalog,
     WalkReadable(table, visit, [](PageNumber, const Error&) {});
 }
 
-void checkRelationships(CheckContext& context, const Catalog& catalog,
-                        const std::vector<CatalogObject>& objects) {
-    const auto hasColumn = [&](std::u16string_view tableName, std::u16string_view column) {
-        for (const CatalogObject& object : objects) {
-            if (!SameName(object.name, tableName) || object.kind == CatalogObject::RelationshipKind)
+// Says of each table whether it has a column; its definition is read once.
+class Columns {
+public:
+    Columns(Pager& pager, const std::vector<CatalogObject>& objects)
+        : pager_(pager)
+        , objects_(objects) {}
+
+    bool has(std::u16string_view table, std::u16string_view column) {
+        for (const CatalogObject& object : objects_) {
+            if (!SameName(object.name, table) || object.kind == CatalogObject::RelationshipKind)
                 continue;
             if (!object.isTable())
                 return true; // linked tables and queries have their columns elsewhere
-            return catalog.table(object).definition().findColumn(column) >= 0;
+            const auto& definition = definitionOf(static_cast<PageNumber>(object.id));
+            return !definition || definition->findColumn(column) >= 0;
         }
         return false;
-    };
-    const Table table(catalog.pager(), Catalog::RelationshipsPage, u"MSysRelationships");
-    const auto visit = [&](RowPointer at, const RowView& row) {
-        for (const auto& [tableColumn, columnColumn] :
-             {std::pair(u"szObject", u"szColumn"), std::pair(u"szReferencedObject", u"szReferencedColumn")}) {
-            const std::u16string name = textOf(table, row, tableColumn);
-            const std::u16string column = textOf(table, row, columnColumn);
-            if (!hasColumn(name, column))
-                context.faults.fault(at.page, "relationship '" +
-                                                  ToUtf8(textOf(table, row, u"szRelationship")) +
-                                                  "' names column '" + ToUtf8(column) + "' of table '" +
-                                                  ToUtf8(name) + "', which is not there");
-        }
-    };
-    WalkReadable(table, visit, [](PageNumber, const Error&) {});
+    }
+
+private:
+    // Nothing if it cannot be read, which is reported with the table.
+    const std::optional<TableDefinition>& definitionOf(PageNumber page) {
+        const auto [found, isNew] = definitions_.try_emplace(page);
+        const auto damaged = [](PageNumber, const Error&) {};
+        if (isNew)
+            DespiteDamage(page, damaged, [&] { found->second = ReadTableDefinition(pager_, page); });
+        return found->second;
+    }
+
+    Pager& pager_;
+    const std::vector<CatalogObject>& objects_;
+    std::map<PageNumber, std::optional<TableDefinition>> definitions_;
+};
+
+void checkRelationships(CheckContext& context, const std::vector<CatalogObject>& objects) {
+    Columns columns(context.pager, objects);
+    const Table table(context.pager, Catalog::RelationshipsPage, u"MSysRelationships");
+    for (const RelationshipColumn& pair : ReadRelationships(table, [](PageNumber, const Error&) {}))
+        for (const auto& [name, column] :
+             {std::pair(&pair.table, &pair.column), std::pair(&pair.referencedTable, &pair.referencedColumn)})
+            if (!columns.has(*name, *column))
+                context.faults.fault(pair.row.page, "relationship '" + ToUtf8(pair.name) +
+                                                        "' names column '" + ToUtf8(*column) +
+                                                        "' of table '" + ToUtf8(*name) +
+                                                        "', which is not there");
 }
 
 } // namespace
@@ -116,7 +129,7 @@ void CheckCatalog(CheckContext& context, const Catalog& catalog, const std::vect
     context.faults.setTable(u"MSysACEs");
     context.faults.guard(Catalog::PermissionsPage, [&] { checkPermissions(context, catalog, objects); });
     context.faults.setTable(u"MSysRelationships");
-    context.faults.guard(Catalog::RelationshipsPage, [&] { checkRelationships(context, catalog, objects); });
+    context.faults.guard(Catalog::RelationshipsPage, [&] { checkRelationships(context, objects); });
 }
 
 } // namespace jet

@@ -271,10 +271,7 @@ void DesignEditor::dropIndex(std::u16string_view name) {
     if (std::any_of(definition_.logicalIndexes.begin(), definition_.logicalIndexes.end(), usesTree))
         return;
     freeTree(definition_.realIndexes[position]);
-    definition_.realIndexes.erase(definition_.realIndexes.begin() + position);
-    for (LogicalIndex& index : definition_.logicalIndexes)
-        if (index.real > position)
-            --index.real;
+    definition_.removeIndex(position);
 }
 
 void DesignEditor::renameIndex(std::u16string_view name, std::u16string_view to) {

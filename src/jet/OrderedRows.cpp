@@ -1,5 +1,6 @@
 #include "jet/OrderedRows.h"
 
+#include "jet/Error.h"
 #include "jet/Prefetch.h"
 
 #include <algorithm>
@@ -16,7 +17,12 @@ OrderedRows::OrderedRows(const Table& table, EntrySorter& entries, std::size_t m
     : table_(table)
     , entries_(entries)
     , memory_(memory) {
-    const std::size_t pages = UsageMap(table.pager(), table.definition().ownedMap).pages().size();
+    std::size_t pages = 0;
+    try {
+        pages = table.pages().size();
+    } catch (const Error&) {
+        // It is only for an estimate.
+    }
     const std::size_t rows = std::max<std::size_t>(table.rowCount(), 1);
     rowLength_ = std::min<std::size_t>(pages * PageSize / rows, MaximumRowLength);
 }

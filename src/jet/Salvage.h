@@ -15,9 +15,10 @@ inline bool IsDamage(const Error& error) {
 
 using OnDamage = std::function<void(PageNumber, const Error&)>;
 
-// Runs a step and gives damage that it meets at a page to `damaged`. False: there was some.
-template<typename Step>
-bool DespiteDamage(PageNumber page, const OnDamage& damaged, Step step) {
+// Runs a step and gives damage that it meets at a page to `damaged(PageNumber, const Error&)`. False: there
+// was some.
+template<typename Damaged, typename Step>
+bool DespiteDamage(PageNumber page, const Damaged& damaged, const Step& step) {
     try {
         step();
         return true;

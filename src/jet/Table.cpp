@@ -5,6 +5,8 @@
 #include "jet/KeyEncoding.h"
 #include "jet/TableWriter.h"
 
+#include <algorithm>
+
 namespace jet {
 
 namespace {
@@ -24,6 +26,14 @@ Table::Table(Pager& pager, PageNumber definitionPage, std::u16string name, const
         rules_.push_back({properties.flag(column.name, u"Required"),
                           isSystem || !column.isText() || properties.flag(column.name, u"AllowZeroLength")});
 }
+
+Table::Table(Pager& pager, TableDefinition definition, std::u16string name,
+             std::optional<std::vector<PageNumber>> pages)
+    : pager_(&pager)
+    , name_(std::move(name))
+    , definition_(std::make_unique<TableDefinition>(std::move(definition)))
+    , pages_(std::move(pages))
+    , rules_(definition_->columns.size()) {}
 
 Table::Table(Table&&) noexcept = default;
 Table& Table::operator=(Table&&) noexcept = default;
@@ -55,19 +65,37 @@ bool Table::view(const std::uint8_t* page, RowPointer at, RowView& row) const {
     return true;
 }
 
+std::vector<PageNumber> Table::pages() const {
+    return pages_ ? *pages_ : UsageMap(*pager_, definition_->ownedMap).pages();
+}
+
+// The lowest page that is not below `from`, and the highest one below `before`; 0: there is none.
+PageNumber Table::nextPage(PageNumber from) const {
+    if (!pages_)
+        return UsageMap(*pager_, definition_->ownedMap).next(from);
+    const auto page = std::lower_bound(pages_->begin(), pages_->end(), from);
+    return page == pages_->end() ? 0 : *page;
+}
+
+PageNumber Table::previousPage(PageNumber before) const {
+    if (!pages_)
+        return UsageMap(*pager_, definition_->ownedMap).previous(before);
+    const auto page = std::lower_bound(pages_->begin(), pages_->end(), before);
+    return page == pages_->begin() ? 0 : *(page - 1);
+}
+
 std::uint32_t Table::rowCount() const {
     return TableCounters::rowCount(*pager_, definition_->page);
 }
 
 bool Table::next(RowPointer& at, RowView& row) const {
     const Reading reading(*pager_);
-    const UsageMap owned(*pager_, definition_->ownedMap);
     PageNumber number = at.page;
     int slot = at.row + 1;
     bool entering = false;
     for (;;) {
         if (number == 0 || entering) {
-            number = owned.next(number + 1);
+            number = nextPage(number + 1);
             if (number == 0)
                 return false;
             slot = 0;
@@ -93,13 +121,12 @@ bool Table::next(RowPointer& at, RowView& row) const {
 
 bool Table::previous(RowPointer& at, RowView& row) const {
     const Reading reading(*pager_);
-    const UsageMap owned(*pager_, definition_->ownedMap);
     PageNumber number = at.page;
     int slot = at.row - 1;
     bool entering = number == 0;
     for (;;) {
         if (entering) {
-            number = owned.previous(number == 0 ? pager_->pageCount() : number);
+            number = previousPage(number == 0 ? pager_->pageCount() : number);
             if (number == 0)
                 return false;
             at = {number, 0};

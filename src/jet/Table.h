@@ -11,6 +11,7 @@
 #include "jet/UsageMap.h"
 
 #include <memory>
+#include <optional>
 
 namespace jet {
 
@@ -33,6 +34,10 @@ public:
     // text. Catalog::table() is the usual way to get here.
     Table(Pager& pager, PageNumber definitionPage, std::u16string name = {},
           const PropertyBlob& properties = {});
+    // For saving rows of a damaged table: by a definition that was mended, on these pages, which are
+    // ascending, if its list of them is broken.
+    Table(Pager& pager, TableDefinition definition, std::u16string name,
+          std::optional<std::vector<PageNumber>> pages = std::nullopt);
 
     Table(Table&&) noexcept;
     Table& operator=(Table&&) noexcept;
@@ -42,6 +47,8 @@ public:
     const TableDefinition& definition() const { return *definition_; }
     Pager& pager() const { return *pager_; }
 
+    // The pages of its rows. Throws ReadVerification if the list of them is broken.
+    std::vector<PageNumber> pages() const;
     // Number of rows, as the table's own counter says.
     std::uint32_t rowCount() const;
 
@@ -77,6 +84,8 @@ public:
     IndexTree index(int realIndex) const;
 
 private:
+    PageNumber nextPage(PageNumber from) const;
+    PageNumber previousPage(PageNumber before) const;
     bool view(const std::uint8_t* page, RowPointer at, RowView& row) const;
     bool isOwn(const std::uint8_t* page) const;
     TableWriter& writer();
@@ -86,6 +95,7 @@ private:
     Pager* pager_;
     std::u16string name_;
     std::unique_ptr<TableDefinition> definition_; // stays where it is when the table is moved
+    std::optional<std::vector<PageNumber>> pages_;
     std::vector<FieldRule> rules_;
     std::unique_ptr<TableWriter> writer_; // made for the first change
 };

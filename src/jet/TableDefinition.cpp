@@ -264,6 +264,14 @@ std::string TableDefinition::nameOfIndex(std::size_t realIndex) const {
     return "index " + std::to_string(realIndex);
 }
 
+void TableDefinition::removeIndex(std::size_t realIndex) {
+    std::erase_if(logicalIndexes, [realIndex](const LogicalIndex& index) { return index.real == realIndex; });
+    for (LogicalIndex& index : logicalIndexes)
+        if (index.real > realIndex)
+            --index.real;
+    realIndexes.erase(realIndexes.begin() + static_cast<std::ptrdiff_t>(realIndex));
+}
+
 std::vector<int> TableDefinition::displayOrder() const {
     std::vector<int> order(columns.size());
     std::iota(order.begin(), order.end(), 0);

@@ -126,6 +126,8 @@ struct TableDefinition {
     const LogicalIndex* primaryKey() const;
     // A tree of keys as faults name it: "index 'Main'".
     std::string nameOfIndex(std::size_t realIndex) const;
+    // Takes a tree out with all its names; the numbers of those behind it go down by one.
+    void removeIndex(std::size_t realIndex);
     // Positions of the columns in the order in which they are shown.
     std::vector<int> displayOrder() const;
     // Bytes of the fixed columns of a row.

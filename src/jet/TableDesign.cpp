@@ -123,7 +123,7 @@ PageNumber AppendTable(Catalog& catalog, const TableDesign& design) {
 
 void DropTable(Catalog& catalog, std::u16string_view table) {
     Redesign design(catalog, table);
-    const auto takesPart = [&](const Catalog::RelationshipColumn& pair) {
+    const auto takesPart = [&](const RelationshipColumn& pair) {
         return SameName(pair.table, design.object.name) || SameName(pair.referencedTable, design.object.name);
     };
     const auto relationships = catalog.relationships();

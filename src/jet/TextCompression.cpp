@@ -57,6 +57,13 @@ bool DecodeText(std::span<const std::uint8_t> bytes, std::u16string& into) {
     return true;
 }
 
+bool IsText(std::span<const std::uint8_t> bytes) {
+    if (!isMarked(bytes))
+        return bytes.size() % 2 == 0;
+    thread_local std::u16string text;
+    return PlainText(bytes) || DecodeText(bytes, text);
+}
+
 std::optional<std::span<const std::uint8_t>> PlainText(std::span<const std::uint8_t> bytes) {
     if (!isMarked(bytes) || std::memchr(bytes.data() + 2, 0, bytes.size() - 2) != nullptr)
         return std::nullopt;

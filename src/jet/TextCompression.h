@@ -11,6 +11,9 @@ namespace jet {
 // Decodes stored text into `into` (replaced, memory used again). False: the bytes are no text (odd length).
 bool DecodeText(std::span<const std::uint8_t> bytes, std::u16string& into);
 
+// Whether DecodeText() would do it.
+bool IsText(std::span<const std::uint8_t> bytes);
+
 // The bytes of a text that was squeezed without switching, each a character of that number (never zero);
 // nothing for other forms.
 std::optional<std::span<const std::uint8_t>> PlainText(std::span<const std::uint8_t> bytes);

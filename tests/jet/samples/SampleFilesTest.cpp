@@ -222,12 +222,12 @@ TEST_P(ChangeableSample, ItsRelationshipsHoldTheirTablesAndColumns) {
     MemoryPager pager(GetParam().bytes());
     Catalog catalog(pager);
     // Those between tables of the user; the engine has some of its own.
-    std::vector<Catalog::RelationshipColumn> pairs = catalog.relationships();
-    std::erase_if(pairs, [&](const Catalog::RelationshipColumn& pair) {
+    std::vector<RelationshipColumn> pairs = catalog.relationships();
+    std::erase_if(pairs, [&](const RelationshipColumn& pair) {
         const auto table = catalog.findTable(pair.table);
         return !table || !table->isTable() || table->isSystem();
     });
-    for (const Catalog::RelationshipColumn& pair : pairs) {
+    for (const RelationshipColumn& pair : pairs) {
         EXPECT_EQ(ErrorOf([&] { DropTable(catalog, pair.table); }), 3281) << ToUtf8(pair.table);
         EXPECT_EQ(ErrorOf([&] { DropField(catalog, pair.table, pair.column); }), 3280) << ToUtf8(pair.column);
         for (const LogicalIndex& index : catalog.table(pair.table).definition().logicalIndexes)
@@ -243,7 +243,7 @@ TEST_P(ChangeableSample, ItsRelationshipsHoldTheirTablesAndColumns) {
     RenameField(catalog, u"Renamed", pairs[0].column, u"RenamedKey");
     EXPECT_EQ(catalog.relationships().size(), all);
     bool renamed = false;
-    for (const Catalog::RelationshipColumn& pair : catalog.relationships()) {
+    for (const RelationshipColumn& pair : catalog.relationships()) {
         EXPECT_FALSE(SameName(pair.table, pairs[0].table));
         renamed = renamed || (pair.table == u"Renamed" && pair.column == u"RenamedKey");
     }
