@@ -44,18 +44,6 @@ Value readable(const Table& table, const RowView& row, std::size_t column) {
     return value;
 }
 
-// Takes an index by name out of a table that is copied already, with its tree if no other uses that.
-void removeLogicalIndex(Pager& target, TableDefinition& definition, std::size_t position) {
-    auto& logical = definition.logicalIndexes;
-    const std::uint32_t real = logical[position].real;
-    logical.erase(logical.begin() + static_cast<std::ptrdiff_t>(position));
-    if (std::any_of(logical.begin(), logical.end(),
-                    [real](const LogicalIndex& index) { return index.real == real; }))
-        return;
-    UsageMap(target, definition.realIndexes[real].pages).release();
-    definition.removeIndex(real);
-}
-
 } // namespace
 
 CompactCatalog::CompactCatalog(const Table& objects, const Table& permissions, const Table& queries,
@@ -63,11 +51,12 @@ CompactCatalog::CompactCatalog(const Table& objects, const Table& permissions, c
     : objectsTable_(objects)
     , permissions_(permissions)
     , queries_(queries)
-    , relationships_(relationships)
+    , relationshipsTable_(relationships)
     , empty_(empty)
     , lost_(lost)
     // What is damaged is told when the rows are copied.
-    , objects_(ReadObjects(objects, [this](PageNumber, const Error&) { damaged_ = true; })) {}
+    , objects_(ReadObjects(objects, [this](PageNumber, const Error&) { damaged_ = true; }))
+    , relationships_(lost) {}
 
 void CompactCatalog::report(PageNumber page, std::u16string table, const std::string& reason) {
     lost_({page, std::move(table), reason, false});
@@ -79,79 +68,15 @@ void CompactCatalog::add(const CatalogObject& object, TableDefinition definition
     Kept& kept = kept_[object.row];
     kept.object = object;
     kept.object.id = id;
-    tables_.push_back({static_cast<PageNumber>(object.id), object.row, std::move(definition), {}});
+    relationships_.add(static_cast<PageNumber>(object.id), object.name, std::move(definition));
 }
 
 void CompactCatalog::settle() {
-    findRelationships();
-    checkSides();
+    relationships_.settle(relationshipsTable_, objects_);
     keepObjects();
     giveParents();
     giveNames();
     noteChanges();
-}
-
-bool CompactCatalog::hasColumn(std::u16string_view table, std::u16string_view column) const {
-    for (const Saved& saved : tables_)
-        if (SameName(kept_.at(saved.row).object.name, table))
-            return saved.definition.findColumn(column) >= 0;
-    // Linked tables and queries have their columns elsewhere.
-    return std::any_of(objects_.begin(), objects_.end(), [&](const CatalogObject& object) {
-        return !object.isTable() && object.kind != CatalogObject::RelationshipKind &&
-               SameName(object.name, table);
-    });
-}
-
-void CompactCatalog::findRelationships() {
-    const auto damaged = [this](PageNumber, const Error&) { relationshipsDamaged_ = true; };
-    for (const RelationshipColumn& pair : ReadRelationships(relationships_, damaged)) {
-        if (hasColumn(pair.table, pair.column) && hasColumn(pair.referencedTable, pair.referencedColumn))
-            held_.insert(pair.name);
-        else if (broken_.insert(pair.name).second)
-            report(pair.row.page, u"MSysRelationships",
-                   "relationship '" + ToUtf8(pair.name) + "' names a table or column that is not there");
-    }
-}
-
-// The index on the other side of a relationship, if the two name each other; null: they do not.
-const LogicalIndex* CompactCatalog::partnerOf(const Saved& saved, const LogicalIndex& index) const {
-    for (const Saved& other : tables_) {
-        if (other.page != index.otherTable)
-            continue;
-        for (const LogicalIndex& one : other.definition.logicalIndexes)
-            if (one.number == index.otherNumber && one.otherTable == saved.page &&
-                one.otherNumber == index.number && one.role != index.role &&
-                one.role != LogicalIndex::Role::None)
-                return &one;
-    }
-    return nullptr;
-}
-
-// An enforced relationship has an index in both tables. Where one is missing the other goes, and with it the
-// relationship.
-void CompactCatalog::checkSides() {
-    for (const Saved& saved : tables_)
-        for (const LogicalIndex& index : saved.definition.logicalIndexes)
-            if (index.role == LogicalIndex::Role::Referencing && partnerOf(saved, index) == nullptr &&
-                broken_.insert(index.name).second)
-                report(saved.page, kept_.at(saved.row).object.name,
-                       "lost relationship '" + ToUtf8(index.name) + "', whose other table does not know it");
-    for (const std::u16string& name : broken_)
-        held_.erase(name);
-    for (Saved& saved : tables_) {
-        const auto& indexes = saved.definition.logicalIndexes;
-        for (std::size_t i = 0; i < indexes.size(); ++i) {
-            const LogicalIndex& index = indexes[i];
-            if (index.role == LogicalIndex::Role::None)
-                continue;
-            saved.isRelated = true;
-            const LogicalIndex* partner = partnerOf(saved, index);
-            const LogicalIndex* referencing =
-                index.role == LogicalIndex::Role::Referencing ? &index : partner;
-            if (partner == nullptr || broken_.count(referencing->name) != 0)
-                saved.brokenSides.push_back(i);
-        }
-    }
 }
 
 void CompactCatalog::keepObjects() {
@@ -161,10 +86,9 @@ void CompactCatalog::keepObjects() {
     for (const CatalogObject& object : objects_) {
         if (kept_.count(object.row) != 0)
             continue;
-        bool keep = !object.isTable() || isSystemPage(object.id);
-        if (object.kind == CatalogObject::RelationshipKind)
-            keep =
-                held_.count(object.name) != 0 || (broken_.count(object.name) == 0 && !relationshipsDamaged_);
+        const bool keep = object.kind == CatalogObject::RelationshipKind
+                              ? relationships_.holds(object.name)
+                              : !object.isTable() || isSystemPage(object.id);
         if (!keep)
             continue;
         if (!taken.insert(object.id).second) {
@@ -284,9 +208,10 @@ RowChange CompactCatalog::changeOf(PageNumber systemTable) {
         };
     if (systemTable == Catalog::RelationshipsPage)
         return [this](RowPointer, const RowView& row, Fields) {
-            const Value name = readable(relationships_, row, columnOf(relationships_, u"szRelationship"));
+            const std::size_t column = columnOf(relationshipsTable_, u"szRelationship");
+            const Value name = readable(relationshipsTable_, row, column);
             const auto* text = std::get_if<std::u16string>(&name);
-            return text != nullptr && held_.count(*text) != 0;
+            return text != nullptr && relationships_.holds(*text);
         };
     const Table& table = systemTable == Catalog::PermissionsPage ? permissions_ : queries_;
     return [this, &table](RowPointer, const RowView& row, Fields fields) {
@@ -309,27 +234,10 @@ RowChange CompactCatalog::changeOf(PageNumber systemTable) {
 }
 
 void CompactCatalog::complete(Pager& target, bool rightsLost) {
-    writeRelated(target);
+    relationships_.write(target, newIds_);
     addStandardObjects(target);
     if (rightsLost || rightsLost_)
         addRights(target);
-}
-
-// Relationships name the definitions of the new file.
-void CompactCatalog::writeRelated(Pager& target) {
-    for (Saved& saved : tables_) {
-        if (!saved.isRelated)
-            continue;
-        for (LogicalIndex& index : saved.definition.logicalIndexes) {
-            const auto other = newIds_.find(static_cast<std::int32_t>(index.otherTable));
-            index.otherTable = index.role == LogicalIndex::Role::None || other == newIds_.end()
-                                   ? 0
-                                   : static_cast<PageNumber>(other->second);
-        }
-        for (auto side = saved.brokenSides.rbegin(); side != saved.brokenSides.rend(); ++side)
-            removeLogicalIndex(target, saved.definition, *side);
-        WriteTableDefinition(target, saved.definition);
-    }
 }
 
 // The rows of an empty database for objects that every database has.

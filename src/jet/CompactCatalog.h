@@ -3,11 +3,8 @@
 // have new numbers.
 #pragma once
 
-#include "jet/Catalog.h"
+#include "jet/CompactRelationships.h"
 #include "jet/CompactRow.h"
-
-#include <map>
-#include <set>
 
 namespace jet {
 
@@ -40,24 +37,12 @@ private:
         CatalogObject object;                               // as it will be
         std::vector<std::pair<std::size_t, Value>> changes; // of the columns of its row
     };
-    struct Saved {
-        PageNumber page; // in the old file
-        RowPointer row;
-        TableDefinition definition;
-        std::vector<std::size_t> brokenSides = {}; // indexes of relationships that do not hold any more
-        bool isRelated = false;                    // it has indexes of relationships
-    };
 
     void report(PageNumber page, std::u16string table, const std::string& reason);
-    void findRelationships();
-    bool hasColumn(std::u16string_view table, std::u16string_view column) const;
-    void checkSides();
-    const LogicalIndex* partnerOf(const Saved& saved, const LogicalIndex& index) const;
     void keepObjects();
     void giveParents();
     void giveNames();
     void noteChanges();
-    void writeRelated(Pager& target);
     void addStandardObjects(Pager& target);
     void addRights(Pager& target);
     Bytes administrator() const;
@@ -66,19 +51,16 @@ private:
     const Table& objectsTable_;
     const Table& permissions_;
     const Table& queries_;
-    const Table& relationships_;
+    const Table& relationshipsTable_;
     Pager& empty_;
     const OnLoss& lost_;
 
-    std::vector<CatalogObject> objects_;
     bool damaged_ = false;
+    std::vector<CatalogObject> objects_;
     std::map<RowPointer, Kept> kept_;             // by their rows
     std::vector<CatalogObject> missing_;          // standard objects that are made anew
     std::map<std::int32_t, std::int32_t> newIds_; // of everything that is kept
-    std::vector<Saved> tables_;
-    std::set<std::u16string> broken_; // relationships that do not hold any more
-    std::set<std::u16string> held_;   // those that do
-    bool relationshipsDamaged_ = false;
+    CompactRelationships relationships_;
     std::set<std::int32_t> withRights_; // new Ids
     bool rightsLost_ = false;
     Value id_; // of the row that is being changed

@@ -192,7 +192,8 @@ private:
             const auto isTaken = [&](std::u16string_view name) {
                 return catalog.findTable(name).has_value();
             };
-            const std::u16string name = NameBeside(u"Recovered", isTaken);
+            const std::u16string first = u"Recovered";
+            const std::u16string name = isTaken(first) ? NameBeside(first, isTaken) : first;
             lost_({moving.table.definition().page, name,
                    "is the definition of a table without a name, which is '" + ToUtf8(name) + "' now",
                    false});

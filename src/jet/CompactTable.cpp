@@ -59,8 +59,8 @@ std::uint64_t TableCompaction::run() {
         discard();
         if (keys_.areMissing())
             keys_.lookUpMissing();
-        else
-            findDuplicates();
+        else if (!findDuplicates())
+            giveUpUniqueness();
     }
     keys_.relax();
     rows_.fitColumns();
@@ -145,24 +145,35 @@ void TableCompaction::walk(Visit visit) {
     });
 }
 
-// One of the rows with equal keys must go for the other to keep its unique index: the first one stays.
-void TableCompaction::findDuplicates() {
+// One of the rows with equal keys must go for the other to keep its unique index: the first one stays. False:
+// there are none to be found.
+bool TableCompaction::findDuplicates() {
+    const std::size_t before = left_.size();
     for (std::size_t i = 0; i < keys_.count(); ++i) {
         if (!definition_.realIndexes[i].isUnique())
             continue;
         EntrySorter entries(SortMemory);
         sortRows(i, entries);
-        Bytes before;
+        Bytes last;
         while (entries.next()) {
             const KeyView key = entries.key();
-            if (!std::equal(key.begin(), key.end(), before.begin(), before.end())) {
-                before.assign(key.begin(), key.end());
+            if (!std::equal(key.begin(), key.end(), last.begin(), last.end())) {
+                last.assign(key.begin(), key.end());
             } else if (!keys_.encoder(i).isAllNull(key) && left_.insert(entries.row()).second) {
                 losses_.ofPage(entries.row().page,
                                RowText(entries.row()) + " has the same key in a unique index as another row");
             }
         }
     }
+    return left_.size() > before;
+}
+
+// Rows that are different where they lie, but not as far as they can be copied.
+void TableCompaction::giveUpUniqueness() {
+    RealIndex& index = definition_.realIndexes[repeated_];
+    losses_.ofTable("has rows with the same key in " + definition_.nameOfIndex(repeated_) +
+                    ", which is not unique any more");
+    index.flags &= static_cast<std::uint8_t>(~RealIndex::Unique);
 }
 
 // Whether the rows seem to lie in their order already, as far as some of them tell.
@@ -280,8 +291,10 @@ void TableCompaction::flushPage() {
 void TableCompaction::addEntry(std::size_t index, KeyView entry) {
     const KeyView key = entry.first(entry.size() - indexpage::RowLength);
     if (!trees_[index].builder->add(entry) && definition_.realIndexes[index].isUnique() &&
-        !keys_.encoder(index).isAllNull(key))
+        !keys_.encoder(index).isAllNull(key)) {
         distinct_ = false;
+        repeated_ = index;
+    }
 }
 
 bool TableCompaction::buildIndexes() {

@@ -58,7 +58,8 @@ private:
     void begin();
     bool makeNewKey(RowPointer at, const RowView& row, std::size_t index);
     void sortRows(std::size_t index, EntrySorter& entries);
-    void findDuplicates();
+    bool findDuplicates();
+    void giveUpUniqueness();
     template<typename Visit>
     void walk(Visit visit);
     bool liesInOrder();
@@ -85,6 +86,7 @@ private:
     int order_ = -1;            // the index whose order the rows get; -1: none
     std::set<RowPointer> left_; // rows that do not go over
     bool distinct_ = true;      // no unique index got the same key twice
+    std::size_t repeated_ = 0;  // otherwise: the last one that did
     Page page_;
     std::uint64_t count_ = 0; // of rows stored
     Bytes key_;

@@ -23,6 +23,7 @@ constexpr std::uint16_t WesternCodePage = 1252;
 
 constexpr std::size_t PageHead = 8;
 constexpr std::uint32_t MaximumDefinition = 1u << 20;
+constexpr std::uint32_t MostIndexes = 8 * MaximumIndexes;
 constexpr std::size_t CountersAt = 0x2B;
 constexpr std::size_t CounterLength = 8;
 constexpr std::size_t ColumnLength = 18;
@@ -174,7 +175,9 @@ TableDefinition Jet3File::definition(PageNumber number) const {
     const std::uint32_t realIndexes = Load32(head + 0x1F);
     table.ownedMap = LoadRowPointer(head + 0x23);
     table.freeMap = LoadRowPointer(head + 0x27);
-    if (realIndexes > MaximumDefinition || logicalIndexes > MaximumDefinition)
+    if (columns > MaximumColumns)
+        Damaged(number, "the table definition has too many columns");
+    if (std::max(realIndexes, logicalIndexes) > MostIndexes)
         Damaged(number, "the table definition has too many indexes");
     in.take(CounterLength * realIndexes);
     for (int i = 0; i < columns; ++i) {
@@ -220,6 +223,7 @@ TableDefinition Jet3File::definition(PageNumber number) const {
 void Jet3File::forEachRow(const TableDefinition& table, const std::function<void(std::span<Value>)>& visit,
                           const OnDamage& damaged) const {
     std::vector<Value> values(table.columns.size());
+    RowSet pieces;
     for (const PageNumber number : mapPages(table.ownedMap)) {
         int count = 0;
         try {
@@ -243,7 +247,7 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
                     if (found.pointer)
                         Damaged(number, "row " + std::to_string(row) + " points to no row");
                 }
-                decodeRow(table, found.bytes, number, values, damaged);
+                decodeRow(table, found.bytes, number, values, pieces, damaged);
             } catch (const Error& error) {
                 damaged(error);
                 continue;
@@ -254,7 +258,7 @@ void Jet3File::forEachRow(const TableDefinition& table, const std::function<void
 }
 
 void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values,
-                         const OnDamage& damaged) const {
+                         RowSet& pieces, const OnDamage& damaged) const {
     // From the end: the null mask, the number of variable columns, how often their offsets pass a multiple of
     // 256, and the low bytes of the offsets, the first one last.
     const auto require = [page](bool condition) {
@@ -302,7 +306,7 @@ void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page
             continue;
         try {
             require(begin <= end && end <= maskAt);
-            decodeValue(column, row.subspan(begin, end - begin), page, values[i]);
+            decodeValue(column, row.subspan(begin, end - begin), page, pieces, values[i]);
         } catch (const Error& error) {
             damaged(error);
             values[i] = std::monostate{};
@@ -310,23 +314,24 @@ void Jet3File::decodeRow(const TableDefinition& table, View row, PageNumber page
     }
 }
 
-void Jet3File::decodeValue(const Column& column, View bytes, PageNumber page, Value& value) const {
+void Jet3File::decodeValue(const Column& column, View bytes, PageNumber page, RowSet& pieces,
+                           Value& value) const {
     switch (column.type) {
     case ColumnType::Text:
         value = FromCodePage1252(bytes);
         return;
     case ColumnType::Memo:
-        value = FromCodePage1252(longValue(bytes, page));
+        value = FromCodePage1252(longValue(bytes, page, pieces));
         return;
     case ColumnType::Ole:
-        value = longValue(bytes, page);
+        value = longValue(bytes, page, pieces);
         return;
     default:
         DecodeStored(column, bytes, page, value);
     }
 }
 
-Bytes Jet3File::longValue(View definition, PageNumber from) const {
+Bytes Jet3File::longValue(View definition, PageNumber from, RowSet& pieces) const {
     constexpr std::size_t head = 12;
     constexpr std::uint32_t inlineKind = 0x80000000, singleKind = 0x40000000, lengthMask = 0x3FFFFFFF;
     if (definition.size() < head)
@@ -347,6 +352,8 @@ Bytes Jet3File::longValue(View definition, PageNumber from) const {
     while (left > 0) {
         if (at.page == 0 || Load32(page(at.page).data() + 4) != LongValueOwner)
             Damaged(from, "a long value ends too early");
+        if (!pieces.add(at))
+            Damaged(at.page, "row " + std::to_string(at.row) + " is part of two long values");
         View piece = slot(at.page, at.row).bytes;
         if ((kind & singleKind) == 0) {
             if (piece.size() <= 4)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "jet/Error.h"
+#include "jet/RowSet.h"
 #include "jet/TableDefinition.h"
 
 #include <functional>
@@ -19,7 +20,7 @@ public:
     explicit Jet3File(std::span<const std::uint8_t> file);
 
     // A table's definition, in the terms of the present format: columns and indexes, with roots and maps of
-    // the file.
+    // the file. Throws ReadVerification if its bytes hold none.
     TableDefinition definition(PageNumber page) const;
     using OnDamage = std::function<void(const Error&)>;
     // Calls `visit` with the values of each row, in the order of the definition's columns. A damaged row or
@@ -38,10 +39,11 @@ private:
     Slot slot(PageNumber page, int row) const;
     int slotCount(PageNumber page) const;
     std::vector<PageNumber> mapPages(RowPointer map) const;
+    // `pieces`: of long values that were read already. None is part of two, so that no file becomes more than it is.
     void decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values,
-                   const OnDamage& damaged) const;
-    void decodeValue(const Column& column, View bytes, PageNumber page, Value& value) const;
-    Bytes longValue(View definition, PageNumber page) const;
+                   RowSet& pieces, const OnDamage& damaged) const;
+    void decodeValue(const Column& column, View bytes, PageNumber page, RowSet& pieces, Value& value) const;
+    Bytes longValue(View definition, PageNumber page, RowSet& pieces) const;
 
     View file_;
 };

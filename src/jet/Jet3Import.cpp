@@ -2,8 +2,11 @@
 
 #include "jet/CreateDatabase.h"
 #include "jet/Damage.h"
+#include "jet/DefinitionFaults.h"
 #include "jet/Jet3File.h"
 #include "jet/TableDesign.h"
+
+#include <set>
 
 namespace jet {
 
@@ -150,10 +153,12 @@ private:
         index.primary = logical.kind == LogicalIndex::Kind::Primary;
         index.unique = real.isUnique();
         index.ignoreNulls = real.ignoresNulls();
-        for (const IndexColumn& part : real.columns)
-            if (const int column = from_.findColumnNumber(part.number); column >= 0)
-                index.fields.push_back(
-                    {from_.columns[static_cast<std::size_t>(column)].name, !part.ascending});
+        if (const char* lack = FaultOfIndex(from_, real); lack != nullptr)
+            return fault("describes index '" + ToUtf8(index.name) + "', which is not made: it " + lack, false);
+        for (const IndexColumn& part : real.columns) {
+            const auto column = static_cast<std::size_t>(from_.findColumnNumber(part.number));
+            index.fields.push_back({from_.columns[column].name, !part.ascending});
+        }
         for (;;) {
             try {
                 AppendIndex(catalog_, found_.name, index);
@@ -190,8 +195,11 @@ Jet3Import ImportJet3(std::span<const std::uint8_t> bytes) {
     const std::vector<Found> tables = findTables(file, created, contents.faults);
     import.pager = std::make_unique<MemoryPager>(FreshDatabase(created));
     Catalog catalog(*import.pager);
+    std::set<PageNumber> taken;
     for (const Found& found : tables) {
         try {
+            if (!taken.insert(found.page).second)
+                Damaged(found.page, "is named as the definition of two tables");
             TableImport(file, found, catalog, contents).run();
         } catch (const Error& error) {
             contents.faults.push_back(FaultOf(error, found.page, found.name));

@@ -90,6 +90,24 @@ TEST_F(Jet3Test, TheCheckTellsWhatCannotBeRead) {
     EXPECT_EQ(rowsOf(database, u"Id").substr(0, 25), "1,0,\"\",,0\r\n4,4,Four,,1\r\n9");
 }
 
+// Rows whose notes are the same pieces, one of which leads back to itself, and an index of no column: however often
+// a piece is named it is read once.
+TEST_F(Jet3Test, DamageDoesNotMakeAFileLarger) {
+    std::uint8_t* pieces = built_.at(Jet3Builder::LongValues);
+    const auto startOf = [&](int row) { return Load16(pieces + 10 + 2 * row) & 0x1FFFu; };
+    Bytes note(12);
+    Store32(note.data(), 1000);
+    Store32(note.data() + 4, Jet3Builder::LongValues << 8 | 1);
+    Store32(pieces + startOf(1), Jet3Builder::LongValues << 8 | 1);
+    for (std::int32_t id = 20; id < 25; ++id)
+        built_.addRow(Jet3Builder::MoreRows, Jet3Builder::song(id, 1, "Again", note, false));
+    store();
+    Database database = Database::open(storage_, Path);
+    const std::string faults = faultsOf(database, false);
+    EXPECT_NE(faults.find("7 Songs row 1 is part of two long values"), std::string::npos) << faults;
+    EXPECT_NE(rowsOf(database, u"Id").find("24,1,Again,,0"), std::string::npos);
+}
+
 TEST_F(Jet3Test, CompactionMakesAFileOfThePresentFormat) {
     store();
     std::string lost;
