@@ -90,8 +90,8 @@ TEST_F(Jet3Test, TheCheckTellsWhatCannotBeRead) {
     EXPECT_EQ(rowsOf(database, u"Id").substr(0, 25), "1,0,\"\",,0\r\n4,4,Four,,1\r\n9");
 }
 
-// Rows whose notes are the same pieces, one of which leads back to itself, and an index of no column: however often
-// a piece is named it is read once.
+// Rows whose notes are the same pieces, one of which leads back to itself, and an index of no column: however
+// often a piece is named it is read once.
 TEST_F(Jet3Test, DamageDoesNotMakeAFileLarger) {
     std::uint8_t* pieces = built_.at(Jet3Builder::LongValues);
     const auto startOf = [&](int row) { return Load16(pieces + 10 + 2 * row) & 0x1FFFu; };

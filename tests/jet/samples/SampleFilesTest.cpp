@@ -2,6 +2,7 @@
 // or refused with a reason; those of the present format keep everything when they are rewritten, changed and
 // compacted.
 #include "jet/NewDatabase.h"
+#include "jet/RandomDamage.h"
 #include "jet/SortedRows.h"
 #include "jet/samples/Samples.h"
 
@@ -260,6 +261,13 @@ TEST_P(ChangeableSample, CompactionKeepsItsRows) {
     MemoryPager pager(compacted);
     EXPECT_EQ(faultsOf(pager), "");
     EXPECT_EQ(rowsOf(compacted), rowsOf(GetParam().bytes()));
+}
+
+TEST_P(ChangeableSample, IsSavedWithoutFaultsWhenItIsDamaged) {
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        TryDamage(GetParam().bytes(), seed);
+    }
 }
 
 TEST_P(OlderSample, IsTakenOverWholeAndForReadingOnly) {
