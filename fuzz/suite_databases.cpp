@@ -1,7 +1,7 @@
-// Whole databases of the suite, damaged, as start-up, validation, the users database, the automation settings and
-// compaction meet them: each ends with an answer or an error, and what compaction makes has no fault. The first byte
-// of an input says which database and which routines; then come damages of four bytes: a page, where in it (of its
-// first 256 bytes in steps of one, behind that of sixteen), and what stands there.
+// Whole databases of the suite, damaged, as start-up, validation, the users database, the automation settings
+// and compaction meet them: each ends with an answer or an error, and what compaction makes has no fault. The
+// first byte of an input says which database and which routines; then come damages of four bytes: a page,
+// where in it (of its first 256 bytes in steps of one, behind that of sixteen), and what stands there.
 #include "Require.h"
 
 #include "automation/AutomationSchema.h"
@@ -40,20 +40,22 @@ struct Station {
     Station() {
         platform::setClock(&clock);
         require(platform::SetMachineFolder(folder.path()));
-        for (const auto& [path, type] : {std::pair(users, UsersDatabaseType), std::pair(automation, KOVAType)}) {
+        for (const auto& [path, type] :
+             {std::pair(users, UsersDatabaseType), std::pair(automation, KOVAType)}) {
             QString title = QStringLiteral("A database");
             require(ValidateDatabase(path, type, true, &title) == 0);
         }
         require(OpenUsersDatabase(users) == 0);
         for (int i = 0; i < 40; ++i) {
             const QString login = QStringLiteral("USER%1").arg(i);
+            usersState().database->execute(QStringLiteral("INSERT INTO Users (LoginName, FullName, Notes, "
+                                                          "GroupNumber, ExpirationDate, DeletionDate) "
+                                                          "VALUES ('%1', 'The %1', '%2', 1, %3, NULL)")
+                                               .arg(login, QString(i % 9 * 60, u'n'))
+                                               .arg(46000 + 20 * i));
             usersState().database->execute(
-                QStringLiteral("INSERT INTO Users (LoginName, FullName, Notes, GroupNumber, ExpirationDate, DeletionDate) "
-                               "VALUES ('%1', 'The %1', '%2', 1, %3, NULL)")
-                    .arg(login, QString(i % 9 * 60, u'n'))
-                    .arg(46000 + 20 * i));
-            usersState().database->execute(
-                QStringLiteral("INSERT INTO UserPreferences (LoginName, Name, Preference) VALUES ('%1', 'Colour', '%2')")
+                QStringLiteral(
+                    "INSERT INTO UserPreferences (LoginName, Name, Preference) VALUES ('%1', 'Colour', '%2')")
                     .arg(login, QString(i * 3, u'p')));
             AddEventToUserHistory(login, 1, 1, QStringLiteral("logged in"));
         }

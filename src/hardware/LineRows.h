@@ -12,9 +12,9 @@ namespace tolvex {
 // A heading and one row for each line.
 QString RowsOfLines(const HardwareCard& card, const LineNumbers& lines);
 
-// The lines of such a text. Columns are found by the headings above them; without a heading they stand in the order of
-// RowsOfLines, and those at the end may be missing. Nothing, with a sentence in *why, when a row cannot be
-// understood.
+// The lines of such a text. Columns are found by the headings above them; without a heading they stand in the
+// order of RowsOfLines, and those at the end may be missing. Nothing, with a sentence in *why, when a row
+// cannot be understood.
 std::optional<QList<HardwareLine>> LinesOfRows(const QString& text, QString* why);
 
 // Puts lines over those given, as many as both have. All or, with a sentence in *why, none.

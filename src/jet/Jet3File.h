@@ -39,7 +39,8 @@ private:
     Slot slot(PageNumber page, int row) const;
     int slotCount(PageNumber page) const;
     std::vector<PageNumber> mapPages(RowPointer map) const;
-    // `pieces`: of long values that were read already. None is part of two, so that no file becomes more than it is.
+    // `pieces`: of long values that were read already. None is part of two, so that no file becomes more than
+    // it is.
     void decodeRow(const TableDefinition& table, View row, PageNumber page, std::span<Value> values,
                    RowSet& pieces, const OnDamage& damaged) const;
     void decodeValue(const Column& column, View bytes, PageNumber page, RowSet& pieces, Value& value) const;

@@ -154,7 +154,8 @@ private:
         index.unique = real.isUnique();
         index.ignoreNulls = real.ignoresNulls();
         if (const char* lack = FaultOfIndex(from_, real); lack != nullptr)
-            return fault("describes index '" + ToUtf8(index.name) + "', which is not made: it " + lack, false);
+            return fault("describes index '" + ToUtf8(index.name) + "', which is not made: it " + lack,
+                         false);
         for (const IndexColumn& part : real.columns) {
             const auto column = static_cast<std::size_t>(from_.findColumnNumber(part.number));
             index.fields.push_back({from_.columns[column].name, !part.ascending});
