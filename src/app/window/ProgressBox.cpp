@@ -11,6 +11,22 @@ constexpr int Steps = 1000;
 constexpr qint64 ShowEvery = 50;       // milliseconds; a job may report a thousand times more often
 constexpr qint64 EnoughToJudge = 2000; // before that the time left is a guess
 
+bool isInput(QEvent::Type type) {
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Close:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 ProgressBox::ProgressBox(const QString& title, bool canStop, QWidget* parent)
@@ -30,6 +46,14 @@ ProgressBox::ProgressBox(const QString& title, bool canStop, QWidget* parent)
     // The bar shows how far the job is; a number on it would be hard to read on either colour.
     box_.findChild<QProgressBar*>()->setTextVisible(false);
     clock_.start();
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool ProgressBox::eventFilter(QObject*, QEvent* event) {
+    if (box_.isVisible() || !event->spontaneous() || !isInput(event->type()))
+        return false;
+    event->ignore();
+    return true;
 }
 
 QString ProgressBox::remaining(qint64 done, qint64 total) const {

@@ -1,5 +1,5 @@
 // The box of a long job: what, how far, how long yet, Stop. It appears only when the job takes longer than a
-// moment.
+// moment; until then no key and no click reaches the form that is busy with it.
 #pragma once
 
 #include "platform/Prompts.h"
@@ -9,12 +9,13 @@
 
 namespace tolvex {
 
-class ProgressBox : public platform::Progress {
+class ProgressBox : public QObject, public platform::Progress {
 public:
     ProgressBox(const QString& title, bool canStop, QWidget* parent);
     bool step(qint64 done, qint64 total, const QString& what) override;
 
 private:
+    bool eventFilter(QObject* receiver, QEvent* event) override;
     QString remaining(qint64 done, qint64 total) const;
 
     QProgressDialog box_;

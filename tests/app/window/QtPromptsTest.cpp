@@ -98,6 +98,27 @@ TEST(QtPrompts, ProgressCanBeStoppedAndTellsWhatIsDone) {
     EXPECT_FALSE(progress.step(51, 100, "third"));
 }
 
+// The form that began a job is not used again before the box is there to say that it is busy.
+TEST(QtPrompts, ProgressKeepsTheFormFromBeingUsed) {
+    const Window window;
+    QPushButton form("OK");
+    int pressed = 0;
+    QObject::connect(&form, &QPushButton::clicked, [&] { ++pressed; });
+    form.show();
+    const auto use = [&form] {
+        QTest::mouseClick(&form, Qt::LeftButton);
+        QTest::keyClick(&form, Qt::Key_Space);
+    };
+    {
+        ProgressBox progress("Asking", true, nullptr);
+        use();
+        EXPECT_TRUE(progress.step(0, 0, "first"));
+        EXPECT_EQ(pressed, 0);
+    }
+    use();
+    EXPECT_EQ(pressed, 2);
+}
+
 // The window is alive while a drive holds its asker in the system, and its button ends the wait.
 TEST(QtPrompts, StopsASearchWhileADriveHangs) {
     Window window;

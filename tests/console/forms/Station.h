@@ -12,6 +12,7 @@
 #include "network/TerminalList.h"
 #include "platform/ProfileFile.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QPointer>
 #include <QTest>
