@@ -172,14 +172,14 @@ qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& co
 }
 
 bool HasKOVADatabaseIndexes(SuiteDatabase& database) {
-    const auto has = [&database](const char* table, const char* index) {
+    const auto has = [&database](const char* table, const Index& index) {
         const auto shape = database.table(QLatin1String(table));
-        return shape && shape->indexes.contains(QLatin1String(index), Qt::CaseInsensitive);
+        return shape && shape->has(index);
     };
-    bool all = has("Description", "Main");
+    bool all = has("Description", {"Main", {"Description"}, true});
     for (const Table* schema : KOVADatabaseTables())
         for (const Index& index : schema->indexes)
-            all = all && has(schema->name, index.name);
+            all = all && has(schema->name, index);
     return all;
 }
 

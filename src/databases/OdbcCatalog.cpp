@@ -60,11 +60,6 @@ std::vector<OwnedFields> fieldsOf(OdbcConnection& connection, const TableName& n
     return found;
 }
 
-// The name by which the suite knows an index.
-QString suiteName(const QString& index, const QString& table) {
-    return same(index, table + MainIndex) ? MainIndex : index;
-}
-
 std::vector<OdbcIndex> indexesOf(OdbcConnection& connection, const QString& owner, const QString& table) {
     enum Column { NotUnique = 4, Name = 6, Kind = 7, Field = 9 };
     std::vector<OdbcIndex> indexes;
@@ -72,7 +67,7 @@ std::vector<OdbcIndex> indexesOf(OdbcConnection& connection, const QString& owne
     catalogue.indexesOf(owner, table);
     while (catalogue.fetch()) {
         const bool unique = catalogue.number(NotUnique) == 0;
-        const QString name = suiteName(catalogue.text(Name), table);
+        const QString name = catalogue.text(Name);
         const bool isIndex = catalogue.number(Kind) != SQL_TABLE_STAT;
         const QString field = catalogue.text(Field);
         if (!isIndex)

@@ -36,8 +36,7 @@ struct OdbcTable {
 };
 
 // What the server's catalogue says about a table; nothing when it has none of the name. Where several owners
-// have one and the name does not say which, it is that of "dbo". "Main" may have the
-// table's name in front, as the name of a primary key must: "SettingsMain" is "Main".
+// have one and the name does not say which, it is that of "dbo".
 std::optional<OdbcTable> FindServerTable(OdbcConnection& connection, const QString& name);
 
 // How a kind of field is declared. A flag is never null, as in a file; a text of size 0 has 255 characters.

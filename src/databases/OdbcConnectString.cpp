@@ -66,6 +66,12 @@ QString joined(const QList<Attribute>& attributes) {
     return texts.join(u';');
 }
 
+// For a driver. FreeTDS finds the end of a value in braces by the semicolon after it.
+QString handedOver(const QList<Attribute>& attributes) {
+    const QString text = joined(attributes);
+    return text.endsWith(u'}') ? text + u';' : text;
+}
+
 // A value of any characters.
 QString written(const QString& value) {
     const bool plain = std::none_of(value.begin(), value.end(), [](QChar letter) {
@@ -86,14 +92,14 @@ QString unwritten(const QString& value) {
 } // namespace
 
 QString ServerAttributes(const QString& connect) {
-    return joined(attributesOf(withoutPrefix(connect)));
+    return handedOver(attributesOf(withoutPrefix(connect)));
 }
 
 QString DatabaseAttributes(const QString& connect, const QString& database) {
     QList<Attribute> attributes = attributesOf(withoutPrefix(connect));
     attributes.removeIf([](const Attribute& attribute) { return attribute.is("Database"); });
     attributes += {QStringLiteral("Database"), written(database)};
-    return joined(attributes);
+    return handedOver(attributes);
 }
 
 QString ServerName(const QString& connect) {

@@ -32,9 +32,15 @@ QList<OdbcDiagnostic> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle) {
 
 } // namespace
 
-OdbcConnection::OdbcConnection(const QString& attributes, const QString& server) {
+OdbcConnection::OdbcConnection(const QString& attributes, const QString& server)
+    : attributes_(attributes)
+    , server_(server) {
+    open();
+}
+
+void OdbcConnection::open() {
     try {
-        connect(attributes, server);
+        connect();
     } catch (const DatabaseError&) {
         release();
         throw;
@@ -43,25 +49,34 @@ OdbcConnection::OdbcConnection(const QString& attributes, const QString& server)
     searchEscape_ = information(SQL_SEARCH_PATTERN_ESCAPE);
 }
 
+bool OdbcConnection::reconnect() {
+    if (!lost_ || inTransaction_)
+        return false;
+    release();
+    open();
+    lost_ = undone_ = false;
+    return true;
+}
+
 OdbcConnection::~OdbcConnection() {
     if (inTransaction_)
         SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK);
     release();
 }
 
-void OdbcConnection::connect(const QString& attributes, const QString& server) {
+void OdbcConnection::connect() {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_)))
-        throw NotConnected(server, {});
+        throw NotConnected(server_, {});
     if (!SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, asPointer(SQL_OV_ODBC3), 0)) ||
         !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_)))
-        throw NotConnected(server, diagnosticsOf(SQL_HANDLE_ENV, environment_));
+        throw NotConnected(server_, diagnosticsOf(SQL_HANDLE_ENV, environment_));
     // A driver without these limits has its own.
     SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, asPointer(LoginSeconds), SQL_IS_UINTEGER);
     SQLSetConnectAttrW(connection_, SQL_ATTR_CONNECTION_TIMEOUT, asPointer(StatementSeconds),
                        SQL_IS_UINTEGER);
-    if (!SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, ServerText(attributes), SQL_NTS, nullptr, 0,
+    if (!SQL_SUCCEEDED(SQLDriverConnectW(connection_, nullptr, ServerText(attributes_), SQL_NTS, nullptr, 0,
                                          nullptr, SQL_DRIVER_NOPROMPT)))
-        throw NotConnected(server, diagnosticsOf(SQL_HANDLE_DBC, connection_));
+        throw NotConnected(server_, diagnosticsOf(SQL_HANDLE_DBC, connection_));
     connected_ = true;
 }
 
@@ -72,6 +87,9 @@ void OdbcConnection::release() {
         SQLFreeHandle(SQL_HANDLE_DBC, connection_);
     if (environment_ != SQL_NULL_HENV)
         SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+    connection_ = SQL_NULL_HDBC;
+    environment_ = SQL_NULL_HENV;
+    connected_ = false;
 }
 
 QString OdbcConnection::information(SQLUSMALLINT what) const {
@@ -99,7 +117,11 @@ void OdbcConnection::end(SQLSMALLINT how) {
     if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_, how)))
         fail(SQL_HANDLE_DBC, connection_);
     inTransaction_ = false;
-    setAutomaticCommit(true);
+    try {
+        setAutomaticCommit(true);
+    } catch (const DatabaseError&) {
+        lost_ = true; // the transaction has ended as it was to; the connection is of no more use
+    }
 }
 
 void OdbcConnection::commit() {
@@ -117,9 +139,18 @@ void OdbcConnection::rollback() {
     inTransaction_ = false;
 }
 
+// Drivers know more than they say: FreeTDS gives an "unknown error" for a connection that broke while nothing
+// ran on it.
+bool OdbcConnection::isDead() const {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    return SQL_SUCCEEDED(
+               SQLGetConnectAttrW(connection_, SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr)) &&
+           dead == SQL_CD_TRUE;
+}
+
 void OdbcConnection::fail(SQLSMALLINT kind, SQLHANDLE handle) {
     const QList<OdbcDiagnostic> records = diagnosticsOf(kind, handle);
-    lost_ = lost_ || IsLost(records);
+    lost_ = lost_ || IsLost(records) || isDead();
     undone_ = undone_ || EndsTransaction(records);
     throw FromServer(records);
 }

@@ -45,13 +45,22 @@ public:
     // Throws the error of a failed call on a statement of this connection, and remembers a lost connection.
     [[noreturn]] void fail(SQLSMALLINT kind, SQLHANDLE handle);
 
+    // Connects anew when the connection proved lost and no transaction was running on it: what was begun in
+    // one must not go on as if it were whole. False when there was no need or it must not be. Throws
+    // NotConnected.
+    bool reconnect();
+
 private:
-    void connect(const QString& attributes, const QString& server);
+    void open();
+    void connect();
     void release();
+    bool isDead() const;
     QString information(SQLUSMALLINT what) const;
     void setAutomaticCommit(bool on);
     void end(SQLSMALLINT how);
 
+    QString attributes_;
+    QString server_;
     SQLHENV environment_ = SQL_NULL_HENV;
     SQLHDBC connection_ = SQL_NULL_HDBC;
     bool connected_ = false;

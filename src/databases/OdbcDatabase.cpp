@@ -8,26 +8,39 @@ namespace tolvex {
 
 namespace {
 
+std::shared_ptr<ServerSession> connectTo(const QString& attributes, const QString& connect) {
+    return std::make_shared<ServerSession>(attributes, ServerName(connect), ServerAttributes(connect));
+}
+
+void runStatements(ServerSession& session, const QStringList& statements) {
+    session.run([statements](OdbcConnection& connection, bool) {
+        for (const QString& statement : statements)
+            OdbcStatement(connection).execute(statement);
+    });
+}
+
 class OdbcDatabase final : public SuiteDatabase {
 public:
     OdbcDatabase(const QString& name, const QString& connect)
-        : connection_(
-              std::make_unique<OdbcConnection>(DatabaseAttributes(connect, name), ServerName(connect))) {}
+        : session_(connectTo(DatabaseAttributes(connect, name), connect)) {}
 
     QString engineVersion() const override { return {}; }
     QString readOnlyReason() const override {
-        return connection().readOnly() ? QStringLiteral("the server lets it be read only") : QString();
+        return session().readOnly() ? QStringLiteral("the server lets it be read only") : QString();
     }
 
     std::optional<Shape> table(const QString& name) override {
-        const auto found = FindServerTable(connection(), name);
+        const auto found = find(name);
         if (!found)
             return std::nullopt;
         Shape shape;
         for (const OdbcTable::Field& field : found->fields)
             shape.fields += field.name;
-        for (const OdbcIndex& index : found->indexes)
+        for (const OdbcIndex& index : found->indexes) {
             shape.indexes += index.name;
+            if (index.unique)
+                shape.keys += index.fields;
+        }
         return shape;
     }
     // A server's texts may always have no length.
@@ -38,58 +51,68 @@ public:
         execute(QStringLiteral("ALTER TABLE %1 ADD %2").arg(BracketedTable(table), declaration(field)));
     }
     void appendIndex(const QString& table, const Index& index) override {
-        for (const QString& statement : IndexStatements(existing(table), index))
-            execute(statement);
+        runStatements(session(), IndexStatements(existing(table), index));
     }
 
     std::unique_ptr<SuiteRecordset> open(const QString& source, RecordsetMode) override {
+        session(); // which may be closed
         if (source.startsWith(QStringLiteral("SELECT "), Qt::CaseInsensitive))
-            return std::make_unique<OdbcRecordset>(connection(), source);
-        return std::make_unique<OdbcRecordset>(connection(), existing(source));
+            return std::make_unique<OdbcRecordset>(session_, source);
+        return std::make_unique<OdbcRecordset>(session_, existing(source));
     }
-    void execute(const QString& statement) override { OdbcStatement(connection()).execute(statement); }
+    void execute(const QString& statement) override { runStatements(session(), {statement}); }
 
-    void begin() override { connection().begin(); }
-    void commit() override { connection().commit(); }
-    void rollback() override { connection().rollback(); }
+    void begin() override {
+        session().run([](OdbcConnection& connection, bool) { connection.begin(); });
+    }
+    void commit() override {
+        session().run([](OdbcConnection& connection, bool) { connection.commit(); });
+    }
+    void rollback() override {
+        session().run([](OdbcConnection& connection, bool) { connection.rollback(); });
+    }
     void refresh() override {} // every statement asks the server
-    void close() override { connection_.reset(); }
+    void close() override { session_.reset(); }
 
 private:
     static QString declaration(const Field& field) {
         return BracketedName(QLatin1String(field.name)) + u' ' + ServerType(field);
     }
-    OdbcConnection& connection() const {
-        if (!connection_)
+    ServerSession& session() const {
+        if (!session_)
             throw DatabaseError{ServerCallFailed, QStringLiteral("The connection is closed.")};
-        return *connection_;
+        return *session_;
+    }
+    std::optional<OdbcTable> find(const QString& name) const {
+        return session().run(
+            [name](OdbcConnection& connection, bool) { return FindServerTable(connection, name); });
     }
     OdbcTable existing(const QString& name) const {
-        auto table = FindServerTable(connection(), name);
+        auto table = find(name);
         if (!table)
             throw FromEngine(jet::Error(jet::ErrorNumber::TableNotFound, name.toStdString()));
         return *std::move(table);
     }
 
-    std::unique_ptr<OdbcConnection> connection_;
+    std::shared_ptr<ServerSession> session_; // shared with the recordsets
 };
 
 class OdbcServer final : public DatabaseServer {
 public:
     explicit OdbcServer(const QString& connect)
-        : connection_(ServerAttributes(connect), ServerName(connect)) {}
+        : session_(connectTo(ServerAttributes(connect), connect)) {}
 
     QStringList databases(const QString& statement) override {
-        OdbcRecordset rows(connection_, statement);
+        OdbcRecordset rows(session_, statement);
         QStringList names;
         for (; !rows.eof(); rows.moveNext())
             names += rows.value(QStringLiteral("Name")).toString();
         return names;
     }
-    void execute(const QString& statement) override { OdbcStatement(connection_).execute(statement); }
+    void execute(const QString& statement) override { runStatements(*session_, {statement}); }
 
 private:
-    OdbcConnection connection_;
+    std::shared_ptr<ServerSession> session_;
 };
 
 } // namespace

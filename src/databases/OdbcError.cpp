@@ -88,6 +88,10 @@ bool hasClass(const QList<OdbcDiagnostic>& records, const QString& wanted) {
                        [&](const OdbcDiagnostic& record) { return record.state.startsWith(wanted); });
 }
 
+// Numbers of a server that has undone the transaction: to end a deadlock, because another changed the same
+// row, in a trigger. FreeTDS gives a state of another class with them.
+constexpr int undoneNumbers[] = {1205, 3960, 3609};
+
 DatabaseError withSentence(int number, const QString& sentence, const QList<OdbcDiagnostic>& records) {
     return {number, records.isEmpty() ? sentence : sentence + u'\n' + saidBy(records)};
 }
@@ -114,7 +118,11 @@ bool IsLost(const QList<OdbcDiagnostic>& records) {
 }
 
 bool EndsTransaction(const QList<OdbcDiagnostic>& records) {
-    return hasClass(records, QStringLiteral("40"));
+    return hasClass(records, QStringLiteral("40")) ||
+           std::any_of(records.begin(), records.end(), [](const OdbcDiagnostic& record) {
+               return std::find(std::begin(undoneNumbers), std::end(undoneNumbers), record.native) !=
+                      std::end(undoneNumbers);
+           });
 }
 
 } // namespace tolvex

@@ -29,57 +29,33 @@ private:
 
 } // namespace
 
-OdbcRecordset::OdbcRecordset(OdbcConnection& connection, const OdbcTable& table)
-    : connection_(connection)
-    , name_(table.name) {
-    load(QStringLiteral("SELECT * FROM ") + BracketedTable(name_));
+OdbcRecordset::OdbcRecordset(std::shared_ptr<ServerSession> session, const OdbcTable& table)
+    : session_(std::move(session))
+    , source_{table.name, {}, {}} {
+    load(QStringLiteral("SELECT * FROM ") + BracketedTable(table.name));
     for (const QString& field : table.key())
-        key_.push_back(columnOf(field));
+        source_.key.push_back(columnOf(field));
 }
 
-OdbcRecordset::OdbcRecordset(OdbcConnection& connection, const QString& statement)
-    : connection_(connection)
-    , name_(statement) {
+OdbcRecordset::OdbcRecordset(std::shared_ptr<ServerSession> session, const QString& statement)
+    : session_(std::move(session))
+    , source_{statement, {}, {}} {
     load(statement);
 }
 
 // ---- Reading
 
-void OdbcRecordset::load(const QString& text) {
-    OdbcStatement statement(connection_);
-    statement.execute(text);
-    columns_ = statement.columns();
-    while (statement.fetch())
-        rows_.push_back(readRow(statement));
+void OdbcRecordset::load(const QString& statement) {
+    OdbcRows read = session_->run(
+        [statement](OdbcConnection& connection, bool) { return ReadRows(connection, statement); });
+    source_.columns = std::move(read.columns);
+    rows_ = std::move(read.rows);
     place_ = rows_.empty() ? Place::Empty : Place::On;
 }
 
-OdbcRecordset::Row OdbcRecordset::readRow(OdbcStatement& statement) const {
-    Row row;
-    for (qsizetype i = 0; i < columns_.size(); ++i)
-        row.push_back(statement.value(static_cast<int>(i) + 1, columns_[i].type));
-    return row;
-}
-
-// A row as it is now, by its key. Throws RecordDeleted. `hint`: stands behind the table's name.
-OdbcRecordset::Row OdbcRecordset::readAgain(const Row& known, const char* hint) {
-    QStringList fields;
-    for (const OdbcColumn& column : columns_)
-        fields += column.name;
-    OdbcStatement statement(connection_);
-    statement.prepare(
-        QStringLiteral("SELECT %1 FROM %2%3 WHERE %4")
-            .arg(BracketedList(fields), BracketedTable(name_), QLatin1String(hint), keyCriterion(known)));
-    bindKey(statement, known);
-    statement.execute();
-    if (!statement.fetch())
-        refuse(ErrorNumber::RecordDeleted);
-    return readRow(statement);
-}
-
 std::size_t OdbcRecordset::columnOf(const QString& field) const {
-    for (qsizetype i = 0; i < columns_.size(); ++i)
-        if (columns_[i].name.compare(field, Qt::CaseInsensitive) == 0)
+    for (qsizetype i = 0; i < source_.columns.size(); ++i)
+        if (source_.columns[i].name.compare(field, Qt::CaseInsensitive) == 0)
             return static_cast<std::size_t>(i);
     refuse(ErrorNumber::ItemNotFound, field);
 }
@@ -106,13 +82,13 @@ void OdbcRecordset::findFirst(const QString& criterion) {
     editing_ = Editing::No;
     try {
         jet::TableDefinition definition;
-        for (const OdbcColumn& column : columns_) {
-            definition.columns.emplace_back().name = column.name.toStdU16String();
-            definition.columns.back().type = column.type;
+        for (const OdbcColumn& each : source_.columns) {
+            definition.columns.emplace_back().name = each.name.toStdU16String();
+            definition.columns.back().type = each.type;
         }
-        const jet::Criterion wanted(definition, name_.toStdU16String(),
+        const jet::Criterion wanted(definition, source_.table.toStdU16String(),
                                     jet::sql::ParseCriterion(criterion.toStdU16String()));
-        const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) {
+        const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const OdbcRow& row) {
             MemoryRow seen(row);
             return wanted.chooses(seen);
         });
@@ -153,17 +129,17 @@ void OdbcRecordset::checkCurrent() const {
 
 void OdbcRecordset::checkUpdatable() const {
     if (!updatable())
-        refuse(ErrorNumber::CannotUpdateReadOnly, name_);
+        refuse(ErrorNumber::CannotUpdateReadOnly, source_.table);
 }
 
 void OdbcRecordset::begin(Editing editing) {
     editing_ = editing;
-    set_.assign(static_cast<std::size_t>(columns_.size()), false);
+    set_.assign(static_cast<std::size_t>(source_.columns.size()), false);
 }
 
 void OdbcRecordset::addNew() {
     checkUpdatable();
-    values_.assign(static_cast<std::size_t>(columns_.size()), jet::Value());
+    values_.assign(static_cast<std::size_t>(source_.columns.size()), jet::Value());
     begin(Editing::Adding);
 }
 
@@ -171,7 +147,9 @@ void OdbcRecordset::edit() {
     editing_ = Editing::No;
     checkUpdatable();
     checkCurrent();
-    rows_[at_] = readAgain(rows_[at_], "");
+    rows_[at_] = session_->run([source = source_, row = rows_[at_]](OdbcConnection& connection, bool) {
+        return ReadRowAgain(connection, source, row);
+    });
     values_ = rows_[at_];
     begin(Editing::Changing);
 }
@@ -179,44 +157,15 @@ void OdbcRecordset::edit() {
 void OdbcRecordset::set(const QString& field, const QVariant& value) {
     if (editing_ == Editing::No)
         refuse(ErrorNumber::NoEdit);
-    const std::size_t column = columnOf(field);
+    const std::size_t number = columnOf(field);
     jet::Value held = ToEngineValue(value);
     try {
-        jet::ConvertValue(columns_[column].type, held);
+        jet::ConvertValue(this->column(number).type, held);
     } catch (const jet::Error& error) {
         throw FromEngine(error);
     }
-    values_[column] = std::move(held);
-    set_[column] = true;
-}
-
-// The names stand in brackets, the values are bound.
-QString OdbcRecordset::keyCriterion(const Row& row) const {
-    QStringList terms;
-    for (const std::size_t column : key_)
-        terms += BracketedName(columns_[column].name) +
-                 (jet::IsNull(row[column]) ? QStringLiteral(" IS NULL") : QStringLiteral(" = ?"));
-    return terms.join(QStringLiteral(" AND "));
-}
-
-void OdbcRecordset::bindKey(OdbcStatement& statement, const Row& row) const {
-    for (const std::size_t column : key_)
-        if (!jet::IsNull(row[column]))
-            statement.bind(row[column], columns_[column].type);
-}
-
-QStringList OdbcRecordset::changedFields() const {
-    QStringList fields;
-    for (std::size_t i = 0; i < set_.size(); ++i)
-        if (set_[i])
-            fields += columns_[i].name;
-    return fields;
-}
-
-void OdbcRecordset::bindChanges(OdbcStatement& statement) const {
-    for (std::size_t i = 0; i < set_.size(); ++i)
-        if (set_[i])
-            statement.bind(values_[i], columns_[i].type);
+    values_[number] = std::move(held);
+    set_[number] = true;
 }
 
 // When it throws, the values set so far are kept for another try.
@@ -231,20 +180,12 @@ void OdbcRecordset::update() {
 }
 
 void OdbcRecordset::saveNew() {
-    const QStringList fields = changedFields();
-    OdbcStatement statement(connection_);
-    if (fields.isEmpty()) {
-        statement.execute(QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(BracketedTable(name_)));
-    } else {
-        const QString marks = QStringList(fields.size(), QStringLiteral("?")).join(QStringLiteral(", "));
-        statement.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                              .arg(BracketedTable(name_), BracketedList(fields), marks));
-        bindChanges(statement);
-        statement.execute();
-    }
+    session_->run([source = source_, values = values_, set = set_](OdbcConnection& connection, bool again) {
+        InsertRow(connection, source, values, set, again);
+    });
     // A flag that was not set is false.
     for (std::size_t i = 0; i < values_.size(); ++i)
-        if (columns_[i].type == jet::ColumnType::Boolean && jet::IsNull(values_[i]))
+        if (column(i).type == jet::ColumnType::Boolean && jet::IsNull(values_[i]))
             values_[i] = false;
     rows_.push_back(values_);
     if (place_ != Place::Empty)
@@ -254,24 +195,12 @@ void OdbcRecordset::saveNew() {
 }
 
 void OdbcRecordset::saveChanged() {
-    const QStringList fields = changedFields();
-    if (fields.isEmpty())
+    if (std::find(set_.begin(), set_.end(), true) == set_.end())
         return;
-    // The row is held against others from the look at it to the change.
-    OdbcTransaction transaction(connection_);
-    if (readAgain(rows_[at_], " WITH (UPDLOCK)") != rows_[at_])
-        refuse(ErrorNumber::RecordChanged);
-    OdbcStatement statement(connection_);
-    QStringList assignments;
-    for (const QString& field : fields)
-        assignments += BracketedName(field) + QStringLiteral(" = ?");
-    statement.prepare(
-        QStringLiteral("UPDATE %1 SET %2 WHERE %3")
-            .arg(BracketedTable(name_), assignments.join(QStringLiteral(", ")), keyCriterion(rows_[at_])));
-    bindChanges(statement);
-    bindKey(statement, rows_[at_]);
-    statement.execute();
-    transaction.commit();
+    session_->run([source = source_, before = rows_[at_], values = values_,
+                   set = set_](OdbcConnection& connection, bool again) {
+        ChangeRow(connection, source, before, values, set, again);
+    });
     rows_[at_] = values_;
 }
 
@@ -279,12 +208,9 @@ void OdbcRecordset::remove() {
     checkUpdatable();
     checkCurrent();
     editing_ = Editing::No;
-    OdbcStatement statement(connection_);
-    statement.prepare(
-        QStringLiteral("DELETE FROM %1 WHERE %2").arg(BracketedTable(name_), keyCriterion(rows_[at_])));
-    bindKey(statement, rows_[at_]);
-    if (statement.execute() == 0)
-        refuse(ErrorNumber::RecordDeleted);
+    session_->run([source = source_, row = rows_[at_]](OdbcConnection& connection, bool again) {
+        DeleteRow(connection, source, row, again);
+    });
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(at_));
     place_ = Place::Removed;
 }

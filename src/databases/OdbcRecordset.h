@@ -6,24 +6,23 @@
 // edit() reads its row anew, and update() refuses to overwrite what others changed since.
 #pragma once
 
-#include "databases/OdbcCatalog.h"
-
-#include <vector>
+#include "databases/OdbcRows.h"
+#include "databases/ServerSession.h"
 
 namespace tolvex {
 
 class OdbcRecordset final : public SuiteRecordset {
 public:
     // Of a table. It can be changed when it has a unique index and the server lets it.
-    OdbcRecordset(OdbcConnection& connection, const OdbcTable& table);
+    OdbcRecordset(std::shared_ptr<ServerSession> session, const OdbcTable& table);
     // Of a statement; for reading.
-    OdbcRecordset(OdbcConnection& connection, const QString& statement);
+    OdbcRecordset(std::shared_ptr<ServerSession> session, const QString& statement);
 
-    QString name() const override { return name_; }
+    QString name() const override { return source_.table; }
     bool tableMode() const override { return false; }
-    bool updatable() const override { return !key_.empty() && !connection_.readOnly(); }
+    bool updatable() const override { return !source_.key.empty() && !session_->readOnly(); }
     int recordCount() const override { return static_cast<int>(rows_.size()); }
-    int size(const QString& field) const override { return columns_[columnOf(field)].size; }
+    int size(const QString& field) const override { return column(columnOf(field)).size; }
 
     void setIndex(const QString& index) override;
     void seek(const QVariant& value) override;
@@ -45,33 +44,27 @@ public:
 private:
     enum class Place { Empty, On, Removed, Behind };
     enum class Editing { No, Adding, Changing };
-    using Row = std::vector<jet::Value>;
 
     void load(const QString& statement);
-    Row readRow(OdbcStatement& statement) const;
-    Row readAgain(const Row& known, const char* hint);
+    const OdbcColumn& column(std::size_t number) const {
+        return source_.columns[static_cast<qsizetype>(number)];
+    }
     std::size_t columnOf(const QString& field) const;
     void checkCurrent() const;
     void checkUpdatable() const;
     void begin(Editing editing);
-    QString keyCriterion(const Row& row) const;
-    void bindKey(OdbcStatement& statement, const Row& row) const;
-    void bindChanges(OdbcStatement& statement) const;
-    QStringList changedFields() const;
     void saveNew();
     void saveChanged();
 
-    OdbcConnection& connection_;
-    QString name_;
-    QList<OdbcColumn> columns_;
-    std::vector<std::size_t> key_; // positions of its columns
-    std::vector<Row> rows_;
+    std::shared_ptr<ServerSession> session_;
+    OdbcRowSource source_;
+    std::vector<OdbcRow> rows_;
     std::size_t at_ = 0;
     Place place_ = Place::Empty;
     bool noMatch_ = false;
 
     Editing editing_ = Editing::No;
-    Row values_; // of the row being added or edited
+    OdbcRow values_; // of the row being added or edited
     std::vector<bool> set_;
 };
 

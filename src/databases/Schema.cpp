@@ -65,7 +65,7 @@ int addFields(SuiteDatabase& database, TableChange& change, const QString& table
 void addIndexes(SuiteDatabase& database, TableChange& change, const Table& table,
                 const SuiteDatabase::Shape& shape) {
     for (const Index& index : table.indexes) {
-        if (has(shape.indexes, index.name))
+        if (shape.has(index))
             continue;
         try {
             change.begin();

@@ -3,7 +3,20 @@
 #include "databases/JetDatabase.h"
 #include "databases/OdbcDatabase.h"
 
+#include <algorithm>
+
 namespace tolvex {
+
+bool SuiteDatabase::Shape::has(const Index& index) const {
+    const auto isKey = [&](const QStringList& key) {
+        return key.size() == static_cast<qsizetype>(index.fields.size()) &&
+               std::all_of(index.fields.begin(), index.fields.end(), [&](const char* field) {
+                   return key.contains(QLatin1String(field), Qt::CaseInsensitive);
+               });
+    };
+    return indexes.contains(QLatin1String(index.name), Qt::CaseInsensitive) ||
+           (index.unique && std::any_of(keys.begin(), keys.end(), isKey));
+}
 
 DatabaseTransaction::~DatabaseTransaction() {
     try {

@@ -88,6 +88,10 @@ public:
     struct Shape {
         QStringList fields;
         QStringList indexes;
+        // On a server: fields of unique indexes and primary keys, which are known by them. Whoever made the
+        // table there gave them names of his own.
+        QList<QStringList> keys = {};
+        bool has(const Index& index) const;
     };
 
     virtual ~SuiteDatabase() = default; // closes; errors are ignored

@@ -84,8 +84,9 @@ int checkDescriptionTable(SuiteDatabase& database) {
     if (const int error = CheckFields(database, DescriptionTable, descriptionFields, false))
         return error;
     try {
-        if (!database.table(DescriptionTable)->indexes.contains(QStringLiteral("Main"), Qt::CaseInsensitive))
-            database.appendIndex(DescriptionTable, {"Main", {"Description"}, true});
+        const Index main{"Main", {"Description"}, true};
+        if (!database.table(DescriptionTable)->has(main))
+            database.appendIndex(DescriptionTable, main);
     } catch (const DatabaseError&) {
         // A database without this index serves as well.
     }

@@ -70,31 +70,3 @@ TEST_F(Ctl, TellsUsersGroupsAndHistory) {
     EXPECT_EQ(run({"--json", "users", "groups"}).json().array().size(), 0);
     EXPECT_EQ(run({"users", "history", "--last", "0"}).status, 2);
 }
-
-// The server of the tests, through the real driver manager.
-TEST_F(Ctl, WorksOnAServer) {
-    qputenv("ODBCSYSINI", TOLVEX_ODBC_FOLDER);
-    const QString server = QStringLiteral("DRIVER={Test Server};Server=") + folder_.path();
-    const auto ask = [&](const QStringList& words) { return run(words + QStringList{"--connect", server}); };
-    EXPECT_EQ(ask({"db", "info", "LOG"}).status, 1);
-    EXPECT_EQ(ask({"db", "create", "LOG", "--type", "14", "--title", "Log \u00e9"}).status, 0);
-    EXPECT_EQ(ask({"db", "create", "LOG", "--type", "14"}).status, 3);
-    EXPECT_EQ(ask({"db", "validate", "LOG"}).status, 0);
-    EXPECT_EQ(ask({"db", "describe", "LOG", "Second ' log"}).status, 0);
-    const QJsonObject info = ask({"--json", "db", "info", "LOG"}).json().object();
-    EXPECT_EQ(info["description"].toString(), "Second ' log");
-    EXPECT_EQ(info["fullName"].toString(), "LOG");
-    EXPECT_TRUE(info["isServer"].toBool());
-    EXPECT_EQ(ask({"--json", "db", "find", "--type", "14"}).json().object(),
-              (QJsonObject{{"count", 1}, {"firstName", ""}}));
-    EXPECT_EQ(ask({"db", "settings", "LOG", "set", "KOVA.LogFont.FontName", "It's"}).status, 0);
-    EXPECT_EQ(ask({"db", "settings", "LOG", "get", "kova.logfont.fontname"}).out, "It's\n");
-    EXPECT_EQ(ask({"--json", "db", "settings", "LOG", "list"}).json().array(),
-              (QJsonArray{QJsonObject{{"item", "KOVA.LogFont.FontName"}, {"value", "It's"}}}));
-    EXPECT_EQ(run({"db", "find", "--type", "14"}).status, 2);
-    const Result failed = run({"db", "info", "LOG", "--connect", "DSN=none;PWD=secret"});
-    EXPECT_EQ(failed.status, 3);
-    EXPECT_TRUE(failed.err.contains("ODBC--connection to 'none' failed.")) << failed.err.toStdString();
-    EXPECT_FALSE(failed.err.contains("secret"));
-    EXPECT_EQ(run({"db", "find", "--type", "14", "--connect", "DSN=none"}).status, 3);
-}

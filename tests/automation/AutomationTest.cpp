@@ -21,7 +21,8 @@ const QString Path = QStringLiteral("C:\\DATA\\SCHEDULE\\KOVA26.MDB");
 
 class AutomationTest : public ServerTest {
 protected:
-    AutomationTest() {
+    explicit AutomationTest(Way way = Way::OwnDriver)
+        : ServerTest(way) {
         settings().DataLocation = QStringLiteral("C:\\DATA");
         settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
     }
@@ -58,16 +59,24 @@ protected:
 };
 
 // What holds for a file as for a database on a server.
-class AutomationStoreTest : public AutomationTest, public testing::WithParamInterface<bool> {
+enum class Kept { InFile, OnServer, OverTheWire };
+
+class AutomationStoreTest : public AutomationTest, public testing::WithParamInterface<Kept> {
 protected:
-    AutomationStoreTest() {
-        if (GetParam())
+    AutomationStoreTest()
+        : AutomationTest(GetParam() == Kept::OverTheWire ? Way::Wire : Way::OwnDriver) {
+        if (GetParam() != Kept::InFile)
             connect_ = connect();
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Kept, AutomationStoreTest, testing::Bool(),
-                         [](const auto& onServer) { return onServer.param ? "OnServer" : "InFile"; });
+INSTANTIATE_TEST_SUITE_P(Kept, AutomationStoreTest,
+                         testing::Values(Kept::InFile, Kept::OnServer, Kept::OverTheWire),
+                         [](const auto& kept) {
+                             return kept.param == Kept::InFile     ? "InFile"
+                                    : kept.param == Kept::OnServer ? "OnServer"
+                                                                   : "OverTheWire";
+                         });
 
 // Items that are not stored while they are as they came.
 const QSet<QString> sparse = {"KOVA.FadeSongRules",
@@ -349,10 +358,11 @@ TEST_F(AutomationTest, SavesAllOrNothingOnAServer) {
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(stored()["KOVA.PreCueTime"], before["KOVA.PreCueTime"]);
     prompts.beforeAnswers = {};
-    // All settings are read with one statement: they are known, or none of them.
-    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=2")), 3146);
+    // All settings are read with one statement: they are known, or none of them. A connection that is lost is
+    // made once more.
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=1")), 3146);
     EXPECT_EQ(record.KOVA_PreCueTime, 99);
-    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=3")), 0);
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=2")), 0);
     EXPECT_EQ(record.KOVA_PreCueTime, 20);
 }
 

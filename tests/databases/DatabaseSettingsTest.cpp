@@ -18,16 +18,19 @@ namespace {
 const QString Path = QStringLiteral("C:\\DATA\\A.MDB");
 
 // The same answers are expected of every kind of recordset.
-enum class Kept { FileTable, FileDynaset, Server };
+enum class Kept { FileTable, FileDynaset, Server, Wire };
 
 class DatabaseSettingsTest : public ServerTest, public testing::WithParamInterface<Kept> {
 protected:
+    DatabaseSettingsTest()
+        : ServerTest(GetParam() == Kept::Wire ? Way::Wire : Way::OwnDriver) {}
     void SetUp() override {
-        if (GetParam() == Kept::Server)
+        const bool onServer = GetParam() == Kept::Server || GetParam() == Kept::Wire;
+        if (onServer)
             makeOnServer(Path, 14);
         else
             make(Path, 14);
-        database = OpenSuiteDatabase(Path, GetParam() == Kept::Server ? connect() : QString());
+        database = OpenSuiteDatabase(Path, onServer ? connect() : QString());
         ASSERT_EQ(ValidateSettingsTable(*database), 0);
         reopen();
     }
@@ -109,9 +112,10 @@ TEST_P(DatabaseSettingsTest, ReportsWithTheName) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, DatabaseSettingsTest,
-                         testing::Values(Kept::FileTable, Kept::FileDynaset, Kept::Server),
+                         testing::Values(Kept::FileTable, Kept::FileDynaset, Kept::Server, Kept::Wire),
                          [](const auto& kept) {
                              return kept.param == Kept::Server      ? "Server"
+                                    : kept.param == Kept::Wire      ? "OverTheWire"
                                     : kept.param == Kept::FileTable ? "Table"
                                                                     : "Dynaset";
                          });

@@ -15,8 +15,8 @@ TEST(OdbcConnectString, NamesTheDatabaseOnce) {
         {"odbc;DSN=Playout;;", "Songs", "DSN=Playout;Database=Songs"},
         {"DRIVER={A;B=}}C};UID=x", "Songs", "DRIVER={A;B=}}C};UID=x;Database=Songs"},
         {"ODBC;database=Old;DSN=P;Database = {O;ld} ;Y", "Songs", "DSN=P;Y;Database=Songs"},
-        {"ODBC;DSN=P", "a;UID=sa", "DSN=P;Database={a;UID=sa}"},
-        {"ODBC;DSN=P", "a}b", "DSN=P;Database={a}}b}"},
+        {"ODBC;DSN=P", "a;UID=sa", "DSN=P;Database={a;UID=sa};"},
+        {"ODBC;DSN=P", "a}b", "DSN=P;Database={a}}b};"},
         {"ODBC;PWD={a", "x", "PWD={a;Database=x"}, // an open brace: as it stands
     };
     for (const auto& each : cases)

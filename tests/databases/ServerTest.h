@@ -1,16 +1,30 @@
-// A SQL server of a test's own: a folder, reached through the real driver manager with the driver that lies
-// in tests/databases/server/.
+// A SQL server of a test's own: a folder, reached through the real driver manager, with the driver that lies
+// in tests/databases/server/ or over the wire.
 #pragma once
 
 #include "databases/DatabasesTest.h"
+#include "databases/TdsServer.h"
+
+#include <optional>
 
 namespace tolvex::tests {
 
+enum class Way { OwnDriver, Wire };
+
+inline std::string NameOfWay(const testing::TestParamInfo<Way>& way) {
+    return way.param == Way::Wire ? "OverTheWire" : "OwnDriver";
+}
+
 class ServerTest : public DatabasesTest {
 protected:
+    explicit ServerTest(Way way = Way::OwnDriver) {
+        if (way == Way::Wire)
+            wire.emplace(folder.path());
+    }
     // `more`: attributes behind those that lead to the server.
     QString connect(const QString& more = {}) const {
-        return QStringLiteral("ODBC;DRIVER={Test Server};Server=%1;%2").arg(folder.path(), more);
+        return wire ? wire->connect(more)
+                    : QStringLiteral("ODBC;DRIVER={Test Server};Server=%1;%2").arg(folder.path(), more);
     }
     // Makes a database of a kind with its Description row.
     void makeOnServer(const QString& name, qint32 type, QString title = QStringLiteral("A title")) const {
@@ -22,6 +36,7 @@ protected:
     }
 
     QTemporaryDir folder;
+    std::optional<TdsServer> wire;
 };
 
 } // namespace tolvex::tests

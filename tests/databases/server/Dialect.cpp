@@ -8,7 +8,8 @@ namespace testserver {
 namespace {
 
 bool isWordLetter(char letter) {
-    return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_' || (letter & 0x80) != 0;
+    return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_' || letter == '@' ||
+           (letter & 0x80) != 0;
 }
 
 // A quoted piece that starts at `at`, its closing sign doubled inside; `at` moves behind it.

@@ -1,0 +1,138 @@
+// Servers that do not answer, that break connections, and that others have furnished.
+#include "ServerTest.h"
+
+#include "databases/DatabaseSettings.h"
+#include "databases/FindDatabases.h"
+#include "databases/ServerSession.h"
+#include "databases/UsersSchema.h"
+
+using namespace tolvex;
+using namespace tolvex::tests;
+
+namespace {
+
+class HungServerTest : public ServerTest {
+protected:
+    HungServerTest()
+        : ServerTest(Way::Wire) {
+        serverPatience().rest = std::chrono::milliseconds(0);
+        serverPatience().unseen = std::chrono::minutes(1); // however slow this machine is
+        makeOnServer("Log", KOVAType);
+        database = openOnServer("Log");
+        EXPECT_EQ(ValidateSettingsTable(*database), 0);
+    }
+    ~HungServerTest() override { serverPatience() = {}; }
+
+    // What an operation throws.
+    static DatabaseError errorOf(const std::function<void()>& operation) {
+        try {
+            operation();
+        } catch (const DatabaseError& error) {
+            return error;
+        }
+        return {};
+    }
+    void openAgain() const { openOnServer("Log"); }
+
+    std::unique_ptr<SuiteDatabase> database;
+};
+
+} // namespace
+
+// The user sees that it waits, and may stop it; what had been asked for fails, and the next try works when
+// the server does.
+TEST_F(HungServerTest, CanBeLeft) {
+    wire->hang();
+    serverPatience().unseen = std::chrono::milliseconds(50);
+    int events = 0;
+    prompts.whileWaiting = [&] { ++events; };
+    prompts.progressGoesOn = {true, true, false};
+    DatabaseError error = errorOf([&] { openAgain(); });
+    EXPECT_EQ(error.number, ConnectionFailed);
+    EXPECT_TRUE(error.text.contains("The wait for the server was stopped.")) << error.text.toStdString();
+    EXPECT_EQ(prompts.progressTitles, QStringList{"Database server"});
+    EXPECT_EQ(events, 3);
+
+    prompts.progressGoesOn = {false};
+    error = errorOf([&] { database->open("Settings", RecordsetMode::Dynaset); });
+    EXPECT_EQ(error.number, ServerCallFailed);
+    // This connection was given up with what it was asked.
+    EXPECT_EQ(errorOf([&] { database->table("Settings"); }).number, ServerCallFailed);
+    EXPECT_EQ(prompts.progressTitles.size(), 2);
+    database.reset();
+    wire->wake();
+    EXPECT_TRUE(openOnServer("Log")->table("Settings"));
+}
+
+// Nobody has to stop it: there are limits, and a server that was given up is left alone for a while.
+TEST_F(HungServerTest, IsGivenUp) {
+    wire->hang();
+    serverPatience() = {std::chrono::milliseconds(300), std::chrono::milliseconds(200),
+                        std::chrono::milliseconds(50), std::chrono::minutes(1)};
+    DatabaseError error = errorOf([&] { database->table("Settings"); });
+    EXPECT_EQ(error.number, ServerCallFailed);
+    EXPECT_TRUE(error.text.contains("The server did not answer within 0.2 seconds."));
+    // A search through its databases ends at once.
+    QString first;
+    EXPECT_EQ(FindDatabaseOfType({}, KOVAType, &first, 0, connect()), 0);
+    EXPECT_EQ(prompts.progressTitles.size(), 1);
+    error = errorOf([&] { openAgain(); });
+    EXPECT_EQ(error.number, ConnectionFailed);
+    EXPECT_TRUE(error.text.contains("did not answer a moment ago"));
+    serverPatience().rest = std::chrono::milliseconds(0);
+    error = errorOf([&] { openAgain(); });
+    EXPECT_TRUE(error.text.contains("within 0.3 seconds")) << error.text.toStdString();
+}
+
+// A connection that broke while nothing ran on it is made anew, and nobody learns of it.
+TEST_F(HungServerTest, MayBreakAnIdleConnection) {
+    auto rows = database->open("Settings", RecordsetMode::Dynaset);
+    for (const char* value : {"1", "2", ""}) { // a new row, another value, no row
+        wire->breakConnections();
+        EXPECT_EQ(PutDatabaseSetting(rows.get(), "A", value, ""), 0) << value;
+        wire->breakConnections();
+        rows = database->open("Settings", RecordsetMode::Dynaset);
+        EXPECT_EQ(GetDatabaseSetting(rows.get(), "A", ""), value);
+    }
+    wire->breakConnections();
+    EXPECT_EQ(ValidateUsersDatabaseTables("Log", connect()), 0);
+    EXPECT_EQ(texts(), QStringList{});
+}
+
+// In a transaction it is an error, and nothing of what was begun is there.
+TEST_F(HungServerTest, UndoesABrokenTransaction) {
+    const auto rows = database->open("Settings", RecordsetMode::Dynaset);
+    database->begin();
+    EXPECT_EQ(PutDatabaseSetting(rows.get(), "A", "1", ""), 0);
+    wire->breakConnections();
+    EXPECT_EQ(PutDatabaseSetting(rows.get(), "B", "2", ""), ServerCallFailed);
+    EXPECT_EQ(PutDatabaseSetting(rows.get(), "C", "3", ""), ServerCallFailed);
+    EXPECT_NE(errorOf([&] { database->commit(); }).number, 0);
+    database->rollback();
+    EXPECT_EQ(database->open("Settings", RecordsetMode::Dynaset)->recordCount(), 0);
+    EXPECT_EQ(PutDatabaseSetting(rows.get(), "D", "4", ""), 0);
+    EXPECT_EQ(openOnServer("Log")->open("Settings", RecordsetMode::Dynaset)->recordCount(), 1);
+}
+
+// Primary keys have the names that whoever made the table gave them.
+TEST_F(HungServerTest, HasKeysOfAnyName) {
+    database->execute(
+        "CREATE TABLE [UserPreferences] ([LoginName] NVARCHAR(20) NULL, [Name] NVARCHAR(255) NULL, "
+        "[Preference] NVARCHAR(MAX) NULL)");
+    for (const char* field : {"LoginName] NVARCHAR(20", "Name] NVARCHAR(255"})
+        database->execute(
+            QStringLiteral("ALTER TABLE [UserPreferences] ALTER COLUMN [%1) NOT NULL").arg(field));
+    database->execute("ALTER TABLE [UserPreferences] ADD CONSTRAINT [PK__UserPref__3214EC07] PRIMARY KEY "
+                      "([Name], [LoginName])");
+    EXPECT_EQ(CheckTable(*database, UserPreferencesSchema()), 0);
+    EXPECT_EQ(texts(), QStringList{});
+    EXPECT_EQ(database->table("UserPreferences")->indexes, QStringList{"PK__UserPref__3214EC07"});
+    const auto rows = database->open("UserPreferences", RecordsetMode::Dynaset);
+    EXPECT_TRUE(rows->updatable());
+    // One over other fields is another key.
+    const Table other{"Settings",
+                      {{"Item", FieldKind::Text, 250}, {"Value", FieldKind::Memo}},
+                      {{"Other", {"Item", "Value"}, true}, {"Third", {"Item"}, true}}};
+    EXPECT_EQ(CheckTable(*database, other), 0);
+    EXPECT_EQ(database->table("Settings")->indexes, (QStringList{"Main", "Other"}));
+}
