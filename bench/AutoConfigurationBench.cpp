@@ -3,7 +3,7 @@
 #include "console/AutoConfiguration.h"
 #include "console/LoadSettings.h"
 #include "console/SearchDrives.h"
-#include "databases/UsersDatabase.h"
+#include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/Paths.h"
 

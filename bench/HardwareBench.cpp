@@ -1,7 +1,7 @@
 // Three cards of 100 lines: loading, showing and applying them, and giving 100 selected lines an action.
 #include "QuietFile.h"
 
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "hardware/AdvantechDriver.h"
 #include "hardware/HardwareStore.h"
 #include "hardware/LineEdits.h"

@@ -1,14 +1,14 @@
 // Index trees by themselves, on pages in memory, then rows with their index entries in a file: inserts,
 // seeks, edits and deletes.
-#include "jet/Collation.h"
-#include "jet/DataPage.h"
 #include "jet/Database.h"
-#include "jet/EntrySorter.h"
-#include "jet/IndexBuilder.h"
-#include "jet/KeyEncoding.h"
-#include "jet/MemoryPager.h"
 #include "jet/Recordset.h"
-#include "jet/TableDesign.h"
+#include "jet/index/EntrySorter.h"
+#include "jet/index/IndexBuilder.h"
+#include "jet/index/KeyEncoding.h"
+#include "jet/page/DataPage.h"
+#include "jet/pager/MemoryPager.h"
+#include "jet/table/TableDesign.h"
+#include "jet/text/Collation.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // What the floor of the database engine costs by itself: reading cached pages, transactions, brackets in a
 // shared file, opening.
 #include "jet/Database.h"
-#include "jet/TableDesign.h"
+#include "jet/table/TableDesign.h"
 
 #include <benchmark/benchmark.h>
 

@@ -4,8 +4,8 @@
 #include "jet/Compact.h"
 #include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/TableDesign.h"
-#include "jet/Transfer.h"
+#include "jet/table/TableDesign.h"
+#include "jet/transfer/Transfer.h"
 
 #include <benchmark/benchmark.h>
 

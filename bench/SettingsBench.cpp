@@ -2,9 +2,9 @@
 // at each OK of a form.
 #include "QuietFile.h"
 
-#include "core/SaveLocalSettings.h"
-#include "core/SettingsDocument.h"
-#include "core/SettingsLoader.h"
+#include "core/exchange/SettingsDocument.h"
+#include "core/settings/SaveLocalSettings.h"
+#include "core/settings/SettingsLoader.h"
 #include "platform/Paths.h"
 #include "platform/ProfileFile.h"
 

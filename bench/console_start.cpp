@@ -2,9 +2,9 @@
 // and the largest memory of each, and their ratio. Each run is a process of its own.
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
-#include "dialogs/Style.h"
 #include "platform/Paths.h"
 #include "platform/Prompts.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 #include <QDir>

@@ -67,12 +67,14 @@ tolvex_precompiled(pch_core "${CMAKE_SOURCE_DIR}/cmake/PrecompiledCore.h" Qt6::C
 tolvex_precompiled(pch_widgets "${CMAKE_SOURCE_DIR}/cmake/PrecompiledWidgets.h" Qt6::Widgets)
 
 # tolvex_library(<name> FOLDER <folder below src/> [WIDGETS | PLAIN] LINK <libraries>)
-# All sources of the folder and its rooms (folders below it, but for forms/) as one static library. PLAIN: no Qt at all.
+# All sources of the folder and its rooms (folders below it; without WIDGETS not forms/) as one static library. PLAIN: no Qt at all.
 function(tolvex_library name)
   cmake_parse_arguments(arg "WIDGETS;PLAIN" "FOLDER" "LINK" ${ARGN})
   set(dir ${CMAKE_SOURCE_DIR}/src/${arg_FOLDER})
   file(GLOB_RECURSE sources RELATIVE ${dir} CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h ${dir}/*.ui ${dir}/*.qrc)
-  list(FILTER sources EXCLUDE REGEX "(^|/)forms/")
+  if(NOT arg_WIDGETS)
+    list(FILTER sources EXCLUDE REGEX "(^|/)forms/")
+  endif()
   list(TRANSFORM sources PREPEND ${dir}/)
   if(NOT sources)
     add_library(${name} INTERFACE)
@@ -95,12 +97,16 @@ function(tolvex_library name)
   endif()
 endfunction()
 
-# tolvex_tests(<name> FOLDER <folder below tests/> LINK <libraries> [WIDGETS | PLAIN] [UNREGISTERED])
-# One test program of all sources in the folder; every test in it becomes a test of ctest, unless UNREGISTERED.
+# tolvex_tests(<name> FOLDER <folder below tests/> [ROOMS <folders below it>] LINK <libraries> [WIDGETS | PLAIN] [UNREGISTERED])
+# One test program of all sources in the folder and its rooms; every test in it becomes a test of ctest, unless UNREGISTERED.
 function(tolvex_tests name)
-  cmake_parse_arguments(arg "WIDGETS;PLAIN;UNREGISTERED" "FOLDER" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "WIDGETS;PLAIN;UNREGISTERED" "FOLDER" "LINK;ROOMS" ${ARGN})
   set(dir ${CMAKE_SOURCE_DIR}/tests/${arg_FOLDER})
   file(GLOB sources CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h)
+  foreach(room ${arg_ROOMS})
+    file(GLOB more CONFIGURE_DEPENDS ${dir}/${room}/*.cpp ${dir}/${room}/*.h)
+    list(APPEND sources ${more})
+  endforeach()
   if(NOT sources)
     return()
   endif()

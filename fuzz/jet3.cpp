@@ -2,9 +2,9 @@
 // sound database. An input of a page or more is the file; a shorter one is damage to a good file: four bytes
 // each, an offset (of two) and the two bytes that stand there.
 #include "jet/Check.h"
-#include "jet/Error.h"
-#include "jet/Jet3Builder.h"
-#include "jet/Jet3Import.h"
+#include "jet/base/Error.h"
+#include "jet/jet3/Jet3Builder.h"
+#include "jet/jet3/Jet3Import.h"
 
 #include <cstdio>
 #include <cstdlib>

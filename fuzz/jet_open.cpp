@@ -3,13 +3,13 @@
 // damage to a sound file: four bytes each, an offset and the byte that stands there.
 #include "jet/Check.h"
 #include "jet/Compact.h"
-#include "jet/CreateDatabase.h"
-#include "jet/Error.h"
-#include "jet/Execute.h"
-#include "jet/MemoryPager.h"
-#include "jet/NewFile.h"
-#include "jet/TableDesign.h"
-#include "jet/Transfer.h"
+#include "jet/base/Error.h"
+#include "jet/pager/MemoryPager.h"
+#include "jet/pager/NewFile.h"
+#include "jet/sql/Execute.h"
+#include "jet/table/CreateDatabase.h"
+#include "jet/table/TableDesign.h"
+#include "jet/transfer/Transfer.h"
 
 #include <algorithm>
 #include <cstring>

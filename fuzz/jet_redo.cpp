@@ -3,10 +3,10 @@
 // well. An input that begins with 01 is frames, each a page number and a page count of four bytes, under
 // right checksums; any other is the log itself.
 #include "jet/FaultyStorage.h"
-#include "jet/FilePager.h"
-#include "jet/LittleEndian.h"
 #include "jet/RawFile.h"
-#include "jet/RedoLog.h"
+#include "jet/base/LittleEndian.h"
+#include "jet/pager/FilePager.h"
+#include "jet/pager/RedoLog.h"
 
 #include <cstdlib>
 #include <span>

@@ -1,12 +1,12 @@
 // Statements run one after the other on a sound database: each does what it says or throws, and the file is
 // sound afterwards. The input is text, a statement a line.
 #include "jet/Check.h"
-#include "jet/CreateDatabase.h"
-#include "jet/Error.h"
-#include "jet/Execute.h"
-#include "jet/MemoryPager.h"
-#include "jet/Selection.h"
-#include "jet/TableDesign.h"
+#include "jet/base/Error.h"
+#include "jet/pager/MemoryPager.h"
+#include "jet/sql/Execute.h"
+#include "jet/sql/Selection.h"
+#include "jet/table/CreateDatabase.h"
+#include "jet/table/TableDesign.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "dialogs/RichText.h"
+#include "ui/richtext/RichText.h"
 
 #include <QTextDocument>
 

@@ -2,10 +2,10 @@
 // times.
 #include "Require.h"
 
-#include "core/Dates.h"
-#include "core/Numbers.h"
-#include "core/SettingsImport.h"
-#include "core/TimeText.h"
+#include "core/exchange/SettingsImport.h"
+#include "core/text/Numbers.h"
+#include "core/time/Dates.h"
+#include "core/time/TimeText.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 

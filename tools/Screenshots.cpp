@@ -7,15 +7,15 @@
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
-#include "core/Settings.h"
-#include "dialogs/FitForm.h"
-#include "dialogs/Style.h"
-#include "dialogs/frmGoodInputBox.h"
-#include "dialogs/frmHelp.h"
-#include "dialogs/frmPrintPreview.h"
+#include "core/settings/Settings.h"
 #include "hardware/HardwareCards.h"
 #include "platform/Paths.h"
 #include "platform/Prompts.h"
+#include "ui/forms/frmGoodInputBox.h"
+#include "ui/help/frmHelp.h"
+#include "ui/richtext/frmPrintPreview.h"
+#include "ui/style/FitForm.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -6,7 +6,7 @@
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmSplash.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "platform/Paths.h"
 
 #include <QApplication>

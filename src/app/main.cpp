@@ -3,11 +3,11 @@
 #include "console/ScreenFacts.h"
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
-#include "core/Product.h"
-#include "dialogs/Monitors.h"
-#include "dialogs/Style.h"
+#include "core/system/Product.h"
 #include "platform/Paths.h"
 #include "platform/SingleInstance.h"
+#include "ui/style/Monitors.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "audio/AudioEditorSearch.h"
 
-#include "core/Folders.h"
-#include "core/Registry.h"
+#include "core/report/Folders.h"
+#include "core/system/Registry.h"
 #include "platform/Paths.h"
 
 namespace tolvex {

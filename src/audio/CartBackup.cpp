@@ -1,7 +1,7 @@
 #include "audio/CartBackup.h"
 
-#include "core/Folders.h"
-#include "core/Settings.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
 #include "platform/Clock.h"
 #include "platform/FileCopy.h"
 #include "platform/Files.h"

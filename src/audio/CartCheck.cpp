@@ -2,8 +2,8 @@
 
 #include "audio/CartLists.h"
 #include "audio/CartStore.h"
-#include "core/Folders.h"
-#include "core/TextFields.h"
+#include "core/report/Folders.h"
+#include "core/text/TextFields.h"
 #include "platform/Files.h"
 #include "platform/Prompts.h"
 

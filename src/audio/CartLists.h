@@ -5,7 +5,7 @@
 // work (OpenCartParts) writes an empty record over those bytes; RepairCartList keeps them first.
 #pragma once
 
-#include "core/RecordListFault.h"
+#include "core/text/RecordListFault.h"
 
 namespace tolvex {
 

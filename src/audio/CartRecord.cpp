@@ -1,6 +1,6 @@
 #include "audio/CartRecord.h"
 
-#include "core/RecordLayout.h"
+#include "core/text/RecordLayout.h"
 
 namespace tolvex {
 

@@ -1,8 +1,8 @@
 #include "audio/CartStore.h"
 
 #include "audio/Hotlist.h"
-#include "core/Folders.h"
-#include "core/ProblemReport.h"
+#include "core/report/Folders.h"
+#include "core/report/ProblemReport.h"
 #include "platform/Files.h"
 #include "platform/Prompts.h"
 

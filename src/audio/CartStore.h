@@ -7,7 +7,7 @@
 #pragma once
 
 #include "audio/CartRecord.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #include "audio/FileCache.h"
 
-#include "core/Registry.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
+#include "core/system/Registry.h"
 #include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
 

@@ -1,8 +1,8 @@
 #include "audio/Hotlist.h"
 
 #include "audio/CartStore.h"
-#include "core/Folders.h"
-#include "core/RecordLayout.h"
+#include "core/report/Folders.h"
+#include "core/text/RecordLayout.h"
 #include "platform/Files.h"
 #include "platform/Prompts.h"
 

@@ -5,10 +5,10 @@
 #include "audio/CartStore.h"
 #include "audio/FileCache.h"
 #include "audio/WaveSearch.h"
-#include "core/DebugLog.h"
-#include "core/Numbers.h"
-#include "core/SettingsLoader.h"
-#include "core/TextFields.h"
+#include "core/report/DebugLog.h"
+#include "core/settings/SettingsLoader.h"
+#include "core/text/Numbers.h"
+#include "core/text/TextFields.h"
 #include "platform/ProfileFile.h"
 
 namespace tolvex {

@@ -1,8 +1,8 @@
 #include "automation/AutomationItems.h"
 
-#include "core/Dates.h"
-#include "core/Numbers.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
+#include "core/text/Numbers.h"
+#include "core/time/Dates.h"
 
 #include <limits>
 #include <type_traits>

@@ -1,6 +1,6 @@
 #include "automation/AutomationSchema.h"
 
-#include "databases/SuiteDatabase.h"
+#include "databases/store/SuiteDatabase.h"
 
 namespace tolvex {
 

@@ -2,7 +2,7 @@
 // hours. The player programs of the suite rely on every field.
 #pragma once
 
-#include "databases/Schema.h"
+#include "databases/store/Schema.h"
 
 namespace tolvex {
 

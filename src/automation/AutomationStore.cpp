@@ -2,14 +2,14 @@
 
 #include "automation/AutomationItems.h"
 #include "automation/AutomationSchema.h"
-#include "core/Numbers.h"
-#include "core/Settings.h"
-#include "databases/DatabaseKinds.h"
-#include "databases/DatabaseSettings.h"
-#include "databases/FindDatabases.h"
-#include "databases/Report.h"
-#include "databases/SuiteDatabase.h"
-#include "databases/ValidateDatabase.h"
+#include "core/settings/Settings.h"
+#include "core/text/Numbers.h"
+#include "databases/store/Report.h"
+#include "databases/store/SuiteDatabase.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/DatabaseSettings.h"
+#include "databases/suite/FindDatabases.h"
+#include "databases/suite/ValidateDatabase.h"
 #include "platform/ProfileFile.h"
 
 namespace tolvex {

@@ -1,7 +1,7 @@
 #include "automation/LogMentions.h"
 
-#include "core/Settings.h"
-#include "databases/SuiteDatabase.h"
+#include "core/settings/Settings.h"
+#include "databases/store/SuiteDatabase.h"
 
 namespace tolvex {
 

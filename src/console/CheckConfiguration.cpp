@@ -2,9 +2,9 @@
 
 #include "audio/CartLists.h"
 #include "audio/CartStore.h"
-#include "core/Folders.h"
-#include "core/Numbers.h"
-#include "core/SettingsLoader.h"
+#include "core/report/Folders.h"
+#include "core/settings/SettingsLoader.h"
+#include "core/text/Numbers.h"
 
 namespace tolvex {
 

@@ -1,9 +1,9 @@
 #include "console/ConfigurationSets.h"
 
-#include "core/Folders.h"
-#include "core/ProblemReport.h"
-#include "core/Registry.h"
-#include "core/TextFields.h"
+#include "core/report/Folders.h"
+#include "core/report/ProblemReport.h"
+#include "core/system/Registry.h"
+#include "core/text/TextFields.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/ProfileFile.h"

@@ -1,7 +1,7 @@
 #include "console/ConsoleJobs.h"
 
-#include "core/Folders.h"
-#include "core/Settings.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
 
 namespace tolvex {
 

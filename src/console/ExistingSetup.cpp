@@ -1,6 +1,6 @@
 #include "console/ExistingSetup.h"
 
-#include "core/Folders.h"
+#include "core/report/Folders.h"
 
 #include <algorithm>
 

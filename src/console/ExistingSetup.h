@@ -2,7 +2,7 @@
 // the user about it. Nothing here changes anything.
 #pragma once
 
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "platform/Paths.h"
 
 #include <QHash>

@@ -2,10 +2,10 @@
 
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
-#include "core/Folders.h"
-#include "databases/DatabaseKinds.h"
-#include "databases/FindDatabases.h"
-#include "databases/UsersDatabase.h"
+#include "core/report/Folders.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/FindDatabases.h"
+#include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/ProfileFile.h"
 

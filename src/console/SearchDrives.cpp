@@ -1,6 +1,6 @@
 #include "console/SearchDrives.h"
 
-#include "core/ProblemReport.h"
+#include "core/report/ProblemReport.h"
 #include "platform/DriveAsker.h"
 #include "platform/Files.h"
 

@@ -1,6 +1,6 @@
 #include "console/SettingsSearch.h"
 
-#include "core/SettingsTable.h"
+#include "core/settings/SettingsTable.h"
 
 #include <QXmlStreamReader>
 

@@ -1,11 +1,11 @@
 #include "console/StartUp.h"
 
 #include "console/ScreenFacts.h"
-#include "core/Numbers.h"
-#include "core/Product.h"
-#include "core/Registry.h"
-#include "core/Settings.h"
-#include "core/TextFields.h"
+#include "core/settings/Settings.h"
+#include "core/system/Product.h"
+#include "core/system/Registry.h"
+#include "core/text/Numbers.h"
+#include "core/text/TextFields.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 

@@ -2,7 +2,7 @@
 
 #include "audio/WaveSearch.h"
 #include "console/CheckConfiguration.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 
 namespace tolvex {
 

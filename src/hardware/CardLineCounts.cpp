@@ -1,7 +1,7 @@
 #include "hardware/CardLineCounts.h"
 
-#include "core/Numbers.h"
-#include "core/ProblemReport.h"
+#include "core/report/ProblemReport.h"
+#include "core/text/Numbers.h"
 #include "hardware/AdvantechDriver.h"
 
 #include <limits>

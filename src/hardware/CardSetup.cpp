@@ -1,6 +1,6 @@
 #include "hardware/CardSetup.h"
 
-#include "core/Numbers.h"
+#include "core/text/Numbers.h"
 
 namespace tolvex {
 

@@ -3,8 +3,8 @@
 // LineActions.h tells what the action codes mean.
 #pragma once
 
-#include "core/DayTime.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
+#include "core/time/DayTime.h"
 
 #include <array>
 #include <span>

@@ -1,6 +1,6 @@
 #include "hardware/HardwareStore.h"
 
-#include "core/Numbers.h"
+#include "core/text/Numbers.h"
 #include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
 

@@ -3,7 +3,7 @@
 // and the tests read these rows; reading them is enough to know what the file holds.
 #pragma once
 
-#include "core/Choices.h"
+#include "core/text/Choices.h"
 #include "hardware/HardwareCards.h"
 
 #include <QString>

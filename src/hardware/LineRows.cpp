@@ -1,6 +1,6 @@
 #include "hardware/LineRows.h"
 
-#include "core/Numbers.h"
+#include "core/text/Numbers.h"
 #include "hardware/LineDisplay.h"
 
 #include <QStringList>

@@ -1,11 +1,11 @@
 #include "jet/Check.h"
 
-#include "jet/CheckCatalog.h"
-#include "jet/CheckDefinition.h"
-#include "jet/CheckTable.h"
-#include "jet/DataPage.h"
 #include "jet/Database.h"
-#include "jet/PageZero.h"
+#include "jet/maintenance/CheckCatalog.h"
+#include "jet/maintenance/CheckDefinition.h"
+#include "jet/maintenance/CheckTable.h"
+#include "jet/page/DataPage.h"
+#include "jet/page/PageZero.h"
 
 #include <tuple>
 

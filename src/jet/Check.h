@@ -2,7 +2,7 @@
 // and the catalogue. Whatever the file holds, the check ends, and takes memory by the number of pages.
 #pragma once
 
-#include "jet/Fault.h"
+#include "jet/base/Fault.h"
 
 #include <cstdint>
 #include <functional>

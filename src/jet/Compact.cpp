@@ -1,8 +1,8 @@
 #include "jet/Compact.h"
 
-#include "jet/Catalog.h"
 #include "jet/Database.h"
-#include "jet/NewFile.h"
+#include "jet/pager/NewFile.h"
+#include "jet/table/Catalog.h"
 
 #include <algorithm>
 

@@ -3,22 +3,10 @@
 // damaged file, too: every row that can be read arrives, and what could not be saved is told.
 #pragma once
 
-#include "jet/Fault.h"
-#include "jet/PageFile.h"
-#include "jet/Pager.h"
-
-#include <functional>
+#include "jet/base/Storage.h"
+#include "jet/maintenance/CompactPages.h"
 
 namespace jet {
-
-struct CompactResult {
-    std::uint32_t tables = 0; // those of the system included
-    std::uint64_t rows = 0;
-    std::uint64_t losses = 0;
-};
-
-// Reports what could not be saved: a table, a row, or a column of one, with the page of the source.
-using OnLoss = std::function<void(const Fault&)>;
 
 // Reads `source` and makes `target`, which must not exist; on return it is complete and flushed, to be put in
 // place by the caller. On any error the target is removed; the source is never changed. Throws what opening
@@ -36,8 +24,5 @@ CompactResult CompactDatabase(const std::string& source, const std::string& targ
 // The same of an open database into a new, empty file, which is whole and flushed when it returns.
 class Database;
 CompactResult CompactInto(Database& source, StorageFile& target, const OnLoss& lost);
-
-// The same between pagers. `target`: a NewFile or one like it, of which pages 0 and 1 are made.
-CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost);
 
 } // namespace jet

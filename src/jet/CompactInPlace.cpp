@@ -1,7 +1,7 @@
 #include "jet/CompactInPlace.h"
 
 #include "jet/Database.h"
-#include "jet/Swap.h"
+#include "jet/pager/Swap.h"
 
 namespace jet {
 

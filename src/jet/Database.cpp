@@ -1,10 +1,10 @@
 #include "jet/Database.h"
 
 #include "jet/Draft.h"
-#include "jet/Error.h"
-#include "jet/Jet3File.h"
-#include "jet/PageFile.h"
-#include "jet/Sharing.h"
+#include "jet/base/Error.h"
+#include "jet/base/Storage.h"
+#include "jet/jet3/Jet3File.h"
+#include "jet/pager/Sharing.h"
 
 #include <optional>
 #include <utility>

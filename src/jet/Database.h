@@ -1,9 +1,9 @@
 // One open database: the face of the engine. Tables and their rows are reached through catalog().
 #pragma once
 
-#include "jet/Catalog.h"
-#include "jet/FilePager.h"
-#include "jet/Jet3Import.h"
+#include "jet/jet3/Jet3Import.h"
+#include "jet/pager/FilePager.h"
+#include "jet/table/Catalog.h"
 
 namespace jet {
 

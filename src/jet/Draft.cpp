@@ -1,10 +1,10 @@
 #include "jet/Draft.h"
 
-#include "jet/Catalog.h"
-#include "jet/CreateDatabase.h"
-#include "jet/Error.h"
-#include "jet/RedoLog.h"
-#include "jet/Sharing.h"
+#include "jet/base/Error.h"
+#include "jet/pager/RedoLog.h"
+#include "jet/pager/Sharing.h"
+#include "jet/table/Catalog.h"
+#include "jet/table/CreateDatabase.h"
 
 namespace jet {
 

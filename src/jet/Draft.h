@@ -14,7 +14,7 @@
 // next.
 #pragma once
 
-#include "jet/PageFile.h"
+#include "jet/base/Storage.h"
 
 namespace jet {
 

@@ -1,11 +1,11 @@
 #include "jet/Recordset.h"
 
-#include "jet/Collation.h"
-#include "jet/Convert.h"
 #include "jet/Database.h"
-#include "jet/Error.h"
-#include "jet/Execute.h"
-#include "jet/Selection.h"
+#include "jet/base/Convert.h"
+#include "jet/base/Error.h"
+#include "jet/sql/Execute.h"
+#include "jet/sql/Selection.h"
+#include "jet/text/Collation.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 // overwrite what others have changed since edit().
 #pragma once
 
-#include "jet/RowOrder.h"
+#include "jet/sql/RowOrder.h"
 
 #include <memory>
 #include <optional>

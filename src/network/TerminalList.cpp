@@ -1,9 +1,9 @@
 #include "network/TerminalList.h"
 
-#include "core/Dates.h"
-#include "core/RecordLayout.h"
-#include "core/RecordListFault.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
+#include "core/text/RecordLayout.h"
+#include "core/text/RecordListFault.h"
+#include "core/time/Dates.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Machine.h"

@@ -2,7 +2,7 @@
 #include "app/RunCtl.h"
 
 #include "jet/Database.h"
-#include "jet/TableDesign.h"
+#include "jet/table/TableDesign.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -5,7 +5,7 @@
 #include "app/ctl/Commands.h"
 #include "audio/CartRecord.h"
 #include "jet/Database.h"
-#include "jet/Execute.h"
+#include "jet/sql/Execute.h"
 #include "support/WithoutRights.h"
 
 #include <QCryptographicHash>

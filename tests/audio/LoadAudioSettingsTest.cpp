@@ -5,7 +5,7 @@
 #include "audio/FileCache.h"
 #include "audio/LoadAudioSettings.h"
 #include "audio/WaveSearch.h"
-#include "core/Registry.h"
+#include "core/system/Registry.h"
 #include "platform/Machine.h"
 
 using namespace tolvex;

@@ -4,10 +4,10 @@
 #include "automation/AutomationStore.h"
 #include "automation/LogMentions.h"
 
-#include "core/Dates.h"
-#include "core/Settings.h"
-#include "databases/DatabaseSettings.h"
+#include "core/settings/Settings.h"
+#include "core/time/Dates.h"
 #include "databases/ServerTest.h"
+#include "databases/suite/DatabaseSettings.h"
 #include "platform/ProfileFile.h"
 
 #include <QSet>

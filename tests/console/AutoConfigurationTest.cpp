@@ -5,8 +5,8 @@
 #include "console/CheckConfiguration.h"
 #include "console/Installation.h"
 #include "console/LoadSettings.h"
-#include "core/Registry.h"
-#include "databases/UsersDatabase.h"
+#include "core/system/Registry.h"
+#include "databases/users/UsersDatabase.h"
 #include "platform/Machine.h"
 #include "platform/ProfileFile.h"
 

@@ -5,7 +5,7 @@
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
 #include "console/StartUp.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "network/TerminalList.h"
 #include "platform/WaveDevices.h"
 #include "support/FixedClock.h"

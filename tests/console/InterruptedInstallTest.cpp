@@ -6,11 +6,11 @@
 #include "ConsoleTest.h"
 #include "console/Installation.h"
 #include "console/LoadSettings.h"
-#include "databases/UsersDatabase.h"
+#include "databases/users/UsersDatabase.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
-#include "jet/TableDesign.h"
-#include "jet/Transfer.h"
+#include "jet/table/TableDesign.h"
+#include "jet/transfer/Transfer.h"
 #include "support/FileFaults.h"
 
 #include <QDirIterator>

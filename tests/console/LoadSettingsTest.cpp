@@ -2,8 +2,8 @@
 
 #include "console/CheckConfiguration.h"
 #include "console/ConsoleTest.h"
-#include "core/Dates.h"
-#include "core/SaveLocalSettings.h"
+#include "core/settings/SaveLocalSettings.h"
+#include "core/time/Dates.h"
 #include "platform/ProfileFile.h"
 
 using namespace tolvex;

@@ -2,7 +2,7 @@
 
 #include "console/ConsoleTest.h"
 #include "console/ScreenFacts.h"
-#include "core/Registry.h"
+#include "core/system/Registry.h"
 
 using namespace tolvex;
 

@@ -1,7 +1,7 @@
-#include "core/Folders.h"
+#include "core/report/Folders.h"
 
-#include "core/PathNames.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
+#include "core/text/PathNames.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"

@@ -1,5 +1,5 @@
 // Tables of fields: texts and numbers at their places, each byte once.
-#include "core/RecordLayout.h"
+#include "core/text/RecordLayout.h"
 
 #include <gtest/gtest.h>
 

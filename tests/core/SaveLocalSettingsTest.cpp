@@ -1,6 +1,6 @@
-#include "core/SaveLocalSettings.h"
+#include "core/settings/SaveLocalSettings.h"
 
-#include "core/SettingsLoader.h"
+#include "core/settings/SettingsLoader.h"
 #include "platform/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"

@@ -1,8 +1,8 @@
 // Settings carried from one workstation to another as a document: what it holds, where it goes, and that all
 // of it arrives or nothing.
-#include "core/SettingsImport.h"
+#include "core/exchange/SettingsImport.h"
 
-#include "core/SettingsLoader.h"
+#include "core/settings/SettingsLoader.h"
 #include "platform/CodePage.h"
 
 #include "platform/FileLock.h"

@@ -1,7 +1,7 @@
-#include "core/SettingsLoader.h"
+#include "core/settings/SettingsLoader.h"
 
-#include "core/Dates.h"
-#include "core/Registry.h"
+#include "core/system/Registry.h"
+#include "core/time/Dates.h"
 #include "platform/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"

@@ -1,6 +1,6 @@
-#include "core/SettingsTable.h"
+#include "core/settings/SettingsTable.h"
 
-#include "core/SettingsReference.h"
+#include "core/settings/SettingsReference.h"
 
 #include <gtest/gtest.h>
 

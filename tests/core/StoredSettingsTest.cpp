@@ -1,5 +1,5 @@
-#include "core/StoredSettings.h"
-#include "core/SettingCheck.h"
+#include "core/settings/StoredSettings.h"
+#include "core/settings/SettingCheck.h"
 
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"

@@ -1,8 +1,8 @@
-#include "core/Dates.h"
-#include "core/DayTime.h"
-#include "core/Numbers.h"
-#include "core/TextFields.h"
-#include "core/TimeText.h"
+#include "core/text/Numbers.h"
+#include "core/text/TextFields.h"
+#include "core/time/Dates.h"
+#include "core/time/DayTime.h"
+#include "core/time/TimeText.h"
 #include "support/FixedClock.h"
 #include "support/QtPrinters.h"
 

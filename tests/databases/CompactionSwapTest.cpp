@@ -2,8 +2,8 @@
 // writes, and the new file is to the system what the old one was.
 #include "DatabasesTest.h"
 
-#include "databases/CompactRepair.h"
-#include "jet/PageFile.h"
+#include "databases/compaction/CompactRepair.h"
+#include "jet/base/Storage.h"
 #include "support/FileFaults.h"
 #include "support/Workstation.h"
 

@@ -1,8 +1,8 @@
 // Compacting and repairing files, and finding databases in folders.
 #include "DatabasesTest.h"
 
-#include "databases/CompactRepair.h"
-#include "databases/FindDatabases.h"
+#include "databases/compaction/CompactRepair.h"
+#include "databases/suite/FindDatabases.h"
 #include "jet/Database.h"
 
 using namespace tolvex;

@@ -1,10 +1,10 @@
 // Named values in a Settings table, and what a database says about itself.
 #include "ServerTest.h"
 
-#include "databases/CompactRepair.h"
-#include "databases/DatabaseSettings.h"
+#include "databases/compaction/CompactRepair.h"
+#include "databases/suite/DatabaseSettings.h"
 
-#include "core/Dates.h"
+#include "core/time/Dates.h"
 #include "jet/Database.h"
 #include "support/WithoutRights.h"
 

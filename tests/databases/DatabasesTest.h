@@ -1,10 +1,10 @@
 // A machine with databases on it, and what readers that are not ours make of them.
 #pragma once
 
-#include "databases/DatabaseInformation.h"
-#include "databases/DatabaseKinds.h"
-#include "databases/SuiteDatabase.h"
-#include "databases/ValidateDatabase.h"
+#include "databases/store/SuiteDatabase.h"
+#include "databases/suite/DatabaseInformation.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/ValidateDatabase.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
 

@@ -1,10 +1,10 @@
 // Servers that do not answer, that break connections, and that others have furnished.
 #include "ServerTest.h"
 
-#include "databases/DatabaseSettings.h"
-#include "databases/FindDatabases.h"
-#include "databases/ServerSession.h"
-#include "databases/UsersSchema.h"
+#include "databases/odbc/ServerSession.h"
+#include "databases/suite/DatabaseSettings.h"
+#include "databases/suite/FindDatabases.h"
+#include "databases/users/UsersSchema.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;

@@ -2,9 +2,9 @@
 // database that one of them makes, and nobody's events are lost.
 #include "DatabasesTest.h"
 
-#include "core/Settings.h"
-#include "databases/UsersDatabase.h"
-#include "databases/UsersSchema.h"
+#include "core/settings/Settings.h"
+#include "databases/users/UsersDatabase.h"
+#include "databases/users/UsersSchema.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "support/FileFaults.h"

@@ -1,5 +1,5 @@
 // Connect strings as people write them.
-#include "databases/OdbcConnectString.h"
+#include "databases/odbc/OdbcConnectString.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Databases on a server, through the real driver manager and the public routines.
 #include "ServerTest.h"
 
-#include "core/Dates.h"
-#include "databases/DatabaseSettings.h"
-#include "databases/FindDatabases.h"
-#include "databases/UsersSchema.h"
+#include "core/time/Dates.h"
+#include "databases/suite/DatabaseSettings.h"
+#include "databases/suite/FindDatabases.h"
+#include "databases/users/UsersSchema.h"
 
 #include <QFile>
 

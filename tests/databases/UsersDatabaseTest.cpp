@@ -1,12 +1,12 @@
 // The users database: made, shared, tidied daily, filled from an older file.
 #include "DatabasesTest.h"
 
-#include "core/Dates.h"
-#include "core/Registry.h"
-#include "core/Settings.h"
-#include "databases/DatabaseSettings.h"
-#include "databases/UserImport.h"
-#include "databases/UsersDatabase.h"
+#include "core/settings/Settings.h"
+#include "core/system/Registry.h"
+#include "core/time/Dates.h"
+#include "databases/suite/DatabaseSettings.h"
+#include "databases/users/UserImport.h"
+#include "databases/users/UsersDatabase.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "platform/CodePage.h"

@@ -1,8 +1,8 @@
 // Databases made from nothing and brought up to date.
 #include "DatabasesTest.h"
 
-#include "core/DebugLog.h"
-#include "core/Settings.h"
+#include "core/report/DebugLog.h"
+#include "core/settings/Settings.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;

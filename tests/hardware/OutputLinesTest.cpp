@@ -1,7 +1,7 @@
 // Setting output lines in the table, and when a pulse ends.
 #include "hardware/OutputLines.h"
 
-#include "core/Dates.h"
+#include "core/time/Dates.h"
 #include "support/FixedClock.h"
 
 #include <gtest/gtest.h>

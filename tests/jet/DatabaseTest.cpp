@@ -2,7 +2,7 @@
 #include "jet/Database.h"
 
 #include "jet/NewDatabase.h"
-#include "jet/TableDesign.h"
+#include "jet/table/TableDesign.h"
 
 #include <gtest/gtest.h>
 

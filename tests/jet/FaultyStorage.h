@@ -3,8 +3,8 @@
 // it.
 #pragma once
 
-#include "jet/Error.h"
-#include "jet/PageFile.h"
+#include "jet/base/Error.h"
+#include "jet/base/Storage.h"
 
 #include <functional>
 #include <map>

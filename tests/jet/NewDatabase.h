@@ -1,10 +1,10 @@
 // A fresh database in memory, and what tests ask of it.
 #pragma once
 
-#include "jet/CreateDatabase.h"
-#include "jet/Error.h"
-#include "jet/MemoryPager.h"
-#include "jet/TableDesign.h"
+#include "jet/base/Error.h"
+#include "jet/pager/MemoryPager.h"
+#include "jet/table/CreateDatabase.h"
+#include "jet/table/TableDesign.h"
 
 namespace jet::tests {
 

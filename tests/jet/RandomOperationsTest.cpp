@@ -2,12 +2,12 @@
 // or rolled back, across sessions, through a cache much smaller than the file. After each batch every index
 // is walked both ways and the whole file is checked. TOLVEX_JET_BATCHES makes it run longer.
 #include "jet/Check.h"
-#include "jet/Collation.h"
 #include "jet/Database.h"
-#include "jet/Error.h"
 #include "jet/FaultyStorage.h"
 #include "jet/Recordset.h"
-#include "jet/TableDesign.h"
+#include "jet/base/Error.h"
+#include "jet/table/TableDesign.h"
+#include "jet/text/Collation.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // A database file of nothing but a header and a map of free pages, for tests of pages without tables.
 #pragma once
 
-#include "jet/DataPage.h"
-#include "jet/PageZero.h"
-#include "jet/UsageMap.h"
-#include "jet/Value.h"
+#include "jet/base/Value.h"
+#include "jet/page/DataPage.h"
+#include "jet/page/PageZero.h"
+#include "jet/page/UsageMap.h"
 
 #include <cstring>
 

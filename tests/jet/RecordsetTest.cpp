@@ -3,9 +3,9 @@
 #include "jet/Recordset.h"
 
 #include "jet/Database.h"
-#include "jet/Error.h"
 #include "jet/FaultyStorage.h"
-#include "jet/TableDesign.h"
+#include "jet/base/Error.h"
+#include "jet/table/TableDesign.h"
 
 #include <gtest/gtest.h>
 

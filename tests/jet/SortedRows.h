@@ -1,7 +1,7 @@
 // All rows of a table as text, to be compared with those of another file.
 #pragma once
 
-#include "jet/Transfer.h"
+#include "jet/transfer/Transfer.h"
 
 #include <algorithm>
 #include <string>

@@ -3,10 +3,10 @@
 // tables.
 #pragma once
 
-#include "jet/CreateDatabase.h"
-#include "jet/Execute.h"
-#include "jet/MemoryPager.h"
-#include "jet/TableDesign.h"
+#include "jet/pager/MemoryPager.h"
+#include "jet/sql/Execute.h"
+#include "jet/table/CreateDatabase.h"
+#include "jet/table/TableDesign.h"
 
 namespace jet::tests {
 

@@ -1,6 +1,6 @@
 // Commands as files, as texts and as fields of the editor: a byte more or less, and a device does something
 // else.
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "network/commands/CommandFolder.h"
 #include "network/commands/CommandRules.h"
 #include "network/commands/CommandText.h"

@@ -2,7 +2,7 @@
 // of them does to it.
 #include "network/TerminalList.h"
 
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "platform/Machine.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"

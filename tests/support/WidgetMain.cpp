@@ -1,5 +1,5 @@
 // The main of test programs with widgets: one application with the program's own style, offscreen.
-#include "dialogs/Style.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 

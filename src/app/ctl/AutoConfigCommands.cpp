@@ -5,8 +5,8 @@
 #include "audio/Hotlist.h"
 #include "console/AutoConfiguration.h"
 #include "console/Installation.h"
-#include "core/Settings.h"
-#include "databases/UsersDatabase.h"
+#include "core/settings/Settings.h"
+#include "databases/users/UsersDatabase.h"
 #include "platform/Paths.h"
 
 namespace tolvex::ctl {

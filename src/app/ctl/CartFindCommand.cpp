@@ -4,7 +4,7 @@
 #include "audio/CartStore.h"
 #include "audio/search/CartSearch.h"
 #include "console/LoadSettings.h"
-#include "core/TimeText.h"
+#include "core/time/TimeText.h"
 
 namespace tolvex::ctl {
 

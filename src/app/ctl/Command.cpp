@@ -2,8 +2,8 @@
 
 #include "console/LoadSettings.h"
 #include "console/StartUp.h"
-#include "core/ProblemReport.h"
-#include "core/SettingsImport.h"
+#include "core/exchange/SettingsImport.h"
+#include "core/report/ProblemReport.h"
 #include "platform/LookOnly.h"
 #include "platform/Paths.h"
 

@@ -2,8 +2,8 @@
 #include "app/ctl/Commands.h"
 
 #include "automation/LogMentions.h"
-#include "core/Folders.h"
-#include "core/Settings.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
 #include "hardware/HardwareStore.h"
 #include "network/commands/CommandFolder.h"
 #include "network/commands/CommandRules.h"

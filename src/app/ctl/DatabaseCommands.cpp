@@ -3,15 +3,15 @@
 #include "app/ctl/Commands.h"
 
 #include "automation/AutomationSchema.h"
-#include "core/Dates.h"
-#include "core/Folders.h"
-#include "databases/DatabaseInformation.h"
-#include "databases/DatabaseKinds.h"
-#include "databases/DatabaseSettings.h"
-#include "databases/FindDatabases.h"
-#include "databases/SuiteDatabase.h"
-#include "databases/UsersSchema.h"
-#include "databases/ValidateDatabase.h"
+#include "core/report/Folders.h"
+#include "core/time/Dates.h"
+#include "databases/store/SuiteDatabase.h"
+#include "databases/suite/DatabaseInformation.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/DatabaseSettings.h"
+#include "databases/suite/FindDatabases.h"
+#include "databases/suite/ValidateDatabase.h"
+#include "databases/users/UsersSchema.h"
 
 #include <optional>
 

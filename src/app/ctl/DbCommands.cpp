@@ -1,12 +1,12 @@
 // Any Jet file: its tables, their design, rows out and in, queries, check and compaction.
 #include "app/ctl/Commands.h"
 
-#include "databases/CompactRepair.h"
+#include "databases/compaction/CompactRepair.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
+#include "jet/Design.h"
 #include "jet/Error.h"
-#include "jet/Execute.h"
-#include "jet/TableDesign.h"
+#include "jet/Query.h"
 #include "jet/Transfer.h"
 #include "platform/Paths.h"
 

@@ -1,8 +1,8 @@
 // The hardware cards and what their lines do.
 #include "app/ctl/Commands.h"
 
-#include "core/Settings.h"
-#include "core/StoredSettings.h"
+#include "core/settings/Settings.h"
+#include "core/settings/StoredSettings.h"
 #include "hardware/CardSetup.h"
 #include "hardware/HardwareStore.h"
 #include "hardware/LineDisplay.h"

@@ -1,7 +1,7 @@
 // The private profile operations on any file.
 #include "app/ctl/Commands.h"
 
-#include "core/StoredSettings.h"
+#include "core/settings/StoredSettings.h"
 #include "platform/CodePage.h"
 #include "platform/Files.h"
 #include "platform/ProfileFile.h"

@@ -2,9 +2,9 @@
 #include "app/ctl/Commands.h"
 
 #include "console/StartUp.h"
-#include "core/SettingCheck.h"
-#include "core/SettingsImport.h"
-#include "core/SettingsReference.h"
+#include "core/exchange/SettingsImport.h"
+#include "core/settings/SettingCheck.h"
+#include "core/settings/SettingsReference.h"
 #include "platform/Files.h"
 
 namespace tolvex::ctl {

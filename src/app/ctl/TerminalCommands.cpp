@@ -1,8 +1,8 @@
 // The Terminal list: the workstations of the station by their numbers.
 #include "app/ctl/Commands.h"
 
-#include "core/Folders.h"
-#include "core/Settings.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
 #include "network/TerminalList.h"
 #include "platform/Machine.h"
 #include "platform/ProfileFile.h"

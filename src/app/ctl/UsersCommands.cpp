@@ -1,9 +1,9 @@
 // The users database of the station.
 #include "app/ctl/Commands.h"
 
-#include "core/Folders.h"
-#include "core/Settings.h"
-#include "databases/UsersDatabase.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
+#include "databases/users/UsersDatabase.h"
 
 namespace tolvex::ctl {
 

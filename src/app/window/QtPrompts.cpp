@@ -3,15 +3,15 @@
 #include "app/window/ProgressBox.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
-#include "core/Product.h"
-#include "core/Settings.h"
-#include "dialogs/Colours.h"
-#include "dialogs/FitForm.h"
-#include "dialogs/Monitors.h"
-#include "dialogs/Style.h"
-#include "dialogs/frmGoodInputBox.h"
-#include "dialogs/frmPrintPreview.h"
+#include "core/settings/Settings.h"
+#include "core/system/Product.h"
 #include "platform/Paths.h"
+#include "ui/forms/frmGoodInputBox.h"
+#include "ui/richtext/frmPrintPreview.h"
+#include "ui/style/Colours.h"
+#include "ui/style/FitForm.h"
+#include "ui/style/Monitors.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 #include <QColorDialog>

@@ -14,7 +14,7 @@
 
 #include "audio/CartRecord.h"
 #include "audio/search/LineFilter.h"
-#include "core/CaseBlindPattern.h"
+#include "core/text/CaseBlindPattern.h"
 
 #include <QList>
 

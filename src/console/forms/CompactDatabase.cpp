@@ -1,10 +1,10 @@
 #include "console/forms/CompactDatabase.h"
 
-#include "core/Settings.h"
-#include "databases/CompactRepair.h"
-#include "databases/LossReport.h"
-#include "databases/UsersDatabase.h"
-#include "dialogs/frmPrintPreview.h"
+#include "core/settings/Settings.h"
+#include "databases/compaction/CompactRepair.h"
+#include "databases/compaction/LossReport.h"
+#include "databases/users/UsersDatabase.h"
+#include "ui/richtext/frmPrintPreview.h"
 
 namespace tolvex {
 

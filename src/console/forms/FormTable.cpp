@@ -3,7 +3,7 @@
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 #include "hardware/forms/frmHardwareSettings.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "console/forms/JobTile.h"
 
-#include "dialogs/Style.h"
+#include "ui/style/Style.h"
 
 #include <QPainter>
 #include <QStyle>

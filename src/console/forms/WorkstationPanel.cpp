@@ -2,7 +2,7 @@
 
 #include "console/ConsoleJobs.h"
 #include "console/WorkstationGlance.h"
-#include "dialogs/Style.h"
+#include "ui/style/Style.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

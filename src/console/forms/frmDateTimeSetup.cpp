@@ -1,9 +1,9 @@
 #include "console/forms/frmDateTimeSetup.h"
 
-#include "core/Settings.h"
-#include "dialogs/OpenForms.h"
+#include "core/settings/Settings.h"
 #include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "ui/style/OpenForms.h"
 #include "ui_frmDateTimeSetup.h"
 
 namespace tolvex {

@@ -1,10 +1,10 @@
 #include "console/forms/frmDisplayOptions.h"
 
-#include "core/SaveLocalSettings.h"
-#include "core/Settings.h"
-#include "dialogs/Colours.h"
-#include "dialogs/OpenForms.h"
+#include "core/settings/SaveLocalSettings.h"
+#include "core/settings/Settings.h"
 #include "platform/Prompts.h"
+#include "ui/style/Colours.h"
+#include "ui/style/OpenForms.h"
 #include "ui_frmDisplayOptions.h"
 
 #include <cstdlib>

@@ -1,12 +1,12 @@
 #include "console/forms/frmMultiConfig.h"
 
 #include "console/ConfigurationSets.h"
-#include "core/Settings.h"
-#include "dialogs/Monitors.h"
-#include "dialogs/OpenForms.h"
-#include "dialogs/Style.h"
-#include "dialogs/frmGoodInputBox.h"
+#include "core/settings/Settings.h"
 #include "platform/Prompts.h"
+#include "ui/forms/frmGoodInputBox.h"
+#include "ui/style/Monitors.h"
+#include "ui/style/OpenForms.h"
+#include "ui/style/Style.h"
 #include "ui_frmMultiConfig.h"
 
 #include <QCloseEvent>

@@ -1,13 +1,13 @@
 #include "console/forms/frmSplash.h"
 
 #include "console/PlatformText.h"
-#include "core/Folders.h"
-#include "core/Product.h"
-#include "core/Settings.h"
-#include "dialogs/OpenForms.h"
-#include "dialogs/Style.h"
+#include "core/report/Folders.h"
+#include "core/settings/Settings.h"
+#include "core/system/Product.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "ui/style/OpenForms.h"
+#include "ui/style/Style.h"
 #include "ui_frmSplash.h"
 
 namespace tolvex {

@@ -1,7 +1,7 @@
 #include "hardware/forms/CardPage.h"
 
-#include "dialogs/TextBoxes.h"
 #include "hardware/forms/LineUsageModel.h"
+#include "ui/style/TextBoxes.h"
 #include "ui_CardPage.h"
 
 namespace tolvex {

@@ -1,13 +1,13 @@
 #include "hardware/forms/LineGrid.h"
 
-#include "core/Numbers.h"
-#include "dialogs/OptionList.h"
-#include "dialogs/Style.h"
-#include "dialogs/TextBoxes.h"
+#include "core/text/Numbers.h"
 #include "hardware/LineDisplay.h"
 #include "hardware/LineRows.h"
 #include "hardware/forms/LineUsageModel.h"
 #include "platform/Prompts.h"
+#include "ui/binding/OptionList.h"
+#include "ui/style/Style.h"
+#include "ui/style/TextBoxes.h"
 
 #include <QAction>
 #include <QApplication>

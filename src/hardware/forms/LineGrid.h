@@ -3,8 +3,8 @@
 // it, a list or a text box.
 #pragma once
 
-#include "dialogs/InCellEditor.h"
 #include "hardware/LineEdits.h"
+#include "ui/binding/InCellEditor.h"
 
 #include <QTableView>
 

@@ -1,6 +1,6 @@
 #include "hardware/forms/LineUsageModel.h"
 
-#include "dialogs/Style.h"
+#include "ui/style/Style.h"
 
 #include <QBrush>
 

@@ -1,6 +1,6 @@
 #include "hardware/forms/frmHardwareManager.h"
 
-#include "dialogs/OpenForms.h"
+#include "ui/style/OpenForms.h"
 
 #include <QEvent>
 #include <QPointer>

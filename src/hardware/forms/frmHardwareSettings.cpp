@@ -1,11 +1,8 @@
 #include "hardware/forms/frmHardwareSettings.h"
 
-#include "core/ProblemReport.h"
-#include "core/Settings.h"
-#include "core/StoredSettings.h"
-#include "dialogs/Monitors.h"
-#include "dialogs/OpenForms.h"
-#include "dialogs/Style.h"
+#include "core/report/ProblemReport.h"
+#include "core/settings/Settings.h"
+#include "core/settings/StoredSettings.h"
 #include "hardware/HardwareStore.h"
 #include "hardware/forms/CardPage.h"
 #include "hardware/forms/frmHardwareManager.h"
@@ -13,6 +10,9 @@
 #include "platform/Files.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
+#include "ui/style/Monitors.h"
+#include "ui/style/OpenForms.h"
+#include "ui/style/Style.h"
 #include "ui_frmHardwareSettings.h"
 
 #include <QBuffer>

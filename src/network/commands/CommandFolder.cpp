@@ -1,8 +1,8 @@
 #include "network/commands/CommandFolder.h"
 
-#include "core/Folders.h"
-#include "core/PathNames.h"
-#include "core/ProblemReport.h"
+#include "core/report/Folders.h"
+#include "core/report/ProblemReport.h"
+#include "core/text/PathNames.h"
 #include "platform/Files.h"
 
 namespace tolvex {

@@ -1,6 +1,6 @@
 #include "network/commands/CommandRecord.h"
 
-#include "core/RecordLayout.h"
+#include "core/text/RecordLayout.h"
 
 #include <array>
 

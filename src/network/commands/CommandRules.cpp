@@ -1,7 +1,7 @@
 #include "network/commands/CommandRules.h"
 
-#include "core/Numbers.h"
-#include "core/TextFields.h"
+#include "core/text/Numbers.h"
+#include "core/text/TextFields.h"
 #include "platform/CodePage.h"
 #include "platform/devices/SerialLine.h"
 

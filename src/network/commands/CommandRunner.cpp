@@ -1,6 +1,6 @@
 #include "network/commands/CommandRunner.h"
 
-#include "core/ProblemReport.h"
+#include "core/report/ProblemReport.h"
 #include "platform/CodePage.h"
 #include "platform/Files.h"
 #include "platform/Processes.h"

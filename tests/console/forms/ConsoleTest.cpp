@@ -5,9 +5,9 @@
 #include "console/forms/JobTile.h"
 #include "console/forms/WorkstationPanel.h"
 #include "console/forms/frmConfigure.h"
-#include "core/Registry.h"
-#include "dialogs/OpenForms.h"
+#include "core/system/Registry.h"
 #include "platform/RegistryStore.h"
+#include "ui/style/OpenForms.h"
 
 #include <QAction>
 #include <QCryptographicHash>

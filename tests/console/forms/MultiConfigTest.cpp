@@ -2,9 +2,9 @@
 
 #include "console/ConfigurationSets.h"
 #include "console/forms/frmMultiConfig.h"
-#include "core/Registry.h"
-#include "dialogs/frmGoodInputBox.h"
+#include "core/system/Registry.h"
 #include "platform/RegistryStore.h"
+#include "ui/forms/frmGoodInputBox.h"
 
 #include <QAction>
 #include <QListWidget>

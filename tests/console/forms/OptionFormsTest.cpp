@@ -4,7 +4,7 @@
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
-#include "dialogs/Colours.h"
+#include "ui/style/Colours.h"
 
 #include <QCheckBox>
 #include <QComboBox>

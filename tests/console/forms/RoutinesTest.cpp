@@ -6,8 +6,8 @@
 #include "console/Installation.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/frmConfigure.h"
-#include "databases/DatabaseKinds.h"
-#include "databases/ValidateDatabase.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/ValidateDatabase.h"
 
 #include <QAction>
 #include <QDialog>

@@ -7,8 +7,8 @@
 
 #include "audio/CartStore.h"
 #include "console/StartUp.h"
-#include "core/Settings.h"
-#include "databases/UsersDatabase.h"
+#include "core/settings/Settings.h"
+#include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/ProfileFile.h"
 

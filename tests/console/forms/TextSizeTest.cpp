@@ -5,7 +5,7 @@
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
-#include "dialogs/FitForm.h"
+#include "ui/style/FitForm.h"
 
 #include <QCheckBox>
 #include <QDialog>

@@ -2,7 +2,7 @@
 // and the manager make.
 #include "databases/server/Server.h"
 
-#include "jet/Value.h"
+#include "jet/base/Value.h"
 
 #include <sql.h>
 #include <sqlext.h>

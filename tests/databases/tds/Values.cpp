@@ -1,6 +1,6 @@
 #include "databases/tds/Values.h"
 
-#include "jet/Value.h"
+#include "jet/base/Value.h"
 
 #include <bit>
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "databases/tds/Wire.h"
 
-#include "jet/Value.h"
+#include "jet/base/Value.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,14 +4,14 @@
 #include "support/MachineFolder.h"
 #include "support/PrintingPrompts.h"
 
-#include "core/Settings.h"
-#include "dialogs/OptionList.h"
+#include "core/settings/Settings.h"
 #include "hardware/FakeDriver.h"
 #include "hardware/LineDisplay.h"
 #include "hardware/forms/LineGrid.h"
 #include "hardware/forms/frmHardwareManager.h"
 #include "hardware/forms/frmHardwareSettings.h"
 #include "platform/ProfileFile.h"
+#include "ui/binding/OptionList.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

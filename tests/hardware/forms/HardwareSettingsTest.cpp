@@ -3,9 +3,9 @@
 
 #include "support/QtPrinters.h"
 
-#include "dialogs/FitForm.h"
 #include "hardware/LineList.h"
 #include "platform/Machine.h"
+#include "ui/style/FitForm.h"
 
 #include <QHeaderView>
 #include <QProcess>

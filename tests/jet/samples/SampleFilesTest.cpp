@@ -2,15 +2,15 @@
 // or refused with a reason; those of the present format keep everything when they are rewritten, changed and
 // compacted.
 #include "jet/NewDatabase.h"
-#include "jet/RandomDamage.h"
 #include "jet/SortedRows.h"
+#include "jet/maintenance/RandomDamage.h"
 #include "jet/samples/Samples.h"
 
 #include "jet/Check.h"
 #include "jet/Compact.h"
-#include "jet/IndexCheck.h"
-#include "jet/Jet3Import.h"
-#include "jet/KeyEncoding.h"
+#include "jet/index/IndexCheck.h"
+#include "jet/index/KeyEncoding.h"
+#include "jet/jet3/Jet3Import.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "jet/samples/Samples.h"
 
-#include "jet/Error.h"
+#include "jet/base/Error.h"
 
 #include <algorithm>
 #include <chrono>

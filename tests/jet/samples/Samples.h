@@ -4,7 +4,7 @@
 
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
-#include "jet/PageZero.h"
+#include "jet/page/PageZero.h"
 
 #include <optional>
 #include <string>

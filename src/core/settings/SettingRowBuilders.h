@@ -1,0 +1,69 @@
+// Short forms for declaring settings rows; used by the row tables only.
+#pragma once
+
+#include "core/settings/SettingsTable.h"
+
+namespace tolvex {
+
+// Where a row's value lies: a member of the record, or a field of an entry of one of its tables.
+template<auto member>
+SettingRef Member(Settings& values, int) {
+    return &(values.*member);
+}
+template<auto table, auto field>
+SettingRef Field(Settings& values, int index) {
+    return &((values.*table)[index].*field);
+}
+
+constexpr SettingRow NumberRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
+                               qint32 fallback, const char* help) {
+    SettingRow row;
+    row.section = section;
+    row.key = key;
+    row.kind = kind;
+    row.help = help;
+    row.at = at;
+    row.defaultNumber = fallback;
+    if (kind == SettingKind::Flag)
+        return row.range(-1, 1);
+    return kind == SettingKind::Word ? row.range(INT16_MIN, INT16_MAX) : row;
+}
+
+constexpr SettingRow TextRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
+                             const char* fallback, const char* help) {
+    SettingRow row;
+    row.section = section;
+    row.key = key;
+    row.kind = kind;
+    row.help = help;
+    row.at = at;
+    row.defaultText = fallback;
+    return row;
+}
+
+template<auto member>
+constexpr SettingRow Flag(const char* section, const char* key, qint32 fallback, const char* help) {
+    return NumberRow(SettingKind::Flag, Member<member>, section, key, fallback, help);
+}
+template<auto member>
+constexpr SettingRow Word(const char* section, const char* key, qint32 fallback, const char* help) {
+    return NumberRow(SettingKind::Word, Member<member>, section, key, fallback, help);
+}
+template<auto member>
+constexpr SettingRow Number(const char* section, const char* key, qint32 fallback, const char* help) {
+    return NumberRow(SettingKind::Number, Member<member>, section, key, fallback, help);
+}
+template<auto member>
+constexpr SettingRow Colour(const char* section, const char* key, quint32 fallback, const char* help) {
+    return NumberRow(SettingKind::Colour, Member<member>, section, key, static_cast<qint32>(fallback), help);
+}
+template<auto member>
+constexpr SettingRow Text(const char* section, const char* key, const char* fallback, const char* help) {
+    return TextRow(SettingKind::Text, Member<member>, section, key, fallback, help);
+}
+
+// Colours of the system, by number.
+inline constexpr quint32 ButtonFace = 0x8000000Fu;
+inline constexpr quint32 ButtonText = 0x80000012u;
+
+} // namespace tolvex

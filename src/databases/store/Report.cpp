@@ -1,0 +1,47 @@
+#include "databases/store/Report.h"
+
+#include "core/report/ProblemReport.h"
+
+#include <algorithm>
+
+namespace tolvex {
+
+namespace {
+
+// A box has room for so many lines.
+constexpr std::size_t mostLines = 10;
+
+} // namespace
+
+HeldReports* HeldReports::current_ = nullptr;
+
+HeldReports::HeldReports(const QString& summary)
+    : outer_(current_)
+    , summary_(summary) {
+    current_ = this;
+}
+
+HeldReports::~HeldReports() {
+    current_ = outer_;
+    if (summary_.isEmpty() || entries_.size() < 2) {
+        for (const Entry& entry : entries_)
+            Report(entry.action, entry.error);
+        return;
+    }
+    QString lines;
+    for (std::size_t i = 0; i < std::min(entries_.size(), mostLines); ++i)
+        lines += QStringLiteral("\n%1 (%2)").arg(entries_[i].action).arg(entries_[i].error.number);
+    if (entries_.size() > mostLines)
+        lines += QStringLiteral("\nand %1 more").arg(entries_.size() - mostLines);
+    ProblemReport(summary_ + u'\n' + lines);
+}
+
+int Report(const QString& action, const DatabaseError& error) {
+    if (HeldReports::current_)
+        HeldReports::current_->entries_.push_back({action, error});
+    else
+        ProblemReport(action, error.number, false, error.text);
+    return error.number;
+}
+
+} // namespace tolvex

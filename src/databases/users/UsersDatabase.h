@@ -1,0 +1,62 @@
+// The users database: the suite's accounts, groups, preferences and history. Opened once, kept open for the
+// whole run and shared by all workstations of the station.
+#pragma once
+
+#include "databases/store/SuiteDatabase.h"
+#include "databases/suite/DatabaseInformation.h"
+
+#include <memory>
+
+namespace tolvex {
+
+// What is known of it while the program runs.
+struct UsersState {
+    std::unique_ptr<SuiteDatabase> database; // null: none is open
+    std::unique_ptr<SuiteRecordset> users;   // the Users table in the order of its index
+    DatabaseInformation information;
+    bool InhibitUserHistory = false;
+    QString currentLogin;
+    // Its private settings.
+    qint32 AllowEmptyPasswords = 1;
+    qint32 MustLoginToQuit = 1;
+    qint32 PasswordExpiryDays = 0;
+    qint32 UserHistoryPurgeDays = 30; // 0 or less keeps the history for ever
+    qint32 FirstRun = 0;
+    double LastAccountProcess = 36526; // serial date of the last daily processing
+
+    UsersState() = default;
+    UsersState(UsersState&&) noexcept = default;
+    UsersState& operator=(UsersState&&) noexcept;
+    ~UsersState() { closeTables(); }
+    // Recordsets go before their database.
+    void closeTables();
+};
+UsersState& usersState();
+void ResetUsersState();
+
+// Its file in the data location, as a full path.
+QString UsersDatabaseFile();
+
+// Makes or upgrades the file, opens it for the run, offers once to import the accounts of an older users
+// file, and does the daily processing of accounts when it is due. Result: 0; -1 when the file could not be
+// made or opened; else an error number.
+qint16 OpenUsersDatabase(const QString& fileName);
+void CloseUsersDatabase();
+
+// Enters an event, at the next second that has none. A failure is never reported: what is being logged goes
+// on. Cost: one commit.
+void AddEventToUserHistory(const QString& loginName, qint32 action, qint32 status, const QString& notes);
+
+// Actions and outcomes in the history.
+enum UserHistoryAction : qint32 { AccountDisabled = 21, AccountDeleted = 22, AutomationSettingsSaved = 129 };
+enum UserHistoryStatus : qint32 { EventSucceeded = 1, EventFailed = 2 };
+
+// Removes old history, disables accounts that have expired and deletes those that are due. `by`: the login
+// that the history names. Result: 0 or the last error number.
+qint16 ProcessUserAccounts(const QString& by);
+
+// Deletes an account with its preferences and its folder beside the database. True when it is gone, or never
+// was; a failure is reported.
+bool DeleteUser(const QString& loginName);
+
+} // namespace tolvex

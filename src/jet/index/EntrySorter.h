@@ -1,0 +1,73 @@
+// Index entries that come in any order and are given back in theirs. Up to a limit they are sorted in memory;
+// beyond it sorted runs go to a temporary file and are merged from there, so that memory stays flat however
+// many there are. The file has no name: it is gone with the sorter, or with the program, however that ends.
+#pragma once
+
+#include "jet/index/IndexPage.h"
+
+#include <memory>
+
+namespace jet {
+
+class StorageFile;
+
+class EntrySorter {
+public:
+    static constexpr std::size_t DefaultMemory = std::size_t{64} << 20;
+
+    // `memory`: bytes that entries and their order may take before a run is written out; the merge reads
+    // through buffers of as much in all, but at least 4 KB a run.
+    explicit EntrySorter(std::size_t memory = DefaultMemory);
+    EntrySorter(EntrySorter&&) noexcept;
+    EntrySorter& operator=(EntrySorter&&) noexcept;
+    ~EntrySorter();
+
+    // How many entries are to come, as far as is known: saves making room again and again.
+    void expect(std::uint64_t entries);
+    // Throws RecordTooLarge for a key that is too long, and what writing a file throws.
+    void add(KeyView key, RowPointer row);
+    // To be called once, when all were added. Cost: linear in the number of entries as a rule.
+    void sort();
+    // After sort(): goes to the first entry, then to the next one; false: there is none.
+    bool next();
+    // The entry: its key and the row's pointer. Until the next call of next().
+    KeyView entry() const { return entry_; }
+    KeyView key() const { return entry_.first(entry_.size() - indexpage::RowLength); }
+    RowPointer row() const;
+
+    std::uint64_t size() const { return size_; }
+
+private:
+    class Run;
+    struct Place {
+        std::uint64_t head;   // bytes of the entry that order most of them
+        std::uint32_t at;     // in the chunks
+        std::uint32_t length; // of the entry
+    };
+    KeyView entryAt(const Place& place) const;
+    std::uint8_t* room(std::size_t length);
+    void sortPlaces();
+    void spill();
+
+    std::size_t memory_;
+    std::uint64_t size_ = 0;
+
+    // Entries in memory.
+    std::vector<std::unique_ptr<std::uint8_t[]>> chunks_;
+    std::size_t used_ = 0; // bytes of the chunks
+    std::vector<Place> places_;
+    std::vector<Place> spare_;
+    std::size_t common_ = 0; // bytes that all of them begin with
+    bool inOrder_ = true;    // as they came
+    std::size_t given_ = 0;
+
+    // Entries in the file.
+    std::unique_ptr<StorageFile> file_;
+    std::uint64_t fileEnd_ = 0;
+    std::vector<std::unique_ptr<Run>> runs_; // merging: those with entries left, as a heap
+    bool begun_ = false;
+
+    KeyView entry_;
+};
+
+} // namespace jet

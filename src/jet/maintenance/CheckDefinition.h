@@ -1,0 +1,13 @@
+// The integrity of a table's definition: the pages it lies on, its columns and its indexes.
+#pragma once
+
+#include "jet/maintenance/CheckContext.h"
+#include "jet/record/TableDefinition.h"
+
+namespace jet {
+
+// `pages`: those of the definition, in order.
+void CheckDefinition(CheckContext& context, const TableDefinition& definition,
+                     const std::vector<PageNumber>& pages);
+
+} // namespace jet

@@ -1,0 +1,74 @@
+// The rows of one table on their way into a new file: what can be read of each, with its long values stored
+// anew.
+#pragma once
+
+#include "jet/base/RowSet.h"
+#include "jet/maintenance/TableLosses.h"
+#include "jet/record/LongValue.h"
+#include "jet/table/Table.h"
+
+#include <functional>
+
+namespace jet {
+
+// Decides on a row of a system table: false leaves it behind. `fields` is what the new row has of each
+// column; it may be pointed to other values, which must live until the table is copied.
+using RowChange = std::function<bool(RowPointer at, const RowView& row, std::span<RowEncoder::Field> fields)>;
+
+class RowCopier {
+public:
+    // `definition`: of the new table, with its maps. All arguments outlive this. `change` may be empty.
+    RowCopier(Pager& source, const Table& from, Pager& target, TableDefinition& definition,
+              const RowChange& change, TableLosses& losses);
+
+    // Before each pass: nothing of an earlier one is there any more.
+    void begin();
+    // The row as it will be but for the places of its long values, until the next call; null: it stays
+    // behind.
+    const RowView* preview(RowPointer at, const RowView& row);
+    // The bytes of the new row, whose long values are stored; nothing: it stays behind. Until the next call.
+    std::optional<std::span<const std::uint8_t>> copy(RowPointer at, const RowView& row);
+    // After the last pass: texts that are longer than their column make it longer.
+    void fitColumns();
+
+private:
+    // Columns whose bytes are looked at one by one: all but the fixed numbers of rows that are long enough.
+    struct Watched {
+        std::size_t column;
+        std::unique_ptr<LongValueStore> store; // of a long one
+        RowSet pieces;                         // of the old table's long values
+    };
+
+    bool take(RowPointer at, const RowView& row);
+    bool encode();
+    void checkColumns(RowPointer at);
+    void checkColumn(std::size_t index);
+    void moveLongValue(Watched& watched);
+    void readLongValue(Watched& watched, std::span<const std::uint8_t> definition);
+    void takeBack();
+
+    Pager& source_;
+    const Table& from_;
+    Pager& target_;
+    TableDefinition& definition_;
+    const RowChange& change_;
+    TableLosses& losses_;
+    RowEncoder encoder_;
+    int fixedLength_;
+    bool hasGaps_; // columns were dropped: their data stays behind
+    std::vector<Watched> watched_;
+    std::vector<std::size_t> longest_; // bytes of the longest text or binary value, by column
+
+    // Of the row that is being copied.
+    Bytes row_;
+    RowView copy_;                          // of row_
+    std::vector<RowEncoder::Field> fields_; // what the new row has of each column: all of copy_, as a rule
+    bool altered_ = false;                  // not all of it
+    std::vector<const Watched*> moved_;     // whose long values are stored already
+    Bytes encoded_;
+    RowView changed_; // of encoded_
+    Bytes longValue_;
+    Value value_;
+};
+
+} // namespace jet

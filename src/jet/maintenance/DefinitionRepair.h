@@ -1,0 +1,19 @@
+// Mending a table's definition so that its rows can be saved.
+#pragma once
+
+#include "jet/record/TableDefinition.h"
+
+#include <functional>
+
+namespace jet {
+
+// Makes everything hold that rows, indexes and the check rely on. Of a table that never lost a column the
+// numbers and places of columns follow from their kinds, so that a broken one is found again. What cannot be
+// known any more is left out, a column or an index, and `lost` gets that as the end of a sentence. A sound
+// definition stays as it is.
+void RepairDefinition(TableDefinition& definition, const std::function<void(const std::string&)>& lost);
+
+// A name for one of two things that have the same: with a number behind it that none of the others has.
+std::u16string NameBeside(std::u16string_view name, const std::function<bool(std::u16string_view)>& isTaken);
+
+} // namespace jet

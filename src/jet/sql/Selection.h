@@ -1,0 +1,70 @@
+// The rows of one table that a SELECT chooses, in the order it asks for.
+#pragma once
+
+#include "jet/sql/Criterion.h"
+#include "jet/sql/IndexChoice.h"
+#include "jet/table/Table.h"
+
+#include <functional>
+#include <optional>
+
+namespace jet {
+
+// A row of a table as a criterion sees it: columns are taken out when they are asked for.
+class TableRow final : public RowValues {
+public:
+    explicit TableRow(const Table& table);
+    void moveTo(const RowView& row);
+    const Value& value(int column) override;
+
+private:
+    const Table& table_;
+    RowView row_;
+    std::vector<Value> values_;
+    std::vector<std::uint32_t> readAt_; // the turn in which a column was read
+    std::uint32_t turn_ = 0;
+};
+
+class Selection {
+public:
+    // The table outlives the selection. Throws what Criterion does, and UnknownField for a field to show or
+    // to sort by.
+    Selection(const Table& table, const sql::Select& select);
+    // All fields of the rows for which `where` holds; without one, all rows.
+    Selection(const Table& table, const std::optional<sql::Expression>& where);
+
+    const Table& table() const { return table_; }
+    // Positions of the fields to show.
+    const std::vector<int>& fields() const { return fields_; }
+    // The index that finds the rows; nothing: all rows of the table are looked at.
+    const std::optional<IndexRange>& index() const { return range_; }
+
+    // Whether the rows must be sorted: no index has them in the order that is asked for, or another one finds
+    // them faster.
+    bool sorts() const { return !order_.empty() && !walk_; }
+
+    // Gives every chosen row, until `visit` says false. Without ORDER BY in the order of the index used or of
+    // the table. Nothing is kept in memory unless rows are sorted: then their pointers and sort keys are.
+    // `visit` must not change the table.
+    using Visit = std::function<bool(RowPointer, const RowView&)>;
+    void forEach(const Visit& visit) const;
+
+    // The chosen rows' pointers.
+    std::vector<RowPointer> rows() const;
+
+private:
+    using Offer = std::function<bool(RowPointer)>;
+    void forEachFound(const Visit& visit) const;
+    void walkForward(const Offer& offer) const;
+    void walkBackward(const Offer& offer) const;
+    std::vector<RowPointer> sorted() const;
+
+    const Table& table_;
+    std::vector<int> fields_;
+    std::vector<SortTerm> order_;
+    std::optional<Criterion> criterion_;
+    std::optional<IndexRange> range_;
+    std::optional<IndexWalk> walk_; // gives the rows of range_ in order_
+};
+
+} // namespace jet

@@ -1,0 +1,55 @@
+// Changes one table's definition: columns, indexes, and the maps and trees behind them. What TableDesign's
+// routines are made of.
+#pragma once
+
+#include "jet/table/TableDesign.h"
+
+namespace jet {
+
+class DesignEditor {
+public:
+    // Both are changed; save() writes the definition. The properties are the caller's to store.
+    DesignEditor(Pager& pager, TableDefinition& definition, PropertyBlob& properties)
+        : pager_(pager)
+        , definition_(definition)
+        , properties_(properties) {}
+
+    // The maps of a new table.
+    void makeMaps();
+
+    void addField(const FieldDesign& field);
+    // The pages of its long values are freed.
+    void dropField(int column);
+    void renameField(int column, std::u16string_view name);
+
+    // Gives the position of the real index, whose tree is empty.
+    int addIndex(const IndexDesign& index);
+    // The tree goes with the last index that uses it.
+    void dropIndex(std::u16string_view name);
+    void renameIndex(std::u16string_view name, std::u16string_view to);
+
+    // Frees everything that belongs to the table, its definition included.
+    void destroy();
+    // Writes the definition so that Table objects made before notice that they are stale.
+    void save();
+
+private:
+    RowPointer makeMap();
+    void dropMap(RowPointer map);
+    // `owner`: what their heads say.
+    void freeMapAndDataPages(RowPointer map, std::uint32_t owner);
+    void freeTree(const RealIndex& index);
+    void freePages(RowPointer map, const std::vector<PageNumber>& pages);
+    void makeTree(RealIndex& index);
+    LogicalIndex& logicalIndex(std::u16string_view name);
+    void sortIndexes();
+
+    Pager& pager_;
+    TableDefinition& definition_;
+    PropertyBlob& properties_;
+};
+
+// Throws InvalidArgument for what cannot be the name of a table, field or index.
+void CheckName(std::u16string_view name);
+
+} // namespace jet

@@ -1,0 +1,49 @@
+// Rows in the order of their sorted keys. Fetching them one by one would look for a page for each; so many at
+// a time are fetched in the order of their pages, and given in that of their keys.
+#pragma once
+
+#include "jet/index/EntrySorter.h"
+#include "jet/table/Table.h"
+
+namespace jet {
+
+class OrderedRows {
+public:
+    static constexpr std::size_t DefaultMemory = std::size_t{32} << 20;
+
+    // `entries`: sorted, none given yet. Both outlive this. `memory`: bytes for keys and rows, about. Stands
+    // inside a Reading.
+    OrderedRows(const Table& table, EntrySorter& entries, std::size_t memory = DefaultMemory);
+
+    // Goes to the first row, then to the next one; false: there is none. Rows that are not there are passed
+    // over.
+    bool next();
+    // Of the row; until the next call of next().
+    KeyView key() const { return {bytes_.data() + item().key, item().keyLength}; }
+    RowPointer at() const { return item().at; }
+    const RowView& row() const { return row_; }
+
+private:
+    struct Item {
+        RowPointer at;
+        std::uint16_t keyLength = 0;
+        std::uint16_t length = 0; // of the row; 0: it is to be fetched by itself
+        std::uint32_t key = 0;    // where they begin in bytes_
+        std::uint32_t row = 0;
+        PageNumber page = 0; // that the row really lies on
+    };
+    const Item& item() const { return items_[taken_ - 1]; }
+    bool fill();
+
+    const Table& table_;
+    EntrySorter& entries_;
+    std::size_t memory_;
+    std::size_t rowLength_; // as the number of pages and that of rows let expect
+    std::vector<Item> items_;
+    std::size_t taken_ = 0;
+    std::vector<std::uint64_t> byPage_; // a row's pointer, and the number of its item
+    Bytes bytes_;
+    RowView row_;
+};
+
+} // namespace jet

@@ -1,0 +1,55 @@
+// Reading what can be read of a damaged database: walks that go on behind damage.
+#pragma once
+
+#include "jet/base/Error.h"
+#include "jet/table/Table.h"
+
+#include <functional>
+
+namespace jet {
+
+// Whether an error says that the file holds something wrong, as against that it could not be read at all.
+inline bool IsDamage(const Error& error) {
+    return error.code() == ErrorNumber::ReadVerification || error.code() == ErrorNumber::Corrupt;
+}
+
+using OnDamage = std::function<void(PageNumber, const Error&)>;
+
+// Runs a step and gives damage that it meets at a page to `damaged(PageNumber, const Error&)`. False: there
+// was some.
+template<typename Damaged, typename Step>
+bool DespiteDamage(PageNumber page, const Damaged& damaged, const Step& step) {
+    try {
+        step();
+        return true;
+    } catch (const Error& error) {
+        if (!IsDamage(error))
+            throw;
+        damaged(page, error);
+        return false;
+    }
+}
+
+// Gives every row of a table that can be found to `visit(RowPointer, const RowView&)`, and every damage to
+// `damaged`.
+template<typename Visit>
+void WalkReadable(const Table& table, Visit visit, const OnDamage& damaged) {
+    RowPointer at;
+    for (;;) {
+        const RowPointer before = at;
+        try {
+            RowView row;
+            if (!table.next(at, row))
+                return;
+            visit(at, row);
+        } catch (const Error& error) {
+            if (!IsDamage(error))
+                throw;
+            damaged(at.page, error);
+            if (at == before)
+                return;
+        }
+    }
+}
+
+} // namespace jet

@@ -1,0 +1,85 @@
+// The changing half of a Table: made with the first change, it keeps what is needed for many of them.
+#pragma once
+
+#include "jet/index/IndexPath.h"
+#include "jet/index/KeyEncoding.h"
+#include "jet/record/LongValue.h"
+#include "jet/table/Table.h"
+
+namespace jet {
+
+class TableWriter {
+public:
+    // The table's definition must stay where it is.
+    TableWriter(Pager& pager, const TableDefinition& definition, std::vector<FieldRule> rules);
+
+    // Each change has two halves. The first checks everything and throws what the caller is to blame for; no
+    // page is changed. The second, which must follow at once, changes pages; what it throws is a fault of the
+    // file.
+    void prepareInsert(std::span<Value> values);
+    RowPointer insert();
+    // `row`: the view of the row at `at`.
+    void prepareUpdate(const RowView& row, std::span<const FieldChange> changes);
+    void update(RowPointer at);
+    void prepareRemove(const RowView& row);
+    void remove(RowPointer at);
+
+private:
+    struct Index {
+        KeyEncoder encoder;
+        IndexTree tree;
+        const RealIndex* definition;
+        Bytes key; // of the row as it shall be
+        Bytes oldKey;
+        bool present = false; // the row has an entry
+        bool oldPresent = false;
+        std::uint32_t newKeys = 0; // what the row adds to the number of distinct keys
+        bool searched = false;     // the new key is not there yet, and would go to `place`
+        IndexPath place = {};
+    };
+    // A long value of the row being built that goes to pages of its own.
+    struct Apart {
+        std::size_t column = 0;
+        std::size_t at = 0; // of its definition in the row
+        std::span<const std::uint8_t> data;
+    };
+
+    void checkDesign();
+    void keepOld(const RowView& row);
+    void decodeKeyColumns(const Index& index);
+    void removeLongValue(std::size_t column);
+    RowPointer movedTo(RowPointer at);
+    void checkRule(std::size_t column, const Value& value) const;
+    void prepareKey(Index& index, std::span<const Value> values);
+    void chooseSample();
+    void countKeys(std::size_t index);
+    void buildRow();
+    void encode(bool allApart);
+    void storeApart();
+    LongValueStore& store(std::size_t column);
+    void place(RowPointer at);
+
+    Pager& pager_;
+    const TableDefinition& definition_;
+    std::vector<FieldRule> rules_;
+    Bytes design_; // the head of the definition page as it was
+    RowEncoder encoder_;
+    RowSpace space_;
+    std::vector<Index> indexes_;
+    std::vector<std::unique_ptr<LongValueStore>> stores_; // by column
+    int autonumber_ = -1;
+
+    // Used again from row to row.
+    Bytes row_;
+    Bytes oldRow_;
+    RowView old_;                     // of oldRow_
+    std::uint32_t newAutonumber_ = 0; // 0: none
+    std::uint32_t sample_ = 1;        // for how many rows this one stands
+    std::vector<RowEncoder::Field> fields_;
+    std::vector<Value> values_;
+    std::vector<Value> changed_;
+    std::vector<Apart> apart_;
+    std::vector<Bytes> texts_; // encoded memos, by column
+};
+
+} // namespace jet

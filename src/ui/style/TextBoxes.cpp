@@ -1,0 +1,90 @@
+#include "ui/style/TextBoxes.h"
+
+#include "core/text/TextFields.h"
+#include "ui/style/Style.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+#include <QToolTip>
+
+namespace tolvex {
+
+namespace {
+
+const QString MarkName = QStringLiteral("lblMark");
+
+class SelectOnFocus : public QObject {
+public:
+    explicit SelectOnFocus(QLineEdit* box)
+        : QObject(box) {
+        box->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        // After the click that gave the focus has placed its cursor.
+        if (event->type() == QEvent::FocusIn)
+            QTimer::singleShot(0, watched, [box = static_cast<QLineEdit*>(watched)] { SelectAll(box); });
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
+
+void SelectAll(QLineEdit* box) {
+    box->setSelection(0, static_cast<int>(box->text().size()));
+}
+
+void SelectAllOnFocus(QLineEdit* box) {
+    new SelectOnFocus(box);
+}
+
+void MarkBox(QLineEdit* box, const QString& word) {
+    auto* label = box->findChild<QLabel*>(MarkName);
+    if (!label && word.isEmpty())
+        return;
+    if (!label) {
+        label = new QLabel(box);
+        label->setObjectName(MarkName);
+        auto* layout = new QHBoxLayout(box);
+        layout->setContentsMargins(8, 0, 12, 0);
+        layout->addWidget(label, 0, Qt::AlignRight | Qt::AlignVCenter);
+        label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    label->setText(word);
+    label->setVisible(!word.isEmpty());
+    label->setStyleSheet(
+        QStringLiteral("color: %1; background: transparent;").arg(tokens().warningText.name()));
+    box->setStyleSheet(word.isEmpty()
+                           ? QString()
+                           : QStringLiteral("QLineEdit { border-color: %1; }").arg(tokens().warning.name()));
+    const int room = word.isEmpty() ? 0 : label->sizeHint().width() + 12;
+    box->setTextMargins(0, 0, room, 0);
+    box->setAccessibleDescription(word);
+}
+
+void RestrictTo(QLineEdit* box, QString (*fitting)(const QString& text), const QString& why) {
+    QObject::connect(box, &QLineEdit::textEdited, box, [box, fitting, why](const QString& text) {
+        const QString left = fitting(text);
+        if (left == text)
+            return;
+        const int cursor = box->cursorPosition() - static_cast<int>(text.size() - left.size());
+        box->setText(left);
+        box->setCursorPosition(cursor);
+        QToolTip::showText(box->mapToGlobal(QPoint(0, box->height())), why, box);
+    });
+}
+
+void TypeInUpperCase(QLineEdit* box) {
+    SelectAllOnFocus(box);
+    QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
+        const int cursor = box->cursorPosition();
+        box->setText(UpperCased(text));
+        box->setCursorPosition(cursor);
+    });
+}
+
+} // namespace tolvex
