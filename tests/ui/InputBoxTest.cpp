@@ -126,7 +126,7 @@ TEST(InputBox, ListModesAnswerWithTextOrNumbers) {
                   [](auto& box) { box.template findChild<QComboBox*>("comboCombo")->setEditText("own"); }),
               "own");
     EXPECT_EQ(run(Mode::SingleList, [](auto&) {}), "open");
-    const auto pick = [](const char* list, QList<int> rows) {
+    const auto pick = [](const char* list, const QList<int>& rows) {
         return [list, rows](frmGoodInputBox& box) {
             auto* view = box.findChild<QListWidget*>(list);
             for (const int row : rows)

@@ -57,8 +57,8 @@ inline void Damage(Bytes& file, std::mt19937& random) {
         std::fill_n(at, PageSize, std::uint8_t{0});
         break;
     case 1:
-        std::copy_n(file.begin() + static_cast<std::ptrdiff_t>(Below(random, pages) * PageSize), PageSize,
-                    at);
+        std::copy_n(file.begin() + static_cast<std::ptrdiff_t>(std::size_t{Below(random, pages)} * PageSize),
+                    PageSize, at);
         break;
     case 2:
     case 3:
