@@ -94,11 +94,12 @@ public:
 private:
     // Nothing if it cannot be read, which is reported with the table.
     const std::optional<TableDefinition>& definitionOf(PageNumber page) {
-        const auto [found, isNew] = definitions_.try_emplace(page);
+        const auto added = definitions_.try_emplace(page);
+        std::optional<TableDefinition>& definition = added.first->second;
         const auto damaged = [](PageNumber, const Error&) {};
-        if (isNew)
-            DespiteDamage(page, damaged, [&] { found->second = ReadTableDefinition(pager_, page); });
-        return found->second;
+        if (added.second)
+            DespiteDamage(page, damaged, [&] { definition = ReadTableDefinition(pager_, page); });
+        return definition;
     }
 
     Pager& pager_;

@@ -129,34 +129,28 @@ void CompactCatalog::giveParents() {
 
 // Names are unique below each parent; the first of two keeps its own.
 void CompactCatalog::giveNames() {
-    std::vector<CatalogObject*> sorted;
-    for (auto& [row, kept] : kept_) {
-        if (kept.object.name.empty())
-            kept.object.name = u"Recovered";
-        sorted.push_back(&kept.object);
-    }
-    for (CatalogObject& standard : missing_)
-        sorted.push_back(&standard);
-    const auto before = [](const CatalogObject* a, const CatalogObject* b) {
-        if (a->parent != b->parent)
-            return a->parent < b->parent;
-        const int order = CompareTexts(a->name, b->name);
-        return order != 0 ? order < 0 : a->row < b->row;
+    using Place = std::pair<std::int32_t, std::u16string>;
+    const auto before = [](const Place& a, const Place& b) {
+        return a.first != b.first ? a.first < b.first : CompareTexts(a.second, b.second) < 0;
     };
-    std::sort(sorted.begin(), sorted.end(), before);
-    for (std::size_t i = 1; i < sorted.size(); ++i) {
-        CatalogObject& object = *sorted[i];
-        if (object.parent != sorted[i - 1]->parent || !SameText(object.name, sorted[i - 1]->name))
+    std::set<Place, decltype(before)> taken(before);
+    for (const CatalogObject& standard : missing_)
+        taken.emplace(standard.parent, standard.name);
+    NamesBeside beside;
+    for (auto& [row, kept] : kept_) {
+        CatalogObject& object = kept.object;
+        if (object.name.empty())
+            object.name = u"Recovered";
+        if (taken.emplace(object.parent, object.name).second)
             continue;
-        const auto isTaken = [&](std::u16string_view name) {
-            return std::any_of(sorted.begin(), sorted.end(), [&](const CatalogObject* other) {
-                return other->parent == object.parent && SameName(other->name, name);
-            });
-        };
-        std::u16string name = NameBeside(object.name, isTaken);
-        report(object.row.page, u"MSysObjects",
+        const std::int32_t parent = object.parent;
+        std::u16string name = beside.next(object.name, [&](std::u16string_view one) {
+            return taken.count({parent, std::u16string(one)}) != 0;
+        });
+        report(row.page, u"MSysObjects",
                "names two objects '" + ToUtf8(object.name) + "', one of which is '" + ToUtf8(name) + "' now");
         object.name = std::move(name);
+        taken.emplace(parent, object.name);
     }
 }
 

@@ -186,6 +186,7 @@ private:
     // Tables that no object names.
     void nameRecovered() {
         Catalog catalog(target_);
+        NamesBeside beside;
         for (const Moving& moving : moving_) {
             if (moving.object || moving.to == 0)
                 continue;
@@ -193,7 +194,7 @@ private:
                 return catalog.findTable(name).has_value();
             };
             const std::u16string first = u"Recovered";
-            const std::u16string name = isTaken(first) ? NameBeside(first, isTaken) : first;
+            const std::u16string name = isTaken(first) ? beside.next(first, isTaken) : first;
             lost_({moving.table.definition().page, name,
                    "is the definition of a table without a name, which is '" + ToUtf8(name) + "' now",
                    false});

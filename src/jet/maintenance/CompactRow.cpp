@@ -14,10 +14,9 @@ constexpr std::size_t LongestValue = 510; // bytes of a Text or Binary column
 
 } // namespace
 
-RowCopier::RowCopier(Pager& source, const Table& from, Pager& target, TableDefinition& definition,
-                     const RowChange& change, TableLosses& losses)
+RowCopier::RowCopier(Pager& source, Pager& target, TableDefinition& definition, const RowChange& change,
+                     TableLosses& losses)
     : source_(source)
-    , from_(from)
     , target_(target)
     , definition_(definition)
     , change_(change)

@@ -18,8 +18,8 @@ using RowChange = std::function<bool(RowPointer at, const RowView& row, std::spa
 class RowCopier {
 public:
     // `definition`: of the new table, with its maps. All arguments outlive this. `change` may be empty.
-    RowCopier(Pager& source, const Table& from, Pager& target, TableDefinition& definition,
-              const RowChange& change, TableLosses& losses);
+    RowCopier(Pager& source, Pager& target, TableDefinition& definition, const RowChange& change,
+              TableLosses& losses);
 
     // Before each pass: nothing of an earlier one is there any more.
     void begin();
@@ -48,7 +48,6 @@ private:
     void takeBack();
 
     Pager& source_;
-    const Table& from_;
     Pager& target_;
     TableDefinition& definition_;
     const RowChange& change_;

@@ -36,7 +36,7 @@ TableCompaction::TableCompaction(Pager& source, const Table& from, Pager& target
     , losses_(from.definition().page, from.name(), lost)
     , definition_(from.definition())
     , keys_(from, definition_, losses_)
-    , rows_(source, from, target, definition_, change, losses_) {
+    , rows_(source, target, definition_, change, losses_) {
     definition_.page = to;
     makeMaps();
 }

@@ -170,6 +170,7 @@ private:
 
     template<typename Named>
     void renameTwins(std::vector<Named>& all, const char* what) {
+        NamesBeside beside;
         for (auto one = all.begin(); one != all.end(); ++one) {
             const auto isTaken = [&](std::u16string_view name) {
                 return std::any_of(all.begin(), all.end(), [&](const Named& other) {
@@ -180,7 +181,7 @@ private:
                 all.begin(), one, [&](const Named& before) { return SameName(before.name, one->name); });
             if (!twin)
                 continue;
-            std::u16string name = NameBeside(one->name, isTaken);
+            std::u16string name = beside.next(one->name, isTaken);
             lost_("has two " + std::string(what) + " of the name '" + ToUtf8(one->name) +
                   "', one of which is '" + ToUtf8(name) + "' now");
             one->name = std::move(name);
@@ -197,11 +198,12 @@ void RepairDefinition(TableDefinition& definition, const std::function<void(cons
     Repair(definition, lost).run();
 }
 
-std::u16string NameBeside(std::u16string_view name, const std::function<bool(std::u16string_view)>& isTaken) {
-    constexpr std::size_t longest = 60; // four less than a name can be
-    for (int number = 2;; ++number) {
+std::u16string NamesBeside::next(std::u16string_view name,
+                                 const std::function<bool(std::u16string_view)>& isTaken) {
+    constexpr std::size_t longest = 55; // of 64, which a name can be
+    for (;;) {
         std::u16string other(name.substr(0, longest));
-        other += ToUtf16(' ' + std::to_string(number));
+        other += ToUtf16(' ' + std::to_string(++number_));
         if (!isTaken(other))
             return other;
     }

@@ -13,7 +13,14 @@ namespace jet {
 // definition stays as it is.
 void RepairDefinition(TableDefinition& definition, const std::function<void(const std::string&)>& lost);
 
-// A name for one of two things that have the same: with a number behind it that none of the others has.
-std::u16string NameBeside(std::u16string_view name, const std::function<bool(std::u16string_view)>& isTaken);
+// Names for things that have those of others: with a number behind, which is another one each time, so that
+// few are tried.
+class NamesBeside {
+public:
+    std::u16string next(std::u16string_view name, const std::function<bool(std::u16string_view)>& isTaken);
+
+private:
+    int number_ = 1;
+};
 
 } // namespace jet

@@ -28,13 +28,17 @@ bool isSame(const RealIndex& a, const RealIndex& b) {
                       });
 }
 
-// Whether a definition has all columns and indexes of another in the same places.
+// Whether the definition of a system table has all columns and indexes of another in the same places, and no
+// relationships.
 bool includes(const TableDefinition& definition, const TableDefinition& other) {
     for (const Column& column : other.columns) {
         const int found = definition.findColumn(column.name);
         if (found < 0 || !isSame(definition.columns[static_cast<std::size_t>(found)], column))
             return false;
     }
+    for (const LogicalIndex& index : definition.logicalIndexes)
+        if (index.role != LogicalIndex::Role::None)
+            return false;
     return std::all_of(other.logicalIndexes.begin(), other.logicalIndexes.end(),
                        [&](const LogicalIndex& index) {
                            const LogicalIndex* found = definition.findIndex(index.name);
@@ -63,7 +67,11 @@ Table SourceTables::openSystem(PageNumber page, const std::u16string& name) {
         fault = "its columns and indexes are not the known ones";
     if (fault.empty()) {
         auto pages = pagesIfUnlisted(found);
-        return Table(source_, std::move(found), name, std::move(pages));
+        Table listed(source_, std::move(found), name, std::move(pages));
+        if (countRows(listed) < listed.definition().rowCount)
+            if (auto whole = withUnlistedPages(listed))
+                return std::move(*whole);
+        return listed;
     }
     lost_({page, name, "holds no definition of the table that can be used: " + fault, false});
     return Table(source_, known, name, pagesOf(page));

@@ -129,7 +129,9 @@ void writeBit(Pager& pager, RowPointer row, PageNumber page, bool value) {
         const PageNumber bit = page - map.bits().first;
         setBit(pager.edit(row.page) + map.offset + InlineHead, bit, value);
     } else {
-        setBit(pager.edit(map.entry(page / PagesPerBitmap)) + BitmapHead, page % PagesPerBitmap, value);
+        const PageNumber index = page / PagesPerBitmap;
+        readBitmap(pager, map, index); // throws if it is none
+        setBit(pager.edit(map.entry(index)) + BitmapHead, page % PagesPerBitmap, value);
     }
 }
 
@@ -240,6 +242,9 @@ void UsageMap::remove(PageNumber page) {
 
 void UsageMap::clear() {
     const std::vector<PageNumber> bitmaps = bitmapPages();
+    for (const PageNumber bitmap : bitmaps)
+        if (pager_->read(bitmap)[0] != BitmapType)
+            Damaged(bitmap, "is no usage map bitmap");
     const MapRow map = readRow(*pager_, row_);
     std::memset(pager_->edit(row_.page) + map.offset, 0, static_cast<std::size_t>(map.length));
     for (const PageNumber bitmap : bitmaps)

@@ -140,8 +140,23 @@ Bytes SecurityIdOf(const Bytes& sid, const Bytes& administrator) {
     return own;
 }
 
+// Objects that the catalogue counts but that are not found are damage, too: what looks for a table must not
+// take it for one that is not there.
+std::vector<CatalogObject> Catalog::readObjects(const OnDamage& damaged) const {
+    const Reading reading(*pager_);
+    const Table table(*pager_, ObjectsPage);
+    std::vector<CatalogObject> found = ReadObjects(table, damaged);
+    const auto count = [&] {
+        if (found.size() < table.rowCount())
+            Damaged(ObjectsPage, "counts " + std::to_string(table.rowCount()) + " objects, of which " +
+                                     std::to_string(found.size()) + " are found");
+    };
+    DespiteDamage(ObjectsPage, damaged, count);
+    return found;
+}
+
 std::vector<CatalogObject> Catalog::objects() const {
-    return ReadObjects(Table(*pager_, ObjectsPage), throwDamage);
+    return readObjects(throwDamage);
 }
 
 std::vector<CatalogObject> Catalog::tables() const {
@@ -153,7 +168,7 @@ std::vector<CatalogObject> Catalog::tables() const {
 std::optional<CatalogObject> Catalog::findTable(std::u16string_view name) const {
     std::optional<Error> damage;
     const auto damaged = [&](PageNumber, const Error& error) { damage = error; };
-    for (CatalogObject& object : ReadObjects(Table(*pager_, ObjectsPage), damaged))
+    for (CatalogObject& object : readObjects(damaged))
         if (object.isTable() && SameName(object.name, name))
             return std::move(object);
     if (damage)

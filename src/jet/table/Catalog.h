@@ -74,8 +74,12 @@ public:
 
     Pager& pager() const { return *pager_; }
 
-    // All objects in the order of the catalogue's rows. A damaged row throws.
+    // All objects in the order of the catalogue's rows. Throws ReadVerification if one cannot be read or
+    // found.
     std::vector<CatalogObject> objects() const;
+    // Those that can be read; damage goes to `damaged`, and single columns that cannot be read are left
+    // empty.
+    std::vector<CatalogObject> readObjects(const OnDamage& damaged) const;
     // The user's tables (neither system nor linked), in the order of the catalogue.
     std::vector<CatalogObject> tables() const;
     // The table of this name, system tables included. Damage of other objects does not matter; when there is
