@@ -10,6 +10,13 @@ namespace {
 
 const QDate dayZero(1899, 12, 30);
 constexpr double secondsADay = 86400;
+// The years 100 and 9999: dates of the suite lie between.
+constexpr double firstDay = -657434;
+constexpr double lastDay = 2958465;
+
+bool isDate(double serial) {
+    return serial >= firstDay && serial < lastDay + 1;
+}
 
 std::optional<QTime> parseTime(const QString& text) {
     for (const char* form : {"H:m:s", "H:m"}) {
@@ -38,6 +45,8 @@ double SerialDate(const QDateTime& time) {
 }
 
 QDateTime FromSerialDate(double serial) {
+    if (!isDate(serial))
+        return {};
     const double day = std::floor(serial);
     const int milliseconds = static_cast<int>(std::lround((serial - day) * secondsADay * 1000));
     return QDateTime(dayZero.addDays(static_cast<qint64>(day)), QTime(0, 0)).addMSecs(milliseconds);
@@ -59,7 +68,8 @@ std::optional<double> ParseDate(const QString& text) {
     const std::optional<QTime> time = gap < 0 ? QTime(0, 0) : parseTime(plain.mid(gap + 1));
     if (!day || !time)
         return std::nullopt;
-    return SerialDate(QDateTime(*day, *time));
+    const double serial = SerialDate(QDateTime(*day, *time));
+    return isDate(serial) ? std::optional(serial) : std::nullopt;
 }
 
 } // namespace tolvex
