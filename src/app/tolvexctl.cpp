@@ -3,6 +3,7 @@
 #include "app/ctl/Help.h"
 #include "app/ctl/TerminalPrompts.h"
 #include "console/StartUp.h"
+#include "databases/store/Report.h"
 #include "platform/LookOnly.h"
 #include "platform/Paths.h"
 
@@ -65,7 +66,10 @@ int run(const CommandLine& line) {
     tolvex::platform::setPrompts(&prompts);
     static const Command none{"", "", "", nullptr};
     Call call{line.command ? *line.command : none, output, line.arguments, line.options};
+    tolvex::SilentErrors silent;
     int status = line.problem.isEmpty() ? start(line, call) : call.wrong(line.problem);
+    for (const tolvex::DatabaseError& error : silent.take())
+        status = call.fail(QStringLiteral("%1 (error %2)").arg(error.text).arg(error.number), error.number);
     if (!output.finish(endingOf(status), prompts.lastMessage())) {
         output.say(QStringLiteral("Standard output did not take everything."));
         status = Failed;

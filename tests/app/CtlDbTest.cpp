@@ -63,6 +63,62 @@ TEST_F(CtlDb, TellsTheDesign) {
     EXPECT_EQ(db("query", {"SELECT"}).status, 3);
 }
 
+// An index of a table names a column that is not there. The others are listed and read; what fails says why.
+TEST_F(CtlDb, TellsABrokenTableAndListsTheOthers) {
+    const QString log = onC("D/LOG.MDB");
+    ASSERT_EQ(run({"db", "create", log, "--type", "14"}).status, 0);
+    QByteArray bytes = read(log);
+    qsizetype definition = -1;
+    const QByteArray stamp("\x83\x07\x00\x00", 4); // before the columns of an index
+    for (qsizetype page = 6 * 4096; definition < 0 && page < bytes.size(); page += 4096)
+        if (bytes[page] == 2)
+            definition = page;
+    bytes[bytes.indexOf(stamp, definition) + 4] = 77;
+    write(log, bytes);
+
+    const auto details = [](const Result& failed) {
+        const QJsonObject error = failed.json().object()[QLatin1String("error")].toObject();
+        EXPECT_EQ(error[QLatin1String("number")].toInt(), 3428);
+        return error[QLatin1String("details")].toArray();
+    };
+    const Result tables = run({"--json", "db", "tables", log});
+    EXPECT_EQ(tables.status, 3);
+    EXPECT_EQ(details(tables).size(), 6);
+    EXPECT_EQ(tables.err.count("names a column that is not there"), 1) << tables.err.toStdString();
+    EXPECT_EQ(details(run({"--json", "db", "schema", log})).size(), 5);
+    EXPECT_EQ(run({"db", "validate", log}).status, 3);
+    EXPECT_EQ(run({"db", "check", log}).status, 1);
+    const Result lost = run({"--json", "db", "compact", log});
+    EXPECT_EQ(lost.status, 1);
+    EXPECT_EQ(lost.json().array().size(), 1);
+    EXPECT_EQ(run({"db", "check", log}).status, 0);
+    EXPECT_EQ(run({"db", "validate", log}).status, 0);
+    EXPECT_EQ(run({"db", "tables", log}).status, 0);
+}
+
+// The index of the settings cannot be read: no item is missing, and the command fails with the reason.
+TEST_F(CtlDb, ASilentRoutinesErrorIsHeard) {
+    db("import", {"Settings"}, "Item,Value\na,1\n");
+    EXPECT_EQ(db("settings", {"get", "a"}).out, "1\n");
+    QByteArray bytes = read(file());
+    for (qsizetype page = 14 * 4096; page < bytes.size(); page += 4096)
+        if (bytes[page] == 4)
+            bytes[page] = 9;
+    write(file(), bytes);
+    const Result got = db("settings", {"get", "a"});
+    EXPECT_EQ(got.status, 3);
+    EXPECT_TRUE(got.err.contains("is no index page") && got.err.contains("3428")) << got.err.toStdString();
+
+    // A search passes over what it cannot read, and says so.
+    EXPECT_EQ(run({"db", "create", onC("D/GOOD.MDB"), "--type", "1"}).status, 0);
+    QByteArray broken = read(onC("D/GOOD.MDB"));
+    broken[2 * 4096] = 9; // the definition of the catalogue
+    write(onC("D/BROKEN.MDB"), broken);
+    const Result found = run({"db", "find", "C:\\D", "--type", "1"});
+    EXPECT_EQ(found.status, 0);
+    EXPECT_TRUE(found.err.contains("BROKEN.MDB")) << found.err.toStdString();
+}
+
 TEST_F(CtlDb, ChecksAndCompacts) {
     db("import", {"Settings"}, "Item,Value\na,1\nb,2\n");
     const QByteArray before = read(file());

@@ -5,6 +5,7 @@
 #include "automation/AutomationSchema.h"
 #include "core/report/Folders.h"
 #include "core/time/Dates.h"
+#include "databases/store/Report.h"
 #include "databases/store/SuiteDatabase.h"
 #include "databases/suite/DatabaseInformation.h"
 #include "databases/suite/DatabaseKinds.h"
@@ -155,9 +156,12 @@ int find(Call& call) {
     if (onServer) // which is told when it does not answer; the search would pass it over
         ConnectToServer(connectOf(call));
     QString first;
+    SilentErrors passedOver;
     const qint32 count = FindDatabaseOfType(call.path(0), type, &first, 0, connectOf(call));
     call.output.record(QJsonObject{{QStringLiteral("count"), count}, {QStringLiteral("firstName"), first}},
                        {{"count", "Databases"}, {"firstName", "First"}});
+    for (const DatabaseError& error : passedOver.take())
+        call.output.note(QStringLiteral("Passed over: %1 (error %2)").arg(error.text).arg(error.number));
     return count > 0 ? Done : No;
 }
 

@@ -7,6 +7,7 @@
 #include "jet/Design.h"
 #include "jet/Error.h"
 #include "jet/Query.h"
+#include "jet/Salvage.h"
 #include "jet/Transfer.h"
 #include "platform/Paths.h"
 
@@ -84,8 +85,36 @@ const char* nameOf(jet::ColumnType type) {
     return "unknown";
 }
 
-std::vector<jet::CatalogObject> listedTables(const Call& call, jet::Database& database) {
-    std::vector<jet::CatalogObject> tables = database.catalog().objects();
+// Says what is damaged of a database, while the rest of it is listed.
+class Damage {
+public:
+    explicit Damage(const Call& call)
+        : call_(call) {}
+    void operator()(jet::PageNumber, const jet::Error& error) { say(error); }
+    // Lists a table, and says why it cannot be.
+    template<typename List>
+    void list(const jet::CatalogObject& table, List list) {
+        const auto damaged = [&](jet::PageNumber, const jet::Error& error) {
+            say(error, toQString(table.name) + QStringLiteral(": "));
+        };
+        jet::DespiteDamage(0, damaged, list);
+    }
+    int status() const { return met_ ? Failed : Done; }
+
+private:
+    void say(const jet::Error& error, const QString& table = {}) {
+        met_ = true;
+        call_.fail(QStringLiteral("%1: %2%3 (error %4)")
+                       .arg(call_.argument(0), table, QString::fromStdString(error.what()))
+                       .arg(error.number()),
+                   error.number());
+    }
+    const Call& call_;
+    bool met_ = false;
+};
+
+std::vector<jet::CatalogObject> listedTables(const Call& call, jet::Database& database, Damage& damage) {
+    std::vector<jet::CatalogObject> tables = database.catalog().readObjects(std::ref(damage));
     std::erase_if(tables, [&](const jet::CatalogObject& object) {
         return !object.isTable() || (object.isSystem() && !call.has("--system"));
     });
@@ -96,13 +125,18 @@ int tables(Call& call) {
     return guarded(call, [&]() -> int {
         jet::Database database = openFile(call, true);
         QJsonArray records;
-        for (const jet::CatalogObject& object : listedTables(call, database)) {
-            const jet::Table table = database.catalog().table(object);
-            records += QJsonObject{{QStringLiteral("table"), toQString(object.name)},
-                                   {QStringLiteral("rows"), static_cast<qint64>(table.rowCount())}};
+        Damage damage(call);
+        for (const jet::CatalogObject& object : listedTables(call, database, damage)) {
+            QJsonObject record{{QStringLiteral("table"), toQString(object.name)},
+                               {QStringLiteral("rows"), QJsonValue()}};
+            damage.list(object, [&] {
+                const jet::Table table = database.catalog().table(object);
+                record[QLatin1String("rows")] = static_cast<qint64>(table.rowCount());
+            });
+            records += record;
         }
         call.output.records(records, {{"table", "Table"}, {"rows", "Rows", true}});
-        return Done;
+        return damage.status();
     });
 }
 
@@ -138,19 +172,22 @@ int schema(Call& call) {
     return guarded(call, [&]() -> int {
         jet::Database database = openFile(call, true);
         QJsonArray all;
-        for (const jet::CatalogObject& object : listedTables(call, database)) {
+        Damage damage(call);
+        for (const jet::CatalogObject& object : listedTables(call, database, damage)) {
             if (call.arguments.size() > 1 && !jet::SameName(object.name, call.argument(1).toStdU16String()))
                 continue;
-            const jet::TableDesign design = jet::DescribeTable(database.catalog(), object);
-            all += QJsonObject{{QStringLiteral("table"), toQString(design.name)},
-                               {QStringLiteral("columns"), columnsOf(design)},
-                               {QStringLiteral("indexes"), indexesOf(design)}};
+            damage.list(object, [&] {
+                const jet::TableDesign design = jet::DescribeTable(database.catalog(), object);
+                all += QJsonObject{{QStringLiteral("table"), toQString(design.name)},
+                                   {QStringLiteral("columns"), columnsOf(design)},
+                                   {QStringLiteral("indexes"), indexesOf(design)}};
+            });
         }
-        if (all.isEmpty() && call.arguments.size() > 1)
+        if (all.isEmpty() && call.arguments.size() > 1 && damage.status() == Done)
             return call.no(QStringLiteral("%1 has no table %2.").arg(call.argument(0), call.argument(1)));
         if (call.output.json()) {
             call.output.records(all, {});
-            return Done;
+            return damage.status();
         }
         for (const QJsonValue value : all) {
             const QJsonObject table = value.toObject();
@@ -169,7 +206,7 @@ int schema(Call& call) {
                                                                             {"ignoreNulls", "Skips nulls"}});
             call.output.line({});
         }
-        return Done;
+        return damage.status();
     });
 }
 

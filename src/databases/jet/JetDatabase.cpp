@@ -6,6 +6,7 @@
 #include "jet/Draft.h"
 #include "jet/Query.h"
 #include "jet/Recordset.h"
+#include "jet/Salvage.h"
 #include "platform/LookOnly.h"
 #include "platform/Paths.h"
 
@@ -15,15 +16,27 @@ namespace tolvex {
 
 namespace {
 
-// Runs one operation of the engine; its error goes on as a DatabaseError.
-template<typename Operation>
-auto onEngine(Operation operation) -> decltype(operation()) {
-    try {
-        return operation();
-    } catch (const jet::Error& error) {
-        throw FromEngine(error);
+// Runs operations of the engine on one database; their errors go on as DatabaseErrors, and one of damage
+// names the file.
+class OnEngine {
+public:
+    explicit OnEngine(QString path)
+        : path_(std::move(path)) {}
+    template<typename Operation>
+    auto operator()(Operation operation) const -> decltype(operation()) {
+        try {
+            return operation();
+        } catch (const jet::Error& error) {
+            DatabaseError thrown = FromEngine(error);
+            if (jet::IsDamage(error))
+                thrown.text.prepend(path_ + QStringLiteral(": "));
+            throw thrown;
+        }
     }
-}
+
+private:
+    QString path_;
+};
 
 std::u16string engineText(const QString& text) {
     return text.toStdU16String();
@@ -45,8 +58,9 @@ jet::FieldDesign fieldDesign(const Field& field, bool allowZeroLength) {
 
 class JetRecordset final : public SuiteRecordset {
 public:
-    explicit JetRecordset(jet::Recordset rows)
-        : rows_(std::move(rows)) {}
+    JetRecordset(jet::Recordset rows, OnEngine engine)
+        : rows_(std::move(rows))
+        , onEngine(std::move(engine)) {}
 
     QString name() const override { return suiteText(rows_.name()); }
     bool tableMode() const override { return rows_.kind() == jet::Recordset::Kind::Table; }
@@ -96,12 +110,14 @@ public:
 
 private:
     jet::Recordset rows_;
+    const OnEngine onEngine;
 };
 
 class JetDatabase final : public SuiteDatabase {
 public:
-    explicit JetDatabase(jet::Database database)
-        : database_(std::move(database)) {}
+    JetDatabase(jet::Database database, OnEngine engine)
+        : database_(std::move(database))
+        , onEngine(std::move(engine)) {}
 
     QString engineVersion() const override {
         return database_.header().version == jet::PageZero::Jet3 ? QStringLiteral("3.0")
@@ -151,7 +167,8 @@ public:
         return onEngine([&]() -> std::unique_ptr<SuiteRecordset> {
             const auto kind =
                 mode == RecordsetMode::Table ? jet::Recordset::Kind::Table : jet::Recordset::Kind::Dynaset;
-            return std::make_unique<JetRecordset>(jet::Recordset::open(database_, engineText(source), kind));
+            return std::make_unique<JetRecordset>(jet::Recordset::open(database_, engineText(source), kind),
+                                                  onEngine);
         });
     }
     void execute(const QString& statement) override {
@@ -186,7 +203,14 @@ public:
 
 private:
     jet::Database database_;
+    const OnEngine onEngine;
 };
+
+// Nothing for a number that stands for no day.
+QVariant dateOf(double days) {
+    const QDateTime date = FromSerialDate(days);
+    return date.isValid() ? QVariant(date) : QVariant();
+}
 
 } // namespace
 
@@ -203,7 +227,7 @@ QVariant ToVariant(const jet::Value& value) {
             else if constexpr (std::is_same_v<Held, jet::Currency>)
                 return static_cast<double>(held.tenThousandths) / 10000;
             else if constexpr (std::is_same_v<Held, jet::Date>)
-                return FromSerialDate(held.days);
+                return dateOf(held.days);
             else if constexpr (std::is_same_v<Held, std::u16string>)
                 return QString::fromStdU16String(held);
             else if constexpr (std::is_same_v<Held, jet::Bytes>)
@@ -252,20 +276,22 @@ std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path) {
     const std::string host = EnginePath(path);
     jet::OpenOptions options;
     options.readOnly = platform::LookingOnly();
+    const OnEngine onEngine(path);
     return onEngine([&]() -> std::unique_ptr<SuiteDatabase> {
-        return std::make_unique<JetDatabase>(jet::Database::open(host, options));
+        return std::make_unique<JetDatabase>(jet::Database::open(host, options), onEngine);
     });
 }
 
 void CreateSuiteDatabase(const QString& path, const std::function<void(SuiteDatabase&)>& fill) {
     const std::string host = EnginePath(path);
+    const OnEngine onEngine(path);
     onEngine([&] {
         jet::Storage& storage = jet::MachineStorage();
         jet::Draft draft(storage, host);
         if (fill) {
             jet::OpenOptions alone;
             alone.exclusive = true;
-            JetDatabase database(jet::Database::open(storage, draft.path(), alone));
+            JetDatabase database(jet::Database::open(storage, draft.path(), alone), onEngine);
             fill(database);
             database.close();
         }
@@ -275,7 +301,7 @@ void CreateSuiteDatabase(const QString& path, const std::function<void(SuiteData
 
 void RemoveEmptyDatabase(const QString& path) {
     const std::string host = EnginePath(path);
-    onEngine([&] { jet::Draft::removeEmpty(jet::MachineStorage(), host); });
+    OnEngine{path}([&] { jet::Draft::removeEmpty(jet::MachineStorage(), host); });
 }
 
 } // namespace tolvex

@@ -14,6 +14,22 @@ constexpr std::size_t mostLines = 10;
 } // namespace
 
 HeldReports* HeldReports::current_ = nullptr;
+SilentErrors* SilentErrors::current_ = nullptr;
+
+SilentErrors::SilentErrors()
+    : outer_(current_) {
+    current_ = this;
+}
+
+SilentErrors::~SilentErrors() {
+    current_ = outer_;
+}
+
+int KeepSilent(const DatabaseError& error) {
+    if (SilentErrors::current_)
+        SilentErrors::current_->errors_.push_back(error);
+    return error.number;
+}
 
 HeldReports::HeldReports(const QString& summary)
     : outer_(current_)

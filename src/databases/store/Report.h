@@ -3,12 +3,35 @@
 
 #include "databases/store/SuiteDatabase.h"
 
+#include <utility>
 #include <vector>
 
 namespace tolvex {
 
 // Reports the error through the one error report and gives its number.
 int Report(const QString& action, const DatabaseError& error);
+
+// Takes the error of a routine that says nothing of it to the user, and gives its number.
+int KeepSilent(const DatabaseError& error);
+
+// While one lives, it takes down the errors that routines keep to themselves, for a shell that says them all.
+class SilentErrors {
+public:
+    SilentErrors();
+    ~SilentErrors();
+    SilentErrors(const SilentErrors&) = delete;
+    SilentErrors& operator=(const SilentErrors&) = delete;
+
+    // Those since the last call.
+    std::vector<DatabaseError> take() { return std::exchange(errors_, {}); }
+
+private:
+    friend int KeepSilent(const DatabaseError& error);
+
+    static SilentErrors* current_;
+    SilentErrors* outer_;
+    std::vector<DatabaseError> errors_;
+};
 
 // While one lives, reports wait; they are shown when it ends. A message box waits for its user: put this
 // around a transaction, so that no other workstation waits for the box.

@@ -95,9 +95,10 @@ int readDatabase(SuiteDatabase& database, const QString& name, DatabaseInformati
     try {
         row = database.open(QStringLiteral("Description"), RecordsetMode::Table);
     } catch (const DatabaseError& error) {
-        if (reportErrors)
-            Report(name + QStringLiteral("\n\nopening the description information in the database"), error);
-        return error.number;
+        return reportErrors
+                   ? Report(name + QStringLiteral("\n\nopening the description information in the database"),
+                            error)
+                   : KeepSilent(error);
     }
     information.EngineVersion = database.engineVersion();
     if (row->eof()) {
@@ -111,7 +112,7 @@ int readDatabase(SuiteDatabase& database, const QString& name, DatabaseInformati
     try {
         readRow(*row, information);
     } catch (const DatabaseError& error) {
-        return error.number;
+        return KeepSilent(error);
     }
     return 0;
 }
@@ -126,9 +127,9 @@ int readInformation(const QString& name, DatabaseInformation* information, bool 
     }
     *information = {};
     if (!database) {
-        if (reportErrors)
-            Report(name + QStringLiteral("\n\nopening the database to read it's information"), error);
-        return error.number;
+        return reportErrors
+                   ? Report(name + QStringLiteral("\n\nopening the database to read it's information"), error)
+                   : KeepSilent(error);
     }
     if (const int failed = readDatabase(*database, name, *information, reportErrors))
         return failed;

@@ -23,9 +23,13 @@ QString cutItem(const SuiteRecordset& recordset, const QString& item) {
 void useMainIndex(SuiteRecordset& recordset) {
     try {
         recordset.setIndex(MainIndex);
-    } catch (const DatabaseError&) {
+    } catch (const DatabaseError& error) {
         // Tables that came from a server carry their name in front.
-        recordset.setIndex(recordset.name() + MainIndex);
+        try {
+            recordset.setIndex(recordset.name() + MainIndex);
+        } catch (const DatabaseError&) {
+            throw error;
+        }
     }
 }
 
@@ -102,7 +106,8 @@ QVariant GetDatabaseSetting(SuiteRecordset* recordset, const QString& item, cons
         return {};
     try {
         return locate(*recordset, cutItem(*recordset, item)) ? recordset->value(Value) : fallback;
-    } catch (const DatabaseError&) {
+    } catch (const DatabaseError& error) {
+        KeepSilent(error);
         return fallback;
     }
 }

@@ -87,8 +87,8 @@ int checkDescriptionTable(SuiteDatabase& database) {
         const Index main{"Main", {"Description"}, true};
         if (!database.table(DescriptionTable)->has(main))
             database.appendIndex(DescriptionTable, main);
-    } catch (const DatabaseError&) {
-        // A database without this index serves as well.
+    } catch (const DatabaseError& error) {
+        KeepSilent(error); // a database without this index serves as well
     }
     return 0;
 }

@@ -132,6 +132,11 @@ int purgeHistory(UsersState& state) {
     return 0;
 }
 
+// As KeepSilent; what others change meanwhile is no failure.
+int keepFailure(const DatabaseError& error) {
+    return IsOthersChange(error.number) ? error.number : KeepSilent(error);
+}
+
 // Disables the account of the current row.
 int disableAccount(SuiteRecordset& accounts) {
     try {
@@ -140,7 +145,7 @@ int disableAccount(SuiteRecordset& accounts) {
         accounts.set(QStringLiteral("ExpirationDate"), QVariant());
         accounts.update();
     } catch (const DatabaseError& error) {
-        return error.number;
+        return keepFailure(error);
     }
     return 0;
 }
@@ -175,7 +180,7 @@ int processAccounts(SuiteDatabase& database, const QString& by) {
         try {
             error = processAccount(*accounts, by);
         } catch (const DatabaseError& thrown) {
-            error = thrown.number;
+            error = keepFailure(thrown);
         }
         if (error != 0 && !IsOthersChange(error))
             result = error;
@@ -261,8 +266,8 @@ qint16 OpenUsersDatabase(const QString& fileName) {
         ReadRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("InhibitUserHistory"), 0) != 0;
     try {
         state.database->refresh();
-    } catch (const DatabaseError&) {
-        // It is open; the next operation tells what is wrong.
+    } catch (const DatabaseError& error) {
+        KeepSilent(error); // it is open
     }
     return 0;
 }
@@ -289,8 +294,8 @@ void AddEventToUserHistory(const QString& loginName, qint32 action, qint32 statu
         addEvent(*openTable(*state.database, QStringLiteral("UserHistory")), time, loginName, action, status,
                  notes);
         state.database->refresh();
-    } catch (const DatabaseError&) {
-        // Whatever is being logged goes on.
+    } catch (const DatabaseError& error) {
+        KeepSilent(error); // whatever is being logged goes on
     }
 }
 
@@ -307,7 +312,7 @@ qint16 ProcessUserAccounts(const QString& by) {
         PutDatabaseSetting(rows.get(), LastProcess, ToLong(today()), QString());
         state.database->refresh();
     } catch (const DatabaseError& error) {
-        result = error.number;
+        result = KeepSilent(error);
     }
     return static_cast<qint16>(result);
 }
@@ -331,7 +336,8 @@ bool DeleteUser(const QString& loginName) {
             state.users->moveFirst();
         deletePreferences(*state.database, loginName);
         state.database->refresh();
-    } catch (const DatabaseError&) {
+    } catch (const DatabaseError& error) {
+        KeepSilent(error);
         return false;
     }
     return true;
