@@ -138,11 +138,12 @@ function(tolvex_bench name)
   target_link_libraries(${name} PRIVATE tolvex_options ${arg_LINK} benchmark::benchmark)
 endfunction()
 
-# tolvex_fuzz(<name> LINK <libraries>)
+# tolvex_fuzz(<name> [VARIANTS <number>] LINK <libraries>)
 # fuzz/<name>.cpp holds LLVMFuzzerTestOneInput; fuzz/corpus/<name>/ its seeds. With TOLVEX_FUZZ it becomes a libFuzzer
-# program, otherwise a program that replays the seeds, cut short and damaged in many ways, as a test.
+# program, otherwise a program that replays the seeds, cut short and damaged in many ways, as a test: VARIANTS says how
+# many, for targets that take long over one.
 function(tolvex_fuzz name)
-  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "VARIANTS" "LINK" ${ARGN})
   add_executable(fuzz_${name} ${CMAKE_SOURCE_DIR}/fuzz/${name}.cpp)
   target_link_libraries(fuzz_${name} PRIVATE tolvex_options ${arg_LINK})
   if(TOLVEX_FUZZ)
@@ -150,8 +151,12 @@ function(tolvex_fuzz name)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
   else()
     target_sources(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/Replay.cpp)
+    if(arg_VARIANTS)
+      target_compile_definitions(fuzz_${name} PRIVATE TOLVEX_VARIANTS=${arg_VARIANTS})
+    endif()
   endif()
-  add_test(NAME fuzz.${name} COMMAND fuzz_${name} ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
+  add_test(NAME fuzz.${name} COMMAND fuzz_${name} $<$<BOOL:${TOLVEX_FUZZ}>:-runs=0>
+                                     ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name} COMMAND_EXPAND_LISTS)
   set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT 300)
 endfunction()
 

@@ -13,8 +13,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
+#ifndef TOLVEX_VARIANTS
+#define TOLVEX_VARIANTS 400
+#endif
+
 // Cuts and damages tried for each seed; large seeds get fewer so that the whole replay stays short.
-constexpr std::size_t maxVariants = 400;
+constexpr std::size_t maxVariants = TOLVEX_VARIANTS;
 
 void tryBytes(const std::vector<std::uint8_t>& bytes) {
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
