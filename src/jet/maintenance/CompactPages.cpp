@@ -1,6 +1,7 @@
 #include "jet/maintenance/CompactCatalog.h"
 #include "jet/maintenance/CompactTable.h"
 #include "jet/maintenance/DefinitionRepair.h"
+#include "jet/maintenance/MendedPages.h"
 #include "jet/maintenance/SourceTables.h"
 #include "jet/pager/MemoryPager.h"
 #include "jet/table/CreateDatabase.h"
@@ -221,7 +222,8 @@ private:
 
 CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost) {
     const Reading reading(source);
-    return Compaction(source, target, lost).run();
+    MendedPages pages(source);
+    return Compaction(pages, target, lost).run();
 }
 
 } // namespace jet

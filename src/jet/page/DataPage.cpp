@@ -68,6 +68,21 @@ int FreeBytes(const std::uint8_t* page) {
     return offsetOf(page, slots - 1) - HeadLength - 2 * slots;
 }
 
+int SlotsByFreeSpace(const std::uint8_t* page) {
+    const int claimed = ClaimedSlots(page), free = Load16(page + FreeField);
+    int end = static_cast<int>(PageSize);
+    for (int slots = 0; end >= HeadLength + 2 * slots; ++slots) {
+        // The free bytes may be what is damaged: no row is given up for them that lies where it can.
+        if (end - HeadLength - 2 * slots == free && (slots >= claimed || firstMisplaced(page) >= 0))
+            return slots;
+        const int offset = offsetOf(page, slots);
+        if (slots == MaximumSlots || offset > end)
+            break;
+        end = offset;
+    }
+    return claimed;
+}
+
 bool Fits(const std::uint8_t* page, int length) {
     const int slots = ClaimedSlots(page);
     return slots < MaximumSlots && offsetOf(page, slots - 1) <= static_cast<int>(PageSize) &&

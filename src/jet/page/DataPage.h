@@ -55,6 +55,8 @@ inline bool IsDataPage(const std::uint8_t* page) {
     return page[0] == DataType;
 }
 int FreeBytes(const std::uint8_t* page);
+// The number of slots that the page's count of free bytes fits; the claimed one if none does.
+int SlotsByFreeSpace(const std::uint8_t* page);
 // Whether a new row of `length` bytes has room: Add() then stays on the page, whatever that holds.
 bool Fits(const std::uint8_t* page, int length);
 

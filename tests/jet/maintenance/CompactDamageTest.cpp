@@ -37,7 +37,7 @@ protected:
     bool isTold(const std::string& loss) const { return losses_.find(loss) != std::string::npos; }
 
     Catalog source() { return Catalog(source_); }
-    CatalogObject object(const char16_t* table) { return *source().findTable(table); }
+    CatalogObject object(const char16_t* table) { return source().findTable(table).value(); }
     std::uint8_t* page(PageNumber number) { return source_.edit(number); }
     // The bytes of a row where it lies.
     std::uint8_t* row(RowPointer at) {
@@ -121,11 +121,22 @@ TEST_F(CompactDamageTest, PagesThatNoListNamesAreFound) {
     EXPECT_EQ(rowsOf(u"Shows"), 12u);
 }
 
+// The number of rows of a page is damaged: its free space still tells it, on the catalogue's page as on
+// others.
+TEST_F(CompactDamageTest, RowsAreCountedByTheFreeSpace) {
+    Store16(page(firstRow(u"Shows").page) + datapage::CountField, 3);
+    Store16(page(firstRow(u"Log").page) + datapage::CountField, 255);
+    Store16(page(object(u"Log").row.page) + datapage::CountField, 0x1A11);
+    compact();
+    EXPECT_EQ(losses_, "");
+    EXPECT_EQ(rowsOf(u"Shows"), 12u);
+    EXPECT_EQ(rowsOf(u"Log"), 100u);
+}
+
 // A row of the catalogue cannot be read: its table is found and gets a name. One with a wrong number is found
 // again.
 TEST_F(CompactDamageTest, TablesThatNoObjectNamesAreFound) {
-    row(object(u"Log").row)[0] = 0xFF;
-    row(object(u"Log").row)[1] = 0xFF;
+    Store16(row(object(u"Log").row), 0xFFFF); // the number of columns
     compact();
     EXPECT_TRUE(isTold("Recovered: is the definition of a table without a name"));
     EXPECT_EQ(rowsOf(u"Recovered"), 100u);
