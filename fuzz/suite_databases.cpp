@@ -100,7 +100,8 @@ QByteArray damaged(QByteArray file, const std::uint8_t* data, std::size_t size) 
     for (; size >= 4; size -= 4, data += 4) {
         const std::size_t place = data[1] | static_cast<std::size_t>(data[2]) << 8;
         const std::size_t at = place < 256 ? place : place * 16 % jet::PageSize + data[2] % 16;
-        file[static_cast<qsizetype>(data[0] % pages * jet::PageSize + at)] = static_cast<char>(data[3]);
+        const std::size_t page = data[0] % pages;
+        file.data()[page * jet::PageSize + at] = static_cast<char>(data[3]);
     }
     return file;
 }

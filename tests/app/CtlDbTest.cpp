@@ -111,12 +111,17 @@ TEST_F(CtlDb, ASilentRoutinesErrorIsHeard) {
 
     // A search passes over what it cannot read, and says so.
     EXPECT_EQ(run({"db", "create", onC("D/GOOD.MDB"), "--type", "1"}).status, 0);
+    QByteArray other = read(onC("D/GOOD.MDB"));
+    // A column of the description, behind its length.
+    other.replace(other.lastIndexOf(QByteArray("\x08\0T\0y\0p\0e\0\x83", 11)) + 2, 1, "H");
+    write(onC("D/OTHER.MDB"), other);
     QByteArray broken = read(onC("D/GOOD.MDB"));
     broken[2 * 4096] = 9; // the definition of the catalogue
     write(onC("D/BROKEN.MDB"), broken);
     const Result found = run({"db", "find", "C:\\D", "--type", "1"});
     EXPECT_EQ(found.status, 0);
     EXPECT_TRUE(found.err.contains("BROKEN.MDB")) << found.err.toStdString();
+    EXPECT_TRUE(found.err.contains("OTHER.MDB: The item was not found")) << found.err.toStdString();
 }
 
 TEST_F(CtlDb, ChecksAndCompacts) {

@@ -35,7 +35,7 @@ protected:
     }
     void damage(jet::PageNumber page, std::size_t at, char byte) {
         QByteArray file = machine.read(users);
-        file[static_cast<qsizetype>(page * jet::PageSize + at)] = byte;
+        file.data()[page * jet::PageSize + at] = byte;
         machine.write(users, file);
     }
     std::string faults() const {
@@ -97,8 +97,8 @@ TEST_F(DamagedDatabasesTest, TablesThatCannotBeFoundAreNotMadeAnew) {
     // each.
     const std::size_t at = static_cast<std::uint8_t>(sound_[6 * 4096 + 14]) |
                            (static_cast<std::uint8_t>(sound_[6 * 4096 + 15]) & 0x1FU) << 8U;
-    const auto byte = static_cast<qsizetype>(6 * 4096 + at + 5 + last / 8);
-    damage(6, at + 5 + last / 8, static_cast<char>(sound_[byte] & ~(1 << last % 8)));
+    const std::size_t byte = at + 5 + last / 8;
+    damage(6, byte, static_cast<char>(sound_.constData()[6 * 4096 + byte] & ~(1 << last % 8)));
     const QByteArray damaged = machine.read(users);
 
     EXPECT_NE(OpenUsersDatabase(users), 0);

@@ -25,9 +25,13 @@ SilentErrors::~SilentErrors() {
     current_ = outer_;
 }
 
-int KeepSilent(const DatabaseError& error) {
-    if (SilentErrors::current_)
+int KeepSilent(const DatabaseError& error, const QString& database) {
+    if (SilentErrors::current_) {
         SilentErrors::current_->errors_.push_back(error);
+        QString& text = SilentErrors::current_->errors_.back().text;
+        if (!database.isEmpty() && !text.contains(database))
+            text.prepend(database + QStringLiteral(": "));
+    }
     return error.number;
 }
 

@@ -11,8 +11,9 @@ namespace tolvex {
 // Reports the error through the one error report and gives its number.
 int Report(const QString& action, const DatabaseError& error);
 
-// Takes the error of a routine that says nothing of it to the user, and gives its number.
-int KeepSilent(const DatabaseError& error);
+// Takes the error of a routine that says nothing of it to the user, and gives its number. `database`: its
+// name, where the error may not say it.
+int KeepSilent(const DatabaseError& error, const QString& database = {});
 
 // While one lives, it takes down the errors that routines keep to themselves, for a shell that says them all.
 class SilentErrors {
@@ -26,7 +27,7 @@ public:
     std::vector<DatabaseError> take() { return std::exchange(errors_, {}); }
 
 private:
-    friend int KeepSilent(const DatabaseError& error);
+    friend int KeepSilent(const DatabaseError& error, const QString& database);
 
     static SilentErrors* current_;
     SilentErrors* outer_;

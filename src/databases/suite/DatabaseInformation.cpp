@@ -98,7 +98,7 @@ int readDatabase(SuiteDatabase& database, const QString& name, DatabaseInformati
         return reportErrors
                    ? Report(name + QStringLiteral("\n\nopening the description information in the database"),
                             error)
-                   : KeepSilent(error);
+                   : KeepSilent(error, name);
     }
     information.EngineVersion = database.engineVersion();
     if (row->eof()) {
@@ -112,7 +112,7 @@ int readDatabase(SuiteDatabase& database, const QString& name, DatabaseInformati
     try {
         readRow(*row, information);
     } catch (const DatabaseError& error) {
-        return KeepSilent(error);
+        return KeepSilent(error, name);
     }
     return 0;
 }
@@ -129,7 +129,7 @@ int readInformation(const QString& name, DatabaseInformation* information, bool 
     if (!database) {
         return reportErrors
                    ? Report(name + QStringLiteral("\n\nopening the database to read it's information"), error)
-                   : KeepSilent(error);
+                   : KeepSilent(error, name);
     }
     if (const int failed = readDatabase(*database, name, *information, reportErrors))
         return failed;

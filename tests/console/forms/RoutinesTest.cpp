@@ -89,6 +89,27 @@ TEST(ConsoleRoutines, TheFirstStartLeadsToAConfiguredStation) {
     EXPECT_TRUE(usersState().database);
 }
 
+// One message that names the damaged database, and the console is there.
+TEST(ConsoleRoutines, StartsWithADamagedDatabase) {
+    Console console(configuredIni());
+    ASSERT_TRUE(console.start());
+    console.form.close();
+    const QString users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
+    QByteArray file = console.machine.read(users);
+    constexpr qsizetype objects = 2 * 4096;      // the definition of the catalogue
+    file.replace(objects + 0x2D, 2, "\xFF\xFF"); // its number of columns
+    console.machine.write(users, file);
+    console.prompts.forget();
+
+    frmConfigure again;
+    ASSERT_TRUE(again.load());
+    again.show();
+    EXPECT_TRUE(find<JobTile>(again, "cmdHardwareSetup")->isEnabled());
+    ASSERT_EQ(console.prompts.texts().size(), 1);
+    EXPECT_TRUE(console.prompts.texts()[0].contains(users)) << console.prompts.texts()[0].toStdString();
+    EXPECT_EQ(console.machine.read(users), file);
+}
+
 TEST(ConsoleRoutines, TheProgramEndsWhenTheUserWantsToExitAfterwards) {
     Console console;
     console.prompts.answers = {Answer::Yes, Answer::Yes, Answer::Yes, Answer::Yes};
