@@ -1,4 +1,6 @@
 // What is drawn can be seen and told apart in light and dark, and the wheel changes nothing in passing.
+#include "support/Wheel.h"
+
 #include "ui/style/Style.h"
 
 #include <QApplication>
@@ -14,14 +16,13 @@
 #include <QTabBar>
 #include <QTest>
 #include <QVBoxLayout>
-#include <QWheelEvent>
-#include <QtTest/qtestspontaneevent.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 using namespace tolvex;
+using namespace tolvex::tests;
 
 namespace {
 
@@ -108,11 +109,7 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
     page->findChild<QPushButton*>()->setFocus();
     const auto roll = [&area](QWidget* over) {
-        const QPointF at(over->rect().center());
-        QWheelEvent wheel(at, over->mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, {}, Qt::NoScrollPhase,
-                          false);
-        QSpontaneKeyEvent::setSpontaneous(&wheel); // others do not go on to the parent
-        qApp->notify(over, &wheel);
+        RollWheel(over);
         const int scrolled = area.verticalScrollBar()->value();
         area.verticalScrollBar()->setValue(0);
         return scrolled;

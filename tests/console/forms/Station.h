@@ -13,8 +13,13 @@
 #include "platform/ProfileFile.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPointer>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -25,6 +30,12 @@ struct Station {
     ScriptedPrompts prompts;
 
     explicit Station(const QByteArray& ini = {}) {
+        reset();
+        if (!ini.isEmpty())
+            machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
+    }
+    // What a start of the program finds: nothing remembered.
+    void reset() {
         ResetStartUp();
         ResetSettings();
         ResetCartStore();
@@ -33,8 +44,6 @@ struct Station {
         platform::ForgetProfiles();
         platform::SetApplicationFolder(QStringLiteral("C:\\APP"));
         settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
-        if (!ini.isEmpty())
-            machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
     }
     ~Station() {
         CloseTerminalList();
@@ -91,6 +100,43 @@ inline void withNextForm(const std::function<void(QWidget&)>& act) {
         act(*form);
     });
     timer->start();
+}
+
+// Does something with the form of that name as soon as it can be seen, modal or not.
+inline void withForm(const QString& name, const std::function<void(QWidget&)>& act) {
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, name, act, tries = 0]() mutable {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == name && widget->isVisible()) {
+                timer->deleteLater();
+                timer->stop();
+                return act(*widget);
+            }
+        if (++tries == 400) {
+            timer->deleteLater();
+            timer->stop();
+            FAIL() << name.toStdString() << " did not come up";
+        }
+    });
+    timer->start(5);
+}
+
+// What a window manager does with a window in front; this platform takes a menu for the active window also
+// when it is gone.
+inline void activate(const QWidget& part) {
+    QApplication::processEvents();
+    part.window()->activateWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&part] { return part.isActiveWindow(); }));
+}
+
+// Opens a menu of a window's bar and chooses an entry, by the mouse.
+inline void clickMenu(QMainWindow& window, const char* menuName, const char* actionName) {
+    auto* menu = find<QMenu>(window, menuName);
+    auto* action = find<QAction>(window, actionName);
+    QTest::mouseClick(window.menuBar(), Qt::LeftButton, {},
+                      window.menuBar()->actionGeometry(menu->menuAction()).center());
+    ASSERT_TRUE(menu->isVisible() && action->isEnabled()) << actionName;
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
 }
 
 } // namespace tolvex::tests
