@@ -84,7 +84,7 @@ QString CheckLine(const CardLines& lines, int number, const HardwareLine& line) 
 }
 
 QString SetLine(const CardLines& lines, int number, const HardwareLine& line) {
-    const QString wrong = CheckLine(lines, number, line);
+    QString wrong = CheckLine(lines, number, line);
     if (wrong.isEmpty()) {
         lines.card.Lines[number] = line;
         lines.card.Lines[number].Description = line.description();
@@ -122,7 +122,7 @@ QString SetDescription(const CardLines& lines, const LineNumbers& numbers, const
     for (const int n : numbers) {
         changed.append(lines.card.Lines[n]);
         changed.last().Description = text;
-        if (const QString wrong = CheckLine(lines, n, changed.last()); !wrong.isEmpty())
+        if (QString wrong = CheckLine(lines, n, changed.last()); !wrong.isEmpty())
             return wrong;
     }
     for (qsizetype i = 0; i < changed.size(); ++i)

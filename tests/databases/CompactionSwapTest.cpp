@@ -114,6 +114,7 @@ TEST_F(SwapTest, LosesNoChangeOfAnother) {
         return true;
     };
     std::vector<std::unique_ptr<Workstation>> writers;
+    writers.reserve(4);
     for (int number = 0; number < 4; ++number)
         writers.push_back(std::make_unique<Workstation>([&, number] { return write(number); }));
     gun.fire();

@@ -152,8 +152,8 @@ TEST_F(ValidateDatabaseTest, TellsTheDebugLogWhatItDoes) {
     for (const QByteArray& line : machine.read("C:\\Debugfiles\\" + logs.first()).split('\n'))
         if (line.contains("Started V") || line.contains("Description'") || line.contains("Opening D"))
             lines += QString::fromLatin1(line.trimmed().mid(9));
-    EXPECT_EQ(lines, (QStringList{"Started Validate Database: DBName='C:\\DATA\\NEW.mdb' Type=1, "
-                                  "SilentMode=True, Title='T' Connect=''",
+    EXPECT_EQ(lines, (QStringList{("Started Validate Database: DBName='C:\\DATA\\NEW.mdb' Type=1, "
+                                   "SilentMode=True, Title='T' Connect=''"),
                                   "Opening Database", "Looking for 'Description' table",
                                   "Can't find 'Description' table", "Opening 'Description' table"}));
 }

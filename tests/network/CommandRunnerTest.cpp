@@ -312,7 +312,7 @@ TEST_F(Commands, StartPrograms) {
         QFile file(machine.path() + "/out");
         waitFor([&] { return file.exists(); });
         file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
+        QByteArray bytes = file.readAll();
         file.remove();
         return bytes;
     };

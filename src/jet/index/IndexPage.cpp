@@ -498,7 +498,8 @@ void ReadEntries(const std::uint8_t* page, PageNumber number, int from, int to, 
     const int prefix = Prefix(page);
     for (int offset = from; offset < to;) {
         const int end = End(page, offset);
-        checkLength(number, static_cast<std::size_t>(prefix + comparedLength(IsLeaf(page), offset, end)));
+        const int length = prefix + comparedLength(IsLeaf(page), offset, end);
+        checkLength(number, static_cast<std::size_t>(length));
         into.bytes.insert(into.bytes.end(), entries, entries + prefix);
         into.bytes.insert(into.bytes.end(), entries + offset, entries + end);
         into.ends.push_back(static_cast<std::uint32_t>(into.bytes.size()));

@@ -96,7 +96,7 @@ public:
 
     static std::string contentOf(FaultyStorage& storage) {
         FilePager pager(storage, Path, options(false));
-        const std::string found = content(pager);
+        std::string found = content(pager);
         Changing change(pager); // it can be worked with, too
         Fill(pager.edit(pager.allocate()), 1);
         change.commit();
@@ -216,7 +216,7 @@ public:
             if (!fault.harmless)
                 ADD_FAILURE() << "page " << fault.page << ": " << fault.reason;
         });
-        const std::string found = content(database);
+        std::string found = content(database);
         AppendTable(database.catalog(), {u"After", {{u"Id", ColumnType::Long}}, {}, {}});
         database.close();
         return found;

@@ -213,6 +213,7 @@ TEST_F(ProcessesTest, EightWorkOnOneFile) {
     const auto rows = readAll(database);
     EXPECT_EQ(rows.at(Counter), Processes * work);
     std::vector<std::int32_t> found;
+    found.reserve(rows.size());
     for (const auto& [id, credit] : rows)
         found.push_back(id);
     EXPECT_EQ(found, expected);

@@ -115,7 +115,7 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
             const auto literal = [&] { return literals[field][pick(literals[field].size())]; };
             if (!where.empty())
                 where += pick(5) == 0 ? u" OR " : u" AND ";
-            const std::u16string pattern = patterns[pick(patterns.size())];
+            const std::u16string& pattern = patterns[pick(patterns.size())];
             switch (pick(8)) {
             case 7:
                 where +=
