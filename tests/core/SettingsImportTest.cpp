@@ -271,6 +271,20 @@ TEST_F(SettingsImport, ValuesOutsideTheirRangeAreRemarkedWhenTheyComeFromAFileAn
                                          "[AudioWall] JumpCartNumber4: its number is above the last one"}));
 }
 
+TEST_F(SettingsImport, AnEntryBelowTheUsualCountIsTakenWhereFewerAreInForce) {
+    const QByteArray exported = exportFrom(a, "[AudioWall]\r\nJumpCartNumber3=7\r\n");
+    b.use();
+    b.write(local, "[AudioWall]\r\nNumberCartJumpButtons=1\r\n");
+    ImportPlan plan = PlanImport(exported, ini, {});
+    EXPECT_EQ(plan.refused, QStringList());
+    EXPECT_EQ(
+        plan.remarks,
+        QStringList(
+            "[AudioWall] JumpCartNumber3: its number is above the last one here; it is taken as it stands"));
+    ASSERT_TRUE(ApplyImport(plan));
+    EXPECT_EQ(b.read(local), "[AudioWall]\r\nNumberCartJumpButtons=1\r\nJumpCartNumber3=7\r\n");
+}
+
 TEST_F(SettingsImport, NothingIsWrittenWhileAnythingIsRefused) {
     configureB();
     const QMap<QString, QByteArray> before = filesOfB();

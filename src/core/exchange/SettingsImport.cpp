@@ -83,6 +83,8 @@ void Planner::take(const DocumentEntry& entry) {
 
 // The local entries into a record, so that locations and counts are those that will be in force.
 void Planner::putLocalEntries(Settings& values) {
+    // Of a file that cannot be there, so that every setting has its default.
+    const Settings unstored = LoadFrom({localIni_ + u'?', {}, {}});
     for (const SettingGroup& group : AllSettings()) {
         if (group.file != SettingsFile::Local)
             continue;
@@ -91,13 +93,18 @@ void Planner::putLocalEntries(Settings& values) {
             if (texts == given_.end())
                 continue;
             for (auto text = texts->second.begin(); text != texts->second.end();) {
-                if (text->first > SettingCount(row, values)) {
-                    plan_.refused << shownName(QLatin1String(row.section), SettingKey(row, text->first)) +
-                                         QStringLiteral(": its number is above the last one");
-                    text = texts->second.erase(text);
-                } else {
+                const QString name = shownName(QLatin1String(row.section), SettingKey(row, text->first));
+                if (text->first <= SettingCount(row, values)) {
                     PutEntry(row, text->first, text->second, values);
                     ++text;
+                } else if (text->first <= SettingCount(row, unstored)) {
+                    // From a workstation that stores no count of its own, as it has the usual one.
+                    plan_.remarks << name + QStringLiteral(": its number is above the last one here; it is "
+                                                           "taken as it stands");
+                    ++text;
+                } else {
+                    plan_.refused << name + QStringLiteral(": its number is above the last one");
+                    text = texts->second.erase(text);
                 }
             }
         }
