@@ -17,8 +17,8 @@ public:
 
     // The objects of the old file that can be read.
     const std::vector<CatalogObject>& objects() const { return objects_; }
-    // Whether something of them cannot.
-    bool isDamaged() const { return damaged_; }
+    // Whether something of them cannot, or there are fewer rows than the catalogue counts.
+    bool isDamaged() const { return damaged_ || objects_.size() < objectsTable_.definition().rowCount; }
 
     // A table was copied; `definition`: the new one, whose relationships name pages of the old file. Tables
     // that are not added are lost.

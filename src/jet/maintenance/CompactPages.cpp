@@ -168,6 +168,11 @@ private:
                 moving.table = std::move(*whole);
                 copyFrom(moving.table, moving.to, copied);
             }
+        if (copied.done && copied.losses.empty() && copied.rows < moving.table.definition().rowCount)
+            copied.lose({moving.table.definition().page, moving.table.name(),
+                         "counts " + std::to_string(moving.table.definition().rowCount) + " rows, of which " +
+                             std::to_string(copied.rows) + " are there",
+                         false});
         std::for_each(copied.losses.begin(), copied.losses.end(), lost_);
         if (!copied.done) {
             target_.release(moving.to);

@@ -133,6 +133,22 @@ TEST_F(CompactDamageTest, RowsAreCountedByTheFreeSpace) {
     EXPECT_EQ(rowsOf(u"Log"), 100u);
 }
 
+// A bit of its place makes a row look deleted: the counts of the tables tell. The table that the catalogue
+// has lost is found, and the rows that are missing are told.
+TEST_F(CompactDamageTest, RowsThatLookDeletedAreMissed) {
+    const auto takeAway = [this](RowPointer at) {
+        std::uint8_t* place = page(at.page) + datapage::CountField + 2 + 2 * std::size_t{at.row};
+        Store16(place, static_cast<std::uint16_t>(Load16(place) | datapage::HiddenFlag));
+    };
+    takeAway(object(u"Log").row);
+    takeAway(firstRow(u"Shows"));
+    compact();
+    EXPECT_TRUE(isTold("Shows: counts 12 rows, of which 11 are there"));
+    EXPECT_TRUE(isTold("is the definition of a table without a name"));
+    EXPECT_EQ(rowsOf(u"Shows"), 11u);
+    EXPECT_EQ(rowsOf(u"Recovered"), 100u);
+}
+
 // A row of the catalogue cannot be read: its table is found and gets a name. One with a wrong number is found
 // again.
 TEST_F(CompactDamageTest, TablesThatNoObjectNamesAreFound) {
