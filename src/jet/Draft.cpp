@@ -6,6 +6,8 @@
 #include "jet/table/Catalog.h"
 #include "jet/table/CreateDatabase.h"
 
+#include <array>
+
 namespace jet {
 
 namespace {
@@ -19,6 +21,14 @@ std::string nameBeside(const std::string& path, int number) {
     const bool hasExtension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
     return path.substr(0, hasExtension ? dot : path.size()) + "-new" +
            (number == 1 ? std::string() : std::to_string(number)) + ".TMP";
+}
+
+// What a dead maker left: a file that was only begun, or a database. Files of others may have the name, too.
+bool isLeftDraft(StorageFile& file) {
+    std::array<char, 4> start{};
+    const std::size_t length = file.read(0, start.data(), start.size());
+    // A power cut may leave zeros of what was being written.
+    return length == 0 || (length == start.size() && start[0] == 0 && start[1] <= 1 && start[2] == 0);
 }
 
 } // namespace
@@ -39,7 +49,7 @@ Draft::Draft(Storage& storage, const std::string& path)
     }
 }
 
-// False: a living process has it, or it may not be written.
+// False: a living process has it, it is no draft, or it may not be written.
 bool Draft::take(const std::string& beside) {
     for (;;) {
         const bool isThere = storage_.exists(beside);
@@ -53,7 +63,7 @@ bool Draft::take(const std::string& beside) {
                 return false;
             throw;
         }
-        if (!Sharing::lockDraft(*file, false))
+        if (!Sharing::lockDraft(*file, false) || (isThere && !isLeftDraft(*file)))
             return false;
         if (!file->isNow(beside))
             continue; // published or removed in between

@@ -14,6 +14,7 @@ TEST_F(Ctl, MakesChecksAndDescribesDatabases) {
     EXPECT_EQ(run({"db", "validate", "C:\\D\\LOG.mdb"}).status, 0);
     EXPECT_EQ(run({"db", "validate", "C:\\D\\NEW.mdb"}).status, 1);
     EXPECT_EQ(run({"--no", "db", "validate", "C:\\D\\NEW.mdb", "--type", "1"}).status, 1);
+    EXPECT_EQ(run({"db", "describe", "C:\\D\\LOG.mdb", QString(201, u'x')}).status, 2);
     EXPECT_EQ(run({"db", "describe", "C:\\D\\LOG.mdb", "Second log"}).status, 0);
     const QJsonObject info = run({"--json", "db", "info", onC("D/LOG.mdb")}).json().object();
     EXPECT_EQ(info["description"].toString(), "Second log");

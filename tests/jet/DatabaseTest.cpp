@@ -45,6 +45,18 @@ TEST_F(DatabaseTest, IsMadeWholeAndNeverOverAnother) {
     EXPECT_EQ(ErrorOf([&] { Database::open(folder_ / "C.MDB"); }), numberOf(ErrorNumber::Unrecognised));
 }
 
+TEST_F(DatabaseTest, IsMadeBesideFilesOfOthers) {
+    const auto beside = folder_ / "USERS25-new.TMP";
+    std::ofstream(beside) << "text of somebody";
+    Database::create(path_).close();
+    EXPECT_EQ(std::filesystem::file_size(beside), 16u);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2);
+    // What a dead maker left is taken over.
+    std::filesystem::rename(path_, beside);
+    Database::create(path_).close();
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);
+}
+
 TEST_F(DatabaseTest, TransactionsNest) {
     Database database = Database::create(path_);
     AppendTable(database.catalog(), numbers());

@@ -225,6 +225,10 @@ int describe(Call& call) {
         return missing(call);
     if (call.argument(1).isEmpty())
         return call.wrong(QStringLiteral("A description has at least one character."));
+    if (call.argument(1).size() > LongestTitle)
+        return call.wrong(QStringLiteral("A description has at most %1 characters; this one has %2.")
+                              .arg(LongestTitle)
+                              .arg(call.argument(1).size()));
     return ChangeDatabaseDescription(fileOf(call), call.argument(1), connectOf(call)) != 0 ? Done : Failed;
 }
 

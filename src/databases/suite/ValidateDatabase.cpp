@@ -26,8 +26,9 @@ const QString OpeningDatabase = QStringLiteral("Opening Database");
 const QString DescriptionTable = QStringLiteral("Description");
 
 // The fields that every database has; the other three of the table are left to the programs that write them.
-constexpr Field descriptionFields[] = {
-    {"Description", FieldKind::Text, 200}, {"Version", FieldKind::Single}, {"Type", FieldKind::Long}};
+constexpr Field descriptionFields[] = {{"Description", FieldKind::Text, LongestTitle},
+                                       {"Version", FieldKind::Single},
+                                       {"Type", FieldKind::Long}};
 
 void log(const QString& text) {
     DebugLog(text, LogLevel);
@@ -35,15 +36,14 @@ void log(const QString& text) {
 
 // A title that the Description row could not hold, found before anything is made. 0, or reported.
 int checkTitle(const QString& title) {
-    const int most = descriptionFields[0].size;
-    if (title.trimmed().size() <= most)
+    if (title.trimmed().size() <= LongestTitle)
         return 0;
     return Report(
         QStringLiteral("opening the description information"),
         {FieldTooSmallError,
          QStringLiteral("The description is too long: it has %1 characters, and there is room for %2.")
              .arg(title.trimmed().size())
-             .arg(most)});
+             .arg(LongestTitle)});
 }
 
 int createOnServer(const QString& name, const QString& connect, const QString& title) {

@@ -9,6 +9,9 @@ namespace tolvex {
 
 class SuiteDatabase;
 
+// Characters of the Description field, where the title of a database stands.
+constexpr int LongestTitle = 200;
+
 // Puts into a database what it is to have. 0 or, reported, the number of the error.
 using DatabaseContents = std::function<int(SuiteDatabase&)>;
 
