@@ -44,6 +44,14 @@ public:
         signal(SIGUSR1);
         return whatItSays().toInt();
     }
+    // The connection that is about to get the n-th answer from now breaks: what was asked has been done.
+    // None for 0.
+    void loseAnswer(int n) {
+        sigval value{};
+        value.sival_int = n;
+        ::sigqueue(static_cast<pid_t>(process_.processId()), SIGUSR2, value);
+        EXPECT_EQ(whatItSays().toInt(), n);
+    }
 
 private:
     void signal(int number) const { ::kill(static_cast<pid_t>(process_.processId()), number); }

@@ -82,6 +82,8 @@ void Client::answer(const Message& request) {
     } catch (const BadStatement& bad) {
         refuse({"42000", 105, "[Test Server]" + bad.why});
     }
+    if (--answersLeft_ == 0)
+        throw WireError("the answer is to be lost");
     Send(socket_, reply.bytes());
 }
 

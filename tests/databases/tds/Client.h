@@ -3,15 +3,19 @@
 
 #include "databases/tds/Answer.h"
 
+#include <atomic>
+
 namespace testserver::tds {
 
 class Client {
 public:
     // `folder`: where the server's databases lie. More attributes for the session come as the name of the
-    // client's program ("LoseAfter=3;Locked=1").
-    Client(int socket, std::string folder)
+    // client's program ("LoseAfter=3;Locked=1"). `answersLeft`: counted down, and the connection broken in
+    // place of the answer that makes it zero.
+    Client(int socket, std::string folder, std::atomic<int>& answersLeft)
         : socket_(socket)
-        , folder_(std::move(folder)) {}
+        , folder_(std::move(folder))
+        , answersLeft_(answersLeft) {}
 
     // Answers until the client goes, or the session says that the connection breaks.
     void serve();
@@ -34,6 +38,7 @@ private:
 
     int socket_;
     std::string folder_;
+    std::atomic<int>& answersLeft_;
     std::unique_ptr<Session> session_;
     std::vector<std::string> prepared_; // a statement's handle is its place, from 1
 };

@@ -1,8 +1,10 @@
 // The test server as a program that drivers reach over TCP, by the TDS protocol: tds_server FOLDER. It prints
 // its port, listens on this machine alone, and ends with the program that holds its standard input. SIGUSR1
-// breaks all connections; it prints their number when the last one has gone, with its transaction.
+// breaks all connections; it prints their number when the last one has gone, with its transaction. SIGUSR2
+// with a number n breaks the connection that is about to get the n-th answer from now; it prints the number.
 #include "databases/tds/Client.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <csignal>
 #include <cstdio>
@@ -20,6 +22,7 @@ namespace {
 std::mutex mutex;
 std::condition_variable gone;
 std::set<int> connections;
+std::atomic<int> answersLeft = 0;
 
 void say(std::size_t number) {
     std::printf("%zu\n", number);
@@ -31,15 +34,21 @@ void serve(int socket, const std::string& folder) {
         const std::scoped_lock lock(mutex);
         connections.insert(socket);
     }
-    testserver::tds::Client(socket, folder).serve();
+    testserver::tds::Client(socket, folder, answersLeft).serve();
     const std::scoped_lock lock(mutex);
     connections.erase(socket);
     gone.notify_all();
     ::close(socket);
 }
 
-void breakWhenTold(sigset_t told) {
-    for (int number = 0; ::sigwait(&told, &number) == 0;) {
+void misbehaveWhenTold(sigset_t told) {
+    siginfo_t what{};
+    while (::sigwaitinfo(&told, &what) > 0) {
+        if (what.si_signo == SIGUSR2) {
+            answersLeft = what.si_value.sival_int;
+            say(static_cast<std::size_t>(what.si_value.sival_int));
+            continue;
+        }
         std::unique_lock lock(mutex);
         const std::set<int> broken = connections;
         for (const int socket : broken)
@@ -64,6 +73,7 @@ int main(int count, char** words) {
     sigset_t told;
     ::sigemptyset(&told);
     ::sigaddset(&told, SIGUSR1);
+    ::sigaddset(&told, SIGUSR2);
     ::pthread_sigmask(SIG_BLOCK, &told, nullptr);
     const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
@@ -75,7 +85,7 @@ int main(int count, char** words) {
         ::getsockname(listener, generic, &length) != 0)
         return 1;
     say(ntohs(address.sin_port));
-    std::thread(breakWhenTold, told).detach();
+    std::thread(misbehaveWhenTold, told).detach();
     std::thread(endWithInput).detach();
     for (;;) {
         const int socket = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
