@@ -117,6 +117,26 @@ TEST_F(HungServerTest, MayLoseAnyAnswer) {
     EXPECT_EQ(texts(), QStringList{});
 }
 
+// What others did while the connection was broken is theirs.
+TEST_F(HungServerTest, DoesNotTakeTheRowsOfOthersForItsOwn) {
+    const auto other = [&](const char* value) {
+        wire->breakConnections();
+        const auto now = openOnServer("Log");
+        EXPECT_EQ(PutDatabaseSetting(now->open("Settings", RecordsetMode::Dynaset).get(), "A", value, ""), 0);
+    };
+    const auto rows = database->open("Settings", RecordsetMode::Dynaset);
+    rows->addNew();
+    rows->set("Item", "A");
+    rows->set("Value", "mine");
+    other("theirs");
+    EXPECT_EQ(errorOf([&] { rows->update(); }).number, DuplicateKeyError);
+    const auto known = database->open("Settings", RecordsetMode::Dynaset);
+    known->edit();
+    known->set("Value", "mine");
+    other("theirs again");
+    EXPECT_EQ(errorOf([&] { known->update(); }).number, RecordChangedError);
+}
+
 // In a transaction it is an error, and nothing of what was begun is there.
 TEST_F(HungServerTest, UndoesABrokenTransaction) {
     const auto rows = database->open("Settings", RecordsetMode::Dynaset);
