@@ -103,7 +103,7 @@ TEST(QtPrompts, ProgressKeepsTheFormFromBeingUsed) {
     const Window window;
     QPushButton form("OK");
     int pressed = 0;
-    QObject::connect(&form, &QPushButton::clicked, [&] { ++pressed; });
+    QObject::connect(&form, &QPushButton::pressed, [&] { ++pressed; });
     form.show();
     const auto use = [&form] {
         QTest::mouseClick(&form, Qt::LeftButton);
