@@ -1,9 +1,9 @@
 // Damaged databases at start-up: nothing ends the program, the database is named, and what is sound goes on.
-#include "databases/compaction/CompactRepair.h"
-#include "databases/suite/DatabaseSettings.h"
 #include "databases/DatabasesTest.h"
+#include "databases/compaction/CompactRepair.h"
 #include "databases/jet/JetDatabase.h"
 #include "databases/store/Report.h"
+#include "databases/suite/DatabaseSettings.h"
 #include "databases/users/UsersDatabase.h"
 
 #include "jet/Check.h"
