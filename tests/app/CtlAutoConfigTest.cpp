@@ -113,6 +113,14 @@ TEST_F(CtlAutoConfig, TellsWhatAFullDiskLeftUndoneAndCompletesItLater) {
     EXPECT_EQ(files(), everything());
 }
 
+TEST_F(CtlAutoConfig, TellsADatabaseThatIsThereButDamaged) {
+    EXPECT_EQ(configure(), 0);
+    QFile::resize(onC("TOLVEX/SYSTEM/USERS/USERS25.MDB"), 5000);
+    const Result damaged = run({"--yes", "autoconfig", "local"});
+    EXPECT_EQ(damaged.status, 3);
+    EXPECT_TRUE(damaged.err.contains("USERS25.MDB could not be opened.")) << damaged.err.toStdString();
+}
+
 TEST_F(CtlAutoConfig, ChangesNothingWithoutAPlaceOrWithoutConsent) {
     EXPECT_EQ(run({"--no", "autoconfig", "local"}).status, 1);
     EXPECT_EQ(run({"--no", "autoconfig", "network"}).status, 1);

@@ -35,8 +35,8 @@ QJsonArray inShort(const QList<InstalledItem>& items) {
     return lines;
 }
 
-// Tells what is there now. The exit status says whether that is everything.
-int tell(Call& call) {
+// Tells what is there now. The exit status says whether that is everything, and whether it can be used.
+int tell(Call& call, bool usersOpened) {
     const Settings& values = settings();
     const QList<InstalledItem> items = LookAtInstallation();
     QJsonArray records;
@@ -67,7 +67,11 @@ int tell(Call& call) {
                              {QStringLiteral("state"), QStringLiteral("in use")}};
         call.output.records(lines, {{"what", "What"}, {"path", "Where"}, {"state", "State"}});
     }
-    return complete ? Done : call.fail(QStringLiteral("Not everything could be made."));
+    if (!complete)
+        return call.fail(QStringLiteral("Not everything could be made."));
+    return usersOpened || values.DataLocation.isEmpty()
+               ? Done
+               : call.fail(UsersDatabaseFile() + QStringLiteral(" could not be opened."));
 }
 
 // Loads, configures, and closes what configuration leaves open for the windows.
@@ -75,11 +79,12 @@ int configure(Call& call, InstallOutcome (*install)(const Call& call)) {
     if (!LoadWorkstation())
         return call.fail(QStringLiteral("No local ini file was chosen."));
     const InstallOutcome outcome = install(call);
+    const bool usersOpened = usersState().database != nullptr;
     CloseUsersDatabase();
     CloseHotlist();
     ResetCartStore();
     if (outcome == InstallOutcome::Configured)
-        return tell(call);
+        return tell(call, usersOpened);
     const QString nothing = QStringLiteral("Nothing was configured.");
     return outcome == InstallOutcome::Failed ? call.fail(nothing) : call.no(nothing);
 }
