@@ -5,7 +5,7 @@
 #include "console/SearchDrives.h"
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -4,7 +4,7 @@
 #include "FullWall.h"
 
 #include "audio/CartNotes.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QFile>
 #include <QTemporaryDir>

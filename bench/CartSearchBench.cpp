@@ -8,7 +8,7 @@
 
 #include "audio/CartNotes.h"
 #include "audio/search/CartSearch.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>

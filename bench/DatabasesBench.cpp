@@ -8,8 +8,8 @@
 #include "databases/suite/ValidateDatabase.h"
 #include "databases/users/UsersDatabase.h"
 #include "databases/users/UsersSchema.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QTemporaryDir>
 

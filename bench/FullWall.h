@@ -2,7 +2,7 @@
 #pragma once
 
 #include "audio/CartStore.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <benchmark/benchmark.h>
 

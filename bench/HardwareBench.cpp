@@ -8,8 +8,8 @@
 #include "hardware/forms/CardPage.h"
 #include "hardware/forms/LineUsageModel.h"
 #include "hardware/forms/frmHardwareSettings.h"
-#include "platform/Paths.h"
-#include "platform/ProfileFile.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <QApplication>
 #include <QTemporaryDir>

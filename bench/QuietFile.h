@@ -2,7 +2,7 @@
 // compared at each read.
 #pragma once
 
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QDateTime>
 #include <QFile>

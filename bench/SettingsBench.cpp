@@ -5,8 +5,8 @@
 #include "core/exchange/SettingsDocument.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingsLoader.h"
-#include "platform/Paths.h"
-#include "platform/ProfileFile.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>

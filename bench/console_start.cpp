@@ -2,8 +2,8 @@
 // and the largest memory of each, and their ratio. Each run is a process of its own.
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
-#include "platform/Paths.h"
 #include "platform/Prompts.h"
+#include "platform/paths/Paths.h"
 #include "ui/style/Style.h"
 
 #include <QApplication>

@@ -1,10 +1,10 @@
 // What asking the machine costs: paths, records, replacing a file.
-#include "platform/DriveAsker.h"
-#include "platform/Files.h"
-#include "platform/HostFiles.h"
-#include "platform/PathParts.h"
-#include "platform/Paths.h"
-#include "platform/WaveDevices.h"
+#include "platform/devices/WaveDevices.h"
+#include "platform/files/Files.h"
+#include "platform/host/HostFiles.h"
+#include "platform/paths/DriveAsker.h"
+#include "platform/paths/PathParts.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -1,11 +1,11 @@
 // What the stores cost: reading a key of an unchanged ini file, loading and saving a workstation's worth of
 // keys, and the sizes that no station has.
-#include "platform/HostFiles.h"
-#include "platform/Paths.h"
-#include "platform/ProfileDocument.h"
-#include "platform/ProfileFile.h"
-#include "platform/RegistryStore.h"
-#include "platform/Replacement.h"
+#include "platform/host/HostFiles.h"
+#include "platform/host/Replacement.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileDocument.h"
+#include "platform/profile/ProfileFile.h"
+#include "platform/registry/RegistryStore.h"
 
 #include <benchmark/benchmark.h>
 

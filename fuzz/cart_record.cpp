@@ -2,8 +2,8 @@
 // the file form unchanged; a list of any length opens, keeps its whole records, and reads.
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QFile>
 #include <QTemporaryDir>

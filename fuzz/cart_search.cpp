@@ -3,7 +3,7 @@
 // the text, the list.
 #include "Require.h"
 #include "audio/PlainSearch.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
 // Any bytes as a profile file, and a few changes to it: nothing may be lost, and a change reads back.
 #include "Require.h"
 
-#include "platform/ProfileDocument.h"
+#include "platform/profile/ProfileDocument.h"
 
 #include <cstdint>
 

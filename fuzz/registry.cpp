@@ -1,7 +1,7 @@
 // Any bytes as a registry store: nothing is lost, and a value that is written reads back.
 #include "Require.h"
 
-#include "platform/RegistryDocument.h"
+#include "platform/registry/RegistryDocument.h"
 
 #include <cstdint>
 

@@ -6,8 +6,8 @@
 #include "core/text/Numbers.h"
 #include "core/time/Dates.h"
 #include "core/time/TimeText.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QTemporaryDir>
 

@@ -15,8 +15,8 @@
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "platform/Clock.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 #include <QFileInfo>

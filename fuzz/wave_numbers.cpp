@@ -1,6 +1,6 @@
 // The list of remembered wave devices, which a user may edit: what is read from it can be written and read
 // again, and numbering devices by it keeps within its bounds.
-#include "platform/WaveNumbers.h"
+#include "platform/devices/WaveNumbers.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // it is written out and split again.
 #include "Require.h"
 
-#include "platform/PathParts.h"
+#include "platform/paths/PathParts.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmSplash.h"
 #include "core/settings/Settings.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QApplication>
 #include <QDir>

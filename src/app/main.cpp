@@ -4,8 +4,8 @@
 #include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "core/system/Product.h"
-#include "platform/Paths.h"
-#include "platform/SingleInstance.h"
+#include "platform/paths/Paths.h"
+#include "platform/process/SingleInstance.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/Style.h"
 

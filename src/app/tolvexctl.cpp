@@ -4,8 +4,8 @@
 #include "app/ctl/TerminalPrompts.h"
 #include "console/StartUp.h"
 #include "databases/store/Report.h"
-#include "platform/LookOnly.h"
-#include "platform/Paths.h"
+#include "platform/host/LookOnly.h"
+#include "platform/paths/Paths.h"
 
 #include <QCoreApplication>
 

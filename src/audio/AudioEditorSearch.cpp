@@ -2,7 +2,7 @@
 
 #include "core/report/Folders.h"
 #include "core/system/Registry.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 namespace tolvex {
 

@@ -3,8 +3,8 @@
 #include "core/report/Folders.h"
 #include "core/settings/Settings.h"
 #include "platform/Clock.h"
-#include "platform/FileCopy.h"
-#include "platform/Files.h"
+#include "platform/files/FileCopy.h"
+#include "platform/files/Files.h"
 
 namespace tolvex {
 

@@ -4,8 +4,8 @@
 #include "audio/CartStore.h"
 #include "core/report/Folders.h"
 #include "core/text/TextFields.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <QHash>
 

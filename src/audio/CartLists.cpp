@@ -1,7 +1,7 @@
 #include "audio/CartLists.h"
 
 #include "audio/CartStore.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 

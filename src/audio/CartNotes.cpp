@@ -1,9 +1,9 @@
 #include "audio/CartNotes.h"
 
 #include "audio/CartStore.h"
-#include "platform/Files.h"
-#include "platform/FolderReader.h"
 #include "platform/SteadyTime.h"
+#include "platform/files/Files.h"
+#include "platform/files/FolderReader.h"
 
 #include <QHash>
 

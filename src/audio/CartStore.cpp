@@ -3,8 +3,8 @@
 #include "audio/Hotlist.h"
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 #include <memory>

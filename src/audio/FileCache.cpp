@@ -2,8 +2,8 @@
 
 #include "core/settings/Settings.h"
 #include "core/system/Registry.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

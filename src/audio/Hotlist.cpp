@@ -3,8 +3,8 @@
 #include "audio/CartStore.h"
 #include "core/report/Folders.h"
 #include "core/text/RecordLayout.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <memory>
 

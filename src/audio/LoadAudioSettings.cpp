@@ -9,7 +9,7 @@
 #include "core/settings/SettingsLoader.h"
 #include "core/text/Numbers.h"
 #include "core/text/TextFields.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -2,7 +2,7 @@
 // two channels; anything else finds nothing. Devices are numbered from 0.
 #pragma once
 
-#include "platform/WaveDevices.h"
+#include "platform/devices/WaveDevices.h"
 
 namespace tolvex {
 

@@ -10,7 +10,7 @@
 #include "databases/suite/DatabaseSettings.h"
 #include "databases/suite/FindDatabases.h"
 #include "databases/suite/ValidateDatabase.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -15,8 +15,8 @@
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/Machine.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

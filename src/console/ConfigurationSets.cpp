@@ -4,10 +4,10 @@
 #include "core/report/ProblemReport.h"
 #include "core/system/Registry.h"
 #include "core/text/TextFields.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
-#include "platform/ProfileFile.h"
-#include "platform/RegistryStore.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
+#include "platform/registry/RegistryStore.h"
 
 namespace tolvex {
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/settings/Settings.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QHash>
 #include <QStringList>

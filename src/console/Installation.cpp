@@ -7,7 +7,7 @@
 #include "databases/suite/FindDatabases.h"
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -8,10 +8,10 @@
 #include "core/text/PathNames.h"
 #include "core/time/Dates.h"
 #include "network/TerminalList.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

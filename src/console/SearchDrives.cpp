@@ -1,8 +1,8 @@
 #include "console/SearchDrives.h"
 
 #include "core/report/ProblemReport.h"
-#include "platform/DriveAsker.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
+#include "platform/paths/DriveAsker.h"
 
 namespace tolvex {
 

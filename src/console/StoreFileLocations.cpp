@@ -6,9 +6,9 @@
 #include "core/settings/Settings.h"
 #include "core/system/Registry.h"
 #include "core/text/PathNames.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
-#include "platform/RegistryStore.h"
+#include "platform/profile/ProfileFile.h"
+#include "platform/registry/RegistryStore.h"
 
 namespace tolvex {
 

@@ -1,8 +1,8 @@
 #include "hardware/HardwareStore.h"
 
 #include "core/text/Numbers.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -5,9 +5,9 @@
 #include "core/text/RecordListFault.h"
 #include "core/time/Dates.h"
 #include "platform/Clock.h"
-#include "platform/Files.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <memory>
 

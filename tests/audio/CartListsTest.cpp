@@ -3,8 +3,9 @@
 
 #include "audio/CartCheck.h"
 #include "audio/CartLists.h"
-#include "platform/HostFiles.h"
-#include "platform/LookOnly.h"
+#include "platform/files/Files.h"
+#include "platform/host/HostFiles.h"
+#include "platform/host/LookOnly.h"
 #include "support/NoRoom.h"
 #include "support/WithoutRights.h"
 

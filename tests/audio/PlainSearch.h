@@ -6,7 +6,7 @@
 #include "audio/CartStore.h"
 #include "audio/search/CartSearch.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace tolvex::tests {
 

@@ -8,7 +8,7 @@
 #include "core/time/Dates.h"
 #include "databases/ServerTest.h"
 #include "databases/suite/DatabaseSettings.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <QSet>
 

@@ -8,7 +8,7 @@
 #include "core/system/Registry.h"
 #include "databases/users/UsersDatabase.h"
 #include "platform/Machine.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;

@@ -7,7 +7,7 @@
 #include "console/StartUp.h"
 #include "core/settings/Settings.h"
 #include "network/TerminalList.h"
-#include "platform/WaveDevices.h"
+#include "platform/devices/WaveDevices.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"

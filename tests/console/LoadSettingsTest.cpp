@@ -4,7 +4,7 @@
 #include "console/ConsoleTest.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/time/Dates.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 using namespace tolvex;
 using platform::Answer;

@@ -1,7 +1,7 @@
 #include "core/settings/SaveLocalSettings.h"
 
 #include "core/settings/SettingsLoader.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"
 

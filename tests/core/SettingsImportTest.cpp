@@ -5,8 +5,8 @@
 #include "core/settings/SettingsLoader.h"
 #include "platform/CodePage.h"
 
-#include "platform/FileLock.h"
-#include "platform/Replacement.h"
+#include "platform/host/FileLock.h"
+#include "platform/host/Replacement.h"
 #include "support/FileFaults.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"

@@ -2,7 +2,7 @@
 
 #include "core/system/Registry.h"
 #include "core/time/Dates.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"
 

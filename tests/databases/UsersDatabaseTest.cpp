@@ -10,7 +10,7 @@
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "platform/CodePage.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 #include "support/FixedClock.h"
 #include "support/NoRoom.h"
 #include "support/Workstation.h"

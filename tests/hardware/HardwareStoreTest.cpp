@@ -5,8 +5,8 @@
 
 #include "hardware/FakeDriver.h"
 #include "hardware/LineEdits.h"
-#include "platform/HostFiles.h"
-#include "platform/ProfileFile.h"
+#include "platform/host/HostFiles.h"
+#include "platform/profile/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
 

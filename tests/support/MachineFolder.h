@@ -7,8 +7,8 @@
 //     EXPECT_EQ(machine.read("C:\\WINDOWS\\TOLVEX.INI"), ...);
 #pragma once
 
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 #include <QTemporaryDir>

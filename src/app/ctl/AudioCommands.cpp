@@ -1,7 +1,7 @@
 // Wave devices of this machine.
 #include "app/ctl/Commands.h"
 
-#include "platform/WaveDevices.h"
+#include "platform/devices/WaveDevices.h"
 
 namespace tolvex::ctl {
 

@@ -7,7 +7,7 @@
 #include "console/Installation.h"
 #include "core/settings/Settings.h"
 #include "databases/users/UsersDatabase.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 namespace tolvex::ctl {
 

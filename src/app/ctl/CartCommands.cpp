@@ -7,7 +7,7 @@
 #include "audio/CartStore.h"
 #include "console/CheckConfiguration.h"
 #include "console/LoadSettings.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace tolvex::ctl {
 

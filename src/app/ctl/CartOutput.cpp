@@ -1,7 +1,7 @@
 #include "app/ctl/CartOutput.h"
 
 #include "audio/CartStore.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <cmath>
 

@@ -4,8 +4,8 @@
 #include "console/StartUp.h"
 #include "core/exchange/SettingsImport.h"
 #include "core/report/ProblemReport.h"
-#include "platform/LookOnly.h"
-#include "platform/Paths.h"
+#include "platform/host/LookOnly.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 

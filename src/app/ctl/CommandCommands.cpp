@@ -11,8 +11,8 @@
 #include "network/commands/CommandTrial.h"
 #include "network/commands/CommandUses.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <QCoreApplication>
 

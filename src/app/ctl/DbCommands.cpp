@@ -9,7 +9,7 @@
 #include "jet/Query.h"
 #include "jet/Salvage.h"
 #include "jet/Transfer.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <cstdio>
 

@@ -3,8 +3,8 @@
 
 #include "core/settings/StoredSettings.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
-#include "platform/ProfileFile.h"
+#include "platform/files/Files.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex::ctl {
 

@@ -2,7 +2,7 @@
 #include "app/ctl/Commands.h"
 
 #include "platform/CodePage.h"
-#include "platform/RegistryStore.h"
+#include "platform/registry/RegistryStore.h"
 
 #include <QtEndian>
 

@@ -2,8 +2,8 @@
 #include "app/ctl/Commands.h"
 
 #include "console/ConfigurationSets.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 #include <optional>

@@ -5,7 +5,7 @@
 #include "core/exchange/SettingsImport.h"
 #include "core/settings/SettingCheck.h"
 #include "core/settings/SettingsReference.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace tolvex::ctl {
 

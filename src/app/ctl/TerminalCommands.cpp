@@ -5,7 +5,7 @@
 #include "core/settings/Settings.h"
 #include "network/TerminalList.h"
 #include "platform/Machine.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <optional>
 

@@ -1,8 +1,8 @@
 #include "app/ctl/TerminalPrompts.h"
 
 #include "app/ctl/Command.h"
-#include "platform/Files.h"
 #include "platform/Terminal.h"
+#include "platform/files/Files.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -5,7 +5,7 @@
 #include "console/forms/frmSplash.h"
 #include "core/settings/Settings.h"
 #include "core/system/Product.h"
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 #include "ui/forms/frmGoodInputBox.h"
 #include "ui/richtext/frmPrintPreview.h"
 #include "ui/style/Colours.h"

@@ -2,8 +2,8 @@
 
 #include "audio/CartNotes.h"
 #include "audio/CartStore.h"
-#include "platform/Files.h"
 #include "platform/SteadyTime.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "console/forms/frmDateTimeSetup.h"
 
 #include "core/settings/Settings.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 #include "ui/style/OpenForms.h"
 #include "ui_frmDateTimeSetup.h"
 

@@ -4,9 +4,9 @@
 #include "core/settings/SettingsLoader.h"
 #include "core/text/PathNames.h"
 #include "platform/Clock.h"
-#include "platform/FileGroup.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/files/FileGroup.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <map>
 

@@ -5,7 +5,7 @@
 #include "core/settings/Settings.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

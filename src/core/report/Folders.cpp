@@ -3,10 +3,10 @@
 #include "core/report/DebugLog.h"
 #include "core/report/ProblemReport.h"
 #include "core/text/PathNames.h"
-#include "platform/Files.h"
-#include "platform/Paths.h"
 #include "platform/Prompts.h"
-#include "platform/TempFile.h"
+#include "platform/files/Files.h"
+#include "platform/files/TempFile.h"
+#include "platform/paths/Paths.h"
 
 namespace tolvex {
 

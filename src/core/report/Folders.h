@@ -1,7 +1,7 @@
 // Folders and files by Windows path, as every part of the system tests for them and makes them.
 #pragma once
 
-#include "platform/FileCopy.h"
+#include "platform/files/FileCopy.h"
 
 #include <QString>
 

@@ -2,7 +2,7 @@
 
 #include "core/settings/SettingsLoader.h"
 #include "core/text/PathNames.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

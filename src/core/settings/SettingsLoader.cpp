@@ -4,7 +4,7 @@
 #include "core/text/Numbers.h"
 #include "core/text/PathNames.h"
 #include "core/time/Dates.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/settings/SettingsTable.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -1,7 +1,7 @@
 #include "core/system/Programs.h"
 
-#include "platform/Processes.h"
 #include "platform/Prompts.h"
+#include "platform/process/Processes.h"
 
 namespace tolvex {
 

@@ -2,7 +2,7 @@
 // and nothing on writing. A value equal to its default is never stored.
 #pragma once
 
-#include "platform/RegistryStore.h"
+#include "platform/registry/RegistryStore.h"
 
 namespace tolvex {
 

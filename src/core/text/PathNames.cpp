@@ -1,8 +1,8 @@
 #include "core/text/PathNames.h"
 
 #include "core/text/TextFields.h"
-#include "platform/PathParts.h"
-#include "platform/Paths.h"
+#include "platform/paths/PathParts.h"
+#include "platform/paths/Paths.h"
 
 #include <QStringList>
 

@@ -7,8 +7,8 @@
 #include "databases/jet/JetDatabase.h"
 #include "databases/store/Report.h"
 #include "jet/CompactInPlace.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 
 #include <QRandomGenerator>
 

@@ -3,7 +3,7 @@
 #include "databases/jet/JetDatabase.h"
 #include "jet/Storage.h"
 #include "platform/Clock.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <QRegularExpression>
 

@@ -7,8 +7,8 @@
 #include "jet/Query.h"
 #include "jet/Recordset.h"
 #include "jet/Salvage.h"
-#include "platform/LookOnly.h"
-#include "platform/Paths.h"
+#include "platform/host/LookOnly.h"
+#include "platform/paths/Paths.h"
 
 #include <type_traits>
 

@@ -8,8 +8,8 @@
 #include "databases/odbc/OdbcConnectString.h"
 #include "databases/store/Report.h"
 #include "databases/store/SuiteDatabase.h"
-#include "platform/LookOnly.h"
 #include "platform/Prompts.h"
+#include "platform/host/LookOnly.h"
 
 namespace tolvex {
 

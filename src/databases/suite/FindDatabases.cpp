@@ -3,7 +3,7 @@
 #include "databases/store/Report.h"
 #include "databases/store/SuiteDatabase.h"
 #include "databases/suite/DatabaseInformation.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 #include <algorithm>
 

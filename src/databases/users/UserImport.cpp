@@ -8,8 +8,8 @@
 #include "databases/users/UsersSchema.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
-#include "platform/ProfileFile.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 

@@ -14,9 +14,9 @@
 #include "databases/users/UserImport.h"
 #include "databases/users/UsersSchema.h"
 #include "platform/Clock.h"
-#include "platform/Files.h"
 #include "platform/Machine.h"
-#include "platform/Paths.h"
+#include "platform/files/Files.h"
+#include "platform/paths/Paths.h"
 
 #include <QDir>
 

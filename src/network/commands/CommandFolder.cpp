@@ -3,7 +3,7 @@
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
 #include "core/text/PathNames.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace tolvex {
 

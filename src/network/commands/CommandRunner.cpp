@@ -2,8 +2,8 @@
 
 #include "core/report/ProblemReport.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
-#include "platform/Processes.h"
+#include "platform/files/Files.h"
+#include "platform/process/Processes.h"
 
 #include <QTimer>
 

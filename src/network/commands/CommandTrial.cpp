@@ -1,7 +1,7 @@
 #include "network/commands/CommandTrial.h"
 
 #include "platform/CodePage.h"
-#include "platform/Processes.h"
+#include "platform/process/Processes.h"
 
 namespace tolvex {
 

@@ -1,7 +1,7 @@
 #include "platform/devices/SerialPort.h"
 
-#include "platform/HostFiles.h"
 #include "platform/devices/SerialPorts.h"
+#include "platform/host/HostFiles.h"
 #include "platform/process/Holders.h"
 
 #include <QElapsedTimer>

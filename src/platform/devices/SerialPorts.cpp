@@ -1,8 +1,8 @@
 #include "platform/devices/SerialPorts.h"
 
-#include "platform/HostFiles.h"
-#include "platform/LookOnly.h"
-#include "platform/Paths.h"
+#include "platform/host/HostFiles.h"
+#include "platform/host/LookOnly.h"
+#include "platform/paths/Paths.h"
 #include "platform/process/Holders.h"
 
 #include <QCollator>

@@ -1,6 +1,6 @@
 #include "ui/help/HelpFile.h"
 
-#include "platform/Paths.h"
+#include "platform/paths/Paths.h"
 
 #include <QFile>
 #include <QRegularExpression>

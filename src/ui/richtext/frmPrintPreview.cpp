@@ -2,8 +2,8 @@
 
 #include "core/report/ProblemReport.h"
 #include "platform/CodePage.h"
-#include "platform/Files.h"
 #include "platform/Prompts.h"
+#include "platform/files/Files.h"
 #include "ui/richtext/RichText.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/OpenForms.h"

@@ -3,7 +3,7 @@
 #include "app/window/ProgressBox.h"
 #include "console/forms/Station.h"
 #include "console/forms/frmSplash.h"
-#include "platform/DriveAsker.h"
+#include "platform/paths/DriveAsker.h"
 
 #include <QFileDialog>
 #include <QLabel>

@@ -6,7 +6,7 @@
 #include "console/forms/WorkstationPanel.h"
 #include "console/forms/frmConfigure.h"
 #include "core/system/Registry.h"
-#include "platform/RegistryStore.h"
+#include "platform/registry/RegistryStore.h"
 #include "ui/style/OpenForms.h"
 
 #include <QAction>

@@ -3,7 +3,7 @@
 #include "console/ConfigurationSets.h"
 #include "console/forms/frmMultiConfig.h"
 #include "core/system/Registry.h"
-#include "platform/RegistryStore.h"
+#include "platform/registry/RegistryStore.h"
 #include "ui/forms/frmGoodInputBox.h"
 
 #include <QAction>

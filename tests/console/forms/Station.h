@@ -10,7 +10,7 @@
 #include "core/settings/Settings.h"
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <QAbstractButton>
 #include <QAction>

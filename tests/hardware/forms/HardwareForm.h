@@ -10,7 +10,7 @@
 #include "hardware/forms/LineGrid.h"
 #include "hardware/forms/frmHardwareManager.h"
 #include "hardware/forms/frmHardwareSettings.h"
-#include "platform/ProfileFile.h"
+#include "platform/profile/ProfileFile.h"
 #include "ui/binding/OptionList.h"
 
 #include <QAbstractItemView>

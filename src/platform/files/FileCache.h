@@ -1,0 +1,110 @@
+// Text files that are read over and over while they hardly ever change: each is kept in its parsed form for
+// as long as the file is the same one. Bounded in memory; the file used last is always kept.
+#pragma once
+
+#include "platform/host/HostFiles.h"
+
+#include <QList>
+
+#include <memory>
+
+namespace tolvex::platform {
+
+// What tells one state of a file from another without reading it.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t number = 0;
+    qint64 size = 0;
+    qint64 modified = 0; // nanoseconds since 1970
+    qint64 changed = 0;
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+// Nothing when there is no such regular file. Cost: one stat.
+std::optional<FileStamp> StampOf(const QString& hostPath);
+
+// Whether another write might still leave the same stamp: file systems count time in steps, of 2 seconds at
+// worst.
+bool IsFresh(const FileStamp& stamp);
+
+// `Document` is made from the bytes of a file, or from none, and tells valid() and its cost() in bytes.
+template<class Document>
+class FileCache {
+public:
+    // `limit`: longer files count as unreadable. `budget`: memory for all documents together.
+    explicit FileCache(qint64 limit, qsizetype budget = 64 << 20)
+        : limit_(limit)
+        , budget_(budget) {}
+
+    // The file as it is now; null when it cannot be read. Cost: one stat while it is unchanged; while its
+    // last change is fresh its bytes are compared as well.
+    std::shared_ptr<const Document> open(const QString& hostPath) {
+        const std::optional<FileStamp> stamp = StampOf(hostPath);
+        const qsizetype at = indexOf(hostPath);
+        if (stamp && at >= 0 && entries_[at].stamp == *stamp && isSame(entries_[at])) {
+            entries_.move(at, 0);
+            return entries_[0].document;
+        }
+        if (at >= 0)
+            entries_.removeAt(at);
+        std::optional<QByteArray> bytes = stamp ? ReadHostFile(hostPath, limit_) : std::nullopt;
+        if (!bytes)
+            return nullptr;
+        auto document = std::make_shared<const Document>(*bytes);
+        if (!document->valid())
+            return nullptr;
+        if (!IsFresh(*stamp))
+            bytes->clear();
+        entries_.prepend({hostPath, *stamp, *bytes, document});
+        shrink();
+        return document;
+    }
+
+    void clear() { entries_.clear(); }
+
+private:
+    struct Entry {
+        QString path;
+        FileStamp stamp;
+        QByteArray bytes; // as long as the stamp alone proves nothing
+        std::shared_ptr<const Document> document;
+    };
+    // A file a cache, few enough to be searched one by one.
+    static constexpr qsizetype mostFiles = 32;
+
+    qsizetype indexOf(const QString& path) const {
+        for (qsizetype i = 0; i < entries_.size(); ++i)
+            if (entries_[i].path == path)
+                return i;
+        return -1;
+    }
+
+    bool isSame(Entry& entry) {
+        if (entry.bytes.isEmpty())
+            return true;
+        const bool settled = !IsFresh(entry.stamp);
+        if (ReadHostFile(entry.path, limit_) != entry.bytes)
+            return false;
+        if (settled)
+            entry.bytes.clear();
+        return true;
+    }
+
+    void shrink() {
+        qsizetype used = 0;
+        for (qsizetype i = 0; i < entries_.size(); ++i) {
+            used += entries_[i].document->cost() + entries_[i].bytes.size();
+            if (i > 0 && (used > budget_ || i >= mostFiles)) {
+                entries_.resize(i);
+                return;
+            }
+        }
+    }
+
+    qint64 limit_;
+    qsizetype budget_;
+    QList<Entry> entries_;
+};
+
+} // namespace tolvex::platform

@@ -1,0 +1,179 @@
+#include "platform/host/Replacement.h"
+
+#include "platform/host/LookOnly.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace tolvex::platform {
+
+namespace {
+
+constexpr char besideStart[] = ".tolvex-";
+constexpr char besideEnd[] = ".new";
+
+// As many names as can be taken by files of dead writers that cannot be removed.
+constexpr int mostNames = 1000;
+
+// On a share locks may be those of this machine alone. What was changed there within this time, in seconds,
+// may be another machine's at work.
+constexpr qint64 atRestOnShare = 24 * 60 * 60;
+
+// Keeps mode and owner of the file that is about to be replaced. A foreign owner cannot always be kept; then
+// the file is at least ours with the same rights.
+void takeOver(int descriptor, const struct stat& old) {
+    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0)
+        errno = 0;
+    if (::fchmod(descriptor, old.st_mode & 07777) != 0)
+        errno = 0;
+}
+
+int flushFolder(const QString& folder) {
+    const Descriptor descriptor(::open(HostName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.open() || hostCalls().flush(descriptor.get()) == 0)
+        return NoError;
+    // Network file systems that cannot flush a folder say so; they keep names by themselves.
+    return errno == EINVAL || errno == EBADF || errno == ENOTSUP ? NoError : DeviceIoError;
+}
+
+bool isSameFile(int descriptor, const QByteArray& name) {
+    struct stat ours {};
+    struct stat there {};
+    return ::fstat(descriptor, &ours) == 0 && ::stat(name.constData(), &there) == 0 &&
+           ours.st_dev == there.st_dev && ours.st_ino == there.st_ino;
+}
+
+// Whether nobody writes a file beside any more: its lock is free. On a file system without locks nobody
+// knows.
+bool isAbandoned(const Descriptor& file, bool onShare) {
+    struct stat info {};
+    if (!file.open() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
+        return false;
+    if (onShare && ::time(nullptr) - info.st_mtim.tv_sec < atRestOnShare)
+        return false;
+    return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+void removeAbandoned(const QString& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(HostName(folder).constData()), &::closedir);
+    const bool onShare = stream && OnNetwork(folder);
+    while (const struct dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+        const QByteArray name(entry->d_name);
+        if (!name.startsWith(besideStart) || !name.endsWith(besideEnd))
+            continue;
+        const QByteArray path = HostName(folder) + '/' + name;
+        const Descriptor file(::open(path.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        if (isAbandoned(file, onShare) && isSameFile(file.get(), path))
+            ::unlink(path.constData());
+    }
+}
+
+} // namespace
+
+Replacement::Replacement(const QString& hostPath) {
+    if (LookingOnly()) {
+        error_ = PathFileAccess;
+        return;
+    }
+    const std::optional<QString> target = FollowLinks(hostPath);
+    if (!target) {
+        error_ = PathNotFound;
+        return;
+    }
+    target_ = *target;
+    const QByteArray name = HostName(target_);
+    struct stat old {};
+    const bool replaces = ::stat(name.constData(), &old) == 0;
+    if (replaces && (!S_ISREG(old.st_mode) || ::access(name.constData(), W_OK) != 0)) {
+        error_ = PathFileAccess;
+        return;
+    }
+    removeAbandoned(HostFolder(target_));
+    for (int tried = 0; tried < mostNames && error_ == NoError && !makeBeside(); ++tried)
+        continue;
+    if (error_ == NoError && !file_.open())
+        error_ = FileAlreadyExists;
+    if (error_ == NoError && replaces)
+        takeOver(file_.get(), old);
+}
+
+// Makes the file beside, under a short name of its own, so that a long file name leaves room for it. False
+// when that name is taken, by a file of a dead process of our number for instance, or when another writer
+// took the file for abandoned before it was locked; error_ is set where no other name would help.
+bool Replacement::makeBeside() {
+    static int counter = 0;
+    const QByteArray name = HostName(HostFolder(target_)) + '/' + besideStart +
+                            QByteArray::number(qint64{::getpid()}) + '-' + QByteArray::number(++counter) +
+                            besideEnd;
+    file_ = Descriptor(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file_.open()) {
+        if (errno != EEXIST)
+            error_ = FileErrorFor(errno, target_);
+        return false;
+    }
+    alive_ = Descriptor(::fcntl(file_.get(), F_DUPFD_CLOEXEC, 0));
+    const bool lost = ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (lost || !isSameFile(file_.get(), name)) {
+        file_.close();
+        alive_.close();
+        return false;
+    }
+    beside_ = name;
+    return true;
+}
+
+Replacement::~Replacement() {
+    if (!beside_.isEmpty())
+        ::unlink(beside_.constData());
+}
+
+int Replacement::write(const char* bytes, qint64 length) {
+    if (error_ == NoError)
+        error_ = FileErrorFor(WriteFully(file_.get(), bytes, length), target_);
+    return error_;
+}
+
+int Replacement::prepare(const struct timespec* modified) {
+    if (error_ != NoError || !file_.open())
+        return error_;
+    const struct timespec times[2] = {{0, UTIME_OMIT}, modified ? *modified : timespec{0, UTIME_OMIT}};
+    int failed = ::futimens(file_.get(), times) == 0 || errno == EPERM ? 0 : errno;
+    if (failed == 0 && hostCalls().flush(file_.get()) != 0)
+        failed = errno;
+    if (const int closing = file_.close(); failed == 0)
+        failed = closing;
+    return error_ = FileErrorFor(failed, target_);
+}
+
+int Replacement::commit(const struct timespec* modified) {
+    if (prepare(modified) != NoError)
+        return error_;
+    if (hostCalls().rename(beside_.constData(), HostName(target_).constData()) != 0)
+        return error_ = FileErrorFor(errno, target_);
+    beside_.clear();
+    alive_.close();
+    return error_ = flushFolder(HostFolder(target_));
+}
+
+int ReplaceHostFile(const QString& hostPath, const QByteArray& bytes) {
+    Replacement replacement(hostPath);
+    replacement.write(bytes.constData(), bytes.size());
+    return replacement.commit();
+}
+
+int RemoveHostFile(const QString& hostPath) {
+    if (LookingOnly())
+        return PathFileAccess;
+    if (::unlink(HostName(hostPath).constData()) != 0)
+        return FileErrorFor(errno, hostPath);
+    return flushFolder(HostFolder(hostPath));
+}
+
+} // namespace tolvex::platform

@@ -1,0 +1,214 @@
+// The machine folder: choosing it, laying it out, and the folders that every machine has.
+#include "platform/paths/PathState.h"
+#include "platform/paths/Paths.h"
+
+#include "platform/host/HostFiles.h"
+#include "platform/host/LookOnly.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
+
+namespace tolvex::platform {
+
+namespace {
+
+PathState state;
+thread_local PathState* stateOfThread = nullptr;
+
+constexpr int longestSystemPath = 145;
+
+// The folders that the suite takes for granted on drive C:.
+constexpr const char* standardFolders[] = {"WINDOWS", "WINDOWS/SYSTEM32", "WINDOWS/TEMP", "Program Files",
+                                           "Program Files/Common Files"};
+
+struct ShellFolder {
+    int number;
+    const char* windowsPath;              // null: a folder of the user
+    QStandardPaths::StandardLocation own; // then this one
+};
+// The numbers are the shell's own.
+constexpr ShellFolder shellFolders[] = {
+    {0x00, nullptr, QStandardPaths::DesktopLocation},
+    {0x05, nullptr, QStandardPaths::DocumentsLocation},
+    {0x0D, nullptr, QStandardPaths::MusicLocation},
+    {0x0E, nullptr, QStandardPaths::MoviesLocation},
+    {0x10, nullptr, QStandardPaths::DesktopLocation},
+    {0x1A, nullptr, QStandardPaths::GenericConfigLocation},
+    {0x1C, nullptr, QStandardPaths::GenericDataLocation},
+    {0x24, "C:\\WINDOWS", {}},
+    {0x25, "C:\\WINDOWS\\SYSTEM32", {}},
+    {0x26, "C:\\Program Files", {}},
+    {0x27, nullptr, QStandardPaths::PicturesLocation},
+    {0x28, nullptr, QStandardPaths::HomeLocation},
+    {0x2B, "C:\\Program Files\\Common Files", {}},
+};
+
+QString defaultMachineFolder() {
+    if (QString chosen = qEnvironmentVariable("TOLVEX_HOME"); !chosen.isEmpty())
+        return chosen;
+    // A relative data folder does not count, says the convention that defines it.
+    QString data = qEnvironmentVariable("XDG_DATA_HOME");
+    if (!data.startsWith(u'/'))
+        data = QDir::homePath() + QStringLiteral("/.local/share");
+    return data + QStringLiteral("/tolvex");
+}
+
+QString systemText(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+// A machine that is only looked at is taken as it is, unless there is none yet.
+bool mayLayOut(const QString& folder) {
+    return !LookingOnly() || !QFile::exists(folder + QStringLiteral("/dosdevices"));
+}
+
+// 0, or the errno that stands in the way of a folder at `path`.
+int makeFolders(const QString& path) {
+    const QByteArray name = HostName(path);
+    struct stat info {};
+    if (::stat(name.constData(), &info) == 0)
+        return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
+    if (errno != ENOENT)
+        return errno;
+    if (const QString parent = HostFolder(path); parent != path)
+        if (const int error = makeFolders(parent); error != 0)
+            return error;
+    // EEXIST: another program was quicker, or a link that leads nowhere holds the name.
+    if (::mkdir(name.constData(), 0777) == 0)
+        return 0;
+    const int error = errno;
+    if (error == EEXIST && ::stat(name.constData(), &info) == 0 && S_ISDIR(info.st_mode))
+        return 0;
+    return error == EEXIST ? ENOENT : error;
+}
+
+// Drives C: and Z: of a machine folder that had no dosdevices/ yet, and the standard folders. A sentence
+// about what went wrong, or an empty text.
+QString layOut(const QString& folder) {
+    const QString devices = folder + QStringLiteral("/dosdevices");
+    const bool isNew = !QFile::exists(devices);
+    if (const int error = makeFolders(devices); error != 0)
+        return QStringLiteral(
+                   "The machine folder \"%1\" cannot be made: %2. Choose another one with TOLVEX_HOME.")
+            .arg(folder, systemText(error));
+    const QByteArray driveC = HostName(devices + QStringLiteral("/c:"));
+    struct stat info {};
+    if (::lstat(driveC.constData(), &info) != 0 &&
+        !FolderCache().find(HostName(devices), QStringLiteral("c:"))) {
+        int error = makeFolders(folder + QStringLiteral("/drive_c"));
+        // Another program may have been quicker.
+        if (error == 0 && ::symlink("../drive_c", driveC.constData()) != 0 && errno != EEXIST)
+            error = errno;
+        if (error != 0)
+            return QStringLiteral("Drive C: of the machine folder \"%1\" cannot be made: %2.")
+                .arg(folder, systemText(error));
+    }
+    if (isNew && ::symlink("/", HostName(devices + QStringLiteral("/z:")).constData()) != 0)
+        errno = 0; // only a convenience
+    return {};
+}
+
+void makeStandardFolders() {
+    for (const char* name : standardFolders) {
+        const QString path = HostPath(QStringLiteral("C:\\") + QLatin1String(name));
+        // A folder that cannot be made is missed, with its name, by whoever needs it first.
+        if (::mkdir(HostName(path).constData(), 0777) != 0)
+            errno = 0;
+    }
+}
+
+} // namespace
+
+OwnPathState::OwnPathState(PathState& own) {
+    stateOfThread = &own;
+}
+
+OwnPathState::~OwnPathState() {
+    stateOfThread = nullptr;
+}
+
+PathState& pathState() {
+    if (stateOfThread)
+        return *stateOfThread;
+    if (state.machineFolder.isEmpty())
+        SetMachineFolder({});
+    return state;
+}
+
+bool SetMachineFolder(const QString& hostFolder, QString* why) {
+    QString sentence;
+    const QString chosen = hostFolder.isEmpty() ? defaultMachineFolder() : hostFolder;
+    const QString folder = QDir::cleanPath(QDir(chosen).absolutePath());
+    const bool laysOut = mayLayOut(folder);
+    if (chosen.contains(QChar(0)))
+        sentence = QStringLiteral("The name of the machine folder holds a zero character.");
+    else if (laysOut)
+        sentence = layOut(folder);
+    if (sentence.isEmpty()) {
+        PathState fresh;
+        fresh.machineFolder = folder;
+        fresh.devices = HostName(folder + QStringLiteral("/dosdevices"));
+        fresh.applicationFolder = state.applicationFolder;
+        PathState before = std::exchange(state, std::move(fresh));
+        struct stat info {};
+        const QString driveC = HostPath(QStringLiteral("C:\\"));
+        if (driveC.isEmpty() || ::stat(HostName(driveC).constData(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+            sentence = QStringLiteral("Drive C: of the machine folder \"%1\" leads nowhere. Mend the link "
+                                      "\"%1/dosdevices/c:\".")
+                           .arg(folder);
+            state = std::move(before);
+        }
+    }
+    if (why)
+        *why = sentence;
+    if (!sentence.isEmpty())
+        return false;
+    if (laysOut)
+        makeStandardFolders();
+    return true;
+}
+
+QString MachineFolder() {
+    return pathState().machineFolder;
+}
+
+QString WindowsFolder() {
+    return QStringLiteral("C:\\WINDOWS").left(longestSystemPath);
+}
+
+QString SystemFolder() {
+    return QStringLiteral("C:\\WINDOWS\\SYSTEM32").left(longestSystemPath);
+}
+
+QString TempFolder() {
+    return QStringLiteral("C:\\WINDOWS\\TEMP");
+}
+
+QString ApplicationFolder() {
+    if (!pathState().applicationFolder.isEmpty())
+        return pathState().applicationFolder;
+    const std::optional<QString> program = FollowLinks(QStringLiteral("/proc/self/exe"));
+    return WindowsPath(HostFolder(program.value_or(QStringLiteral("/"))));
+}
+
+void SetApplicationFolder(const QString& windowsPath) {
+    state.applicationFolder = windowsPath;
+}
+
+QString SpecialFolderPath(int number) {
+    for (const ShellFolder& folder : shellFolders) {
+        if (folder.number != number)
+            continue;
+        const QString path = folder.windowsPath ? QString::fromLatin1(folder.windowsPath)
+                                                : WindowsPath(QStandardPaths::writableLocation(folder.own));
+        return IsHostFolder(HostPath(path)) ? path : QString();
+    }
+    return {};
+}
+
+} // namespace tolvex::platform

@@ -1,0 +1,25 @@
+#include "platform/paths/ResolvedPath.h"
+
+#include "platform/host/LookOnly.h"
+#include "platform/paths/PathParts.h"
+#include "platform/paths/Paths.h"
+
+namespace tolvex::platform {
+
+ResolvedPath::ResolvedPath(const QString& windowsPath)
+    : host(HostPath(windowsPath))
+    , name(HostName(host)) {
+    if (host.isEmpty())
+        error = windowsPath.isEmpty() || windowsPath.contains(QChar(0)) ? BadFileNumber : PathNotFound;
+}
+
+int ResolvedPath::asNew() const {
+    if (error == NoError && LookingOnly())
+        return PathFileAccess;
+    struct stat info {};
+    if (error != NoError || ::lstat(name.constData(), &info) == 0)
+        return error;
+    return IsValidName(host.section(u'/', -1)) ? NoError : BadFileNumber;
+}
+
+} // namespace tolvex::platform

@@ -1,0 +1,60 @@
+// The text of a registry export ("Windows Registry Editor Version 5.00"), without a file: parsed once, asked
+// by key path and name, edited line by line. Lines that no change names stay as they are, be they of other
+// hives, of value types that the suite does not use, or no registry text at all.
+//
+// Paths begin with the hive's name ("HKEY_LOCAL_MACHINE\Software\Norvane"). Paths and names match without
+// regard to case. docs/formats/registry.md tells the form.
+#pragma once
+
+#include "platform/registry/RegistryStore.h"
+
+#include <QMap>
+
+namespace tolvex::platform {
+
+class RegistryDocument {
+public:
+    // Any bytes are taken; UTF-16 little-endian with its mark, else code page 1252. Cost: one pass.
+    explicit RegistryDocument(const QByteArray& bytes = {});
+
+    bool valid() const { return true; }
+    // Memory held, in bytes, nearly.
+    qsizetype cost() const;
+
+    std::optional<RegistryValue> value(const QString& path, const QString& name) const;
+    // Whether the key is there, with values or as the parent of another.
+    bool hasKey(const QString& path) const;
+    // Sorted without regard to case.
+    QStringList valueNames(const QString& path) const;
+    QStringList subkeys(const QString& path) const;
+
+    // Sets a value, making its key. False, and nothing changed, for a path or name that cannot be written (a
+    // line break or zero in it, no key below the hive).
+    bool set(const QString& path, const QString& name, const RegistryValue& value);
+    // Removes a value; its key stays. False when it was not there.
+    bool remove(const QString& path, const QString& name);
+
+    QByteArray bytes() const;
+
+private:
+    struct Value {
+        QString name; // as it is spelled
+        int line = 0; // in lines_
+    };
+    struct Key {
+        QString path;                // as it is spelled
+        int end = 0;                 // the line behind its first block's last value
+        QMap<QString, Value> values; // by folded name
+    };
+
+    void index();
+    const Value* find(const QString& path, const QString& name) const;
+
+    bool wide_ = true;
+    bool ansi_ = false; // texts in hexadecimal are code page 1252 too (version 4 of the form)
+    QByteArray oddByte_;
+    QStringList lines_;       // a value with its continuations is one; line ends included
+    QMap<QString, Key> keys_; // by folded path
+};
+
+} // namespace tolvex::platform

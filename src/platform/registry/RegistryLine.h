@@ -1,0 +1,26 @@
+// One line of a registry export: a key's header, or a value in its textual form.
+#pragma once
+
+#include "platform/registry/RegistryStore.h"
+
+namespace tolvex::platform {
+
+// A line of a key, "name"=value. No value: the line removes the name ("name"=-).
+struct RegistryLine {
+    QString name; // empty: the key's default value, "@"
+    std::optional<RegistryValue> value;
+};
+
+// `ansi`: texts in hexadecimal are code page 1252, not UTF-16. Nothing when it is no such line.
+std::optional<RegistryLine> ParseRegistryLine(QStringView line, bool ansi);
+
+// The path of a header line "[path]", normalised; empty when it is none.
+QString ParseRegistryHeader(QStringView line);
+
+// The line (or the lines) for a value, with line ends, wrapped as the platform's own export does.
+QString FormatRegistryLine(const QString& name, const RegistryValue& value, bool ansi);
+
+// A key path without empty components.
+QString NormalRegistryPath(const QString& path);
+
+} // namespace tolvex::platform
