@@ -1,12 +1,11 @@
 #include "platform/Clock.h"
 
 #include "platform/Prompts.h"
+#include "platform/System.h"
 
 #include <algorithm>
 #include <chrono>
 #include <thread>
-
-#include <time.h>
 
 namespace tolvex::platform {
 
@@ -36,12 +35,7 @@ public:
         if (!time.isValid())
             return false;
         const qint64 milliseconds = time.toMSecsSinceEpoch();
-        if (milliseconds < 0)
-            return false;
-        const struct timespec moment {
-            static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1'000'000)
-        };
-        return ::clock_settime(CLOCK_REALTIME, &moment) == 0;
+        return milliseconds >= 0 && SetSystemClock(std::chrono::milliseconds(milliseconds));
     }
 };
 

@@ -1,6 +1,6 @@
 #include "platform/Machine.h"
 
-#include <unistd.h>
+#include "platform/System.h"
 
 namespace tolvex::platform {
 
@@ -23,18 +23,11 @@ void SetOperatingSystem(const SystemVersion& other) {
 }
 
 QString ComputerName() {
-    char name[256] = {};
-    if (::gethostname(name, sizeof name - 1) != 0)
-        return {};
-    return QString::fromUtf8(name).section(u'.', 0, 0).toUpper().left(longestName);
+    return SystemName().section(u'.', 0, 0).toUpper().left(longestName);
 }
 
 quint64 PhysicalMemory() {
-    if (memory != 0)
-        return memory;
-    const long pages = ::sysconf(_SC_PHYS_PAGES);
-    const long pageSize = ::sysconf(_SC_PAGESIZE);
-    return pages > 0 && pageSize > 0 ? static_cast<quint64>(pages) * static_cast<quint64>(pageSize) : 0;
+    return memory != 0 ? memory : SystemMemory();
 }
 
 void SetPhysicalMemory(quint64 bytes) {

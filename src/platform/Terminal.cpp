@@ -1,17 +1,17 @@
 #include "platform/Terminal.h"
 
-#include <cstdio>
+#include "platform/System.h"
 
-#include <unistd.h>
+#include <cstdio>
 
 namespace tolvex::platform {
 
 bool HasTerminal() {
-    return ::isatty(STDIN_FILENO) == 1;
+    return InputIsTerminal();
 }
 
 bool ErrorsAreShown() {
-    return ::isatty(STDERR_FILENO) == 1;
+    return ErrorsAreTerminal();
 }
 
 std::optional<QString> AskTerminal(const QString& prompt) {

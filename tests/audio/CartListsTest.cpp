@@ -6,9 +6,11 @@
 #include "platform/files/Files.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
+#include "platform/posix/HostCalls.h"
 #include "support/NoRoom.h"
 #include "support/WithoutRights.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace tolvex;

@@ -7,6 +7,7 @@
 
 #include "platform/host/FileLock.h"
 #include "platform/host/Replacement.h"
+#include "platform/posix/HostCalls.h"
 #include "support/FileFaults.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"

@@ -6,6 +6,7 @@
 #include "hardware/FakeDriver.h"
 #include "hardware/LineEdits.h"
 #include "platform/host/HostFiles.h"
+#include "platform/posix/HostCalls.h"
 #include "platform/profile/ProfileFile.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
@@ -14,6 +15,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <optional>
 
 using namespace tolvex;

@@ -1,5 +1,6 @@
 #include "platform/devices/SerialPort.h"
 
+#include "platform/devices/SerialDriver.h"
 #include "platform/devices/SerialPorts.h"
 #include "platform/host/HostFiles.h"
 #include "platform/process/Holders.h"
@@ -7,14 +8,10 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSerialPort>
+#include <QThread>
 #include <QTimer>
 
 #include <array>
-
-#include <linux/serial.h>
-#include <sys/ioctl.h>
-#include <termios.h>
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -56,7 +53,7 @@ SerialFault obstacle(const SerialPortFacts& facts) {
     if (!facts.present)
         return {SerialPortMissing,
                 QStringLiteral("%1 leads to %2, which is not there.").arg(facts.name(), facts.device)};
-    if (::access(HostName(facts.device).constData(), R_OK | W_OK) != 0)
+    if (!MayAccess(facts.device, Access::ReadAndWrite))
         return {SerialPortFailed, mayNotUse(facts)};
     return facts.holder.isEmpty() ? SerialFault() : inUse(facts);
 }
@@ -109,7 +106,7 @@ public:
         if (!port_.open(QIODevice::ReadWrite))
             return refused(facts);
         if (handshaking == Handshaking::RtsCtsXonXoff)
-            addXonXoff();
+            AddXonXoff(port_);
         port_.clear(); // what came before is no answer to anybody here
         held_ = std::make_unique<SerialPortUse>(device, use_);
         return {};
@@ -133,7 +130,7 @@ public:
             time.start();
             while (left() > 0 && !isGone(port_.error()) && time.elapsed() < milliseconds)
                 if (port_.bytesToWrite() == 0 || !port_.waitForBytesWritten(lookMilliseconds))
-                    ::usleep(lookMilliseconds * 1000);
+                    QThread::msleep(lookMilliseconds);
             all = left() == 0;
         }
         shut();
@@ -144,14 +141,7 @@ public:
     qint64 left() const {
         if (!port_.isOpen())
             return 0;
-        int inSystem = 0;
-        if (::ioctl(port_.handle(), TIOCOUTQ, &inSystem) != 0)
-            inSystem = 0;
-        // The last characters are in the chip itself, where it can be asked.
-        unsigned status = TIOCSER_TEMT;
-        if (inSystem == 0 && ::ioctl(port_.handle(), TIOCSERGETLSR, &status) != 0)
-            status = TIOCSER_TEMT;
-        return port_.bytesToWrite() + inSystem + ((status & TIOCSER_TEMT) ? 0 : 1);
+        return port_.bytesToWrite() + BytesInDriver(port_);
     }
 
     SerialPort& owner_;
@@ -178,15 +168,6 @@ private:
                 QStringLiteral("%1 (%2) could not be opened: %3.").arg(facts.name(), facts.device, text)};
     }
 
-    // The class knows one kind of handshaking at a time.
-    void addXonXoff() {
-        struct termios settings {};
-        if (::tcgetattr(port_.handle(), &settings) != 0)
-            return;
-        settings.c_iflag |= IXON | IXOFF;
-        ::tcsetattr(port_.handle(), TCSANOW, &settings);
-    }
-
     void receive() {
         const QByteArray bytes = port_.readAll();
         if (!bytes.isEmpty() && owner_.onReceived)
@@ -205,7 +186,7 @@ private:
                 owner_.onSent();
         } else if (progress_.elapsed() >= patienceMilliseconds) {
             port_.clear(QSerialPort::Output);
-            ::tcflush(port_.handle(), TCOFLUSH);
+            DropBytesInDriver(port_);
             finish();
             fail(
                 QStringLiteral("%1 does not take what is sent: %2 bytes were given up.").arg(name_).arg(now));

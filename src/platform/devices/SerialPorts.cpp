@@ -1,5 +1,6 @@
 #include "platform/devices/SerialPorts.h"
 
+#include "platform/host/HostChanges.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
 #include "platform/paths/Paths.h"
@@ -11,8 +12,6 @@
 #include <QSerialPortInfo>
 
 #include <algorithm>
-
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -60,11 +59,9 @@ QString entryOf(int number) {
 }
 
 bool anyEntry() {
-    for (int number = 1; number <= SerialPortCount; ++number) {
-        struct stat info {};
-        if (::lstat(HostName(entryOf(number)).constData(), &info) == 0)
+    for (int number = 1; number <= SerialPortCount; ++number)
+        if (LinkStatusOf(HostName(entryOf(number))))
             return true;
-    }
     return false;
 }
 
@@ -76,17 +73,16 @@ QStringList devicesByNumber() {
         for (int i = 0; i < found.size(); ++i) {
             devices[i + 1] = found[i];
             // One that cannot be made is tried again next time; the number means the same until then.
-            if (!LookingOnly() &&
-                ::symlink(HostName(found[i]).constData(), HostName(entryOf(i + 1)).constData()) != 0)
-                errno = 0;
+            if (!LookingOnly())
+                MakeHostLink(HostName(found[i]), HostName(entryOf(i + 1)));
         }
         return devices;
     }
     for (int number = 1; number <= SerialPortCount; ++number) {
-        struct stat info {};
         const QString entry = entryOf(number);
-        if (::lstat(HostName(entry).constData(), &info) == 0)
-            devices[number] = S_ISLNK(info.st_mode) ? QFileInfo(entry).symLinkTarget() : entry;
+        if (const auto status = LinkStatusOf(HostName(entry)))
+            devices[number] =
+                status->kind == HostStatus::Kind::Link ? QFileInfo(entry).symLinkTarget() : entry;
     }
     return devices;
 }
@@ -94,9 +90,8 @@ QStringList devicesByNumber() {
 SerialPortFacts factsOf(int number, const QString& device) {
     SerialPortFacts facts{number, device, false, {}, {}};
     const QString real = device.isEmpty() ? QString() : realPath(device);
-    struct stat info {};
-    facts.present =
-        !real.isEmpty() && ::stat(HostName(real).constData(), &info) == 0 && S_ISCHR(info.st_mode);
+    const std::optional<HostStatus> status = StatusOf(HostName(real));
+    facts.present = status && status->kind == HostStatus::Kind::CharacterDevice;
     if (!facts.present)
         return facts;
     facts.description = QSerialPortInfo(QFileInfo(real).fileName()).description();

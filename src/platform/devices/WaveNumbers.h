@@ -1,5 +1,5 @@
 // Which wave device has which number. The settings of the suite name devices by number, so a device keeps its
-// number for as long as this machine remembers it, be it there or not.
+// number for as long as this machine remembers it, whether it is there or not.
 //
 // What is remembered lies in the machine folder, in "wavedevices.txt": a line a device in the order of their
 // numbers, outputs and inputs apart, fields between tabs: "out" or "in", place, id, formats in hexadecimal,
@@ -32,6 +32,9 @@ struct KnownWaveDevices {
     QList<KnownWaveDevice> outputs;
     QList<KnownWaveDevice> inputs;
 };
+
+// The devices that the sound system has now, in its order.
+KnownWaveDevices FindWaveDevices();
 
 // The text of "wavedevices.txt" and back. Lines that are not of its form are passed over.
 QByteArray WriteKnownWaveDevices(const KnownWaveDevices& known);

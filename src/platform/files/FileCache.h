@@ -12,11 +12,11 @@ namespace tolvex::platform {
 
 // What tells one state of a file from another without reading it.
 struct FileStamp {
-    dev_t device = 0;
-    ino_t number = 0;
+    quint64 device = 0;
+    quint64 number = 0;
     qint64 size = 0;
-    qint64 modified = 0; // nanoseconds since 1970
-    qint64 changed = 0;
+    HostTime modified;
+    HostTime changed;
 
     bool operator==(const FileStamp&) const = default;
 };

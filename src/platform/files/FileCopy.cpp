@@ -1,20 +1,13 @@
 #include "platform/files/FileCopy.h"
 
 #include "platform/Prompts.h"
-#include "platform/host/Replacement.h"
 #include "platform/paths/PathParts.h"
-#include "platform/paths/ResolvedPath.h"
 
-#include <vector>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <algorithm>
 
 namespace tolvex::platform {
 
 namespace {
-
-constexpr size_t blockLength = 256 * 1024;
 
 // The system's own error numbers for those of the run-time.
 int systemNumber(int fileError) {
@@ -53,44 +46,6 @@ void makeFoldersAbove(const QString& path) {
 }
 
 } // namespace
-
-int CopyInSteps(const QString& from, const QString& to,
-                const std::function<bool(qint64 done, qint64 total)>& step, bool* stopped) {
-    const ResolvedPath source(from);
-    const ResolvedPath target(to);
-    if (source.error != NoError)
-        return source.error;
-    if (const int error = target.asNew(); error != NoError)
-        return error;
-    const Descriptor input(::open(source.name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat info {};
-    if (!input.open() || ::fstat(input.get(), &info) != 0)
-        return source.failed();
-    struct stat there {};
-    const bool itself = ::stat(target.name.constData(), &there) == 0 && there.st_ino == info.st_ino &&
-                        there.st_dev == info.st_dev;
-    if (!S_ISREG(info.st_mode) || itself)
-        return PathFileAccess;
-
-    Replacement replacement(target.host);
-    std::vector<char> block(blockLength);
-    for (qint64 done = 0; replacement.error() == NoError;) {
-        if (step && !step(done, info.st_size)) {
-            if (stopped)
-                *stopped = true;
-            return NoError;
-        }
-        const ssize_t got = ::read(input.get(), block.data(), block.size());
-        if (got == 0)
-            break;
-        if (got < 0 && errno != EINTR)
-            return source.failed();
-        if (got > 0)
-            replacement.write(block.data(), got);
-        done += std::max<ssize_t>(got, 0);
-    }
-    return replacement.commit(&info.st_mtim);
-}
 
 int CopyWholeFile(const QString& from, const QString& to) {
     return CopyInSteps(from, to, {});

@@ -28,8 +28,7 @@ QString hashOf(const QByteArray& bytes) {
 }
 
 bool isThere(const QString& hostPath) {
-    struct stat info {};
-    return ::lstat(HostName(hostPath).constData(), &info) == 0;
+    return LinkStatusOf(HostName(hostPath)).has_value();
 }
 
 // One file of a group at work.

@@ -1,17 +1,10 @@
 #include "platform/files/FileUpdate.h"
 
+#include "platform/host/FileInPlace.h"
 #include "platform/host/FileLock.h"
+#include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
 #include "platform/host/Replacement.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <thread>
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -40,53 +33,15 @@ Step readAndChange(const QString& hostPath, qint64 limit, const FileChanger& cha
 }
 
 bool canOnlyBeOverwritten(const QString& hostPath) {
-    return ::access(HostName(HostFolder(hostPath)).constData(), W_OK) != 0 &&
-           ::access(HostName(hostPath).constData(), W_OK) == 0;
-}
-
-bool lockFile(int descriptor) {
-    using namespace std::chrono;
-    const auto deadline = steady_clock::now() + 3s;
-    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK && errno != EINTR)
-            return true; // a file system without locks
-        if (steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(20ms);
-    }
-    return true;
-}
-
-// Room first, then the bytes that differ, then the length: a full disk leaves the file as it was.
-int overwrite(int descriptor, const QByteArray& now, const QByteArray& next) {
-    if (next.size() > now.size()) {
-        if (const int full = ::posix_fallocate(descriptor, now.size(), next.size() - now.size()); full != 0) {
-            if (::ftruncate(descriptor, now.size()) != 0)
-                return errno;
-            return full;
-        }
-    }
-    const auto [from, end] = std::mismatch(next.cbegin(), next.cend(), now.cbegin(), now.cend());
-    const qint64 same = from - next.cbegin();
-    if (::lseek(descriptor, same, SEEK_SET) < 0)
-        return errno;
-    if (const int failed = WriteFully(descriptor, next.constData() + same, next.size() - same); failed != 0)
-        return failed;
-    if (::ftruncate(descriptor, next.size()) != 0 || hostCalls().flush(descriptor) != 0)
-        return errno;
-    return 0;
+    return !MayAccess(HostFolder(hostPath), Access::Write) && MayAccess(hostPath, Access::Write);
 }
 
 int updateInPlace(const QString& hostPath, qint64 limit, const FileChanger& change) {
-    const Descriptor file(::open(HostName(hostPath).constData(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
-    if (!file.open())
-        return FileErrorFor(errno, hostPath);
-    if (!lockFile(file.get()))
-        return PermissionDenied;
+    FileInPlace file(hostPath);
+    if (file.error() != NoError)
+        return file.error();
     const Step step = readAndChange(hostPath, limit, change);
-    if (step.error != NoError || !step.next)
-        return step.error;
-    return FileErrorFor(overwrite(file.get(), *step.now, *step.next), hostPath);
+    return step.error != NoError || !step.next ? step.error : file.overwrite(*step.now, *step.next);
 }
 
 } // namespace

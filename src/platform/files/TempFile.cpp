@@ -1,11 +1,10 @@
 #include "platform/files/TempFile.h"
 
 #include "platform/files/Files.h"
+#include "platform/host/HostChanges.h"
 #include "platform/paths/ResolvedPath.h"
 
-#include <fcntl.h>
-#include <time.h>
-#include <unistd.h>
+#include <QCoreApplication>
 
 namespace tolvex::platform {
 
@@ -16,9 +15,8 @@ constexpr unsigned numbers = 0xFFFF;
 
 // Where the search begins: another number at every call, so that it seldom has to look twice.
 unsigned firstNumber() {
-    struct timespec now {};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    return static_cast<unsigned>(now.tv_nsec / 1000 + ::getpid());
+    return static_cast<unsigned>(NowInNanoseconds() % 1'000'000'000 / 1000 +
+                                 QCoreApplication::applicationPid());
 }
 
 } // namespace
@@ -32,15 +30,13 @@ QString MakeTempFile(const QString& folder, const QString& prefix, int* error) {
                        prefix.left(prefixLength) + number.rightJustified(4, u'0') + QStringLiteral(".TMP");
         const ResolvedPath at(path);
         failed = at.asNew();
-        if (failed != NoError)
-            break;
-        const Descriptor file(::open(at.name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-        if (file.open()) {
+        if (failed == NoError)
+            failed = MakeEmptyHostFile(at.host);
+        if (failed == NoError) {
             if (error)
                 *error = NoError;
             return path;
         }
-        failed = at.failed();
     }
     if (error)
         *error = failed;

@@ -12,16 +12,19 @@
 //     ... read the file as it is now, change it, ReplaceHostFile ...
 #pragma once
 
-#include "platform/host/HostFiles.h"
+#include "platform/host/FileError.h"
 
 #include <QString>
+
+#include <memory>
 
 namespace tolvex::platform {
 
 class FileLock {
 public:
-    // Locks the file of a host path, be it there or not, and waits for another holder up to `milliseconds`.
-    // A link is followed, so that all names of one file share one lock. Cost: five system calls.
+    // Locks the file of a host path, whether it is there or not, and waits for another holder up to
+    // `milliseconds`. A link is followed, so that all names of one file share one lock. Cost: five system
+    // calls.
     explicit FileLock(const QString& hostPath, int milliseconds = 3000);
     ~FileLock();
     FileLock(const FileLock&) = delete;
@@ -30,17 +33,14 @@ public:
     // Whether somebody holds the lock of a file now. Changes nothing.
     static bool isHeld(const QString& hostPath);
 
-    bool held() const { return file_.open(); }
+    bool held() const { return companion_ != nullptr; }
     // FileError: PermissionDenied when another program kept the lock all the time; PathFileAccess or
     // PathNotFound when the folder does not take files; NoError when held.
     int error() const { return error_; }
 
 private:
-    bool attempt();
-
-    QByteArray companion_;
-    QString path_;
-    Descriptor file_;
+    class Companion;
+    std::unique_ptr<Companion> companion_; // null while the lock is not held
     int error_ = NoError;
 };
 

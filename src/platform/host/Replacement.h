@@ -7,6 +7,8 @@
 
 #include "platform/host/HostFiles.h"
 
+#include <memory>
+
 namespace tolvex::platform {
 
 // Links are followed and stay links; mode and, where allowed, owner of the old file stay. Without a commit
@@ -22,19 +24,16 @@ public:
     int write(const char* bytes, qint64 length);
     // Makes the new bytes lasting, with another time of change if one is given. Then only the name is
     // missing: a full or broken disk has shown itself by now.
-    int prepare(const struct timespec* modified = nullptr);
+    int prepare(const std::optional<HostTime>& modified = {});
     // Puts the file in place, prepared if need be. On an error the old file is there, but for a folder that
     // would not be flushed: then the new one is, and DeviceIoError is the result.
-    int commit(const struct timespec* modified = nullptr);
+    int commit(const std::optional<HostTime>& modified = {});
     int error() const { return error_; }
 
 private:
-    bool makeBeside();
-
+    class Beside;
     QString target_;
-    QByteArray beside_; // empty while there is none
-    Descriptor file_;
-    Descriptor alive_; // holds the lock, until the file has its name
+    std::unique_ptr<Beside> beside_; // null when it could not be made
     int error_ = NoError;
 };
 

@@ -2,11 +2,6 @@
 
 #include "platform/paths/PathParts.h"
 
-#include <ctime>
-#include <memory>
-
-#include <dirent.h>
-
 namespace tolvex::platform {
 
 namespace {
@@ -14,25 +9,16 @@ namespace {
 // Beyond this the cache begins anew; about 50 MB.
 constexpr qsizetype mostNames = 300'000;
 
-constexpr qint64 second = 1'000'000'000;
-
-qint64 nanoseconds(const struct timespec& time) {
-    return qint64{time.tv_sec} * second + time.tv_nsec;
-}
+constexpr qint64 second = 1'000'000'000; // in nanoseconds
 
 // The longest tick of a file system's clock: two of the slowest kernel timer, or, where times have no
 // fraction, the two seconds of the oldest disk formats and a bit.
-qint64 tickOf(const struct stat& info) {
-    return info.st_mtim.tv_nsec == 0 ? second * 5 / 2 : second / 50;
+qint64 tickOf(const HostStatus& status) {
+    return status.modified.nanoseconds == 0 ? second * 5 / 2 : second / 50;
 }
 
-bool sameState(const struct stat& a, const struct stat& b) {
-    return a.st_ino == b.st_ino && a.st_dev == b.st_dev && nanoseconds(a.st_mtim) == nanoseconds(b.st_mtim) &&
-           nanoseconds(a.st_ctim) == nanoseconds(b.st_ctim);
-}
-
-QByteArray pathIn(const QByteArray& folder, const QByteArray& name) {
-    return folder + '/' + name;
+bool sameState(const HostStatus& a, const HostStatus& b) {
+    return a.isSameFile(b) && a.modified == b.modified && a.changed == b.changed;
 }
 
 } // namespace
@@ -43,12 +29,12 @@ void FolderCache::clear() {
 }
 
 const FolderCache::Listing* FolderCache::listing(const QByteArray& folder) {
-    struct stat info {};
-    if (::stat(folder.constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+    const std::optional<HostStatus> status = StatusOf(folder);
+    if (!status || !status->isFolder())
         return nullptr;
     auto known = listings_.find(folder);
     if (known != listings_.end()) {
-        if (known->settled && sameState(known->info, info))
+        if (known->settled && sameState(known->status, *status))
             return &*known;
         nameCount_ -= known->names.size();
         listings_.erase(known);
@@ -57,16 +43,13 @@ const FolderCache::Listing* FolderCache::listing(const QByteArray& folder) {
         clear();
 
     Listing& fresh = listings_[folder];
-    fresh.info = info;
-    struct timespec now {};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    fresh.settled = nanoseconds(now) - nanoseconds(info.st_mtim) > tickOf(info);
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.constData()), &::closedir);
-    fresh.readable = stream != nullptr;
-    while (const struct dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        const QByteArray name(entry->d_name);
+    fresh.status = *status;
+    fresh.settled = NowInNanoseconds() - status->modified.inNanoseconds() > tickOf(*status);
+    const std::optional<QByteArrayList> names = HostNamesIn(folder);
+    fresh.readable = names.has_value();
+    for (const QByteArray& name : names.value_or(QByteArrayList())) {
         const QString text = QString::fromUtf8(name);
-        if (text.toUtf8() == name && name != "." && name != "..")
+        if (text.toUtf8() == name)
             fresh.names.insert(FoldName(text), name);
     }
     nameCount_ += fresh.names.size();
@@ -82,10 +65,7 @@ std::optional<QByteArray> FolderCache::find(const QByteArray& folder, const QStr
     const QByteArray exact = name.toUtf8();
     if (!names->readable) {
         // A folder that may be entered but not listed: names in it must be spelled as they are.
-        struct stat info {};
-        if (::lstat(pathIn(folder, exact).constData(), &info) == 0)
-            return exact;
-        return std::nullopt;
+        return LinkStatusOf(folder + '/' + exact) ? std::optional(exact) : std::nullopt;
     }
     const QString folded = FoldName(name);
     std::optional<QByteArray> best;

@@ -5,13 +5,13 @@
 // at rest before it was made.
 #pragma once
 
+#include "platform/host/HostFiles.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
 
 #include <optional>
-
-#include <sys/stat.h>
 
 namespace tolvex::platform {
 
@@ -30,7 +30,7 @@ public:
 
 private:
     struct Listing {
-        struct stat info {};
+        HostStatus status;
         bool settled = false;
         bool readable = false;
         QMultiHash<QString, QByteArray> names; // by FoldName

@@ -2,16 +2,12 @@
 #include "platform/paths/PathState.h"
 #include "platform/paths/Paths.h"
 
+#include "platform/host/HostChanges.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
 
 #include <QDir>
 #include <QStandardPaths>
-
-#include <cerrno>
-#include <cstring>
-
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -58,33 +54,9 @@ QString defaultMachineFolder() {
     return data + QStringLiteral("/tolvex");
 }
 
-QString systemText(int error) {
-    return QString::fromLocal8Bit(std::strerror(error));
-}
-
 // A machine that is only looked at is taken as it is, unless there is none yet.
 bool mayLayOut(const QString& folder) {
     return !LookingOnly() || !QFile::exists(folder + QStringLiteral("/dosdevices"));
-}
-
-// 0, or the errno that stands in the way of a folder at `path`.
-int makeFolders(const QString& path) {
-    const QByteArray name = HostName(path);
-    struct stat info {};
-    if (::stat(name.constData(), &info) == 0)
-        return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
-    if (errno != ENOENT)
-        return errno;
-    if (const QString parent = HostFolder(path); parent != path)
-        if (const int error = makeFolders(parent); error != 0)
-            return error;
-    // EEXIST: another program was quicker, or a link that leads nowhere holds the name.
-    if (::mkdir(name.constData(), 0777) == 0)
-        return 0;
-    const int error = errno;
-    if (error == EEXIST && ::stat(name.constData(), &info) == 0 && S_ISDIR(info.st_mode))
-        return 0;
-    return error == EEXIST ? ENOENT : error;
 }
 
 // Drives C: and Z: of a machine folder that had no dosdevices/ yet, and the standard folders. A sentence
@@ -92,33 +64,28 @@ int makeFolders(const QString& path) {
 QString layOut(const QString& folder) {
     const QString devices = folder + QStringLiteral("/dosdevices");
     const bool isNew = !QFile::exists(devices);
-    if (const int error = makeFolders(devices); error != 0)
+    if (const QString error = MakeHostFolders(devices); !error.isEmpty())
         return QStringLiteral(
                    "The machine folder \"%1\" cannot be made: %2. Choose another one with TOLVEX_HOME.")
-            .arg(folder, systemText(error));
+            .arg(folder, error);
     const QByteArray driveC = HostName(devices + QStringLiteral("/c:"));
-    struct stat info {};
-    if (::lstat(driveC.constData(), &info) != 0 &&
-        !FolderCache().find(HostName(devices), QStringLiteral("c:"))) {
-        int error = makeFolders(folder + QStringLiteral("/drive_c"));
-        // Another program may have been quicker.
-        if (error == 0 && ::symlink("../drive_c", driveC.constData()) != 0 && errno != EEXIST)
-            error = errno;
-        if (error != 0)
+    if (!LinkStatusOf(driveC) && !FolderCache().find(HostName(devices), QStringLiteral("c:"))) {
+        QString error = MakeHostFolders(folder + QStringLiteral("/drive_c"));
+        if (error.isEmpty())
+            error = MakeHostLink("../drive_c", driveC);
+        if (!error.isEmpty())
             return QStringLiteral("Drive C: of the machine folder \"%1\" cannot be made: %2.")
-                .arg(folder, systemText(error));
+                .arg(folder, error);
     }
-    if (isNew && ::symlink("/", HostName(devices + QStringLiteral("/z:")).constData()) != 0)
-        errno = 0; // only a convenience
+    if (isNew)
+        MakeHostLink("/", HostName(devices + QStringLiteral("/z:"))); // only a convenience
     return {};
 }
 
 void makeStandardFolders() {
     for (const char* name : standardFolders) {
-        const QString path = HostPath(QStringLiteral("C:\\") + QLatin1String(name));
         // A folder that cannot be made is missed, with its name, by whoever needs it first.
-        if (::mkdir(HostName(path).constData(), 0777) != 0)
-            errno = 0;
+        MakeHostFolder(HostPath(QStringLiteral("C:\\") + QLatin1String(name)));
     }
 }
 
@@ -155,9 +122,7 @@ bool SetMachineFolder(const QString& hostFolder, QString* why) {
         fresh.devices = HostName(folder + QStringLiteral("/dosdevices"));
         fresh.applicationFolder = state.applicationFolder;
         PathState before = std::exchange(state, std::move(fresh));
-        struct stat info {};
-        const QString driveC = HostPath(QStringLiteral("C:\\"));
-        if (driveC.isEmpty() || ::stat(HostName(driveC).constData(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+        if (!IsHostFolder(HostPath(QStringLiteral("C:\\")))) {
             sentence = QStringLiteral("Drive C: of the machine folder \"%1\" leads nowhere. Mend the link "
                                       "\"%1/dosdevices/c:\".")
                            .arg(folder);
@@ -192,8 +157,7 @@ QString TempFolder() {
 QString ApplicationFolder() {
     if (!pathState().applicationFolder.isEmpty())
         return pathState().applicationFolder;
-    const std::optional<QString> program = FollowLinks(QStringLiteral("/proc/self/exe"));
-    return WindowsPath(HostFolder(program.value_or(QStringLiteral("/"))));
+    return WindowsPath(HostFolder(ProgramFile()));
 }
 
 void SetApplicationFolder(const QString& windowsPath) {

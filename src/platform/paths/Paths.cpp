@@ -8,11 +8,9 @@
 
 #include <QDir>
 
-#include <algorithm>
-#include <cstdlib>
-#include <limits.h>
+#include <QFile>
 
-#include <unistd.h>
+#include <algorithm>
 
 namespace tolvex::platform {
 
@@ -21,8 +19,7 @@ namespace {
 constexpr int longestShortPath = 1023;
 
 bool isThere(const QByteArray& hostPath) {
-    struct stat info {};
-    return ::stat(hostPath.constData(), &info) == 0;
+    return StatusOf(hostPath).has_value();
 }
 
 // The pieces of a path, a bare name going to the Windows folder where that is the rule.
@@ -48,11 +45,10 @@ std::optional<QByteArray> resolveRoot(const QStringList& root) {
 
 // Canonical host path of an existing one, without a trailing slash.
 std::optional<QByteArray> canonical(const QByteArray& hostPath) {
-    char resolved[PATH_MAX];
-    if (!::realpath(hostPath.constData(), resolved))
-        return std::nullopt;
-    QByteArray path(resolved);
-    return path == "/" ? QByteArray() : path;
+    std::optional<QByteArray> path = CanonicalName(hostPath);
+    if (path == "/")
+        path->clear();
+    return path;
 }
 
 // Which links lead to network file systems, by what is written in them: no server is asked.
@@ -67,9 +63,7 @@ public:
     bool leadsAwayFrom(const QByteArray& path, const QByteArray& link) const {
         if (mounts_.isEmpty())
             return false;
-        char text[PATH_MAX];
-        const ssize_t length = ::readlink(link.constData(), text, sizeof text);
-        const QByteArray written(text, std::max<ssize_t>(length, 0));
+        const QByteArray written = LinkTarget(link);
         const QByteArray target =
             QDir::cleanPath(QString::fromUtf8(written.startsWith('/') ? written : link + "/../" + written))
                 .toUtf8();
@@ -84,7 +78,7 @@ private:
 
 // The same for a path whose last names need not exist.
 QByteArray canonicalAsFarAsThere(const QByteArray& hostPath) {
-    if (hostPath.size() >= PATH_MAX)
+    if (hostPath.size() >= LongestHostPath)
         return hostPath;
     for (qsizetype end = hostPath.size(); end > 0; end = hostPath.lastIndexOf('/', end - 1))
         if (const std::optional<QByteArray> folder = canonical(hostPath.left(end)))
@@ -210,8 +204,7 @@ QString CurrentFolder() {
 bool SetCurrentFolder(const QString& path) {
     const std::optional<PathParts> parts = partsOf(path, BareName::CurrentFolder);
     const QString host = HostPath(path);
-    struct stat info {};
-    if (!parts || host.isEmpty() || ::stat(HostName(host).constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+    if (!parts || host.isEmpty() || !IsHostFolder(host))
         return false;
     pathState().current = *parts;
     return true;

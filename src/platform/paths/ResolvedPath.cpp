@@ -16,8 +16,7 @@ ResolvedPath::ResolvedPath(const QString& windowsPath)
 int ResolvedPath::asNew() const {
     if (error == NoError && LookingOnly())
         return PathFileAccess;
-    struct stat info {};
-    if (error != NoError || ::lstat(name.constData(), &info) == 0)
+    if (error != NoError || LinkStatusOf(name))
         return error;
     return IsValidName(host.section(u'/', -1)) ? NoError : BadFileNumber;
 }

@@ -4,14 +4,10 @@
 
 #include "platform/host/HostFiles.h"
 
-#include <cerrno>
-
 namespace tolvex::platform {
 
 struct ResolvedPath {
     explicit ResolvedPath(const QString& windowsPath);
-    // The FileError for the errno that a call on it just left.
-    int failed() const { return FileErrorFor(errno, host); }
     // The error that forbids giving it to a new file or folder; an existing one may keep any name.
     int asNew() const;
 

@@ -12,7 +12,7 @@ struct Holder {
     QString program; // its name as the system lists it
 
     // "minicom (process 412)".
-    QString text() const;
+    QString text() const { return QStringLiteral("%1 (process %2)").arg(program).arg(process); }
 };
 
 // A program that has the device open, or that listens on the TCP port; this program is not looked at. Nothing

@@ -2,7 +2,9 @@
 
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
+#include "platform/host/HostFiles.h"
 #include "platform/paths/Paths.h"
+#include "platform/process/ChildProcess.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -10,8 +12,6 @@
 #include <algorithm>
 #include <optional>
 #include <utility>
-
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -85,10 +85,7 @@ void prepare(QProcess& process, const QString& hostPath, const QString& argument
     if (windowStyle)
         environment.insert(QStringLiteral("TOLVEX_WINDOW_STYLE"), QString::number(*windowStyle));
     process.setProcessEnvironment(environment);
-    // Nothing that a library of ours holds open is any business of another program.
-    ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
-    // It outlives our terminal; a detached one does so anyway.
-    process.setChildProcessModifier([] { ::setsid(); });
+    SetFree(process);
 }
 
 // Starts a program by its name, which may stand in quotes.
@@ -120,7 +117,7 @@ bool start(const QString& program, const QString& arguments, ProcessWait wait, i
         if (isWindowsProgram(hostPath))
             return fail(
                 QStringLiteral("is a Windows program, and nothing on this system is registered to run it"));
-        if (::access(hostPath.toUtf8().constData(), X_OK) != 0)
+        if (!MayAccess(hostPath, Access::Run))
             return fail(QStringLiteral("may not be run as a program"));
         return fail(QStringLiteral("could not be started"));
     }

@@ -2,10 +2,9 @@
 
 #include "platform/files/FileCache.h"
 #include "platform/files/FileUpdate.h"
+#include "platform/host/HostFiles.h"
 #include "platform/paths/Paths.h"
 #include "platform/registry/RegistryDocument.h"
-
-#include <unistd.h>
 
 namespace tolvex::platform {
 
@@ -38,7 +37,7 @@ RegistryDocument newStore() {
 std::shared_ptr<const RegistryDocument> open() {
     static FileCache<RegistryDocument> cache(longestFile);
     const QString file = storeFile();
-    if (::access(HostName(file).constData(), F_OK) != 0) {
+    if (!MayAccess(file, Access::Exists)) {
         static const auto fresh = std::make_shared<const RegistryDocument>(newStore());
         return fresh;
     }
@@ -74,8 +73,8 @@ bool RegistryOpens(quint32 hive, const QString& key) {
     const auto store = open();
     if (!store || !store->hasKey(fullPath(hive, key)))
         return false;
-    const QByteArray file = HostName(storeFile());
-    return ::access(file.constData(), F_OK) != 0 || ::access(file.constData(), R_OK | W_OK) == 0;
+    const QString file = storeFile();
+    return !MayAccess(file, Access::Exists) || MayAccess(file, Access::ReadAndWrite);
 }
 
 bool RegistryWrite(quint32 hive, const QString& key, const QString& name, const RegistryValue& value) {

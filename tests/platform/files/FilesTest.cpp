@@ -1,15 +1,18 @@
 // Files by Windows path: what a failure leaves behind, and what it is called.
 #include "platform/files/FileCopy.h"
 #include "platform/host/HostFiles.h"
+#include "platform/posix/HostCalls.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
 #include "support/Workstation.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace tolvex::platform;

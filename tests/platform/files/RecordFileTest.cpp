@@ -2,6 +2,7 @@
 #include "platform/SteadyTime.h"
 #include "platform/files/Files.h"
 #include "platform/host/HostFiles.h"
+#include "platform/posix/Descriptor.h"
 #include "support/MachineFolder.h"
 
 #include <gtest/gtest.h>

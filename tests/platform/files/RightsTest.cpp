@@ -1,8 +1,11 @@
 // What a user meets who may not do everything. The tests' user often may: they run as somebody else then.
 #include "platform/files/Files.h"
 #include "platform/host/FileLock.h"
+#include "platform/host/HostFiles.h"
 #include "support/MachineFolder.h"
 #include "support/WithoutRights.h"
+
+#include <sys/stat.h>
 
 using namespace tolvex::platform;
 using tolvex::tests::PassesWithoutRights;

@@ -4,6 +4,7 @@
 #include "platform/host/HostFiles.h"
 #include "platform/host/Replacement.h"
 #include "platform/paths/Paths.h"
+#include "platform/posix/HostCalls.h"
 
 #include <QTemporaryDir>
 

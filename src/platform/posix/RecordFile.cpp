@@ -1,10 +1,11 @@
-#include "platform/files/Files.h"
-
 #include "platform/SteadyTime.h"
+#include "platform/files/Files.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
-#include "platform/host/SharedPages.h"
 #include "platform/paths/ResolvedPath.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/HostCalls.h"
+#include "platform/posix/SharedPages.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -203,7 +204,7 @@ std::unique_ptr<RecordFile> RecordFile::open(const QString& path, int recordLeng
     Descriptor file(::open(at.name.constData(), flags | wanted, 0666));
     const bool writable = file.open() && mayChange;
     if (!file.open()) {
-        const int refused = at.failed();
+        const int refused = FileErrorFor(errno, at.host);
         if (refused == PathFileAccess || refused == PermissionDenied)
             file = Descriptor(::open(at.name.constData(), flags | O_RDONLY));
         if (!file.open())

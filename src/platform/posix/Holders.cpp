@@ -51,10 +51,6 @@ void addListeners(QSet<QByteArray>& sockets, const QString& table, quint16 port)
 
 } // namespace
 
-QString Holder::text() const {
-    return QStringLiteral("%1 (process %2)").arg(program).arg(process);
-}
-
 std::optional<Holder> HolderOfDevice(const QString& hostPath) {
     const QString device = QFileInfo(hostPath).canonicalFilePath();
     return device.isEmpty() ? std::nullopt : findHolder({device.toUtf8()});

@@ -1,6 +1,8 @@
 #include "platform/host/Replacement.h"
 
 #include "platform/host/LookOnly.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/HostCalls.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -43,11 +45,11 @@ int flushFolder(const QString& folder) {
     return errno == EINVAL || errno == EBADF || errno == ENOTSUP ? NoError : DeviceIoError;
 }
 
-bool isSameFile(int descriptor, const QByteArray& name) {
+bool hasName(int descriptor, const QByteArray& name) {
     struct stat ours {};
     struct stat there {};
     return ::fstat(descriptor, &ours) == 0 && ::stat(name.constData(), &there) == 0 &&
-           ours.st_dev == there.st_dev && ours.st_ino == there.st_ino;
+           IsSameFile(ours, there);
 }
 
 // Whether nobody writes a file beside any more: its lock is free. On a file system without locks nobody
@@ -70,12 +72,81 @@ void removeAbandoned(const QString& folder) {
             continue;
         const QByteArray path = HostName(folder) + '/' + name;
         const Descriptor file(::open(path.constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-        if (isAbandoned(file, onShare) && isSameFile(file.get(), path))
+        if (isAbandoned(file, onShare) && hasName(file.get(), path))
             ::unlink(path.constData());
     }
 }
 
 } // namespace
+
+// The file with the new bytes, until it has its name.
+class Replacement::Beside {
+public:
+    Beside(QByteArray name, Descriptor file, Descriptor alive)
+        : name_(std::move(name))
+        , file_(std::move(file))
+        , alive_(std::move(alive)) {}
+    ~Beside() {
+        if (!placed_)
+            ::unlink(name_.constData());
+    }
+    Beside(const Beside&) = delete;
+    Beside& operator=(const Beside&) = delete;
+
+    // Makes the file, under a short name of its own, so that a long file name leaves room for it. Null when
+    // that name is taken, by a file of a dead process of our number for instance, or when another writer took
+    // the file for abandoned before it was locked; *error is set where no other name would help.
+    static std::unique_ptr<Beside> make(const QString& target, int* error);
+
+    int descriptor() const { return file_.get(); }
+    bool isOpen() const { return file_.open(); }
+    // 0 or errno, both.
+    int finish(const std::optional<HostTime>& modified);
+    int place(const QString& target);
+
+private:
+    QByteArray name_;
+    Descriptor file_;
+    Descriptor alive_; // holds the lock
+    bool placed_ = false;
+};
+
+std::unique_ptr<Replacement::Beside> Replacement::Beside::make(const QString& target, int* error) {
+    static int counter = 0;
+    const QByteArray name = HostName(HostFolder(target)) + '/' + besideStart +
+                            QByteArray::number(qint64{::getpid()}) + '-' + QByteArray::number(++counter) +
+                            besideEnd;
+    Descriptor file(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+    if (!file.open()) {
+        if (errno != EEXIST)
+            *error = FileErrorFor(errno, target);
+        return nullptr;
+    }
+    Descriptor alive(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+    const bool lost = ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (lost || !hasName(file.get(), name))
+        return nullptr;
+    return std::make_unique<Beside>(name, std::move(file), std::move(alive));
+}
+
+int Replacement::Beside::finish(const std::optional<HostTime>& modified) {
+    constexpr struct timespec unchanged { 0, UTIME_OMIT };
+    const struct timespec times[2] = {unchanged, modified ? timespec{modified->seconds, modified->nanoseconds}
+                                                          : unchanged};
+    int failed = ::futimens(file_.get(), times) == 0 || errno == EPERM ? 0 : errno;
+    if (failed == 0 && hostCalls().flush(file_.get()) != 0)
+        failed = errno;
+    const int closing = file_.close();
+    return failed != 0 ? failed : closing;
+}
+
+int Replacement::Beside::place(const QString& target) {
+    if (hostCalls().rename(name_.constData(), HostName(target).constData()) != 0)
+        return errno;
+    placed_ = true;
+    alive_.close();
+    return 0;
+}
 
 Replacement::Replacement(const QString& hostPath) {
     if (LookingOnly()) {
@@ -96,69 +167,33 @@ Replacement::Replacement(const QString& hostPath) {
         return;
     }
     removeAbandoned(HostFolder(target_));
-    for (int tried = 0; tried < mostNames && error_ == NoError && !makeBeside(); ++tried)
-        continue;
-    if (error_ == NoError && !file_.open())
+    for (int tried = 0; tried < mostNames && error_ == NoError && !beside_; ++tried)
+        beside_ = Beside::make(target_, &error_);
+    if (error_ == NoError && !beside_)
         error_ = FileAlreadyExists;
     if (error_ == NoError && replaces)
-        takeOver(file_.get(), old);
+        takeOver(beside_->descriptor(), old);
 }
 
-// Makes the file beside, under a short name of its own, so that a long file name leaves room for it. False
-// when that name is taken, by a file of a dead process of our number for instance, or when another writer
-// took the file for abandoned before it was locked; error_ is set where no other name would help.
-bool Replacement::makeBeside() {
-    static int counter = 0;
-    const QByteArray name = HostName(HostFolder(target_)) + '/' + besideStart +
-                            QByteArray::number(qint64{::getpid()}) + '-' + QByteArray::number(++counter) +
-                            besideEnd;
-    file_ = Descriptor(::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
-    if (!file_.open()) {
-        if (errno != EEXIST)
-            error_ = FileErrorFor(errno, target_);
-        return false;
-    }
-    alive_ = Descriptor(::fcntl(file_.get(), F_DUPFD_CLOEXEC, 0));
-    const bool lost = ::flock(file_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    if (lost || !isSameFile(file_.get(), name)) {
-        file_.close();
-        alive_.close();
-        return false;
-    }
-    beside_ = name;
-    return true;
-}
-
-Replacement::~Replacement() {
-    if (!beside_.isEmpty())
-        ::unlink(beside_.constData());
-}
+Replacement::~Replacement() = default;
 
 int Replacement::write(const char* bytes, qint64 length) {
     if (error_ == NoError)
-        error_ = FileErrorFor(WriteFully(file_.get(), bytes, length), target_);
+        error_ = FileErrorFor(WriteFully(beside_->descriptor(), bytes, length), target_);
     return error_;
 }
 
-int Replacement::prepare(const struct timespec* modified) {
-    if (error_ != NoError || !file_.open())
-        return error_;
-    const struct timespec times[2] = {{0, UTIME_OMIT}, modified ? *modified : timespec{0, UTIME_OMIT}};
-    int failed = ::futimens(file_.get(), times) == 0 || errno == EPERM ? 0 : errno;
-    if (failed == 0 && hostCalls().flush(file_.get()) != 0)
-        failed = errno;
-    if (const int closing = file_.close(); failed == 0)
-        failed = closing;
-    return error_ = FileErrorFor(failed, target_);
+int Replacement::prepare(const std::optional<HostTime>& modified) {
+    if (error_ == NoError && beside_->isOpen())
+        error_ = FileErrorFor(beside_->finish(modified), target_);
+    return error_;
 }
 
-int Replacement::commit(const struct timespec* modified) {
+int Replacement::commit(const std::optional<HostTime>& modified) {
     if (prepare(modified) != NoError)
         return error_;
-    if (hostCalls().rename(beside_.constData(), HostName(target_).constData()) != 0)
-        return error_ = FileErrorFor(errno, target_);
-    beside_.clear();
-    alive_.close();
+    if (const int failed = beside_->place(target_); failed != 0)
+        return error_ = FileErrorFor(failed, target_);
     return error_ = flushFolder(HostFolder(target_));
 }
 

@@ -1,4 +1,4 @@
-#include "platform/host/SharedPages.h"
+#include "platform/posix/SharedPages.h"
 
 #include <atomic>
 #include <csignal>

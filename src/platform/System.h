@@ -1,0 +1,26 @@
+// The few bare questions that the files beside this one ask the operating system.
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+
+namespace tolvex::platform {
+
+// The host's name in full; empty when the system has none.
+QString SystemName();
+
+// Bytes of physical memory; 0 when the system does not say.
+quint64 SystemMemory();
+
+// Time since some moment, which only runs forward: to some four milliseconds, without a system call.
+std::chrono::milliseconds SystemUptime();
+
+// Sets the clock to a time since 1970; false when the system refuses.
+bool SetSystemClock(std::chrono::milliseconds time);
+
+// Whether standard input, or standard error, is a terminal.
+bool InputIsTerminal();
+bool ErrorsAreTerminal();
+
+} // namespace tolvex::platform

@@ -1,0 +1,16 @@
+#include "platform/process/ChildProcess.h"
+
+#include <QProcess>
+
+#include <unistd.h>
+
+namespace tolvex::platform {
+
+void SetFree(QProcess& process) {
+    // Nothing that a library of ours holds open is any business of another program.
+    ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+    // A detached program outlives the terminal anyway.
+    process.setChildProcessModifier([] { ::setsid(); });
+}
+
+} // namespace tolvex::platform
