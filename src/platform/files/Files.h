@@ -57,7 +57,7 @@ int AppendToFile(const QString& path, const QByteArray& bytes);
 class RecordFile {
 public:
     // The open file, or null with the FileError in *error: BadRecordLength for a length below 1,
-    // PathFileAccess for what is no file. `create` makes a missing one. A file that cannot be opened for
+    // PathFileAccess for anything but a file. `create` makes a missing one. A file that cannot be opened for
     // writing, and any file while the machine is only looked at (LookOnly.h), is opened for reading only
     // (writable() says so).
     static std::unique_ptr<RecordFile> open(const QString& path, int recordLength, bool create,
