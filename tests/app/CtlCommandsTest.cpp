@@ -1,6 +1,7 @@
 // Commands and serial ports from a shell.
 #include "RunCtl.h"
 
+#include "TestPlaces.h"
 #include "support/PseudoTerminal.h"
 #include "support/WaitFor.h"
 

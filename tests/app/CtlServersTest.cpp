@@ -2,6 +2,7 @@
 // the wire.
 #include "RunCtl.h"
 
+#include "TestPlaces.h"
 #include "databases/TdsServer.h"
 
 #include <QJsonArray>

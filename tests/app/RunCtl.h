@@ -1,6 +1,8 @@
 // Runs the built tolvexctl as a user would, with a machine folder of its own.
 #pragma once
 
+#include "TestPlaces.h"
+
 #include <QDir>
 #include <QJsonDocument>
 #include <QProcess>

@@ -1,5 +1,6 @@
 #include "core/settings/SettingsTable.h"
 
+#include "TestPlaces.h"
 #include "core/settings/SettingsReference.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // A machine with databases on it, and what readers that are not ours make of them.
 #pragma once
 
+#include "TestPlaces.h"
 #include "databases/store/SuiteDatabase.h"
 #include "databases/suite/DatabaseInformation.h"
 #include "databases/suite/DatabaseKinds.h"

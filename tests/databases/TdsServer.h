@@ -1,6 +1,8 @@
 // The test server as a process of its own, reached over TCP with Debian's FreeTDS driver.
 #pragma once
 
+#include "TestPlaces.h"
+
 #include <gtest/gtest.h>
 
 #include <QProcess>

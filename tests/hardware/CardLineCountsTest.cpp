@@ -1,5 +1,6 @@
 // How many lines a card has: what is asked of the driver, and what is told when it fails.
 #include "hardware/CardLineCounts.h"
+#include "TestPlaces.h"
 #include "hardware/FakeDriver.h"
 #include "support/ScriptedPrompts.h"
 

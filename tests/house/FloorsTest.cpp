@@ -1,6 +1,8 @@
 // The house rule: every include points to a lower floor; folders and rooms of one floor do not know each
 // other (but for rows that say so), nobody looks past the face of the engine, and no files include each other
 // in a circle.
+#include "TestPlaces.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,4 +1,5 @@
 // The text viewer, the small editor and the help viewer, over real files.
+#include "TestPlaces.h"
 #include "support/MachineFolder.h"
 #include "support/PrintingPrompts.h"
 #include "ui/forms/frmEditText.h"

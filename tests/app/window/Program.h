@@ -2,6 +2,7 @@
 // what changed in its files; what every form must stand.
 #pragma once
 
+#include "TestPlaces.h"
 #include "app/window/QtPrompts.h"
 #include "console/forms/Station.h"
 #include "support/Wheel.h"

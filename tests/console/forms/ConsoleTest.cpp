@@ -1,6 +1,7 @@
 // The console: its start in the right order, which buttons are usable, keys, the check at the exit, its end.
 #include "console/forms/Station.h"
 
+#include "TestPlaces.h"
 #include "console/ConsoleJobs.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/WorkstationPanel.h"

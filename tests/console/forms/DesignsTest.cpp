@@ -1,5 +1,7 @@
 // Every form's design: usable by keyboard, readable by a screen reader, no access key twice but where the
 // system's own captions say so.
+#include "TestPlaces.h"
+
 #include <QDomDocument>
 #include <QFile>
 

@@ -1,5 +1,6 @@
 // Wave devices of a declared sound system, and the numbers they keep.
 #include "platform/devices/WaveDevices.h"
+#include "TestPlaces.h"
 #include "platform/devices/WaveNumbers.h"
 #include "support/MachineFolder.h"
 

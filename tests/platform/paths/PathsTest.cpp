@@ -1,4 +1,5 @@
 // Where Windows paths lie on this machine.
+#include "TestPlaces.h"
 #include "platform/paths/PathParts.h"
 #include "platform/paths/PathState.h"
 #include "support/Age.h"

@@ -1,6 +1,7 @@
 // Private profile files: what the operations answer, what they leave of a file, and what happens when the
 // disk or another program is in the way.
 #include "platform/profile/ProfileFile.h"
+#include "TestPlaces.h"
 #include "platform/host/FileLock.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/Replacement.h"
