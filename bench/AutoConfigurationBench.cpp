@@ -1,58 +1,56 @@
 // What automatic configuration costs: everything made on an empty machine, everything found made already, and
 // the search for an existing system.
 #include "console/AutoConfiguration.h"
-#include "console/LoadSettings.h"
 #include "console/SearchDrives.h"
-#include "databases/users/UsersDatabase.h"
-#include "network/TerminalList.h"
 #include "platform/paths/Paths.h"
+#include "station/LoadSettings.h"
+#include "station/Workstation.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
+#include <optional>
+
 using namespace tolvex;
 
 namespace {
 
-void begin(const QTemporaryDir& folder) {
+// A start of the program.
+void begin(std::optional<Workstation>& station, const QTemporaryDir& folder) {
     platform::SetMachineFolder(folder.path());
-    ResetSettings();
-    LoadLocalSettings();
-}
-
-void end() {
-    ResetUsersState();
-    ResetTerminalList();
+    LoadLocalSettings(station.emplace());
 }
 
 void InstallOnAnEmptyMachine(benchmark::State& state) {
+    std::optional<Workstation> station;
     for (auto _ : state) {
         state.PauseTiming();
         const QTemporaryDir folder;
-        begin(folder);
+        begin(station, folder);
         state.ResumeTiming();
-        DefaultLocalInstall();
+        DefaultLocalInstall(*station);
         state.PauseTiming();
-        end();
+        station.reset();
         state.ResumeTiming();
     }
 }
 BENCHMARK(InstallOnAnEmptyMachine)->Unit(benchmark::kMillisecond);
 
 void InstallAgain(benchmark::State& state) {
+    std::optional<Workstation> station;
     const QTemporaryDir folder;
-    begin(folder);
+    begin(station, folder);
     for (auto _ : state)
-        DefaultLocalInstall();
-    end();
+        DefaultLocalInstall(*station);
 }
 BENCHMARK(InstallAgain)->Unit(benchmark::kMillisecond);
 
 void Search(benchmark::State& state) {
+    std::optional<Workstation> station;
     const QTemporaryDir folder;
-    begin(folder);
+    begin(station, folder);
     for (int drive = 0; drive < state.range(0); ++drive)
         QDir(folder.path()).mkpath(QStringLiteral("dosdevices/%1:").arg(QChar(u'd' + drive)));
     platform::SetMachineFolder(folder.path());

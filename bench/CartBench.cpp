@@ -16,8 +16,8 @@ using namespace tolvex::bench;
 
 namespace {
 
-constexpr int carts = HighestCart;
-constexpr int notes = 5000;
+constexpr int cartCount = HighestCart;
+constexpr int noteCount = 5000;
 const QString wallFolder = QStringLiteral("C:\\WALL");
 
 QString listPath(int part) {
@@ -29,16 +29,24 @@ class Wall {
 public:
     Wall() {
         platform::SetMachineFolder(folder_.path());
-        makeFullWall([](int) { return wallFolder; });
-        for (int note = 0; note < notes; ++note)
-            platform::ReplaceWholeFile(CartFileStem(1 + note * (carts / notes)) + QStringLiteral(".RTF"),
-                                       "x");
-        OpenCartParts(0, true);
+        makeFullWall(carts, [](int) { return wallFolder; });
+        for (int note = 0; note < noteCount; ++note)
+            platform::ReplaceWholeFile(
+                CartFileStem(carts, 1 + note * (cartCount / noteCount)) + QStringLiteral(".RTF"), "x");
+        OpenCartParts(carts, 0, true);
     }
+
+    Settings settings;
+    CartStore carts{settings};
 
 private:
     QTemporaryDir folder_;
 };
+
+Wall& wall() {
+    static Wall instance;
+    return instance;
+}
 
 // Plain reading: the 11 files in one loop of the C library, record by record into one buffer.
 void readPlainly() {
@@ -53,8 +61,8 @@ void readPlainly() {
 }
 
 void readEveryCart() {
-    for (int cart = 1; cart <= carts; ++cart)
-        benchmark::DoNotOptimize(ReadCart(cart));
+    for (int cart = 1; cart <= cartCount; ++cart)
+        benchmark::DoNotOptimize(ReadCart(wall().carts, cart));
 }
 
 // Both in turn, so that what else the machine does meets both alike; "ratio" is how many plain loops one
@@ -69,22 +77,22 @@ void everyCartOfAFullWall(benchmark::State& state) {
         state.SetIterationTime(seconds);
     }
     state.counters["ratio"] = ours / plain;
-    state.SetItemsProcessed(state.iterations() * carts);
+    state.SetItemsProcessed(state.iterations() * cartCount);
 }
 BENCHMARK(everyCartOfAFullWall)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 void everyCartAndItsText(benchmark::State& state) {
     for (auto _ : state)
-        for (int cart = 1; cart <= carts; ++cart)
-            benchmark::DoNotOptimize(CartDescription(ReadCart(cart), true));
-    state.SetItemsProcessed(state.iterations() * carts);
+        for (int cart = 1; cart <= cartCount; ++cart)
+            benchmark::DoNotOptimize(CartDescription(ReadCart(wall().carts, cart), true));
+    state.SetItemsProcessed(state.iterations() * cartCount);
 }
 BENCHMARK(everyCartAndItsText)->Unit(benchmark::kMillisecond);
 
 void sameBytesInOnePlainLoop(benchmark::State& state) {
     for (auto _ : state)
         readPlainly();
-    state.SetItemsProcessed(state.iterations() * carts);
+    state.SetItemsProcessed(state.iterations() * cartCount);
 }
 BENCHMARK(sameBytesInOnePlainLoop)->Unit(benchmark::kMillisecond);
 
@@ -98,24 +106,24 @@ BENCHMARK(decodeOneRecord);
 void notesOfEveryCart(benchmark::State& state) {
     for (auto _ : state) {
         int found = 0;
-        for (int cart = 1; cart <= carts; ++cart) {
+        for (int cart = 1; cart <= cartCount; ++cart) {
             bool exists = false;
-            benchmark::DoNotOptimize(CartNotesPath(cart, &exists));
+            benchmark::DoNotOptimize(CartNotesPath(wall().carts, cart, &exists));
             found += exists ? 1 : 0;
         }
-        if (found != notes)
+        if (found != noteCount)
             state.SkipWithError("notes are missing");
     }
-    state.SetItemsProcessed(state.iterations() * carts);
+    state.SetItemsProcessed(state.iterations() * cartCount);
 }
 BENCHMARK(notesOfEveryCart)->Unit(benchmark::kMillisecond);
 
 // The same by asking for each file.
 void notesOfEveryCartByAsking(benchmark::State& state) {
     for (auto _ : state)
-        for (int cart = 1; cart <= carts; ++cart)
+        for (int cart = 1; cart <= cartCount; ++cart)
             for (const char* extension : {".RTF", ".TXT"})
-                if (platform::FileExists(CartFileStem(cart) + QLatin1String(extension)))
+                if (platform::FileExists(CartFileStem(wall().carts, cart) + QLatin1String(extension)))
                     break;
 }
 BENCHMARK(notesOfEveryCartByAsking)->Unit(benchmark::kMillisecond);
@@ -124,15 +132,15 @@ BENCHMARK(notesOfEveryCartByAsking)->Unit(benchmark::kMillisecond);
 void everyCartWithOwnFiles(benchmark::State& state) {
     constexpr int asked = 10000;
     for (int cart = 10; cart <= asked; cart += 10) {
-        QFile file(platform::HostPath(CartFileStem(cart) + QStringLiteral(".LST")));
+        QFile file(platform::HostPath(CartFileStem(wall().carts, cart) + QStringLiteral(".LST")));
         if (file.open(QIODevice::WriteOnly))
             file.write(cartBytes(cart));
     }
-    settings().UseIndividualCartListFiles = -1;
+    wall().settings.UseIndividualCartListFiles = -1;
     for (auto _ : state)
         for (int cart = 1; cart <= asked; ++cart)
-            benchmark::DoNotOptimize(ReadCart(cart));
-    settings().UseIndividualCartListFiles = 0;
+            benchmark::DoNotOptimize(ReadCart(wall().carts, cart));
+    wall().settings.UseIndividualCartListFiles = 0;
     state.SetItemsProcessed(state.iterations() * asked);
 }
 BENCHMARK(everyCartWithOwnFiles)->Unit(benchmark::kMillisecond);
@@ -140,7 +148,7 @@ BENCHMARK(everyCartWithOwnFiles)->Unit(benchmark::kMillisecond);
 } // namespace
 
 int main(int argc, char** argv) {
-    const Wall wall;
+    wall();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -59,14 +59,14 @@ class Wall {
 public:
     Wall() {
         platform::SetMachineFolder(folder_.path());
-        makeFullWall(folderOf);
+        makeFullWall(carts, folderOf);
         platform::ReplaceWholeFile(QStringLiteral("C:\\WALL1\\Audwall.ini"),
                                    "[Audiowall]\r\nNoCarts=99999\r\nVersion=2.6\r\n");
         QByteArray ini = "[FileLocations]\r\n";
         std::mt19937 random(1);
         for (int part = 1; part <= CartPartCount; ++part) {
             ini += "Carts" + QByteArray::number(part) + '=' + folderOf(part).toLatin1() + "\r\n";
-            lists.push_back(hostPath(CartListPath(part)));
+            lists.push_back(hostPath(CartListPath(carts, part)));
             for (const qint32 cart : notesOf(part, random)) {
                 const QByteArray text =
                     "{\\rtf1 " + QByteArray("Played at night. ").repeated(30 + int(random() % 200)) + '}';
@@ -80,11 +80,13 @@ public:
             }
         }
         platform::ReplaceWholeFile(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
-        OpenCartParts(0, true);
+        OpenCartParts(carts, 0, true);
     }
 
     std::string home() const { return folder_.path().toStdString(); }
 
+    Settings settings;
+    CartStore carts{settings};
     std::vector<std::string> lists;
     std::vector<std::string> notes;
     std::vector<std::string> searchedNotes; // those of carts in their own folder
@@ -93,8 +95,8 @@ private:
     QTemporaryDir folder_;
 };
 
-const Wall& wall() {
-    static const Wall instance;
+Wall& wall() {
+    static Wall instance;
     return instance;
 }
 
@@ -181,8 +183,8 @@ void searchWithPauses(benchmark::State& state) {
     double longest = 0;
     const CartQuery query{.text = word, .wholeWall = true, .notes = notes};
     for (auto _ : state) {
-        ForgetCartNotes(); // as the first search finds things
-        CartSearch search(query, HighestCart);
+        wall().carts.notes.reset(); // as the first search finds things
+        CartSearch search(wall().carts, query, HighestCart);
         const double seconds = secondsOf([&] {
             for (bool more = true; more;) {
                 longest =
@@ -190,8 +192,8 @@ void searchWithPauses(benchmark::State& state) {
                 QCoreApplication::processEvents();
             }
         });
-        ForgetCartNotes();
-        CartSearch other(query, HighestCart);
+        wall().carts.notes.reset();
+        CartSearch other(wall().carts, query, HighestCart);
         inOneGo += secondsOf([&] {
             while (other.runFor(std::chrono::hours(1))) {
             }

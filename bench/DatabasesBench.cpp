@@ -19,6 +19,7 @@ using namespace tolvex;
 
 namespace {
 
+const QString Data = QStringLiteral("C:\\DATA");
 const QString Users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
 const QString Log = QStringLiteral("C:\\DATA\\SCHEDULE\\KOVA26.MDB");
 
@@ -28,9 +29,9 @@ void prepare() {
     if (platform::MachineFolder() == folder.path())
         return;
     platform::SetMachineFolder(folder.path());
-    settings().DataLocation = QStringLiteral("C:\\DATA");
-    OpenUsersDatabase(Users);
-    CloseUsersDatabase();
+    const Settings settings;
+    UsersState state(settings);
+    OpenUsersDatabase(state, Users);
     QString title = QStringLiteral("Log");
     ValidateDatabase(Log, KOVAType, true, &title);
     ValidateKOVADatabaseTables(Log);
@@ -71,10 +72,11 @@ BENCHMARK(ValidateAutomationDatabase)->Unit(benchmark::kMillisecond);
 void SaveAutomationSettings(benchmark::State& state) {
     prepare();
     const auto database = OpenSuiteDatabase(Log);
-    LoadKOVASettings(*database);
+    KOVADatabaseSettings record;
+    LoadKOVASettings(*database, record, Data);
     for (auto _ : state) {
-        ++kovaDatabaseSettings().KOVA_PreCueTime;
-        SaveKOVASettings(*database);
+        ++record.KOVA_PreCueTime;
+        SaveKOVASettings(*database, record, Data);
     }
 }
 BENCHMARK(SaveAutomationSettings)->Unit(benchmark::kMillisecond);
@@ -82,18 +84,20 @@ BENCHMARK(SaveAutomationSettings)->Unit(benchmark::kMillisecond);
 void LoadAutomationSettings(benchmark::State& state) {
     prepare();
     const auto database = OpenSuiteDatabase(Log);
+    KOVADatabaseSettings record;
     for (auto _ : state)
-        benchmark::DoNotOptimize(LoadKOVASettings(*database));
+        benchmark::DoNotOptimize(LoadKOVASettings(*database, record, Data));
 }
 BENCHMARK(LoadAutomationSettings)->Unit(benchmark::kMillisecond);
 
 // Many in one second: each steps over those before it.
 void AddHistoryEvent(benchmark::State& state) {
     prepare();
-    OpenUsersDatabase(Users);
+    const Settings settings;
+    UsersState users(settings);
+    OpenUsersDatabase(users, Users);
     for (auto _ : state)
-        AddEventToUserHistory(QStringLiteral("ANN"), AutomationSettingsSaved, EventSucceeded, Log);
-    CloseUsersDatabase();
+        AddEventToUserHistory(users, QStringLiteral("ANN"), AutomationSettingsSaved, EventSucceeded, Log);
 }
 BENCHMARK(AddHistoryEvent)->Unit(benchmark::kMillisecond)->Iterations(100);
 

@@ -19,17 +19,17 @@ inline QByteArray cartBytes(int cart) {
 }
 
 // Makes the lists in the folders given for their parts, and tells the settings.
-inline void makeFullWall(QString (*folderOf)(int part)) {
-    settings().NoCarts = HighestCart;
+inline void makeFullWall(CartStore& carts, QString (*folderOf)(int part)) {
+    carts.settings.NoCarts = HighestCart;
     QByteArray list;
     for (int cart = 1; cart <= HighestCart; ++cart) {
         list += cartBytes(cart);
         const int part = PartOfCart(cart);
         if (cart != HighestCart && PartOfCart(cart + 1) == part)
             continue;
-        settings().CartPartTable[part].Location = folderOf(part);
+        carts.settings.CartPartTable[part].Location = folderOf(part);
         platform::MakeFolder(folderOf(part));
-        platform::ReplaceWholeFile(CartListPath(part), list);
+        platform::ReplaceWholeFile(CartListPath(carts, part), list);
         list.clear();
     }
 }

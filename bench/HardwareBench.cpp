@@ -38,14 +38,13 @@ class Cards : public benchmark::Fixture {
 public:
     void SetUp(benchmark::State&) override {
         platform::SetMachineFolder(folder_.path());
-        ResetSettings();
-        settings().LocalIniFile = ini;
+        settings.LocalIniFile = ini;
         SetAdvantechDriver([]() -> AdvantechDriver* {
             static Boards boards;
             return &boards;
         });
-        ResetHardwareCards();
-        for (HardwareCard& card : HardwareCards()) {
+        cards = {};
+        for (HardwareCard& card : cards) {
             card.CardType = CardAdvantech;
             for (int n = 1; n <= LinesPerCard; ++n) {
                 card.Lines[n].LineType = n > 60;
@@ -53,9 +52,12 @@ public:
                 ChooseAction(card, {n}, n > 60 ? 2 : 1);
             }
         }
-        WriteHardwareSettings(ini);
+        WriteHardwareSettings(cards, ini);
         MakeQuiet(ini);
     }
+
+    Settings settings;
+    HardwareCardTable cards;
 
 private:
     QTemporaryDir folder_;
@@ -65,19 +67,19 @@ private:
 
 BENCHMARK_F(Cards, Load)(benchmark::State& state) {
     for (auto _ : state)
-        ReadHardwareSettings(ini);
+        ReadHardwareSettings(cards, ini);
 }
 
 BENCHMARK_F(Cards, LoadAChangedFile)(benchmark::State& state) {
     for (auto _ : state) {
         platform::ForgetProfiles();
-        ReadHardwareSettings(ini);
+        ReadHardwareSettings(cards, ini);
     }
 }
 
 BENCHMARK_F(Cards, OpenAndShowTheForm)(benchmark::State& state) {
     for (auto _ : state) {
-        frmHardwareSettings form;
+        frmHardwareSettings form(cards, settings);
         form.show();
         QApplication::processEvents();
         form.hide();
@@ -85,29 +87,29 @@ BENCHMARK_F(Cards, OpenAndShowTheForm)(benchmark::State& state) {
 }
 
 BENCHMARK_F(Cards, ShowAllLinesAnew)(benchmark::State& state) {
-    LineUsageModel model(HardwareCards()[1]);
+    LineUsageModel model(cards[1]);
     model.setLines(LinesPerCard);
     for (auto _ : state)
         model.UpdateGridDisplay();
 }
 
 BENCHMARK_F(Cards, ApplyOneChange)(benchmark::State& state) {
-    ReadHardwareSettings(ini);
+    ReadHardwareSettings(cards, ini);
     for (auto _ : state) {
-        ToggleLogic(HardwareCards()[3], {100});
-        WriteHardwareSettings(ini);
+        ToggleLogic(cards[3], {100});
+        WriteHardwareSettings(cards, ini);
     }
 }
 
 BENCHMARK_F(Cards, GiveAHundredLinesAnAction)(benchmark::State& state) {
-    LineUsageModel model(HardwareCards()[1]);
+    LineUsageModel model(cards[1]);
     model.setLines(LinesPerCard);
     LineNumbers lines;
     for (int n = 1; n <= LinesPerCard; ++n)
         lines.append(n);
     qint32 action = 1;
     for (auto _ : state) {
-        ChooseAction(HardwareCards()[1], lines, action);
+        ChooseAction(cards[1], lines, action);
         model.UpdateGridDisplay();
         action = action == 1 ? 3 : 1;
     }

@@ -17,21 +17,21 @@ namespace {
 
 const QString ini = QStringLiteral("TOLVEX.INI");
 
-void loadLocal() {
+void loadLocal(Settings& settings) {
     for (const SettingGroup& group : AllSettings())
         if (group.file == SettingsFile::Local) {
-            LoadRows(group.rows, {ini});
-            SizeJumpCartButtons();
+            LoadRows(group.rows, {ini}, settings);
+            SizeJumpCartButtons(settings);
         }
 }
 
-class Workstation : public benchmark::Fixture {
+class StoredLocally : public benchmark::Fixture {
 public:
     void SetUp(benchmark::State&) override {
         platform::SetMachineFolder(folder_.path());
-        ResetSettings();
-        loadLocal();
-        SaveLocalSettings(ini);
+        settings = {};
+        loadLocal(settings);
+        SaveLocalSettings(settings, ini);
         // The other programs' keys.
         platform::ProfileBatch batch(ini);
         for (int line = 1; line <= 1000; ++line)
@@ -41,37 +41,39 @@ public:
         MakeQuiet(ini);
     }
 
+    Settings settings;
+
 private:
     QTemporaryDir folder_;
 };
 
 } // namespace
 
-BENCHMARK_F(Workstation, LoadLocalRows)(benchmark::State& state) {
+BENCHMARK_F(StoredLocally, LoadLocalRows)(benchmark::State& state) {
     for (auto _ : state)
-        loadLocal();
+        loadLocal(settings);
 }
 
-BENCHMARK_F(Workstation, LoadLocalRowsOfAChangedFile)(benchmark::State& state) {
+BENCHMARK_F(StoredLocally, LoadLocalRowsOfAChangedFile)(benchmark::State& state) {
     for (auto _ : state) {
         platform::ForgetProfiles();
-        loadLocal();
+        loadLocal(settings);
     }
 }
 
-BENCHMARK_F(Workstation, SaveUnchanged)(benchmark::State& state) {
+BENCHMARK_F(StoredLocally, SaveUnchanged)(benchmark::State& state) {
     for (auto _ : state)
-        SaveLocalSettings(ini);
+        SaveLocalSettings(settings, ini);
 }
 
-BENCHMARK_F(Workstation, SaveOneChange)(benchmark::State& state) {
+BENCHMARK_F(StoredLocally, SaveOneChange)(benchmark::State& state) {
     for (auto _ : state) {
-        settings().ShowClock = settings().ShowClock ? 0 : 1;
-        SaveLocalSettings(ini);
+        settings.ShowClock = settings.ShowClock ? 0 : 1;
+        SaveLocalSettings(settings, ini);
     }
 }
 
-BENCHMARK_F(Workstation, ExportAll)(benchmark::State& state) {
+BENCHMARK_F(StoredLocally, ExportAll)(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(ExportSettings({ini, {}, {}}));
 }

@@ -1,9 +1,9 @@
 // Process start to the console ready, on a configured station, beside a bare main window program: the time
 // and the largest memory of each, and their ratio. Each run is a process of its own.
-#include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "platform/Prompts.h"
 #include "platform/paths/Paths.h"
+#include "station/Workstation.h"
 #include "ui/style/Style.h"
 
 #include <QApplication>
@@ -82,8 +82,8 @@ int runChild(int argc, char** argv) {
         return 0;
     }
     tolvex::ApplyStyle(application, tolvex::Scheme::Light);
-    tolvex::SetTypedCommandLine({});
-    tolvex::frmConfigure console;
+    tolvex::Workstation station;
+    tolvex::frmConfigure console(station);
     if (!console.load())
         return 1;
     console.show();

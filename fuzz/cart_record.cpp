@@ -44,14 +44,14 @@ void checkList(const QByteArray& list) {
     const QString path = QStringLiteral("C:\\Carts1.lst");
     QFile file(platform::HostPath(path));
     check(file.open(QIODevice::WriteOnly) && file.write(list) == list.size() && file.flush());
-    ResetSettings();
-    ResetCartStore();
-    settings().NoCarts = 20;
-    settings().CartPartTable[1].Location = QStringLiteral("C:");
-    check(OpenCartParts(0, true) == 0);
+    Settings settings;
+    CartStore carts(settings);
+    settings.NoCarts = 20;
+    settings.CartPartTable[1].Location = QStringLiteral("C:");
+    check(OpenCartParts(carts, 0, true) == 0);
     for (int cart = 0; cart <= 21; ++cart) {
         qint16 status = 0;
-        const CartRecord record = ReadCart(cart, &status);
+        const CartRecord record = ReadCart(carts, cart, &status);
         check(status == (cart >= 1 && cart <= 20 ? 0 : -1));
         check(record.Line1.size() == CartLineLength);
     }

@@ -41,8 +41,8 @@ void put(const QString& path, const QByteArray& bytes) {
             file.resize(bytes.size()));
 }
 
-QList<qint32> found(const CartQuery& query, qint32 carts) {
-    CartSearch search(query, carts);
+QList<qint32> found(CartStore& store, const CartQuery& query, qint32 carts) {
+    CartSearch search(store, query, carts);
     while (search.runFor(std::chrono::seconds(1))) {
     }
     QList<qint32> numbers;
@@ -64,19 +64,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const QTemporaryDir folder;
     static const bool ready = platform::SetMachineFolder(folder.path());
     require(ready);
-    ResetSettings();
-    ResetCartStore();
-    ForgetCartNotes();
+    Settings settings;
+    CartStore store(settings);
     const auto carts =
         static_cast<qint32>(std::min<qsizetype>(list.size() / CartListRecordLength + 2, mostCarts));
-    settings().NoCarts = carts;
-    settings().CartPartTable[1].Location = QStringLiteral("C:");
-    settings().UseIndividualCartListFiles = bytes[0] & OwnFiles ? -1 : 0;
+    settings.NoCarts = carts;
+    settings.CartPartTable[1].Location = QStringLiteral("C:");
+    settings.UseIndividualCartListFiles = bytes[0] & OwnFiles ? -1 : 0;
     put(QStringLiteral("C:\\Carts1.lst"), list);
     put(QStringLiteral("C:\\TLV00001.TXT"), list.left(2 * SearchedNotesBytes));
     put(QStringLiteral("C:\\TLV00002.LST"), list.mid(77));
 
     const CartQuery query = queryOf(bytes, text);
-    require(found(query, carts) == tests::plainSearch(query, carts));
+    require(found(store, query, carts) == tests::plainSearch(store, query, carts));
     return 0;
 }

@@ -52,24 +52,26 @@ struct Station {
             QString title = QStringLiteral("A database");
             require(ValidateDatabase(path, type, true, &title) == 0);
         }
-        require(OpenUsersDatabase(users) == 0);
+        const Settings settings;
+        UsersState state(settings);
+        require(OpenUsersDatabase(state, users) == 0);
         for (int i = 0; i < 40; ++i) {
             const QString login = QStringLiteral("USER%1").arg(i);
-            usersState().database->execute(QStringLiteral("INSERT INTO Users (LoginName, FullName, Notes, "
-                                                          "GroupNumber, ExpirationDate, DeletionDate) "
-                                                          "VALUES ('%1', 'The %1', '%2', 1, %3, NULL)")
-                                               .arg(login, QString(i % 9 * 60, u'n'))
-                                               .arg(46000 + 20 * i));
-            usersState().database->execute(
+            state.database->execute(QStringLiteral("INSERT INTO Users (LoginName, FullName, Notes, "
+                                                   "GroupNumber, ExpirationDate, DeletionDate) "
+                                                   "VALUES ('%1', 'The %1', '%2', 1, %3, NULL)")
+                                        .arg(login, QString(i % 9 * 60, u'n'))
+                                        .arg(46000 + 20 * i));
+            state.database->execute(
                 QStringLiteral(
                     "INSERT INTO UserPreferences (LoginName, Name, Preference) VALUES ('%1', 'Colour', '%2')")
                     .arg(login, QString(i * 3, u'p')));
-            AddEventToUserHistory(login, 1, 1, QStringLiteral("logged in"));
+            AddEventToUserHistory(state, login, 1, 1, QStringLiteral("logged in"));
         }
-        CloseUsersDatabase();
+        CloseUsersDatabase(state);
         require(ValidateKOVADatabaseTables(automation) == 0);
         const auto database = OpenSuiteDatabase(automation);
-        require(SaveKOVASettings(*database) == 0);
+        require(SaveKOVASettings(*database, {}, {}) == 0);
         database->close();
         for (const QString& path : {users, automation})
             sound.push_back(read(path));
@@ -124,12 +126,14 @@ void compact(const QString& path) {
 }
 
 void useUsers(const QString& path) {
-    if (OpenUsersDatabase(path) == 0) {
-        AddEventToUserHistory(QStringLiteral("USER1"), 2, 1, QStringLiteral("logged out"));
-        ProcessUserAccounts(QStringLiteral("SYSTEM"));
-        DeleteUser(QStringLiteral("USER2"));
+    const Settings settings;
+    UsersState state(settings);
+    if (OpenUsersDatabase(state, path) == 0) {
+        AddEventToUserHistory(state, QStringLiteral("USER1"), 2, 1, QStringLiteral("logged out"));
+        ProcessUserAccounts(state, QStringLiteral("SYSTEM"));
+        DeleteUser(state, QStringLiteral("USER2"));
     }
-    CloseUsersDatabase();
+    CloseUsersDatabase(state);
 }
 
 void useAutomation(const QString& path) {
@@ -138,8 +142,9 @@ void useAutomation(const QString& path) {
     ValidateKOVADatabaseTables(path);
     try {
         const auto database = OpenSuiteDatabase(path);
-        LoadKOVASettings(*database);
-        SaveKOVASettings(*database);
+        KOVADatabaseSettings record;
+        LoadKOVASettings(*database, record, {});
+        SaveKOVASettings(*database, record, {});
     } catch (const DatabaseError&) {
         // what a damaged file is answered with
     }
@@ -157,8 +162,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     station.put(path, damaged(station.sound[users ? 0 : 1], data + 1, size - 1));
     if ((data[0] & 2) != 0)
         compact(path);
-    ResetUsersState();
-    ResetKOVADatabaseSettings();
     users ? useUsers(path) : useAutomation(path);
     if ((data[0] & 4) != 0)
         compact(path);

@@ -2,15 +2,13 @@
 #include "WalkThrough.h"
 
 #include "console/ConfigurationSets.h"
-#include "console/StartUp.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
-#include "core/settings/Settings.h"
 #include "hardware/HardwareCards.h"
 #include "platform/Prompts.h"
-#include "platform/paths/Paths.h"
+#include "station/Workstation.h"
 #include "ui/forms/frmGoodInputBox.h"
 #include "ui/help/frmHelp.h"
 #include "ui/richtext/frmPrintPreview.h"
@@ -87,8 +85,8 @@ void save(QWidget& form, const char* name) {
     std::printf("%s %s\n", picture.save(path) ? "saved" : "NOT SAVED", qPrintable(path));
 }
 
-void saveForm(const char* form, const char* name) {
-    const std::unique_ptr<QDialog> dialog(MakeForm(QString::fromLatin1(form), nullptr));
+void saveForm(Workstation& station, const char* form, const char* name) {
+    const std::unique_ptr<QDialog> dialog(MakeForm(QString::fromLatin1(form), station, nullptr));
     FitForm(dialog.get());
     save(*dialog, name);
 }
@@ -105,9 +103,9 @@ int main(int argc, char** argv) {
     QDir().mkpath(folder);
     ApplyStyle(application, QByteArray(argv[2]) == "dark" ? Scheme::Dark : Scheme::Light);
     makeStation();
-    SetTypedCommandLine({});
+    Workstation station;
 
-    frmConfigure console;
+    frmConfigure console(station);
     if (!console.load())
         return 1;
     save(console, "console");
@@ -120,11 +118,12 @@ int main(int argc, char** argv) {
     console.findChild<QLineEdit*>(QStringLiteral("txtFind"))->setText(QStringLiteral("clock"));
     save(console, "console-search");
 
-    saveForm("frmFileLocations", "filelocations");
-    saveForm("frmDisplayOptions", "displayoptions");
-    saveForm("frmDateTimeSetup", "datetime");
+    saveForm(station, "frmFileLocations", "filelocations");
+    saveForm(station, "frmDisplayOptions", "displayoptions");
+    saveForm(station, "frmDateTimeSetup", "datetime");
     for (int card = 0; card < HardwareCardCount; ++card) {
-        const std::unique_ptr<QDialog> hardware(MakeForm(QStringLiteral("frmHardwareSettings"), nullptr));
+        const std::unique_ptr<QDialog> hardware(
+            MakeForm(QStringLiteral("frmHardwareSettings"), station, nullptr));
         hardware->findChild<QTabWidget*>(QStringLiteral("tbsSettings"))->setCurrentIndex(card);
         FitForm(hardware.get());
         save(*hardware, card == 0 ? "hardware" : card == 1 ? "hardware-advantech" : "hardware-joystick");
@@ -132,11 +131,11 @@ int main(int argc, char** argv) {
     frmMultiConfig sets(QString::fromUtf16(SetsRegistryKey), QStringLiteral("tolvex.ini studio2.ini"));
     sets.findChild<QListWidget*>()->setCurrentRow(0);
     save(sets, "configurationsets");
-    frmSplash splash;
+    frmSplash splash(station.settings.OSVersion);
     splash.setCurrentAction(QStringLiteral("Accessing AudioWall..."));
     splash.adjustSize();
     save(splash, "splash");
-    frmSplash about;
+    frmSplash about(station.settings.OSVersion);
     about.becomeAboutBox();
     about.adjustSize();
     save(about, "about");

@@ -3,11 +3,10 @@
 #include "app/window/ProgressBox.h"
 #include "app/window/QtPrompts.h"
 #include "console/AutoConfiguration.h"
-#include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmSplash.h"
-#include "core/settings/Settings.h"
 #include "platform/paths/Paths.h"
+#include "station/Workstation.h"
 
 #include <QApplication>
 #include <QDir>
@@ -51,8 +50,9 @@ Form* shown() {
 
 class Walk : public QtPrompts {
 public:
-    explicit Walk(const std::function<void(QWidget&, const char*)>& save)
-        : save_(save) {
+    Walk(const Settings& settings, const std::function<void(QWidget&, const char*)>& save)
+        : QtPrompts(settings)
+        , save_(save) {
         platform::setPrompts(this);
     }
     ~Walk() override { platform::setPrompts(nullptr); }
@@ -94,12 +94,10 @@ void putOnNetwork(const char* drive, const char* name) {
 void WalkThrough(const std::function<void(QWidget&, const char*)>& save) {
     const QTemporaryDir machine;
     platform::SetMachineFolder(machine.path());
-    ResetStartUp();
-    ResetSettings();
-    SetTypedCommandLine({});
-    Walk walk(save);
+    Workstation station;
+    Walk walk(station.settings, save);
 
-    frmConfigure console;
+    frmConfigure console(station);
     if (console.load())
         save(console, "first-console");
     console.close();
@@ -112,5 +110,5 @@ void WalkThrough(const std::function<void(QWidget&, const char*)>& save) {
 
     putOnNetwork("m:", "TLVX_SYS.INI");
     putOnNetwork("u:", "Carts1.lst");
-    ConfigureFromSearch(false);
+    ConfigureFromSearch(station, false);
 }

@@ -1,11 +1,10 @@
 // The window program.
 #include "app/window/QtPrompts.h"
-#include "console/ScreenFacts.h"
-#include "console/StartUp.h"
 #include "console/forms/frmConfigure.h"
 #include "core/system/Product.h"
 #include "platform/paths/Paths.h"
 #include "platform/process/SingleInstance.h"
+#include "station/Workstation.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/Style.h"
 
@@ -18,11 +17,10 @@ namespace {
 
 using namespace tolvex;
 
-void tellScreens() {
+void tellScreens(ScreenFacts& facts) {
     const QScreen* primary = QGuiApplication::primaryScreen();
     if (!primary)
         return;
-    ScreenFacts& facts = screenFacts();
     const clsMonitors monitors;
     facts.PrimaryWidth = primary->geometry().width();
     facts.PrimaryHeight = primary->geometry().height();
@@ -51,14 +49,15 @@ int main(int argc, char** argv) {
         QMessageBox::critical(nullptr, QString::fromLatin1(ProductName), why);
         return 3;
     }
-    QtPrompts prompts;
+    Workstation station;
+    station.startUp.typedCommandLine = typedCommandLine(application.arguments());
+    tellScreens(station.startUp.screens);
+    QtPrompts prompts(station.settings);
     platform::setPrompts(&prompts);
-    SetTypedCommandLine(typedCommandLine(application.arguments()));
-    tellScreens();
 
     {
         const platform::SingleInstance instance;
-        frmConfigure console;
+        frmConfigure console(station);
         if (console.load(instance.first())) {
             clsMonitors().CenterFormOnMonitor(&console);
             console.show();

@@ -2,7 +2,6 @@
 #include "app/ctl/CommandLine.h"
 #include "app/ctl/Help.h"
 #include "app/ctl/TerminalPrompts.h"
-#include "console/StartUp.h"
 #include "databases/store/Report.h"
 #include "platform/host/LookOnly.h"
 #include "platform/paths/Paths.h"
@@ -27,7 +26,7 @@ Output::Ending endingOf(int status) {
 }
 
 // The ini files that the options name. False, with a sentence in *why, when one cannot be reached.
-bool setIniFiles(const CommandLine& line, QString* why) {
+bool setIniFiles(const CommandLine& line, tolvex::StartUp& startUp, QString* why) {
     QMap<QString, QString> files;
     for (const char* option : {"--ini", "--sys-ini"}) {
         if (!line.has(option))
@@ -37,7 +36,8 @@ bool setIniFiles(const CommandLine& line, QString* why) {
             return false;
         files[QLatin1String(option)] = *file;
     }
-    tolvex::SetIniFiles(files[QStringLiteral("--ini")], files[QStringLiteral("--sys-ini")]);
+    startUp.localIni = files[QStringLiteral("--ini")];
+    startUp.systemIni = files[QStringLiteral("--sys-ini")];
     return true;
 }
 
@@ -46,8 +46,8 @@ int start(const CommandLine& line, Call& call) {
     if (!call.command.changes || !call.command.changes(call))
         looking.emplace();
     QString why;
-    if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why) || !setIniFiles(line, &why) ||
-        !ResolveFiles(call, &why))
+    if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why) ||
+        !setIniFiles(line, call.station.startUp, &why) || !ResolveFiles(call, &why))
         return call.fail(why);
     return line.command->run(call);
 }
@@ -65,7 +65,9 @@ int run(const CommandLine& line) {
                             line.has("--quiet"));
     tolvex::platform::setPrompts(&prompts);
     static const Command none{"", "", "", nullptr};
-    Call call{line.command ? *line.command : none, output, line.arguments, line.options};
+    tolvex::Workstation station;
+    tolvex::Session session(station);
+    Call call{line.command ? *line.command : none, output, session, station, line.arguments, line.options};
     tolvex::SilentErrors silent;
     int status = line.problem.isEmpty() ? start(line, call) : call.wrong(line.problem);
     for (const tolvex::DatabaseError& error : silent.take())

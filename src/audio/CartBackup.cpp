@@ -16,10 +16,10 @@ bool makeFolder(const QString& path) {
 
 } // namespace
 
-bool BackupCartLists(bool force) {
+bool BackupCartLists(const Settings& settings, bool force) {
     const QString today = platform::clock().now().toString(QStringLiteral("yyyy-MM-dd"));
     for (int part = 1; part <= CartPartCount; ++part) {
-        const QString& location = settings().CartPartTable[part].Location;
+        const QString& location = settings.CartPartTable[part].Location;
         const QString name = QStringLiteral("\\Carts%1.LST").arg(part);
         if (location.isEmpty() || !platform::FileExists(location + name))
             continue;

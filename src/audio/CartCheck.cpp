@@ -52,10 +52,13 @@ QString identityOf(const CartRecord& cart) {
 
 class Check {
 public:
+    explicit Check(CartStore& wall)
+        : carts_(wall) {}
+
     CartCheckResult run() {
         const auto progress = platform::prompts().beginProgress(QStringLiteral("Checking carts"), true);
-        for (int part = 1; part <= PartOfCart(settings().NoCarts) && !result_.stopped; ++part)
-            if (!CartListPath(part).isEmpty())
+        for (int part = 1; part <= PartOfCart(carts_.settings.NoCarts) && !result_.stopped; ++part)
+            if (!CartListPath(carts_, part).isEmpty())
                 checkPart(part, *progress);
         return result_;
     }
@@ -66,22 +69,22 @@ private:
     }
 
     void checkPart(int part, platform::Progress& progress) {
-        const CartListFacts list = LookAtCartList(part);
+        const CartListFacts list = LookAtCartList(carts_, part);
         if (!list.isSound())
             add(list.state(), part, 0, list.inWords());
-        if (list.error != platform::NoError || OpenCartParts(part, true) != 0)
+        if (list.error != platform::NoError || OpenCartParts(carts_, part, true) != 0)
             return;
         ++result_.lists;
-        const QString& location = settings().CartPartTable[part].Location;
+        const QString& location = carts_.settings.CartPartTable[part].Location;
         if (location != audioLocation_) {
             audio_ = audioIn(location);
             audioLocation_ = location;
         }
-        const qint32 last = std::min(list.lastCart(), settings().NoCarts);
+        const qint32 last = std::min(list.lastCart(), carts_.settings.NoCarts);
         for (qint32 cart = (part - 1) * CartsInPart + 1; cart <= last; ++cart) {
             checkCart(part, cart);
             if (cart % cartsBetweenSteps == 0 &&
-                !progress.step(cart, settings().NoCarts, QStringLiteral("cart %1").arg(cart))) {
+                !progress.step(cart, carts_.settings.NoCarts, QStringLiteral("cart %1").arg(cart))) {
                 result_.stopped = true;
                 return;
             }
@@ -90,7 +93,7 @@ private:
 
     void checkCart(int part, qint32 number) {
         qint16 status = 0;
-        const CartRecord cart = ReadCart(number, &status);
+        const CartRecord cart = ReadCart(carts_, number, &status);
         if (status != platform::NoError)
             return add(QStringLiteral("unreadable"), part, number,
                        QStringLiteral("Cart %1 could not be read (error %2).").arg(number).arg(status));
@@ -119,11 +122,12 @@ private:
         const bool heard = std::any_of(files.begin(), files.end(), [this](const QString& name) {
             return FileLength(audioLocation_ + u'\\' + name) > 0;
         });
-        if (!heard && !settings().AllowAudioFileLinking)
+        if (!heard && !carts_.settings.AllowAudioFileLinking)
             add(QStringLiteral("audio"), part, number,
                 QStringLiteral("Cart %1 has no audio in %2.").arg(number).arg(audioLocation_));
     }
 
+    CartStore& carts_;
     CartCheckResult result_;
     QHash<QString, qint32> first_; // the first cart of each identity
     QString audioLocation_;
@@ -132,8 +136,8 @@ private:
 
 } // namespace
 
-CartCheckResult CheckCarts() {
-    return Check().run();
+CartCheckResult CheckCarts(CartStore& carts) {
+    return Check(carts).run();
 }
 
 } // namespace tolvex

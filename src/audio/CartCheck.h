@@ -6,6 +6,8 @@
 
 namespace tolvex {
 
+struct CartStore;
+
 struct CartFault {
     QString kind; // of a list: CartListFacts::state; of a cart: "unreadable", "audio" (none), "double"
     int part = 0;
@@ -26,6 +28,6 @@ struct CartCheckResult {
 // missed. Doubles are two carts with the same lines and the same length, and two audio files for one cart.
 // Shows progress. The caller holds a LookOnly: opening lists for work would mend what is looked for.
 // Cost: some ten microseconds a cart, most of it the look at its audio file.
-CartCheckResult CheckCarts();
+CartCheckResult CheckCarts(CartStore& carts);
 
 } // namespace tolvex

@@ -36,14 +36,14 @@ int keepRest(const RecordListLength& list, QString* keptIn) {
 }
 
 // Adds `count` empty records after the whole ones, if the list still is as long as it was. FileError.
-int addEmpty(const RecordListLength& list, qint64 count) {
+int addEmpty(const CartStore& carts, const RecordListLength& list, qint64 count) {
     int error = platform::NoError;
     const auto file = RecordFile::open(list.path, CartListRecordLength, false, &error);
     if (!file)
         return error;
     if (platform::FileSize(list.path) != list.size)
         return platform::PermissionDenied;
-    return file->append(QByteArray(EmptyCartListRecord().data(), CartListRecordLength), count);
+    return file->append(QByteArray(carts.emptyListRecord.data(), CartListRecordLength), count);
 }
 
 } // namespace
@@ -72,20 +72,20 @@ QString CartListFacts::inWords() const {
     return RecordListFault(length, QStringLiteral("cart"), QStringLiteral("carts"));
 }
 
-CartListFacts LookAtCartList(int part) {
+CartListFacts LookAtCartList(const CartStore& carts, int part) {
     CartListFacts list;
     list.part = part;
-    list.length = {CartListPath(part), 0, CartListRecordLength, CartListRecords(part),
+    list.length = {CartListPath(carts, part), 0, CartListRecordLength, CartListRecords(carts, part),
                    (part - 1) * CartsInPart + 1};
     if (RecordFile::open(list.length.path, CartListRecordLength, false, &list.error))
         list.length.size = std::max<qint64>(platform::FileSize(list.length.path), 0);
     return list;
 }
 
-CartListRepair RepairCartList(int part) {
+CartListRepair RepairCartList(const CartStore& carts, int part) {
     CartListRepair repair;
     for (int attempt = 0; attempt < mostTries; ++attempt) {
-        const CartListFacts list = LookAtCartList(part);
+        const CartListFacts list = LookAtCartList(carts, part);
         repair.error = list.error;
         if (list.error != platform::NoError || list.isSound())
             return repair;
@@ -94,7 +94,7 @@ CartListRepair RepairCartList(int part) {
         const qint64 missing =
             std::max<qint64>(list.length.wanted - list.length.records(), list.isTorn() ? 1 : 0);
         if (repair.error == platform::NoError)
-            repair.error = addEmpty(list.length, missing);
+            repair.error = addEmpty(carts, list.length, missing);
         if (repair.error == platform::NoError)
             repair.added = missing;
         if (repair.error != platform::PermissionDenied)

@@ -9,6 +9,8 @@
 
 namespace tolvex {
 
+struct CartStore;
+
 struct CartListFacts {
     int part = 0;
     RecordListLength length; // of an existing list; the path of any
@@ -27,7 +29,7 @@ struct CartListFacts {
 };
 
 // Looks at the list of a part that has a location, and changes nothing. Cost: opening the file.
-CartListFacts LookAtCartList(int part);
+CartListFacts LookAtCartList(const CartStore& carts, int part);
 
 struct CartListRepair {
     int error = 0;    // FileError
@@ -38,6 +40,6 @@ struct CartListRepair {
 // Brings a list that is there to its length with empty records. Torn bytes go into a file of their own beside
 // the list first ("Carts1.lst.torn", then "Carts1.lst.torn2" and so on); their record becomes an empty one.
 // PermissionDenied when another program keeps changing the list meanwhile. Nothing is lost on any error.
-CartListRepair RepairCartList(int part);
+CartListRepair RepairCartList(const CartStore& carts, int part);
 
 } // namespace tolvex

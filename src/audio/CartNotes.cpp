@@ -48,6 +48,8 @@ struct Listing {
     NotesByCart notes;
 };
 
+} // namespace
+
 // What is known of a folder.
 struct NotesFolder {
     NotesByCart notes;
@@ -58,9 +60,16 @@ struct NotesFolder {
     std::shared_ptr<Listing> listing; // null: none under way
 };
 
-QHash<QString, NotesFolder>& folders() {
-    static QHash<QString, NotesFolder> known;
-    return known;
+struct KnownNotes {
+    QHash<QString, NotesFolder> folders;
+};
+
+namespace {
+
+QHash<QString, NotesFolder>& folders(CartStore& carts) {
+    if (!carts.notes)
+        carts.notes = std::make_shared<KnownNotes>();
+    return carts.notes->folders;
 }
 
 // The cart whose files are called so, as CartFileName gives it in any case; 0 for any other name.
@@ -124,32 +133,32 @@ struct Candidate {
 };
 constexpr Candidate candidates[] = {{RichText, ".RTF"}, {PlainText, ".TXT"}};
 
-bool isCart(qint32 cart) {
-    return cart >= 1 && cart <= settings().NoCarts;
+bool isCart(const CartStore& carts, qint32 cart) {
+    return cart >= 1 && cart <= carts.settings.NoCarts;
 }
 
-const QString& locationOf(qint32 cart) {
-    return settings().CartPartTable[PartOfCart(cart)].Location;
+const QString& locationOf(const CartStore& carts, qint32 cart) {
+    return carts.settings.CartPartTable[PartOfCart(cart)].Location;
 }
 
-quint8 kindsOf(qint32 cart) {
-    if (!isCart(cart))
+quint8 kindsOf(CartStore& carts, qint32 cart) {
+    if (!isCart(carts, cart))
         return 0;
-    NotesFolder& folder = folders()[locationOf(cart)];
-    learn(folder, locationOf(cart), std::numeric_limits<int>::max());
+    NotesFolder& folder = folders(carts)[locationOf(carts, cart)];
+    learn(folder, locationOf(carts, cart), std::numeric_limits<int>::max());
     return folder.listed ? folder.notes.value(cart) : RichText | PlainText;
 }
 
-QString pathOf(qint32 cart, const Candidate& candidate) {
-    return CartFileStem(cart) + QLatin1String(candidate.extension);
+QString pathOf(const CartStore& carts, qint32 cart, const Candidate& candidate) {
+    return CartFileStem(carts, cart) + QLatin1String(candidate.extension);
 }
 
 } // namespace
 
-QString CartNotesPath(qint32 cart, bool* exists) {
-    const quint8 kinds = kindsOf(cart);
+QString CartNotesPath(CartStore& carts, qint32 cart, bool* exists) {
+    const quint8 kinds = kindsOf(carts, cart);
     for (const Candidate& candidate : candidates) {
-        QString path = pathOf(cart, candidate);
+        QString path = pathOf(carts, cart, candidate);
         if ((kinds & candidate.kind) == 0 || !platform::FileExists(path))
             continue;
         if (exists)
@@ -158,15 +167,15 @@ QString CartNotesPath(qint32 cart, bool* exists) {
     }
     if (exists)
         *exists = false;
-    return isCart(cart) ? pathOf(cart, candidates[0]) : QString();
+    return isCart(carts, cart) ? pathOf(carts, cart, candidates[0]) : QString();
 }
 
-qint64 ReadCartNotes(qint32 cart, char* bytes, qint64 most) {
-    const quint8 kinds = kindsOf(cart);
+qint64 ReadCartNotes(CartStore& carts, qint32 cart, char* bytes, qint64 most) {
+    const quint8 kinds = kindsOf(carts, cart);
     for (const Candidate& candidate : candidates) {
         if ((kinds & candidate.kind) == 0)
             continue;
-        const QString path = pathOf(cart, candidate);
+        const QString path = pathOf(carts, cart, candidate);
         const qint64 length = platform::ReadFileStart(path, bytes, most);
         if (length >= 0 || platform::FileExists(path))
             return length;
@@ -174,12 +183,9 @@ qint64 ReadCartNotes(qint32 cart, char* bytes, qint64 most) {
     return -1;
 }
 
-bool ListCartNotes(qint32 cart) {
-    return !isCart(cart) || learn(folders()[locationOf(cart)], locationOf(cart), namesAtOnce);
-}
-
-void ForgetCartNotes() {
-    folders().clear();
+bool ListCartNotes(CartStore& carts, qint32 cart) {
+    return !isCart(carts, cart) ||
+           learn(folders(carts)[locationOf(carts, cart)], locationOf(carts, cart), namesAtOnce);
 }
 
 } // namespace tolvex

@@ -23,24 +23,12 @@ constexpr qint32 playerIsEmpty = 15;
 // Status of a cart that has no part, or whose part cannot be opened.
 constexpr int noPart = -1;
 
-struct CartStore {
-    std::array<QString, PlayerStateCount> words;
-    CartRecord emptyRecord = MakeEmptyCartRecord(0, 0);
-    CartListRecord emptyListRecord = EncodeCartRecord(emptyRecord);
-    NumberedTable<std::unique_ptr<RecordFile>, CartPartCount> lists;
-};
-
-CartStore& store() {
-    static CartStore instance;
-    return instance;
+CartPart& partNumber(const CartStore& carts, int part) {
+    return carts.settings.CartPartTable[part];
 }
 
-CartPart& partNumber(int part) {
-    return settings().CartPartTable[part];
-}
-
-bool isCart(qint32 cart) {
-    return cart >= 1 && cart <= settings().NoCarts;
+bool isCart(const CartStore& carts, qint32 cart) {
+    return cart >= 1 && cart <= carts.settings.NoCarts;
 }
 
 qint64 recordOfCart(qint32 cart, int part) {
@@ -48,95 +36,95 @@ qint64 recordOfCart(qint32 cart, int part) {
 }
 
 // What a loader switched off stays off, though lists are opened, and opened again, long after it ran.
-void initLoadedCartState() {
-    const bool maintainsList = settings().MaintainLegacyCartList != 0;
-    const bool playsInstantly = settings().PlayCartsInstantly != 0;
-    InitCartState();
+void initLoadedCartState(CartStore& carts) {
+    const bool maintainsList = carts.settings.MaintainLegacyCartList != 0;
+    const bool playsInstantly = carts.settings.PlayCartsInstantly != 0;
+    InitCartState(carts);
     if (!maintainsList)
-        settings().MaintainLegacyCartList = 0;
+        carts.settings.MaintainLegacyCartList = 0;
     if (!playsInstantly)
-        settings().PlayCartsInstantly = 0;
+        carts.settings.PlayCartsInstantly = 0;
 }
 
-void setStateOfLocation(const QString& location, CartPartState state) {
-    for (CartPart& part : settings().CartPartTable)
+void setStateOfLocation(const CartStore& carts, const QString& location, CartPartState state) {
+    for (CartPart& part : carts.settings.CartPartTable)
         if (part.Location == location)
             part.State = state;
 }
 
-void checkFolder(const CartPart& part, bool silent) {
+void checkFolder(const CartStore& carts, const CartPart& part, bool silent) {
     const bool there = DirectoryExists(part.Location);
     if (!there && !silent)
         ProblemReport(QStringLiteral("connecting part(s) of the Audio Wall because the directory: \n\n\"%1\""
                                      "\n\n could not be found")
                           .arg(part.Location.trimmed()));
-    setStateOfLocation(part.Location, there ? Available : Unavailable);
+    setStateOfLocation(carts, part.Location, there ? Available : Unavailable);
 }
 
-void openFile(int part) {
-    store().lists[part] = RecordFile::open(partNumber(part).ListPath, CartListRecordLength, true);
-    partNumber(part).IsOpen = store().lists[part] ? -1 : 0;
+void openFile(CartStore& carts, int part) {
+    carts.lists[part] = RecordFile::open(partNumber(carts, part).ListPath, CartListRecordLength, true);
+    partNumber(carts, part).IsOpen = carts.lists[part] ? -1 : 0;
 }
 
-void closeFile(int part) {
-    store().lists[part].reset();
-    partNumber(part).IsOpen = 0;
+void closeFile(CartStore& carts, int part) {
+    carts.lists[part].reset();
+    partNumber(carts, part).IsOpen = 0;
 }
 
 // Opens a part's list and brings it to its length. Whatever fails leaves the list as far as it got.
-void openList(int part) {
-    CartPart& entry = partNumber(part);
-    closeFile(part);
+void openList(CartStore& carts, int part) {
+    CartPart& entry = partNumber(carts, part);
+    closeFile(carts, part);
     if (entry.FileNumber < 1)
-        entry.FileNumber = FreeFileNumber();
-    openFile(part);
+        entry.FileNumber = FreeFileNumber(carts);
+    openFile(carts, part);
     entry.State = Available;
-    const auto& list = store().lists[part];
+    const auto& list = carts.lists[part];
     if (!list)
         return;
-    const qint64 missing = CartListRecords(part) - list->count();
+    const qint64 missing = CartListRecords(carts, part) - list->count();
     if (missing <= 0)
         return;
-    const CartListRecord& blank = EmptyCartListRecord();
+    const CartListRecord& blank = carts.emptyListRecord;
     list->append(QByteArray(blank.data(), CartListRecordLength), missing);
-    closeFile(part);
-    openFile(part);
+    closeFile(carts, part);
+    openFile(carts, part);
 }
 
-Answer askToCreate(int part) {
+Answer askToCreate(const CartStore& carts, int part) {
     return platform::prompts().ask(
         {.text =
              QStringLiteral("Part %1 of the AudioWall has not been found.\nDo you wish to create it in :\n")
                  .arg(part) +
-             partNumber(part).ListPath,
+             partNumber(carts, part).ListPath,
          .icon = platform::Icon::Question,
          .buttons = platform::Buttons::YesNoCancel});
 }
 
 // Makes the parts ready to be looked for; gives how many of them have no location.
-int prepareParts(int first, int last) {
+int prepareParts(const CartStore& carts, int first, int last) {
     int unset = 0;
     for (int part = first; part <= last; ++part) {
-        CartPart& entry = partNumber(part);
+        CartPart& entry = partNumber(carts, part);
         entry.State = NotChecked;
         if (entry.Location.trimmed().isEmpty()) {
             ++unset;
             continue;
         }
-        entry.ListPath = CartListPath(part);
+        entry.ListPath = CartListPath(carts, part);
         entry.ListName = entry.ListPath.mid(entry.Location.size() + 1);
     }
     return unset;
 }
 
 // Ready to be read: its folder is there, and its list is open.
-bool isReadable(int part) {
-    return partNumber(part).State == Available && store().lists[part];
+bool isReadable(const CartStore& carts, int part) {
+    return partNumber(carts, part).State == Available && carts.lists[part];
 }
 
 // The file that holds one cart alone. FileNotFound when there is none or it is empty.
-int readOwnFile(qint32 cart, CartListRecord& bytes) {
-    const QString path = CartFileStem(cart) + QStringLiteral(".LST");
+int readOwnFile(const CartStore& carts, qint32 cart, CartListRecord& bytes) {
+    const QString path = CartFileStem(carts, cart) + QStringLiteral(".LST");
     if (FileLength(path) <= 0)
         return platform::FileNotFound;
     int error = platform::NoError;
@@ -144,57 +132,52 @@ int readOwnFile(qint32 cart, CartListRecord& bytes) {
     return file ? file->read(1, bytes.data()) : error;
 }
 
-int readFromList(qint32 cart, int part, CartListRecord& bytes) {
-    const auto& list = store().lists[part];
+int readFromList(CartStore& carts, qint32 cart, int part, CartListRecord& bytes) {
+    const auto& list = carts.lists[part];
     const int error = list ? list->read(recordOfCart(cart, part), bytes.data()) : platform::BadFileNumber;
     if (error != platform::NoError)
-        partNumber(part).State = Unavailable;
+        partNumber(carts, part).State = Unavailable;
     return error;
 }
 
-int readBytes(qint32 cart, int part, CartListRecord& bytes) {
-    if (settings().UseIndividualCartListFiles) {
-        const int error = readOwnFile(cart, bytes);
+int readBytes(CartStore& carts, qint32 cart, int part, CartListRecord& bytes) {
+    if (carts.settings.UseIndividualCartListFiles) {
+        const int error = readOwnFile(carts, cart, bytes);
         if (error != platform::FileNotFound)
             return error;
     }
-    return readFromList(cart, part, bytes);
+    return readFromList(carts, cart, part, bytes);
 }
 
 } // namespace
 
-const std::array<QString, PlayerStateCount>& PlayerStateWords() {
-    return store().words;
+CartStore::CartStore(Settings& workstation)
+    : settings(workstation)
+    , emptyRecord(MakeEmptyCartRecord(0, 0))
+    , emptyListRecord(EncodeCartRecord(emptyRecord)) {}
+
+CartStore::~CartStore() = default;
+
+void ColourEmptyCartListRecord(CartStore& carts) {
+    CartRecord coloured = carts.emptyRecord;
+    coloured.BackColor = carts.settings.EmptyCartBackColor;
+    coloured.ForeColor = carts.settings.EmptyCartForeColor;
+    carts.emptyListRecord = EncodeCartRecord(coloured);
 }
 
-const CartRecord& EmptyCartRecord() {
-    return store().emptyRecord;
-}
-
-const CartListRecord& EmptyCartListRecord() {
-    return store().emptyListRecord;
-}
-
-void ColourEmptyCartListRecord() {
-    CartRecord coloured = store().emptyRecord;
-    coloured.BackColor = settings().EmptyCartBackColor;
-    coloured.ForeColor = settings().EmptyCartForeColor;
-    store().emptyListRecord = EncodeCartRecord(coloured);
-}
-
-void InitCartState() {
-    Settings& values = settings();
+void InitCartState(CartStore& carts) {
+    Settings& values = carts.settings;
     for (CartPlayer& player : values.CartPlayerTable)
         player.State = playerIsEmpty;
-    auto& words = store().words;
+    auto& words = carts.words;
     words[3] = QStringLiteral("Seeking");
     words[11] = QStringLiteral("Playing");
     words[12] = QStringLiteral("Paused");
     words[13] = QStringLiteral("Cued");
     words[14] = QStringLiteral("Selected");
     words[playerIsEmpty] = QStringLiteral("Empty");
-    store().emptyRecord = MakeEmptyCartRecord(values.EmptyCartBackColor, values.EmptyCartForeColor);
-    ColourEmptyCartListRecord();
+    carts.emptyRecord = MakeEmptyCartRecord(values.EmptyCartBackColor, values.EmptyCartForeColor);
+    ColourEmptyCartListRecord(carts);
     values.MaintainLegacyCartList = -1;
     values.PlayCartsInstantly = -1;
     if (values.LowestCartNumber == 0) {
@@ -203,8 +186,9 @@ void InitCartState() {
     }
 }
 
-void ResetCartStore() {
-    store() = {};
+void CloseCartParts(CartStore& carts) {
+    for (auto& list : carts.lists)
+        list.reset();
 }
 
 int PartOfCart(qint32 cart) {
@@ -213,13 +197,13 @@ int PartOfCart(qint32 cart) {
     return cart == 0 ? 0 : (cart - 1) / CartsInPart + 1;
 }
 
-qint64 CartListRecords(int part) {
-    const qint32 carts = std::min(settings().NoCarts, HighestCart);
-    return part == PartOfCart(settings().NoCarts) ? recordOfCart(carts, part) : CartsInPart;
+qint64 CartListRecords(const CartStore& carts, int part) {
+    const qint32 last = std::min(carts.settings.NoCarts, HighestCart);
+    return part == PartOfCart(carts.settings.NoCarts) ? recordOfCart(last, part) : CartsInPart;
 }
 
-QString CartListPath(int part) {
-    const CartPart& entry = partNumber(part);
+QString CartListPath(const CartStore& carts, int part) {
+    const CartPart& entry = partNumber(carts, part);
     if (entry.Location.trimmed().isEmpty())
         return {};
     return entry.Location + u'\\' +
@@ -230,26 +214,27 @@ QString CartFileName(qint32 cart) {
     return QStringLiteral("TLV") + QString::number(cart).rightJustified(5, u'0');
 }
 
-QString CartFileStem(qint32 cart) {
-    return isCart(cart) ? partNumber(PartOfCart(cart)).Location + u'\\' + CartFileName(cart) : QString();
+QString CartFileStem(const CartStore& carts, qint32 cart) {
+    return isCart(carts, cart) ? partNumber(carts, PartOfCart(cart)).Location + u'\\' + CartFileName(cart)
+                               : QString();
 }
 
-qint16 FreeFileNumber() {
+qint16 FreeFileNumber(const CartStore& carts) {
     qint16 number = 1;
     const auto taken = [&number](const CartPart& part) { return part.FileNumber == number; };
-    const auto& parts = settings().CartPartTable;
-    while (number == HotlistFileNumber() || std::any_of(parts.begin(), parts.end(), taken))
+    const auto& parts = carts.settings.CartPartTable;
+    while (number == carts.hotlist.number || std::any_of(parts.begin(), parts.end(), taken))
         ++number;
     return number;
 }
 
-int OpenCartParts(int part, bool silent) {
-    initLoadedCartState();
+int OpenCartParts(CartStore& carts, int part, bool silent) {
+    initLoadedCartState(carts);
     if (part < 0 || part > lastPart)
         return -1;
     const int first = std::max(part, 1);
-    const int last = part != 0 ? part : PartOfCart(settings().NoCarts);
-    if (const int unset = prepareParts(first, last); unset > 0) {
+    const int last = part != 0 ? part : PartOfCart(carts.settings.NoCarts);
+    if (const int unset = prepareParts(carts, first, last); unset > 0) {
         if (!silent)
             ShowExclamation(QStringLiteral("%1 locations of the AudioWall have not been set : Please check "
                                            "your configuration.")
@@ -258,58 +243,58 @@ int OpenCartParts(int part, bool silent) {
     }
     bool anyAvailable = false;
     for (int number = first; number <= last; ++number) {
-        const CartPart& entry = partNumber(number);
+        const CartPart& entry = partNumber(carts, number);
         if (entry.State == NotChecked)
-            checkFolder(entry, silent);
+            checkFolder(carts, entry, silent);
         if (entry.State != Available)
             continue;
         anyAvailable = true;
-        if (!silent && !settings().AutoConfigInProgress && FileLength(entry.ListPath) < 0) {
-            const Answer answer = askToCreate(number);
+        if (!silent && !carts.settings.AutoConfigInProgress && FileLength(entry.ListPath) < 0) {
+            const Answer answer = askToCreate(carts, number);
             if (answer == Answer::Cancel)
                 return -1;
             if (answer == Answer::No)
                 continue;
         }
-        openList(number);
+        openList(carts, number);
     }
     return anyAvailable ? 0 : -1;
 }
 
-CartRecord ReadCart(qint32 cart, qint16* status) {
+CartRecord ReadCart(CartStore& carts, qint32 cart, qint16* status) {
     CartListRecord bytes;
-    const qint16 result = ReadCartBytes(cart, bytes);
+    const qint16 result = ReadCartBytes(carts, cart, bytes);
     if (status)
         *status = result;
-    return result == platform::NoError ? CartOfBytes(bytes) : EmptyCartRecord();
+    return result == platform::NoError ? CartOfBytes(carts, bytes) : carts.emptyRecord;
 }
 
-qint16 ReadCartBytes(qint32 cart, CartListRecord& bytes) {
+qint16 ReadCartBytes(CartStore& carts, qint32 cart, CartListRecord& bytes) {
     int result = noPart;
-    if (isCart(cart)) {
+    if (isCart(carts, cart)) {
         const int part = PartOfCart(cart);
-        if (isReadable(part) || OpenCartParts(part, true) == 0)
-            result = readBytes(cart, part, bytes);
+        if (isReadable(carts, part) || OpenCartParts(carts, part, true) == 0)
+            result = readBytes(carts, cart, part, bytes);
         else
-            partNumber(part).State = Unavailable;
+            partNumber(carts, part).State = Unavailable;
     }
     if (result != platform::NoError)
-        bytes = EmptyCartListRecord();
+        bytes = carts.emptyListRecord;
     return static_cast<qint16>(result);
 }
 
-bool ReadCartsAhead(qint32 first, qint32 count, CartListRecord* bytes) {
+bool ReadCartsAhead(CartStore& carts, qint32 first, qint32 count, CartListRecord* bytes) {
     const qint32 last = first + count - 1;
-    if (settings().UseIndividualCartListFiles || !isCart(first) || !isCart(last))
+    if (carts.settings.UseIndividualCartListFiles || !isCart(carts, first) || !isCart(carts, last))
         return false;
     const int part = PartOfCart(first);
-    return PartOfCart(last) == part && isReadable(part) &&
-           store().lists[part]->readAhead(recordOfCart(first, part), count, bytes->data());
+    return PartOfCart(last) == part && isReadable(carts, part) &&
+           carts.lists[part]->readAhead(recordOfCart(first, part), count, bytes->data());
 }
 
-CartRecord CartOfBytes(const CartListRecord& bytes) {
+CartRecord CartOfBytes(const CartStore& carts, const CartListRecord& bytes) {
     if (CartListTotalLength(bytes) == EmptyCartLength)
-        return EmptyCartRecord();
+        return carts.emptyRecord;
     CartRecord record = DecodeCartRecord(bytes);
     if (!(record.PlayEnd > 0 && record.PlayLength > 0)) {
         record.PlayStart = 0;

@@ -44,11 +44,11 @@ Answer askToOptimise() {
 
 } // namespace
 
-void CheckFileCache(const QString& registryPath, bool verbose) {
+void CheckFileCache(Settings& settings, const QString& registryPath, bool verbose) {
     if (registryPath.isEmpty())
         return;
-    settings().OSVersion = platform::OperatingSystem();
-    if (settings().OSVersion.platform != consumerPlatform) {
+    settings.OSVersion = platform::OperatingSystem();
+    if (settings.OSVersion.platform != consumerPlatform) {
         if (verbose)
             tell("Your Windows(TM) Operating System does not need to be optimised, as it is natively "
                  "optimized "

@@ -6,8 +6,10 @@
 
 namespace tolvex {
 
+struct Settings;
+
 // `registryPath`, below the local machine hive, remembers the answer; nothing happens when it is empty.
 // `verbose` says what was found even when nothing has to be done, and asks again after a No.
-void CheckFileCache(const QString& registryPath, bool verbose);
+void CheckFileCache(Settings& settings, const QString& registryPath, bool verbose);
 
 } // namespace tolvex

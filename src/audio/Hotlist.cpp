@@ -6,8 +6,6 @@
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
 
-#include <memory>
-
 namespace tolvex {
 
 namespace {
@@ -20,11 +18,6 @@ constexpr auto layout = MakeRecordLayout<HotlistRecordLength, HotlistRecord>(
     TextField{0, firstTextLength, &HotlistRecord::Text0},
     TextField{firstTextLength, HotlistRecordLength - firstTextLength, &HotlistRecord::Text26});
 static_assert(layout.coversEachByteOnce());
-
-struct {
-    std::unique_ptr<RecordFile> file;
-    qint16 number = 0;
-} hotlist;
 
 } // namespace
 
@@ -44,11 +37,11 @@ HotlistRecord DecodeHotlistRecord(const HotlistBytes& bytes) {
     return record;
 }
 
-bool OpenHotlist(const QString& location) {
-    if (location.isEmpty() || settings().LastOneWas == -1 || !DirectoryExists(location))
+bool OpenHotlist(CartStore& carts, const QString& location) {
+    if (location.isEmpty() || carts.settings.LastOneWas == -1 || !DirectoryExists(location))
         return false;
     const QString path = location + QStringLiteral("\\GLIC.Lst");
-    if (!settings().AutoConfigInProgress && FileLength(path) < 0) {
+    if (!carts.settings.AutoConfigInProgress && FileLength(path) < 0) {
         const Answer answer = platform::prompts().ask(
             {.text = QStringLiteral("The Public Instant Cart Hotlist has not been found.\n"
                                     "Do you wish to create it in :\n") +
@@ -61,7 +54,8 @@ bool OpenHotlist(const QString& location) {
         if (answer == Answer::No)
             return true;
     }
-    CloseHotlist();
+    CloseHotlist(carts);
+    Hotlist& hotlist = carts.hotlist;
     const auto open = [&path] { return RecordFile::open(path, HotlistRecordLength, true); };
     hotlist.file = open();
     if (hotlist.file && hotlist.file->count() < HotlistRecordCount) {
@@ -72,17 +66,12 @@ bool OpenHotlist(const QString& location) {
         hotlist.file = open();
     }
     if (hotlist.file)
-        hotlist.number = FreeFileNumber();
+        hotlist.number = FreeFileNumber(carts);
     return true;
 }
 
-void CloseHotlist() {
-    hotlist.file.reset();
-    hotlist.number = 0;
-}
-
-int HotlistFileNumber() {
-    return hotlist.number;
+void CloseHotlist(CartStore& carts) {
+    carts.hotlist = {};
 }
 
 } // namespace tolvex

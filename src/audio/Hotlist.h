@@ -3,11 +3,16 @@
 // it.
 #pragma once
 
+#include "platform/files/Files.h"
+
 #include <QString>
 
 #include <array>
+#include <memory>
 
 namespace tolvex {
+
+struct CartStore;
 
 inline constexpr int HotlistRecordLength = 256;
 inline constexpr int HotlistRecordCount = 40;
@@ -24,14 +29,17 @@ HotlistRecord BlankHotlistRecord();
 HotlistBytes EncodeHotlistRecord(const HotlistRecord& record);
 HotlistRecord DecodeHotlistRecord(const HotlistBytes& bytes);
 
+// The list while it is open.
+struct Hotlist {
+    std::unique_ptr<platform::RecordFile> file; // null: closed
+    qint16 number = 0;                          // its channel; 0 while it is closed
+};
+
 // Opens the list in a folder, making it (after a question, unless automatic configuration runs) and growing
 // it to 40 records. True when the caller may go on, which includes No to the question and a file that cannot
 // be opened; false on Cancel, for an empty or missing folder, and when there are no system settings.
-bool OpenHotlist(const QString& location);
+bool OpenHotlist(CartStore& carts, const QString& location);
 
-void CloseHotlist();
-
-// The channel of the open list; 0 when it is closed.
-int HotlistFileNumber();
+void CloseHotlist(CartStore& carts);
 
 } // namespace tolvex

@@ -36,25 +36,25 @@ int lastRecordingCard() {
 }
 
 // In automatic mode the players take the suitable outputs in turn; those left over share the last one.
-void assignPlayers(const SettingSource& source) {
+void assignPlayers(Settings& values, const SettingSource& source) {
     int last = -1;
     for (int number = 1; number <= CartPlayerCount; ++number) {
-        qint16& device = settings().CartPlayerTable[number].Device;
-        if (number > settings().TotalNumberCartPlayers) {
+        qint16& device = values.CartPlayerTable[number].Device;
+        if (number > values.TotalNumberCartPlayers) {
             device = 0;
-        } else if (settings().AutomaticPlayerAssignment) {
+        } else if (values.AutomaticPlayerAssignment) {
             const int found = nextSuitableOutput(last);
             last = found >= 0 ? found : last;
             device = qint16((found >= 0 ? found : LastSuitableOutput(suitableRate, suitableChannels)) + 1);
         } else {
             for (const SettingRow& row : SoundCardRows)
-                LoadEntry(row, number, source);
+                LoadEntry(row, number, source, values);
         }
     }
 }
 
-void countPlayers() {
-    qint32& total = settings().TotalNumberCartPlayers;
+void countPlayers(Settings& values) {
+    qint32& total = values.TotalNumberCartPlayers;
     if (total != -1)
         return;
     total = CountSuitableOutputs(suitableRate, suitableChannels);
@@ -65,105 +65,105 @@ void countPlayers() {
 
 // As many players as there are suitable outputs, one each. The first of them that has its input on the same
 // card decides where to record.
-void assignCountedPlayers() {
-    countPlayers();
+void assignCountedPlayers(Settings& values) {
+    countPlayers(values);
     int last = -1;
     bool recordingFound = false;
     const auto& inputs = platform::WaveInputs();
     for (int number = 1; number <= CartPlayerCount; ++number) {
-        const int found = number <= settings().TotalNumberCartPlayers ? nextSuitableOutput(last) : -1;
-        settings().CartPlayerTable[number].Device = qint16(found + 1);
+        const int found = number <= values.TotalNumberCartPlayers ? nextSuitableOutput(last) : -1;
+        values.CartPlayerTable[number].Device = qint16(found + 1);
         if (found < 0)
             continue;
         last = found;
         if (!recordingFound && found < inputs.size() && inputs[found].manufacturer == pairedCardMaker) {
             recordingFound = true;
-            settings().RecordingSoundCard = found + 1;
+            values.RecordingSoundCard = found + 1;
         }
     }
 }
 
-void loadPlayers(const SettingSource& source) {
-    Settings& values = settings();
+void loadPlayers(Settings& values, const SettingSource& source) {
     values.RecordingSoundCard = lastRecordingCard();
-    LoadRows(PlayerAssignmentRows, source);
+    LoadRows(PlayerAssignmentRows, source, values);
     const bool counting = values.TotalNumberCartPlayers == -1;
     if (const QString players = SwitchValue(values.CommandLine, QStringLiteral("/PLAYERS="));
         !players.isNull())
         values.TotalNumberCartPlayers = ToLong(LeadingNumber(players));
     values.TotalNumberCartPlayers = LowerOf(values.TotalNumberCartPlayers, CartPlayerCount);
     if (counting)
-        assignCountedPlayers();
+        assignCountedPlayers(values);
     else
-        assignPlayers(source);
-    LoadRows(PlayerColourRows, source);
-    LoadRows(PlayerRows, source);
+        assignPlayers(values, source);
+    LoadRows(PlayerColourRows, source, values);
+    LoadRows(PlayerRows, source, values);
 }
 
-void loadAudio(const SettingSource& source) {
-    Settings& values = settings();
-    LoadRows(VolumeRows, source);
+void loadAudio(Settings& values, const SettingSource& source) {
+    LoadRows(VolumeRows, source, values);
     if (values.UsePlayerDucking)
         values.SweptVolume = values.GeneralVolume;
     else
-        LoadRows(SweptVolumeRows, source);
-    LoadRows(AudioRows, source);
-    LoadRows(CartDisplayRows, source);
-    LoadRows(RecordingRows, source);
+        LoadRows(SweptVolumeRows, source, values);
+    LoadRows(AudioRows, source, values);
+    LoadRows(CartDisplayRows, source, values);
+    LoadRows(RecordingRows, source, values);
     values.RecordingSoundCard = LowerOf(values.RecordingSoundCard, lastRecordingCard());
 }
 
-bool firstPartHasLocation() {
-    return !settings().CartPartTable[1].Location.trimmed().isEmpty();
+bool firstPartHasLocation(const Settings& values) {
+    return !values.CartPartTable[1].Location.trimmed().isEmpty();
 }
 
-void loadAudiowall() {
-    const SettingSource source{AudiowallIniFile()};
-    LoadRows(AudiowallFileRows, source);
-    if (firstPartHasLocation())
-        LoadRows(AudiowallLocatedRows, source);
+void loadAudiowall(Settings& values) {
+    const SettingSource source{AudiowallIniFile(values)};
+    LoadRows(AudiowallFileRows, source, values);
+    if (firstPartHasLocation(values))
+        LoadRows(AudiowallLocatedRows, source, values);
 }
 
-void upgradeAudiowall() {
-    QString& version = settings().AudiowallVersion;
-    if (!firstPartHasLocation() || LeadingNumber(version) >= double{currentVersion})
+void upgradeAudiowall(Settings& values) {
+    QString& version = values.AudiowallVersion;
+    if (!firstPartHasLocation(values) || LeadingNumber(version) >= double{currentVersion})
         return;
-    BackupCartLists(false);
+    BackupCartLists(values, false);
     version = QString::fromUtf16(currentVersionText);
     platform::WriteProfileText(QStringLiteral("Audiowall"), QStringLiteral("Version"), version,
-                               AudiowallIniFile());
+                               AudiowallIniFile(values));
 }
 
 } // namespace
 
-QString AudiowallIniFile() {
-    return settings().CartPartTable[1].Location + QStringLiteral("\\Audwall.ini");
+QString AudiowallIniFile(const Settings& settings) {
+    return settings.CartPartTable[1].Location + QStringLiteral("\\Audwall.ini");
 }
 
-void ReadAudioSettings(const QString& iniPath, const QString& registryRoot) {
+void ReadAudioSettings(CartStore& carts, const QString& iniPath, const QString& registryRoot) {
     const SettingSource source{iniPath, registryRoot};
-    InitCartState();
-    loadPlayers(source);
-    loadAudio(source);
-    ColourEmptyCartListRecord();
-    settings().AudioEditor = SearchSampleEditor({});
-    LoadRows(LocationRows, source);
-    loadAudiowall();
+    Settings& values = carts.settings;
+    InitCartState(carts);
+    loadPlayers(values, source);
+    loadAudio(values, source);
+    ColourEmptyCartListRecord(carts);
+    values.AudioEditor = SearchSampleEditor({});
+    LoadRows(LocationRows, source, values);
+    loadAudiowall(values);
 }
 
-void ReadAudiowallSettings(const QString& iniPath, const QString& registryRoot) {
+void ReadAudiowallSettings(CartStore& carts, const QString& iniPath, const QString& registryRoot) {
     const SettingSource source{iniPath, registryRoot};
-    InitCartState();
+    Settings& values = carts.settings;
+    InitCartState(carts);
     for (const SettingRows rows : {AudioRows, CartDisplayRows, LocationRows})
-        LoadRows(rows, source);
-    ColourEmptyCartListRecord();
-    loadAudiowall();
+        LoadRows(rows, source, values);
+    ColourEmptyCartListRecord(carts);
+    loadAudiowall(values);
 }
 
-void LoadAudioSettings(const QString& iniPath, const QString& registryRoot) {
-    CheckFileCache(registryRoot, false);
-    ReadAudioSettings(iniPath, registryRoot);
-    upgradeAudiowall();
+void LoadAudioSettings(CartStore& carts, const QString& iniPath, const QString& registryRoot) {
+    CheckFileCache(carts.settings, registryRoot, false);
+    ReadAudioSettings(carts, iniPath, registryRoot);
+    upgradeAudiowall(carts.settings);
 }
 
 } // namespace tolvex

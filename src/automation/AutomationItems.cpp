@@ -180,7 +180,7 @@ QVariant MemberValue(const AutomationItem& item, const KOVADatabaseSettings& rec
 }
 
 QVariant DefaultValue(const AutomationItem& item, const ItemDefault& fallback,
-                      const KOVADatabaseSettings& record) {
+                      const KOVADatabaseSettings& record, const QString& dataLocation) {
     if (const auto* text = std::get_if<const char*>(&fallback))
         return QString(QLatin1String(*text));
     if (const auto* number = std::get_if<qint32>(&fallback))
@@ -189,7 +189,7 @@ QVariant DefaultValue(const AutomationItem& item, const ItemDefault& fallback,
         return *flag;
     switch (std::get<DefaultRule>(fallback)) {
     case DefaultRule::LogsFolder:
-        return settings().DataLocation + QStringLiteral("\\LOGS");
+        return dataLocation + QStringLiteral("\\LOGS");
     case DefaultRule::InMemory:
         return MemberValue(item, record);
     case DefaultRule::NotWritten:

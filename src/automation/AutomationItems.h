@@ -57,7 +57,7 @@ std::span<const char* const> AutomationWriteOrder();
 
 // A default as a value of the store.
 QVariant DefaultValue(const AutomationItem& item, const ItemDefault& fallback,
-                      const KOVADatabaseSettings& record);
+                      const KOVADatabaseSettings& record, const QString& dataLocation);
 
 // A member as a value of the store: a date is a text.
 QVariant MemberValue(const AutomationItem& item, const KOVADatabaseSettings& record);

@@ -131,8 +131,4 @@ struct KOVADatabaseSettings {
     qint32 HOURS_Colour = 0;
 };
 
-// The settings of the database that was loaded last, held for the whole run.
-KOVADatabaseSettings& kovaDatabaseSettings();
-void ResetKOVADatabaseSettings();
-
 } // namespace tolvex

@@ -53,9 +53,10 @@ std::unique_ptr<SuiteRecordset> openSettings(SuiteDatabase& database, int* error
     }
 }
 
-QVariant readItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record) {
-    QVariant value =
-        GetDatabaseSetting(&rows, QLatin1String(item.readName), DefaultValue(item, item.readDefault, record));
+QVariant readItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record,
+                  const QString& dataLocation) {
+    QVariant value = GetDatabaseSetting(&rows, QLatin1String(item.readName),
+                                        DefaultValue(item, item.readDefault, record, dataLocation));
     for (const auto& other : voiceTracker)
         if (is(item, other.item) && LeadingNumber(value.toString()) == 0)
             value = platform::ProfileInteger(QStringLiteral("Settings"), QLatin1String(other.key),
@@ -69,12 +70,12 @@ void adoptOldAddress(KOVADatabaseSettings& record) {
     record.KOVA_SCComputerPort = 0;
 }
 
-bool readItems(SuiteRecordset& rows, KOVADatabaseSettings& record) {
+bool readItems(SuiteRecordset& rows, KOVADatabaseSettings& record, const QString& dataLocation) {
     bool oldAddress = false;
     for (const AutomationItem& item : AutomationItems()) {
         if (oldAddress && (is(item, Address) || is(item, Port)))
             continue;
-        if (!TakeMember(item, readItem(rows, item, record), record))
+        if (!TakeMember(item, readItem(rows, item, record, dataLocation), record))
             return false;
         if (is(item, OldAddress) && !record.KOVA_ZQSServerAddress.isEmpty()) {
             oldAddress = true;
@@ -88,7 +89,8 @@ bool isConfigured(SuiteRecordset& rows) {
     return LeadingNumber(GetDatabaseSetting(&rows, BeenSet, 0).toString()) != 0;
 }
 
-int writeItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record) {
+int writeItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record,
+              const QString& dataLocation) {
     if (!item.isWritten())
         return 0;
     const QString name = QLatin1String(item.name);
@@ -98,14 +100,14 @@ int writeItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADataba
                    ? 0
                    : PutDatabaseSetting(&rows, name, QString(), QString());
     return PutDatabaseSetting(&rows, name, MemberValue(item, record),
-                              DefaultValue(item, item.writeDefault, record));
+                              DefaultValue(item, item.writeDefault, record, dataLocation));
 }
 
-int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record) {
+int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record, const QString& dataLocation) {
     for (const char* group : AutomationWriteOrder())
         for (const AutomationItem& item : AutomationItems())
             if (QLatin1String(item.name).startsWith(QLatin1String(group)))
-                if (const int error = writeItem(rows, item, record))
+                if (const int error = writeItem(rows, item, record, dataLocation))
                     return error;
     return 0;
 }
@@ -137,28 +139,21 @@ int markConfigured(const QString& path) {
 
 } // namespace
 
-KOVADatabaseSettings& kovaDatabaseSettings() {
-    static KOVADatabaseSettings record;
-    return record;
-}
-
-void ResetKOVADatabaseSettings() {
-    kovaDatabaseSettings() = KOVADatabaseSettings();
-}
-
-qint32 LoadKOVASettings(SuiteDatabase& database, const std::function<void()>& showDialogIfNew) {
+qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, const QString& dataLocation,
+                        const std::function<void()>& showDialogIfNew) {
     int error = 0;
     const auto rows = openSettings(database, &error);
     if (!rows)
         return error;
-    if (!readItems(*rows, kovaDatabaseSettings()))
+    if (!readItems(*rows, record, dataLocation))
         return OverflowError;
     if (showDialogIfNew && !isConfigured(*rows))
         showDialogIfNew();
     return isConfigured(*rows) ? 0 : NotConfigured;
 }
 
-qint16 SaveKOVASettings(SuiteDatabase& database) {
+qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
+                        const QString& dataLocation) {
     int error = 0;
     const auto rows = openSettings(database, &error);
     if (!rows)
@@ -171,7 +166,7 @@ qint16 SaveKOVASettings(SuiteDatabase& database) {
     const HeldReports reports;
     try {
         database.begin();
-        error = writeItems(*rows, kovaDatabaseSettings());
+        error = writeItems(*rows, record, dataLocation);
         if (error == 0)
             database.commit();
         else
@@ -182,11 +177,10 @@ qint16 SaveKOVASettings(SuiteDatabase& database) {
     return static_cast<qint16>(error);
 }
 
-qint32 CreateDefaultKOVADatabase(bool setAsDefault) {
+qint32 CreateDefaultKOVADatabase(Settings& values, bool setAsDefault) {
     const QString section = QStringLiteral("KOVA");
     const QString key = QStringLiteral("DefaultDatabase");
     const QString fileName = QStringLiteral("KOVA26.MDB");
-    Settings& values = settings();
     const QString folder = values.DataLocation + QStringLiteral("\\SCHEDULE\\");
     const QString path = folder + fileName;
     QString first;

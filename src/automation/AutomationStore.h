@@ -8,21 +8,24 @@
 namespace tolvex {
 
 class SuiteDatabase;
+struct Settings;
 
-// Reads all items of an open automation database into kovaDatabaseSettings(). `showDialogIfNew`, if given,
+// Reads all items of an open automation database into a record. `showDialogIfNew`, if given,
 // is called for a database that was never configured, to have the user do so. Result: 0; -1 when the database
 // is still not configured; or an error number: those of the table are reported, an item that holds a number
 // too large ends the reading with 6 and leaves the members behind it unchanged.
-qint32 LoadKOVASettings(SuiteDatabase& database, const std::function<void()>& showDialogIfNew = {});
+qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, const QString& dataLocation,
+                        const std::function<void()>& showDialogIfNew = {});
 
-// Writes kovaDatabaseSettings(), all items or, when one cannot be written, none. Result: 0 or, reported, the
+// Writes a record, all items or, when one cannot be written, none. Result: 0 or, reported, the
 // error number.
-qint16 SaveKOVASettings(SuiteDatabase& database);
+qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
+                        const QString& dataLocation);
 
 // Makes the automation database KOVA26.MDB of the data location, unless the workstation names a default one,
 // even a missing one, or the folder for them holds one of the kind, which is left alone. The file appears
 // whole, marked as configured, or not at all. `setAsDefault` names it in the local ini file then. Result: -1
 // (true) when it made a database, else 0.
-qint32 CreateDefaultKOVADatabase(bool setAsDefault);
+qint32 CreateDefaultKOVADatabase(Settings& settings, bool setAsDefault);
 
 } // namespace tolvex

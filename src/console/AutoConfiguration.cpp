@@ -5,7 +5,6 @@
 #include "audio/Hotlist.h"
 #include "automation/AutomationStore.h"
 #include "console/Installation.h"
-#include "console/LoadSettings.h"
 #include "console/SearchDrives.h"
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
@@ -17,6 +16,8 @@
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/LoadSettings.h"
+#include "station/Workstation.h"
 
 namespace tolvex {
 
@@ -52,35 +53,35 @@ CartPaths everywhere(const QString& location) {
     return paths;
 }
 
-void setLocations(const QString& data, const CartPaths& carts) {
-    settings().DataLocation = TidyLocation(data);
+void setLocations(Settings& settings, const QString& data, const CartPaths& carts) {
+    settings.DataLocation = TidyLocation(data);
     for (int part = 1; part <= CartPartCount; ++part) {
-        settings().CartPartTable[part].Location = TidyLocation(carts[part]);
-        settings().CartPartTable[part].State = NotChecked;
+        settings.CartPartTable[part].Location = TidyLocation(carts[part]);
+        settings.CartPartTable[part].State = NotChecked;
     }
 }
 
 // Configures for these locations. Where that does not begin the workstation keeps the ones it had.
-InstallOutcome installIn(const QString& data, const CartPaths& carts) {
+InstallOutcome installIn(Workstation& station, const QString& data, const CartPaths& carts) {
     CreateDataDirectories(data);
-    const QString dataBefore = settings().DataLocation;
+    const QString dataBefore = station.settings.DataLocation;
     CartPaths cartsBefore;
     for (int part = 1; part <= CartPartCount; ++part)
-        cartsBefore[part] = settings().CartPartTable[part].Location;
+        cartsBefore[part] = station.settings.CartPartTable[part].Location;
     // A wall that was found alone keeps the data where they are.
-    setLocations(data.isEmpty() ? dataBefore : data, carts);
-    if (AutoInstall())
+    setLocations(station.settings, data.isEmpty() ? dataBefore : data, carts);
+    if (AutoInstall(station))
         return InstallOutcome::Configured;
-    setLocations(dataBefore, cartsBefore);
+    setLocations(station.settings, dataBefore, cartsBefore);
     return InstallOutcome::Failed;
 }
 
 // Saves the local ini file; false, reported, when it could not be written.
-bool save() {
-    const int error = SaveLocalSettings(settings().LocalIniFile);
+bool save(Workstation& station) {
+    const int error = SaveLocalSettings(station.settings, station.settings.LocalIniFile);
     if (error != platform::ProfileOk)
         ProblemReport(
-            QStringLiteral("saving the settings of this workstation in ") + settings().LocalIniFile +
+            QStringLiteral("saving the settings of this workstation in ") + station.settings.LocalIniFile +
             QStringLiteral(" (system error %1). Please see that the disk has room and that the file "
                            "may be written.")
                 .arg(error));
@@ -89,37 +90,36 @@ bool save() {
 
 // What was saved is loaded with everything else; where it could not be, loading would bring the old locations
 // back.
-void load(bool saved) {
+void load(Workstation& station, bool saved) {
     if (saved)
-        LoadAllSettings();
+        LoadAllSettings(station);
     else
-        LoadSystemSettings();
+        LoadSystemSettings(station);
 }
 
-void createFiles(bool saved) {
-    Settings& values = settings();
+void createFiles(Workstation& station, bool saved) {
+    Settings& values = station.settings;
     values.AutoConfigInProgress = -1;
-    load(saved);
-    OpenCartParts(0, false);
+    load(station, saved);
+    OpenCartParts(station.carts, 0, false);
     values.LastOneWas = 0;
-    OpenHotlist(values.CartPartTable[1].Location);
+    OpenHotlist(station.carts, values.CartPartTable[1].Location);
 }
 
 // The number of this workstation in the station's list, with its name on it. A list that cannot be read says
 // nothing about the number it has.
-void chooseWorkstation() {
-    qint32& id = settings().LinkMeshId;
-    OpenTerminalList();
-    if (TerminalListIsOpen() || id < 1) {
+void chooseWorkstation(Workstation& station) {
+    qint32& id = station.settings.LinkMeshId;
+    OpenTerminalList(station.terminals);
+    if (TerminalListIsOpen(station.terminals) || id < 1) {
         const QString name = platform::ComputerName();
-        id = TerminalForComputer(name);
-        ClaimTerminal(id, name);
+        id = TerminalForComputer(station.terminals, name);
+        ClaimTerminal(station.terminals, id, name);
     }
-    CloseTerminalList();
+    CloseTerminalList(station.terminals);
 }
 
-void chooseAudioEditor() {
-    Settings& values = settings();
+void chooseAudioEditor(Settings& values) {
     values.AudioEditor = FindAudioEditor(values.AudioEditor);
     if (FileLength(values.AudioEditor) > 0)
         return;
@@ -138,8 +138,7 @@ void chooseAudioEditor() {
         values.AudioEditor = *chosen;
 }
 
-void setDefaults() {
-    Settings& values = settings();
+void setDefaults(Settings& values) {
     const QList<JumpCartButton> buttons = {
         {1, QStringLiteral("Jingles")}, {1001, QStringLiteral("Adverts")}, {3001, QStringLiteral("Music")}};
     values.NumberCartJumpButtons = qint16(buttons.size());
@@ -150,9 +149,9 @@ void setDefaults() {
 }
 
 // What could not be made is named first: the closing message ends every run, as it always did.
-void tellTheEnd() {
+void tellTheEnd(Workstation& station) {
     QStringList missing;
-    for (const InstalledItem& item : MissingItems())
+    for (const InstalledItem& item : MissingItems(station))
         missing += item.what + QStringLiteral(": ") + item.path;
     if (!missing.isEmpty())
         ShowExclamation(QStringLiteral("This could not be made:\n\n") + missing.join(u'\n') +
@@ -165,8 +164,8 @@ void tellTheEnd() {
 
 } // namespace
 
-bool AutoInstall() {
-    Settings& values = settings();
+bool AutoInstall(Workstation& station) {
+    Settings& values = station.settings;
     platform::Prompts& prompts = platform::prompts();
     prompts.setPointer(Pointer::Wait);
     splash("Automatic Configuration..");
@@ -177,43 +176,43 @@ bool AutoInstall() {
     }
     values.EmptyCartBackColor = ButtonFace;
     values.EmptyCartForeColor = ButtonText;
-    const bool saved = save();
+    const bool saved = save(station);
     // Without a data location its files would go to the root of some drive.
     const bool hasData = !values.DataLocation.trimmed().isEmpty();
     splash("Checking/Creating Databases..");
     if (hasData)
-        CreateDefaultKOVADatabase(true);
+        CreateDefaultKOVADatabase(values, true);
     splash("Checking/Creating Files..");
-    createFiles(saved);
+    createFiles(station, saved);
     if (hasData) {
-        chooseWorkstation();
-        OpenUsersDatabase(UsersDatabaseFile());
+        chooseWorkstation(station);
+        OpenUsersDatabase(station.users, UsersDatabaseFile(values));
     }
     values.AutoConfigInProgress = 0;
     prompts.setPointer(Pointer::Default);
     splash("Audio Setup..");
-    chooseAudioEditor();
-    setDefaults();
+    chooseAudioEditor(values);
+    setDefaults(values);
     splash("Finishing Configuration..");
     prompts.setPointer(Pointer::Wait);
-    save();
+    save(station);
     prompts.setPointer(Pointer::Default);
     prompts.hideSplash();
-    tellTheEnd();
+    tellTheEnd(station);
     return true;
 }
 
-InstallOutcome ConfigureForNetwork() {
+InstallOutcome ConfigureForNetwork(Workstation& station) {
     const QString data = QStringLiteral("M:");
     const QString audio = QStringLiteral("U:");
     if (ask(QStringLiteral("Tolvex will be configured to look in the following directories:\n\n"
                            "Data Location    : M:\\\nAudio Location   : U:\\"),
             Buttons::YesNo, {}, QStringLiteral("Tolvex Automatic Network Configuration")) != Answer::Yes)
         return InstallOutcome::Declined;
-    return installIn(data, everywhere(audio));
+    return installIn(station, data, everywhere(audio));
 }
 
-InstallOutcome ConfigureLocally() {
+InstallOutcome ConfigureLocally(Workstation& station) {
     QString base = platform::ProfileText(QStringLiteral("Tolvex"), QStringLiteral("InstallPath"), {},
                                          QStringLiteral("Win.ini"));
     if (base.isEmpty())
@@ -225,18 +224,18 @@ InstallOutcome ConfigureLocally() {
                 .arg(data, audio),
             Buttons::YesNo) != Answer::Yes)
         return InstallOutcome::Declined;
-    return installIn(data, everywhere(audio));
+    return installIn(station, data, everywhere(audio));
 }
 
-bool DefaultNetworkInstall() {
-    return ConfigureForNetwork() == InstallOutcome::Configured;
+bool DefaultNetworkInstall(Workstation& station) {
+    return ConfigureForNetwork(station) == InstallOutcome::Configured;
 }
 
-bool DefaultLocalInstall() {
-    return ConfigureLocally() == InstallOutcome::Configured;
+bool DefaultLocalInstall(Workstation& station) {
+    return ConfigureLocally(station) == InstallOutcome::Configured;
 }
 
-InstallOutcome ConfigureFromSearch(bool networkOnly) {
+InstallOutcome ConfigureFromSearch(Workstation& station, bool networkOnly) {
     const ExistingSetup setup = SearchDrives(networkOnly);
     if (setup.stopped)
         return InstallOutcome::Stopped;
@@ -246,11 +245,11 @@ InstallOutcome ConfigureFromSearch(bool networkOnly) {
     const QString indent = networkOnly ? QStringLiteral("\t") : QString();
     if (ask(AcceptanceQuestion(setup.dataPath, carts, indent), Buttons::YesNo) != Answer::Yes)
         return InstallOutcome::Declined;
-    return installIn(setup.dataPath, carts);
+    return installIn(station, setup.dataPath, carts);
 }
 
-bool LookForSetup() {
-    const InstallOutcome outcome = ConfigureFromSearch(false);
+bool LookForSetup(Workstation& station) {
+    const InstallOutcome outcome = ConfigureFromSearch(station, false);
     if (outcome == InstallOutcome::Stopped)
         return false;
     if (outcome == InstallOutcome::Configured)
@@ -261,32 +260,32 @@ bool LookForSetup() {
             Buttons::YesNoCancel, Answer::No);
     if (network == Answer::Cancel)
         return false;
-    const bool done = network == Answer::Yes ? DefaultNetworkInstall() : DefaultLocalInstall();
+    const bool done = network == Answer::Yes ? DefaultNetworkInstall(station) : DefaultLocalInstall(station);
     return done && askToExit();
 }
 
-bool NetworkSetup() {
+bool NetworkSetup(Workstation& station) {
     const Answer answer =
         ask(QStringLiteral("Do you want Tolvex to automatically search for information on a network?"),
             Buttons::YesNoCancel);
     if (answer == Answer::Cancel)
         return false;
     if (answer == Answer::Yes) {
-        const InstallOutcome outcome = ConfigureFromSearch(true);
+        const InstallOutcome outcome = ConfigureFromSearch(station, true);
         if (outcome == InstallOutcome::Stopped)
             return false;
         if (outcome == InstallOutcome::Configured)
             return askToExit();
     }
-    DefaultNetworkInstall();
+    DefaultNetworkInstall(station);
     return false;
 }
 
-void LocalSetup() {
+void LocalSetup(Workstation& station) {
     if (ask(QStringLiteral("Are you sure you want to allow Tolvex to automatically configure itself to run "
                            "locally?\nThis will overwrite all of your previous settings."),
             Buttons::YesNo, Answer::No) == Answer::Yes)
-        DefaultLocalInstall();
+        DefaultLocalInstall(station);
 }
 
 } // namespace tolvex

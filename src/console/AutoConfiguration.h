@@ -8,31 +8,33 @@
 
 namespace tolvex {
 
+struct Workstation;
+
 // The jobs of the console. Each gives true when the user asked to exit from the program afterwards; the
 // caller ends it. The caller updates its buttons.
-bool LookForSetup(); // mnuLookForSetup, and Yes to the first-run question
-bool NetworkSetup(); // cmdNetworkSetup, mnuNetworkConfig
-void LocalSetup();   // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
+bool LookForSetup(Workstation& station); // mnuLookForSetup, and Yes to the first-run question
+bool NetworkSetup(Workstation& station); // cmdNetworkSetup, mnuNetworkConfig
+void LocalSetup(Workstation& station); // cmdAutoConfig, mnuLocalConfig: DefaultLocalInstall after a question
 
 // How a way to a configured workstation ended. Declined: by the user, or because a search found nothing.
 enum class InstallOutcome { Declined, Stopped, Failed, Configured };
 
 // Searches the drives, showing progress that can be stopped, asks whether to use what was found, and
 // configures from it. A search that was stopped asks nothing and ends the job.
-InstallOutcome ConfigureFromSearch(bool networkOnly);
+InstallOutcome ConfigureFromSearch(Workstation& station, bool networkOnly);
 // Data in M:, carts in U:, after a question.
-InstallOutcome ConfigureForNetwork();
+InstallOutcome ConfigureForNetwork(Workstation& station);
 // Everything below one local folder: [Tolvex] InstallPath of Win.ini, else C:\TOLVEX\. As above.
-InstallOutcome ConfigureLocally();
+InstallOutcome ConfigureLocally(Workstation& station);
 
 // The last two; true when configuration ran and succeeded.
-bool DefaultNetworkInstall();
-bool DefaultLocalInstall();
+bool DefaultNetworkInstall(Workstation& station);
+bool DefaultLocalInstall(Workstation& station);
 
-// Builds everything that is missing in the locations that settings() hold, saves the local ini file, and says
-// so. False when the folder of the first cart part cannot be made: then nothing was saved. Whatever fails
-// later is reported and does not stop the rest; a box before the closing message names what is missing
+// Builds everything that is missing in the locations that the settings hold, saves the local ini file, and
+// says so. False when the folder of the first cart part cannot be made: then nothing was saved. Whatever
+// fails later is reported and does not stop the rest; a box before the closing message names what is missing
 // (console/Installation.h).
-bool AutoInstall();
+bool AutoInstall(Workstation& station);
 
 } // namespace tolvex

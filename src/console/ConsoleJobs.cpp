@@ -93,21 +93,21 @@ int HelpContextOfForm(const QString& form) {
     return 0;
 }
 
-bool CheckHolds(JobCheck check) {
+bool CheckHolds(JobCheck check, const Settings& settings) {
     switch (check) {
     case Check::DataLocationSet:
-        return !settings().DataLocation.isEmpty();
+        return !settings.DataLocation.isEmpty();
     case Check::FirstCartLocationSet:
-        return !settings().CartPartTable[1].Location.isEmpty();
+        return !settings.CartPartTable[1].Location.isEmpty();
     case Check::None:
         break;
     }
     return true;
 }
 
-ConsoleState LookAtConsoleState() {
-    const QString carts = settings().CartPartTable[1].Location;
-    const QString data = settings().DataLocation;
+ConsoleState LookAtConsoleState(const Settings& settings) {
+    const QString carts = settings.CartPartTable[1].Location;
+    const QString data = settings.DataLocation;
     return {!data.isEmpty() && DirectoryExists(data), !carts.isEmpty() && DirectoryExists(carts)};
 }
 

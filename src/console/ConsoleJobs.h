@@ -9,6 +9,8 @@
 
 namespace tolvex {
 
+struct Settings;
+
 enum class ConsoleTab { LocalSettings, GlobalSettings, DatabaseUtilities, AutoConfig };
 
 struct ConsoleTabRow {
@@ -52,14 +54,14 @@ const ConsoleJob* FindConsoleJob(const QString& control);
 int HelpContextOfForm(const QString& form);
 
 // Whether a check holds for the settings as they are.
-bool CheckHolds(JobCheck check);
+bool CheckHolds(JobCheck check, const Settings& settings);
 
 // Whether each kind of button is enabled: asks the file system for the two folders once.
 struct ConsoleState {
     bool dataLocationExists = false;
     bool firstCartLocationExists = false;
 };
-ConsoleState LookAtConsoleState();
+ConsoleState LookAtConsoleState(const Settings& settings);
 bool IsEnabled(JobEnabling enabling, const ConsoleState& state);
 
 } // namespace tolvex

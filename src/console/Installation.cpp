@@ -8,20 +8,20 @@
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/Workstation.h"
 
 namespace tolvex {
 
 namespace {
 
-QString placeOf(const char* key) {
+QString placeOf(const Settings& settings, const char* key) {
     return platform::ProfileText(QStringLiteral("FileLocations"), QLatin1String(key), {},
-                                 settings().LocalIniFile);
+                                 settings.LocalIniFile);
 }
 
-InstalledItem localIni() {
-    const Settings& values = settings();
-    const bool saved = !values.DataLocation.isEmpty() && placeOf("Data") == values.DataLocation &&
-                       placeOf("Carts1") == values.CartPartTable[1].Location;
+InstalledItem localIni(const Settings& values) {
+    const bool saved = !values.DataLocation.isEmpty() && placeOf(values, "Data") == values.DataLocation &&
+                       placeOf(values, "Carts1") == values.CartPartTable[1].Location;
     return {QStringLiteral("Settings of this workstation"), values.LocalIniFile, saved};
 }
 
@@ -31,11 +31,11 @@ InstalledItem file(const QString& what, const QString& path, qint64 length = 1) 
 
 // The default database that configuration makes, or the one of its kind that it found. Where a default is
 // named, none is made: one that is not there is not missing from the configuration.
-QList<InstalledItem> automationDatabase() {
+QList<InstalledItem> automationDatabase(const Settings& settings) {
     const QString ours = QStringLiteral("KOVA26.MDB");
-    const QString folder = settings().DataLocation + QStringLiteral("\\SCHEDULE\\");
+    const QString folder = settings.DataLocation + QStringLiteral("\\SCHEDULE\\");
     QString name = platform::ProfileText(QStringLiteral("KOVA"), QStringLiteral("DefaultDatabase"), {},
-                                         settings().LocalIniFile);
+                                         settings.LocalIniFile);
     const bool named = !name.isEmpty();
     if (!named)
         FindDatabaseOfType(folder, KOVAType, &name, 1);
@@ -46,10 +46,10 @@ QList<InstalledItem> automationDatabase() {
 
 } // namespace
 
-QList<InstalledItem> LookAtInstallation() {
-    const Settings& values = settings();
+QList<InstalledItem> LookAtInstallation(Workstation& station) {
+    const Settings& values = station.settings;
     const QString data = values.DataLocation;
-    QList<InstalledItem> items = {localIni()};
+    QList<InstalledItem> items = {localIni(values)};
     if (data.trimmed().isEmpty()) {
         items += {QStringLiteral("Data location"), QStringLiteral("not set"), false};
     } else {
@@ -57,22 +57,22 @@ QList<InstalledItem> LookAtInstallation() {
             const QString path = data + u'\\' + QLatin1String(folder);
             items += {QStringLiteral("Folder"), path, DirectoryExists(path)};
         }
-        items += automationDatabase();
-        items += file(QStringLiteral("Users database"), UsersDatabaseFile());
-        items += file(QStringLiteral("Terminal list"), TerminalListPath(),
+        items += automationDatabase(values);
+        items += file(QStringLiteral("Users database"), UsersDatabaseFile(values));
+        items += file(QStringLiteral("Terminal list"), TerminalListPath(station.terminals),
                       qint64{TerminalRecordLength} * values.NumberTerminals);
     }
     for (int part = 1; part <= PartOfCart(values.NoCarts); ++part)
         items += file(QStringLiteral("Cart list"),
                       values.CartPartTable[part].Location + QStringLiteral("\\Carts%1.lst").arg(part),
-                      CartListRecordLength * CartListRecords(part));
+                      CartListRecordLength * CartListRecords(station.carts, part));
     items += file(QStringLiteral("Hotlist"), values.CartPartTable[1].Location + QStringLiteral("\\GLIC.Lst"),
                   qint64{HotlistRecordLength} * HotlistRecordCount);
     return items;
 }
 
-QList<InstalledItem> MissingItems() {
-    QList<InstalledItem> items = LookAtInstallation();
+QList<InstalledItem> MissingItems(Workstation& station) {
+    QList<InstalledItem> items = LookAtInstallation(station);
     items.removeIf([](const InstalledItem& item) { return item.present; });
     return items;
 }

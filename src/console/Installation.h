@@ -6,17 +6,19 @@
 
 namespace tolvex {
 
+struct Workstation;
+
 struct InstalledItem {
     QString what; // "Hotlist"
     QString path;
     bool present = false; // complete, as far as its length tells
 };
 
-// Of the locations that settings() hold. Cost: a few file lengths and two reads of the local ini file; where
-// no default automation database is set, each database of its folder is opened.
-QList<InstalledItem> LookAtInstallation();
+// Of the locations that the settings hold. Cost: a few file lengths and two reads of the local ini file;
+// where no default automation database is set, each database of its folder is opened.
+QList<InstalledItem> LookAtInstallation(Workstation& station);
 
 // Those that are not present.
-QList<InstalledItem> MissingItems();
+QList<InstalledItem> MissingItems(Workstation& station);
 
 } // namespace tolvex

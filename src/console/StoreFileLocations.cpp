@@ -29,19 +29,19 @@ bool makeFolder(const QString& location) {
     return mayBeMade(location) && CreatePath(location, false);
 }
 
-void setState(const QString& location, CartPartState state) {
-    for (CartPart& part : settings().CartPartTable)
+void setState(Settings& settings, const QString& location, CartPartState state) {
+    for (CartPart& part : settings.CartPartTable)
         if (part.Location == location)
             part.State = state;
 }
 
 } // namespace
 
-int StoreFileLocations(const QString& data, const QStringList& carts, const QString& iniFile,
-                       const QString& registryKey) {
+int StoreFileLocations(Settings& settings, const QString& data, const QStringList& carts,
+                       const QString& iniFile, const QString& registryKey) {
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
     const QString dataLocation = TidyLocation(data);
-    auto& table = settings().CartPartTable;
+    auto& table = settings.CartPartTable;
     for (int n = 1; n <= CartPartCount; ++n) {
         table[n].Location = TidyLocation(carts.value(n - 1));
         table[n].State = NotChecked;
@@ -54,7 +54,7 @@ int StoreFileLocations(const QString& data, const QStringList& carts, const QStr
         if (part.State == NotChecked) {
             const bool there =
                 !part.Location.isEmpty() && (DirectoryExists(part.Location) || makeFolder(part.Location));
-            setState(part.Location, there ? Available : Unavailable);
+            setState(settings, part.Location, there ? Available : Unavailable);
         }
         batch.put(section, QStringLiteral("Carts%1").arg(n), part.Location);
         if (!registryKey.isEmpty())
@@ -62,7 +62,7 @@ int StoreFileLocations(const QString& data, const QStringList& carts, const QStr
                                 QStringLiteral("CartLocation%1").arg(n), part.Location, QString());
     }
 
-    settings().DataLocation = dataLocation;
+    settings.DataLocation = dataLocation;
     batch.put(section, QStringLiteral("Data"), dataLocation);
     batch.put(section, QStringLiteral("Schedules"), dataLocation + QStringLiteral("\\SCHEDULE"));
     batch.put(section, QStringLiteral("Logs"), dataLocation + QStringLiteral("\\LOGS"));
@@ -73,7 +73,7 @@ int StoreFileLocations(const QString& data, const QStringList& carts, const QStr
 
     if (mayBeMade(dataLocation))
         CreateDataDirectories(dataLocation);
-    settings().NoCarts =
+    settings.NoCarts =
         platform::ProfileInteger(QStringLiteral("Audiowall"), QStringLiteral("NoCarts"), DefaultNumberOfCarts,
                                  table[1].Location + QStringLiteral("\\Audwall.ini"));
     return error;

@@ -1,8 +1,8 @@
 #include "console/WorkstationGlance.h"
 
 #include "audio/WaveSearch.h"
-#include "console/CheckConfiguration.h"
-#include "core/settings/Settings.h"
+#include "station/CheckConfiguration.h"
+#include "station/Workstation.h"
 
 namespace tolvex {
 
@@ -29,10 +29,10 @@ QString orNotSet(const QString& text) {
 
 } // namespace
 
-WorkstationGlance LookAtWorkstation() {
-    const Settings& s = settings();
+WorkstationGlance LookAtWorkstation(Workstation& station) {
+    const Settings& s = station.settings;
     WorkstationGlance glance;
-    const QStringList lines = CheckConfiguration().split(u'\n', Qt::SkipEmptyParts);
+    const QStringList lines = CheckConfiguration(station).split(u'\n', Qt::SkipEmptyParts);
     for (const QString& line : lines)
         for (const Row& row : rows)
             if (line.contains(QLatin1String(row.finding)))

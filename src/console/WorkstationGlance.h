@@ -8,6 +8,8 @@
 
 namespace tolvex {
 
+struct Workstation;
+
 struct WorkstationGlance {
     struct Fact {
         QString name;
@@ -24,6 +26,6 @@ struct WorkstationGlance {
 };
 
 // From the settings as they are; runs CheckConfiguration, so it asks the file system for each location once.
-WorkstationGlance LookAtWorkstation();
+WorkstationGlance LookAtWorkstation(Workstation& station);
 
 } // namespace tolvex

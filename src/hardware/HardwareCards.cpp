@@ -4,8 +4,6 @@ namespace tolvex {
 
 namespace {
 
-HardwareCardTable table;
-
 constexpr char baseAddress[] = "Base Address (Hex)";
 constexpr char notUsed[] = "Not Used";
 
@@ -30,14 +28,6 @@ bool HardwareLine::isStoredAs(const HardwareLine& other) const {
 
 bool IsQuoted(const QString& text) {
     return text.size() > 1 && (text.front() == u'"' || text.front() == u'\'') && text.front() == text.back();
-}
-
-HardwareCardTable& HardwareCards() {
-    return table;
-}
-
-void ResetHardwareCards() {
-    table = {};
 }
 
 std::span<const CardTypeRow> CardTypes() {

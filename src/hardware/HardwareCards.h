@@ -46,15 +46,11 @@ struct HardwareCard {
     bool Answered = true; // false: its driver failed, and the counts may not be the card's own
 };
 
+// Empty until ReadHardwareSettings fills it.
 using HardwareCardTable = NumberedTable<HardwareCard, HardwareCardCount>;
 
 // A text in a pair of quotes, which it loses when it is read from an ini file.
 bool IsQuoted(const QString& text);
-
-// The one table. Empty until ReadHardwareSettings fills it.
-HardwareCardTable& HardwareCards();
-// Puts it back to its start values, for every test.
-void ResetHardwareCards();
 
 enum HardwareCardType : qint32 {
     CardDisabled = 0,

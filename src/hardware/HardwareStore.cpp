@@ -145,29 +145,29 @@ void putCard(platform::ProfileBatch& batch, int number, HardwareCard& card, Driv
 
 } // namespace
 
-void ReadHardwareSettings(const QString& iniPath, DriverReports& reports) {
+void ReadHardwareSettings(HardwareCardTable& cards, const QString& iniPath, DriverReports& reports) {
     for (int card = 1; card <= HardwareCardCount; ++card)
-        CardReader(card, iniPath).read(HardwareCards()[card], reports);
+        CardReader(card, iniPath).read(cards[card], reports);
 }
 
-void ReadHardwareSettings(const QString& iniPath) {
+void ReadHardwareSettings(HardwareCardTable& cards, const QString& iniPath) {
     DriverReports reports;
-    ReadHardwareSettings(iniPath, reports);
+    ReadHardwareSettings(cards, iniPath, reports);
 }
 
-int WriteHardwareSettings(const QString& iniPath, DriverReports& reports) {
+int WriteHardwareSettings(HardwareCardTable& cards, const QString& iniPath, DriverReports& reports) {
     platform::prompts().setPointer(platform::Pointer::Wait);
     platform::ProfileBatch batch(iniPath);
     for (int card = 1; card <= HardwareCardCount; ++card)
-        putCard(batch, card, HardwareCards()[card], reports);
+        putCard(batch, card, cards[card], reports);
     const int error = batch.commit();
     platform::prompts().setPointer(platform::Pointer::Default);
     return error;
 }
 
-int WriteHardwareSettings(const QString& iniPath) {
+int WriteHardwareSettings(HardwareCardTable& cards, const QString& iniPath) {
     DriverReports reports;
-    return WriteHardwareSettings(iniPath, reports);
+    return WriteHardwareSettings(cards, iniPath, reports);
 }
 
 } // namespace tolvex

@@ -50,12 +50,12 @@ DayTime AddHundredths(const DayTime& time, double seconds) {
     return {static_cast<qint32>(day), static_cast<float>(static_cast<double>(rest) / 100)};
 }
 
-bool SetOutputLine(qint32 lineNumber, OutputLineState state) {
+bool SetOutputLine(HardwareCardTable& cards, qint32 lineNumber, OutputLineState state) {
     if (lineNumber < 1 || lineNumber > HardwareCardCount * LinesPerCard)
         return false;
     const int number = (lineNumber - 1) / LinesPerCard + 1;
     const int line = (lineNumber - 1) % LinesPerCard + 1;
-    HardwareCard& card = HardwareCards()[number];
+    HardwareCard& card = cards[number];
     if (card.CardType == CardDisabled)
         return true;
     busy = -1;
@@ -65,18 +65,18 @@ bool SetOutputLine(qint32 lineNumber, OutputLineState state) {
     return true;
 }
 
-void SetLinesForAction(qint32 action, OutputLineState state, qint32 data1, qint32 data2, qint32 data3,
-                       qint32 data4, bool outputsOnly) {
+void SetLinesForAction(HardwareCardTable& cards, qint32 action, OutputLineState state, qint32 data1,
+                       qint32 data2, qint32 data3, qint32 data4, bool outputsOnly) {
     const std::array<qint32, 4> wanted = {data1, data2, data3, data4};
     for (int number = 1; number <= HardwareCardCount; ++number) {
-        const HardwareCard& card = HardwareCards()[number];
+        const HardwareCard& card = cards[number];
         if (card.CardType == CardDisabled)
             continue;
         for (int n = 1; n <= LinesPerCard; ++n) {
             const HardwareLine& line = card.Lines[n];
             if (line.Action == action && (line.isOutput() || !outputsOnly) &&
                 std::equal(wanted.begin(), wanted.end(), line.ActionData.begin(), fits))
-                SetOutputLine((number - 1) * LinesPerCard + n, state);
+                SetOutputLine(cards, (number - 1) * LinesPerCard + n, state);
         }
     }
 }

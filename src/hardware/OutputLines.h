@@ -10,12 +10,12 @@ enum class OutputLineState : qint32 { Off = 0, On = 1, Flash = 2, Pulse = 3 };
 
 // Sets one line, input or output, by its number over all cards, 1 to 300. False when the number is out of
 // range. A disabled card and an unknown state change nothing.
-bool SetOutputLine(qint32 lineNumber, OutputLineState state);
+bool SetOutputLine(HardwareCardTable& cards, qint32 lineNumber, OutputLineState state);
 
 // Sets every line that carries an action with these parameters; AnyData as a parameter fits every value.
 inline constexpr qint32 AnyData = 255;
-void SetLinesForAction(qint32 action, OutputLineState state, qint32 data1, qint32 data2, qint32 data3,
-                       qint32 data4, bool outputsOnly);
+void SetLinesForAction(HardwareCardTable& cards, qint32 action, OutputLineState state, qint32 data1,
+                       qint32 data2, qint32 data3, qint32 data4, bool outputsOnly);
 
 // Called for each change, between the change of the table and the end of HardwareBusy. Null at first.
 extern void (*WriteHardwareOutputs)(int card, int line);

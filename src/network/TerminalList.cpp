@@ -30,11 +30,8 @@ static_assert(layout.coversEachByteOnce());
 constexpr qint32 lastShownDay = 60000;
 constexpr int secondsOfDay = 86400;
 
-std::unique_ptr<RecordFile> list;
-TerminalRecord own = BlankTerminalRecord();
-
-std::unique_ptr<RecordFile> openFile() {
-    return RecordFile::open(TerminalListPath(), TerminalRecordLength, true);
+std::unique_ptr<RecordFile> openFile(const TerminalList& terminals) {
+    return RecordFile::open(TerminalListPath(terminals), TerminalRecordLength, true);
 }
 
 QByteArray blankBytes() {
@@ -43,10 +40,11 @@ QByteArray blankBytes() {
 }
 
 // The record as it is in the file; blank beyond its end. FileError of any other failure.
-int read(int id, TerminalRecord& record) {
+int read(const TerminalList& terminals, int id, TerminalRecord& record) {
     record = BlankTerminalRecord();
     TerminalBytes bytes;
-    const int error = list && id >= 1 ? list->read(id, bytes.data()) : platform::BadFileNumber;
+    const int error =
+        terminals.file && id >= 1 ? terminals.file->read(id, bytes.data()) : platform::BadFileNumber;
     if (error == platform::NoError)
         record = DecodeTerminalRecord(bytes);
     return error == platform::PastEndOfFile ? platform::NoError : error;
@@ -55,14 +53,14 @@ int read(int id, TerminalRecord& record) {
 // Reads a record, changes it and writes it where that made a difference. What cannot be read is not written:
 // it may hold another workstation's name. FileError.
 template<typename Change>
-int change(int id, Change apply) {
+int change(TerminalList& terminals, int id, Change apply) {
     TerminalRecord before;
-    if (const int error = read(id, before); error != platform::NoError)
+    if (const int error = read(terminals, id, before); error != platform::NoError)
         return error;
     TerminalRecord after = before;
     apply(after);
     const bool same = EncodeTerminalRecord(after) == EncodeTerminalRecord(before);
-    return same ? platform::NoError : WriteTerminal(id, after);
+    return same ? platform::NoError : WriteTerminal(terminals, id, after);
 }
 
 // The name of a computer in a record, as comparisons take it. A zero character ends it: what follows is
@@ -117,20 +115,20 @@ TerminalRecord DecodeTerminalRecord(const TerminalBytes& bytes) {
     return record;
 }
 
-QString TerminalListPath() {
-    return settings().DataLocation + QStringLiteral("\\Terminal.Lst");
+QString TerminalListPath(const TerminalList& terminals) {
+    return terminals.settings.DataLocation + QStringLiteral("\\Terminal.Lst");
 }
 
-bool OpenTerminalList() {
-    const int wanted = settings().NumberTerminals;
-    if (settings().LastOneWas == -1 || wanted < 1)
+bool OpenTerminalList(TerminalList& terminals) {
+    const int wanted = terminals.settings.NumberTerminals;
+    if (terminals.settings.LastOneWas == -1 || wanted < 1)
         return false;
-    CloseTerminalList();
-    if (!settings().AutoConfigInProgress && platform::FileSize(TerminalListPath()) < 0) {
+    CloseTerminalList(terminals);
+    if (!terminals.settings.AutoConfigInProgress && platform::FileSize(TerminalListPath(terminals)) < 0) {
         const Answer answer =
             platform::prompts().ask({.text = QStringLiteral("The Terminal List has not been found.\n\n"
                                                             "Do you wish to create it in :\n\n") +
-                                             TerminalListPath(),
+                                             TerminalListPath(terminals),
                                      .icon = Icon::Exclamation,
                                      .buttons = Buttons::YesNoCancel,
                                      .title = QStringLiteral("File System Startup Error")});
@@ -139,68 +137,64 @@ bool OpenTerminalList() {
         if (answer == Answer::No)
             return true;
     }
-    list = openFile();
-    if (!list)
+    terminals.file = openFile(terminals);
+    if (!terminals.file)
         return false;
-    if (const qint64 there = list->count(); there < wanted) {
+    if (const qint64 there = terminals.file->count(); there < wanted) {
         // What cannot be added reads as blank, so a full disk or a file that is read-only here stops nobody.
-        list->append(blankBytes(), wanted - there);
-        list.reset();
-        list = openFile();
+        terminals.file->append(blankBytes(), wanted - there);
+        terminals.file.reset();
+        terminals.file = openFile(terminals);
     }
-    return list != nullptr;
+    return terminals.file != nullptr;
 }
 
-void CloseTerminalList() {
-    list.reset();
+void CloseTerminalList(TerminalList& terminals) {
+    terminals.file.reset();
 }
 
-bool TerminalListIsOpen() {
-    return list != nullptr;
+bool TerminalListIsOpen(const TerminalList& terminals) {
+    return terminals.file != nullptr;
 }
 
-QString TerminalListFault() {
-    const QString path = TerminalListPath();
+QString TerminalListFault(const TerminalList& terminals) {
+    const QString path = TerminalListPath(terminals);
     const qint64 size = platform::FileSize(path);
     if (size < 0)
         return {};
-    return RecordListFault({path, size, TerminalRecordLength, settings().NumberTerminals},
+    return RecordListFault({path, size, TerminalRecordLength, terminals.settings.NumberTerminals},
                            QStringLiteral("number"), QStringLiteral("workstations"));
 }
 
-TerminalRecord ReadTerminal(int id) {
+TerminalRecord ReadTerminal(const TerminalList& terminals, int id) {
     TerminalRecord record;
-    return read(id, record) == platform::NoError ? record : BlankTerminalRecord();
+    return read(terminals, id, record) == platform::NoError ? record : BlankTerminalRecord();
 }
 
-int WriteTerminal(int id, const TerminalRecord& record) {
-    if (!list || id < 1 || id > settings().NumberTerminals)
+int WriteTerminal(TerminalList& terminals, int id, const TerminalRecord& record) {
+    if (!terminals.file || id < 1 || id > terminals.settings.NumberTerminals)
         return platform::BadFileNumber;
-    return list->write(id, EncodeTerminalRecord(record).data());
+    return terminals.file->write(id, EncodeTerminalRecord(record).data());
 }
 
-QList<TerminalRecord> ReadTerminals() {
+QList<TerminalRecord> ReadTerminals(const TerminalList& terminals) {
     QList<TerminalRecord> records;
-    for (int id = 1; id <= settings().NumberTerminals; ++id)
-        records += ReadTerminal(id);
+    for (int id = 1; id <= terminals.settings.NumberTerminals; ++id)
+        records += ReadTerminal(terminals, id);
     return records;
 }
 
-void ReadOwnTerminalRecord() {
-    OpenTerminalList();
-    if (settings().LinkMeshId >= 1)
-        own = ReadTerminal(settings().LinkMeshId);
+void ReadOwnTerminalRecord(TerminalList& terminals) {
+    OpenTerminalList(terminals);
+    if (terminals.settings.LinkMeshId >= 1)
+        terminals.own = ReadTerminal(terminals, terminals.settings.LinkMeshId);
 }
 
-const TerminalRecord& OwnTerminalRecord() {
-    return own;
-}
-
-int TerminalForComputer(const QString& computerName) {
+int TerminalForComputer(const TerminalList& terminals, const QString& computerName) {
     const QString wanted = asStored(computerName);
     int firstFree = 0;
-    for (int id = 1; id <= settings().NumberTerminals; ++id) {
-        const QString name = networkName(ReadTerminal(id));
+    for (int id = 1; id <= terminals.settings.NumberTerminals; ++id) {
+        const QString name = networkName(ReadTerminal(terminals, id));
         if (sameName(name, wanted))
             return id;
         if (firstFree == 0 && name.isEmpty())
@@ -209,18 +203,19 @@ int TerminalForComputer(const QString& computerName) {
     return std::max(firstFree, 1);
 }
 
-int ClaimTerminal(int id, const QString& computerName) {
-    return change(id, [&](TerminalRecord& record) {
+int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName) {
+    return change(terminals, id, [&](TerminalRecord& record) {
         if (networkName(record).isEmpty())
             record.NetworkName = computerName;
     });
 }
 
-int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName) {
+int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
+                   const QString& computerName) {
     const QString ownName = asStored(computerName);
     int error = platform::NoError;
-    for (int id = 1; id <= settings().NumberTerminals && error == platform::NoError; ++id) {
-        error = change(id, [&](TerminalRecord& record) {
+    for (int id = 1; id <= terminals.settings.NumberTerminals && error == platform::NoError; ++id) {
+        error = change(terminals, id, [&](TerminalRecord& record) {
             if (id <= idNames.size())
                 record.IdName = idNames[id - 1].trimmed();
             if (id == chosenId)
@@ -232,23 +227,18 @@ int AssignTerminal(int chosenId, const QStringList& idNames, const QString& comp
     return error;
 }
 
-int RenameTerminal(int id, const QString& name) {
-    return change(id, [&](TerminalRecord& record) { record.IdName = name.trimmed(); });
+int RenameTerminal(TerminalList& terminals, int id, const QString& name) {
+    return change(terminals, id, [&](TerminalRecord& record) { record.IdName = name.trimmed(); });
 }
 
-bool StampOwnTerminalRecord() {
-    if (!list && !OpenTerminalList())
+bool StampOwnTerminalRecord(TerminalList& terminals) {
+    if (!terminals.file && !OpenTerminalList(terminals))
         return false;
-    const int error = change(settings().LinkMeshId, [](TerminalRecord& record) {
+    const int error = change(terminals, terminals.settings.LinkMeshId, [](TerminalRecord& record) {
         record.NetworkName = platform::ComputerName();
         record.setLastUsed(platform::clock().now());
     });
-    return OpenTerminalList() && error == platform::NoError;
-}
-
-void ResetTerminalList() {
-    CloseTerminalList();
-    own = BlankTerminalRecord();
+    return OpenTerminalList(terminals) && error == platform::NoError;
 }
 
 } // namespace tolvex

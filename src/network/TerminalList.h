@@ -1,13 +1,17 @@
 // The Terminal list: Terminal.Lst in the data location, one record of 128 bytes for each workstation number
 // (LinkMesh ID) of the station, shared by all of them (docs/formats/terminal-list.md). The numbers in use are
-// 1 to settings().NumberTerminals. The list stays open between OpenTerminalList and CloseTerminalList.
+// 1 to NumberTerminals of the settings. The list stays open between OpenTerminalList and CloseTerminalList.
 #pragma once
+
+#include "core/settings/Settings.h"
+#include "platform/files/Files.h"
 
 #include <QDateTime>
 #include <QList>
 #include <QStringList>
 
 #include <array>
+#include <memory>
 
 namespace tolvex {
 
@@ -34,57 +38,63 @@ TerminalRecord BlankTerminalRecord();
 TerminalBytes EncodeTerminalRecord(const TerminalRecord& record);
 TerminalRecord DecodeTerminalRecord(const TerminalBytes& bytes);
 
+// The list of a workstation's station while the program runs.
+struct TerminalList {
+    explicit TerminalList(const Settings& workstation)
+        : settings(workstation) {}
+
+    const Settings& settings;                   // they outlive the list
+    std::unique_ptr<platform::RecordFile> file; // null: closed
+    TerminalRecord own = BlankTerminalRecord(); // what ReadOwnTerminalRecord found
+};
+
 // Opens the list, making it (after a question, unless automatic configuration runs) and growing it with blank
 // records to NumberTerminals. True when the caller may go on, which includes No to the question: the list is
 // then not open. False on Cancel, without system settings or workstations, and when the file cannot be
 // opened.
-bool OpenTerminalList();
-void CloseTerminalList();
-bool TerminalListIsOpen();
+bool OpenTerminalList(TerminalList& terminals);
+void CloseTerminalList(TerminalList& terminals);
+bool TerminalListIsOpen(const TerminalList& terminals);
 // What is wrong with the file of the list, a sentence: it is torn inside a record, or short of workstations.
 // Empty when nothing is, and when there is no file.
-QString TerminalListFault();
+QString TerminalListFault(const TerminalList& terminals);
 
 // Full path of the list.
-QString TerminalListPath();
+QString TerminalListPath(const TerminalList& terminals);
 
 // One record. A number beyond the end of the file, or any failure, gives the blank record.
-TerminalRecord ReadTerminal(int id);
+TerminalRecord ReadTerminal(const TerminalList& terminals, int id);
 // FileError number; BadFileNumber while the list is closed, and for a number below 1 or above
 // NumberTerminals.
-int WriteTerminal(int id, const TerminalRecord& record);
+int WriteTerminal(TerminalList& terminals, int id, const TerminalRecord& record);
 
 // The records of numbers 1 to NumberTerminals; entry 0 is number 1.
-QList<TerminalRecord> ReadTerminals();
+QList<TerminalRecord> ReadTerminals(const TerminalList& terminals);
 
-// Opens the list and reads the record of this workstation's number, if that is 1 or more, into the record
-// that OwnTerminalRecord gives.
-void ReadOwnTerminalRecord();
-const TerminalRecord& OwnTerminalRecord();
+// Opens the list and reads the record of this workstation's number, if that is 1 or more.
+void ReadOwnTerminalRecord(TerminalList& terminals);
 
 // The number that the setup form's rule or automatic configuration picks for a computer: the one whose
 // network name is that name, without regard to case; else the first without a network name; else 1. The list
 // is open.
-int TerminalForComputer(const QString& computerName);
+int TerminalForComputer(const TerminalList& terminals, const QString& computerName);
 
 // Puts a computer's name on a number that has none; another computer's name stays. The list is open.
 // FileError number; 0 also when the name was there or another one stays.
-int ClaimTerminal(int id, const QString& computerName);
+int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName);
 
 // Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
 // list is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that
 // name. The list is open. FileError number of the first failure, which ends it; a record that cannot be read
 // is not written.
-int AssignTerminal(int chosenId, const QStringList& idNames, const QString& computerName);
+int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
+                   const QString& computerName);
 
 // Gives a number another name. FileError number.
-int RenameTerminal(int id, const QString& name);
+int RenameTerminal(TerminalList& terminals, int id, const QString& name);
 
 // Puts this computer and the present time on the record of this workstation's number, and opens the list
 // again. False when there is no such number or the record cannot be written.
-bool StampOwnTerminalRecord();
-
-// Closes the list and forgets the own record: the state at start.
-void ResetTerminalList();
+bool StampOwnTerminalRecord(TerminalList& terminals);
 
 } // namespace tolvex

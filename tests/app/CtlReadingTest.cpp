@@ -195,8 +195,10 @@ protected:
 // A command that reads and is not in the table above would not be tried.
 TEST_F(CtlReading, EveryReadingCommandIsTried) {
     ctl::Output output(false, true);
+    Workstation station;
+    Session session(station);
     for (const ctl::Command& command : ctl::AllCommands()) {
-        const ctl::Call call{command, output, {}, {}};
+        const ctl::Call call{command, output, session, station, {}, {}};
         if (command.changes && command.changes(call))
             continue;
         const QStringList words = QString::fromLatin1(command.words).split(' ');

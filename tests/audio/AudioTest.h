@@ -16,33 +16,30 @@ namespace tolvex::tests {
 class AudioTest : public testing::Test {
 protected:
     AudioTest() {
-        CloseHotlist();
-        ResetSettings();
-        ResetCartStore();
-        ForgetCartNotes();
-        settings().NoCarts = 9999;
-        settings().EmptyCartBackColor = 0x00AABBCC;
-        settings().EmptyCartForeColor = 0x00112233;
-        InitCartState();
+        settings.NoCarts = 9999;
+        settings.EmptyCartBackColor = 0x00AABBCC;
+        settings.EmptyCartForeColor = 0x00112233;
+        InitCartState(store);
         machine.addDrive(u'D');
-    }
-    ~AudioTest() override {
-        CloseHotlist();
-        ResetCartStore();
-        ResetSettings();
     }
 
     // One folder for all parts.
     void setLocations(const QString& location) {
         machine.makeFolder(location);
-        for (CartPart& part : settings().CartPartTable)
+        for (CartPart& part : settings.CartPartTable)
             part.Location = location;
     }
-    static CartPart& part(int number) { return settings().CartPartTable[number]; }
+    CartPart& part(int number) { return settings.CartPartTable[number]; }
+
+    QByteArray emptyCarts(int count) const {
+        return QByteArray(store.emptyListRecord.data(), CartListRecordLength).repeated(count);
+    }
 
     TestMachine machine;
     ScriptedPrompts prompts;
     FixedClock clock{QDateTime(QDate(2024, 3, 5), QTime(22, 10))};
+    Settings settings;
+    CartStore store{settings};
 };
 
 // A cart's file form.
@@ -52,10 +49,6 @@ inline QByteArray cartBytes(const QString& line1, float length = 180) {
     record.Length = record.TotalLength = record.PlayEnd = record.PlayLength = length;
     const CartListRecord bytes = EncodeCartRecord(record);
     return QByteArray(bytes.data(), CartListRecordLength);
-}
-
-inline QByteArray emptyCarts(int count) {
-    return QByteArray(EmptyCartListRecord().data(), CartListRecordLength).repeated(count);
 }
 
 } // namespace tolvex::tests

@@ -16,10 +16,10 @@ protected:
     CartFilesTest() { setLocations("D:\\WALL"); }
 
     // The path, with "!" in front where the file is not there, when a change of the folder is seen.
-    static QString notesOf(qint32 cart) {
+    QString notesOf(qint32 cart) {
         platform::SkipAhead(std::chrono::milliseconds(150));
         bool exists = true;
-        const QString path = CartNotesPath(cart, &exists);
+        const QString path = CartNotesPath(store, cart, &exists);
         return exists ? path : u'!' + path;
     }
 };
@@ -53,42 +53,42 @@ TEST_F(CartFilesTest, NotesAreRichTextFirstAndSeenAsTheyComeAndGo) {
 
 TEST_F(CartFilesTest, TheHotlistIsMadeGrownAndNeverCut) {
     prompts.answers = {Answer::Cancel, Answer::No, Answer::Yes};
-    EXPECT_FALSE(OpenHotlist("D:\\WALL"));
-    EXPECT_TRUE(OpenHotlist("D:\\WALL"));
+    EXPECT_FALSE(OpenHotlist(store, "D:\\WALL"));
+    EXPECT_TRUE(OpenHotlist(store, "D:\\WALL"));
     EXPECT_FALSE(machine.exists(hotlist));
-    EXPECT_EQ(HotlistFileNumber(), 0);
-    EXPECT_TRUE(OpenHotlist("D:\\WALL"));
+    EXPECT_EQ(store.hotlist.number, 0);
+    EXPECT_TRUE(OpenHotlist(store, "D:\\WALL"));
     EXPECT_EQ(machine.read(hotlist), blankEntries(40));
-    EXPECT_EQ(HotlistFileNumber(), 1);
+    EXPECT_EQ(store.hotlist.number, 1);
     EXPECT_EQ(prompts.asked[0].text, QString("The Public Instant Cart Hotlist has not been found.\nDo you "
                                              "wish to create it in :\nD:\\WALL\\GLIC.Lst"));
     EXPECT_EQ(prompts.asked[0].title, QString("File System Startup Error"));
     EXPECT_EQ(prompts.asked[0].icon, platform::Icon::Exclamation);
     // The lists take other channels than the hotlist's.
-    EXPECT_EQ(OpenCartParts(1, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 1, true), 0);
     EXPECT_EQ(part(1).FileNumber, 2);
-    CloseHotlist();
-    EXPECT_EQ(HotlistFileNumber(), 0);
+    CloseHotlist(store);
+    EXPECT_EQ(store.hotlist.number, 0);
 
     const QByteArray entry(HotlistRecordLength, 'e');
     machine.write(hotlist, entry.repeated(2) + "rest");
-    EXPECT_TRUE(OpenHotlist("D:\\WALL"));
+    EXPECT_TRUE(OpenHotlist(store, "D:\\WALL"));
     EXPECT_EQ(machine.read(hotlist), entry.repeated(2) + blankEntries(38));
     machine.write(hotlist, entry.repeated(41) + "rest");
-    EXPECT_TRUE(OpenHotlist("D:\\WALL"));
+    EXPECT_TRUE(OpenHotlist(store, "D:\\WALL"));
     EXPECT_EQ(machine.read(hotlist), entry.repeated(41) + "rest");
 }
 
 TEST_F(CartFilesTest, TheHotlistIsLeftAloneWhereItCannotBe) {
-    EXPECT_FALSE(OpenHotlist({}));
-    EXPECT_FALSE(OpenHotlist("E:\\GONE"));
-    settings().LastOneWas = -1;
-    EXPECT_FALSE(OpenHotlist("D:\\WALL"));
-    settings().LastOneWas = 0;
-    settings().AutoConfigInProgress = -1;
+    EXPECT_FALSE(OpenHotlist(store, {}));
+    EXPECT_FALSE(OpenHotlist(store, "E:\\GONE"));
+    settings.LastOneWas = -1;
+    EXPECT_FALSE(OpenHotlist(store, "D:\\WALL"));
+    settings.LastOneWas = 0;
+    settings.AutoConfigInProgress = -1;
     machine.makeFolder(hotlist);
-    EXPECT_TRUE(OpenHotlist("D:\\WALL"));
-    EXPECT_EQ(HotlistFileNumber(), 0);
+    EXPECT_TRUE(OpenHotlist(store, "D:\\WALL"));
+    EXPECT_EQ(store.hotlist.number, 0);
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
 
@@ -97,7 +97,7 @@ TEST_F(CartFilesTest, ListsAreBackedUpIntoTheFolderOfTheDay) {
     machine.write("D:\\WALL\\carts1.lst", list);
     machine.write("D:\\WALL\\Carts11.LST", {});
     part(2).Location.clear();
-    EXPECT_TRUE(BackupCartLists(false));
+    EXPECT_TRUE(BackupCartLists(settings, false));
     EXPECT_EQ(machine.read("D:\\WALL\\Backups\\2024-03-05\\Carts1.LST"), list);
     EXPECT_TRUE(machine.exists("D:\\WALL\\Backups\\2024-03-05\\Carts11.LST"));
     EXPECT_EQ(prompts.progressTitles,
@@ -107,7 +107,7 @@ TEST_F(CartFilesTest, ListsAreBackedUpIntoTheFolderOfTheDay) {
     clock.time = clock.time.addDays(1);
     for (const QByteArray& now : {list + list, list}) {
         machine.write("D:\\WALL\\carts1.lst", now);
-        EXPECT_TRUE(BackupCartLists(false));
+        EXPECT_TRUE(BackupCartLists(settings, false));
         EXPECT_EQ(machine.read("D:\\WALL\\Backups\\2024-03-06\\Carts1.LST"), now);
     }
     EXPECT_EQ(machine.read("D:\\WALL\\Backups\\2024-03-05\\Carts1.LST"), list);
@@ -115,9 +115,9 @@ TEST_F(CartFilesTest, ListsAreBackedUpIntoTheFolderOfTheDay) {
     // A list in Backups itself, which this program never puts there, holds a copy back unless forced.
     machine.write("D:\\WALL\\Backups\\Carts1.LST", "x");
     machine.write("D:\\WALL\\carts1.lst", list + list);
-    EXPECT_TRUE(BackupCartLists(false));
+    EXPECT_TRUE(BackupCartLists(settings, false));
     EXPECT_EQ(machine.read("D:\\WALL\\Backups\\2024-03-06\\Carts1.LST"), list);
-    EXPECT_TRUE(BackupCartLists(true));
+    EXPECT_TRUE(BackupCartLists(settings, true));
     EXPECT_EQ(machine.read("D:\\WALL\\Backups\\2024-03-06\\Carts1.LST"), list + list);
 }
 
@@ -125,10 +125,10 @@ TEST_F(CartFilesTest, AFailedBackupEndsWithoutAWord) {
     machine.write("D:\\WALL\\Carts1.LST", "list");
     machine.write("D:\\WALL\\Carts2.LST", "list");
     machine.write("D:\\WALL\\Backups", "a file where the folder should be");
-    EXPECT_FALSE(BackupCartLists(true));
+    EXPECT_FALSE(BackupCartLists(settings, true));
     QFile::remove(machine.host("D:\\WALL\\Backups"));
     prompts.progressGoesOn = {false}; // the user stops the first copy
-    EXPECT_FALSE(BackupCartLists(true));
+    EXPECT_FALSE(BackupCartLists(settings, true));
     EXPECT_FALSE(machine.exists("D:\\WALL\\Backups\\2024-03-05\\Carts1.LST"));
     EXPECT_FALSE(machine.exists("D:\\WALL\\Backups\\2024-03-05\\Carts2.LST"));
     EXPECT_TRUE(prompts.asked.isEmpty());

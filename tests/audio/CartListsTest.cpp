@@ -22,13 +22,13 @@ class CartListsTest : public AudioTest {
 protected:
     CartListsTest() {
         setLocations("D:\\WALL");
-        settings().NoCarts = 10;
+        settings.NoCarts = 10;
     }
 
-    static QStringList check() {
+    QStringList check() {
         const platform::LookOnly looking;
         QStringList found;
-        for (const CartFault& fault : CheckCarts().faults)
+        for (const CartFault& fault : CheckCarts(store).faults)
             found += QStringLiteral("%1 %2: %3").arg(fault.kind).arg(fault.cart).arg(fault.text);
         return found;
     }
@@ -61,44 +61,44 @@ TEST_F(CartListsTest, AListIsJudgedByItsLength) {
     for (const Case& c : cases) {
         if (c.bytes >= 0)
             machine.write(list1, QByteArray(c.bytes, 'x'));
-        const CartListFacts facts = LookAtCartList(1);
+        const CartListFacts facts = LookAtCartList(store, 1);
         EXPECT_EQ(facts.state(), QString(c.state)) << c.bytes;
         EXPECT_EQ(facts.inWords(), QString(c.words)) << c.bytes;
         EXPECT_EQ(facts.lastCart(), std::max<qint64>(c.bytes, 0) / 300);
     }
     QFile::remove(machine.host(list1));
     machine.makeFolder(list1);
-    EXPECT_EQ(LookAtCartList(1).state(), QString("unreadable"));
-    settings().NoCarts = 12000;
+    EXPECT_EQ(LookAtCartList(store, 1).state(), QString("unreadable"));
+    settings.NoCarts = 12000;
     machine.write("D:\\WALL\\Carts11.lst", cartBytes("x"));
-    EXPECT_EQ(LookAtCartList(11).inWords(),
+    EXPECT_EQ(LookAtCartList(store, 11).inWords(),
               QString("D:\\WALL\\Carts11.lst is short: 1 of 2000 carts are there."));
-    EXPECT_EQ(LookAtCartList(11).lastCart(), 10001);
+    EXPECT_EQ(LookAtCartList(store, 11).lastCart(), 10001);
 }
 
 TEST_F(CartListsTest, RepairKeepsWhatIsThere) {
     const QByteArray carts = cartBytes("One") + cartBytes("Two");
     const QByteArray torn = cartBytes("Three").left(200);
     machine.write(list1, carts + torn);
-    CartListRepair repair = RepairCartList(1);
+    CartListRepair repair = RepairCartList(store, 1);
     EXPECT_EQ(repair.error, 0);
     EXPECT_EQ(repair.added, 8);
     EXPECT_EQ(repair.keptIn, QString(torn1));
     EXPECT_EQ(machine.read(torn1), torn);
     EXPECT_EQ(machine.read(list1), carts + emptyCarts(8));
     // A sound list is left alone; what was kept is never written over; a longer list is not cut.
-    repair = RepairCartList(1);
+    repair = RepairCartList(store, 1);
     EXPECT_TRUE(repair.added == 0 && repair.keptIn.isEmpty());
     machine.write(list1, carts.repeated(6) + "x");
-    repair = RepairCartList(1);
+    repair = RepairCartList(store, 1);
     EXPECT_EQ(repair.keptIn, QString(torn1) + "2");
     EXPECT_EQ(machine.read(torn1), torn);
     EXPECT_EQ(machine.read("D:\\WALL\\Carts1.lst.torn2"), "x");
     EXPECT_EQ(machine.read(list1), carts.repeated(6) + emptyCarts(1));
     // A short one has nothing to keep, and a missing one is not made.
     machine.write(list1, carts);
-    EXPECT_EQ(RepairCartList(1).added, 8);
-    EXPECT_EQ(RepairCartList(2).error, platform::FileNotFound);
+    EXPECT_EQ(RepairCartList(store, 1).added, 8);
+    EXPECT_EQ(RepairCartList(store, 2).error, platform::FileNotFound);
     EXPECT_EQ(platform::FolderNames("D:\\WALL"),
               (QStringList{"Carts1.lst", "Carts1.lst.torn", "Carts1.lst.torn2"}));
 }
@@ -109,12 +109,12 @@ TEST_F(CartListsTest, ARepairThatFailsLosesNothing) {
     {
         // Room for the torn bytes, not for the list.
         const NoRoom full(1000);
-        EXPECT_EQ(RepairCartList(1).error, platform::DiskFull);
+        EXPECT_EQ(RepairCartList(store, 1).error, platform::DiskFull);
     }
     EXPECT_EQ(machine.read(torn1), torn.mid(300));
     EXPECT_EQ(machine.read(list1).left(300), torn.left(300));
     EXPECT_EQ(machine.read(list1).size(), torn.size());
-    EXPECT_EQ(RepairCartList(1).error, 0);
+    EXPECT_EQ(RepairCartList(store, 1).error, 0);
 
     machine.write(list1, torn);
     const auto mode = [this](const char* path, mode_t bits) {
@@ -123,7 +123,8 @@ TEST_F(CartListsTest, ARepairThatFailsLosesNothing) {
     ::chmod(QFile::encodeName(machine.path()).constData(), 0755);
     mode(list1, 0444);
     mode("D:\\WALL", 0555);
-    EXPECT_TRUE(PassesWithoutRights([] { EXPECT_EQ(RepairCartList(1).error, platform::PathFileAccess); }));
+    EXPECT_TRUE(
+        PassesWithoutRights([this] { EXPECT_EQ(RepairCartList(store, 1).error, platform::PathFileAccess); }));
     mode("D:\\WALL", 0755);
     EXPECT_EQ(machine.read(list1), torn);
 }
@@ -139,14 +140,14 @@ TEST_F(CartListsTest, ARepairLeavesARecordThatIsFinishedMeanwhile) {
         EXPECT_TRUE(list.open(QIODevice::Append) && (list.size() == 600 || list.write(two.right(1)) == 1));
         return ::write(descriptor, bytes, length);
     };
-    const CartListRepair repair = RepairCartList(1);
+    const CartListRepair repair = RepairCartList(store, 1);
     platform::RestoreHostCalls();
     EXPECT_EQ(repair.error, 0);
     EXPECT_EQ(machine.read(list1), cartBytes("One") + two + emptyCarts(8));
 }
 
 TEST_F(CartListsTest, CartsWithoutAudioAndDoublesAreFound) {
-    settings().UseIndividualCartListFiles = -1;
+    settings.UseIndividualCartListFiles = -1;
     QByteArray carts;
     for (const char* line : {"Jingle", "News", "Jingle", "", "", "Silent", "Torn", "Twice", "Empty", "None",
                              "Beyond the last cart"})
@@ -174,12 +175,12 @@ TEST_F(CartListsTest, CartsWithoutAudioAndDoublesAreFound) {
     // Another length makes another cart of it, and linked carts have their audio where nobody here can tell.
     put(3, cartBytes("Jingle", 12));
     machine.write(list1, carts);
-    settings().AllowAudioFileLinking = -1;
+    settings.AllowAudioFileLinking = -1;
     EXPECT_EQ(check().size(), 2);
 }
 
 TEST_F(CartListsTest, AudioLiesInTheFolderOfItsPart) {
-    settings().NoCarts = 1001;
+    settings.NoCarts = 1001;
     part(2).Location = "D:\\TWO";
     machine.write(list1, cartBytes("One") + emptyCarts(999));
     machine.write("D:\\TWO\\Carts2.lst", cartBytes("Two"));
@@ -191,18 +192,18 @@ TEST_F(CartListsTest, AudioLiesInTheFolderOfItsPart) {
 }
 
 TEST_F(CartListsTest, TheCheckCoversEveryPartAndCanBeStopped) {
-    settings().NoCarts = 2500;
+    settings.NoCarts = 2500;
     part(2).Location.clear();
     machine.write(list1, cartBytes("One").repeated(1000));
     machine.write("D:\\WALL\\Carts3.lst", emptyCarts(499) + cartBytes("Last"));
     const platform::LookOnly looking;
-    CartCheckResult result = CheckCarts();
+    CartCheckResult result = CheckCarts(store);
     EXPECT_EQ(result.lists, 2);
     EXPECT_EQ(result.carts, 1001);
     EXPECT_EQ(result.faults.last().cart, 2500);
     EXPECT_EQ(result.faults.last().part, 3);
     prompts.progressGoesOn = {true, true, false};
-    result = CheckCarts();
+    result = CheckCarts(store);
     EXPECT_TRUE(result.stopped);
     EXPECT_EQ(result.carts, 300);
 }

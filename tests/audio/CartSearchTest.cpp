@@ -44,7 +44,7 @@ protected:
             const CartListRecord bytes = EncodeCartRecord(record);
             list += QByteArray(bytes.data(), CartListRecordLength);
         }
-        settings().NoCarts = qint32(carts.size());
+        settings.NoCarts = qint32(carts.size());
         writeList(1, list);
     }
     void writeNotes(qint32 cart, const QByteArray& text, const char* extension = ".RTF") {
@@ -57,13 +57,13 @@ protected:
             found += cart.number;
         return found;
     }
-    static QList<qint32> find(const CartQuery& query) {
-        CartSearch search(query, settings().NoCarts);
+    QList<qint32> find(const CartQuery& query) {
+        CartSearch search(store, query, settings.NoCarts);
         while (search.runFor(1s)) {
         }
         return numbers(search);
     }
-    static QList<qint32> find(const QString& text) { return find(CartQuery{.text = text}); }
+    QList<qint32> find(const QString& text) { return find(CartQuery{.text = text}); }
 };
 
 // Makes walls and queries in which every rule matters: few letters, so that texts meet; capitals and letters
@@ -134,8 +134,8 @@ TEST_F(CartSearchTest, FindsWhatThePlainVersionFinds) {
     for (int round = 0; round < 120; ++round) {
         const bool twoParts = round % 20 == 0;
         const int carts = (twoParts ? 1000 : 1) + wall.below(120);
-        settings().NoCarts = carts;
-        settings().UseIndividualCartListFiles = !twoParts && wall.oneIn(5) ? -1 : 0;
+        settings.NoCarts = carts;
+        settings.UseIndividualCartListFiles = !twoParts && wall.oneIn(5) ? -1 : 0;
         QByteArray list;
         for (int cart = 1; cart <= carts; ++cart)
             list += wall.record();
@@ -145,22 +145,22 @@ TEST_F(CartSearchTest, FindsWhatThePlainVersionFinds) {
             writeNotes(1 + wall.below(carts), wall.text(wall.below(30)), wall.oneIn(2) ? ".RTF" : ".txt");
             write("TLV" + number(1 + wall.below(carts)) + ".LST", wall.record());
         }
-        ForgetCartNotes();
-        ResetCartStore();
+        CloseCartParts(store);
+        store.notes.reset();
         for (int i = 0; i < 15; ++i) {
             const CartQuery query = wall.query(list, carts);
-            const QList<qint32> expected = plainSearch(query, carts);
+            const QList<qint32> expected = plainSearch(store, query, carts);
             found += int(expected.size());
             ASSERT_EQ(find(query), expected)
                 << "wall " << round << ", query " << i << ": \"" << query.text.toStdString() << '"';
             // One step at a time it finds the same, with the same records.
-            CartSearch search(query, carts);
+            CartSearch search(store, query, carts);
             while (search.step()) {
             }
             EXPECT_EQ(search.done(), search.total());
             EXPECT_EQ(search.foundCount(), expected.size());
             for (const FoundCart& cart : search.takeFound())
-                ASSERT_EQ(EncodeCartRecord(cart.record), EncodeCartRecord(ReadCart(cart.number)));
+                ASSERT_EQ(EncodeCartRecord(cart.record), EncodeCartRecord(ReadCart(store, cart.number)));
         }
     }
     EXPECT_GT(found, 5000) << "walls and queries that have nothing to do with each other";
@@ -201,22 +201,22 @@ TEST_F(CartSearchTest, OnlyTheFirstTenThousandBytesOfNotesCount) {
 }
 
 TEST_F(CartSearchTest, TheCartShownIsWhereItWasAskedToBeginAndThenEachHundredth) {
-    settings().NoCarts = 450;
+    settings.NoCarts = 450;
     writeList(1, cartBytes("x").repeated(450));
-    CartSearch search({.text = "*", .backwards = true, .wholeWall = true, .start = -3}, 450);
+    CartSearch search(store, {.text = "*", .backwards = true, .wholeWall = true, .start = -3}, 450);
     QList<qint32> shown{search.shownCart()};
     while (search.step())
         if (search.shownCart() != shown.last())
             shown += search.shownCart();
     EXPECT_EQ(shown, (QList<qint32>{1, 400, 300, 200, 100}));
-    EXPECT_EQ(CartSearch({.text = "*", .start = 451}, 450).total(), 0);
-    EXPECT_EQ(CartSearch({.text = "*", .backwards = true, .start = 70}, 450).total(), 70);
+    EXPECT_EQ(CartSearch(store, {.text = "*", .start = 451}, 450).total(), 0);
+    EXPECT_EQ(CartSearch(store, {.text = "*", .backwards = true, .start = 70}, 450).total(), 70);
 }
 
 TEST_F(CartSearchTest, StopsBetweenAnyTwoCartsAndKeepsWhatItFound) {
-    settings().NoCarts = 300;
+    settings.NoCarts = 300;
     writeList(1, cartBytes("x").repeated(300));
-    CartSearch search({.text = "*"}, 300);
+    CartSearch search(store, {.text = "*"}, 300);
     while (search.done() < 123)
         ASSERT_TRUE(search.runFor(0ms));
     EXPECT_FALSE(search.ended());
@@ -237,7 +237,7 @@ TEST_F(CartSearchTest, ALargeFolderOfNotesIsListedInPieces) {
         QFile(wall.filePath(QStringLiteral("TLV%1.WAV").arg(file))).open(QIODevice::WriteOnly);
     writeNotes(2, "word");
     LetAge(machine.host("D:\\WALL"));
-    CartSearch search({.text = "word", .notes = true}, 2);
+    CartSearch search(store, {.text = "word", .notes = true}, 2);
     int pieces = 0;
     for (; search.done() == 0; ++pieces)
         ASSERT_TRUE(search.step());
@@ -247,15 +247,15 @@ TEST_F(CartSearchTest, ALargeFolderOfNotesIsListedInPieces) {
     EXPECT_EQ(numbers(search), QList<qint32>{2});
     // It was at rest, so the next search need not list it again.
     platform::SkipAhead(1s);
-    CartSearch again({.text = "word", .notes = true}, 2);
+    CartSearch again(store, {.text = "word", .notes = true}, 2);
     EXPECT_TRUE(again.step());
     EXPECT_EQ(again.done(), 1);
 }
 
 TEST_F(CartSearchTest, ACartsOwnFileComesBeforeTheList) {
     setWall({{"Old one"}, {"Old two"}, {"Old three"}});
-    settings().UseIndividualCartListFiles = -1;
-    CartSearch search({.text = "new"}, 3);
+    settings.UseIndividualCartListFiles = -1;
+    CartSearch search(store, {.text = "new"}, 3);
     EXPECT_TRUE(search.step());
     machine.write("D:\\WALL\\TLV00002.LST", cartBytes("New two"));
     machine.write("D:\\WALL\\TLV00003.LST", {});
@@ -267,11 +267,11 @@ TEST_F(CartSearchTest, ACartsOwnFileComesBeforeTheList) {
 
 // Between two steps another program may write a list, cut it, or take it away.
 TEST_F(CartSearchTest, AListThatChangesUnderTheSearchIsReadAsItIsThen) {
-    settings().NoCarts = 900;
+    settings.NoCarts = 900;
     writeList(1, cartBytes("old").repeated(900));
     const QString path = machine.host("D:\\WALL\\Carts1.lst");
     for (const bool backwards : {false, true}) {
-        CartSearch search({.text = "new", .backwards = backwards, .wholeWall = true}, 900);
+        CartSearch search(store, {.text = "new", .backwards = backwards, .wholeWall = true}, 900);
         while (search.done() < 100)
             ASSERT_TRUE(search.runFor(0ms));
         QFile file(path);
@@ -285,9 +285,9 @@ TEST_F(CartSearchTest, AListThatChangesUnderTheSearchIsReadAsItIsThen) {
     }
 
     for (const bool backwards : {false, true}) {
-        ResetCartStore();
+        CloseCartParts(store);
         writeList(1, cartBytes("old").repeated(900));
-        CartSearch search({.text = "old", .backwards = backwards, .wholeWall = true}, 900);
+        CartSearch search(store, {.text = "old", .backwards = backwards, .wholeWall = true}, 900);
         while (search.done() < 100)
             ASSERT_TRUE(search.runFor(0ms));
         ASSERT_TRUE(QFile::resize(path, 500 * CartListRecordLength + 17));
@@ -296,7 +296,7 @@ TEST_F(CartSearchTest, AListThatChangesUnderTheSearchIsReadAsItIsThen) {
         EXPECT_EQ(search.foundCount(), backwards ? 100 + 500 : 500);
     }
 
-    CartSearch search({.text = "old"}, 900);
+    CartSearch search(store, {.text = "old"}, 900);
     while (search.done() < 100)
         ASSERT_TRUE(search.runFor(0ms));
     ASSERT_TRUE(QDir(machine.host("D:\\WALL")).removeRecursively());
@@ -308,13 +308,13 @@ TEST_F(CartSearchTest, AListThatChangesUnderTheSearchIsReadAsItIsThen) {
 
 // A folder that is gone is not looked for at every cart, and is there again when it comes back.
 TEST_F(CartSearchTest, APartThatCannotBeOpenedIsTriedAgainAfterARest) {
-    settings().NoCarts = 3000;
+    settings.NoCarts = 3000;
     for (const int number : {1, 3})
         writeList(number, cartBytes("x").repeated(1000));
     part(2).Location = "E:\\GONE";
     EXPECT_EQ(find("x").size(), 2000);
 
-    CartSearch search({.text = "x", .start = 1001}, 3000);
+    CartSearch search(store, {.text = "x", .start = 1001}, 3000);
     ASSERT_TRUE(search.step());
     machine.addDrive(u'E');
     machine.write("E:\\GONE\\Carts2.lst", cartBytes("x").repeated(1000));

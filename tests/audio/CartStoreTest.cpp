@@ -24,10 +24,10 @@ protected:
         const qint64 size = platform::FileSize(listPath(number));
         return size < 0 ? -1 : size / CartListRecordLength;
     }
-    static QString firstLine(qint32 cart) { return ReadCart(cart).Line1.trimmed(); }
-    static qint16 statusOf(qint32 cart) {
+    QString firstLine(qint32 cart) { return ReadCart(store, cart).Line1.trimmed(); }
+    qint16 statusOf(qint32 cart) {
         qint16 status = 99;
-        ReadCart(cart, &status);
+        ReadCart(store, cart, &status);
         return status;
     }
     // Longer than an open file's length is taken to hold without asking.
@@ -43,20 +43,20 @@ TEST_F(CartStoreTest, ACartNumberLeadsToItsPartAndFiles) {
     for (const auto& [cart, number] : parts)
         EXPECT_EQ(PartOfCart(cart), number) << cart;
 
-    settings().NoCarts = 123456;
+    settings.NoCarts = 123456;
     part(2).Location = "M:\\TWO";
     part(11).Location = "\\\\SERVER\\WALL";
-    EXPECT_EQ(CartFileStem(42), QString("D:\\WALL\\TLV00042"));
-    EXPECT_EQ(CartFileStem(1001), QString("M:\\TWO\\TLV01001"));
-    EXPECT_EQ(CartFileStem(123456), QString("\\\\SERVER\\WALL\\TLV123456"));
+    EXPECT_EQ(CartFileStem(store, 42), QString("D:\\WALL\\TLV00042"));
+    EXPECT_EQ(CartFileStem(store, 1001), QString("M:\\TWO\\TLV01001"));
+    EXPECT_EQ(CartFileStem(store, 123456), QString("\\\\SERVER\\WALL\\TLV123456"));
     for (const qint32 outside : {0, -5, 123457})
-        EXPECT_EQ(CartFileStem(outside), QString()) << outside;
+        EXPECT_EQ(CartFileStem(store, outside), QString()) << outside;
 }
 
 TEST_F(CartStoreTest, ListsAreMadeAsLongAsTheCartsNeed) {
-    settings().NoCarts = 12000;
+    settings.NoCarts = 12000;
     part(3).FileNumber = 23;
-    EXPECT_EQ(OpenCartParts(0, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 0, true), 0);
     EXPECT_EQ(machine.read(listPath(1)), emptyCarts(1000));
     EXPECT_EQ(recordsIn(10), 1000);
     EXPECT_EQ(recordsIn(11), 2000);
@@ -66,31 +66,31 @@ TEST_F(CartStoreTest, ListsAreMadeAsLongAsTheCartsNeed) {
         EXPECT_EQ(part(number).ListPath, listPath(number));
         EXPECT_EQ(part(number).FileNumber, number == 3 ? 23 : number < 3 ? number : number - 1);
     }
-    for (const CartPlayer& player : settings().CartPlayerTable)
+    for (const CartPlayer& player : settings.CartPlayerTable)
         EXPECT_EQ(player.State, 15);
-    EXPECT_EQ(PlayerStateWords()[13], QString("Cued"));
+    EXPECT_EQ(store.words[13], QString("Cued"));
 }
 
 // Nothing is ever cut or rewritten: a longer list stays, and a shorter one keeps every whole record it has,
 // wherever it was cut.
 TEST_F(CartStoreTest, AnExistingListKeepsItsRecordsWhereverItWasCut) {
-    settings().NoCarts = 10;
+    settings.NoCarts = 10;
     QByteArray carts;
     for (int cart = 1; cart <= 12; ++cart)
         carts += cartBytes(QStringLiteral("Cart %1").arg(cart));
     machine.write(listPath(1), carts);
-    EXPECT_EQ(OpenCartParts(0, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 0, true), 0);
     EXPECT_EQ(machine.read(listPath(1)), carts);
 
     for (int cut = 0; cut <= CartListRecordLength; ++cut) {
         machine.write(listPath(1), carts.left(3 * CartListRecordLength + cut));
-        ASSERT_EQ(OpenCartParts(0, true), 0);
+        ASSERT_EQ(OpenCartParts(store, 0, true), 0);
         const int whole = cut == CartListRecordLength ? 4 : 3;
         ASSERT_EQ(machine.read(listPath(1)),
                   carts.left(whole * CartListRecordLength) + emptyCarts(10 - whole))
             << "cut after byte " << cut;
         ASSERT_EQ(firstLine(3), QString("Cart 3"));
-        ASSERT_TRUE(ReadCart(5).isEmpty());
+        ASSERT_TRUE(ReadCart(store, 5).isEmpty());
     }
 }
 
@@ -104,26 +104,26 @@ TEST_F(CartStoreTest, AnyNumberOfCartsIsTaken) {
     for (const Case& c :
          {Case{INT32_MIN, 0, 1000, 0}, Case{-1, 0, 1000, 0}, Case{0, -1, -1, -1}, Case{1, 0, 1, -1},
           Case{999, 0, 999, -1}, Case{100000, 0, 1000, 89999}, Case{INT32_MAX, 0, 1000, 89999}}) {
-        ResetCartStore();
+        CloseCartParts(store);
         QDir(machine.host("D:\\WALL")).removeRecursively();
         machine.makeFolder("D:\\WALL");
-        settings().NoCarts = c.carts;
-        EXPECT_EQ(OpenCartParts(0, true), c.result) << c.carts;
+        settings.NoCarts = c.carts;
+        EXPECT_EQ(OpenCartParts(store, 0, true), c.result) << c.carts;
         EXPECT_EQ(recordsIn(1), c.inPart1) << c.carts;
         EXPECT_EQ(recordsIn(11), c.inPart11) << c.carts;
-        EXPECT_EQ(OpenCartParts(12, true), -1);
-        EXPECT_EQ(OpenCartParts(-1, true), -1);
+        EXPECT_EQ(OpenCartParts(store, 12, true), -1);
+        EXPECT_EQ(OpenCartParts(store, -1, true), -1);
         for (const qint32 cart : {-1, 0, c.carts, INT32_MAX})
-            EXPECT_TRUE(ReadCart(cart).isEmpty());
+            EXPECT_TRUE(ReadCart(store, cart).isEmpty());
         EXPECT_EQ(statusOf(0), -1);
     }
 }
 
 TEST_F(CartStoreTest, AMissingListIsMadeOnlyWhenTheUserWantsIt) {
-    settings().NoCarts = 4500;
+    settings.NoCarts = 4500;
     machine.write(listPath(2), {});
     prompts.answers = {Answer::Yes, Answer::No, Answer::Cancel};
-    EXPECT_EQ(OpenCartParts(0, false), -1);
+    EXPECT_EQ(OpenCartParts(store, 0, false), -1);
     EXPECT_EQ(prompts.texts(),
               (QStringList{"Part 1 of the AudioWall has not been found.\nDo you wish to create it in "
                            ":\nD:\\WALL\\Carts1.lst",
@@ -140,10 +140,10 @@ TEST_F(CartStoreTest, AMissingListIsMadeOnlyWhenTheUserWantsIt) {
     EXPECT_EQ(part(3).State, Available);
 
     prompts.answers = {Answer::No};
-    EXPECT_EQ(OpenCartParts(4, false), 0);
+    EXPECT_EQ(OpenCartParts(store, 4, false), 0);
     prompts.forget();
-    settings().AutoConfigInProgress = -1;
-    EXPECT_EQ(OpenCartParts(0, false), 0);
+    settings.AutoConfigInProgress = -1;
+    EXPECT_EQ(OpenCartParts(store, 0, false), 0);
     EXPECT_EQ(recordsIn(5), 500);
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
@@ -152,36 +152,36 @@ TEST_F(CartStoreTest, AnUnsetLocationStopsTheCallBeforeAnyFileIsTouched) {
     part(1).State = Unavailable;
     part(4).Location = "  ";
     part(9).Location.clear();
-    EXPECT_EQ(OpenCartParts(0, true), -1);
+    EXPECT_EQ(OpenCartParts(store, 0, true), -1);
     EXPECT_TRUE(prompts.asked.isEmpty());
-    EXPECT_EQ(OpenCartParts(0, false), -1);
+    EXPECT_EQ(OpenCartParts(store, 0, false), -1);
     EXPECT_EQ(prompts.texts(), QStringList{"2 locations of the AudioWall have not been set : Please check "
                                            "your configuration."});
     EXPECT_EQ(part(1).State, NotChecked);
     EXPECT_EQ(recordsIn(1), -1);
-    EXPECT_EQ(OpenCartParts(5, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 5, true), 0);
 }
 
 TEST_F(CartStoreTest, AMissingFolderIsReportedOnceForAllPartsInIt) {
-    settings().NoCarts = 4000;
-    settings().AutoConfigInProgress = -1;
+    settings.NoCarts = 4000;
+    settings.AutoConfigInProgress = -1;
     part(2).Location = part(3).Location = "E:\\GONE";
-    EXPECT_EQ(OpenCartParts(0, false), 0);
+    EXPECT_EQ(OpenCartParts(store, 0, false), 0);
     EXPECT_EQ(prompts.texts(),
               QStringList{"There was a problem connecting part(s) of the Audio Wall because the directory: "
                           "\n\n\"E:\\GONE\"\n\n could not be found"});
     const qint32 states[] = {Available, Unavailable, Unavailable, Available};
     for (int number = 1; number <= 4; ++number)
         EXPECT_EQ(part(number).State, states[number - 1]) << number;
-    EXPECT_EQ(OpenCartParts(2, true), -1);
+    EXPECT_EQ(OpenCartParts(store, 2, true), -1);
     EXPECT_EQ(statusOf(1001), -1);
 }
 
 TEST_F(CartStoreTest, AListThatCannotBeOpenedHarmsNothing) {
     machine.makeFolder(listPath(1));
-    settings().UseIndividualCartListFiles = -1;
+    settings.UseIndividualCartListFiles = -1;
     machine.write("D:\\WALL\\TLV00002.LST", cartBytes("Its own"));
-    EXPECT_EQ(OpenCartParts(1, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 1, true), 0);
     EXPECT_FALSE(part(1).IsOpen);
     EXPECT_EQ(firstLine(2), QString("Its own"));
     EXPECT_EQ(statusOf(1), platform::BadFileNumber);
@@ -202,7 +202,7 @@ TEST_F(CartStoreTest, AFullDiskCostsNoCart) {
     struct rlimit full = before;
     full.rlim_cur = 2000;
     ::setrlimit(RLIMIT_FSIZE, &full);
-    const int opened = OpenCartParts(1, true);
+    const int opened = OpenCartParts(store, 1, true);
     const QString line = firstLine(3);
     const qint16 beyond = statusOf(4);
     ::setrlimit(RLIMIT_FSIZE, &before);
@@ -211,7 +211,7 @@ TEST_F(CartStoreTest, AFullDiskCostsNoCart) {
     EXPECT_EQ(line, QString("There"));
     EXPECT_EQ(beyond, platform::PastEndOfFile);
     EXPECT_EQ(machine.read(listPath(1)), carts);
-    EXPECT_EQ(OpenCartParts(1, true), 0);
+    EXPECT_EQ(OpenCartParts(store, 1, true), 0);
     EXPECT_EQ(machine.read(listPath(1)), carts + emptyCarts(997));
 }
 
@@ -236,19 +236,19 @@ TEST_F(CartStoreTest, ReadingRepairsThePlayTimesThatAFileLacks) {
     machine.write(listPath(1), carts + cartBytes("Words, but empty", EmptyCartLength));
     qint32 cart = 0;
     for (const Case& c : cases) {
-        const CartRecord record = ReadCart(++cart);
+        const CartRecord record = ReadCart(store, ++cart);
         EXPECT_EQ(record.PlayStart, c.startRead) << cart;
         EXPECT_EQ(record.PlayEnd, c.endRead) << cart;
         EXPECT_EQ(record.PlayLength, c.lengthRead) << cart;
         EXPECT_EQ(statusOf(cart), 0);
     }
-    EXPECT_EQ(ReadCart(6), EmptyCartRecord());
-    EXPECT_EQ(ReadCart(6).BackColor, 0x00AABBCC);
+    EXPECT_EQ(ReadCart(store, 6), store.emptyRecord);
+    EXPECT_EQ(ReadCart(store, 6).BackColor, 0x00AABBCC);
 }
 
 // Parts that share a folder become available together; each opens its own list when a cart of it is read.
 TEST_F(CartStoreTest, EveryPartIsReadAtTheFirstTry) {
-    settings().NoCarts = 12000;
+    settings.NoCarts = 12000;
     machine.write(listPath(2), cartBytes("Number 1001"));
     machine.write(listPath(11), emptyCarts(1499) + cartBytes("Number 11500"));
     EXPECT_EQ(statusOf(1), 0);
@@ -280,7 +280,7 @@ TEST_F(CartStoreTest, WhatOtherProgramsDoToAnOpenListIsSeen) {
 }
 
 TEST_F(CartStoreTest, ACartsOwnFileComesFirst) {
-    settings().UseIndividualCartListFiles = -1;
+    settings.UseIndividualCartListFiles = -1;
     machine.write(listPath(1), cartBytes("From the list").repeated(1000));
     machine.write("D:\\WALL\\TLV00002.LST", cartBytes("Its own"));
     machine.write("D:\\WALL\\TLV00003.LST", {});
@@ -293,19 +293,19 @@ TEST_F(CartStoreTest, ACartsOwnFileComesFirst) {
     EXPECT_EQ(statusOf(4), platform::PastEndOfFile);
     EXPECT_EQ(part(1).State, Available);
     EXPECT_EQ(firstLine(5), QString("Long"));
-    settings().UseIndividualCartListFiles = 0;
+    settings.UseIndividualCartListFiles = 0;
     EXPECT_EQ(firstLine(2), QString("From the list"));
 }
 
 // Opening a list, at any time, must not bring back what the user switched off.
 TEST_F(CartStoreTest, OpeningAListKeepsWhatWasLoaded) {
-    EXPECT_TRUE(settings().MaintainLegacyCartList && settings().PlayCartsInstantly);
-    EXPECT_EQ(settings().HighestCartNumber, 99999);
-    settings().PlayCartsInstantly = 0;
-    settings().LowestCartNumber = 100;
-    settings().HighestCartNumber = 200;
-    EXPECT_EQ(OpenCartParts(0, true), 0);
-    EXPECT_FALSE(settings().PlayCartsInstantly);
-    EXPECT_TRUE(settings().MaintainLegacyCartList);
-    EXPECT_EQ(settings().HighestCartNumber, 200);
+    EXPECT_TRUE(settings.MaintainLegacyCartList && settings.PlayCartsInstantly);
+    EXPECT_EQ(settings.HighestCartNumber, 99999);
+    settings.PlayCartsInstantly = 0;
+    settings.LowestCartNumber = 100;
+    settings.HighestCartNumber = 200;
+    EXPECT_EQ(OpenCartParts(store, 0, true), 0);
+    EXPECT_FALSE(settings.PlayCartsInstantly);
+    EXPECT_TRUE(settings.MaintainLegacyCartList);
+    EXPECT_EQ(settings.HighestCartNumber, 200);
 }

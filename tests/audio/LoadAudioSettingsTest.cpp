@@ -5,6 +5,7 @@
 #include "audio/FileCache.h"
 #include "audio/LoadAudioSettings.h"
 #include "audio/WaveSearch.h"
+#include "core/report/DebugLog.h"
 #include "core/system/Registry.h"
 #include "platform/Machine.h"
 
@@ -43,12 +44,12 @@ protected:
 
     void load(const QByteArray& lines) {
         machine.write(ini, lines);
-        LoadAudioSettings(QLatin1String(ini), root);
+        LoadAudioSettings(store, QLatin1String(ini), root);
     }
     // The six devices as one text.
-    static QString players() {
+    QString players() {
         QString text;
-        for (const CartPlayer& player : settings().CartPlayerTable)
+        for (const CartPlayer& player : settings.CartPlayerTable)
             text += QString::number(player.Device);
         return text;
     }
@@ -93,18 +94,20 @@ TEST_F(LoadAudioSettingsTest, PlayersTakeTheDevicesThatSuit) {
     };
     for (const Case& c : cases) {
         platform::SetWaveDevices(devices(c.outputs), {});
-        settings().CommandLine = QLatin1String(c.commandLine);
+        settings.CommandLine = QLatin1String(c.commandLine);
         load(QByteArray("[CartPlayers]\n") + c.lines);
-        EXPECT_EQ(settings().TotalNumberCartPlayers, c.total) << c.outputs << c.lines << c.commandLine;
+        EXPECT_EQ(settings.TotalNumberCartPlayers, c.total) << c.outputs << c.lines << c.commandLine;
         EXPECT_EQ(players(), QString(c.players)) << c.outputs << c.lines << c.commandLine;
     }
 }
 
 TEST_F(LoadAudioSettingsTest, TheCountOfDevicesIsLogged) {
-    settings().DebugLevel = -1;
     platform::SetWaveDevices(devices("44444444"), {});
-    load({});
-    settings().DebugLevel = 0;
+    {
+        const qint32 level = -1;
+        const DebugLogging logging(level);
+        load({});
+    }
     const QStringList logs = platform::FolderNames("C:\\Debugfiles");
     ASSERT_EQ(logs.size(), 1);
     const QByteArray log = machine.read("C:\\Debugfiles\\" + logs[0]);
@@ -116,17 +119,17 @@ TEST_F(LoadAudioSettingsTest, TheCountOfDevicesIsLogged) {
 TEST_F(LoadAudioSettingsTest, RecordingGoesToADeviceThatIsThere) {
     platform::SetWaveDevices(devices("44"), devices("442"));
     load({});
-    EXPECT_EQ(settings().RecordingSoundCard, 2);
+    EXPECT_EQ(settings.RecordingSoundCard, 2);
     load("[Audio]\nRecordingSoundCard=9\n");
-    EXPECT_EQ(settings().RecordingSoundCard, 2);
+    EXPECT_EQ(settings.RecordingSoundCard, 2);
     load("[Audio]\nRecordingSoundCard=0\n");
-    EXPECT_EQ(settings().RecordingSoundCard, 0);
+    EXPECT_EQ(settings.RecordingSoundCard, 0);
     // A card of one make records what its output of the same number plays; the first of them wins.
     platform::SetWaveDevices(devices("444"), devices("4") + devices("44", 39) + devices("4"));
     load({});
-    EXPECT_EQ(settings().RecordingSoundCard, 2);
+    EXPECT_EQ(settings.RecordingSoundCard, 2);
     load("[CartPlayers]\nTotalNumberCartPlayers=3\n");
-    EXPECT_EQ(settings().RecordingSoundCard, 4);
+    EXPECT_EQ(settings.RecordingSoundCard, 4);
 }
 
 TEST_F(LoadAudioSettingsTest, DevicesAreSearchedByRateAndChannels) {
@@ -159,15 +162,15 @@ TEST_F(LoadAudioSettingsTest, DefaultsHangOnWhatIsHeld) {
     load("[CartPlayers]\nTotalNumberCartPlayers=4\n"
          "[Audio]\nGeneralVolume=80\nSweptVolume=55\nFadeFire=0.4\nEmptyCartBackColor=66\nEmptyCartForeColor="
          "77\n");
-    const Settings& values = settings();
+    const Settings& values = settings;
     EXPECT_EQ(values.Instant, 4);
     EXPECT_EQ(values.SweptVolume, 80);
     EXPECT_EQ(values.DuckAudioVolume, 70);
     EXPECT_EQ(values.PlayerFadeFirePercent, 40);
     EXPECT_EQ(values.CartPlayerTable[3].ForeColor, 0xFFA0A0);
     EXPECT_EQ(values.CartFontName, QString("MS Sans Serif"));
-    EXPECT_EQ(DecodeCartRecord(EmptyCartListRecord()).BackColor, 66);
-    EXPECT_EQ(DecodeCartRecord(EmptyCartListRecord()).ForeColor, 77);
+    EXPECT_EQ(DecodeCartRecord(store.emptyListRecord).BackColor, 66);
+    EXPECT_EQ(DecodeCartRecord(store.emptyListRecord).ForeColor, 77);
     load("[Audio]\nUsePlayerDucking=0\nSweptVolume=55\nFadeFire=0.4\nPlayerFadeFirePercent=30\n"
          "PlayCartsInstantly=0\nMaintainLegacyCartList=0\n");
     EXPECT_EQ(values.SweptVolume, 55);
@@ -191,8 +194,8 @@ TEST_F(LoadAudioSettingsTest, TheRegistryHoldsTheSameSettingsUnderItsOwnNames) {
     putNumber("\\Audiowall", "CartFontSize", 12);
     WriteRegistryString(LocalMachineHive, root + "\\File Locations", "CartLocation3", "D:\\WALL", {});
     WriteRegistryString(LocalMachineHive, root + "\\File Locations", "AudioEditor", "D:\\EDIT.EXE", {});
-    LoadAudioSettings({}, root);
-    const Settings& values = settings();
+    LoadAudioSettings(store, {}, root);
+    const Settings& values = settings;
     EXPECT_EQ(values.TotalNumberCartPlayers, 2);
     EXPECT_EQ(values.CartPlayerTable[2].BackColor, 123);
     EXPECT_EQ(values.EditPlayer, 2);
@@ -226,8 +229,8 @@ TEST_F(LoadAudioSettingsTest, AnOlderAudiowallIsBackedUpOnce) {
         machine.write("D:\\WALL\\Audwall.ini", other + version);
         load(locations);
         EXPECT_EQ(!backups().isEmpty(), c.backedUp) << QByteArray(c.version).constData();
-        EXPECT_EQ(settings().NoCarts, 500);
-        EXPECT_TRUE(settings().AllowAudioFileLinking);
+        EXPECT_EQ(settings.NoCarts, 500);
+        EXPECT_TRUE(settings.AllowAudioFileLinking);
         EXPECT_EQ(machine.read("D:\\WALL\\Audwall.ini"),
                   other + (c.backedUp ? QByteArray("Version=2.6\r\n") : version));
         clock.time = clock.time.addDays(1);
@@ -236,7 +239,7 @@ TEST_F(LoadAudioSettingsTest, AnOlderAudiowallIsBackedUpOnce) {
     }
     // Nothing is written where the first part has no location.
     load({});
-    EXPECT_EQ(settings().NoCarts, 9999);
+    EXPECT_EQ(settings.NoCarts, 9999);
     EXPECT_EQ(platform::FileSize("\\Audwall.ini"), -1);
 }
 
@@ -264,16 +267,16 @@ TEST_F(LoadAudioSettingsTest, AnAudioEditorIsFoundInOrder) {
     EXPECT_EQ(FindAudioEditor(last), last);
 
     load("[FileLocations]\nSampleEditor=D:\\OLD.EXE\n");
-    EXPECT_EQ(settings().AudioEditor, QString("D:\\OLD.EXE"));
+    EXPECT_EQ(settings.AudioEditor, QString("D:\\OLD.EXE"));
     load({});
-    EXPECT_EQ(settings().AudioEditor, first);
+    EXPECT_EQ(settings.AudioEditor, first);
 }
 
 TEST_F(LoadAudioSettingsTest, TheFileCacheIsCheckedOnlyOnTheOldConsumerSystem) {
-    CheckFileCache({}, true);
-    CheckFileCache(root, false);
+    CheckFileCache(settings, {}, true);
+    CheckFileCache(settings, root, false);
     EXPECT_TRUE(prompts.asked.isEmpty());
-    CheckFileCache(root, true);
+    CheckFileCache(settings, root, true);
     EXPECT_TRUE(prompts.texts().last().contains("does not need to be optimised"));
 
     const char systemIni[] = "C:\\WINDOWS\\system.ini";
@@ -294,15 +297,15 @@ TEST_F(LoadAudioSettingsTest, TheFileCacheIsCheckedOnlyOnTheOldConsumerSystem) {
     EXPECT_EQ(machine.read(systemIni), QByteArray("[boot]\r\nshell=x\r\n"));
 
     prompts.answers = {Answer::Yes};
-    CheckFileCache(root, true);
+    CheckFileCache(settings, root, true);
     EXPECT_EQ(checked(), 2);
     EXPECT_EQ(machine.read(systemIni),
               QByteArray("[boot]\r\nshell=x\r\n[vcache]\r\nMinFileCache=4096\r\nMaxFileCache=4096\r\n"));
-    CheckFileCache(root, true);
+    CheckFileCache(settings, root, true);
     EXPECT_EQ(prompts.texts().last(),
               QString("Your Windows(TM) Operating System is optimized for Audio playback"));
     platform::SetPhysicalMemory(0x4000000);
     prompts.answers = {Answer::Cancel};
-    CheckFileCache(root, true);
+    CheckFileCache(settings, root, true);
     EXPECT_EQ(checked(), 2);
 }

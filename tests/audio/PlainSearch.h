@@ -29,7 +29,7 @@ inline QString joinedLines(const CartRecord& cart) {
     return withoutBlanks(text);
 }
 
-inline bool plainMatch(const CartQuery& query, qint32 number, const CartRecord& cart) {
+inline bool plainMatch(CartStore& store, const CartQuery& query, qint32 number, const CartRecord& cart) {
     const QString wanted = withoutBlanks(query.text);
     const auto has = [&wanted](const QString& text) {
         return !wanted.isEmpty() && text.contains(wanted, Qt::CaseInsensitive);
@@ -42,7 +42,7 @@ inline bool plainMatch(const CartQuery& query, qint32 number, const CartRecord& 
             found = found || (query.limitLines && query.lines[std::size_t(i)] && has(lines[i]));
         found = found || (!query.limitLines && has(joinedLines(cart)));
         bool exists = false;
-        const QString notes = CartNotesPath(number, &exists);
+        const QString notes = CartNotesPath(store, number, &exists);
         if (!found && query.notes && exists)
             found = has(platform::FromCodePage(
                 platform::ReadWholeFile(notes).value_or(QByteArray()).left(SearchedNotesBytes)));
@@ -55,11 +55,11 @@ inline bool plainMatch(const CartQuery& query, qint32 number, const CartRecord& 
     return found;
 }
 
-inline QList<qint32> plainSearch(const CartQuery& query, qint32 carts) {
+inline QList<qint32> plainSearch(CartStore& store, const CartQuery& query, qint32 carts) {
     qint32 cart = query.wholeWall ? (query.backwards ? carts : 1) : std::max(query.start, 1);
     QList<qint32> found;
     for (; cart >= 1 && cart <= carts; cart += query.backwards ? -1 : 1)
-        if (plainMatch(query, cart, ReadCart(cart)))
+        if (plainMatch(store, query, cart, ReadCart(store, cart)))
             found += cart;
     return found;
 }

@@ -23,14 +23,10 @@ class AutomationTest : public ServerTest {
 protected:
     explicit AutomationTest(Way way = Way::OwnDriver)
         : ServerTest(way) {
-        settings().DataLocation = QStringLiteral("C:\\DATA");
-        settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
+        settings.DataLocation = QStringLiteral("C:\\DATA");
+        settings.LocalIniFile = QStringLiteral("TOLVEX.INI");
     }
-    ~AutomationTest() override {
-        database.reset();
-        settings() = Settings();
-        ResetKOVADatabaseSettings();
-    }
+    ~AutomationTest() override { database.reset(); }
     void makeComplete() {
         makeEmpty();
         ASSERT_EQ(ValidateKOVADatabaseTables(Path, connect_), 0);
@@ -53,7 +49,8 @@ protected:
         auto rows = database->open("Settings", RecordsetMode::Table);
         ASSERT_EQ(PutDatabaseSetting(rows.get(), item, value, QVariant()), 0);
     }
-    KOVADatabaseSettings& record = kovaDatabaseSettings();
+    Settings settings;
+    KOVADatabaseSettings record;
     std::unique_ptr<SuiteDatabase> database;
     QString connect_; // empty: a file
 };
@@ -120,15 +117,15 @@ const QSet<QString> foreign = {"ADVERTS.LastSent", "ADVERTS.SentBy",    "MUSIC.L
 
 TEST_F(AutomationTest, MakesOneDefaultDatabase) {
     machine.write("C:\\DATA\\SCHEDULE\\OTHER.MDB", "text");
-    EXPECT_EQ(CreateDefaultKOVADatabase(true), -1);
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, true), -1);
     EXPECT_EQ(platform::ProfileText("KOVA", "DefaultDatabase", {}, "TOLVEX.INI"), "KOVA26.MDB");
     EXPECT_EQ(rows(Path, "Description"), "K-Ova Database,2.5999999,14");
     EXPECT_EQ(rows(Path, "Settings"), "BeenSet,1");
     EXPECT_EQ(mdb("mdb-tables", Path, {"-1"}).split('\n').join(' ').toStdString(),
               "Description Log Settings Songs Jingles Schedule");
-    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0); // there is a default
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, true), 0); // there is a default
     platform::WriteProfileText("KOVA", "DefaultDatabase", QString(), "TOLVEX.INI");
-    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0); // it is found
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, true), 0); // it is found
     EXPECT_EQ(platform::FolderNames("C:\\DATA\\SCHEDULE"), (QStringList{"KOVA26.MDB", "OTHER.MDB"}));
 }
 
@@ -136,17 +133,17 @@ TEST_F(AutomationTest, MakesOneDefaultDatabase) {
 // settings are nobody's business here. And a default that is named counts, whether it is there or not.
 TEST_F(AutomationTest, LeavesAloneWhatItFindsOrWhatIsNamed) {
     make("C:\\DATA\\SCHEDULE\\KOVA26.MDB", KOVAType, "K-Ova Database");
-    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0);
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, true), 0);
     EXPECT_EQ(rows(Path, "Description"), "K-Ova Database,2.5999999,14");
     EXPECT_EQ(mdb("mdb-tables", Path, {"-1"}), "Description");
     EXPECT_EQ(platform::ProfileText("KOVA", "DefaultDatabase", {}, "TOLVEX.INI"), "");
     platform::RemoveFile(Path);
     platform::WriteProfileText("KOVA", "DefaultDatabase", "kova26.mdb", "TOLVEX.INI");
-    EXPECT_EQ(CreateDefaultKOVADatabase(true), 0);
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, true), 0);
     EXPECT_FALSE(machine.exists(Path));
     // Without being asked to, it names none.
     platform::WriteProfileText("KOVA", "DefaultDatabase", QString(), "TOLVEX.INI");
-    EXPECT_EQ(CreateDefaultKOVADatabase(false), -1);
+    EXPECT_EQ(CreateDefaultKOVADatabase(settings, false), -1);
     EXPECT_EQ(platform::ProfileText("KOVA", "DefaultDatabase", {}, "TOLVEX.INI"), "");
 }
 
@@ -197,7 +194,7 @@ TEST_P(AutomationStoreTest, UpgradesAnOlderDatabase) {
 TEST_P(AutomationStoreTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
     makeComplete();
     int shown = 0;
-    EXPECT_EQ(LoadKOVASettings(*database, [&] { ++shown; }), -1);
+    EXPECT_EQ(LoadKOVASettings(*database, record, settings.DataLocation, [&] { ++shown; }), -1);
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(record.SEGUE_PreviewLength, 10);
     EXPECT_EQ(record.SEGUE_VoiceStartCart, 8001);
@@ -208,7 +205,7 @@ TEST_P(AutomationStoreTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
     EXPECT_TRUE(record.KOVA_LogFont_FontBold);
     EXPECT_EQ(record.ADVERTS_LogPath, "C:\\DATA\\LOGS");
 
-    EXPECT_EQ(SaveKOVASettings(*database), 0);
+    EXPECT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
     const auto values = stored();
     for (const AutomationItem& item : AutomationItems())
         EXPECT_EQ(values.contains(item.name), !sparse.contains(item.name) && !foreign.contains(item.name))
@@ -225,26 +222,26 @@ TEST_P(AutomationStoreTest, ReadsAnEmptyTableAsDefaultsAndSavesItDense) {
 // The value with which an item is compared when it is saved is one that somebody may choose.
 TEST_P(AutomationStoreTest, KeepsValuesThatEqualAWriteDefault) {
     makeComplete();
-    LoadKOVASettings(*database);
+    LoadKOVASettings(*database, record, settings.DataLocation);
     for (const AutomationItem& item : AutomationItems())
         if (item.isWritten())
-            TakeMember(item, DefaultValue(item, item.writeDefault, record), record);
+            TakeMember(item, DefaultValue(item, item.writeDefault, record, settings.DataLocation), record);
     EXPECT_EQ(record.CMDS_Colour, 16304375);
     EXPECT_EQ(record.SEGUE_VoiceLinkLevelTrigger, 5);
     // 0 stands for the voice-tracker's own numbers.
     record.SEGUE_PreviewLength = record.SEGUE_VoiceStartCart = record.SEGUE_VoiceEndCart = 1;
     const KOVADatabaseSettings saved = record;
     store("BeenSet", 1);
-    ASSERT_EQ(SaveKOVASettings(*database), 0);
-    ResetKOVADatabaseSettings();
-    ASSERT_EQ(LoadKOVASettings(*database), 0);
+    ASSERT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
+    record = {};
+    ASSERT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), 0);
     for (const AutomationItem& item : AutomationItems())
         EXPECT_EQ(MemberValue(item, record), MemberValue(item, saved)) << item.name;
 }
 
 TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     makeComplete();
-    LoadKOVASettings(*database);
+    LoadKOVASettings(*database, record, settings.DataLocation);
     // Every member gets a value of its own.
     int next = 100;
     for (const AutomationItem& item : AutomationItems()) {
@@ -258,9 +255,9 @@ TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     record.KOVA_LogFont_FontBold = false;
     const KOVADatabaseSettings saved = record;
     store("BeenSet", 1);
-    ASSERT_EQ(SaveKOVASettings(*database), 0);
-    ResetKOVADatabaseSettings();
-    ASSERT_EQ(LoadKOVASettings(*database), 0);
+    ASSERT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
+    record = {};
+    ASSERT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), 0);
     for (const AutomationItem& item : AutomationItems())
         EXPECT_EQ(MemberValue(item, record), MemberValue(item, saved)) << item.name;
     EXPECT_EQ(stored()["KOVA.Cart_Normal_Fade"], "2.5");
@@ -269,7 +266,7 @@ TEST_P(AutomationStoreTest, KeepsEverySettingThroughSavingAndLoading) {
     record.KOVA_LogFont_FontName = "Arial";
     record.KOVA_LogFont_FontSize = 12;
     record.MUSIC_FilenamePrefix = "TL";
-    ASSERT_EQ(SaveKOVASettings(*database), 0);
+    ASSERT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
     const auto values = stored();
     for (const char* item : {"KOVA.LogFont.FontName", "KOVA.LogFont.FontSize", "KOVA.LogFont.FontItalic",
                              "MUSIC.FilenamePrefix", "ADVERTS.ClientDatabase", "MUSIC.SongsEnd"})
@@ -283,12 +280,12 @@ TEST_P(AutomationStoreTest, TakesOverAnOlderAddress) {
     store("KOVA.SCComputerAddress", "not read");
     store("KOVA.SCComputerPort", 99);
     store("BeenSet", 1);
-    EXPECT_EQ(LoadKOVASettings(*database), 0);
+    EXPECT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), 0);
     EXPECT_EQ(record.KOVA_SCComputerAddress, "10.0.0.7");
     EXPECT_EQ(record.KOVA_SCComputerPort, 0);
-    EXPECT_EQ(SaveKOVASettings(*database), 0);
+    EXPECT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
     EXPECT_FALSE(stored().contains("KOVA.ZQSServerAddress"));
-    EXPECT_EQ(LoadKOVASettings(*database), 0);
+    EXPECT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), 0);
     EXPECT_EQ(record.KOVA_SCComputerAddress, "10.0.0.7");
 }
 
@@ -301,7 +298,7 @@ TEST_P(AutomationStoreTest, ReadsWhatOthersWrote) {
     store("ADVERTS.LogPath", "  D:\\LOGS ");
     store("KOVA.LogFont.FontName", " Courier ");
     platform::WriteProfileText("Settings", "PreviewLength", "7", "stailor.ini");
-    EXPECT_EQ(LoadKOVASettings(*database), -1);
+    EXPECT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), -1);
     EXPECT_TRUE(record.KOVA_LogFont_FontItalic);
     EXPECT_EQ(record.KOVA_PreCueTime, 12);
     EXPECT_EQ(record.KOVA_MaxFadeTime, 0);
@@ -314,29 +311,30 @@ TEST_P(AutomationStoreTest, ReadsWhatOthersWrote) {
     store("KOVA.PreCueTime", "99999");
     store("KOVA.AutoRestartDelay", "5");
     store("KOVA.MaxFadeTime", "3");
-    EXPECT_EQ(LoadKOVASettings(*database), 6);
+    EXPECT_EQ(LoadKOVASettings(*database, record, settings.DataLocation), 6);
     EXPECT_EQ(record.KOVA_AutoRestartDelay, 5);
     EXPECT_EQ(record.KOVA_PreCueTime, 12);
     EXPECT_EQ(record.KOVA_MaxFadeTime, 0);
 
     CreateSuiteDatabase("C:\\BARE.MDB");
     auto bare = OpenSuiteDatabase("C:\\BARE.MDB");
-    EXPECT_EQ(LoadKOVASettings(*bare), 3078);
-    EXPECT_EQ(SaveKOVASettings(*bare), 3078);
+    EXPECT_EQ(LoadKOVASettings(*bare, record, settings.DataLocation), 3078);
+    EXPECT_EQ(SaveKOVASettings(*bare, record, settings.DataLocation), 3078);
     EXPECT_TRUE(texts().last().startsWith("There was a problem opening the K-OVA settings table and"));
 }
 
 TEST_F(AutomationTest, SavesAllOrNothingOnAServer) {
     connect_ = connect();
     makeComplete();
-    LoadKOVASettings(*database);
-    ASSERT_EQ(SaveKOVASettings(*database), 0);
+    LoadKOVASettings(*database, record, settings.DataLocation);
+    ASSERT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 0);
     const auto before = stored();
     for (const int statements : {0, 1, 2, 3, 5, 50, 200}) {
         record.KOVA_PreCueTime = 99;
         record.KOVA_SweeperMode = 2;
         prompts.forget();
-        EXPECT_EQ(SaveKOVASettings(*openOnServer(Path, QStringLiteral("LoseAfter=%1").arg(statements))),
+        EXPECT_EQ(SaveKOVASettings(*openOnServer(Path, QStringLiteral("LoseAfter=%1").arg(statements)),
+                                   record, settings.DataLocation),
                   3146);
         EXPECT_EQ(texts().size(), 1) << texts().join('|').toStdString();
         EXPECT_EQ(stored(), before) << statements;
@@ -354,22 +352,22 @@ TEST_F(AutomationTest, SavesAllOrNothingOnAServer) {
                       "BEGIN SELECT RAISE(ABORT, 'refused'); END");
     record.CMDS_Colour = 5;
     openOnServer(Path)->execute("DELETE FROM [Settings] WHERE [Item] = 'CMDS.Colour'");
-    EXPECT_EQ(SaveKOVASettings(*database), 3314);
+    EXPECT_EQ(SaveKOVASettings(*database, record, settings.DataLocation), 3314);
     EXPECT_EQ(shown, 1);
     EXPECT_EQ(stored()["KOVA.PreCueTime"], before["KOVA.PreCueTime"]);
     prompts.beforeAnswers = {};
     // All settings are read with one statement: they are known, or none of them. A connection that is lost is
     // made once more.
-    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=1")), 3146);
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=1"), record, settings.DataLocation), 3146);
     EXPECT_EQ(record.KOVA_PreCueTime, 99);
-    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=2")), 0);
+    EXPECT_EQ(LoadKOVASettings(*openOnServer(Path, "LoseAfter=2"), record, settings.DataLocation), 0);
     EXPECT_EQ(record.KOVA_PreCueTime, 20);
 }
 
 TEST_F(AutomationTest, EntriesOfTheLogAreFoundByTheirTexts) {
-    EXPECT_EQ(AutomationLogPath(settings()), QString());
-    settings().DefaultDatabase = "KOVA26.MDB";
-    EXPECT_EQ(AutomationLogPath(settings()), Path);
+    EXPECT_EQ(AutomationLogPath(settings), QString());
+    settings.DefaultDatabase = "KOVA26.MDB";
+    EXPECT_EQ(AutomationLogPath(settings), Path);
     makeComplete();
     database->execute("INSERT INTO Log (KIndex, ItemReference) VALUES (1.5, 'DOOR')");
     database->execute("INSERT INTO Log (KIndex, Description1) VALUES (2, 'News')");

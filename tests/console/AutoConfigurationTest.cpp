@@ -1,14 +1,13 @@
 // From a machine that has nothing to a configured workstation, and again over one that has everything.
 #include "console/AutoConfiguration.h"
 
-#include "ConsoleTest.h"
-#include "console/CheckConfiguration.h"
 #include "console/Installation.h"
-#include "console/LoadSettings.h"
 #include "core/system/Registry.h"
-#include "databases/users/UsersDatabase.h"
 #include "platform/Machine.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/CheckConfiguration.h"
+#include "station/LoadSettings.h"
+#include "station/StationTest.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -35,26 +34,24 @@ QByteArray terminal(const QByteArray& networkName) {
     return QByteArray(30, ' ') + networkName.leftJustified(30) + QByteArray(12, '\0') + QByteArray(56, ' ');
 }
 
-class AutoConfigurationTest : public ConsoleTest {
+class AutoConfigurationTest : public StationTest {
 protected:
     AutoConfigurationTest() { start(); }
-    ~AutoConfigurationTest() override { ResetUsersState(); }
 
     // A start of the program: everything is loaded as it is in the files, nobody chooses an editor.
     void start() {
-        ResetUsersState();
-        forget();
+        begin();
         prompts.forget();
-        LoadLocalSettings();
+        LoadLocalSettings(station);
         prompts.files = {std::nullopt};
     }
     void addNetwork() {
         machine.addDrive(u'M', DriveType::Remote);
         machine.addDrive(u'U', DriveType::Remote);
     }
-    static QString locations() {
-        QStringList all = {settings().DataLocation};
-        for (const CartPart& part : settings().CartPartTable)
+    QString locations() const {
+        QStringList all = {station.settings.DataLocation};
+        for (const CartPart& part : station.settings.CartPartTable)
             all += part.Location;
         all.removeDuplicates();
         return all.join(' ');
@@ -70,7 +67,7 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
     machine.write("C:\\Program Files\\App\\Updates.txt", "news");
     platform::SetApplicationFolder("C:\\Program Files\\App");
     prompts.answers = {Answer::Yes};
-    EXPECT_TRUE(DefaultLocalInstall());
+    EXPECT_TRUE(DefaultLocalInstall(station));
     EXPECT_EQ(prompts.texts(), QStringList{localQuestion} + installing);
     EXPECT_EQ(prompts.asked[1].title, QString("Tolvex Automatic Configuration"));
     EXPECT_EQ(prompts.splashes,
@@ -81,7 +78,7 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
                            "Audio Setup..", "Finishing Configuration..", QString()}));
     EXPECT_EQ(prompts.pointer(), platform::Pointer::Default);
     EXPECT_TRUE(prompts.notices.isEmpty());
-    EXPECT_EQ(settings().AutoConfigInProgress, 0);
+    EXPECT_EQ(station.settings.AutoConfigInProgress, 0);
     ASSERT_EQ(prompts.fileQuestions.size(), 1);
     const platform::FileQuestion& editor = prompts.fileQuestions[0];
     EXPECT_EQ(editor.title + '|' + editor.filter + '|' + editor.fileName + '|' + editor.defaultExtension,
@@ -89,8 +86,8 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
 
     // As the next start of any program finds it.
     start();
-    EXPECT_TRUE(MissingItems().isEmpty());
-    EXPECT_EQ(CheckConfiguration(), QString());
+    EXPECT_TRUE(MissingItems(station).isEmpty());
+    EXPECT_EQ(CheckConfiguration(station), QString());
     EXPECT_EQ(locations(), QString("C:\\TOLVEX\\SYSTEM C:\\TOLVEX\\AUDIO"));
     EXPECT_EQ(stored("KOVA", "DefaultDatabase"), QString("KOVA26.MDB"));
     EXPECT_EQ(stored("AudioWall", "JumpCartNumber3") + stored("AudioWall", "JumpDescription3"),
@@ -105,12 +102,12 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
     const QByteArray list = machine.read("C:\\TOLVEX\\SYSTEM\\Terminal.Lst");
     EXPECT_EQ(list.left(128), terminal(platform::ComputerName().toLatin1()));
     EXPECT_EQ(list.size(), 32 * 128);
-    EXPECT_EQ(settings().LinkMeshId, 1);
+    EXPECT_EQ(station.settings.LinkMeshId, 1);
 }
 
 TEST_F(AutoConfigurationTest, ASecondRunKeepsWhatTheFirstOneAndOthersMade) {
     prompts.answers = {Answer::Yes};
-    ASSERT_TRUE(DefaultLocalInstall());
+    ASSERT_TRUE(DefaultLocalInstall(station));
     start();
     const QByteArray cart(300, 'x');
     machine.write("C:\\TOLVEX\\AUDIO\\Carts2.lst",
@@ -125,7 +122,7 @@ TEST_F(AutoConfigurationTest, ASecondRunKeepsWhatTheFirstOneAndOthersMade) {
     const QByteArray database = machine.read("C:\\TOLVEX\\SYSTEM\\SCHEDULE\\KOVA26.MDB");
     start();
     prompts.answers = {Answer::Yes, Answer::Yes};
-    LocalSetup();
+    LocalSetup(station);
     EXPECT_EQ(prompts.texts(),
               (QStringList{"Are you sure you want to allow Tolvex to automatically configure itself to run "
                            "locally?\nThis will overwrite all of your previous settings.",
@@ -140,9 +137,9 @@ TEST_F(AutoConfigurationTest, ASecondRunKeepsWhatTheFirstOneAndOthersMade) {
 
     start();
     prompts.answers = {Answer::No};
-    LocalSetup();
+    LocalSetup(station);
     prompts.answers = {Answer::No};
-    EXPECT_FALSE(DefaultLocalInstall());
+    EXPECT_FALSE(DefaultLocalInstall(station));
     EXPECT_EQ(prompts.asked.size(), 2);
 }
 
@@ -165,7 +162,7 @@ TEST_F(AutoConfigurationTest, AWorkstationTakesItsOwnNumberAFreeOneOrNobodysName
         machine.write("C:\\TOLVEX\\SYSTEM\\Terminal.Lst", each.list);
         start();
         prompts.answers = {Answer::Yes};
-        EXPECT_TRUE(DefaultLocalInstall());
+        EXPECT_TRUE(DefaultLocalInstall(station));
         EXPECT_EQ(stored("LinkMesh", "LinkMeshId").toInt(), each.id);
         EXPECT_TRUE(machine.read("C:\\TOLVEX\\SYSTEM\\Terminal.Lst") == each.after) << each.id;
     }
@@ -183,7 +180,7 @@ TEST_F(AutoConfigurationTest, WhatIsFoundIsUsedAfterAQuestion) {
             .arg(indent);
     };
     prompts.answers = {Answer::Yes, Answer::Yes};
-    EXPECT_TRUE(LookForSetup());
+    EXPECT_TRUE(LookForSetup(station));
     EXPECT_EQ(prompts.texts(), QStringList{question("")} + installing + QStringList{exitQuestion});
     EXPECT_EQ(locations(), QString("M:\\SYSTEM U:\\AUDIO U:\\AUDIO\\AUDIO2"));
     EXPECT_EQ(stored("FileLocations", "Carts11"), QString("U:\\AUDIO\\AUDIO2"));
@@ -192,16 +189,16 @@ TEST_F(AutoConfigurationTest, WhatIsFoundIsUsedAfterAQuestion) {
 
     start();
     prompts.answers = {Answer::Yes, Answer::Yes, Answer::No};
-    EXPECT_FALSE(NetworkSetup());
+    EXPECT_FALSE(NetworkSetup(station));
     EXPECT_EQ(prompts.texts(),
               (QStringList{searchQuestion, question("\t")} + installing + QStringList{exitQuestion}));
 }
 
 TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
-    const auto run = [this](const std::function<bool()>& job, const std::deque<Answer>& answers) {
+    const auto run = [this](const std::function<bool(Workstation&)>& job, const std::deque<Answer>& answers) {
         start();
         prompts.answers = answers;
-        const bool exits = job();
+        const bool exits = job(station);
         EXPECT_TRUE(prompts.answers.empty());
         return exits;
     };
@@ -215,9 +212,9 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
     EXPECT_EQ(prompts.asked[1].title, QString("Tolvex Automatic Network Configuration"));
 
     // The default locations cannot be made: nothing is saved, and the settings stay as they were.
-    settings().DataLocation = "C:\\BEFORE";
+    station.settings.DataLocation = "C:\\BEFORE";
     prompts.answers = {Answer::Yes};
-    EXPECT_FALSE(DefaultNetworkInstall());
+    EXPECT_FALSE(DefaultNetworkInstall(station));
     EXPECT_EQ(locations(), QString("C:\\BEFORE "));
     EXPECT_FALSE(machine.exists("C:\\WINDOWS\\TOLVEX.INI"));
     EXPECT_EQ(prompts.texts().filter("There was a problem").size(), 2); // M:\USERS and U:
@@ -239,28 +236,28 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
     // A stopped search asks nothing.
     start();
     prompts.progressGoesOn = {false};
-    EXPECT_FALSE(LookForSetup());
+    EXPECT_FALSE(LookForSetup(station));
     EXPECT_TRUE(prompts.asked.isEmpty());
     prompts.progressGoesOn = {false};
     prompts.answers = {Answer::Yes};
-    EXPECT_FALSE(NetworkSetup());
+    EXPECT_FALSE(NetworkSetup(station));
     EXPECT_EQ(prompts.texts(), QStringList{searchQuestion});
 }
 
 TEST_F(AutoConfigurationTest, AnAudiowallFoundAloneKeepsTheDataWhereTheyAre) {
     machine.write("C:\\AUDIO\\Carts1.lst", QByteArray(300, 'x'));
     prompts.answers = {Answer::Yes};
-    EXPECT_EQ(ConfigureFromSearch(false), InstallOutcome::Configured);
+    EXPECT_EQ(ConfigureFromSearch(station, false), InstallOutcome::Configured);
     // There is no data location at all: nothing is made in the root of a drive, and that is told.
     EXPECT_TRUE(prompts.texts()[0].startsWith("Tolvex data has been found in: \n\n \n\nand"));
     EXPECT_TRUE(prompts.texts().end()[-2].contains("Data location: not set"));
     for (const char* file : {"C:\\Terminal.Lst", "C:\\SCHEDULE", "C:\\USERS"})
         EXPECT_FALSE(machine.exists(file)) << file;
 
-    settings().DataLocation = "C:\\DATA";
+    station.settings.DataLocation = "C:\\DATA";
     prompts.files = {std::nullopt};
     prompts.answers = {Answer::Yes};
-    EXPECT_EQ(ConfigureFromSearch(false), InstallOutcome::Configured);
+    EXPECT_EQ(ConfigureFromSearch(station, false), InstallOutcome::Configured);
     EXPECT_EQ(locations(), QString("C:\\DATA C:\\AUDIO"));
 }
 
@@ -269,9 +266,9 @@ TEST_F(AutoConfigurationTest, WhatCannotBeMadeIsNamedAndStopsNothingElse) {
     machine.makeFolder("C:\\TOLVEX\\SYSTEM\\Terminal.Lst");
     machine.makeFolder("C:\\TOLVEX\\AUDIO\\GLIC.Lst");
     machine.makeFolder("C:\\TOLVEX\\AUDIO\\Carts4.lst");
-    settings().LinkMeshId = 5;
+    station.settings.LinkMeshId = 5;
     prompts.answers = {Answer::No, Answer::Yes, Answer::No};
-    EXPECT_FALSE(LookForSetup());
+    EXPECT_FALSE(LookForSetup(station));
     EXPECT_EQ(prompts.texts().last(), exitQuestion);
     EXPECT_EQ(prompts.texts().end()[-3],
               QString("This could not be made:\n\n"
@@ -291,7 +288,7 @@ TEST_F(AutoConfigurationTest, WhatCannotBeMadeIsNamedAndStopsNothingElse) {
     machine.makeFolder("C:\\WINDOWS\\TOLVEX.INI");
     start();
     prompts.answers = {Answer::Yes};
-    EXPECT_TRUE(DefaultLocalInstall());
+    EXPECT_TRUE(DefaultLocalInstall(station));
     EXPECT_TRUE(prompts.texts()[1].startsWith(
         "There was a problem saving the settings of this workstation in TOLVEX.INI (system error "));
     EXPECT_TRUE(prompts.texts().end()[-2].contains("Settings of this workstation: TOLVEX.INI"));
@@ -304,9 +301,9 @@ TEST_F(AutoConfigurationTest, TheInstallerNamesTheBaseAndTheEditorIsLookedFor) {
     WriteRegistryString(LocalMachineHive, "Software\\Syntrillium\\CE2000", "MAINDIR", "C:\\CE", {});
     machine.write("C:\\CE\\COOL2000.EXE", "program");
     prompts.answers = {Answer::Yes};
-    EXPECT_TRUE(DefaultLocalInstall());
+    EXPECT_TRUE(DefaultLocalInstall(station));
     EXPECT_EQ(locations(), QString("C:\\RADIO\\SYSTEM C:\\RADIO\\AUDIO"));
-    EXPECT_EQ(settings().AudioEditor, QString("C:\\CE\\COOL2000.EXE"));
+    EXPECT_EQ(station.settings.AudioEditor, QString("C:\\CE\\COOL2000.EXE"));
     EXPECT_FALSE(prompts.texts().contains(editorMessage));
 
     QFile::remove(machine.host("C:\\CE\\COOL2000.EXE"));
@@ -321,7 +318,7 @@ TEST_F(AutoConfigurationTest, TheInstallerNamesTheBaseAndTheEditorIsLookedFor) {
         start();
         prompts.files = {each.chosen};
         prompts.answers = {Answer::Yes};
-        EXPECT_TRUE(DefaultLocalInstall());
+        EXPECT_TRUE(DefaultLocalInstall(station));
         EXPECT_EQ(stored("FileLocations", "AudioEditor"), QString(each.editor));
     }
 }

@@ -3,14 +3,13 @@
 // lost.
 #include "console/AutoConfiguration.h"
 
-#include "ConsoleTest.h"
 #include "console/Installation.h"
-#include "console/LoadSettings.h"
-#include "databases/users/UsersDatabase.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "jet/table/TableDesign.h"
 #include "jet/transfer/Transfer.h"
+#include "station/LoadSettings.h"
+#include "station/StationTest.h"
 #include "support/FileFaults.h"
 
 #include <QDirIterator>
@@ -38,14 +37,12 @@ struct Station {
     }
 
     Result configure() {
-        ConsoleTest::forget();
         machine.use();
+        Workstation station;
         prompts.answers = {Answer::Yes};
         prompts.files = {std::nullopt};
-        LoadLocalSettings();
-        const bool ran = DefaultLocalInstall();
-        ResetUsersState();
-        ConsoleTest::forget();
+        LoadLocalSettings(station);
+        const bool ran = DefaultLocalInstall(station);
         const bool complete = prompts.texts().filter("could not be made").isEmpty();
         return !ran ? Refused : complete ? Complete : Incomplete;
     }
@@ -117,10 +114,7 @@ constexpr Faults allFaults[] = {{"Kill", Fault::Kill, 1},
                                 {"NoRoom", Fault::NoRoom, 2}};
 constexpr int step = 3;
 
-class InterruptedInstallTest : public ConsoleTest, public testing::WithParamInterface<Faults> {
-protected:
-    ~InterruptedInstallTest() override { ResetUsersState(); }
-};
+class InterruptedInstallTest : public StationTest, public testing::WithParamInterface<Faults> {};
 
 } // namespace
 
@@ -128,9 +122,9 @@ TEST_P(InterruptedInstallTest, CompletesWhenItRunsAgain) {
     int operations = 0;
     QMap<QString, QByteArray> whole;
     {
-        Station station;
-        operations = RunWithFault([&] { return station.configure(); }, Fault::None, 0).operations;
-        whole = contents(station.machine);
+        Station install;
+        operations = RunWithFault([&] { return install.configure(); }, Fault::None, 0).operations;
+        whole = contents(install.machine);
     }
     ASSERT_GT(operations, 100);
     EXPECT_TRUE(whole.value("/drive_c/WINDOWS/TOLVEX.INI").contains("[Other]\r\nKey=1\r\n"));
@@ -140,18 +134,18 @@ TEST_P(InterruptedInstallTest, CompletesWhenItRunsAgain) {
     const Fault fault = GetParam().fault;
     for (int at = GetParam().first; at <= operations && !HasFailure(); at += step) {
         SCOPED_TRACE("operation " + std::to_string(at));
-        Station station;
-        const FaultyRun run = RunWithFault([&] { return station.configure(); }, fault, at);
+        Station install;
+        const FaultyRun run = RunWithFault([&] { return install.configure(); }, fault, at);
         ASSERT_TRUE(fault == Fault::Kill ? run.killed : run.result >= 0);
         // The default database is whole or not there, at any moment.
         const QString log = QStringLiteral("/drive_c/TOLVEX/SYSTEM/SCHEDULE/KOVA26.MDB");
-        const bool made = QFile::exists(station.machine.path() + log);
-        EXPECT_TRUE(!made || databaseText(station.machine.path() + log) == whole.value(log));
+        const bool made = QFile::exists(install.machine.path() + log);
+        EXPECT_TRUE(!made || databaseText(install.machine.path() + log) == whole.value(log));
         // What it says is so.
         for (const QString& path : run.result == Complete ? whole.keys() : QStringList())
-            EXPECT_TRUE(QFile::exists(station.machine.path() + path)) << path.toStdString();
-        EXPECT_EQ(station.configure(), Complete) << station.prompts.texts().join("\n").toStdString();
-        const auto now = contents(station.machine);
+            EXPECT_TRUE(QFile::exists(install.machine.path() + path)) << path.toStdString();
+        EXPECT_EQ(install.configure(), Complete) << install.prompts.texts().join("\n").toStdString();
+        const auto now = contents(install.machine);
         EXPECT_EQ(now.keys(), whole.keys());
         // A database that is found is left alone: one that was made just before the interruption is nobody's
         // default.

@@ -1,6 +1,6 @@
 #include "core/report/Folders.h"
 
-#include "core/settings/Settings.h"
+#include "core/report/DebugLog.h"
 #include "core/text/PathNames.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
@@ -15,9 +15,6 @@ namespace {
 
 class Folders : public ::testing::Test {
 protected:
-    Folders() { ResetSettings(); }
-    ~Folders() override { ResetSettings(); }
-
     tests::TestMachine machine;
     tests::ScriptedPrompts prompts;
 };
@@ -40,7 +37,8 @@ TEST_F(Folders, ADriveAndAShareAreFoundWithoutTheirBackslash) {
 
 TEST_F(Folders, TheSearchIsLoggedWithThePathThatIsSearched) {
     tests::FixedClock clock(QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)));
-    settings().DebugLevel = -1;
+    const qint32 level = -1;
+    const DebugLogging log(level);
     DirectoryExists(QStringLiteral("C:"));
     const QStringList logs = platform::FolderNames(QStringLiteral("C:\\DebugFiles"));
     ASSERT_EQ(logs.size(), 1);

@@ -1,6 +1,5 @@
 #include "core/report/DebugLog.h"
 #include "core/report/ProblemReport.h"
-#include "core/settings/Settings.h"
 #include "core/system/DataEngine.h"
 #include "core/system/Registry.h"
 #include "platform/CodePage.h"
@@ -18,9 +17,6 @@ namespace {
 
 class Reports : public ::testing::Test {
 protected:
-    Reports() { ResetSettings(); }
-    ~Reports() override { ResetSettings(); }
-
     tests::TestMachine machine;
     tests::ScriptedPrompts prompts;
 };
@@ -55,7 +51,8 @@ TEST_F(Reports, TheDebugLogKeepsOneFileADayAndIndentsByFourBlanks) {
     tests::FixedClock clock(QDateTime(QDate(2026, 11, 21), QTime(23, 59, 58)));
     DebugLog(QStringLiteral("off"));
     EXPECT_FALSE(machine.exists(QStringLiteral("C:\\DebugFiles")));
-    settings().DebugLevel = -1;
+    qint32 level = -1;
+    const DebugLogging log(level);
     DebugLog(QStringLiteral("left"), 9, DebugIndent::Reset);
     DebugLog(QStringLiteral("in"), -1, DebugIndent::Deeper);
     DebugLog(QStringLiteral("deeper"), -1, DebugIndent::Deeper, QStringLiteral("extra"));
@@ -64,7 +61,7 @@ TEST_F(Reports, TheDebugLogKeepsOneFileADayAndIndentsByFourBlanks) {
     DebugLog(QStringLiteral("out"), -1, DebugIndent::Shallower);
     DebugLog(QStringLiteral("out"), -1, DebugIndent::Shallower);
     DebugLog(QStringLiteral("out"), -1, DebugIndent::Shallower);
-    settings().DebugLevel = 4;
+    level = 4;
     DebugLog(QStringLiteral("counts as 5"));
     DebugLog(QStringLiteral("four"), 4);
     const QString stem = QStringLiteral("C:\\DebugFiles\\") + ProgramName();
@@ -75,7 +72,8 @@ TEST_F(Reports, TheDebugLogKeepsOneFileADayAndIndentsByFourBlanks) {
 }
 
 TEST_F(Reports, ALogThatCannotBeWrittenStopsNothing) {
-    settings().DebugLevel = -1;
+    const qint32 level = -1;
+    const DebugLogging log(level);
     machine.write(QStringLiteral("C:\\DebugFiles"), "a file in the way");
     DebugLog(QStringLiteral("lost"));
     EXPECT_EQ(prompts.texts(), QStringList{"Could not create Debug Files folder in 'C:\\DebugFiles'"});

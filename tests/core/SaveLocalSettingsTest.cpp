@@ -73,15 +73,16 @@ QByteArray withAudioEnd() {
 }
 
 // Every local row, as start-up loads them but for the search for devices.
-void loadAll() {
-    ResetSettings();
-    settings().RecordingSoundCard = 1;
+Settings loadAll() {
+    Settings settings;
+    settings.RecordingSoundCard = 1;
     for (const SettingGroup& group : AllSettings()) {
         if (group.file != SettingsFile::Local)
             continue;
-        LoadRows(group.rows, {ini});
-        SizeJumpCartButtons();
+        LoadRows(group.rows, {ini}, settings);
+        SizeJumpCartButtons(settings);
     }
+    return settings;
 }
 
 } // namespace
@@ -90,30 +91,30 @@ TEST(SaveLocalSettings, ALoadAndASaveLeaveAFullFileAsItIs) {
     tests::TestMachine machine;
     const QByteArray before = withAudioEnd();
     machine.write(ini, before);
-    loadAll();
-    EXPECT_EQ(SaveLocalSettings(QStringLiteral("tolvex.ini")), platform::ProfileOk);
+    Settings settings = loadAll();
+    EXPECT_EQ(SaveLocalSettings(settings, QStringLiteral("tolvex.ini")), platform::ProfileOk);
     EXPECT_EQ(machine.read(ini), before);
 }
 
 TEST(SaveLocalSettings, MissingKeysJoinTheirSectionsInTheOrderOfSavingAndNothingElseChanges) {
     tests::TestMachine machine;
     machine.write(ini, full);
-    loadAll();
-    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    Settings settings = loadAll();
+    EXPECT_EQ(SaveLocalSettings(settings, ini), platform::ProfileOk);
     EXPECT_EQ(machine.read(ini), withAudioEnd());
 }
 
 TEST(SaveLocalSettings, ANewFileHoldsTheKeysInTheOrderOfSaving) {
     tests::TestMachine machine;
-    loadAll();
-    settings().DataLocation = QStringLiteral("C:\\");
-    settings().CartPartTable[2].Location = QStringLiteral("D:\\X\\");
-    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    Settings settings = loadAll();
+    settings.DataLocation = QStringLiteral("C:\\");
+    settings.CartPartTable[2].Location = QStringLiteral("D:\\X\\");
+    EXPECT_EQ(SaveLocalSettings(settings, ini), platform::ProfileOk);
     const QByteArray saved = machine.read(ini);
     EXPECT_TRUE(saved.startsWith("[FileLocations]\r\nData=C:\r\nSchedules=C:\\SCHEDULE\r\nLogs=C:\\LOGS\r\n"
                                  "Carts1=\r\nCarts2=D:\\X\r\n"))
         << saved.left(200).toStdString();
-    EXPECT_EQ(settings().CartPartTable[2].Location, "D:\\X");
+    EXPECT_EQ(settings.CartPartTable[2].Location, "D:\\X");
     // Devices given out automatically are not kept; the sections stand in the order in which they came up.
     EXPECT_FALSE(saved.contains("SoundCardNumber"));
     QByteArrayList sections;
@@ -130,12 +131,11 @@ TEST(SaveLocalSettings, ANewFileHoldsTheKeysInTheOrderOfSaving) {
 // A form holds a set flag as -1; the files hold 0 or 1.
 TEST(SaveLocalSettings, FlagsLoseTheirSign) {
     tests::TestMachine machine;
-    loadAll();
-    Settings& values = settings();
+    Settings values = loadAll();
     values.ShowClock = values.AdjustTheSystemColors = values.UseLargeWLBuffers = values.CartFontBold = -1;
     values.SingleClickPlayCarts = values.MouseClose = values.ShowICAtLogin = values.DisplayExtros = -1;
     values.ShowPadAtLogin = 0;
-    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    EXPECT_EQ(SaveLocalSettings(values, ini), platform::ProfileOk);
     const QByteArray saved = machine.read(ini);
     for (const char* line : {"ShowClock=1\r\n", "AdjustTheSystemColors=1\r\n", "UseLargeWLBuffers=1\r\n",
                              "CartFontBold=1\r\n", "SingleClickPlayCarts=1\r\n", "MouseClose=1\r\n",
@@ -146,28 +146,28 @@ TEST(SaveLocalSettings, FlagsLoseTheirSign) {
 
 TEST(SaveLocalSettings, LocationsAreTidiedOnceASave) {
     tests::TestMachine machine;
-    loadAll();
-    settings().DataLocation = QStringLiteral(" m:\\tolvex\\\\ ");
-    settings().CartPartTable[1].Location = QString::fromUtf8("u:\\Gro\u00DF \u00B5\u00E9\\");
-    settings().CartPartTable[2].Location = QStringLiteral("\\\\srv\\wall\\\\\\");
-    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    Settings settings = loadAll();
+    settings.DataLocation = QStringLiteral(" m:\\tolvex\\\\ ");
+    settings.CartPartTable[1].Location = QString::fromUtf8("u:\\Gro\u00DF \u00B5\u00E9\\");
+    settings.CartPartTable[2].Location = QStringLiteral("\\\\srv\\wall\\\\\\");
+    EXPECT_EQ(SaveLocalSettings(settings, ini), platform::ProfileOk);
     EXPECT_TRUE(machine.read(ini).startsWith(
         "[FileLocations]\r\nData=M:\\TOLVEX\\\r\nSchedules=M:\\TOLVEX\\\\SCHEDULE\r\n"
         "Logs=M:\\TOLVEX\\\\LOGS\r\nCarts1=U:\\GRO\xDF \xB5\xC9\r\n"
         "Carts2=\\\\SRV\\WALL\\\\\r\n"))
         << machine.read(ini).left(300).toStdString();
-    EXPECT_EQ(settings().DataLocation, "M:\\TOLVEX\\");
-    EXPECT_EQ(settings().CartPartTable[2].Location, "\\\\SRV\\WALL\\\\");
+    EXPECT_EQ(settings.DataLocation, "M:\\TOLVEX\\");
+    EXPECT_EQ(settings.CartPartTable[2].Location, "\\\\SRV\\WALL\\\\");
 }
 
 TEST(SaveLocalSettings, AutomaticAssignmentRemovesStoredDevicesAndTheEditorIsKeptByItsShortPathToo) {
     tests::TestMachine machine;
     machine.write(ini, withAudioEnd());
     machine.write(QStringLiteral("C:\\Program Files\\Wave Editor\\editor.exe"), "x");
-    loadAll();
-    settings().AutomaticPlayerAssignment = -1;
-    settings().AudioEditor = QStringLiteral("C:\\Program Files\\Wave Editor\\editor.exe");
-    EXPECT_EQ(SaveLocalSettings(ini), platform::ProfileOk);
+    Settings settings = loadAll();
+    settings.AutomaticPlayerAssignment = -1;
+    settings.AudioEditor = QStringLiteral("C:\\Program Files\\Wave Editor\\editor.exe");
+    EXPECT_EQ(SaveLocalSettings(settings, ini), platform::ProfileOk);
     const QByteArray saved = machine.read(ini);
     EXPECT_FALSE(saved.contains("SoundCardNumber"));
     EXPECT_TRUE(saved.contains("AutomaticPlayerAssignment=1\r\n"));
@@ -180,14 +180,14 @@ TEST(SaveLocalSettings, AutomaticAssignmentRemovesStoredDevicesAndTheEditorIsKep
 
 TEST(SaveLocalSettings, APathThatIsEmptyOrCannotBeWrittenLosesNothing) {
     tests::TestMachine machine;
-    loadAll();
-    EXPECT_EQ(SaveLocalSettings(QStringLiteral("  ")), platform::ProfileOk);
+    Settings settings = loadAll();
+    EXPECT_EQ(SaveLocalSettings(settings, QStringLiteral("  ")), platform::ProfileOk);
     EXPECT_EQ(
         platform::FolderNames(platform::WindowsFolder()).filter(QStringLiteral(".ini"), Qt::CaseInsensitive),
         QStringList());
     machine.makeFolder(ini);
-    EXPECT_NE(SaveLocalSettings(ini), platform::ProfileOk);
-    EXPECT_NE(SaveLocalSettings(QStringLiteral("C:\\missing\\X.INI")), platform::ProfileOk);
+    EXPECT_NE(SaveLocalSettings(settings, ini), platform::ProfileOk);
+    EXPECT_NE(SaveLocalSettings(settings, QStringLiteral("C:\\missing\\X.INI")), platform::ProfileOk);
     EXPECT_FALSE(machine.exists(QStringLiteral("C:\\missing")));
 }
 
@@ -195,11 +195,11 @@ TEST(SaveLocalSettings, APathThatIsEmptyOrCannotBeWrittenLosesNothing) {
 TEST(SaveLocalSettings, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
     tests::TestMachine machine;
     machine.write(ini, withAudioEnd());
-    loadAll();
-    const auto save = [](int turn) {
-        settings().DataLocation = turn % 2 ? QStringLiteral("M:\\ONE") : QStringLiteral("M:\\ANOTHER\\PLACE");
-        settings().KHz = turn % 2 ? 44100 : 22050;
-        return SaveLocalSettings(ini);
+    Settings settings = loadAll();
+    const auto save = [&settings](int turn) {
+        settings.DataLocation = turn % 2 ? QStringLiteral("M:\\ONE") : QStringLiteral("M:\\ANOTHER\\PLACE");
+        settings.KHz = turn % 2 ? 44100 : 22050;
+        return SaveLocalSettings(settings, ini);
     };
     ASSERT_EQ(save(0), platform::ProfileOk);
     const QByteArray first = machine.read(ini);

@@ -16,21 +16,20 @@ const QString ini = QStringLiteral("C:\\T.INI");
 
 class SettingsLoader : public ::testing::Test {
 protected:
-    SettingsLoader() { ResetSettings(); }
-
     // The value of a key after a load from a file of this content.
     QString loaded(const char* section, const char* key, const QByteArray& content) {
         machine.write(ini, content);
-        ResetSettings();
-        settings().NumberCartJumpButtons = 3;
-        SizeJumpCartButtons();
+        settings = {};
+        settings.NumberCartJumpButtons = 3;
+        SizeJumpCartButtons(settings);
         const SettingPlace place = FindSetting(QLatin1String(section), QLatin1String(key));
         EXPECT_TRUE(place) << section << key;
-        LoadEntry(*place.row, place.index, {ini});
-        return MemberText(*place.row, place.index);
+        LoadEntry(*place.row, place.index, {ini}, settings);
+        return MemberText(*place.row, place.index, settings);
     }
 
     tests::TestMachine machine;
+    Settings settings;
 };
 
 struct Case {
@@ -85,12 +84,12 @@ TEST_F(SettingsLoader, ReadsValuesOfEveryKindAndTheOlderKeyWhereTheKeyIsMissing)
 
 TEST_F(SettingsLoader, DefaultsFollowTheSettingsAsTheyAreHeld) {
     machine.write(ini, "[Audio]\r\nGeneralVolume=80\r\n[CartPlayers]\r\nTotalNumberCartPlayers=3\r\n");
-    settings().RecordingSoundCard = 5;
+    settings.RecordingSoundCard = 5;
     for (const SettingRows& rows : {PlayerAssignmentRows, PlayerRows, RecordingRows, VolumeRows, AudioRows})
-        LoadRows(rows, {ini});
-    EXPECT_EQ(settings().Instant, 3);
-    EXPECT_EQ(settings().RecordingSoundCard, 5);
-    EXPECT_EQ(settings().DuckAudioVolume, 70);
+        LoadRows(rows, {ini}, settings);
+    EXPECT_EQ(settings.Instant, 3);
+    EXPECT_EQ(settings.RecordingSoundCard, 5);
+    EXPECT_EQ(settings.DuckAudioVolume, 70);
 }
 
 TEST_F(SettingsLoader, TheRegistryFormHasItsOwnKeysAndNames) {
@@ -107,19 +106,19 @@ TEST_F(SettingsLoader, TheRegistryFormHasItsOwnKeysAndNames) {
                         QStringLiteral("CartLocation11"), QStringLiteral("D:\\WALL"), {});
     const SettingSource registry{{}, root};
     for (const SettingRows& rows : {SoundCardRows, PlayerRows, AudioRows, LocationRows})
-        LoadRows(rows, registry);
-    EXPECT_EQ(settings().CartPlayerTable[2].Device, 7);
-    EXPECT_EQ(settings().CartPlayerTable[3].Device, 3);
-    EXPECT_EQ(settings().KeyboardClose, 1);
-    EXPECT_EQ(settings().MouseClose, 0);
-    EXPECT_EQ(settings().EditPlayer, 0);
-    EXPECT_EQ(settings().PlayerFadeFirePercent, 65);
-    EXPECT_EQ(settings().MaintainLegacyCartList, 0);
-    EXPECT_EQ(settings().CartPartTable[11].Location, "D:\\WALL");
+        LoadRows(rows, registry, settings);
+    EXPECT_EQ(settings.CartPlayerTable[2].Device, 7);
+    EXPECT_EQ(settings.CartPlayerTable[3].Device, 3);
+    EXPECT_EQ(settings.KeyboardClose, 1);
+    EXPECT_EQ(settings.MouseClose, 0);
+    EXPECT_EQ(settings.EditPlayer, 0);
+    EXPECT_EQ(settings.PlayerFadeFirePercent, 65);
+    EXPECT_EQ(settings.MaintainLegacyCartList, 0);
+    EXPECT_EQ(settings.CartPartTable[11].Location, "D:\\WALL");
     // Without a registry form the setting stays as it is.
-    settings().ShowClock = 9;
-    LoadRows(DisplayRows, registry);
-    EXPECT_EQ(settings().ShowClock, 9);
+    settings.ShowClock = 9;
+    LoadRows(DisplayRows, registry, settings);
+    EXPECT_EQ(settings.ShowClock, 9);
 }
 
 TEST_F(SettingsLoader, DatesLoseTheHalfOfTheDayAndWhatIsNoDateChangesNothing) {
@@ -127,8 +126,8 @@ TEST_F(SettingsLoader, DatesLoseTheHalfOfTheDayAndWhatIsNoDateChangesNothing) {
     const auto load = [&](const char* text) {
         platform::WriteProfileText(QStringLiteral("UpdateNotice"), QStringLiteral("LastOneWas"),
                                    QLatin1String(text), file);
-        LoadRows(UpdateNoticeRows, {file});
-        return settings().LastOneWas;
+        LoadRows(UpdateNoticeRows, {file}, settings);
+        return settings.LastOneWas;
     };
     const double tenInTheMorning = SerialDate(QDateTime(QDate(2024, 3, 5), QTime(10, 0)));
     EXPECT_EQ(load("05 Mar 2024 10:00:00 PM"), tenInTheMorning);

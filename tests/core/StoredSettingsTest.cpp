@@ -133,14 +133,13 @@ TEST_F(StoredSettings, KeysThatFollowFromALocationChangeWithIt) {
 }
 
 TEST(SettingsFilesInForce, AStationWithoutADataLocationHasNoFileInTheRootOfADrive) {
-    ResetSettings();
-    settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
-    settings().SystemIniFile = QStringLiteral("\\TLVX_SYS.INI");
-    EXPECT_EQ(FilesInForce().system, "");
-    EXPECT_EQ(FilesInForce().audiowall, "");
-    settings().SystemIniFile = QStringLiteral("C:\\NAMED.INI");
-    EXPECT_EQ(FilesInForce().system, "C:\\NAMED.INI");
-    ResetSettings();
+    Settings settings;
+    settings.LocalIniFile = QStringLiteral("TOLVEX.INI");
+    settings.SystemIniFile = QStringLiteral("\\TLVX_SYS.INI");
+    EXPECT_EQ(FilesInForce(settings).system, "");
+    EXPECT_EQ(FilesInForce(settings).audiowall, "");
+    settings.SystemIniFile = QStringLiteral("C:\\NAMED.INI");
+    EXPECT_EQ(FilesInForce(settings).system, "C:\\NAMED.INI");
 }
 
 TEST_F(StoredSettings, ADifferenceCountsWhetherStoredOrByDefault) {

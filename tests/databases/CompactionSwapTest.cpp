@@ -5,7 +5,7 @@
 #include "databases/compaction/CompactRepair.h"
 #include "jet/base/Storage.h"
 #include "support/FileFaults.h"
-#include "support/Workstation.h"
+#include "support/OtherWorkstation.h"
 
 #include <chrono>
 #include <thread>
@@ -113,10 +113,10 @@ TEST_F(SwapTest, LosesNoChangeOfAnother) {
         }
         return true;
     };
-    std::vector<std::unique_ptr<Workstation>> writers;
+    std::vector<std::unique_ptr<OtherWorkstation>> writers;
     writers.reserve(4);
     for (int number = 0; number < 4; ++number)
-        writers.push_back(std::make_unique<Workstation>([&, number] { return write(number); }));
+        writers.push_back(std::make_unique<OtherWorkstation>([&, number] { return write(number); }));
     gun.fire();
     for (int i = 0; i < 300; ++i)
         CompactRepairDatabase(Path, false, {}, true);

@@ -19,13 +19,12 @@ const QString users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
 class DamagedDatabasesTest : public DatabasesTest {
 protected:
     DamagedDatabasesTest() {
-        EXPECT_EQ(OpenUsersDatabase(users), 0);
-        AddEventToUserHistory(QStringLiteral("ANN"), 1, 1, {});
-        CloseUsersDatabase();
+        EXPECT_EQ(OpenUsersDatabase(state, users), 0);
+        AddEventToUserHistory(state, QStringLiteral("ANN"), 1, 1, {});
+        CloseUsersDatabase(state);
         sound_ = machine.read(users);
         prompts.forget();
     }
-    ~DamagedDatabasesTest() override { ResetUsersState(); }
 
     jet::PageNumber definitionOf(const char16_t* table) const {
         jet::OpenOptions options;
@@ -49,6 +48,8 @@ protected:
         return text;
     }
 
+    Settings values;
+    UsersState state{values};
     QByteArray sound_;
 };
 
@@ -62,7 +63,7 @@ TEST_F(DamagedDatabasesTest, ABrokenTableIsNamedAndClosesNoOther) {
     ASSERT_LT(stamp, start + qsizetype{jet::PageSize});
     damage(page, static_cast<std::size_t>(stamp - start) + 4, 77);
 
-    EXPECT_NE(OpenUsersDatabase(users), 0);
+    EXPECT_NE(OpenUsersDatabase(state, users), 0);
     ASSERT_EQ(texts().size(), 1);
     EXPECT_TRUE(texts()[0].contains(users)) << texts()[0].toStdString();
     EXPECT_TRUE(texts()[0].contains(QStringLiteral("page %1: index 'Main' names a column").arg(page)))
@@ -80,7 +81,7 @@ TEST_F(DamagedDatabasesTest, ABrokenTableIsNamedAndClosesNoOther) {
         CompactRepairDatabase(users, false, {}, true, [&](const jet::Fault& loss) { lost += loss.reason; }));
     EXPECT_EQ(lost, "lost index 'Main', which names a column that is not there");
     EXPECT_EQ(faults(), "");
-    EXPECT_EQ(OpenUsersDatabase(users), 0); // which makes the index anew
+    EXPECT_EQ(OpenUsersDatabase(state, users), 0); // which makes the index anew
 }
 
 // A page of the catalogue is not listed any more: its tables seem missing, and must not be made a second
@@ -101,12 +102,12 @@ TEST_F(DamagedDatabasesTest, TablesThatCannotBeFoundAreNotMadeAnew) {
     damage(6, byte, static_cast<char>(sound_.constData()[6 * 4096 + byte] & ~(1 << last % 8)));
     const QByteArray damaged = machine.read(users);
 
-    EXPECT_NE(OpenUsersDatabase(users), 0);
+    EXPECT_NE(OpenUsersDatabase(state, users), 0);
     ASSERT_FALSE(texts().isEmpty());
     EXPECT_TRUE(texts()[0].contains(QStringLiteral("objects, of which"))) << texts()[0].toStdString();
     EXPECT_EQ(machine.read(users), damaged);
     EXPECT_TRUE(CompactRepairDatabase(users, false, {}, true));
-    EXPECT_EQ(OpenUsersDatabase(users), 0);
+    EXPECT_EQ(OpenUsersDatabase(state, users), 0);
     EXPECT_NE(rows(users, QStringLiteral("UserHistory")).find("ANN"), std::string::npos);
 }
 

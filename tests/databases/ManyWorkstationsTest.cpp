@@ -8,7 +8,7 @@
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "support/FileFaults.h"
-#include "support/Workstation.h"
+#include "support/OtherWorkstation.h"
 
 #include <memory>
 #include <set>
@@ -23,21 +23,12 @@ const QString Users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
 
 class ManyWorkstationsTest : public DatabasesTest, public testing::WithParamInterface<DiskAbilities> {
 protected:
-    ManyWorkstationsTest() {
-        settings().DataLocation = QStringLiteral("C:\\DATA");
-        ResetUsersState();
-    }
-    ~ManyWorkstationsTest() override {
-        ResetUsersState();
-        settings() = Settings();
-    }
-
     // Runs `work`, which gets the number of its workstation, in all of them at once.
     void atOnce(const std::function<bool(int)>& work) const {
         const StartingGun gun;
-        std::vector<std::unique_ptr<Workstation>> all;
+        std::vector<std::unique_ptr<OtherWorkstation>> all;
         for (int number = 0; number < Workstations; ++number)
-            all.push_back(std::make_unique<Workstation>([&, number] {
+            all.push_back(std::make_unique<OtherWorkstation>([&, number] {
                 gun.wait();
                 return work(number);
             }));
@@ -73,9 +64,13 @@ TEST_P(ManyWorkstationsTest, OpenTheUsersDatabaseThatOneOfThemMakes) {
         if (round % 2 == 0)
             platform::RemoveFile(Users);
         atOnce([&](int number) {
-            EXPECT_EQ(OpenUsersDatabase(Users), 0);
-            AddEventToUserHistory(QString::number(number), AutomationSettingsSaved, EventSucceeded, "start");
-            CloseUsersDatabase();
+            Settings settings;
+            settings.DataLocation = QStringLiteral("C:\\DATA");
+            UsersState state(settings);
+            EXPECT_EQ(OpenUsersDatabase(state, Users), 0);
+            AddEventToUserHistory(state, QString::number(number), AutomationSettingsSaved, EventSucceeded,
+                                  "start");
+            CloseUsersDatabase(state);
             EXPECT_EQ(texts().join(u'|').toStdString(), "");
             return true;
         });

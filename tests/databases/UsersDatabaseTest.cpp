@@ -13,7 +13,7 @@
 #include "platform/profile/ProfileFile.h"
 #include "support/FixedClock.h"
 #include "support/NoRoom.h"
-#include "support/Workstation.h"
+#include "support/OtherWorkstation.h"
 
 #include <array>
 #include <poll.h>
@@ -30,19 +30,12 @@ const QString Path = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
 
 class UsersDatabaseTest : public DatabasesTest {
 protected:
-    UsersDatabaseTest() {
-        settings().DataLocation = QStringLiteral("C:\\DATA");
-        ResetUsersState();
-    }
-    ~UsersDatabaseTest() override {
-        ResetUsersState();
-        settings() = Settings();
-    }
-    void open() { ASSERT_EQ(OpenUsersDatabase(Path), 0) << texts().join('|').toStdString(); }
+    UsersDatabaseTest() { settings.DataLocation = QStringLiteral("C:\\DATA"); }
+    void open() { ASSERT_EQ(OpenUsersDatabase(state, Path), 0) << texts().join('|').toStdString(); }
     // Today and the days around it, as dates of the database.
     QDateTime day(int fromToday) const { return clock.time.date().addDays(fromToday).startOfDay(); }
     void addUser(const QString& login, const QVariant& expires, const QVariant& deleted) {
-        SuiteRecordset& users = *usersState().users;
+        SuiteRecordset& users = *state.users;
         users.addNew();
         users.set("LoginName", login);
         users.set("AccountStatus", 1);
@@ -51,14 +44,14 @@ protected:
         users.update();
     }
     void addHistory(const QDateTime& time) {
-        auto history = usersState().database->open("UserHistory", RecordsetMode::Table);
+        auto history = state.database->open("UserHistory", RecordsetMode::Table);
         history->addNew();
         history->set("EventTime", time);
         history->update();
     }
     // A column of a table, in the order of its index.
     QStringList column(const QString& table, const QString& field) {
-        auto rows = usersState().database->open(table, RecordsetMode::Table);
+        auto rows = state.database->open(table, RecordsetMode::Table);
         rows->setIndex("Main");
         QStringList values;
         for (; !rows->eof(); rows->moveNext()) {
@@ -70,6 +63,8 @@ protected:
     }
 
     FixedClock clock{QDateTime({2024, 3, 20}, {10, 0, 0, 700})};
+    Settings settings;
+    UsersState state{settings};
 };
 
 // Where two processes wait for each other, but not for ever.
@@ -97,8 +92,8 @@ private:
 TEST_F(UsersDatabaseTest, IsMadeFromNothing) {
     open();
     EXPECT_TRUE(prompts.asked.isEmpty());
-    CloseUsersDatabase();
-    EXPECT_EQ(usersState().information.FullName, "");
+    CloseUsersDatabase(state);
+    EXPECT_EQ(state.information.FullName, "");
     EXPECT_EQ(rows(Path, "Description"), "Users Database,2.51,0");
     // The first run is over, today's processing done, and no groups without an older file.
     EXPECT_EQ(rows(Path, "Settings"), "FirstRun,1|LastAccountProcess,45371");
@@ -110,29 +105,26 @@ TEST_F(UsersDatabaseTest, IsMadeFromNothing) {
                               "PRIMARY KEY (\"eventtime\")", "PRIMARY KEY (\"loginname\", \"name\")"})
         EXPECT_TRUE(schema.contains(index)) << index;
     open(); // and again, over what is there
-    EXPECT_EQ(usersState().UserHistoryPurgeDays, 30);
-    EXPECT_FLOAT_EQ(usersState().information.Version, 2.51F);
+    EXPECT_EQ(state.UserHistoryPurgeDays, 30);
+    EXPECT_FLOAT_EQ(state.information.Version, 2.51F);
 }
 
 TEST_F(UsersDatabaseTest, TakesEventsOfTwoWorkstationsInOneSecond) {
     open();
-    UsersState first = std::move(usersState());
-    ResetUsersState();
-    open(); // the second workstation
+    UsersState second(settings);
+    ASSERT_EQ(OpenUsersDatabase(second, Path), 0);
     for (int i = 0; i < 3; ++i) {
-        AddEventToUserHistory("ANN", 129, 1, QStringLiteral("here %1").arg(i));
-        std::swap(first, usersState());
-        AddEventToUserHistory("BOB", 129, 1, QStringLiteral("there %1").arg(i));
-        std::swap(first, usersState());
+        AddEventToUserHistory(state, "ANN", 129, 1, QStringLiteral("here %1").arg(i));
+        AddEventToUserHistory(second, "BOB", 129, 1, QStringLiteral("there %1").arg(i));
     }
     EXPECT_EQ(column("UserHistory", "EventTime"), (QStringList{"20 10:00:00", "20 10:00:01", "20 10:00:02",
                                                                "20 10:00:03", "20 10:00:04", "20 10:00:05"}));
     EXPECT_EQ(column("UserHistory", "LoginName").count("BOB"), 3);
-    usersState().InhibitUserHistory = true;
-    AddEventToUserHistory("ANN", 129, 1, "");
+    state.InhibitUserHistory = true;
+    AddEventToUserHistory(state, "ANN", 129, 1, "");
     EXPECT_EQ(column("UserHistory", "LoginName").size(), 6);
-    CloseUsersDatabase();
-    AddEventToUserHistory("ANN", 129, 1, "no database");
+    CloseUsersDatabase(state);
+    AddEventToUserHistory(state, "ANN", 129, 1, "no database");
 }
 
 // Two processes with the database open all the while: what one enters the other sees at once, and so does a
@@ -141,17 +133,17 @@ TEST_F(UsersDatabaseTest, ServesTwoProcessesAtOnce) {
     constexpr int Each = 5;
     const Meeting meeting;
     const auto work = [&](std::size_t side, const QString& login) {
-        if (OpenUsersDatabase(Path) != 0 || !meeting.meet(side))
+        if (OpenUsersDatabase(state, Path) != 0 || !meeting.meet(side))
             return false;
         for (int i = 0; i < Each; ++i)
-            AddEventToUserHistory(login, 129, 1, QString::number(i));
+            AddEventToUserHistory(state, login, 129, 1, QString::number(i));
         return meeting.meet(side) && column("UserHistory", "EventTime").size() == 2 * Each;
     };
     open();
-    CloseUsersDatabase();
-    const Workstation other([&] { return work(1, "BOB") && meeting.meet(1); });
+    CloseUsersDatabase(state);
+    const OtherWorkstation other([&] { return work(1, "BOB") && meeting.meet(1); });
     EXPECT_TRUE(work(0, "ANN")) << texts().join('|').toStdString();
-    usersState().database->refresh(); // the last one may have met a reader
+    state.database->refresh(); // the last one may have met a reader
     const QStringList seen = QString::fromStdString(rows(Path, "UserHistory")).split('|');
     EXPECT_EQ(seen.size(), 2 * Each);
     EXPECT_EQ(seen.filter("BOB").size(), Each);
@@ -168,7 +160,7 @@ TEST_F(UsersDatabaseTest, TidiesAccountsOnceADay) {
     addUser("..", {}, day(0));
     for (const char* name : {"LEAVER", "O'NEILL", "STAYS"}) {
         machine.write(QStringLiteral("C:\\DATA\\USERS\\%1\\notes.txt").arg(name), "x");
-        auto preferences = usersState().database->open("UserPreferences", RecordsetMode::Table);
+        auto preferences = state.database->open("UserPreferences", RecordsetMode::Table);
         for (const char* item : {"Colour", "Size"}) {
             preferences->addNew();
             preferences->set("LoginName", QString(name));
@@ -205,7 +197,7 @@ TEST_F(UsersDatabaseTest, TidiesAccountsOnceADay) {
 TEST_F(UsersDatabaseTest, KeepsHistoryForEverWhenToldSo) {
     open();
     {
-        auto items = usersState().database->open("Settings", RecordsetMode::Table);
+        auto items = state.database->open("Settings", RecordsetMode::Table);
         PutDatabaseSetting(items.get(), "UserHistoryPurgeDays", 0, 30);
     }
     addHistory(QDateTime({1999, 1, 1}, {0, 0}));
@@ -213,7 +205,7 @@ TEST_F(UsersDatabaseTest, KeepsHistoryForEverWhenToldSo) {
     WriteRegistryLong(LocalMachineHive, TolvexKey, "InhibitUserHistory", 1, 0);
     open();
     EXPECT_EQ(column("UserHistory", "EventTime").size(), 1);
-    EXPECT_TRUE(usersState().InhibitUserHistory);
+    EXPECT_TRUE(state.InhibitUserHistory);
 }
 
 TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
@@ -282,8 +274,8 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
     // By hand: No leads to the picker, Cancel ends it.
     prompts.answers = {Answer::No, Answer::Cancel};
     prompts.files = {std::nullopt};
-    MakeDefaultGroupsAndImport(false);
-    MakeDefaultGroupsAndImport(false);
+    MakeDefaultGroupsAndImport(state, false);
+    MakeDefaultGroupsAndImport(state, false);
     EXPECT_EQ(prompts.fileQuestions.size(), 1);
 }
 
@@ -301,8 +293,8 @@ TEST_F(UsersDatabaseTest, AFullDiskLosesNothing) {
         qint16 result = 0;
         {
             const NoRoom room(bytes);
-            result = OpenUsersDatabase(Path);
-            ResetUsersState();
+            result = OpenUsersDatabase(state, Path);
+            CloseUsersDatabase(state);
         }
         expectSound();
         if (result == 0)
@@ -315,23 +307,23 @@ TEST_F(UsersDatabaseTest, AFullDiskLosesNothing) {
     EXPECT_GT(failed, 2);
     open();
     addUser("ANN", {}, {});
-    usersState().database->refresh();
+    state.database->refresh();
     {
         const NoRoom room(0);
-        AddEventToUserHistory("ANN", 129, 1, "no room");
-        EXPECT_FALSE(DeleteUser("ANN"));
+        AddEventToUserHistory(state, "ANN", 129, 1, "no room");
+        EXPECT_FALSE(DeleteUser(state, "ANN"));
         EXPECT_EQ(column("Users", "LoginName"), QStringList{"ANN"});
     }
-    AddEventToUserHistory("ANN", 129, 1, "room again");
+    AddEventToUserHistory(state, "ANN", 129, 1, "room again");
     EXPECT_EQ(column("UserHistory", "Notes"), QStringList{"room again"});
-    CloseUsersDatabase();
+    CloseUsersDatabase(state);
     expectSound();
 }
 
 TEST_F(UsersDatabaseTest, TellsWhyItDoesNotOpen) {
     machine.write(Path, QByteArray(50000, 'x'));
-    EXPECT_EQ(OpenUsersDatabase(Path), -1);
-    EXPECT_FALSE(usersState().database);
+    EXPECT_EQ(OpenUsersDatabase(state, Path), -1);
+    EXPECT_FALSE(state.database);
     ASSERT_FALSE(texts().isEmpty());
 }
 

@@ -2,6 +2,8 @@
 #include "DatabasesTest.h"
 
 #include "core/report/DebugLog.h"
+
+#include "core/report/DebugLog.h"
 #include "core/settings/Settings.h"
 
 using namespace tolvex;
@@ -143,9 +145,11 @@ TEST_F(ValidateDatabaseTest, MakesNoFileForATitleThatDoesNotFit) {
 }
 
 TEST_F(ValidateDatabaseTest, TellsTheDebugLogWhatItDoes) {
-    settings().DebugLevel = 5;
-    make(Path, 1, "T");
-    settings().DebugLevel = 0;
+    {
+        const qint32 level = 5;
+        const DebugLogging log(level);
+        make(Path, 1, "T");
+    }
     const QStringList logs = platform::FolderNames("C:\\Debugfiles");
     ASSERT_EQ(logs.size(), 1);
     QStringList lines;

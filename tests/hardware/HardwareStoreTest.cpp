@@ -29,16 +29,16 @@ const QString iniPath = "C:\\WINDOWS\\TOLVEX.INI";
 struct Station {
     TestMachine machine;
     ScriptedPrompts prompts;
+    HardwareCardTable cards;
 
     explicit Station(const QByteArray& bytes = {}) {
         platform::ForgetProfiles();
-        ResetHardwareCards();
         if (!bytes.isEmpty())
             machine.write(iniPath, bytes);
-        ReadHardwareSettings(ini);
+        ReadHardwareSettings(cards, ini);
     }
     QByteArray saved() {
-        EXPECT_EQ(WriteHardwareSettings(ini), 0);
+        EXPECT_EQ(WriteHardwareSettings(cards, ini), 0);
         return machine.read(iniPath);
     }
 };
@@ -55,7 +55,7 @@ QByteArray lineKeys(int line, const QByteArray& type, const QByteArray& descript
 
 TEST(HardwareStore, WritesKeysInOrderAndReadsThemBack) {
     Station station;
-    HardwareCard& card = HardwareCards()[2];
+    HardwareCard& card = station.cards[2];
     card.CardType = CardRS232;
     card.BaseAddress = 3;
     HardwareLine& line = card.Lines[7];
@@ -68,8 +68,8 @@ TEST(HardwareStore, WritesKeysInOrderAndReadsThemBack) {
                          "LineType7=0\r\nActiveLow7=-1\r\nDescription7=On Air Light\r\nColor7=-2147483633\r\n"
                          "Action7=3\r\nAction7Data1=6\r\nAction7Data2=240\r\nAction7Data3=-7\r\n"
                          "Action7Data4=2147483647\r\n");
-    ResetHardwareCards();
-    ReadHardwareSettings(ini);
+    station.cards = {};
+    ReadHardwareSettings(station.cards, ini);
     EXPECT_EQ(card.ComPort, 3);
     EXPECT_EQ(card.NumberLines, 8);
     EXPECT_EQ(line.OutputState, 0);
@@ -89,18 +89,18 @@ TEST(HardwareStore, KeepsWhatIsNotItsOwnAndDropsWhatIsNotInUse) {
     const QByteArray tail = "Action101=5\r\n[Hardware2]\r\nCardType=6\r\nAction1=1\r\n";
     const QByteArray gone = lineKeys(2, "0", "", "0", "4") + lineKeys(9, "1", "Lamp", "2", "1");
     Station station(head + gone + tail + "[Hardware3]\r\nCardType=0\r\nAction1=1\r\n");
-    EXPECT_EQ(HardwareCards()[1].Lines[1].Action, 1);
-    EXPECT_EQ(HardwareCards()[1].Lines[9].Action, 0);
-    EXPECT_EQ(HardwareCards()[1].Lines[9].LineType, 0);
-    EXPECT_EQ(HardwareCards()[2].CardType, 6);
+    EXPECT_EQ(station.cards[1].Lines[1].Action, 1);
+    EXPECT_EQ(station.cards[1].Lines[9].Action, 0);
+    EXPECT_EQ(station.cards[1].Lines[9].LineType, 0);
+    EXPECT_EQ(station.cards[2].CardType, 6);
     // A type that is not known keeps its section as it is; a disabled card loses its own.
     EXPECT_EQ(station.saved(), head + tail);
-    HardwareCards()[1].CardType = CardDisabled;
+    station.cards[1].CardType = CardDisabled;
     EXPECT_EQ(station.saved(),
               "; station 4\r\n[Audio]\r\nKHz=44100\r\n; wiring\r\n[Hardware2]\r\nCardType=6\r\n"
               "Action1=1\r\n");
     // An input that is not in use comes back as an output.
-    EXPECT_EQ(HardwareCards()[1].Lines[2].LineType, 0);
+    EXPECT_EQ(station.cards[1].Lines[2].LineType, 0);
 }
 
 TEST(HardwareStore, ReadsBrokenNumbersByTheirDefaults) {
@@ -109,7 +109,7 @@ TEST(HardwareStore, ReadsBrokenNumbersByTheirDefaults) {
                     "Description1=" +
                     QByteArray(300, 'd') +
                     "\r\n[Hardware2]\r\nBaseAddress=99999\r\n[Hardware3]\r\nCardType=x\r\n");
-    const HardwareCard& card = HardwareCards()[1];
+    const HardwareCard& card = station.cards[1];
     EXPECT_EQ(card.CardType, 3);
     EXPECT_EQ(card.BaseAddress, 2);
     EXPECT_EQ(card.Lines[1].LineType, 1);
@@ -120,9 +120,9 @@ TEST(HardwareStore, ReadsBrokenNumbersByTheirDefaults) {
     EXPECT_EQ(card.Lines[1].Action, 0);
     EXPECT_EQ(card.Lines[1].Color, 12);
     EXPECT_EQ(card.Lines[1].Description.size(), 254);
-    EXPECT_EQ(HardwareCards()[2].CardType, 0);
-    EXPECT_EQ(HardwareCards()[2].BaseAddress, 32767);
-    EXPECT_EQ(HardwareCards()[3].CardType, 0);
+    EXPECT_EQ(station.cards[2].CardType, 0);
+    EXPECT_EQ(station.cards[2].BaseAddress, 32767);
+    EXPECT_EQ(station.cards[3].CardType, 0);
 }
 
 TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
@@ -139,9 +139,9 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
         // The card says which lines are inputs, whatever the file says, and how many it has.
         Station station(stored(5, {1, 40, 64, 65}).replace("LineType1=0", "LineType1=1"));
         EXPECT_TRUE(station.prompts.asked.isEmpty());
-        EXPECT_EQ(HardwareCards()[1].Lines[40].LineType, 0);
-        EXPECT_EQ(HardwareCards()[1].Lines[41].LineType, 1);
-        EXPECT_EQ(HardwareCards()[1].Lines[65].Action, 0);
+        EXPECT_EQ(station.cards[1].Lines[40].LineType, 0);
+        EXPECT_EQ(station.cards[1].Lines[41].LineType, 1);
+        EXPECT_EQ(station.cards[1].Lines[65].Action, 0);
         EXPECT_EQ(station.saved(), stored(5, {1, 40, 64}));
     }
     const QByteArray bytes = stored(5, {1, 17, 32, 33, 64, 100});
@@ -158,11 +158,11 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
         if (!away)
             continue;
         // What is set meanwhile is stored, without a type that nobody knows.
-        EXPECT_EQ(HardwareCards()[1].Lines[16].LineType, 0);
-        EXPECT_EQ(HardwareCards()[1].Lines[17].LineType, 1);
-        HardwareCards()[1].Lines[17].Action = 0;
-        HardwareCards()[1].Lines[18].Action = 2;
-        HardwareCards()[1].Lines[64].Description = "Lamp";
+        EXPECT_EQ(station.cards[1].Lines[16].LineType, 0);
+        EXPECT_EQ(station.cards[1].Lines[17].LineType, 1);
+        station.cards[1].Lines[17].Action = 0;
+        station.cards[1].Lines[18].Action = 2;
+        station.cards[1].Lines[64].Description = "Lamp";
         const QByteArray set = station.saved();
         EXPECT_TRUE(set.contains("LineType17=0")) << set.toStdString();
         EXPECT_FALSE(set.contains("Action17"));
@@ -188,7 +188,7 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
 
 TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
     Station station("[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n");
-    const CardLines lines{HardwareCards()[1], *FindCardType(CardRS232), 8};
+    const CardLines lines{station.cards[1], *FindCardType(CardRS232), 8};
     const auto with = [](const QString& text) {
         HardwareLine line;
         line.Description = text;
@@ -200,8 +200,8 @@ TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
                      "\"Go\" button", "a; b = c", "[x]", umlauts}) {
         EXPECT_EQ(SetLine(lines, 4, with(text)), "") << text.toStdString();
         station.saved();
-        ReadHardwareSettings(ini);
-        EXPECT_EQ(HardwareCards()[1].Lines[4].Description, text) << text.toStdString();
+        ReadHardwareSettings(station.cards, ini);
+        EXPECT_EQ(station.cards[1].Lines[4].Description, text) << text.toStdString();
     }
     const struct {
         QString text;
@@ -212,7 +212,7 @@ TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
                    {QString::fromUtf8("Studio Łódź"), "a character that the file cannot hold"}};
     for (const auto& [text, why] : refused) {
         EXPECT_TRUE(SetLine(lines, 4, with(text)).contains(why)) << why;
-        EXPECT_EQ(HardwareCards()[1].Lines[4].Description, umlauts);
+        EXPECT_EQ(station.cards[1].Lines[4].Description, umlauts);
     }
 }
 
@@ -221,9 +221,9 @@ TEST(HardwareStore, AFailureAtAnyStepLeavesTheOldFileOrTheNewOne) {
     const QByteArray old =
         "[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n" + lineKeys(1, "0", "Old", "1", "4");
     Station station(old);
-    for (HardwareLine& line : HardwareCards()[1].Lines)
+    for (HardwareLine& line : station.cards[1].Lines)
         line.Description = "New";
-    HardwareCards()[3].CardType = CardJoystick;
+    station.cards[3].CardType = CardJoystick;
     const QByteArray fresh = station.saved();
     static int left;
     static const auto fails = [] { return left-- <= 0 && (errno = ENOSPC) != 0; };
@@ -237,7 +237,7 @@ TEST(HardwareStore, AFailureAtAnyStepLeavesTheOldFileOrTheNewOne) {
     for (int error = -1; error != 0; ++failures) {
         station.machine.write(iniPath, old);
         left = failures;
-        error = WriteHardwareSettings(ini);
+        error = WriteHardwareSettings(station.cards, ini);
         const QByteArray now = station.machine.read(iniPath);
         EXPECT_TRUE(now == old || now == fresh) << failures << now.toStdString();
         ASSERT_LT(failures, 100);

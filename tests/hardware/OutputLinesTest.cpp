@@ -13,11 +13,12 @@ namespace {
 
 struct Table {
     Table() {
-        ResetHardwareCards();
-        for (HardwareCard& card : HardwareCards())
+        for (HardwareCard& card : cards)
             card.CardType = CardAdvantech;
     }
     ~Table() { WriteHardwareOutputs = nullptr; }
+
+    HardwareCardTable cards;
 };
 
 std::vector<int> driven;
@@ -25,36 +26,36 @@ std::vector<int> driven;
 } // namespace
 
 TEST(OutputLines, StatesAreAppliedByTheNumberOverAllCards) {
-    const Table table;
+    Table table;
     FixedClock clock(QDateTime({2026, 3, 1}, {23, 59, 59, 500}));
     driven.clear();
     WriteHardwareOutputs = [](int card, int line) {
         EXPECT_EQ(HardwareBusy(), -1);
         driven.push_back(card * 1000 + line);
     };
-    EXPECT_FALSE(SetOutputLine(0, OutputLineState::On));
-    EXPECT_FALSE(SetOutputLine(301, OutputLineState::On));
-    EXPECT_TRUE(SetOutputLine(300, OutputLineState::On));
-    EXPECT_EQ(HardwareCards()[3].Lines[100].OutputState, -1);
-    EXPECT_TRUE(SetOutputLine(200, OutputLineState::Flash));
-    HardwareLine& last = HardwareCards()[2].Lines[100];
+    EXPECT_FALSE(SetOutputLine(table.cards, 0, OutputLineState::On));
+    EXPECT_FALSE(SetOutputLine(table.cards, 301, OutputLineState::On));
+    EXPECT_TRUE(SetOutputLine(table.cards, 300, OutputLineState::On));
+    EXPECT_EQ(table.cards[3].Lines[100].OutputState, -1);
+    EXPECT_TRUE(SetOutputLine(table.cards, 200, OutputLineState::Flash));
+    HardwareLine& last = table.cards[2].Lines[100];
     EXPECT_EQ(last.OutputState, -1);
     EXPECT_EQ(last.Flashing, -1);
-    EXPECT_TRUE(SetOutputLine(200, OutputLineState::Pulse));
+    EXPECT_TRUE(SetOutputLine(table.cards, 200, OutputLineState::Pulse));
     EXPECT_EQ(last.Flashing, 0);
     const DayTime now = CurrentDayTime();
     EXPECT_EQ(last.PulseEnd.Day, now.Day + 1);
     EXPECT_FLOAT_EQ(last.PulseEnd.Seconds, 0.5F);
-    EXPECT_TRUE(SetOutputLine(200, static_cast<OutputLineState>(4)));
+    EXPECT_TRUE(SetOutputLine(table.cards, 200, static_cast<OutputLineState>(4)));
     EXPECT_EQ(last.PulseEnd.Day, now.Day + 1);
-    EXPECT_TRUE(SetOutputLine(200, OutputLineState::Off));
+    EXPECT_TRUE(SetOutputLine(table.cards, 200, OutputLineState::Off));
     EXPECT_EQ(last.OutputState, 0);
     EXPECT_EQ(last.PulseEnd.Day, 0);
-    HardwareCards()[1].CardType = CardDisabled;
-    EXPECT_TRUE(SetOutputLine(1, OutputLineState::On));
-    EXPECT_EQ(HardwareCards()[1].Lines[1].OutputState, 0);
-    EXPECT_TRUE(SetOutputLine(201, OutputLineState::On));
-    EXPECT_EQ(HardwareCards()[3].Lines[1].OutputState, -1);
+    table.cards[1].CardType = CardDisabled;
+    EXPECT_TRUE(SetOutputLine(table.cards, 1, OutputLineState::On));
+    EXPECT_EQ(table.cards[1].Lines[1].OutputState, 0);
+    EXPECT_TRUE(SetOutputLine(table.cards, 201, OutputLineState::On));
+    EXPECT_EQ(table.cards[3].Lines[1].OutputState, -1);
     EXPECT_EQ(driven, (std::vector<int>{3100, 2100, 2100, 2100, 3001}));
     EXPECT_EQ(HardwareBusy(), 0);
 }
@@ -75,9 +76,9 @@ TEST(OutputLines, SecondsAreAddedInHundredths) {
 }
 
 TEST(OutputLines, AllLinesOfAnActionFollowItsParameters) {
-    const Table table;
-    const auto put = [](int card, int line, qint32 type, std::array<qint32, 4> data) {
-        HardwareLine& at = HardwareCards()[card].Lines[line];
+    Table table;
+    const auto put = [&table](int card, int line, qint32 type, std::array<qint32, 4> data) {
+        HardwareLine& at = table.cards[card].Lines[line];
         at.Action = 4;
         at.LineType = type;
         at.ActionData = data;
@@ -86,15 +87,14 @@ TEST(OutputLines, AllLinesOfAnActionFollowItsParameters) {
     put(1, 2, 0, {2, 0, 0, 0}); // an input
     put(2, 100, 2, {2, 5, 7, 9});
     put(3, 1, 1, {2, 0, 0, 0}); // on a disabled card
-    HardwareCards()[3].CardType = CardDisabled;
-    const auto on = [](qint32 d1, qint32 d2, qint32 d3, qint32 d4, bool outputsOnly) {
-        for (HardwareCard& card : HardwareCards())
+    table.cards[3].CardType = CardDisabled;
+    const auto on = [&table](qint32 d1, qint32 d2, qint32 d3, qint32 d4, bool outputsOnly) {
+        for (HardwareCard& card : table.cards)
             for (HardwareLine& line : card.Lines)
                 line.OutputState = 0;
-        SetLinesForAction(4, OutputLineState::On, d1, d2, d3, d4, outputsOnly);
-        return std::vector<int>{
-            HardwareCards()[1].Lines[1].OutputState, HardwareCards()[1].Lines[2].OutputState,
-            HardwareCards()[2].Lines[100].OutputState, HardwareCards()[3].Lines[1].OutputState};
+        SetLinesForAction(table.cards, 4, OutputLineState::On, d1, d2, d3, d4, outputsOnly);
+        return std::vector<int>{table.cards[1].Lines[1].OutputState, table.cards[1].Lines[2].OutputState,
+                                table.cards[2].Lines[100].OutputState, table.cards[3].Lines[1].OutputState};
     };
     EXPECT_EQ(on(2, 0, 0, 0, true), (std::vector<int>{-1, 0, 0, 0}));
     EXPECT_EQ(on(2, 0, 0, 0, false), (std::vector<int>{-1, -1, 0, 0}));

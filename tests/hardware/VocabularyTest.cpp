@@ -150,8 +150,8 @@ TEST(Vocabulary, LinesAreShownAndDescribed) {
 // words.
 TEST(Vocabulary, EveryChoiceSurvivesTheFileAndItsWords) {
     TestMachine machine;
-    ResetHardwareCards();
-    HardwareCard& card = HardwareCards()[2];
+    HardwareCardTable cards;
+    HardwareCard& card = cards[2];
     card.CardType = CardRS232;
     int choicesSeen = 0;
     const auto roundTrip = [&](LineKinds kind, qint32 action, int number, const Choice& choice) {
@@ -160,9 +160,9 @@ TEST(Vocabulary, EveryChoiceSurvivesTheFileAndItsWords) {
         SetParameter(card, {8}, number, choice.value);
         const LineTexts shown = GetGridinfo(card.Lines[8]);
         const HardwareLine before = card.Lines[8];
-        ASSERT_EQ(WriteHardwareSettings("TOLVEX.INI"), 0);
-        ResetHardwareCards();
-        ReadHardwareSettings("TOLVEX.INI");
+        ASSERT_EQ(WriteHardwareSettings(cards, "TOLVEX.INI"), 0);
+        cards = {};
+        ReadHardwareSettings(cards, "TOLVEX.INI");
         const HardwareLine& after = card.Lines[8];
         EXPECT_EQ(after.LineType, before.LineType);
         EXPECT_EQ(after.Action, action);

@@ -21,7 +21,7 @@ namespace {
 // Folders from the ground up. The rooms of a folder stand on it or below it, as `rooms` says.
 const std::map<std::string, int> floors = {
     {"platform", 0}, {"jet", 0},     {"core", 1},     {"ui", 2},      {"databases", 3}, {"automation", 4},
-    {"audio", 4},    {"network", 4}, {"hardware", 4}, {"console", 5}, {"app", 6},
+    {"audio", 4},    {"network", 4}, {"hardware", 4}, {"station", 5}, {"console", 6},   {"app", 7},
 };
 
 // Rooms from the ground up, each with its floor within its folder. "" are the files without a room.
@@ -58,6 +58,7 @@ const std::map<std::string, std::map<std::string, int>> rooms = {
     {"network", {{"", 0}, {"commands", 1}, {"forms", 2}}},
     {"hardware", {{"", 0}, {"forms", 1}}},
     {"automation", {{"", 0}, {"forms", 1}}},
+    {"station", {{"", 0}}},
     {"console", {{"", 0}, {"forms", 1}}},
     {"app", {{"ctl", 0}, {"window", 0}, {"", 1}}},
 };

@@ -33,69 +33,66 @@ QByteArray terminal(const QByteArray& idName, const QByteArray& networkName) {
 class TerminalListTest : public testing::Test {
 protected:
     TerminalListTest() {
-        ResetSettings();
-        ResetTerminalList();
         machine.addDrive(u'M');
         machine.makeFolder("M:\\DATA");
-        settings().DataLocation = "M:\\DATA";
-        settings().NumberTerminals = 4;
-    }
-    ~TerminalListTest() override {
-        ResetTerminalList();
-        ResetSettings();
+        settings.DataLocation = "M:\\DATA";
+        settings.NumberTerminals = 4;
     }
 
     TestMachine machine;
     ScriptedPrompts prompts;
     FixedClock clock{QDateTime(QDate(2024, 3, 5), QTime(22, 10, 30))};
+    Settings settings;
+    TerminalList terminals{settings};
 };
 
 } // namespace
 
 TEST_F(TerminalListTest, IsMadeAfterAQuestionAndGrownWithBlankRecords) {
     prompts.answers = {Answer::Cancel, Answer::No, Answer::Yes};
-    EXPECT_FALSE(OpenTerminalList());
-    EXPECT_TRUE(OpenTerminalList());
-    EXPECT_FALSE(TerminalListIsOpen() || machine.exists(path));
-    EXPECT_EQ(TerminalListFault(), QString());
-    EXPECT_EQ(ReadTerminal(1), BlankTerminalRecord());
-    EXPECT_EQ(WriteTerminal(1, BlankTerminalRecord()), platform::BadFileNumber);
-    EXPECT_TRUE(OpenTerminalList());
+    EXPECT_FALSE(OpenTerminalList(terminals));
+    EXPECT_TRUE(OpenTerminalList(terminals));
+    EXPECT_FALSE(TerminalListIsOpen(terminals) || machine.exists(path));
+    EXPECT_EQ(TerminalListFault(terminals), QString());
+    EXPECT_EQ(ReadTerminal(terminals, 1), BlankTerminalRecord());
+    EXPECT_EQ(WriteTerminal(terminals, 1, BlankTerminalRecord()), platform::BadFileNumber);
+    EXPECT_TRUE(OpenTerminalList(terminals));
     EXPECT_EQ(machine.read(path), blank.repeated(4));
     EXPECT_EQ(prompts.asked[0].text, QString("The Terminal List has not been found.\n\nDo you wish to create "
                                              "it in :\n\nM:\\DATA\\Terminal.Lst"));
     EXPECT_EQ(prompts.asked[0].title, QString("File System Startup Error"));
 
     // Short, cut inside a record, and longer than it has to be.
-    EXPECT_EQ(TerminalListFault(), QString());
+    EXPECT_EQ(TerminalListFault(terminals), QString());
     const QByteArray used = terminal("Studio 1", "PC1");
     machine.write(path, used + "rest");
-    EXPECT_EQ(TerminalListFault(), QString("M:\\DATA\\Terminal.Lst is torn: 4 of 128 bytes of number 2 are "
-                                           "there, and is short: 1 of 4 workstations are there."));
-    EXPECT_TRUE(OpenTerminalList());
+    EXPECT_EQ(TerminalListFault(terminals),
+              QString("M:\\DATA\\Terminal.Lst is torn: 4 of 128 bytes of number 2 are "
+                      "there, and is short: 1 of 4 workstations are there."));
+    EXPECT_TRUE(OpenTerminalList(terminals));
     EXPECT_EQ(machine.read(path), used + blank.repeated(3));
     machine.write(path, used.repeated(6));
-    EXPECT_TRUE(OpenTerminalList());
+    EXPECT_TRUE(OpenTerminalList(terminals));
     EXPECT_EQ(machine.read(path), used.repeated(6));
-    EXPECT_EQ(ReadTerminals().size(), 4);
+    EXPECT_EQ(ReadTerminals(terminals).size(), 4);
     EXPECT_EQ(prompts.asked.size(), 3);
 }
 
 TEST_F(TerminalListTest, IsLeftAloneWhereItCannotBe) {
-    settings().AutoConfigInProgress = -1;
-    settings().LastOneWas = -1;
-    EXPECT_FALSE(OpenTerminalList());
-    settings().LastOneWas = 0;
+    settings.AutoConfigInProgress = -1;
+    settings.LastOneWas = -1;
+    EXPECT_FALSE(OpenTerminalList(terminals));
+    settings.LastOneWas = 0;
     for (const qint16 none : {qint16(0), qint16(-1)}) {
-        settings().NumberTerminals = none;
-        EXPECT_FALSE(OpenTerminalList());
+        settings.NumberTerminals = none;
+        EXPECT_FALSE(OpenTerminalList(terminals));
     }
     EXPECT_FALSE(machine.exists(path));
-    settings().NumberTerminals = 2;
+    settings.NumberTerminals = 2;
     machine.makeFolder(path);
-    EXPECT_FALSE(OpenTerminalList());
+    EXPECT_FALSE(OpenTerminalList(terminals));
     QDir().rmdir(machine.host(path));
-    EXPECT_TRUE(OpenTerminalList());
+    EXPECT_TRUE(OpenTerminalList(terminals));
     EXPECT_EQ(machine.read(path), blank.repeated(2));
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
@@ -108,17 +105,17 @@ TEST_F(TerminalListTest, EveryFieldIsFoundInItsPlaceAndGoesBackAsItCame) {
     for (int i = 72; i < 128; ++i)
         bytes[i] = char(i * 3);
     machine.write(path, blank + bytes + blank.repeated(2));
-    ASSERT_TRUE(OpenTerminalList());
-    const TerminalRecord record = ReadTerminal(2);
+    ASSERT_TRUE(OpenTerminalList(terminals));
+    const TerminalRecord record = ReadTerminal(terminals, 2);
     EXPECT_EQ(record.IdName.trimmed(), QString::fromUtf8("Café"));
     EXPECT_EQ(record.NetworkName.trimmed(), QString("PC-7"));
     EXPECT_EQ(record.lastUsed(), QDateTime(QDate(2024, 3, 5), QTime(22, 10, 30)));
     EXPECT_EQ(record.Number68, -5);
-    EXPECT_EQ(WriteTerminal(2, record), 0);
-    EXPECT_EQ(WriteTerminal(5, record), platform::BadFileNumber);
+    EXPECT_EQ(WriteTerminal(terminals, 2, record), 0);
+    EXPECT_EQ(WriteTerminal(terminals, 5, record), platform::BadFileNumber);
     EXPECT_EQ(machine.read(path), blank + bytes + blank.repeated(2));
 
-    EXPECT_EQ(RenameTerminal(2, " A name that is longer than its thirty characters "), 0);
+    EXPECT_EQ(RenameTerminal(terminals, 2, " A name that is longer than its thirty characters "), 0);
     EXPECT_EQ(machine.read(path),
               blank + "A name that is longer than its" + bytes.mid(30) + blank.repeated(2));
 }
@@ -144,62 +141,62 @@ TEST_F(TerminalListTest, LastUseShowsOnlyForDaysThatCanBe) {
 TEST_F(TerminalListTest, AComputerKeepsItsNumberOrTakesTheFirstFreeOne) {
     machine.write(path, terminal("", "PC1") + terminal("", QByteArray("\0old", 4)) + terminal("", "") +
                             terminal("", "Pc4"));
-    ASSERT_TRUE(OpenTerminalList());
-    EXPECT_EQ(TerminalForComputer("PC4"), 4);
-    EXPECT_EQ(TerminalForComputer("PC9"), 2);
+    ASSERT_TRUE(OpenTerminalList(terminals));
+    EXPECT_EQ(TerminalForComputer(terminals, "PC4"), 4);
+    EXPECT_EQ(TerminalForComputer(terminals, "PC9"), 2);
     machine.write(path, terminal("", "PC1").repeated(4));
-    ASSERT_TRUE(OpenTerminalList());
-    EXPECT_EQ(TerminalForComputer("PC9"), 1);
+    ASSERT_TRUE(OpenTerminalList(terminals));
+    EXPECT_EQ(TerminalForComputer(terminals, "PC9"), 1);
 }
 
 TEST_F(TerminalListTest, ANameLongerThanItsFieldIsFoundAgain) {
     const QString name = "A-WORKSTATION-WITH-A-VERY-LONG-NAME";
     machine.write(path, terminal("", "PC1") + blank.repeated(3));
-    ASSERT_TRUE(OpenTerminalList());
-    EXPECT_EQ(TerminalForComputer(name), 2);
-    EXPECT_EQ(ClaimTerminal(2, name), 0);
-    EXPECT_EQ(TerminalForComputer(name), 2);
-    EXPECT_EQ(ClaimTerminal(1, name), 0); // somebody else's: it stays
+    ASSERT_TRUE(OpenTerminalList(terminals));
+    EXPECT_EQ(TerminalForComputer(terminals, name), 2);
+    EXPECT_EQ(ClaimTerminal(terminals, 2, name), 0);
+    EXPECT_EQ(TerminalForComputer(terminals, name), 2);
+    EXPECT_EQ(ClaimTerminal(terminals, 1, name), 0); // somebody else's: it stays
     EXPECT_EQ(machine.read(path),
               terminal("", "PC1") + terminal("", name.left(30).toLatin1()) + blank.repeated(2));
-    EXPECT_EQ(AssignTerminal(3, {}, name), 0);
-    EXPECT_EQ(TerminalForComputer(name), 3);
-    EXPECT_EQ(ReadTerminal(2), BlankTerminalRecord());
+    EXPECT_EQ(AssignTerminal(terminals, 3, {}, name), 0);
+    EXPECT_EQ(TerminalForComputer(terminals, name), 3);
+    EXPECT_EQ(ReadTerminal(terminals, 2), BlankTerminalRecord());
 }
 
 TEST_F(TerminalListTest, AWorkstationHoldsExactlyOneNumber) {
     machine.write(path, terminal("One", "PC1") + terminal("Two", "OTHER") + terminal("Three", "TAKEN") +
                             terminal("Four", "PC1"));
-    ASSERT_TRUE(OpenTerminalList());
-    EXPECT_EQ(AssignTerminal(3, {"Uno", " Dos "}, "PC1"), 0);
+    ASSERT_TRUE(OpenTerminalList(terminals));
+    EXPECT_EQ(AssignTerminal(terminals, 3, {"Uno", " Dos "}, "PC1"), 0);
     EXPECT_EQ(machine.read(path), terminal("Uno", "") + terminal("Dos", "OTHER") +
                                       terminal("Three", "PC1  ") + terminal("Four", ""));
     // A list that is replaced meanwhile is not written blindly.
     QFile::remove(machine.host(path));
     machine.write(path, terminal("New", "OTHER").repeated(4));
-    EXPECT_EQ(AssignTerminal(1, {}, "PC1"), platform::FileNotFound);
+    EXPECT_EQ(AssignTerminal(terminals, 1, {}, "PC1"), platform::FileNotFound);
     EXPECT_EQ(machine.read(path), terminal("New", "OTHER").repeated(4));
-    CloseTerminalList();
-    EXPECT_EQ(AssignTerminal(1, {}, "PC1"), platform::BadFileNumber);
+    CloseTerminalList(terminals);
+    EXPECT_EQ(AssignTerminal(terminals, 1, {}, "PC1"), platform::BadFileNumber);
 }
 
 TEST_F(TerminalListTest, TheOwnRecordIsReadAndStamped) {
     machine.write(path, blank + terminal("Studio", "OLD") + blank.repeated(2));
-    ReadOwnTerminalRecord();
-    EXPECT_EQ(OwnTerminalRecord(), BlankTerminalRecord());
-    EXPECT_FALSE(StampOwnTerminalRecord());
-    settings().LinkMeshId = 2;
-    ReadOwnTerminalRecord();
-    EXPECT_EQ(OwnTerminalRecord().IdName.trimmed(), QString("Studio"));
-    EXPECT_TRUE(StampOwnTerminalRecord());
+    ReadOwnTerminalRecord(terminals);
+    EXPECT_EQ(terminals.own, BlankTerminalRecord());
+    EXPECT_FALSE(StampOwnTerminalRecord(terminals));
+    settings.LinkMeshId = 2;
+    ReadOwnTerminalRecord(terminals);
+    EXPECT_EQ(terminals.own.IdName.trimmed(), QString("Studio"));
+    EXPECT_TRUE(StampOwnTerminalRecord(terminals));
     TerminalRecord expected = BlankTerminalRecord();
     expected.IdName = QString("Studio").leftJustified(TerminalNameLength);
     expected.NetworkName = platform::ComputerName().leftJustified(TerminalNameLength, u' ', true);
     expected.LastUsedDay = 45356;
     expected.LastUsedSeconds = 79830;
-    EXPECT_EQ(ReadTerminal(2), expected);
-    settings().LinkMeshId = 9;
-    ReadOwnTerminalRecord();
-    EXPECT_EQ(OwnTerminalRecord(), BlankTerminalRecord());
+    EXPECT_EQ(ReadTerminal(terminals, 2), expected);
+    settings.LinkMeshId = 9;
+    ReadOwnTerminalRecord(terminals);
+    EXPECT_EQ(terminals.own, BlankTerminalRecord());
     EXPECT_EQ(machine.read(path).size(), 4 * 128);
 }

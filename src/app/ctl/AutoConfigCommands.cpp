@@ -37,8 +37,8 @@ QJsonArray inShort(const QList<InstalledItem>& items) {
 
 // Tells what is there now. The exit status says whether that is everything, and whether it can be used.
 int tell(Call& call, bool usersOpened) {
-    const Settings& values = settings();
-    const QList<InstalledItem> items = LookAtInstallation();
+    const Settings& values = call.station.settings;
+    const QList<InstalledItem> items = LookAtInstallation(call.station);
     QJsonArray records;
     bool complete = true;
     for (const InstalledItem& item : items) {
@@ -71,18 +71,16 @@ int tell(Call& call, bool usersOpened) {
         return call.fail(QStringLiteral("Not everything could be made."));
     return usersOpened || values.DataLocation.isEmpty()
                ? Done
-               : call.fail(UsersDatabaseFile() + QStringLiteral(" could not be opened."));
+               : call.fail(UsersDatabaseFile(values) + QStringLiteral(" could not be opened."));
 }
 
 // Loads, configures, and closes what configuration leaves open for the windows.
-int configure(Call& call, InstallOutcome (*install)(const Call& call)) {
-    if (!LoadWorkstation())
+int configure(Call& call, InstallOutcome (*install)(Call& call)) {
+    if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
     const InstallOutcome outcome = install(call);
-    const bool usersOpened = usersState().database != nullptr;
-    CloseUsersDatabase();
-    CloseHotlist();
-    ResetCartStore();
+    const bool usersOpened = call.station.users.database != nullptr;
+    call.session.close();
     if (outcome == InstallOutcome::Configured)
         return tell(call, usersOpened);
     const QString nothing = QStringLiteral("Nothing was configured.");
@@ -90,16 +88,16 @@ int configure(Call& call, InstallOutcome (*install)(const Call& call)) {
 }
 
 int local(Call& call) {
-    return configure(call, [](const Call&) { return ConfigureLocally(); });
+    return configure(call, [](Call& called) { return ConfigureLocally(called.station); });
 }
 
 int network(Call& call) {
-    return configure(call, [](const Call&) { return ConfigureForNetwork(); });
+    return configure(call, [](Call& called) { return ConfigureForNetwork(called.station); });
 }
 
 int search(Call& call) {
-    return configure(call,
-                     [](const Call& called) { return ConfigureFromSearch(called.has("--network-only")); });
+    return configure(
+        call, [](Call& called) { return ConfigureFromSearch(called.station, called.has("--network-only")); });
 }
 
 } // namespace

@@ -5,20 +5,20 @@
 #include "audio/CartBackup.h"
 #include "audio/CartCheck.h"
 #include "audio/CartStore.h"
-#include "console/CheckConfiguration.h"
-#include "console/LoadSettings.h"
 #include "platform/files/Files.h"
+#include "station/CheckConfiguration.h"
+#include "station/LoadSettings.h"
 
 namespace tolvex::ctl {
 
 namespace {
 
 int locations(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(NoIniChosen);
     QJsonArray records;
     bool complete = true;
-    const ConfigurationStatus facts = LookAtConfiguration();
+    const ConfigurationStatus facts = LookAtConfiguration(call.station);
     for (const LocationStatus& location : facts.locations) {
         const int first = (location.part - 1) * CartsInPart + 1;
         const bool last = location.part == CartPartCount;
@@ -55,20 +55,20 @@ int list(Call& call) {
         first = *from;
         last = *to;
     }
-    if (!ReadAudiowall())
+    if (!ReadAudiowall(call.station))
         return call.fail(NoIniChosen);
     QJsonArray records;
-    last = std::min(last, settings().NoCarts);
+    last = std::min(last, call.station.settings.NoCarts);
     bool anyList = false;
     for (int part = PartOfCart(first); first <= last && part <= PartOfCart(last); ++part) {
-        const CartListFacts facts = LookAtCartList(part);
+        const CartListFacts facts = LookAtCartList(call.station.carts, part);
         if (!OpenForReading(call, facts))
             continue;
         anyList = true;
         const qint32 end = std::min(last, facts.lastCart());
         for (qint32 number = std::max(first, (part - 1) * CartsInPart + 1); number <= end; ++number) {
             qint16 status = 0;
-            const CartRecord cart = ReadCart(number, &status);
+            const CartRecord cart = ReadCart(call.station.carts, number, &status);
             if (!cart.isEmpty())
                 records += CartAsJson(number, cart, status);
         }
@@ -85,17 +85,17 @@ int show(Call& call) {
     const auto number = CartNumber(call.argument(0));
     if (!number)
         return call.wrong(NoCartNumber(call.argument(0)));
-    if (!ReadAudiowall())
+    if (!ReadAudiowall(call.station))
         return call.fail(NoIniChosen);
-    if (*number > settings().NoCarts)
-        return call.fail(QStringLiteral("The audiowall has %1 carts.").arg(settings().NoCarts));
-    const CartListFacts facts = LookAtCartList(PartOfCart(*number));
+    if (*number > call.station.settings.NoCarts)
+        return call.fail(QStringLiteral("The audiowall has %1 carts.").arg(call.station.settings.NoCarts));
+    const CartListFacts facts = LookAtCartList(call.station.carts, PartOfCart(*number));
     if (facts.length.path.isEmpty())
         return call.fail(QStringLiteral("Part %1 of the AudioWall has no location.").arg(facts.part));
     if (!OpenForReading(call, facts))
         return call.fail(QStringLiteral("Cart %1 could not be read.").arg(*number));
     qint16 status = 0;
-    const CartRecord cart = ReadCart(*number, &status);
+    const CartRecord cart = ReadCart(call.station.carts, *number, &status);
     // What a list does not hold yet is an empty cart to the suite.
     if (status != platform::NoError && status != platform::PastEndOfFile)
         return call.fail(QStringLiteral("Cart %1 could not be read (error %2).").arg(*number).arg(status));
@@ -115,9 +115,9 @@ int show(Call& call) {
 }
 
 int check(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(NoIniChosen);
-    const CartCheckResult result = CheckCarts();
+    const CartCheckResult result = CheckCarts(call.station.carts);
     QJsonArray faults;
     for (const CartFault& fault : result.faults)
         faults += QJsonObject{{QStringLiteral("kind"), fault.kind},
@@ -136,15 +136,15 @@ int check(Call& call) {
 }
 
 // Mends the list of one part, making a missing one when the user wants it. What was done, and how it is now.
-QJsonObject mend(int part, int* error) {
+QJsonObject mend(const Call& call, int part, int* error) {
     CartListRepair repair;
-    const CartListFacts before = LookAtCartList(part);
+    const CartListFacts before = LookAtCartList(call.station.carts, part);
     if (before.isMissing())
-        OpenCartParts(part, false);
+        OpenCartParts(call.station.carts, part, false);
     else
-        repair = RepairCartList(part);
+        repair = RepairCartList(call.station.carts, part);
     *error = repair.error;
-    const CartListFacts after = LookAtCartList(part);
+    const CartListFacts after = LookAtCartList(call.station.carts, part);
     return {{QStringLiteral("part"), part},
             {QStringLiteral("path"), after.length.path},
             {QStringLiteral("before"), before.state()},
@@ -154,22 +154,22 @@ QJsonObject mend(int part, int* error) {
 }
 
 int repair(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(NoIniChosen);
     QJsonArray records;
     int worst = Done;
-    for (int part = 1; part <= PartOfCart(settings().NoCarts); ++part) {
-        if (CartListPath(part).isEmpty()) {
+    for (int part = 1; part <= PartOfCart(call.station.settings.NoCarts); ++part) {
+        if (CartListPath(call.station.carts, part).isEmpty()) {
             call.output.say(QStringLiteral("Part %1 of the AudioWall has no location.").arg(part));
             worst = std::max<int>(worst, No);
             continue;
         }
         int error = platform::NoError;
-        const QJsonObject mended = mend(part, &error);
+        const QJsonObject mended = mend(call, part, &error);
         records += mended;
         if (error != platform::NoError)
             call.output.say(QStringLiteral("%1 could not be mended (error %2); nothing of it is lost.")
-                                .arg(CartListPath(part))
+                                .arg(CartListPath(call.station.carts, part))
                                 .arg(error));
         if (mended[QLatin1String("after")] != QLatin1String("sound"))
             worst = std::max<int>(worst, error != platform::NoError ? Failed : No);
@@ -184,9 +184,9 @@ int repair(Call& call) {
 }
 
 int backup(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(NoIniChosen);
-    if (!BackupCartLists(true))
+    if (!BackupCartLists(call.station.settings, true))
         return call.fail(
             QStringLiteral("A cart list could not be copied to the Backups folder of its location."));
     return Done;

@@ -3,8 +3,8 @@
 
 #include "audio/CartStore.h"
 #include "audio/search/CartSearch.h"
-#include "console/LoadSettings.h"
 #include "core/time/TimeText.h"
+#include "station/LoadSettings.h"
 
 namespace tolvex::ctl {
 
@@ -60,8 +60,8 @@ QString takeOptions(const Call& call, CartQuery& query) {
 // Opens the lists that the search will meet. False when none opens.
 bool openLists(const Call& call) {
     bool any = false;
-    for (int part = 1; part <= PartOfCart(settings().NoCarts); ++part)
-        any = OpenForReading(call, LookAtCartList(part)) || any;
+    for (int part = 1; part <= PartOfCart(call.station.settings.NoCarts); ++part)
+        any = OpenForReading(call, LookAtCartList(call.station.carts, part)) || any;
     return any;
 }
 
@@ -75,11 +75,11 @@ int find(Call& call) {
     if (!good || most < 1)
         return call.wrong(QStringLiteral("--max is expected with a number of carts, not \"%1\".")
                               .arg(call.option("--max")));
-    if (!ReadAudiowall())
+    if (!ReadAudiowall(call.station))
         return call.fail(NoIniChosen);
     if (!openLists(call))
         return call.fail(NoCartListOpens);
-    CartSearch search(query, settings().NoCarts);
+    CartSearch search(call.station.carts, query, call.station.settings.NoCarts);
     while (search.foundCount() < most && search.runFor(slice)) {
     }
     QJsonArray records;

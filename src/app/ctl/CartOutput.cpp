@@ -64,8 +64,8 @@ const Columns& CartColumns() {
 bool OpenForReading(const Call& call, const CartListFacts& list) {
     if (list.isTorn() || list.isShort())
         NoteListFault(call, list.inWords());
-    if (list.error == platform::NoError && OpenCartParts(list.part, true) == 0 &&
-        settings().CartPartTable[list.part].IsOpen)
+    if (list.error == platform::NoError && OpenCartParts(call.station.carts, list.part, true) == 0 &&
+        call.station.settings.CartPartTable[list.part].IsOpen)
         return true;
     if (!list.length.path.isEmpty())
         call.output.note(list.isSound() ? QStringLiteral("%1 could not be opened.").arg(list.length.path)

@@ -1,40 +1,10 @@
 #include "app/ctl/Command.h"
 
-#include "console/LoadSettings.h"
-#include "console/StartUp.h"
-#include "core/exchange/SettingsImport.h"
-#include "core/report/ProblemReport.h"
-#include "platform/host/LookOnly.h"
 #include "platform/paths/Paths.h"
 
 #include <QDir>
 
-#include <utility>
-
 namespace tolvex::ctl {
-
-namespace {
-
-// A command that changes something begins with files that belong together; one that reads can only say that
-// they may not.
-void mendInterruptedImport() {
-    const QString localIni = settings().LocalIniFile;
-    if (!ImportWasInterrupted(localIni))
-        return;
-    if (!platform::LookingOnly()) {
-        if (const QString undone = UndoInterruptedImport(localIni); !undone.isEmpty())
-            ShowExclamation(undone);
-        return;
-    }
-    static bool told = false;
-    if (!std::exchange(told, true))
-        ShowExclamation(QStringLiteral(
-            "An import of settings was cut short: the files of this workstation may not belong together. The "
-            "next start of Tolvex Configuration, or the next command that changes a setting, puts them back "
-            "as they were."));
-}
-
-} // namespace
 
 int Command::fewest() const {
     int depth = 0;
@@ -109,14 +79,6 @@ bool ResolveFiles(Call& call, QString* why) {
         call.paths += path;
     }
     return true;
-}
-
-bool LoadWorkstation() {
-    // It comes first: what it says of an interrupted import is about the local ini file that it chooses.
-    if (!InitialiseProgram())
-        return false;
-    mendInterruptedImport();
-    return ReadLocalSettings() && LoadSystemSettings();
 }
 
 } // namespace tolvex::ctl

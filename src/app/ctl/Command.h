@@ -6,6 +6,8 @@
 #pragma once
 
 #include "app/ctl/Output.h"
+#include "station/Session.h"
+#include "station/Workstation.h"
 
 #include <QMap>
 #include <QStringList>
@@ -54,6 +56,8 @@ struct Command {
 struct Call {
     const Command& command;
     Output& output;
+    Session& session;
+    Workstation& station; // of the session
     QStringList arguments;
     QMap<QString, QString> options; // by name; a flag's value is empty
     QStringList paths = {};         // of the arguments that name files, at the same numbers
@@ -93,10 +97,5 @@ std::optional<QString> FileArgument(const QString& given, BareFile bare, QString
 // Fills the paths of a call from the arguments that its command declares as files. False, with a sentence in
 // *why, when one cannot be reached.
 bool ResolveFiles(Call& call, QString* why);
-
-// Loads the settings of this workstation and of its station into settings(), as the windows have them, and
-// makes or changes nothing: an audiowall of an older version waits for the window. False when no local ini
-// file was chosen.
-bool LoadWorkstation();
 
 } // namespace tolvex::ctl

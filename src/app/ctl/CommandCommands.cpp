@@ -28,15 +28,15 @@ using platform::Icon;
 
 // The folder of commands, or the exit status that says why there is none.
 std::optional<CommandFolder> openFolder(Call& call, int& status) {
-    if (!LoadWorkstation()) {
+    if (!call.session.read()) {
         status = call.fail(QStringLiteral("No local ini file was chosen."));
         return std::nullopt;
     }
-    if (!DirectoryExists(settings().DataLocation)) {
+    if (!DirectoryExists(call.station.settings.DataLocation)) {
         status = call.no(QStringLiteral("This workstation has no data location that is there."));
         return std::nullopt;
     }
-    return CommandFolder(settings().DataLocation);
+    return CommandFolder(call.station.settings.DataLocation);
 }
 
 // "tcp" and "udp" are one type in the file.
@@ -330,11 +330,11 @@ int edit(Call& call) {
 QList<CommandUse> usesOf(const Call& call, const QString& name) {
     constexpr int mostEntries = 20;
     DriverReports reports;
-    ReadHardwareSettings(settings().LocalIniFile, reports);
+    ReadHardwareSettings(call.station.cards, call.station.settings.LocalIniFile, reports);
     const CommandUseSource log = [&call](const QString& wanted) {
         QList<CommandUse> uses;
         QString why;
-        const QString path = AutomationLogPath(settings());
+        const QString path = AutomationLogPath(call.station.settings);
         if (platform::FileExists(path))
             for (const LogMention& mention : FindInAutomationLog(
                      path, [&wanted](const QString& text) { return NamesCommand(text, wanted); }, mostEntries,
@@ -345,7 +345,7 @@ QList<CommandUse> usesOf(const Call& call, const QString& name) {
             call.output.note(why);
         return uses;
     };
-    return CommandUses(name, HardwareCards(), {log});
+    return CommandUses(name, call.station.cards, {log});
 }
 
 int remove(Call& call) {
@@ -435,7 +435,7 @@ int run(Call& call) {
         while (trial.running())
             wait();
     } else {
-        CommandRunner runner(settings().DataLocation, events);
+        CommandRunner runner(call.station.settings.DataLocation, events);
         if (!runner.PerformCommand(name, true))
             return call.fail(outcome.error());
         while (runner.busy() && !outcome.failed())

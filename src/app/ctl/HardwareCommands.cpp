@@ -32,12 +32,12 @@ QString noCard(const QString& given) {
     return QStringLiteral("A card from 1 to %1 is expected, not \"%2\".").arg(HardwareCardCount).arg(given);
 }
 
-bool readCards(DriverReports& reports) {
-    if (!LoadWorkstation())
+bool readCards(Call& call, DriverReports& reports) {
+    if (!call.session.read())
         return false;
-    ReadHardwareSettings(settings().LocalIniFile, reports);
+    ReadHardwareSettings(call.station.cards, call.station.settings.LocalIniFile, reports);
     // The file knows the types of a joystick's lines only where they are in use; the card has one for all.
-    for (HardwareCard& card : HardwareCards())
+    for (HardwareCard& card : call.station.cards)
         if (card.CardType == CardJoystick)
             SelectCardType(card, card.CardType, {}, reports);
     return true;
@@ -45,7 +45,7 @@ bool readCards(DriverReports& reports) {
 
 // Where the lines of an Advantech card came from.
 void noteOrigin(const Call& call, int number) {
-    const HardwareCard& card = HardwareCards()[number];
+    const HardwareCard& card = call.station.cards[number];
     if (card.CardType == CardAdvantech)
         call.output.note(QStringLiteral("Card %1: ").arg(number) +
                          OriginOfLines(card.BaseAddress, {card.NumberLines, card.NumberInputs,
@@ -53,8 +53,8 @@ void noteOrigin(const Call& call, int number) {
 }
 
 int write(const Call& call, int number, DriverReports& reports) {
-    const QString file = settings().LocalIniFile;
-    if (const int error = WriteHardwareSettings(file, reports))
+    const QString file = call.station.settings.LocalIniFile;
+    if (const int error = WriteHardwareSettings(call.station.cards, file, reports))
         return call.fail(ProfileErrorText(error, ProfilePath(file)), error);
     noteOrigin(call, number);
     return Done;
@@ -87,13 +87,13 @@ int list(Call& call) {
         first = last = *only;
     }
     DriverReports reports;
-    if (!readCards(reports))
+    if (!readCards(call, reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
     QJsonArray records;
     for (int card = first; card <= last; ++card) {
         noteOrigin(call, card);
-        for (int n = 1; n <= qMin(int{HardwareCards()[card].NumberLines}, LinesPerCard); ++n)
-            records += recordOf(card, n, HardwareCards()[card].Lines[n]);
+        for (int n = 1; n <= qMin(int{call.station.cards[card].NumberLines}, LinesPerCard); ++n)
+            records += recordOf(card, n, call.station.cards[card].Lines[n]);
     }
     if (records.isEmpty() && !call.output.json())
         return call.no(QStringLiteral("No card has lines: \"tolvexctl hardware card\" sets its type."));
@@ -144,9 +144,9 @@ int set(Call& call) {
     if (!parameters.isEmpty() && !call.has("--action"))
         return call.wrong(QStringLiteral("Parameters belong to an action: --action is expected."));
     DriverReports reports;
-    if (!readCards(reports))
+    if (!readCards(call, reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    HardwareCard card = HardwareCards()[*number]; // a copy, until all of it is found good
+    HardwareCard card = call.station.cards[*number]; // a copy, until all of it is found good
     const int lines = qMin(int{card.NumberLines}, LinesPerCard);
     const std::optional<int> n = numberIn(call.argument(1), lines);
     if (!n)
@@ -169,10 +169,10 @@ int set(Call& call) {
     }
     if (call.has("--description"))
         line.Description = call.option("--description");
-    const QString wrong = SetLine({HardwareCards()[*number], row, lines}, *n, line);
+    const QString wrong = SetLine({call.station.cards[*number], row, lines}, *n, line);
     if (!wrong.isEmpty())
         return call.wrong(wrong);
-    HardwareLine& stored = HardwareCards()[*number].Lines[*n];
+    HardwareLine& stored = call.station.cards[*number].Lines[*n];
     GetGridinfo(stored);
     const int status = write(call, *number, reports);
     if (status == Done && call.output.json())
@@ -202,9 +202,9 @@ int card(Call& call) {
         return call.wrong(QStringLiteral("This type of card has no address."));
     const int port = row.usesPort ? numberIn(address, SerialPorts).value_or(0) - 1 : -1;
     DriverReports reports;
-    if (!readCards(reports))
+    if (!readCards(call, reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    HardwareCard& at = HardwareCards()[*number];
+    HardwareCard& at = call.station.cards[*number];
     const QString wrong = SetCard(at, {type->type, address, port});
     if (!wrong.isEmpty())
         return call.wrong(wrong);

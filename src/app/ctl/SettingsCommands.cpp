@@ -1,11 +1,11 @@
 // The declared settings of this workstation: listing, changing one, comparing, keeping and carrying over.
 #include "app/ctl/Commands.h"
 
-#include "console/StartUp.h"
 #include "core/exchange/SettingsImport.h"
 #include "core/settings/SettingCheck.h"
 #include "core/settings/SettingsReference.h"
 #include "platform/files/Files.h"
+#include "station/StartUp.h"
 
 namespace tolvex::ctl {
 
@@ -39,11 +39,11 @@ QJsonObject recordOf(const StoredSetting& setting) {
 }
 
 int list(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(noIni);
     const QString section = call.argument(0);
     QJsonArray records;
-    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce()))
+    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce(call.station.settings)))
         if (section.isEmpty() ||
             section.compare(QLatin1String(setting.place.row->section), Qt::CaseInsensitive) == 0)
             records += recordOf(setting);
@@ -59,7 +59,7 @@ int list(Call& call) {
 
 // The setting that the first two arguments name; nothing when there is none.
 std::optional<StoredSetting> named(const Call& call) {
-    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce()))
+    for (const StoredSetting& setting : ReadStoredSettings(FilesInForce(call.station.settings)))
         if (call.argument(0).compare(QLatin1String(setting.place.row->section), Qt::CaseInsensitive) == 0 &&
             call.argument(1).compare(setting.key, Qt::CaseInsensitive) == 0)
             return setting;
@@ -67,7 +67,7 @@ std::optional<StoredSetting> named(const Call& call) {
 }
 
 int get(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(noIni);
     const std::optional<StoredSetting> setting = named(call);
     if (!setting)
@@ -82,16 +82,17 @@ int get(Call& call) {
 }
 
 int set(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(noIni);
     const SettingPlace place = FindSetting(call.argument(0), call.argument(1));
     QString why;
     if (place && place.row->at && !CheckSettingValue(*place.row, call.argument(2), &why))
         return call.wrong(QStringLiteral("[%1] %2: %3").arg(call.argument(0), call.argument(1), why));
     int error = 0;
-    if (!SetStoredSetting(FilesInForce(), call.argument(0), call.argument(1), call.argument(2), &why, &error))
+    if (!SetStoredSetting(FilesInForce(call.station.settings), call.argument(0), call.argument(1),
+                          call.argument(2), &why, &error))
         return place ? call.fail(why, error) : call.no(why);
-    if (call.output.json() && LoadWorkstation())
+    if (call.output.json() && call.session.read())
         if (const std::optional<StoredSetting> setting = named(call))
             call.output.record(recordOf(*setting), {});
     return Done;
@@ -117,9 +118,9 @@ int diff(Call& call) {
 }
 
 int exportAll(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(noIni);
-    const QByteArray document = ExportSettings(FilesInForce());
+    const QByteArray document = ExportSettings(FilesInForce(call.station.settings));
     if (call.arguments.isEmpty()) {
         call.output.line(document.trimmed());
         return Done;
@@ -177,14 +178,14 @@ void tellPlan(Call& call, const ImportPlan& plan, bool applied) {
 }
 
 int import(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(noIni);
     const QString file = call.path(0);
     const std::optional<QByteArray> document = platform::ReadWholeFile(file, 64 << 20);
     if (!document)
         return call.fail(QStringLiteral("%1 could not be read.").arg(file));
-    const QString localIni = settings().LocalIniFile;
-    ImportPlan plan = PlanImport(*document, localIni, NamedSystemIniFile());
+    const QString localIni = call.station.settings.LocalIniFile;
+    ImportPlan plan = PlanImport(*document, localIni, NamedSystemIniFile(call.station));
     const bool applied = plan.usable() && !call.has("--preview") && ApplyImport(plan);
     if (plan.problem.isEmpty() || !plan.files.isEmpty())
         tellPlan(call, plan, applied);

@@ -1,16 +1,16 @@
 // The configuration of this workstation in a few facts.
 #include "app/ctl/Commands.h"
 
-#include "console/CheckConfiguration.h"
+#include "station/CheckConfiguration.h"
 
 namespace tolvex::ctl {
 
 namespace {
 
 int status(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    const ConfigurationStatus facts = LookAtConfiguration();
+    const ConfigurationStatus facts = LookAtConfiguration(call.station);
     QJsonArray locations;
     for (const LocationStatus& location : facts.locations)
         locations += QJsonObject{{QStringLiteral("part"), location.part},

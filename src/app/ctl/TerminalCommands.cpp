@@ -15,45 +15,49 @@ namespace {
 
 // Loads the settings and opens the list. The exit status that says why there is none, or nothing.
 std::optional<int> open(Call& call, bool mayMakeIt) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    if (!DirectoryExists(settings().DataLocation))
+    if (!DirectoryExists(call.station.settings.DataLocation))
         return call.no(QStringLiteral("This workstation has no data location that is there."));
-    if (!mayMakeIt && FileLength(TerminalListPath()) < 0)
-        return call.no(QStringLiteral("There is no Terminal list %1.").arg(TerminalListPath()));
-    if (OpenTerminalList() && TerminalListIsOpen())
+    TerminalList& terminals = call.station.terminals;
+    const QString path = TerminalListPath(terminals);
+    if (!mayMakeIt && FileLength(path) < 0)
+        return call.no(QStringLiteral("There is no Terminal list %1.").arg(path));
+    if (OpenTerminalList(terminals) && TerminalListIsOpen(terminals))
         return std::nullopt;
-    return FileLength(TerminalListPath()) < 0
-               ? call.no(QStringLiteral("The Terminal list was not made."))
-               : call.fail(QStringLiteral("%1 could not be opened.").arg(TerminalListPath()));
+    return FileLength(path) < 0 ? call.no(QStringLiteral("The Terminal list was not made."))
+                                : call.fail(QStringLiteral("%1 could not be opened.").arg(path));
 }
 
 // A number of the list, or 0.
-int numberOf(const QString& text) {
+int numberOf(const Call& call, const QString& text) {
     bool good = false;
     const int id = text.toInt(&good);
-    return good && id >= 1 && id <= settings().NumberTerminals ? id : 0;
+    return good && id >= 1 && id <= call.station.settings.NumberTerminals ? id : 0;
 }
 
 int wrongNumber(const Call& call) {
-    return call.wrong(QStringLiteral("ID is a number from 1 to %1.").arg(settings().NumberTerminals));
+    return call.wrong(
+        QStringLiteral("ID is a number from 1 to %1.").arg(call.station.settings.NumberTerminals));
 }
 
 int notWritten(const Call& call, int error) {
-    return call.fail(QStringLiteral("%1 could not be written (error %2).").arg(TerminalListPath()).arg(error),
+    return call.fail(QStringLiteral("%1 could not be written (error %2).")
+                         .arg(TerminalListPath(call.station.terminals))
+                         .arg(error),
                      error);
 }
 
 int list(Call& call) {
     if (const auto status = open(call, false))
         return *status;
-    if (const QString fault = TerminalListFault(); !fault.isEmpty())
+    if (const QString fault = TerminalListFault(call.station.terminals); !fault.isEmpty())
         call.output.note(fault);
     QJsonArray records;
-    const QList<TerminalRecord> terminals = ReadTerminals();
+    const QList<TerminalRecord> terminals = ReadTerminals(call.station.terminals);
     for (int id = 1; id <= terminals.size(); ++id) {
         const TerminalRecord& terminal = terminals[id - 1];
-        const bool own = id == settings().LinkMeshId;
+        const bool own = id == call.station.settings.LinkMeshId;
         QJsonObject record{{QStringLiteral("id"), id},
                            {QStringLiteral("thisWorkstation"), own},
                            {QStringLiteral("idName"), terminal.IdName.trimmed()},
@@ -74,29 +78,30 @@ int list(Call& call) {
 int choose(Call& call) {
     if (const auto status = open(call, true))
         return *status;
-    const int id = numberOf(call.argument(0));
+    const int id = numberOf(call, call.argument(0));
     if (id == 0)
         return wrongNumber(call);
-    if (const int error = AssignTerminal(id, {}, platform::ComputerName()))
+    if (const int error = AssignTerminal(call.station.terminals, id, {}, platform::ComputerName()))
         return notWritten(call, error);
-    settings().LinkMeshId = id;
+    call.station.settings.LinkMeshId = id;
     if (const int error = platform::WriteProfileText(QStringLiteral("LinkMesh"), QStringLiteral("LinkMeshId"),
-                                                     QString::number(id), settings().LocalIniFile))
-        return call.fail(
-            QStringLiteral("%1 could not be written (error %2).").arg(settings().LocalIniFile).arg(error),
-            error);
+                                                     QString::number(id), call.station.settings.LocalIniFile))
+        return call.fail(QStringLiteral("%1 could not be written (error %2).")
+                             .arg(call.station.settings.LocalIniFile)
+                             .arg(error),
+                         error);
     return Done;
 }
 
 int rename(Call& call) {
     if (const auto status = open(call, true))
         return *status;
-    const int id = numberOf(call.argument(0));
+    const int id = numberOf(call, call.argument(0));
     if (id == 0)
         return wrongNumber(call);
     if (call.argument(1).trimmed().size() > TerminalNameLength)
         return call.wrong(QStringLiteral("A name has at most %1 characters.").arg(TerminalNameLength));
-    if (const int error = RenameTerminal(id, call.argument(1)))
+    if (const int error = RenameTerminal(call.station.terminals, id, call.argument(1)))
         return notWritten(call, error);
     return Done;
 }

@@ -45,13 +45,14 @@ QJsonValue jsonOf(const QVariant& value) {
 
 // The rows of a table in the order of its index, the last `last` of them.
 int show(Call& call, const QString& table, std::span<const Shown> fields, int last = INT_MAX) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    if (FileLength(UsersDatabaseFile()) <= 0)
-        return call.no(QStringLiteral("There is no users database %1.").arg(UsersDatabaseFile()));
+    const QString file = UsersDatabaseFile(call.station.settings);
+    if (FileLength(file) <= 0)
+        return call.no(QStringLiteral("There is no users database %1.").arg(file));
     QJsonArray records;
     try {
-        const auto database = OpenSuiteDatabase(UsersDatabaseFile());
+        const auto database = OpenSuiteDatabase(file);
         const auto rows = database->open(table, RecordsetMode::Table);
         rows->setIndex(QStringLiteral("Main"));
         int before = rows->recordCount() - last;
@@ -64,9 +65,8 @@ int show(Call& call, const QString& table, std::span<const Shown> fields, int la
             records += record;
         }
     } catch (const DatabaseError& error) {
-        return call.fail(
-            QStringLiteral("%1: %2 (error %3)").arg(UsersDatabaseFile(), error.text).arg(error.number),
-            error.number);
+        return call.fail(QStringLiteral("%1: %2 (error %3)").arg(file, error.text).arg(error.number),
+                         error.number);
     }
     Columns columns;
     for (const Shown& field : fields)
@@ -95,14 +95,15 @@ int history(Call& call) {
 }
 
 int process(Call& call) {
-    if (!LoadWorkstation())
+    if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    if (settings().DataLocation.isEmpty())
+    if (call.station.settings.DataLocation.isEmpty())
         return call.no(QStringLiteral("This workstation has no data location."));
-    if (OpenUsersDatabase(UsersDatabaseFile()) != 0)
-        return call.fail(QStringLiteral("%1 could not be opened.").arg(UsersDatabaseFile()));
-    const int error = ProcessUserAccounts(QStringLiteral("SYSTEM"));
-    CloseUsersDatabase();
+    const QString file = UsersDatabaseFile(call.station.settings);
+    if (OpenUsersDatabase(call.station.users, file) != 0)
+        return call.fail(QStringLiteral("%1 could not be opened.").arg(file));
+    const int error = ProcessUserAccounts(call.station.users, QStringLiteral("SYSTEM"));
+    CloseUsersDatabase(call.station.users);
     return error == 0
                ? Done
                : call.fail(QStringLiteral("Not all accounts were processed (error %1).").arg(error), error);

@@ -91,6 +91,9 @@ QString hostFolder(const QString& windowsPath) {
 
 } // namespace
 
+QtPrompts::QtPrompts(const Settings& settings)
+    : settings_(settings) {}
+
 QtPrompts::~QtPrompts() {
     delete splash_;
 }
@@ -187,7 +190,7 @@ void QtPrompts::setPointer(platform::Pointer pointer) {
 
 void QtPrompts::splash(const QString& status) {
     if (!splash_) {
-        splash_ = new frmSplash;
+        splash_ = new frmSplash(settings_.OSVersion);
         FitForm(splash_);
         clsMonitors().CenterFormOnMonitor(splash_);
         splash_->show();
@@ -211,8 +214,9 @@ void QtPrompts::showUpdateNotice(const QString& file, const QString& caption) {
 }
 
 QString QtPrompts::chooseConfigurationSet(const QString& registryKey, const QString& defaultIni) {
-    frmMultiConfig(registryKey, defaultIni).exec();
-    return settings().LocalIniFile;
+    frmMultiConfig form(registryKey, defaultIni);
+    form.exec();
+    return form.chosen();
 }
 
 void QtPrompts::openAddress(const QString& address) {

@@ -9,9 +9,12 @@
 namespace tolvex {
 
 class frmSplash;
+struct Settings;
 
 class QtPrompts : public platform::Prompts {
 public:
+    // The splash form tells what the settings know of the system; they outlive the prompts.
+    explicit QtPrompts(const Settings& settings);
     ~QtPrompts() override;
 
     platform::Answer ask(const platform::Message& message) override;
@@ -32,6 +35,7 @@ public:
     void processEvents() override;
 
 private:
+    const Settings& settings_;
     QPointer<frmSplash> splash_;
     platform::Pointer pointer_ = platform::Pointer::Default;
 };

@@ -54,8 +54,9 @@ bool LengthRule::holdsFor(float length) const {
     return length > lowest && length < highest;
 }
 
-CartSearch::CartSearch(const CartQuery& query, qint32 carts)
-    : query_(query)
+CartSearch::CartSearch(CartStore& wall, const CartQuery& query, qint32 carts)
+    : wall_(wall)
+    , query_(query)
     , pattern_(withoutBlanksAround(query.text))
     , filter_(pattern_.lowerCase())
     , findsAll_(withoutBlanksAround(query.text) == u"*")
@@ -94,12 +95,12 @@ bool CartSearch::runFor(milliseconds time) {
 bool CartSearch::advance() {
     if (ended())
         return false;
-    if (query_.notes && !ListCartNotes(cart_))
+    if (query_.notes && !ListCartNotes(wall_, cart_))
         return true;
     if (cart_ % shownEach == 0)
         shown_ = cart_;
     if (const CartListRecord& bytes = current(); matches(bytes)) {
-        found_.append({cart_, CartOfBytes(bytes)});
+        found_.append({cart_, CartOfBytes(wall_, bytes)});
         ++foundCount_;
     }
     cart_ += query_.backwards ? -1 : 1;
@@ -131,14 +132,14 @@ bool CartSearch::linesMatch(const CartListRecord& bytes) const {
 }
 
 bool CartSearch::notesMatch() {
-    const qint64 length = ReadCartNotes(cart_, notes_.data(), SearchedNotesBytes);
+    const qint64 length = ReadCartNotes(wall_, cart_, notes_.data(), SearchedNotesBytes);
     return length > 0 && pattern_.isIn({notes_.data(), static_cast<std::size_t>(length)});
 }
 
 const CartListRecord& CartSearch::current() {
     if (cart_ < firstAhead_ || cart_ >= firstAhead_ + countAhead_) {
         const qint32 first = query_.backwards ? cart_ - mostAhead + 1 : cart_;
-        if (ReadCartsAhead(first, mostAhead, ahead_.data())) {
+        if (ReadCartsAhead(wall_, first, mostAhead, ahead_.data())) {
             firstAhead_ = first;
             countAhead_ = mostAhead;
         } else {
@@ -154,10 +155,10 @@ void CartSearch::readOne(CartListRecord& bytes) {
     const int part = PartOfCart(cart_);
     const milliseconds begun = platform::SteadyTime();
     if (part == closedPart_ && begun < closedUntil_) {
-        bytes = EmptyCartListRecord();
+        bytes = wall_.emptyListRecord;
         return;
     }
-    closedPart_ = isClosed(ReadCartBytes(cart_, bytes)) ? part : 0;
+    closedPart_ = isClosed(ReadCartBytes(wall_, cart_, bytes)) ? part : 0;
     if (closedPart_ == 0)
         return;
     const milliseconds now = platform::SteadyTime();

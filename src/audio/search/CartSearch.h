@@ -25,6 +25,8 @@
 
 namespace tolvex {
 
+struct CartStore;
+
 // Carts of about a length, in seconds.
 struct LengthRule {
     double target = 0;
@@ -57,7 +59,7 @@ struct FoundCart {
 class CartSearch {
 public:
     // `carts`: number of carts of the audiowall. A search that begins outside 1 to that looks at none.
-    CartSearch(const CartQuery& query, qint32 carts);
+    CartSearch(CartStore& wall, const CartQuery& query, qint32 carts);
 
     // Looks at one cart, or goes on with listing the folder of its notes. False once the search has ended.
     bool step();
@@ -90,6 +92,7 @@ private:
     bool linesMatch(const CartListRecord& bytes) const;
     bool notesMatch();
 
+    CartStore& wall_;
     CartQuery query_;
     CaseBlindPattern pattern_;
     LineFilter filter_;

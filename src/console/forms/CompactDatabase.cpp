@@ -1,21 +1,20 @@
 #include "console/forms/CompactDatabase.h"
 
-#include "core/settings/Settings.h"
 #include "databases/compaction/CompactRepair.h"
 #include "databases/compaction/LossReport.h"
-#include "databases/users/UsersDatabase.h"
+#include "station/Workstation.h"
 #include "ui/richtext/frmPrintPreview.h"
 
 namespace tolvex {
 
-void CompactDatabase(QWidget* console) {
-    const QString users = usersState().database ? usersState().information.FullName : QString();
-    CloseUsersDatabase();
+void CompactDatabase(Workstation& station, QWidget* console) {
+    const QString users = station.users.database ? station.users.information.FullName : QString();
+    CloseUsersDatabase(station.users);
     LossReport losses;
-    const bool done = CompactRepairDatabase({}, true, settings().DataLocation, false,
+    const bool done = CompactRepairDatabase({}, true, station.settings.DataLocation, false,
                                             [&losses](const jet::Fault& loss) { losses.add(loss); });
     if (!users.isEmpty())
-        OpenUsersDatabase(users);
+        OpenUsersDatabase(station.users, users);
     if (!done || losses.isEmpty())
         return;
     frmPrintPreview list(console);

@@ -1,10 +1,12 @@
 #include "console/forms/FormTable.h"
 
+#include "console/AutoConfiguration.h"
+#include "console/forms/CompactDatabase.h"
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
-#include "core/settings/Settings.h"
 #include "hardware/forms/frmHardwareSettings.h"
+#include "station/Workstation.h"
 
 #include <QFile>
 
@@ -19,19 +21,41 @@ namespace {
 
 struct Row {
     const char* form;
-    QDialog* (*make)(QWidget* owner);
+    QDialog* (*make)(Workstation& station, QWidget* owner);
 };
 
 const Row rows[] = {
     {"frmFileLocations",
-     [](QWidget* owner) -> QDialog* {
-         auto* form = new frmFileLocations(owner);
-         form->setIniFile(settings().LocalIniFile);
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         auto* form = new frmFileLocations(station.settings, owner);
+         form->setIniFile(station.settings.LocalIniFile);
          return form;
      }},
-    {"frmDisplayOptions", [](QWidget* owner) -> QDialog* { return new frmDisplayOptions(owner); }},
-    {"frmDateTimeSetup", [](QWidget* owner) -> QDialog* { return new frmDateTimeSetup({}, owner); }},
-    {"frmHardwareSettings", [](QWidget* owner) -> QDialog* { return new frmHardwareSettings(owner); }},
+    {"frmDisplayOptions",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmDisplayOptions(station.settings, owner);
+     }},
+    {"frmDateTimeSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmDateTimeSetup(station.settings, {}, owner);
+     }},
+    {"frmHardwareSettings",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmHardwareSettings(station.cards, station.settings, owner);
+     }},
+};
+
+struct RoutineRow {
+    const char* name;
+    ConsoleRoutine run;
+};
+
+constexpr RoutineRow routines[] = {
+    {"CompactDatabase",
+     [](Workstation& station, QWidget* console) { return CompactDatabase(station, console), false; }},
+    {"LocalSetup", [](Workstation& station, QWidget*) { return LocalSetup(station), false; }},
+    {"LookForSetup", [](Workstation& station, QWidget*) { return LookForSetup(station); }},
+    {"NetworkSetup", [](Workstation& station, QWidget*) { return NetworkSetup(station); }},
 };
 
 const Row* find(const QString& form) {
@@ -47,9 +71,16 @@ bool FormExists(const QString& form) {
     return find(form) != nullptr;
 }
 
-QDialog* MakeForm(const QString& form, QWidget* owner) {
+QDialog* MakeForm(const QString& form, Workstation& station, QWidget* owner) {
     const Row* row = find(form);
-    return row ? row->make(owner) : nullptr;
+    return row ? row->make(station, owner) : nullptr;
+}
+
+ConsoleRoutine FindRoutine(const QString& name) {
+    for (const RoutineRow& row : routines)
+        if (name == QLatin1String(row.name))
+            return row.run;
+    return nullptr;
 }
 
 QByteArray FormDesign(const QString& form) {

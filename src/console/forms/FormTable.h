@@ -1,5 +1,5 @@
-// The forms that the console can open, by name. A job whose form has no row here cannot be opened yet: its
-// button says so.
+// The forms that the console can open and the routines that it can start, by name. A job whose form has no
+// row here cannot be opened yet: its button says so.
 #pragma once
 
 #include <QString>
@@ -9,10 +9,18 @@ class QWidget;
 
 namespace tolvex {
 
+struct Workstation;
+
 bool FormExists(const QString& form);
 
 // A new form, not shown; null when there is none of that name.
-QDialog* MakeForm(const QString& form, QWidget* owner);
+QDialog* MakeForm(const QString& form, Workstation& station, QWidget* owner);
+
+// A routine behind a button that opens no form. True: the user asked to exit.
+using ConsoleRoutine = bool (*)(Workstation& station, QWidget* console);
+
+// Null when there is none of that name.
+ConsoleRoutine FindRoutine(const QString& name);
 
 // The bytes of a form's design, for the search; empty when it has none.
 QByteArray FormDesign(const QString& form);

@@ -1,32 +1,18 @@
 #include "console/forms/frmConfigure.h"
 
-#include "audio/CartStore.h"
-#include "audio/Hotlist.h"
-#include "console/AutoConfiguration.h"
-#include "console/CheckConfiguration.h"
 #include "console/ConsoleJobs.h"
-#include "console/LoadSettings.h"
-#include "console/StartUp.h"
 #include "console/WorkstationGlance.h"
 #include "console/forms/AccessKeys.h"
-#include "console/forms/CompactDatabase.h"
 #include "console/forms/FindBox.h"
-#include "console/forms/FormTable.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/frmSplash.h"
-#include "core/exchange/SettingsImport.h"
 #include "core/report/Folders.h"
-#include "core/report/ProblemReport.h"
-#include "core/settings/SaveLocalSettings.h"
-#include "core/settings/SettingsLoader.h"
-#include "core/system/DataEngine.h"
 #include "core/system/Product.h"
-#include "core/system/Programs.h"
 #include "core/system/Registry.h"
-#include "databases/users/UsersDatabase.h"
-#include "network/TerminalList.h"
 #include "platform/Prompts.h"
 #include "platform/paths/Paths.h"
+#include "station/CheckConfiguration.h"
+#include "station/Workstation.h"
 #include "ui/help/frmHelp.h"
 #include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
@@ -42,6 +28,7 @@ namespace tolvex {
 namespace {
 
 const QString MultiConfigFile = QStringLiteral("MultiConfigFile");
+const QString LookForSetup = QStringLiteral("LookForSetup");
 const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
 
 // A "Tolvex.ini" shorter than this is a machine that was never configured.
@@ -62,26 +49,12 @@ constexpr MenuRow menuRows[] = {
     {"mnuCompactDatabase", "cmdCompress"},
 };
 
-// The routines behind buttons that open no form, by the names that the table of jobs gives them. True: the
-// user asked to exit.
-struct RoutineRow {
-    const char* name;
-    bool (*run)(QWidget* console);
-};
-constexpr RoutineRow routineRows[] = {
-    {"CompactDatabase", [](QWidget* console) { return CompactDatabase(console), false; }},
-    {"LocalSetup", [](QWidget*) { return LocalSetup(), false; }},
-    {"NetworkSetup", [](QWidget*) { return NetworkSetup(); }},
-};
-
-bool lookForSetup(QWidget*) {
-    return LookForSetup();
-}
-
 } // namespace
 
-frmConfigure::frmConfigure(QWidget* parent)
+frmConfigure::frmConfigure(Workstation& station, QWidget* parent)
     : QMainWindow(parent)
+    , station_(station)
+    , session_(station)
     , ui_(std::make_unique<Ui::frmConfigure>()) {
     ui_->setupUi(this);
     for (const ConsoleJob& job : ConsoleJobs()) {
@@ -93,7 +66,8 @@ frmConfigure::frmConfigure(QWidget* parent)
         connect(findChild<QAction*>(QString::fromLatin1(row.action)), &QAction::triggered, this,
                 [this, job] { startJob(*job); });
     }
-    connect(ui_->mnuLookForSetup, &QAction::triggered, this, [this] { runRoutine(lookForSetup); });
+    connect(ui_->mnuLookForSetup, &QAction::triggered, this,
+            [this] { runRoutine(FindRoutine(LookForSetup)); });
     connect(ui_->mnuExit, &QAction::triggered, this, &frmConfigure::exitCheck);
     connect(ui_->mnuAllowMulti, &QAction::triggered, this,
             [this] { toggleOption(ui_->mnuAllowMulti, MultiConfigFile); });
@@ -125,33 +99,23 @@ JobTile* frmConfigure::tile(const ConsoleJob& job) const {
 }
 
 bool frmConfigure::canStart(const ConsoleJob& job) const {
-    return job.opening == JobOpening::Routine || FormExists(QString::fromLatin1(job.form));
+    const QString name = QString::fromLatin1(job.form);
+    return job.opening == JobOpening::Routine ? FindRoutine(name) != nullptr : FormExists(name);
 }
 
 bool frmConfigure::load(bool firstInstance) {
-    if (!CheckDataEngine(true) || !firstInstance)
-        return false;
     ui_->mnuAllowMulti->setChecked(ReadRegistryLong(LocalMachineHive, TolvexKey, MultiConfigFile, 0) != 0);
     ui_->mnuInhibitUserHistory->setChecked(
         ReadRegistryLong(LocalMachineHive, TolvexKey, InhibitUserHistory, 0) != 0);
-    platform::prompts().splash(QStringLiteral("Starting Tolvex Configuration"));
-    // From here on the closing saves what was loaded; after a cancelled choice of the set there is nothing to
-    // save.
-    loaded_ = true;
-    if (!InitialiseProgram())
+    if (!session_.begin(firstInstance))
         return false;
-    if (const QString undone = UndoInterruptedImport(settings().LocalIniFile); !undone.isEmpty())
-        ShowExclamation(undone);
-    InitCartState();
-    LoadLocalSettings();
     askFirstRun();
     if (exitRequested_)
         return false;
 
-    showConfigName();
-    LoadAllSettings();
-    LoadAutomationControlSettings(settings().LocalIniFile);
-    openUsersDatabase();
+    session_.load();
+    status_->setText(station_.settings.ConfigName + QStringLiteral(" (") + station_.settings.LocalIniFile +
+                     QStringLiteral(")"));
     platform::prompts().hideSplash();
     UpdateEnabledButtons();
     ui_->tbsConfig->setCurrentIndex(0);
@@ -170,19 +134,6 @@ bool frmConfigure::load(bool firstInstance) {
     return true;
 }
 
-void frmConfigure::showConfigName() {
-    Settings& s = settings();
-    LoadRows(ConfigNameRows, {s.LocalIniFile});
-    s.ConfigName = s.ConfigName.trimmed();
-    status_->setText(s.ConfigName + QStringLiteral(" (") + s.LocalIniFile + QStringLiteral(")"));
-}
-
-// It stays open for the run: whatever writes history finds it so. Without a data location there is none.
-void frmConfigure::openUsersDatabase() {
-    if (DirectoryExists(settings().DataLocation))
-        OpenUsersDatabase(UsersDatabaseFile());
-}
-
 void frmConfigure::askFirstRun() {
     if (FileLength(platform::WindowsFolder() + QStringLiteral("\\Tolvex.ini")) >= ShortestConfiguration)
         return;
@@ -194,11 +145,11 @@ void frmConfigure::askFirstRun() {
         platform::Icon::Question, platform::Buttons::YesNo};
     if (platform::prompts().ask(question) != platform::Answer::Yes)
         return;
-    exitRequested_ = LookForSetup();
+    exitRequested_ = FindRoutine(LookForSetup)(station_, this);
 }
 
 void frmConfigure::UpdateEnabledButtons() {
-    const ConsoleState state = LookAtConsoleState();
+    const ConsoleState state = LookAtConsoleState(station_.settings);
     for (const ConsoleJob& job : ConsoleJobs()) {
         JobTile* button = tile(job);
         const QString caption = QString::fromLatin1(job.caption).remove(u'&');
@@ -221,7 +172,7 @@ void frmConfigure::UpdateEnabledButtons() {
 }
 
 void frmConfigure::showGlance() {
-    const WorkstationGlance glance = LookAtWorkstation();
+    const WorkstationGlance glance = LookAtWorkstation(station_);
     ui_->pnlWorkstation->showGlance(glance);
     for (const ConsoleJob& job : ConsoleJobs()) {
         QString missing;
@@ -236,7 +187,7 @@ void frmConfigure::showGlance() {
 void frmConfigure::startJob(const ConsoleJob& job) {
     if (waiting_)
         return;
-    if (!CheckHolds(job.check)) {
+    if (!CheckHolds(job.check, station_.settings)) {
         platform::prompts().ask({QString::fromLatin1(job.message),
                                  job.informs ? platform::Icon::Information : platform::Icon::Exclamation,
                                  platform::Buttons::Ok});
@@ -244,16 +195,14 @@ void frmConfigure::startJob(const ConsoleJob& job) {
     }
     if (job.opening != JobOpening::Routine)
         return openForm(job);
-    for (const RoutineRow& row : routineRows)
-        if (QLatin1String(job.form) == QLatin1String(row.name))
-            runRoutine(row.run);
+    runRoutine(FindRoutine(QString::fromLatin1(job.form)));
 }
 
 // A routine lets events run while it shows how far it is: the console answers none of them until it is done.
-void frmConfigure::runRoutine(bool (*routine)(QWidget* console)) {
+void frmConfigure::runRoutine(ConsoleRoutine routine) {
     if (std::exchange(waiting_, true))
         return;
-    exitRequested_ = routine(this);
+    exitRequested_ = routine(station_, this);
     waiting_ = false;
     if (exitRequested_) {
         close();
@@ -265,7 +214,7 @@ void frmConfigure::runRoutine(bool (*routine)(QWidget* console)) {
 void frmConfigure::openForm(const ConsoleJob& job) {
     if (job.hourglass)
         platform::prompts().setPointer(platform::Pointer::Wait);
-    const QPointer<QDialog> form = MakeForm(QString::fromLatin1(job.form), this);
+    const QPointer<QDialog> form = MakeForm(QString::fromLatin1(job.form), station_, this);
     FitForm(form);
     if (job.opening == JobOpening::Modal) {
         form->exec();
@@ -284,19 +233,8 @@ void frmConfigure::openForm(const ConsoleJob& job) {
     delete form;
     platform::prompts().setPointer(platform::Pointer::Default);
     if (QLatin1String(job.control) == QLatin1String("cmdFileLocations"))
-        afterFileLocations();
+        session_.reload();
     UpdateEnabledButtons();
-}
-
-void frmConfigure::afterFileLocations() {
-    if (!DirectoryExists(settings().DataLocation))
-        return;
-    LoadSystemSettings();
-    OpenTerminalList();
-    OpenHotlist(settings().CartPartTable[1].Location);
-    OpenCartParts(0, false);
-    if (usersState().information.FullName != UsersDatabaseFile())
-        openUsersDatabase();
 }
 
 // From the search and the panel: the tab of a job, and its form where it can be opened.
@@ -377,7 +315,7 @@ void frmConfigure::showHelp(const QWidget* window) {
 
 void frmConfigure::exitCheck() {
     platform::prompts().setPointer(platform::Pointer::Wait);
-    const QString missing = CheckConfiguration();
+    const QString missing = CheckConfiguration(station_);
     platform::prompts().setPointer(platform::Pointer::Default);
     if (!missing.isEmpty()) {
         const platform::Message question{QStringLiteral("Tolvex is not fully configured:\n") + missing +
@@ -395,7 +333,7 @@ void frmConfigure::toggleOption(QAction* action, const QString& value) {
 }
 
 void frmConfigure::about() {
-    frmSplash box(this);
+    frmSplash box(station_.settings.OSVersion, this);
     box.becomeAboutBox();
     box.exec();
 }
@@ -410,19 +348,12 @@ void frmConfigure::changeEvent(QEvent* event) {
 void frmConfigure::closeEvent(QCloseEvent* event) {
     if (waiting_)
         return event->ignore();
-    if (std::exchange(loaded_, false)) {
+    if (session_.begun()) {
         const QList<QWidget*> open = OpenForms();
         for (auto form = open.rbegin(); form != open.rend(); ++form)
             if (*form != this)
                 (*form)->close();
-        SaveLocalSettings(settings().LocalIniFile);
-        CloseTerminalList();
-        CloseHotlist();
-        ResetCartStore();
-        CloseUsersDatabase();
-        platform::prompts().setPointer(platform::Pointer::Default);
-        if (const QString program = RunByProgram(); !program.isEmpty())
-            StartProgram(program, QStringLiteral("/NOPREVCHECK"));
+        session_.end();
     }
     QMainWindow::closeEvent(event);
 }

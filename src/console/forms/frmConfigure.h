@@ -3,6 +3,9 @@
 // entry here.
 #pragma once
 
+#include "console/forms/FormTable.h"
+#include "station/Session.h"
+
 #include <QMainWindow>
 
 #include <memory>
@@ -24,7 +27,8 @@ class frmConfigure : public QMainWindow {
     Q_OBJECT
 
 public:
-    explicit frmConfigure(QWidget* parent = nullptr);
+    // The workstation outlives the console.
+    explicit frmConfigure(Workstation& station, QWidget* parent = nullptr);
     ~frmConfigure() override;
 
     // Everything from the check of the data engine to the console being ready, not yet shown. False when the
@@ -44,9 +48,7 @@ private:
     bool canStart(const ConsoleJob& job) const;
     void startJob(const ConsoleJob& job);
     void openForm(const ConsoleJob& job);
-    void runRoutine(bool (*routine)(QWidget* console));
-    void afterFileLocations();
-    void openUsersDatabase();
+    void runRoutine(ConsoleRoutine routine);
     void showJob(const QString& control);
     void showGlance();
     void selectTab(int index);
@@ -56,14 +58,14 @@ private:
     void toggleOption(QAction* action, const QString& value);
     void about();
     void showHelp(const QWidget* window);
-    void showConfigName();
     void askFirstRun();
     int helpContext() const;
 
+    Workstation& station_;
+    Session session_;
     std::unique_ptr<Ui::frmConfigure> ui_;
     QLabel* status_ = nullptr;
     QString helpFile_;
-    bool loaded_ = false;
     bool waiting_ = false; // a waited form is open, or a routine runs
     bool exitRequested_ = false;
 };

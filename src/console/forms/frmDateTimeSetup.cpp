@@ -8,8 +8,9 @@
 
 namespace tolvex {
 
-frmDateTimeSetup::frmDateTimeSetup(ClockTest test, QWidget* parent)
+frmDateTimeSetup::frmDateTimeSetup(Settings& settings, ClockTest test, QWidget* parent)
     : QDialog(parent)
+    , settings_(settings)
     , ui_(std::make_unique<Ui::frmDateTimeSetup>())
     , test_(std::move(test)) {
     ui_->setupUi(this);
@@ -19,7 +20,7 @@ frmDateTimeSetup::frmDateTimeSetup(ClockTest test, QWidget* parent)
                                     QStringLiteral("Com Port 4")});
     // A port beyond the list, from a hand-edited file, selects nothing.
     ui_->comboRadioClock->setCurrentIndex(
-        settings().RadioClockComPort < ui_->comboRadioClock->count() ? settings().RadioClockComPort : -1);
+        settings_.RadioClockComPort < ui_->comboRadioClock->count() ? settings_.RadioClockComPort : -1);
     ui_->cmdTestRadioClock->setEnabled(bool(test_));
     if (!test_)
         ui_->cmdTestRadioClock->setToolTip(
@@ -46,9 +47,9 @@ void frmDateTimeSetup::testClock() {
 void frmDateTimeSetup::store() {
     // With nothing selected the port that a hand-edited file held stays.
     if (ui_->comboRadioClock->currentIndex() >= 0)
-        settings().RadioClockComPort = static_cast<qint16>(ui_->comboRadioClock->currentIndex());
+        settings_.RadioClockComPort = static_cast<qint16>(ui_->comboRadioClock->currentIndex());
     platform::WriteProfileText(QStringLiteral("DateTimeSettings"), QStringLiteral("RadioClockComPort"),
-                               QString::number(settings().RadioClockComPort), settings().LocalIniFile);
+                               QString::number(settings_.RadioClockComPort), settings_.LocalIniFile);
     accept();
 }
 

@@ -12,6 +12,8 @@ class frmDateTimeSetup;
 
 namespace tolvex {
 
+struct Settings;
+
 class frmDateTimeSetup : public QDialog {
     Q_OBJECT
 
@@ -20,13 +22,14 @@ public:
     // says so.
     using ClockTest = std::function<void(int port, QWidget* owner)>;
 
-    explicit frmDateTimeSetup(ClockTest test = {}, QWidget* parent = nullptr);
+    explicit frmDateTimeSetup(Settings& settings, ClockTest test = {}, QWidget* parent = nullptr);
     ~frmDateTimeSetup() override;
 
 private:
     void testClock();
     void store();
 
+    Settings& settings_;
     std::unique_ptr<Ui::frmDateTimeSetup> ui_;
     ClockTest test_;
 };

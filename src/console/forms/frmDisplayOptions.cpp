@@ -20,17 +20,18 @@ qint16 flagOf(const QCheckBox* box) {
 
 } // namespace
 
-frmDisplayOptions::frmDisplayOptions(QWidget* parent)
+frmDisplayOptions::frmDisplayOptions(Settings& settings, QWidget* parent)
     : QDialog(parent)
+    , settings_(settings)
     , ui_(std::make_unique<Ui::frmDisplayOptions>()) {
     ui_->setupUi(this);
     EnterForm(this);
-    const Settings& s = settings();
+    const Settings& s = settings_;
     connect(ui_->chkAdjustSystemColors, &QCheckBox::toggled, this, &frmDisplayOptions::enableColours);
     connect(ui_->cmdChangeForegroundColor, &QPushButton::clicked, this,
-            [this] { change(settings().FormForeColor); });
+            [this] { change(settings_.FormForeColor); });
     connect(ui_->cmdChangeBackgroundColor, &QPushButton::clicked, this,
-            [this] { change(settings().FormBackcolor); });
+            [this] { change(settings_.FormBackcolor); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, &frmDisplayOptions::store);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
@@ -57,11 +58,11 @@ void frmDisplayOptions::showEvent(QShowEvent* event) {
 void frmDisplayOptions::applyColours() {
     setStyleSheet({});
     QString rules;
-    if (settings().FormBackcolor != SystemButtonFace)
+    if (settings_.FormBackcolor != SystemButtonFace)
         rules +=
-            QStringLiteral("background-color: %1;").arg(ToColor(settings().FormBackcolor, palette()).name());
-    if (settings().FormForeColor != SystemButtonText)
-        rules += QStringLiteral("color: %1;").arg(ToColor(settings().FormForeColor, palette()).name());
+            QStringLiteral("background-color: %1;").arg(ToColor(settings_.FormBackcolor, palette()).name());
+    if (settings_.FormForeColor != SystemButtonText)
+        rules += QStringLiteral("color: %1;").arg(ToColor(settings_.FormForeColor, palette()).name());
     if (!rules.isEmpty())
         setStyleSheet(QStringLiteral("* { %1 }").arg(rules));
 }
@@ -86,14 +87,14 @@ void frmDisplayOptions::change(qint32& colour) {
 }
 
 void frmDisplayOptions::store() {
-    Settings& s = settings();
+    Settings& s = settings_;
     s.UseInformationWindow = ui_->optInfoWindowAtTop->isChecked()      ? 1
                              : ui_->optInfoWindowAtBottom->isChecked() ? 2
                                                                        : 0;
     s.ShowClock = flagOf(ui_->chkInfoWindowDisplayClock);
     s.SingleClickPlayCarts = flagOf(ui_->chkUseSingleClick);
     s.AdjustTheSystemColors = flagOf(ui_->chkAdjustSystemColors);
-    SaveLocalSettings(s.LocalIniFile);
+    SaveLocalSettings(s, s.LocalIniFile);
     accept();
 }
 

@@ -12,11 +12,13 @@ class frmDisplayOptions;
 
 namespace tolvex {
 
+struct Settings;
+
 class frmDisplayOptions : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmDisplayOptions(QWidget* parent = nullptr);
+    explicit frmDisplayOptions(Settings& settings, QWidget* parent = nullptr);
     ~frmDisplayOptions() override;
 
 protected:
@@ -28,6 +30,7 @@ private:
     void change(qint32& colour);
     void store();
 
+    Settings& settings_;
     std::unique_ptr<Ui::frmDisplayOptions> ui_;
 };
 

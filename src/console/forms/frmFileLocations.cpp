@@ -27,10 +27,11 @@ QString cartsKey(int part) {
 
 } // namespace
 
-frmFileLocations::frmFileLocations(QWidget* parent)
+frmFileLocations::frmFileLocations(Settings& settings, QWidget* parent)
     : QDialog(parent)
+    , settings_(settings)
     , ui_(std::make_unique<Ui::frmFileLocations>())
-    , iniFile_(settings().LocalIniFile) {
+    , iniFile_(settings.LocalIniFile) {
     ui_->setupUi(this);
     EnterForm(this);
     const auto prepare = [this](QLineEdit* line) {
@@ -56,9 +57,9 @@ frmFileLocations::frmFileLocations(QWidget* parent)
     look_.setInterval(RestMilliseconds);
     connect(&look_, &QTimer::timeout, this, &frmFileLocations::lookAtFolders);
 
-    fill(ui_->txtDataLocation, settings().DataLocation);
+    fill(ui_->txtDataLocation, settings_.DataLocation);
     for (int part = 1; part <= CartPartCount; ++part)
-        fill(box(part), settings().CartPartTable[part].Location);
+        fill(box(part), settings_.CartPartTable[part].Location);
     lookAtFolders();
     platform::prompts().setPointer(platform::Pointer::Default);
 }
@@ -84,23 +85,22 @@ void frmFileLocations::fill(QLineEdit* line, const QString& text) {
 void frmFileLocations::setIniFile(const QString& file) {
     iniFile_ = file;
     const QString section = QStringLiteral("FileLocations");
-    fill(ui_->txtDataLocation, platform::ProfileText(section, QStringLiteral("Data"), settings().DataLocation,
+    fill(ui_->txtDataLocation, platform::ProfileText(section, QStringLiteral("Data"), settings_.DataLocation,
                                                      file, LongestLocation));
     for (int part = 1; part <= CartPartCount; ++part)
-        fill(box(part),
-             platform::ProfileText(section, cartsKey(part), settings().CartPartTable[part].Location, file,
-                                   LongestLocation));
+        fill(box(part), platform::ProfileText(section, cartsKey(part), settings_.CartPartTable[part].Location,
+                                              file, LongestLocation));
     checkOneLocation();
 }
 
 void frmFileLocations::setReg_Path(const QString& key) {
     regPath_ = key;
     fill(ui_->txtDataLocation, ReadRegistryString(platform::LocalMachineHive, key,
-                                                  QStringLiteral("DataLocation"), settings().DataLocation));
+                                                  QStringLiteral("DataLocation"), settings_.DataLocation));
     for (int part = 1; part <= CartPartCount; ++part)
         fill(box(part),
              ReadRegistryString(platform::LocalMachineHive, key, QStringLiteral("CartLocation%1").arg(part),
-                                settings().CartPartTable[part].Location));
+                                settings_.CartPartTable[part].Location));
     checkOneLocation();
 }
 
@@ -160,7 +160,7 @@ void frmFileLocations::store() {
     QStringList carts;
     for (int part = 1; part <= CartPartCount; ++part)
         carts.append(box(part)->text());
-    StoreFileLocations(ui_->txtDataLocation->text(), carts, iniFile_, regPath_);
+    StoreFileLocations(settings_, ui_->txtDataLocation->text(), carts, iniFile_, regPath_);
     accept();
 }
 

@@ -18,11 +18,13 @@ class QLabel;
 
 namespace tolvex {
 
+struct Settings;
+
 class frmFileLocations : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmFileLocations(QWidget* parent = nullptr);
+    explicit frmFileLocations(Settings& settings, QWidget* parent = nullptr);
     ~frmFileLocations() override;
 
     // The store: an ini file, or a registry key of the local machine. Setting one reads the values from it at
@@ -41,6 +43,7 @@ private:
     void lookAtFolders();
     void store();
 
+    Settings& settings_;
     std::unique_ptr<Ui::frmFileLocations> ui_;
     QString iniFile_;
     QString regPath_;

@@ -100,15 +100,8 @@ QString frmMultiConfig::entryText(int index) const {
 void frmMultiConfig::choose() {
     if (entryKey().isEmpty())
         return;
-    settings().LocalIniFile = entryKey();
-    chosen_ = true;
+    chosen_ = entryKey();
     close();
-}
-
-void frmMultiConfig::closeEvent(QCloseEvent* event) {
-    if (!chosen_)
-        settings().LocalIniFile.clear();
-    QMainWindow::closeEvent(event);
 }
 
 void frmMultiConfig::keyPressEvent(QKeyEvent* event) {

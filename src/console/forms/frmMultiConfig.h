@@ -23,11 +23,12 @@ public:
 
     // Shows the form and returns when the user chose or cancelled.
     void exec();
+    // The file of the set that the user chose; empty when the user cancelled.
+    QString chosen() const { return chosen_; }
     // Refills the list, keeping the selection.
     void UpdateDisplay();
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -43,7 +44,7 @@ private:
     std::unique_ptr<Ui::frmMultiConfig> ui_;
     QString registryKey_;
     QString defaultIni_;
-    bool chosen_ = false;
+    QString chosen_;
 };
 
 } // namespace tolvex

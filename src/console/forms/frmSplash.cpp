@@ -2,7 +2,6 @@
 
 #include "console/PlatformText.h"
 #include "core/report/Folders.h"
-#include "core/settings/Settings.h"
 #include "core/system/Product.h"
 #include "platform/files/Files.h"
 #include "platform/paths/Paths.h"
@@ -19,7 +18,7 @@ constexpr int MarkSize = 48;
 
 } // namespace
 
-frmSplash::frmSplash(QWidget* parent)
+frmSplash::frmSplash(const platform::SystemVersion& system, QWidget* parent)
     : QDialog(parent)
     , ui_(std::make_unique<Ui::frmSplash>()) {
     ui_->setupUi(this);
@@ -30,7 +29,7 @@ frmSplash::frmSplash(QWidget* parent)
     ui_->lblProductName->setText(QString::fromLatin1(ProductName));
     ui_->lblCompanyProduct->setText(QString::fromLatin1(CompanyName));
     ui_->lblCopyright->setText(QString::fromLatin1(Copyright));
-    const QString platformText = PlatformText(settings().OSVersion);
+    const QString platformText = PlatformText(system);
     if (!platformText.isEmpty())
         ui_->lblPlatform->setText(platformText);
     for (QLabel* quiet : {ui_->lblCompanyProduct, ui_->lblVersion, ui_->lblPlatform, ui_->lblCopyright})

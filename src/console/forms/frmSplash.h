@@ -1,6 +1,8 @@
 // The start-up screen with its status line, and the about box.
 #pragma once
 
+#include "platform/Machine.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -15,7 +17,8 @@ class frmSplash : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmSplash(QWidget* parent = nullptr);
+    // Names the system that the program runs on, where it is known.
+    explicit frmSplash(const platform::SystemVersion& system, QWidget* parent = nullptr);
     ~frmSplash() override;
 
     void setCurrentAction(const QString& text);

@@ -2,7 +2,6 @@
 
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
-#include "core/settings/Settings.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
 #include "platform/files/Files.h"
@@ -10,21 +9,28 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace tolvex {
 
 namespace {
 
 constexpr int blanksAStep = 4;
-qint16 steps = 0;
-
-bool wanted(qint32 level) {
-    const qint32 limit = settings().DebugLevel;
-    if (limit == 0)
-        return false;
-    return limit == -1 || (level == -1 ? 5 : level) <= limit;
-}
+DebugLogging* installed = nullptr;
 
 } // namespace
+
+DebugLogging::DebugLogging(const qint32& level)
+    : level_(level)
+    , before_(std::exchange(installed, this)) {}
+
+DebugLogging::~DebugLogging() {
+    installed = before_;
+}
+
+bool DebugLogging::wants(qint32 level) const {
+    return level_ == -1 || (level_ != 0 && (level == -1 ? 5 : level) <= level_);
+}
 
 QString ProgramName() {
     const QString file = QCoreApplication::instance() ? QCoreApplication::applicationFilePath() : QString();
@@ -32,8 +38,9 @@ QString ProgramName() {
 }
 
 void DebugLog(const QString& text, qint32 level, DebugIndent indent, const QString& extra) {
-    if (!wanted(level))
+    if (!installed || !installed->wants(level))
         return;
+    qint16& steps = installed->steps;
     if (indent == DebugIndent::Shallower && steps > 0)
         --steps;
     if (indent == DebugIndent::Reset)

@@ -1,6 +1,7 @@
 // The daily debug file: "c:\Debugfiles\<program>.<yyyymmdd>.log". Every line is opened for, written and
 // closed at once, so that the log survives a crash; nothing about it ever stops the program. Off unless
-// /DEBUG was given (DebugLevel, Settings.h).
+// /DEBUG was given (DebugLevel, Settings.h). Every floor writes to it, so it is found without being passed
+// on, as the prompts and the clock are.
 #pragma once
 
 #include <QString>
@@ -14,8 +15,27 @@ enum class DebugIndent {
     Reset = 3      // back to the left edge
 };
 
-// Writes "hh:nn:ss extra text", the text indented by four blanks a step. With a positive DebugLevel a line
-// above that level is left out; level -1 counts as 5. Cost when off: one comparison.
+// While one of these lives, the log has its level: 0 off, -1 everything, above 0 lines up to that level. The
+// newest one counts. `level` outlives it and may change.
+class DebugLogging {
+public:
+    explicit DebugLogging(const qint32& level);
+    explicit DebugLogging(qint32&& level) = delete;
+    ~DebugLogging();
+    DebugLogging(const DebugLogging&) = delete;
+    DebugLogging& operator=(const DebugLogging&) = delete;
+
+    // Whether a line of a level is written. -1 counts as 5.
+    bool wants(qint32 level) const;
+
+    qint16 steps = 0; // by which lines are indented
+
+private:
+    const qint32& level_;
+    DebugLogging* before_;
+};
+
+// Writes "hh:nn:ss extra text", the text indented by four blanks a step. Cost when off: one comparison.
 void DebugLog(const QString& text, qint32 level = -1, DebugIndent indent = DebugIndent::Keep,
               const QString& extra = {});
 

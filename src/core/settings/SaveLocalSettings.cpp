@@ -84,11 +84,10 @@ void put(platform::ProfileBatch& batch, const SettingRow& row, int index, Settin
 
 } // namespace
 
-int SaveLocalSettings(const QString& iniFile) {
+int SaveLocalSettings(Settings& values, const QString& iniFile) {
     if (iniFile.trimmed().isEmpty())
         return platform::ProfileOk;
     static const std::vector<SavedBlock> blocks = resolve();
-    Settings& values = settings();
     platform::ProfileBatch batch(iniFile);
     for (const SavedBlock& block : blocks) {
         const bool indexed = block.front()->count != nullptr;

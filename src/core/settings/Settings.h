@@ -1,6 +1,6 @@
-// The global settings: everything that is known of this workstation while the program runs. The loaders fill
-// the one record, the dialogs change it, SaveLocalSettings writes it. Members carry the names that the
-// settings have in the files; which key of which file each one comes from is told once, in SettingsTable.h.
+// The settings: everything that is known of this workstation while the program runs. The loaders fill the
+// record, the dialogs change it, SaveLocalSettings writes it. Members carry the names that the settings have
+// in the files; which key of which file each one comes from is told once, in SettingsTable.h.
 //
 // Flags are 16-bit: 0 is off, any other value is on. Colours are blue-green-red integers; with the top bit
 // set they name a colour of the system. Measures of forms are in twips. Paths carry no trailing backslash.
@@ -207,11 +207,5 @@ struct Settings {
     // the system ini file does not exist.
     double LastOneWas = 0;
 };
-
-// The settings in force.
-Settings& settings();
-
-// Puts them back to their start values, in which nothing was loaded. Start-up and every test call it.
-void ResetSettings();
 
 } // namespace tolvex

@@ -23,8 +23,8 @@ QString AudiowallIniIn(const QString& firstPart);
 // What has to be done first for a file that no location leads to: "set the data location".
 QString WhatMakesFileKnown(SettingsFile file);
 
-// Those of this workstation, as the settings in force name them.
-SettingsFiles FilesInForce();
+// Those of a workstation, as its settings name them.
+SettingsFiles FilesInForce(const Settings& values);
 
 using platform::ProfilePath;
 

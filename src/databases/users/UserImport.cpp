@@ -78,8 +78,8 @@ void importRow(SuiteRecordset& from, SuiteRecordset& users, const QString& login
 }
 
 // The file to import from as the user wants it; empty: none.
-QString chooseFile(bool silent) {
-    QString name = OlderUsersFile();
+QString chooseFile(const Settings& settings, bool silent) {
+    QString name = OlderUsersFile(settings);
     if (!name.isEmpty() && !silent) {
         DatabaseInformation information;
         GetDatabaseInformation(name, &information, false);
@@ -127,11 +127,10 @@ void importFile(const QString& name, SuiteRecordset& users) {
 
 } // namespace
 
-QString OlderUsersFile() {
+QString OlderUsersFile(const Settings& settings) {
     const QString name = platform::ProfileText(QStringLiteral("UsersDatabase"), QStringLiteral("FileName"),
                                                {}, QStringLiteral("Tolvex.ini"));
-    return name.trimmed().isEmpty() ? QString()
-                                    : settings().DataLocation + QStringLiteral("\\USERS\\") + name;
+    return name.trimmed().isEmpty() ? QString() : settings.DataLocation + QStringLiteral("\\USERS\\") + name;
 }
 
 QString TransformPassword(const QString& text, bool keepCase) {
@@ -144,8 +143,7 @@ QString TransformPassword(const QString& text, bool keepCase) {
     return platform::FromCodePage(codes);
 }
 
-void MakeDefaultGroupsAndImport(bool silent) {
-    UsersState& state = usersState();
+void MakeDefaultGroupsAndImport(UsersState& state, bool silent) {
     if (!state.database)
         return;
     try {
@@ -155,7 +153,7 @@ void MakeDefaultGroupsAndImport(bool silent) {
         return;
     }
     platform::prompts().setPointer(platform::Pointer::Default);
-    const QString name = chooseFile(silent);
+    const QString name = chooseFile(state.settings, silent);
     if (FileLength(name) <= 0)
         return;
     try {

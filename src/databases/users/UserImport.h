@@ -5,12 +5,15 @@
 
 namespace tolvex {
 
+struct Settings;
+struct UsersState;
+
 // Makes the default groups anew in the open users database and offers to import the accounts of the older
 // users file that Tolvex.ini names, or of one that the user picks.
-void MakeDefaultGroupsAndImport(bool silent);
+void MakeDefaultGroupsAndImport(UsersState& state, bool silent);
 
 // The older users file that Tolvex.ini names, as a full path; empty when it names none.
-QString OlderUsersFile();
+QString OlderUsersFile(const Settings& settings);
 
 // Hides passwords from a passing glance, and shows them again: swaps bits 0 and 4 and bits 1 and 3 of each
 // character's code. Without `keepCase` the text is upper-cased first.

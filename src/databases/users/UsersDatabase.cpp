@@ -62,8 +62,8 @@ void readItems(SuiteRecordset& rows, UsersState& state) {
 }
 
 void doFirstRun(SuiteRecordset& rows, UsersState& state) {
-    if (FileLength(OlderUsersFile()) > 0)
-        MakeDefaultGroupsAndImport(false);
+    if (FileLength(OlderUsersFile(state.settings)) > 0)
+        MakeDefaultGroupsAndImport(state, false);
     state.FirstRun = 1;
     PutDatabaseSetting(&rows, QStringLiteral("FirstRun"), 1, 0);
 }
@@ -155,22 +155,23 @@ bool isDue(const QVariant& date) {
 }
 
 // Deletes or disables the account of the current row. Result: 0 or the error number.
-int processAccount(SuiteRecordset& accounts, const QString& by) {
+int processAccount(UsersState& state, SuiteRecordset& accounts, const QString& by) {
     const QString login = accounts.value(QStringLiteral("LoginName")).toString();
     if (isDue(accounts.value(QStringLiteral("DeletionDate")))) {
-        AddEventToUserHistory(by, AccountDeleted, DeleteUser(login) ? EventSucceeded : EventFailed, login);
+        AddEventToUserHistory(state, by, AccountDeleted,
+                              DeleteUser(state, login) ? EventSucceeded : EventFailed, login);
         return 0;
     }
     const int error = disableAccount(accounts);
     if (!IsOthersChange(error))
-        AddEventToUserHistory(by, AccountDisabled, error == 0 ? EventSucceeded : EventFailed, login);
+        AddEventToUserHistory(state, by, AccountDisabled, error == 0 ? EventSucceeded : EventFailed, login);
     return error;
 }
 
 // Result: the last error number. Accounts that another workstation deals with at the same time are passed
 // over.
-int processAccounts(SuiteDatabase& database, const QString& by) {
-    const auto accounts = database.open(
+int processAccounts(UsersState& state, const QString& by) {
+    const auto accounts = state.database->open(
         QStringLiteral("SELECT * FROM [users] WHERE ([ExpirationDate]<=%1 OR [DeletionDate]<=%1)")
             .arg(today(), 0, 'f', 0),
         RecordsetMode::Dynaset);
@@ -178,7 +179,7 @@ int processAccounts(SuiteDatabase& database, const QString& by) {
     for (; !accounts->eof(); accounts->moveNext()) {
         int error = 0;
         try {
-            error = processAccount(*accounts, by);
+            error = processAccount(state, *accounts, by);
         } catch (const DatabaseError& thrown) {
             error = keepFailure(thrown);
         }
@@ -195,8 +196,8 @@ bool namesAFolder(const QString& login) {
            login.trimmed() != QStringLiteral("..");
 }
 
-void removeFolderOf(const QString& login) {
-    const QString folder = usersState().information.Path + u'\\' + login;
+void removeFolderOf(const UsersState& state, const QString& login) {
+    const QString folder = state.information.Path + u'\\' + login;
     if (namesAFolder(login) && platform::FolderExists(folder))
         QDir(platform::HostPath(folder)).removeRecursively();
 }
@@ -211,45 +212,22 @@ void deletePreferences(SuiteDatabase& database, const QString& login) {
 
 } // namespace
 
-UsersState& UsersState::operator=(UsersState&& other) noexcept {
-    closeTables();
-    database = std::move(other.database);
-    users = std::move(other.users);
-    information = std::move(other.information);
-    InhibitUserHistory = other.InhibitUserHistory;
-    currentLogin = std::move(other.currentLogin);
-    for (const auto& item : items)
-        this->*item.member = other.*item.member;
-    LastAccountProcess = other.LastAccountProcess;
-    return *this;
-}
-
 void UsersState::closeTables() {
     users.reset();
     database.reset();
 }
 
-UsersState& usersState() {
-    static UsersState state;
-    return state;
+QString UsersDatabaseFile(const Settings& settings) {
+    return settings.DataLocation + QStringLiteral("\\USERS\\USERS25.MDB");
 }
 
-void ResetUsersState() {
-    usersState() = UsersState();
-}
-
-QString UsersDatabaseFile() {
-    return settings().DataLocation + QStringLiteral("\\USERS\\USERS25.MDB");
-}
-
-qint16 OpenUsersDatabase(const QString& fileName) {
+qint16 OpenUsersDatabase(UsersState& state, const QString& fileName) {
     QString title = QStringLiteral("Users Database");
     const auto tables = [](SuiteDatabase& database) { return CheckTables(database, UsersDatabaseTables()); };
     if (ValidateDatabase(fileName, UsersDatabaseType, true, &title, {}, tables) != 0)
         return -1;
-    UsersState& state = usersState();
     if (state.database)
-        CloseUsersDatabase();
+        CloseUsersDatabase(state);
     if (const qint16 error = GetDatabaseInformation(fileName, &state.information, true))
         return error;
     if (const qint16 error = ValidateUsersDatabaseTables(state.information.FullName))
@@ -261,7 +239,7 @@ qint16 OpenUsersDatabase(const QString& fileName) {
         return static_cast<qint16>(Report(QStringLiteral("opening the database"), error));
     }
     if (today() > state.LastAccountProcess)
-        ProcessUserAccounts(QStringLiteral("SYSTEM"));
+        ProcessUserAccounts(state, QStringLiteral("SYSTEM"));
     state.InhibitUserHistory =
         ReadRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("InhibitUserHistory"), 0) != 0;
     try {
@@ -272,19 +250,18 @@ qint16 OpenUsersDatabase(const QString& fileName) {
     return 0;
 }
 
-void CloseUsersDatabase() {
-    UsersState& state = usersState();
+void CloseUsersDatabase(UsersState& state) {
     state.closeTables();
     state.information.FullName.clear();
     state.information.FileName.clear();
     state.information.Path.clear();
 }
 
-void AddEventToUserHistory(const QString& loginName, qint32 action, qint32 status, const QString& notes) {
+void AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action, qint32 status,
+                           const QString& notes) {
     DebugLog(QStringLiteral("Started AddEventToUserHistory %1, %2, %3,%4")
                  .arg(loginName, QString::number(action), QString::number(status), notes),
              LogLevel);
-    UsersState& state = usersState();
     if (state.InhibitUserHistory || !state.database)
         return;
     // The suite counts events in whole seconds.
@@ -299,13 +276,12 @@ void AddEventToUserHistory(const QString& loginName, qint32 action, qint32 statu
     }
 }
 
-qint16 ProcessUserAccounts(const QString& by) {
-    UsersState& state = usersState();
+qint16 ProcessUserAccounts(UsersState& state, const QString& by) {
     if (!state.database)
         return 0;
     int result = purgeHistory(state);
     try {
-        if (const int error = processAccounts(*state.database, by))
+        if (const int error = processAccounts(state, by))
             result = error;
         const auto rows = openTable(*state.database, SettingsTable);
         state.LastAccountProcess = today();
@@ -317,8 +293,7 @@ qint16 ProcessUserAccounts(const QString& by) {
     return static_cast<qint16>(result);
 }
 
-bool DeleteUser(const QString& loginName) {
-    UsersState& state = usersState();
+bool DeleteUser(UsersState& state, const QString& loginName) {
     if (loginName.isEmpty() || !state.users)
         return true;
     try {
@@ -330,7 +305,7 @@ bool DeleteUser(const QString& loginName) {
         Report(QStringLiteral("deleting %1 from the users database.").arg(loginName), error);
         return false;
     }
-    removeFolderOf(loginName);
+    removeFolderOf(state, loginName);
     try {
         if (state.users->recordCount() > 0)
             state.users->moveFirst();

@@ -2,6 +2,7 @@
 // whole run and shared by all workstations of the station.
 #pragma once
 
+#include "core/settings/Settings.h"
 #include "databases/store/SuiteDatabase.h"
 #include "databases/suite/DatabaseInformation.h"
 
@@ -11,6 +12,14 @@ namespace tolvex {
 
 // What is known of it while the program runs.
 struct UsersState {
+    explicit UsersState(const Settings& workstation)
+        : settings(workstation) {}
+    ~UsersState() { closeTables(); }
+    UsersState(const UsersState&) = delete;
+    UsersState& operator=(const UsersState&) = delete;
+
+    const Settings& settings; // they outlive it
+
     std::unique_ptr<SuiteDatabase> database; // null: none is open
     std::unique_ptr<SuiteRecordset> users;   // the Users table in the order of its index
     DatabaseInformation information;
@@ -24,28 +33,23 @@ struct UsersState {
     qint32 FirstRun = 0;
     double LastAccountProcess = 36526; // serial date of the last daily processing
 
-    UsersState() = default;
-    UsersState(UsersState&&) noexcept = default;
-    UsersState& operator=(UsersState&&) noexcept;
-    ~UsersState() { closeTables(); }
     // Recordsets go before their database.
     void closeTables();
 };
-UsersState& usersState();
-void ResetUsersState();
 
 // Its file in the data location, as a full path.
-QString UsersDatabaseFile();
+QString UsersDatabaseFile(const Settings& settings);
 
 // Makes or upgrades the file, opens it for the run, offers once to import the accounts of an older users
 // file, and does the daily processing of accounts when it is due. Result: 0; -1 when the file could not be
 // made or opened; else an error number.
-qint16 OpenUsersDatabase(const QString& fileName);
-void CloseUsersDatabase();
+qint16 OpenUsersDatabase(UsersState& state, const QString& fileName);
+void CloseUsersDatabase(UsersState& state);
 
 // Enters an event, at the next second that has none. A failure is never reported: what is being logged goes
 // on. Cost: one commit.
-void AddEventToUserHistory(const QString& loginName, qint32 action, qint32 status, const QString& notes);
+void AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action, qint32 status,
+                           const QString& notes);
 
 // Actions and outcomes in the history.
 enum UserHistoryAction : qint32 { AccountDisabled = 21, AccountDeleted = 22, AutomationSettingsSaved = 129 };
@@ -53,10 +57,10 @@ enum UserHistoryStatus : qint32 { EventSucceeded = 1, EventFailed = 2 };
 
 // Removes old history, disables accounts that have expired and deletes those that are due. `by`: the login
 // that the history names. Result: 0 or the last error number.
-qint16 ProcessUserAccounts(const QString& by);
+qint16 ProcessUserAccounts(UsersState& state, const QString& by);
 
 // Deletes an account with its preferences and its folder beside the database. True when it is gone, or never
 // was; a failure is reported.
-bool DeleteUser(const QString& loginName);
+bool DeleteUser(UsersState& state, const QString& loginName);
 
 } // namespace tolvex

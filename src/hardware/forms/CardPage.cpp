@@ -22,11 +22,11 @@ QString originOf(const QString& address, const LineCounts& counts) {
 
 } // namespace
 
-CardPage::CardPage(int number, QWidget* parent)
+CardPage::CardPage(HardwareCardTable& cards, int number, QWidget* parent)
     : QWidget(parent)
     , ui_(std::make_unique<Ui::CardPage>())
     , number_(number)
-    , card_(HardwareCards()[number])
+    , card_(cards[number])
     , model_(new LineUsageModel(card_, this)) {
     ui_->setupUi(this);
     ui_->gridUsage->setLines(model_);

@@ -20,8 +20,8 @@ class CardPage : public QWidget {
     Q_OBJECT
 
 public:
-    // `number` is the card's, 1 to 3. Shows nothing before load().
-    explicit CardPage(int number, QWidget* parent = nullptr);
+    // `number` is the card's, 1 to 3; the table outlives the page. Shows nothing before load().
+    CardPage(HardwareCardTable& cards, int number, QWidget* parent = nullptr);
     ~CardPage() override;
 
     // Shows the card as the table has it. The driver may be asked several times.

@@ -32,8 +32,10 @@ void inform(const QString& text) {
 
 } // namespace
 
-frmHardwareSettings::frmHardwareSettings(QWidget* parent)
+frmHardwareSettings::frmHardwareSettings(HardwareCardTable& cards, const Settings& settings, QWidget* parent)
     : QDialog(parent)
+    , cards_(cards)
+    , settings_(settings)
     , ui_(std::make_unique<Ui::frmHardwareSettings>()) {
     ui_->setupUi(this);
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
@@ -46,9 +48,9 @@ frmHardwareSettings::frmHardwareSettings(QWidget* parent)
     connect(ui_->cmdSaveList, &QPushButton::clicked, this, &frmHardwareSettings::saveList);
 
     DriverReports reports;
-    ReadHardwareSettings(settings().LocalIniFile, reports);
+    ReadHardwareSettings(cards_, settings_.LocalIniFile, reports);
     for (int card = 1; card <= HardwareCardCount; ++card) {
-        auto* page = new CardPage(card, this);
+        auto* page = new CardPage(cards_, card, this);
         pages_.append(page);
         ui_->tbsSettings->addTab(page, QStringLiteral("Card &%1").arg(card));
         page->load(reports);
@@ -87,7 +89,7 @@ void frmHardwareSettings::apply() {
         page->finishEditing();
     frmHardwareManager::UnloadManager();
     for (int i = 0; i < pages_.size(); ++i) {
-        const QString wrong = SetCard(HardwareCards()[i + 1], pages_[i]->choice());
+        const QString wrong = SetCard(cards_[i + 1], pages_[i]->choice());
         if (wrong.isEmpty())
             continue;
         ui_->tbsSettings->setCurrentIndex(i);
@@ -95,8 +97,8 @@ void frmHardwareSettings::apply() {
         pages_[i]->showWrongField();
         return;
     }
-    const QString file = settings().LocalIniFile;
-    if (const int error = WriteHardwareSettings(file)) {
+    const QString file = settings_.LocalIniFile;
+    if (const int error = WriteHardwareSettings(cards_, file)) {
         ShowExclamation(ProfileErrorText(error, ProfilePath(file)));
         return;
     }
@@ -133,7 +135,7 @@ QString frmHardwareSettings::listHtml() const {
     for (const CardPage* page : pages_)
         cards.append(page->listed());
     const auto* page = static_cast<const CardPage*>(ui_->tbsSettings->currentWidget());
-    const Settings& s = settings();
+    const Settings& s = settings_;
     const QString date = platform::clock().now().toString(QStringLiteral("d MMMM yyyy, hh:mm"));
     return LineListHtml(
         QStringLiteral("Hardware lines"),

@@ -2,6 +2,8 @@
 // ini file, OK applies and closes, Cancel closes without writing.
 #pragma once
 
+#include "hardware/HardwareCards.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -18,8 +20,9 @@ class frmHardwareSettings : public QDialog {
     Q_OBJECT
 
 public:
-    // Reads the table from the local ini file. The driver's failures are told once.
-    explicit frmHardwareSettings(QWidget* parent = nullptr);
+    // Reads the table from the local ini file. The driver's failures are told once. Table and settings
+    // outlive the form.
+    frmHardwareSettings(HardwareCardTable& cards, const Settings& settings, QWidget* parent = nullptr);
     ~frmHardwareSettings() override;
 
     // Cancel, Escape and the window's own close button: asks while there are changes that were not applied.
@@ -38,6 +41,8 @@ private:
     void saveList();
     void showChanges();
 
+    HardwareCardTable& cards_;
+    const Settings& settings_;
     std::unique_ptr<Ui::frmHardwareSettings> ui_;
     QList<CardPage*> pages_;
     bool loaded_ = false;

@@ -190,7 +190,7 @@ TEST_P(EveryForm, StoresByOkAndNothingByCancelOrEscape) {
     const FormCase& form = GetParam();
     const QByteArray before = ini();
     for (const bool byKey : {false, true}) {
-        station_.machine.write("C:\\WINDOWS\\TOLVEX.INI", before);
+        machine_.write("C:\\WINDOWS\\TOLVEX.INI", before);
         ASSERT_TRUE(start());
         asked_.clear();
         open(form.button, [&](QWidget& window) {
@@ -206,7 +206,7 @@ TEST_P(EveryForm, StoresByOkAndNothingByCancelOrEscape) {
         exit();
         EXPECT_EQ(changes(before, ini()), form.kept);
     }
-    station_.machine.write("C:\\WINDOWS\\TOLVEX.INI", before);
+    machine_.write("C:\\WINDOWS\\TOLVEX.INI", before);
     ASSERT_TRUE(start());
     open(form.button, [&](QWidget& window) {
         form.work(window);
@@ -265,15 +265,15 @@ TEST_F(Program, TheConfigurationSetChosenAtTheStartTakesTheSettings) {
     });
     exit();
     const QStringList different = {"DateTimeSettings/RadioClockComPort=1", "General/ConfigName=Night shift"};
-    EXPECT_EQ(changes(standard, station_.machine.read("C:\\WINDOWS\\night.ini")), different);
+    EXPECT_EQ(changes(standard, machine_.read("C:\\WINDOWS\\night.ini")), different);
     EXPECT_EQ(changes(standard, ini()), QStringList{"General/ConfigName=Standard Configuration"});
     // Cancelled: the program ends and writes nothing.
-    const QByteArray night = station_.machine.read("C:\\WINDOWS\\night.ini");
+    const QByteArray night = machine_.read("C:\\WINDOWS\\night.ini");
     const QByteArray unchanged = ini();
     withForm("frmMultiConfig", [](QWidget& form) { click(form, "cmdCancel"); });
     EXPECT_FALSE(start());
     console_->close();
-    EXPECT_EQ(station_.machine.read("C:\\WINDOWS\\night.ini"), night);
+    EXPECT_EQ(machine_.read("C:\\WINDOWS\\night.ini"), night);
     EXPECT_EQ(ini(), unchanged);
 }
 

@@ -105,13 +105,13 @@ inline void expectWheelHarmless(QWidget& form) {
 class Program : public testing::Test {
 protected:
     Program() {
-        platform::setPrompts(&prompts_);
+        platform::SetApplicationFolder(QStringLiteral("C:\\APP"));
         for (const char* folder : {"C:\\DATA", "C:\\WALL"})
-            station_.machine.makeFolder(folder);
+            machine_.makeFolder(folder);
         QFile help(QString(TOLVEX_BIN_DIR) + "/config.chm");
         EXPECT_TRUE(help.open(QIODevice::ReadOnly));
-        station_.machine.write("C:\\WINDOWS\\TOLVEX.INI", configuredIni());
-        station_.machine.write("C:\\APP\\config.chm", help.readAll());
+        machine_.write("C:\\WINDOWS\\TOLVEX.INI", configuredIni());
+        machine_.write("C:\\APP\\config.chm", help.readAll());
         QObject::connect(&answering_, &QTimer::timeout, &answering_, [this] { answer(); });
         answering_.start(5);
         // The first run makes the lists, which coming back from the locations opens, and its end saves every
@@ -120,16 +120,17 @@ protected:
         open("cmdFileLocations", [](QWidget& form) { click(form, "cmdCancel"); });
         exit();
     }
-    ~Program() override {
-        console_.reset();
-        platform::setPrompts(nullptr);
-    }
+    ~Program() override { close(); }
 
     // A start of the program, which remembers nothing of the last one.
     bool start() {
-        station_.reset();
-        ResetHardwareCards();
-        console_ = std::make_unique<frmConfigure>();
+        close();
+        platform::ForgetProfiles();
+        workstation_ = std::make_unique<Workstation>();
+        workstation_->settings.LocalIniFile = QStringLiteral("TOLVEX.INI");
+        prompts_ = std::make_unique<QtPrompts>(workstation_->settings);
+        platform::setPrompts(prompts_.get());
+        console_ = std::make_unique<frmConfigure>(*workstation_);
         if (!console_->load())
             return false;
         console_->show();
@@ -150,7 +151,7 @@ protected:
         withForm(job->form, [&](QWidget& form) {
             came = true;
             activate(form);
-            EXPECT_EQ(prompts_.pointer(), platform::Pointer::Default) << job->form;
+            EXPECT_EQ(prompts_->pointer(), platform::Pointer::Default) << job->form;
             expectSaneSize(form);
             expectWheelHarmless(form);
             act(form);
@@ -163,14 +164,21 @@ protected:
             EXPECT_NE(widget->objectName(), job->form);
     }
 
-    QByteArray ini() const { return station_.ini(); }
+    QByteArray ini() const { return machine_.read("C:\\WINDOWS\\TOLVEX.INI"); }
 
-    Station station_;
-    QtPrompts prompts_;
+    TestMachine machine_;
+    std::unique_ptr<Workstation> workstation_;
+    std::unique_ptr<QtPrompts> prompts_;
     std::unique_ptr<frmConfigure> console_;
     QStringList asked_;
 
 private:
+    void close() {
+        console_.reset();
+        platform::setPrompts(nullptr);
+        prompts_.reset();
+        workstation_.reset();
+    }
     void answer() {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box || !box->isVisible())

@@ -29,7 +29,7 @@ namespace {
 struct Window : Station {
     Window() { platform::setPrompts(&qt); }
     ~Window() { platform::setPrompts(nullptr); }
-    QtPrompts qt;
+    QtPrompts qt{settings};
 };
 
 Answer askPressing(QtPrompts& prompts, const platform::Message& message, Qt::Key key) {

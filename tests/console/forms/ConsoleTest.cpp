@@ -48,7 +48,7 @@ struct Console : Station {
     void allowLists() { prompts.answers.assign(10, platform::Answer::Yes); }
     int tab() { return find<QTabWidget>(form, "tbsConfig")->currentIndex(); }
 
-    frmConfigure form;
+    frmConfigure form{workstation};
 };
 
 QStringList enabled(frmConfigure& form) {
@@ -70,7 +70,7 @@ TEST(Console, StartsInOrderAndShowsTheConfiguration) {
                            "Accessing Terminals...", "Opening Public Instant Cart Hotlists...", QString()}));
     EXPECT_EQ(find<QLabel>(console.form, "lblStatus")->text(), "Studio 1 (TOLVEX.INI)");
     EXPECT_EQ(console.tab(), 0);
-    EXPECT_EQ(settings().UsersFolder, "C:\\DATA\\USERS\\");
+    EXPECT_EQ(console.settings.UsersFolder, "C:\\DATA\\USERS\\");
     EXPECT_EQ(console.prompts.pointer(), platform::Pointer::Default);
     EXPECT_TRUE(console.machine.exists("C:\\DATA\\Terminal.Lst"));
     EXPECT_TRUE(console.machine.exists("C:\\WALL\\GLIC.Lst"));
@@ -118,7 +118,7 @@ TEST(Console, PutsAnInterruptedImportBackBeforeItLoads) {
     EXPECT_TRUE(console.prompts.texts().value(0).startsWith(
         "An import of settings was cut short. These files were put back as they were before it: "))
         << console.prompts.texts().value(0).toStdString();
-    EXPECT_EQ(settings().DataLocation, "C:\\DATA");
+    EXPECT_EQ(console.settings.DataLocation, "C:\\DATA");
     EXPECT_EQ(console.ini(), configuredIni());
     EXPECT_FALSE(console.machine.exists("C:\\WINDOWS\\TOLVEX.INI.import"));
 }
@@ -142,10 +142,10 @@ TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
                                   "cmdDateTimeSetup", "cmdCompress",      "cmdAutoConfig",
                                   "cmdNetworkSetup"};
     EXPECT_EQ(enabled(console.form), withData);
-    settings().DataLocation = "C:\\GONE";
+    console.settings.DataLocation = "C:\\GONE";
     console.form.UpdateEnabledButtons();
     EXPECT_EQ(enabled(console.form), always);
-    settings().DataLocation.clear();
+    console.settings.DataLocation.clear();
     console.form.UpdateEnabledButtons();
     EXPECT_EQ(enabled(console.form), always);
     EXPECT_TRUE(find<JobTile>(console.form, "cmdDisplaySettings")->toolTip().contains("Data Location"));
@@ -276,7 +276,7 @@ TEST(Console, ClosingUnloadsTheOthersSavesAndStartsTheCaller) {
     console.machine.write("C:\\caller", "#!/bin/sh\necho \"$1\" > \"" + mark.toUtf8() + "\"\n");
     QFile(console.machine.host("C:\\caller"))
         .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    SetTypedCommandLine("/RUNBY=C:\\caller");
+    console.workstation.startUp.typedCommandLine = "/RUNBY=C:\\caller";
     ASSERT_TRUE(console.start());
     QDialog first;
     QDialog last;
@@ -287,11 +287,11 @@ TEST(Console, ClosingUnloadsTheOthersSavesAndStartsTheCaller) {
     QObject::connect(&last, &QDialog::finished, [&order] { order += "last"; });
     first.show();
     last.show();
-    settings().CartMinimumWidth = 3210;
+    console.settings.CartMinimumWidth = 3210;
     console.form.close();
     EXPECT_EQ(order, (QStringList{"last", "first"}));
     EXPECT_EQ(console.value("AudioWall", "CartMinimumWidth"), "3210");
-    EXPECT_FALSE(TerminalListIsOpen());
+    EXPECT_FALSE(TerminalListIsOpen(console.workstation.terminals));
     EXPECT_TRUE(QTest::qWaitFor([&mark] { return QFileInfo(mark).size() > 0; }, 3000));
     EXPECT_EQ(console.machine.read("C:\\started"), "/NOPREVCHECK\n");
 }
@@ -334,10 +334,10 @@ TEST(Console, OptionsAreStoredAndTheirDefaultLeavesNothing) {
 
 TEST(Console, ChecksComeBeforeFormsWithTheirOwnMessages) {
     Station station;
-    EXPECT_FALSE(CheckHolds(JobCheck::DataLocationSet));
-    settings().DataLocation = "C:\\DATA";
-    EXPECT_TRUE(CheckHolds(JobCheck::DataLocationSet));
-    EXPECT_FALSE(CheckHolds(JobCheck::FirstCartLocationSet));
+    EXPECT_FALSE(CheckHolds(JobCheck::DataLocationSet, station.settings));
+    station.settings.DataLocation = "C:\\DATA";
+    EXPECT_TRUE(CheckHolds(JobCheck::DataLocationSet, station.settings));
+    EXPECT_FALSE(CheckHolds(JobCheck::FirstCartLocationSet, station.settings));
     EXPECT_STREQ(FindConsoleJob("cmdHardwareSetup")->message,
                  "You must set the Data Location (in File Locations) first");
     EXPECT_TRUE(FindConsoleJob("cmdLinkmeshSetup")->informs);

@@ -65,7 +65,7 @@ TEST(MultiConfig, TheFirstUseListsTheStandardConfiguration) {
     find<QListWidget>(form, "lvwConfigs")->setCurrentRow(0);
     EXPECT_EQ(find<QStatusBar>(form, "statusbar")->currentMessage(), "Selected Configuration : tolvex.ini");
     click(form, "cmdOK");
-    EXPECT_EQ(settings().LocalIniFile, "tolvex.ini");
+    EXPECT_EQ(form.chosen(), "tolvex.ini");
     EXPECT_FALSE(form.isVisible());
 }
 
@@ -81,7 +81,7 @@ TEST(MultiConfig, CancelEscapeAndTheCloseBoxLeaveNoFile) {
             QTest::keyClick(&form, Qt::Key_Escape);
         else
             form.close();
-        EXPECT_EQ(settings().LocalIniFile, "");
+        EXPECT_EQ(form.chosen(), "");
     }
 }
 

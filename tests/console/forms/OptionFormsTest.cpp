@@ -29,7 +29,7 @@ void type(QWidget& form, const char* name, const QString& text) {
 
 TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     Station station("[FileLocations]\r\n; kept\r\nData=C:\\OLD\r\nOther=1\r\n");
-    frmFileLocations form;
+    frmFileLocations form(station.settings);
     form.setIniFile("TOLVEX.INI");
     form.show();
     EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), "C:\\OLD");
@@ -47,15 +47,15 @@ TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     EXPECT_EQ(station.value("FileLocations", "Data"), "C:\\DATA");
     EXPECT_EQ(station.value("FileLocations", "Schedules"), "C:\\DATA\\SCHEDULE");
     EXPECT_EQ(station.value("FileLocations", "Logs"), "C:\\DATA\\LOGS");
-    EXPECT_EQ(settings().CartPartTable[1].Location, "C:\\WALL\\ONE\\");
+    EXPECT_EQ(station.settings.CartPartTable[1].Location, "C:\\WALL\\ONE\\");
     EXPECT_EQ(station.value("FileLocations", "Carts1"), "C:\\WALL\\ONE\\");
     EXPECT_EQ(station.value("FileLocations", "Carts2"), "C:");
     EXPECT_EQ(station.value("FileLocations", "Carts3"), "C:\\FILE\\X");
     EXPECT_EQ(station.value("FileLocations", "Carts4"), "");
-    EXPECT_EQ(settings().CartPartTable[1].State, Available);
-    EXPECT_EQ(settings().CartPartTable[2].State, Available);
-    EXPECT_EQ(settings().CartPartTable[3].State, Unavailable);
-    EXPECT_EQ(settings().CartPartTable[4].State, Unavailable);
+    EXPECT_EQ(station.settings.CartPartTable[1].State, Available);
+    EXPECT_EQ(station.settings.CartPartTable[2].State, Available);
+    EXPECT_EQ(station.settings.CartPartTable[3].State, Unavailable);
+    EXPECT_EQ(station.settings.CartPartTable[4].State, Unavailable);
     EXPECT_EQ(station.prompts.texts().size(), 1);
     EXPECT_TRUE(station.machine.exists("C:\\DATA\\SCRIPTS"));
     EXPECT_TRUE(station.ini().startsWith("[FileLocations]\r\n; kept\r\nData=C:\\DATA\r\nOther=1\r\n"));
@@ -64,7 +64,7 @@ TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
 
 TEST(FileLocations, KeepsLettersThatHaveNoUpperCaseAndMakesNoFolderUnderAnotherName) {
     Station station("[FileLocations]\r\nData=C:\\gro\xDF\r\n");
-    frmFileLocations form;
+    frmFileLocations form(station.settings);
     form.setIniFile("TOLVEX.INI");
     form.show();
     EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), QString("C:\\GRO\u00DF"));
@@ -75,7 +75,7 @@ TEST(FileLocations, KeepsLettersThatHaveNoUpperCaseAndMakesNoFolderUnderAnotherN
     EXPECT_EQ(station.value("FileLocations", "Data"), QString("C:\\GRO\u00DF"));
     EXPECT_FALSE(station.machine.exists(QString("C:\\\u03A9")));
     EXPECT_FALSE(station.machine.exists("C:\\A?B"));
-    EXPECT_EQ(settings().CartPartTable[1].State, Unavailable);
+    EXPECT_EQ(station.settings.CartPartTable[1].State, Unavailable);
     ASSERT_EQ(station.prompts.texts().size(), 2);
     EXPECT_TRUE(station.prompts.texts()[0].contains("a character that the files cannot store"));
     EXPECT_TRUE(station.prompts.texts()[1].contains("Bad file name or number"));
@@ -83,9 +83,9 @@ TEST(FileLocations, KeepsLettersThatHaveNoUpperCaseAndMakesNoFolderUnderAnotherN
 
 TEST(FileLocations, OneDirectoryForAllCarts) {
     Station station(configuredIni());
-    for (CartPart& part : settings().CartPartTable)
+    for (CartPart& part : station.settings.CartPartTable)
         part.Location = "C:\\WALL";
-    frmFileLocations form;
+    frmFileLocations form(station.settings);
     form.setIniFile("TOLVEX.INI");
     form.show();
     EXPECT_TRUE(find<QCheckBox>(form, "chkUseOneCartLocation")->isChecked());
@@ -107,14 +107,14 @@ TEST(FileLocations, OneDirectoryForAllCarts) {
     QTest::keyClick(&form, Qt::Key_Escape);
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(station.ini(), before);
-    EXPECT_EQ(settings().CartPartTable[1].Location, "C:\\WALL");
+    EXPECT_EQ(station.settings.CartPartTable[1].Location, "C:\\WALL");
 }
 
 TEST(DateTimeSetup, StoresThePortAndTestsOnlyAChosenOne) {
     Station station("[DateTimeSettings]\r\nRadioClockComPort=2\r\n");
-    settings().RadioClockComPort = 2;
+    station.settings.RadioClockComPort = 2;
     int tested = 0;
-    frmDateTimeSetup form([&tested](int port, QWidget*) { tested = port; });
+    frmDateTimeSetup form(station.settings, [&tested](int port, QWidget*) { tested = port; });
     form.show();
     auto* ports = find<QComboBox>(form, "comboRadioClock");
     EXPECT_EQ(ports->currentText(), "Com Port 2");
@@ -125,26 +125,26 @@ TEST(DateTimeSetup, StoresThePortAndTestsOnlyAChosenOne) {
     EXPECT_EQ(station.prompts.texts(), QStringList{"You must choose a valid Com Port"});
     ports->setCurrentIndex(4);
     click(form, "Command1");
-    EXPECT_EQ(settings().RadioClockComPort, 4);
+    EXPECT_EQ(station.settings.RadioClockComPort, 4);
     EXPECT_EQ(station.ini(), "[DateTimeSettings]\r\nRadioClockComPort=4\r\n");
 
     // A port from a hand-edited file selects nothing and survives OK.
-    settings().RadioClockComPort = 7;
-    frmDateTimeSetup odd;
+    station.settings.RadioClockComPort = 7;
+    frmDateTimeSetup odd(station.settings);
     odd.show();
     EXPECT_EQ(find<QComboBox>(odd, "comboRadioClock")->currentIndex(), -1);
     EXPECT_FALSE(find<QPushButton>(odd, "cmdTestRadioClock")->isEnabled());
     click(odd, "Command1");
-    EXPECT_EQ(settings().RadioClockComPort, 7);
+    EXPECT_EQ(station.settings.RadioClockComPort, 7);
 }
 
 TEST(DisplayOptions, ColoursShowAtOnceAndStayAfterEscape) {
     Station station("[Display]\r\nShowClock=0\r\n");
-    settings().FormBackcolor = SystemButtonFace;
-    settings().FormForeColor = SystemButtonText;
-    settings().UseInformationWindow = 2;
-    settings().ShowClock = -1;
-    frmDisplayOptions form;
+    station.settings.FormBackcolor = SystemButtonFace;
+    station.settings.FormForeColor = SystemButtonText;
+    station.settings.UseInformationWindow = 2;
+    station.settings.ShowClock = -1;
+    frmDisplayOptions form(station.settings);
     form.show();
     EXPECT_TRUE(find<QRadioButton>(form, "optInfoWindowAtBottom")->isChecked());
     EXPECT_TRUE(find<QCheckBox>(form, "chkInfoWindowDisplayClock")->isChecked());
@@ -152,22 +152,22 @@ TEST(DisplayOptions, ColoursShowAtOnceAndStayAfterEscape) {
     click(form, "chkAdjustSystemColors");
     station.prompts.colours = {0x0000FF, std::nullopt};
     click(form, "cmdChangeBackgroundColor");
-    EXPECT_EQ(settings().FormBackcolor, 0x0000FF);
+    EXPECT_EQ(station.settings.FormBackcolor, 0x0000FF);
     EXPECT_EQ(form.grab().toImage().pixelColor(4, 4), QColor(255, 0, 0));
     click(form, "cmdChangeForegroundColor");
-    EXPECT_EQ(settings().FormForeColor, SystemButtonText);
+    EXPECT_EQ(station.settings.FormForeColor, SystemButtonText);
     QTest::keyClick(&form, Qt::Key_Escape);
     EXPECT_FALSE(form.isVisible());
-    EXPECT_EQ(settings().FormBackcolor, 0x0000FF);
-    EXPECT_EQ(settings().AdjustTheSystemColors, 0);
+    EXPECT_EQ(station.settings.FormBackcolor, 0x0000FF);
+    EXPECT_EQ(station.settings.AdjustTheSystemColors, 0);
     EXPECT_EQ(station.value("Display", "FormBackcolor"), "<none>");
 }
 
 TEST(DisplayOptions, OkStoresTheChoices) {
     Station station("[Display]\r\nShowClock=1\r\n");
-    settings().ShowClock = 1;
-    settings().UseInformationWindow = 2;
-    frmDisplayOptions form;
+    station.settings.ShowClock = 1;
+    station.settings.UseInformationWindow = 2;
+    frmDisplayOptions form(station.settings);
     form.show();
     click(form, "optInfoWindowAtTop");
     click(form, "chkInfoWindowDisplayClock");
@@ -176,5 +176,5 @@ TEST(DisplayOptions, OkStoresTheChoices) {
     EXPECT_EQ(station.value("Display", "UseInformationWindow"), "1");
     EXPECT_EQ(station.value("Display", "ShowClock"), "0");
     EXPECT_EQ(station.value("Display", "SingleClickPlayCarts"), "1");
-    EXPECT_EQ(settings().AdjustTheSystemColors, 0);
+    EXPECT_EQ(station.settings.AdjustTheSystemColors, 0);
 }

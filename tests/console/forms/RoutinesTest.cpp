@@ -2,12 +2,12 @@
 // station, and compaction.
 #include "console/forms/Station.h"
 
-#include "console/CheckConfiguration.h"
 #include "console/Installation.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/frmConfigure.h"
 #include "databases/suite/DatabaseKinds.h"
 #include "databases/suite/ValidateDatabase.h"
+#include "station/CheckConfiguration.h"
 
 #include <QAction>
 #include <QDialog>
@@ -49,13 +49,13 @@ struct Console : Station {
     }
     QStringList missing() {
         QStringList paths;
-        for (const InstalledItem& item : LookAtInstallation())
+        for (const InstalledItem& item : LookAtInstallation(workstation))
             if (!item.present)
                 paths += item.path;
         return paths;
     }
 
-    frmConfigure form;
+    frmConfigure form{workstation};
 };
 
 } // namespace
@@ -68,7 +68,7 @@ TEST(ConsoleRoutines, TheFirstStartLeadsToAConfiguredStation) {
     ASSERT_TRUE(console.start());
     EXPECT_TRUE(console.prompts.answers.empty());
     EXPECT_EQ(console.missing(), QStringList());
-    EXPECT_EQ(CheckConfiguration(), QString());
+    EXPECT_EQ(CheckConfiguration(console.workstation), QString());
     const QStringList& shown = console.prompts.splashes;
     EXPECT_EQ(shown.mid(1, 3), (QStringList{"Automatic Configuration..", "Checking/Creating Databases..",
                                             "Checking/Creating Files.."}));
@@ -76,17 +76,17 @@ TEST(ConsoleRoutines, TheFirstStartLeadsToAConfiguredStation) {
     EXPECT_EQ(shown.last(), QString());
     EXPECT_EQ(console.prompts.pointer(), platform::Pointer::Default);
     EXPECT_TRUE(find<JobTile>(console.form, "cmdHardwareSetup")->isEnabled());
-    EXPECT_TRUE(TerminalListIsOpen());
-    EXPECT_TRUE(usersState().database);
+    EXPECT_TRUE(TerminalListIsOpen(console.workstation.terminals));
+    EXPECT_TRUE(console.workstation.users.database);
     console.form.close();
-    EXPECT_FALSE(usersState().database);
+    EXPECT_FALSE(console.workstation.users.database);
 
     // At the next start nothing is asked, and there is nothing left to do.
     console.prompts.forget();
-    frmConfigure again;
+    frmConfigure again(console.workstation);
     ASSERT_TRUE(again.load());
     EXPECT_EQ(console.prompts.texts(), QStringList());
-    EXPECT_TRUE(usersState().database);
+    EXPECT_TRUE(console.workstation.users.database);
 }
 
 // One message that names the damaged database, and the console is there.
@@ -101,7 +101,7 @@ TEST(ConsoleRoutines, StartsWithADamagedDatabase) {
     console.machine.write(users, file);
     console.prompts.forget();
 
-    frmConfigure again;
+    frmConfigure again(console.workstation);
     ASSERT_TRUE(again.load());
     again.show();
     EXPECT_TRUE(find<JobTile>(again, "cmdHardwareSetup")->isEnabled());
@@ -151,8 +151,8 @@ TEST(ConsoleRoutines, EachButtonAndMenuEntryAsksItsOwnQuestion) {
     }
     console.prompts.files = {std::nullopt};
     console.press("cmdAutoConfig", {Answer::Yes, Answer::Yes});
-    EXPECT_EQ(settings().DataLocation, "C:\\TOLVEX\\SYSTEM");
-    EXPECT_EQ(usersState().information.FullName, "C:\\TOLVEX\\SYSTEM\\USERS\\USERS25.MDB");
+    EXPECT_EQ(console.settings.DataLocation, "C:\\TOLVEX\\SYSTEM");
+    EXPECT_EQ(console.workstation.users.information.FullName, "C:\\TOLVEX\\SYSTEM\\USERS\\USERS25.MDB");
     EXPECT_EQ(console.missing(), QStringList());
 }
 
@@ -206,8 +206,8 @@ TEST(ConsoleRoutines, CompactionShowsWhatCouldNotBeSaved) {
         << shown.toStdString();
 
     // The users database is the program's own while it runs; it is compacted all the same.
-    console.prompts.files = {UsersDatabaseFile()};
+    console.prompts.files = {UsersDatabaseFile(console.settings)};
     console.press("mnuCompactDatabase", {Answer::Yes});
     EXPECT_TRUE(console.prompts.texts().last().startsWith("Your Database has been successfully"));
-    EXPECT_TRUE(usersState().database);
+    EXPECT_TRUE(console.workstation.users.database);
 }

@@ -5,12 +5,8 @@
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
 
-#include "audio/CartStore.h"
-#include "console/StartUp.h"
-#include "core/settings/Settings.h"
-#include "databases/users/UsersDatabase.h"
-#include "network/TerminalList.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/Workstation.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -28,27 +24,15 @@ namespace tolvex::tests {
 struct Station {
     TestMachine machine;
     ScriptedPrompts prompts;
+    Workstation workstation;
+    Settings& settings = workstation.settings;
 
     explicit Station(const QByteArray& ini = {}) {
-        reset();
-        if (!ini.isEmpty())
-            machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
-    }
-    // What a start of the program finds: nothing remembered.
-    void reset() {
-        ResetStartUp();
-        ResetSettings();
-        ResetCartStore();
-        ResetTerminalList();
-        ResetUsersState();
         platform::ForgetProfiles();
         platform::SetApplicationFolder(QStringLiteral("C:\\APP"));
-        settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
-    }
-    ~Station() {
-        CloseTerminalList();
-        ResetCartStore();
-        ResetUsersState();
+        settings.LocalIniFile = QStringLiteral("TOLVEX.INI");
+        if (!ini.isEmpty())
+            machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
     }
 
     QByteArray ini() const { return machine.read(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI")); }

@@ -69,15 +69,15 @@ protected:
 TEST_P(TextSize, LeavesEveryTextItsRoom) {
     Station station(configuredIni());
     for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup"}) {
-        const std::unique_ptr<QDialog> form(MakeForm(name, nullptr));
+        const std::unique_ptr<QDialog> form(MakeForm(name, station.workstation, nullptr));
         expectNothingCut(*form);
     }
     frmMultiConfig sets("SOFTWARE\\Norvane\\Tolvex", "tolvex.ini");
     expectNothingCut(sets);
-    frmSplash about;
+    frmSplash about({});
     about.becomeAboutBox();
     expectNothingCut(about);
-    frmConfigure console;
+    frmConfigure console(station.workstation);
     console.UpdateEnabledButtons();
     expectNothingCut(console);
 }

@@ -18,10 +18,6 @@ const QByteArray controller =
     "LineType2=0\r\nAction2=999\r\nAction2Data1=5\r\nLineType3=0\r\nAction3=64\r\n"
     "Action3Data2=7\r\n[Hardware2]\r\nCardType=5\r\nAction4=1\r\nAction4Data1=3\r\n";
 
-HardwareLine& line(int n) {
-    return HardwareCards()[1].Lines[n];
-}
-
 } // namespace
 
 TEST(HardwareGrid, ABlockIsNumberedInTheDirectionOfItsSelection) {
@@ -44,8 +40,8 @@ TEST(HardwareGrid, ABlockIsNumberedInTheDirectionOfItsSelection) {
     hw.click(1, 22, ColumnInfo2, Qt::ShiftModifier);
     EXPECT_EQ(hw.list(1)->currentText(), "Play");
     hw.choose(1, "Inhibit Logging");
-    EXPECT_EQ(HardwareCards()[1].Lines[22].ActionData[1], 240);
-    EXPECT_EQ(HardwareCards()[1].Lines[23].ActionData[1], 0);
+    EXPECT_EQ(hw.cards[1].Lines[22].ActionData[1], 240);
+    EXPECT_EQ(hw.cards[1].Lines[23].ActionData[1], 0);
     EXPECT_EQ(hw.cell(1, 20, ColumnDescription), "Inhibit Logging Player 5");
     // Types belong to the card.
     hw.click(1, 20, ColumnType);
@@ -88,13 +84,13 @@ TEST(HardwareGrid, KeysAloneSelectChooseAndLeave) {
     EXPECT_EQ(hw.firstData(1, 4, 6), (QList<qint32>{0, 0, 0}));
     EXPECT_EQ(hw.cell(1, 4, ColumnDescription), "");
     // Going past "Not in use" on the way to another action costs no parameter.
-    line(6).Action = 4;
-    line(6).ActionData = {6, 3, 0, 0};
+    hw.line(6).Action = 4;
+    hw.line(6).ActionData = {6, 3, 0, 0};
     hw.click(1, 6, ColumnAction);
     hw.key(Qt::Key_Home);
-    EXPECT_EQ(line(6).ActionData[0], 0);
+    EXPECT_EQ(hw.line(6).ActionData[0], 0);
     hw.key(Qt::Key_Down);
-    EXPECT_EQ(line(6).ActionData, (std::array<qint32, 4>{6, 3, 0, 0}));
+    EXPECT_EQ(hw.line(6).ActionData, (std::array<qint32, 4>{6, 3, 0, 0}));
     hw.key(Qt::Key_Return);
 }
 
@@ -106,7 +102,7 @@ TEST(HardwareGrid, WhatIsNotKnownStaysUntilItIsChosenAnew) {
     hw.click(1, 2, ColumnAction);
     EXPECT_EQ(hw.list(1)->currentText(), "Not in use");
     hw.key(Qt::Key_Return);
-    EXPECT_EQ(line(2).Action, 999);
+    EXPECT_EQ(hw.line(2).Action, 999);
     hw.click(1, 2, ColumnInfo1);
     EXPECT_TRUE(hw.list(1)->isVisible());
     EXPECT_EQ(hw.list(1)->count(), 0);
@@ -118,12 +114,12 @@ TEST(HardwareGrid, WhatIsNotKnownStaysUntilItIsChosenAnew) {
     hw.click(1, 2, ColumnInfo1);
     hw.type(1)->setFocus();
     EXPECT_TRUE(hw.list(1)->isHidden());
-    EXPECT_EQ(line(2).ActionData[0], 5);
+    EXPECT_EQ(hw.line(2).ActionData[0], 5);
     hw.press("cmdApply");
     EXPECT_TRUE(hw.ini().contains("Action2=999\r\nAction2Data1=5\r\n"));
     hw.click(1, 2, ColumnAction);
     hw.key(Qt::Key_Space);
-    EXPECT_EQ(line(2).Action, 0);
+    EXPECT_EQ(hw.line(2).Action, 0);
     hw.key(Qt::Key_Return);
 }
 
@@ -131,7 +127,7 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     HardwareForm hw(controller);
     hw.open();
     auto* box = hw.on<QLineEdit>(1, "txtDescription");
-    line(1).Description = "A description of many letters";
+    hw.line(1).Description = "A description of many letters";
     hw.click(1, 1, ColumnDescription);
     ASSERT_TRUE(box->hasFocus());
     EXPECT_EQ(box->selectedText(), "A description of man");
@@ -146,7 +142,7 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     hw.key(Qt::Key_Escape);
     EXPECT_FALSE(box->isVisible());
     EXPECT_TRUE(hw.form->isVisible());
-    EXPECT_EQ(line(1).Description, "Red button");
+    EXPECT_EQ(hw.line(1).Description, "Red button");
     // Its own menu leaves it open.
     hw.click(1, 1, ColumnDescription);
     QContextMenuEvent asks(QContextMenuEvent::Mouse, QPoint(4, 4), box->mapToGlobal(QPoint(4, 4)));
@@ -158,12 +154,12 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     hw.drag(1, 6, 5, ColumnDescription);
     box->setText("Lamp");
     hw.click(1, 1, ColumnLogic);
-    EXPECT_EQ(line(5).Description, "Lamp");
-    EXPECT_EQ(line(6).Description, "Lamp");
+    EXPECT_EQ(hw.line(5).Description, "Lamp");
+    EXPECT_EQ(hw.line(6).Description, "Lamp");
     EXPECT_EQ(hw.cell(1, 1, ColumnLogic), "Y");
     hw.drag(1, 1, 2, ColumnLogic);
-    EXPECT_EQ(line(1).ActiveLow, 0);
-    EXPECT_EQ(line(2).ActiveLow, -1);
+    EXPECT_EQ(hw.line(1).ActiveLow, 0);
+    EXPECT_EQ(hw.line(2).ActiveLow, -1);
 
     auto* number = hw.on<QLineEdit>(1, "txtInfo");
     EXPECT_EQ(hw.cell(1, 3, ColumnDescription), "Play Cart 7");
@@ -171,7 +167,7 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     EXPECT_EQ(number->selectedText(), "7");
     QTest::keyClicks(number, "1234 extra");
     QTest::keyClick(number, Qt::Key_Tab);
-    EXPECT_EQ(line(3).ActionData[1], 1234);
+    EXPECT_EQ(hw.line(3).ActionData[1], 1234);
     EXPECT_EQ(hw.cell(1, 3, ColumnDescription), "Play Cart 1234");
     // By its access key, Apply takes what is still being typed.
     hw.click(1, 3, ColumnInfo2);
@@ -234,28 +230,28 @@ TEST(HardwareGrid, AListIsGoneAfterATabChangeAndItsChoiceStands) {
     hw.showCard(2);
     hw.showCard(1);
     EXPECT_TRUE(hw.list(1)->isHidden());
-    EXPECT_EQ(line(5).Action, 2);
+    EXPECT_EQ(hw.line(5).Action, 2);
     // Tab leaves the list, and only that.
-    line(5).Description = "Mine";
+    hw.line(5).Description = "Mine";
     hw.click(1, 5, ColumnAction);
     hw.key(Qt::Key_Tab);
     EXPECT_TRUE(hw.list(1)->isHidden());
     EXPECT_TRUE(hw.grid(1)->hasFocus());
-    EXPECT_EQ(line(5).Description, "Mine");
+    EXPECT_EQ(hw.line(5).Description, "Mine");
     // The keys that go with others choose nothing either.
     hw.click(1, 5, ColumnAction);
     for (const int key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_CapsLock})
         hw.key(key);
     hw.key(Qt::Key_2, Qt::AltModifier);
-    EXPECT_EQ(line(5).Description, "Mine");
+    EXPECT_EQ(hw.line(5).Description, "Mine");
     hw.key(Qt::Key_F4);
     EXPECT_TRUE(hw.list(1)->isHidden());
-    EXPECT_EQ(line(5).Description, "Mine");
+    EXPECT_EQ(hw.line(5).Description, "Mine");
     // Down and Enter, faster than events are handled.
     hw.click(1, 5, ColumnAction);
     QTest::keyClick(hw.list(1)->view(), Qt::Key_Down);
     QTest::keyClick(hw.list(1)->view(), Qt::Key_Return);
-    EXPECT_EQ(line(5).Action, 4);
+    EXPECT_EQ(hw.line(5).Action, 4);
 }
 
 TEST(HardwareGrid, AnEditorStaysOnItsCellAndStoresForItsLines) {
@@ -275,13 +271,13 @@ TEST(HardwareGrid, AnEditorStaysOnItsCellAndStoresForItsLines) {
     // The filter would put another line under the box.
     hw.on<QCheckBox>(1, "chkOnlyInUse")->click();
     EXPECT_TRUE(box->isHidden());
-    EXPECT_EQ(line(3).Description, "Three");
+    EXPECT_EQ(hw.line(3).Description, "Three");
     EXPECT_FALSE(grid->isRowHidden(2));
     // Another device has other lines.
     hw.click(1, 3, ColumnDescription);
     QTest::keyClicks(box, "3");
     hw.type(1)->setCurrentIndex(0);
-    EXPECT_EQ(line(3).Description, "3");
+    EXPECT_EQ(hw.line(3).Description, "3");
 }
 
 TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
@@ -299,7 +295,7 @@ TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
     QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
     QTest::keyClicks(box, "b");
     hw.key(Qt::Key_Return);
-    EXPECT_EQ(line(1).Description, QString::fromUtf8("ódab B") + QString(248, u'x'));
+    EXPECT_EQ(hw.line(1).Description, QString::fromUtf8("ódab B") + QString(248, u'x'));
     hw.press("cmdApply");
     EXPECT_TRUE(hw.prompts.asked.isEmpty());
     EXPECT_TRUE(hw.ini().contains("Description1=\xF3"
@@ -309,34 +305,34 @@ TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
 TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
     HardwareForm hw(controller);
     hw.open();
-    const HardwareLine first = line(1);
-    const HardwareLine third = line(3);
+    const HardwareLine first = hw.line(1);
+    const HardwareLine third = hw.line(3);
     hw.drag(1, 1, 3, ColumnLine);
     hw.key(Qt::Key_Delete);
-    EXPECT_EQ(line(3).Action, 0);
+    EXPECT_EQ(hw.line(3).Action, 0);
     QApplication::clipboard()->setText("Type\tAction\tInfo 1\nInput\tIC Trigger\t7\nInput\tIC Trigger\t8\n");
     // From the top of the selection on.
     hw.drag(1, 6, 5, ColumnLine);
     hw.key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(line(4).Action, 0);
+    EXPECT_EQ(hw.line(4).Action, 0);
     EXPECT_EQ(hw.firstData(1, 5, 7), (QList<qint32>{7, 8, 0}));
     hw.click(1, 5, ColumnInfo1);
     hw.key(Qt::Key_Up);
     hw.key(Qt::Key_Up);
     hw.key(Qt::Key_Return);
-    EXPECT_EQ(line(5).ActionData[0], 5);
+    EXPECT_EQ(hw.line(5).ActionData[0], 5);
     // A list that is left without a choice is no change.
     hw.click(1, 6, ColumnInfo1);
     hw.key(Qt::Key_Return);
     hw.key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(line(5).ActionData[0], 7);
+    EXPECT_EQ(hw.line(5).ActionData[0], 7);
     EXPECT_EQ(hw.cell(1, 5, ColumnInfo1), "Instant Cart 7");
     hw.key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(line(5).Action, 0);
-    EXPECT_TRUE(line(5).isOutput());
+    EXPECT_EQ(hw.line(5).Action, 0);
+    EXPECT_TRUE(hw.line(5).isOutput());
     hw.key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_TRUE(line(1).isStoredAs(first));
-    EXPECT_TRUE(line(3).isStoredAs(third));
+    EXPECT_TRUE(hw.line(1).isStoredAs(first));
+    EXPECT_TRUE(hw.line(3).isStoredAs(third));
     EXPECT_EQ(hw.changes(), "");
     hw.key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(hw.changes(), "");
@@ -345,7 +341,7 @@ TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
     hw.type(1)->setCurrentText("Joystick Port");
     hw.grid(1)->setFocus();
     hw.key(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(line(4).ActiveLow, -1);
+    EXPECT_EQ(hw.line(4).ActiveLow, -1);
 }
 
 TEST(HardwareGrid, InfoColumnsAreThereWhenTheyAreUsed) {
@@ -385,9 +381,9 @@ TEST(HardwareGrid, PortCardsChangeTypesByEights) {
     EXPECT_TRUE(hw.address(1)->isEnabled());
     hw.click(1, 10, ColumnType);
     for (const int n : {8, 17})
-        EXPECT_TRUE(line(n).isOutput());
+        EXPECT_TRUE(hw.line(n).isOutput());
     for (const int n : {9, 16})
-        EXPECT_FALSE(line(n).isOutput());
+        EXPECT_FALSE(hw.line(n).isOutput());
     hw.press("cmdApply");
     EXPECT_EQ(hw.prompts.texts(), QStringList{"This card is not currently supported"});
     EXPECT_EQ(hw.grid(2)->model()->rowCount(), 0);
@@ -396,8 +392,8 @@ TEST(HardwareGrid, PortCardsChangeTypesByEights) {
 TEST(HardwareGrid, RowsGoThroughTheClipboardToAnotherCardAndBack) {
     HardwareForm hw(controller);
     hw.open();
-    line(1) = {0, 0, -1, 0, {}, "\"Go\" button", 255, 3, {7, 9, 0, 12}};
-    line(4) = {0, 0, 0, 0, {}, "", 0, 96, {255, 0, 0, 0}};
+    hw.line(1) = {0, 0, -1, 0, {}, "\"Go\" button", 255, 3, {7, 9, 0, 12}};
+    hw.line(4) = {0, 0, 0, 0, {}, "", 0, 96, {255, 0, 0, 0}};
     hw.grid(1)->setFocus();
     hw.drag(1, 1, 4, ColumnLine);
     hw.key(Qt::Key_C, Qt::ControlModifier);
@@ -409,28 +405,28 @@ TEST(HardwareGrid, RowsGoThroughTheClipboardToAnotherCardAndBack) {
     hw.key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(hw.prompts.asked.isEmpty());
     for (int n = 1; n <= 3; ++n)
-        EXPECT_TRUE(HardwareCards()[2].Lines[n].isStoredAs(line(n))) << n;
+        EXPECT_TRUE(hw.cards[2].Lines[n].isStoredAs(hw.line(n))) << n;
     EXPECT_EQ(hw.cell(2, 4, ColumnDescription), "K-OVA - Use Log Mode");
     EXPECT_TRUE(hw.changes().contains("2"));
 
     // The same rows with words changed in a spreadsheet: the words count.
     QApplication::clipboard()->setText(QString(rows).replace("Use Log Mode", "Live Assist"));
     hw.key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(HardwareCards()[2].Lines[4].ActionData[0], 2);
+    EXPECT_EQ(hw.cards[2].Lines[4].ActionData[0], 2);
     // Words alone, in columns of another order.
     QApplication::clipboard()->setText("Action\tType\tInfo 1\r\nK-OVA - Other\tInput\tK-OVA SegEdit\r\n");
     hw.key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(HardwareCards()[2].Lines[1].Action, 5);
-    EXPECT_EQ(HardwareCards()[2].Lines[1].ActionData[0], 2);
+    EXPECT_EQ(hw.cards[2].Lines[1].Action, 5);
+    EXPECT_EQ(hw.cards[2].Lines[1].ActionData[0], 2);
 
-    const HardwareLine before = HardwareCards()[2].Lines[1];
+    const HardwareLine before = hw.cards[2].Lines[1];
     const auto refused = [&](const char* text, const char* why) {
         QApplication::clipboard()->setText(text);
         hw.prompts.forget();
         hw.key(Qt::Key_V, Qt::ControlModifier);
         ASSERT_EQ(hw.prompts.asked.size(), 1) << text;
         EXPECT_TRUE(hw.prompts.texts().front().contains(why)) << hw.prompts.texts().front().toStdString();
-        EXPECT_TRUE(HardwareCards()[2].Lines[1].isStoredAs(before));
+        EXPECT_TRUE(hw.cards[2].Lines[1].isStoredAs(before));
     };
     refused("", "There are no lines to paste");
     refused("1\tInput\t\t\tNot in use\n2\tInput\t\t\tIC Display\n",
@@ -461,11 +457,11 @@ TEST(HardwareGrid, HiddenLinesAreLeftAlone) {
     hw.open();
     QTest::mouseClick(hw.on<QCheckBox>(1, "chkOnlyInUse"), Qt::LeftButton, {}, QPoint(8, 12));
     EXPECT_TRUE(hw.grid(1)->isRowHidden(3));
-    line(8).Description = "Last";
+    hw.line(8).Description = "Last";
     hw.on<QCheckBox>(1, "chkOnlyInUse")->setChecked(false);
     hw.on<QCheckBox>(1, "chkOnlyInUse")->setChecked(true);
     hw.drag(1, 8, 2, ColumnLogic);
     EXPECT_EQ(hw.grid(1)->selectedLines(), (LineNumbers{8, 3, 2}));
     for (int n = 1; n <= 8; ++n)
-        EXPECT_EQ(line(n).ActiveLow, n == 2 || n == 3 || n == 8 ? -1 : 0) << n;
+        EXPECT_EQ(hw.line(n).ActiveLow, n == 2 || n == 3 || n == 8 ? -1 : 0) << n;
 }

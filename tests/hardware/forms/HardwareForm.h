@@ -31,25 +31,26 @@ struct HardwareForm {
     TestMachine machine;
     PrintingPrompts prompts;
     FakeDriver driver;
+    Settings settings;
+    HardwareCardTable cards;
     std::unique_ptr<frmHardwareSettings> form;
 
     explicit HardwareForm(const QByteArray& ini) {
         platform::ForgetProfiles();
-        ResetSettings();
-        ResetHardwareCards();
-        settings().LocalIniFile = QStringLiteral("TOLVEX.INI");
+        settings.LocalIniFile = QStringLiteral("TOLVEX.INI");
         machine.write(iniPath, ini);
         driver.addFixed(0, 1, 1);
     }
     ~HardwareForm() { frmHardwareManager::UnloadManager(); }
 
     void open() {
-        form = std::make_unique<frmHardwareSettings>();
+        form = std::make_unique<frmHardwareSettings>(cards, settings);
         form->resize(1100, 640);
         form->show();
         form->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     }
+    HardwareLine& line(int n) { return cards[1].Lines[n]; } // of the first card
     QByteArray ini() const { return machine.read(iniPath); }
 
     template<typename Widget>
@@ -137,7 +138,7 @@ struct HardwareForm {
     QList<qint32> firstData(int card, int first, int last) const {
         QList<qint32> data;
         for (int n = first; n <= last; ++n)
-            data.append(HardwareCards()[card].Lines[n].ActionData[0]);
+            data.append(cards[card].Lines[n].ActionData[0]);
         return data;
     }
 };

@@ -134,8 +134,8 @@ TEST(HardwareSettings, FieldsAndLinesFollowTheType) {
         EXPECT_EQ(hw.on<QComboBox>(1, "ComPortlist")->isEnabled(), c.port) << c.type;
         EXPECT_EQ(hw.grid(1)->model()->rowCount(), c.rows) << c.type;
         // Each type forced its lines for good.
-        EXPECT_FALSE(HardwareCards()[1].Lines[4].isOutput());
-        EXPECT_TRUE(HardwareCards()[1].Lines[5].isOutput());
+        EXPECT_FALSE(hw.cards[1].Lines[4].isOutput());
+        EXPECT_TRUE(hw.cards[1].Lines[5].isOutput());
     }
     EXPECT_EQ(hw.prompts.asked.size(), 1); // device 1 does not answer
 }
@@ -153,9 +153,9 @@ TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) 
     EXPECT_EQ(hw.prompts.asked.back().icon, platform::Icon::Information);
     EXPECT_TRUE(hw.form->isVisible());
     EXPECT_EQ(hw.ini(), before);
-    EXPECT_EQ(HardwareCards()[1].BaseAddress, 4); // taken up already
+    EXPECT_EQ(hw.cards[1].BaseAddress, 4); // taken up already
     EXPECT_TRUE(hw.on<QComboBox>(3, "ComPortlist")->hasFocus());
-    EXPECT_EQ(HardwareCards()[3].CardType, 0);
+    EXPECT_EQ(hw.cards[3].CardType, 0);
     EXPECT_TRUE(hw.changes().contains("1 and 3"));
 
     hw.on<QComboBox>(3, "ComPortlist")->setCurrentIndex(0);
@@ -201,12 +201,12 @@ TEST(HardwareSettings, OkWritesAndAFileThatCannotBeWrittenKeepsTheFormOpen) {
     hw.driver.addFixed(10, 3, 2);
     hw.open();
     hw.click(1, 2, ColumnLogic);
-    settings().LocalIniFile = "C:\\GONE\\TOLVEX.INI";
+    hw.settings.LocalIniFile = "C:\\GONE\\TOLVEX.INI";
     hw.press("cmdOK");
     EXPECT_TRUE(hw.form->isVisible());
     ASSERT_EQ(hw.prompts.asked.size(), 1);
     EXPECT_TRUE(hw.prompts.texts().front().startsWith("C:\\GONE\\TOLVEX.INI was not changed"));
-    settings().LocalIniFile = "TOLVEX.INI";
+    hw.settings.LocalIniFile = "TOLVEX.INI";
     hw.press("cmdOK");
     EXPECT_FALSE(hw.form->isVisible());
     // The line that is not in use is not stored; the description that was made is.
@@ -228,7 +228,7 @@ TEST(HardwareSettings, CancelAsksOnlyWhenSomethingWouldBeLost) {
     hw.form->close();
     EXPECT_FALSE(hw.form->isVisible());
     EXPECT_EQ(hw.ini(), threeCards);
-    EXPECT_FALSE(HardwareCards()[1].Lines[3].isOutput()); // until the next opening
+    EXPECT_FALSE(hw.cards[1].Lines[3].isOutput()); // until the next opening
     hw.open();
     EXPECT_EQ(hw.cell(1, 3, ColumnType), "Output");
     hw.click(1, 3, ColumnType);
@@ -244,7 +244,7 @@ TEST(HardwareSettings, TheSizeFollowsTheLinesUpToTheScreen) {
         hw.driver.addFixed(0, inputs, 1);
         hw.machine.write(iniPath, inputs == 0 ? hw.ini() : "[Hardware1]\r\nCardType=4\r\n");
         platform::ForgetProfiles();
-        frmHardwareSettings form;
+        frmHardwareSettings form(hw.cards, hw.settings);
         FitForm(&form);
         const QSize screen = form.screen()->availableSize();
         form.show();
@@ -256,11 +256,11 @@ TEST(HardwareSettings, TheSizeFollowsTheLinesUpToTheScreen) {
         // Room beyond the columns goes to the descriptions; a long one takes no more than its share.
         EXPECT_GE(grid->horizontalHeader()->length(), grid->viewport()->width());
         const int width = grid->sizeHint().width();
-        HardwareCards()[1].Lines[1].Description = QString(60, u'W');
+        hw.cards[1].Lines[1].Description = QString(60, u'W');
         grid->showLines();
         const int wider = grid->sizeHint().width();
         EXPECT_GT(wider, width);
-        HardwareCards()[1].Lines[1].Description = QString(250, u'W');
+        hw.cards[1].Lines[1].Description = QString(250, u'W');
         grid->showLines();
         EXPECT_EQ(grid->sizeHint().width(), wider);
     }
@@ -313,21 +313,20 @@ TEST(HardwareSettings, TheLineListNamesWhatIsWired) {
     hw.driver.addFixed(16, 3, 2);
     hw.driver.addFixed(10, 3, 2);
     hw.open();
-    settings().LinkMeshId = 3;
+    hw.settings.LinkMeshId = 3;
     EXPECT_FALSE(hw.form->listHtml().contains("not applied yet"));
     hw.click(1, 1, ColumnLogic);
     EXPECT_EQ(hw.form->listHtml().count("not applied yet"), 1);
     EXPECT_TRUE(hw.form->listHtml().contains("Workstation 3 (" + platform::ComputerName() + ")"));
-    HardwareLine& line = HardwareCards()[1].Lines[2];
+    HardwareLine& line = hw.cards[1].Lines[2];
     line.Description = "Lamp <A> & B";
     line.ActiveLow = -1;
-    HardwareCards()[2].Lines[1].Action = 999;
-    HardwareCards()[2].Lines[1].ActionData[1] = 7;
-    const ListedCard card{1, "RS232 based controller", 8, &HardwareCards()[1]};
+    hw.cards[2].Lines[1].Action = 999;
+    hw.cards[2].Lines[1].ActionData[1] = 7;
+    const ListedCard card{1, "RS232 based controller", 8, &hw.cards[1]};
     const QString html = LineListHtml(
         "Lines", "Studio 1",
-        {card, {2, "Advantech", 5, &HardwareCards()[2], false}, {3, "Disabled", 0, &HardwareCards()[3]}},
-        true);
+        {card, {2, "Advantech", 5, &hw.cards[2], false}, {3, "Disabled", 0, &hw.cards[3]}}, true);
     EXPECT_TRUE(html.contains("Lamp &lt;A&gt; &amp; B"));
     EXPECT_TRUE(html.contains("Active low"));
     EXPECT_TRUE(html.contains("IC Trigger, Instant Cart 4"));
@@ -360,13 +359,13 @@ TEST(HardwareSettings, ThePrintedPageCanBeReadAtTheCabinet) {
     hw.driver.addFixed(16, 3, 2);
     hw.driver.addFixed(10, 3, 2);
     hw.open();
-    settings().LinkMeshId = 3;
-    settings().ConfigName = "Studio 1";
+    hw.settings.LinkMeshId = 3;
+    hw.settings.ConfigName = "Studio 1";
     hw.type(3)->setCurrentText("Joystick Port");
     // A long text and a number that nobody knows must not move a card's columns.
-    HardwareCards()[2].Lines[2].Description = QString("Wiring ").repeated(12);
-    HardwareCards()[2].Lines[1].Action = 999;
-    HardwareCards()[2].Lines[1].ActionData[1] = 7;
+    hw.cards[2].Lines[2].Description = QString("Wiring ").repeated(12);
+    hw.cards[2].Lines[1].Action = 999;
+    hw.cards[2].Lines[1].ActionData[1] = 7;
     for (const char* button : {"cmdPrint", "cmdSaveList"}) {
         hw.prompts.pdf = hw.machine.host("C:\\LIST.PDF");
         hw.prompts.files = {QString("C:\\LIST.PDF")};

@@ -3,8 +3,8 @@
 #include "platform/host/HostFiles.h"
 #include "platform/posix/HostCalls.h"
 #include "support/MachineFolder.h"
+#include "support/OtherWorkstation.h"
 #include "support/ScriptedPrompts.h"
-#include "support/Workstation.h"
 
 #include <gtest/gtest.h>
 
@@ -98,8 +98,8 @@ TEST_F(Files, AreNeverReplacedByARename) {
                 return RenameFile(from, "C:\\c.txt") == NoError;
             };
         };
-        const tolvex::tests::Workstation one(renames("C:\\a.txt"));
-        const tolvex::tests::Workstation two(renames("C:\\b.txt"));
+        const tolvex::tests::OtherWorkstation one(renames("C:\\a.txt"));
+        const tolvex::tests::OtherWorkstation two(renames("C:\\b.txt"));
         gun.fire();
         const int done = one.wentWell() + two.wentWell();
         EXPECT_EQ(done, 1);

@@ -17,6 +17,4 @@ struct ScreenFacts {
     QList<int> MonitorWidths = {1024};
 };
 
-ScreenFacts& screenFacts();
-
 } // namespace tolvex

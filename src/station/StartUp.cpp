@@ -1,27 +1,18 @@
-#include "console/StartUp.h"
+#include "station/StartUp.h"
 
-#include "console/ScreenFacts.h"
-#include "core/settings/Settings.h"
 #include "core/system/Product.h"
 #include "core/system/Registry.h"
 #include "core/text/Numbers.h"
 #include "core/text/TextFields.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
+#include "station/Workstation.h"
 
 #include <numeric>
 
 namespace tolvex {
 
 namespace {
-
-struct StartUpState {
-    QString typedCommandLine;
-    QString localIni;
-    QString systemIni;
-    bool iniFileChosen = false;
-};
-StartUpState state;
 
 struct LogSource {
     const char* shortName;
@@ -35,19 +26,18 @@ constexpr LogSource logSources[] = {
     {"S.Ct", "Spl. Cart"}, {"S.Gr", "Spl. Group"}, {"S.Ad", "Spl. Advert"},
 };
 
-void fillLogSources() {
-    settings().LogSourceShortNames.fill({});
-    settings().LogSourceNames.fill({});
+void fillLogSources(Settings& values) {
+    values.LogSourceShortNames.fill({});
+    values.LogSourceNames.fill({});
     for (std::size_t type = 0; type < std::size(logSources); ++type) {
-        settings().LogSourceShortNames.at(type) = QLatin1String(logSources[type].shortName);
-        settings().LogSourceNames.at(type) = QLatin1String(logSources[type].name);
+        values.LogSourceShortNames.at(type) = QLatin1String(logSources[type].shortName);
+        values.LogSourceNames.at(type) = QLatin1String(logSources[type].name);
     }
 }
 
-void warnOfLowScreen() {
+void warnOfLowScreen(const ScreenFacts& screen) {
     constexpr int lowestHeight = 600;
     const QString name = QStringLiteral("LowDisplayResWarning");
-    const ScreenFacts& screen = screenFacts();
     if (screen.PrimaryHeight >= lowestHeight || ReadRegistryLong(LocalMachineHive, TolvexV2Key, name, 0) != 0)
         return;
     platform::Message message;
@@ -71,9 +61,7 @@ qint32 twips(int pixels, double twipsPerPixel) {
     return ToLong(pixels * twipsPerPixel);
 }
 
-void measureScreens() {
-    Settings& values = settings();
-    const ScreenFacts& screen = screenFacts();
+void measureScreens(const ScreenFacts& screen, Settings& values) {
     int width = screen.PrimaryWidth;
     values.MonitorCount = 1;
     if (values.MultiMonitorAllowed) {
@@ -89,36 +77,24 @@ void measureScreens() {
 
 } // namespace
 
-ScreenFacts& screenFacts() {
-    static ScreenFacts facts;
-    return facts;
-}
-
-void SetTypedCommandLine(const QString& commandLine) {
-    state.typedCommandLine = commandLine;
-}
-
-void SetIniFiles(const QString& localIni, const QString& systemIni) {
-    state.localIni = localIni;
-    state.systemIni = systemIni;
-}
-
-QString RunByProgram() {
+QString RunByProgram(const StartUp& startUp) {
     const QString name = QStringLiteral("/RUNBY=");
-    const qsizetype found = state.typedCommandLine.indexOf(name, 0, Qt::CaseInsensitive);
-    return found < 0 ? QString() : state.typedCommandLine.mid(found + name.size()).trimmed();
+    const qsizetype found = startUp.typedCommandLine.indexOf(name, 0, Qt::CaseInsensitive);
+    return found < 0 ? QString() : startUp.typedCommandLine.mid(found + name.size()).trimmed();
 }
 
-QString NamedSystemIniFile() {
-    return state.systemIni.isEmpty() ? SwitchValue(settings().CommandLine, QStringLiteral("/SI:"))
+QString NamedSystemIniFile(const Workstation& station) {
+    const StartUp& state = station.startUp;
+    return state.systemIni.isEmpty() ? SwitchValue(station.settings.CommandLine, QStringLiteral("/SI:"))
                                      : state.systemIni;
 }
 
-bool ChooseLocalIniFile() {
-    QString& iniFile = settings().LocalIniFile;
+bool ChooseLocalIniFile(Workstation& station) {
+    const StartUp& state = station.startUp;
+    QString& iniFile = station.settings.LocalIniFile;
     iniFile = QStringLiteral("TOLVEX.INI");
     const QString named = state.localIni.isEmpty()
-                              ? SwitchValue(settings().CommandLine, QStringLiteral("/LI:"))
+                              ? SwitchValue(station.settings.CommandLine, QStringLiteral("/LI:"))
                               : state.localIni;
     if (!named.isNull()) {
         iniFile = named;
@@ -131,27 +107,23 @@ bool ChooseLocalIniFile() {
     return !iniFile.isEmpty();
 }
 
-bool InitialiseProgram() {
-    Settings& values = settings();
+bool InitialiseProgram(Workstation& station) {
+    StartUp& state = station.startUp;
+    Settings& values = station.settings;
     values.CommandLine = u' ' + state.typedCommandLine.toUpper();
-    if (!state.iniFileChosen && !ChooseLocalIniFile())
+    if (!state.iniFileChosen && !ChooseLocalIniFile(station))
         return false;
     state.iniFileChosen = true;
     if (values.DebugLevel == 0 && values.CommandLine.contains(QLatin1String("/DEBUG")))
         values.DebugLevel = -1;
     values.OSVersion = platform::OperatingSystem();
-    warnOfLowScreen();
+    warnOfLowScreen(state.screens);
     const bool severalMonitors = !values.CommandLine.contains(QLatin1String("/NOMULTIMONITOR")) &&
                                  knowsSeveralMonitors(values.OSVersion);
     values.MultiMonitorAllowed = severalMonitors ? -1 : 0;
-    measureScreens();
-    fillLogSources();
+    measureScreens(state.screens, values);
+    fillLogSources(values);
     return true;
-}
-
-void ResetStartUp() {
-    state = StartUpState{};
-    screenFacts() = ScreenFacts{};
 }
 
 } // namespace tolvex

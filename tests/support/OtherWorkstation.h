@@ -10,10 +10,10 @@
 
 namespace tolvex::tests {
 
-class Workstation {
+class OtherWorkstation {
 public:
     // `work` gives true when all went well.
-    explicit Workstation(const std::function<bool()>& work)
+    explicit OtherWorkstation(const std::function<bool()>& work)
         : id_(::fork()) {
         if (id_ == 0)
             ::_exit(work() && !testing::Test::HasFailure() ? 0 : 1);

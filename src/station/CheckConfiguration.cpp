@@ -1,39 +1,40 @@
-#include "console/CheckConfiguration.h"
+#include "station/CheckConfiguration.h"
 
 #include "audio/CartLists.h"
 #include "audio/CartStore.h"
 #include "core/report/Folders.h"
 #include "core/settings/SettingsLoader.h"
 #include "core/text/Numbers.h"
+#include "station/Workstation.h"
 
 namespace tolvex {
 
 namespace {
 
 // Number of the last part that carts are in.
-int lastPart() {
-    return HeldBetween(PartOfCart(settings().NoCarts), 0, CartPartCount);
+int lastPart(const Settings& settings) {
+    return HeldBetween(PartOfCart(settings.NoCarts), 0, CartPartCount);
 }
 
-int unsetLocations() {
+int unsetLocations(const Settings& settings) {
     int count = 0;
-    for (int part = 1; part <= lastPart(); ++part)
-        count += settings().CartPartTable[part].Location.trimmed().isEmpty();
+    for (int part = 1; part <= lastPart(settings); ++part)
+        count += settings.CartPartTable[part].Location.trimmed().isEmpty();
     return count;
 }
 
-void noteState(const QString& location, CartPartState state) {
-    for (CartPart& part : settings().CartPartTable)
+void noteState(Settings& settings, const QString& location, CartPartState state) {
+    for (CartPart& part : settings.CartPartTable)
         if (part.Location == location)
             part.State = state;
 }
 
-int missingLocations() {
+int missingLocations(Settings& settings) {
     int count = 0;
-    for (int number = 1; number <= lastPart(); ++number) {
-        const CartPart& part = settings().CartPartTable[number];
+    for (int number = 1; number <= lastPart(settings); ++number) {
+        const CartPart& part = settings.CartPartTable[number];
         if (part.State == NotChecked)
-            noteState(part.Location, DirectoryExists(part.Location) ? Available : Unavailable);
+            noteState(settings, part.Location, DirectoryExists(part.Location) ? Available : Unavailable);
         count += part.State == Unavailable;
     }
     return count;
@@ -47,16 +48,16 @@ QString stateWord(const CartPart& part, bool needed) {
 
 } // namespace
 
-QString CheckConfiguration() {
-    const Settings& values = settings();
+QString CheckConfiguration(Workstation& station) {
+    Settings& values = station.settings;
     QStringList lines;
     if (!DirectoryExists(values.DataLocation))
         lines << QStringLiteral("The Data Location could not be found");
     if (values.DataLocation.trimmed().isEmpty())
         lines << QStringLiteral("The Data Location has not been set");
-    if (const int count = unsetLocations(); count > 0)
+    if (const int count = unsetLocations(values); count > 0)
         lines << QString::number(count) + QStringLiteral(" AudioWall Location/s have not been set");
-    if (const int count = missingLocations(); count > 0)
+    if (const int count = missingLocations(values); count > 0)
         lines << QString::number(count) + QStringLiteral(" AudioWall Location/s could not be found");
     if (values.LinkMeshId < 1)
         lines << QStringLiteral("LinkMesh ID No has not been set");
@@ -65,9 +66,9 @@ QString CheckConfiguration() {
     return lines.isEmpty() ? QString() : u'\n' + lines.join(u'\n');
 }
 
-ConfigurationStatus LookAtConfiguration() {
-    Settings& values = settings();
-    LoadRows(ConfigNameRows, {values.LocalIniFile});
+ConfigurationStatus LookAtConfiguration(Workstation& station) {
+    Settings& values = station.settings;
+    LoadRows(ConfigNameRows, {values.LocalIniFile}, values);
     ConfigurationStatus status;
     status.localIni = values.LocalIniFile;
     status.configName = values.ConfigName.trimmed();
@@ -75,13 +76,13 @@ ConfigurationStatus LookAtConfiguration() {
     status.dataLocation = values.DataLocation;
     status.linkMeshId = values.LinkMeshId;
     status.cartPlayers = values.TotalNumberCartPlayers;
-    status.missing = CheckConfiguration().split(u'\n', Qt::SkipEmptyParts);
+    status.missing = CheckConfiguration(station).split(u'\n', Qt::SkipEmptyParts);
     for (int number = 1; number <= CartPartCount; ++number) {
         const CartPart& part = values.CartPartTable[number];
-        const bool needed = number <= lastPart();
+        const bool needed = number <= lastPart(values);
         LocationStatus location{number, part.Location, stateWord(part, needed), {}};
         if (needed && location.state == u"available") {
-            const CartListFacts list = LookAtCartList(number);
+            const CartListFacts list = LookAtCartList(station.carts, number);
             location.list = list.state();
             if (list.isTorn() || list.isShort())
                 status.listFaults.append(list.inWords());

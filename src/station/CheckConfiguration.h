@@ -7,9 +7,11 @@
 
 namespace tolvex {
 
+struct Workstation;
+
 // The lines that say what is missing, each on a line of its own behind an empty one; empty when all is well.
 // Tests the folders of the audiowall that were not checked yet and notes their state.
-QString CheckConfiguration();
+QString CheckConfiguration(Workstation& station);
 
 struct LocationStatus {
     int part = 0;
@@ -30,6 +32,6 @@ struct ConfigurationStatus {
     QList<LocationStatus> locations;
     QStringList listFaults; // of torn and short cart lists, a sentence each
 };
-ConfigurationStatus LookAtConfiguration();
+ConfigurationStatus LookAtConfiguration(Workstation& station);
 
 } // namespace tolvex

@@ -1,10 +1,10 @@
-#include "console/LoadSettings.h"
+#include "station/LoadSettings.h"
 
-#include "console/CheckConfiguration.h"
-#include "console/ConsoleTest.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/time/Dates.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/CheckConfiguration.h"
+#include "station/StationTest.h"
 
 using namespace tolvex;
 using platform::Answer;
@@ -14,7 +14,7 @@ namespace {
 
 const QString localIni = QStringLiteral("C:\\WINDOWS\\TOLVEX.INI");
 
-class LoadSettings : public tests::ConsoleTest {
+class LoadSettings : public tests::StationTest {
 protected:
     // A workstation with a data location on C: and its audio on D:.
     void configure() {
@@ -37,52 +37,52 @@ protected:
 TEST_F(LoadSettings, AllSettingsInTheirOrder) {
     configure();
     prompts.setPointer(Pointer::Default);
-    LoadAllSettings();
+    LoadAllSettings(station);
     EXPECT_EQ(prompts.splashes,
               (QStringList{"Loading Locale Specific Information...", "Loading System Specific Information...",
                            "Accessing AudioWall...", "Accessing Terminals...",
                            "Opening Public Instant Cart Hotlists..."}));
     EXPECT_EQ(prompts.pointer(), Pointer::Default);
-    EXPECT_EQ(settings().DataLocation, "C:\\DATA");
-    EXPECT_EQ(settings().SystemIniFile, "C:\\DATA\\TLVX_SYS.INI");
-    EXPECT_EQ(settings().UsersFolder, "C:\\DATA\\USERS\\");
-    EXPECT_EQ(settings().NumberTerminals, 4);
-    EXPECT_EQ(settings().LastOneWas, 0);
-    EXPECT_EQ(settings().CartPartTable[11].FileNumber, 31);
-    EXPECT_EQ(settings().JumpCartButtons.size(), 3);
-    EXPECT_EQ(settings().FormForeColor, static_cast<qint32>(0x80000012u));
+    EXPECT_EQ(station.settings.DataLocation, "C:\\DATA");
+    EXPECT_EQ(station.settings.SystemIniFile, "C:\\DATA\\TLVX_SYS.INI");
+    EXPECT_EQ(station.settings.UsersFolder, "C:\\DATA\\USERS\\");
+    EXPECT_EQ(station.settings.NumberTerminals, 4);
+    EXPECT_EQ(station.settings.LastOneWas, 0);
+    EXPECT_EQ(station.settings.CartPartTable[11].FileNumber, 31);
+    EXPECT_EQ(station.settings.JumpCartButtons.size(), 3);
+    EXPECT_EQ(station.settings.FormForeColor, static_cast<qint32>(0x80000012u));
     EXPECT_TRUE(machine.exists(QStringLiteral("C:\\DATA\\Scripts")));
-    EXPECT_TRUE(TerminalListIsOpen());
-    EXPECT_GT(HotlistFileNumber(), 0);
+    EXPECT_TRUE(TerminalListIsOpen(station.terminals));
+    EXPECT_GT(station.carts.hotlist.number, 0);
     EXPECT_TRUE(prompts.asked.isEmpty());
-    EXPECT_EQ(CheckConfiguration(), QString());
+    EXPECT_EQ(CheckConfiguration(station), QString());
 
     // A load and a save: the file holds every key afterwards, and another load and save change nothing.
-    EXPECT_EQ(SaveLocalSettings(settings().LocalIniFile), platform::ProfileOk);
+    EXPECT_EQ(SaveLocalSettings(station.settings, station.settings.LocalIniFile), platform::ProfileOk);
     const QByteArray saved = machine.read(localIni);
-    forget();
-    LoadAllSettings();
-    EXPECT_EQ(SaveLocalSettings(settings().LocalIniFile), platform::ProfileOk);
+    begin();
+    LoadAllSettings(station);
+    EXPECT_EQ(SaveLocalSettings(station.settings, station.settings.LocalIniFile), platform::ProfileOk);
     EXPECT_EQ(machine.read(localIni), saved);
 }
 
 TEST_F(LoadSettings, StopsWithoutADataLocationAndWhereTheUserCancels) {
-    LoadAllSettings();
+    LoadAllSettings(station);
     EXPECT_EQ(prompts.pointer(), Pointer::Wait);
     EXPECT_EQ(prompts.splashes.size(), 2);
-    EXPECT_EQ(settings().LastOneWas, -1);
-    EXPECT_EQ(settings().NumberTerminals, 32);
-    EXPECT_FALSE(TerminalListIsOpen());
+    EXPECT_EQ(station.settings.LastOneWas, -1);
+    EXPECT_EQ(station.settings.NumberTerminals, 32);
+    EXPECT_FALSE(TerminalListIsOpen(station.terminals));
 
-    forget();
+    begin();
     configure();
     platform::RemoveFile(QStringLiteral("C:\\DATA\\Terminal.Lst"));
     prompts.answers = {Answer::Cancel};
     prompts.forget();
-    LoadAllSettings();
+    LoadAllSettings(station);
     EXPECT_EQ(prompts.splashes.back(), "Accessing Terminals...");
     EXPECT_EQ(prompts.pointer(), Pointer::Wait);
-    EXPECT_EQ(HotlistFileNumber(), 0);
+    EXPECT_EQ(station.carts.hotlist.number, 0);
 }
 
 TEST_F(LoadSettings, AnUpdateNoticeIsShownOnceForEachChange) {
@@ -95,8 +95,8 @@ TEST_F(LoadSettings, AnUpdateNoticeIsShownOnceForEachChange) {
         EXPECT_TRUE(file.open(QIODevice::ReadWrite) &&
                     file.setFileTime(time, QFileDevice::FileModificationTime));
         file.close();
-        forget();
-        LoadAllSettings();
+        begin();
+        LoadAllSettings(station);
         return prompts.notices.size();
     };
     const QDateTime evening(QDate(2026, 11, 20), QTime(22, 15, 30, 750));
@@ -104,12 +104,12 @@ TEST_F(LoadSettings, AnUpdateNoticeIsShownOnceForEachChange) {
     EXPECT_EQ(prompts.notices[0], notice + QStringLiteral("|Tolvex Update Information"));
     EXPECT_TRUE(machine.read(QStringLiteral("C:\\DATA\\TLVX_SYS.INI"))
                     .contains("[UpdateNotice]\r\nLastOneWas=20 Nov 2026 22:15:30\r\n"));
-    EXPECT_EQ(settings().LastOneWas, SerialDate(evening.addMSecs(-750)));
+    EXPECT_EQ(station.settings.LastOneWas, SerialDate(evening.addMSecs(-750)));
     EXPECT_EQ(loadWithNoticeOf(evening), 1);
     EXPECT_EQ(loadWithNoticeOf(evening.addSecs(1)), 2);
-    settings().AutoConfigInProgress = -1;
+    station.settings.AutoConfigInProgress = -1;
     machine.write(notice, "more");
-    LoadAllSettings();
+    LoadAllSettings(station);
     EXPECT_EQ(prompts.notices.size(), 2);
 }
 
@@ -117,21 +117,21 @@ TEST_F(LoadSettings, AnotherSystemIniFileCanBeNamed) {
     machine.write(QStringLiteral("C:\\SYS\\MY SYS.INI"),
                   "[OPALTransfers]\r\nDirectory=C:\\LISTS\r\nPromptDeleteAfterSend=-1\r\n[UpdateNotice]"
                   "\r\nLastOneWas=1 jan 2020\r\n");
-    SetIniFiles({}, QStringLiteral("C:\\SYS\\MY SYS.INI"));
-    EXPECT_TRUE(InitialiseProgram());
-    EXPECT_TRUE(LoadSystemSettings());
-    EXPECT_EQ(settings().SystemIniFile, "C:\\SYS\\MY SYS.INI");
-    EXPECT_EQ(settings().OPALDirectory, "C:\\LISTS");
-    EXPECT_EQ(settings().PromptDeleteAfterSend, 1);
-    EXPECT_EQ(settings().LastOneWas, 43831);
+    station.startUp.systemIni = QStringLiteral("C:\\SYS\\MY SYS.INI");
+    EXPECT_TRUE(InitialiseProgram(station));
+    EXPECT_TRUE(LoadSystemSettings(station));
+    EXPECT_EQ(station.settings.SystemIniFile, "C:\\SYS\\MY SYS.INI");
+    EXPECT_EQ(station.settings.OPALDirectory, "C:\\LISTS");
+    EXPECT_EQ(station.settings.PromptDeleteAfterSend, 1);
+    EXPECT_EQ(station.settings.LastOneWas, 43831);
 }
 
 TEST_F(LoadSettings, ControlSettingsCarryOverFromTheirOlderKeys) {
     machine.write(localIni,
                   "[KOVA]\r\nZQSAllowControl=1\r\nZQSReleaseMode=2\r\nZQSReleaseTime=30\r\nReleaseTime=5\r\n"
                   "ZQSRequestMode=3\r\nZQSGetControlKLogStart=1\r\nDisplayInstantCarts=0\r\n");
-    LoadAutomationControlSettings(localIni);
-    const Settings& values = settings();
+    LoadAutomationControlSettings(station.settings, localIni);
+    const Settings& values = station.settings;
     EXPECT_EQ(values.AllowControl, 1);
     EXPECT_EQ(values.ReleaseMode, 2);
     EXPECT_EQ(values.ReleaseTime, 5);
@@ -152,53 +152,55 @@ TEST_F(LoadSettings, BadSettingsFilesDoNoHarm) {
         QByteArray(1 << 20, '['),
     };
     for (const QByteArray& content : contents) {
-        forget();
+        begin();
         machine.write(localIni, content);
-        LoadAllSettings();
-        EXPECT_EQ(SaveLocalSettings(localIni), platform::ProfileOk) << content.left(60).toStdString();
-        const Settings first = settings();
-        forget();
-        EXPECT_TRUE(LoadLocalSettings());
-        EXPECT_EQ(settings().DataLocation, first.DataLocation);
-        EXPECT_EQ(settings().NumberCartJumpButtons, first.NumberCartJumpButtons);
-        EXPECT_FALSE(CheckConfiguration().isEmpty());
+        LoadAllSettings(station);
+        EXPECT_EQ(SaveLocalSettings(station.settings, localIni), platform::ProfileOk)
+            << content.left(60).toStdString();
+        const Settings first = station.settings;
+        begin();
+        EXPECT_TRUE(LoadLocalSettings(station));
+        EXPECT_EQ(station.settings.DataLocation, first.DataLocation);
+        EXPECT_EQ(station.settings.NumberCartJumpButtons, first.NumberCartJumpButtons);
+        EXPECT_FALSE(CheckConfiguration(station).isEmpty());
         prompts.forget();
     }
     for (const char* noCarts : {"-1", "0", "100000", "2147483647", "abc"}) {
         configure();
         machine.write(QStringLiteral("D:\\WALL\\Audwall.ini"),
                       QByteArray("[Audiowall]\r\nVersion=2.6\r\nNoCarts=") + noCarts + "\r\n");
-        forget();
-        LoadAllSettings();
-        EXPECT_EQ(CheckConfiguration(), QString()) << noCarts;
+        begin();
+        LoadAllSettings(station);
+        EXPECT_EQ(CheckConfiguration(station), QString()) << noCarts;
     }
 }
 
 TEST_F(LoadSettings, WhatIsMissingIsNamedLineByLine) {
-    settings().NoCarts = 9999;
-    EXPECT_EQ(CheckConfiguration(),
+    station.settings.NoCarts = 9999;
+    EXPECT_EQ(CheckConfiguration(station),
               "\nThe Data Location could not be found\nThe Data Location has not been set\n"
               "10 AudioWall Location/s have not been set\n10 AudioWall Location/s could not be found\n"
               "LinkMesh ID No has not been set\nthe Default Audio Format has not been set");
 
-    forget();
+    begin();
     // Locations are tested once; parts that share one share its state, and parts without carts do not count.
     configure();
-    LoadAllSettings();
-    settings().NoCarts = 2500;
-    settings().CartPartTable[2].Location = settings().CartPartTable[3].Location = QStringLiteral("D:\\GONE");
-    EXPECT_EQ(CheckConfiguration(), "\n2 AudioWall Location/s could not be found");
+    LoadAllSettings(station);
+    station.settings.NoCarts = 2500;
+    station.settings.CartPartTable[2].Location = station.settings.CartPartTable[3].Location =
+        QStringLiteral("D:\\GONE");
+    EXPECT_EQ(CheckConfiguration(station), "\n2 AudioWall Location/s could not be found");
     machine.makeFolder(QStringLiteral("D:\\GONE"));
-    EXPECT_EQ(CheckConfiguration(), "\n2 AudioWall Location/s could not be found");
-    settings().CartPartTable[2].State = NotChecked;
-    EXPECT_EQ(CheckConfiguration(), QString());
-    EXPECT_EQ(settings().CartPartTable[3].State, Available);
+    EXPECT_EQ(CheckConfiguration(station), "\n2 AudioWall Location/s could not be found");
+    station.settings.CartPartTable[2].State = NotChecked;
+    EXPECT_EQ(CheckConfiguration(station), QString());
+    EXPECT_EQ(station.settings.CartPartTable[3].State, Available);
 
-    settings().CartPartTable[11].Location.clear();
-    settings().CartPartTable[2].Location = QStringLiteral("Q:\\X");
-    settings().CartPartTable[3].Location.clear();
+    station.settings.CartPartTable[11].Location.clear();
+    station.settings.CartPartTable[2].Location = QStringLiteral("Q:\\X");
+    station.settings.CartPartTable[3].Location.clear();
     machine.write(localIni, "[General]\r\nConfigName= Studio 1 \r\n");
-    const ConfigurationStatus status = LookAtConfiguration();
+    const ConfigurationStatus status = LookAtConfiguration(station);
     EXPECT_EQ(status.configName, "Studio 1");
     EXPECT_EQ(status.missing, QStringList{"1 AudioWall Location/s have not been set"});
     EXPECT_EQ(status.locations[0].state, "available");

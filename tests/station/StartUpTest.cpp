@@ -1,20 +1,19 @@
-#include "console/StartUp.h"
+#include "station/StartUp.h"
 
-#include "console/ConsoleTest.h"
-#include "console/ScreenFacts.h"
 #include "core/system/Registry.h"
+#include "station/StationTest.h"
 
 using namespace tolvex;
 
 namespace {
 
-class StartUp : public tests::ConsoleTest {
+class StartUpTest : public tests::StationTest {
 protected:
     // A new start of the program with a command line.
     bool start(const char* commandLine) {
-        forget();
-        SetTypedCommandLine(QString::fromUtf8(commandLine));
-        return InitialiseProgram();
+        begin();
+        station.startUp.typedCommandLine = QString::fromUtf8(commandLine);
+        return InitialiseProgram(station);
     }
     void allowSeveralConfigurations() {
         WriteRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("MultiConfigFile"), -1, 0);
@@ -23,42 +22,42 @@ protected:
 
 } // namespace
 
-TEST_F(StartUp, SwitchesAreFoundAnywhereInTheCommandLine) {
+TEST_F(StartUpTest, SwitchesAreFoundAnywhereInTheCommandLine) {
     EXPECT_TRUE(start("/Runby=C:\\Play er.exe /debug"));
-    EXPECT_EQ(RunByProgram(), "C:\\Play er.exe /debug");
-    EXPECT_EQ(settings().DebugLevel, -1);
-    EXPECT_EQ(settings().CommandLine, " /RUNBY=C:\\PLAY ER.EXE /DEBUG");
-    EXPECT_EQ(settings().LocalIniFile, "TOLVEX.INI");
+    EXPECT_EQ(RunByProgram(station.startUp), "C:\\Play er.exe /debug");
+    EXPECT_EQ(station.settings.DebugLevel, -1);
+    EXPECT_EQ(station.settings.CommandLine, " /RUNBY=C:\\PLAY ER.EXE /DEBUG");
+    EXPECT_EQ(station.settings.LocalIniFile, "TOLVEX.INI");
 
     EXPECT_TRUE(start("x/li:c:\\set1.ini /si:m:\\sys.ini"));
-    EXPECT_EQ(settings().LocalIniFile, "C:\\SET1.INI");
-    EXPECT_EQ(NamedSystemIniFile(), "M:\\SYS.INI");
-    EXPECT_EQ(settings().DebugLevel, 0);
-    EXPECT_EQ(RunByProgram(), QString());
+    EXPECT_EQ(station.settings.LocalIniFile, "C:\\SET1.INI");
+    EXPECT_EQ(NamedSystemIniFile(station), "M:\\SYS.INI");
+    EXPECT_EQ(station.settings.DebugLevel, 0);
+    EXPECT_EQ(RunByProgram(station.startUp), QString());
 
     // A letter that grows when it is upper-cased moves nothing.
     EXPECT_TRUE(start("ß /RUNBY= straße.exe "));
-    EXPECT_EQ(RunByProgram(), QString::fromUtf8("straße.exe"));
+    EXPECT_EQ(RunByProgram(station.startUp), QString::fromUtf8("straße.exe"));
 }
 
-TEST_F(StartUp, TheConfigurationIsChosenOnceAndOnlyWhereSeveralAreAllowed) {
+TEST_F(StartUpTest, TheConfigurationIsChosenOnceAndOnlyWhereSeveralAreAllowed) {
     allowSeveralConfigurations();
     prompts.configurationSets = {QStringLiteral("studio2.ini")};
     EXPECT_TRUE(start(""));
-    EXPECT_EQ(settings().LocalIniFile, "studio2.ini");
-    EXPECT_TRUE(InitialiseProgram());
-    EXPECT_EQ(settings().LocalIniFile, "studio2.ini");
+    EXPECT_EQ(station.settings.LocalIniFile, "studio2.ini");
+    EXPECT_TRUE(InitialiseProgram(station));
+    EXPECT_EQ(station.settings.LocalIniFile, "studio2.ini");
     EXPECT_EQ(prompts.setChoices, QStringList{"SOFTWARE\\Norvane\\Tolvex|tolvex.ini"});
 
     EXPECT_TRUE(start("/LI:A.INI"));
-    EXPECT_EQ(settings().LocalIniFile, "A.INI");
+    EXPECT_EQ(station.settings.LocalIniFile, "A.INI");
     prompts.configurationSets = {QString()};
     EXPECT_FALSE(start(""));
-    EXPECT_EQ(settings().LocalIniFile, QString());
+    EXPECT_EQ(station.settings.LocalIniFile, QString());
     EXPECT_EQ(prompts.setChoices.size(), 2);
 }
 
-TEST_F(StartUp, SeveralMonitorsCountOnlyOnTheVersionsThatKnowThem) {
+TEST_F(StartUpTest, SeveralMonitorsCountOnlyOnTheVersionsThatKnowThem) {
     struct Case {
         platform::SystemVersion version;
         const char* commandLine;
@@ -77,28 +76,28 @@ TEST_F(StartUp, SeveralMonitorsCountOnlyOnTheVersionsThatKnowThem) {
     };
     for (const Case& c : cases) {
         platform::SetOperatingSystem(c.version);
-        forget();
-        SetTypedCommandLine(QLatin1String(c.commandLine));
-        screenFacts().MonitorWidths = c.monitors;
-        screenFacts().DesktopWidth = std::accumulate(c.monitors.begin(), c.monitors.end(), 0);
-        screenFacts().WorkAreaBottom = 740;
-        EXPECT_TRUE(InitialiseProgram());
-        EXPECT_EQ(settings().MultiMonitorAllowed, c.allowed);
-        EXPECT_EQ(settings().MonitorCount, c.count);
-        EXPECT_EQ(settings().ScreenWidthTwips, c.width);
-        EXPECT_EQ(settings().ScreenHeightTwips, 740 * 15);
+        begin();
+        station.startUp.typedCommandLine = QLatin1String(c.commandLine);
+        station.startUp.screens.MonitorWidths = c.monitors;
+        station.startUp.screens.DesktopWidth = std::accumulate(c.monitors.begin(), c.monitors.end(), 0);
+        station.startUp.screens.WorkAreaBottom = 740;
+        EXPECT_TRUE(InitialiseProgram(station));
+        EXPECT_EQ(station.settings.MultiMonitorAllowed, c.allowed);
+        EXPECT_EQ(station.settings.MonitorCount, c.count);
+        EXPECT_EQ(station.settings.ScreenWidthTwips, c.width);
+        EXPECT_EQ(station.settings.ScreenHeightTwips, 740 * 15);
     }
-    EXPECT_EQ(settings().OSVersion.major, 10u);
-    EXPECT_EQ(settings().LogSourceShortNames[10], "----");
-    EXPECT_EQ(settings().LogSourceNames[14], "Spl. Advert");
-    EXPECT_EQ(settings().LogSourceNames[15], QString());
+    EXPECT_EQ(station.settings.OSVersion.major, 10u);
+    EXPECT_EQ(station.settings.LogSourceShortNames[10], "----");
+    EXPECT_EQ(station.settings.LogSourceNames[14], "Spl. Advert");
+    EXPECT_EQ(station.settings.LogSourceNames[15], QString());
 }
 
-TEST_F(StartUp, ALowScreenIsWarnedOfOnceAMachine) {
+TEST_F(StartUpTest, ALowScreenIsWarnedOfOnceAMachine) {
     const auto startOnLowScreen = [this] {
-        forget();
-        screenFacts().PrimaryHeight = 599;
-        return InitialiseProgram();
+        begin();
+        station.startUp.screens.PrimaryHeight = 599;
+        return InitialiseProgram(station);
     };
     EXPECT_TRUE(startOnLowScreen());
     ASSERT_EQ(prompts.asked.size(), 1);

@@ -5,31 +5,36 @@
 // line), /DEBUG, /NOMULTIMONITOR, /LI:<local ini file>, /SI:<system ini file>, /PLAYERS=<n>.
 #pragma once
 
+#include "station/ScreenFacts.h"
+
 #include <QString>
 
 namespace tolvex {
 
-// Tells the command line as it was typed, without the program's name. Before anything else.
-void SetTypedCommandLine(const QString& commandLine);
+struct Workstation;
 
-// Names ini files as /LI: and /SI: do, for names that hold blanks; an empty one leaves the choice as it is.
-void SetIniFiles(const QString& localIni, const QString& systemIni);
+// What a program tells before anything else.
+struct StartUp {
+    QString typedCommandLine; // as it was typed, without the program's name
+    // Ini files as /LI: and /SI: name them, for names that hold blanks; empty: the command line's.
+    QString localIni;
+    QString systemIni;
+    ScreenFacts screens;
+    bool iniFileChosen = false; // by InitialiseProgram
+};
 
 // The program that /RUNBY= names, with all that follows it, as typed; empty without that switch.
-QString RunByProgram();
+QString RunByProgram(const StartUp& startUp);
 
 // The system ini file that was named; empty when it is the one in the data location.
-QString NamedSystemIniFile();
+QString NamedSystemIniFile(const Workstation& station);
 
 // Picks the local ini file: the one named, else the one that the user chooses where several configurations
 // are allowed, else TOLVEX.INI. False when the user cancelled; LocalIniFile is then empty.
-bool ChooseLocalIniFile();
+bool ChooseLocalIniFile(Workstation& station);
 
 // Start-up; every settings load calls it again, but the choice of the ini file is made once. False when the
 // user cancelled that choice. Warns once a machine of a screen lower than 600 pixels.
-bool InitialiseProgram();
-
-// Forgets the command line and the choice made: the state at start. Tests call it.
-void ResetStartUp();
+bool InitialiseProgram(Workstation& station);
 
 } // namespace tolvex

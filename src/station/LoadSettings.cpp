@@ -1,24 +1,21 @@
-#include "console/LoadSettings.h"
+#include "station/LoadSettings.h"
 
-#include "audio/Hotlist.h"
 #include "audio/LoadAudioSettings.h"
-#include "console/StartUp.h"
 #include "core/report/Folders.h"
 #include "core/settings/SettingsLoader.h"
 #include "core/text/PathNames.h"
 #include "core/time/Dates.h"
-#include "network/TerminalList.h"
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
 #include "platform/paths/Paths.h"
 #include "platform/profile/ProfileFile.h"
+#include "station/Workstation.h"
 
 namespace tolvex {
 
 namespace {
 
-void showUpdateNotice() {
-    Settings& values = settings();
+void showUpdateNotice(Settings& values) {
     const QString file = platform::ApplicationFolder() + QStringLiteral("\\Updates.txt");
     QDateTime changed = platform::FileModified(file);
     if (!changed.isValid() || values.AutoConfigInProgress || values.LastOneWas < 0)
@@ -33,89 +30,91 @@ void showUpdateNotice() {
     values.LastOneWas = SerialDate(changed);
 }
 
-void numberCartListChannels() {
+void numberCartListChannels(Settings& values) {
     constexpr qint16 below = 20;
     for (qint16 part = 1; part <= CartPartCount; ++part)
-        settings().CartPartTable[part].FileNumber = part + below;
+        values.CartPartTable[part].FileNumber = part + below;
 }
 
 // The local settings, with those of the audio as `loadAudio` takes them.
-bool loadLocal(void (*loadAudio)(const QString& iniPath, const QString& registryRoot)) {
-    if (!InitialiseProgram())
+bool loadLocal(Workstation& station,
+               void (*loadAudio)(CartStore& carts, const QString& iniPath, const QString& registryRoot)) {
+    if (!InitialiseProgram(station))
         return false;
-    const QString iniFile = settings().LocalIniFile;
-    loadAudio(iniFile, QLatin1String(AudioRegistryRoot));
-    LoadRows(WorkstationRows, {iniFile});
-    LoadAudioWallDisplaySettings(iniFile);
-    LoadRows(DisplayRows, {iniFile});
-    LoadRows(AutomationRows, {iniFile});
+    Settings& values = station.settings;
+    const QString iniFile = values.LocalIniFile;
+    loadAudio(station.carts, iniFile, QLatin1String(AudioRegistryRoot));
+    LoadRows(WorkstationRows, {iniFile}, values);
+    LoadAudioWallDisplaySettings(values, iniFile);
+    LoadRows(DisplayRows, {iniFile}, values);
+    LoadRows(AutomationRows, {iniFile}, values);
     return true;
 }
 
 } // namespace
 
-void LoadAudioWallDisplaySettings(const QString& iniFile) {
-    LoadRows(AudioWallSizeRows, {iniFile});
-    SizeJumpCartButtons();
-    LoadRows(JumpButtonRows, {iniFile});
-    LoadRows(AudioWallRows, {iniFile});
+void LoadAudioWallDisplaySettings(Settings& values, const QString& iniFile) {
+    LoadRows(AudioWallSizeRows, {iniFile}, values);
+    SizeJumpCartButtons(values);
+    LoadRows(JumpButtonRows, {iniFile}, values);
+    LoadRows(AudioWallRows, {iniFile}, values);
 }
 
-void LoadAutomationControlSettings(const QString& iniFile) {
-    LoadRows(AutomationControlRows, {iniFile});
+void LoadAutomationControlSettings(Settings& values, const QString& iniFile) {
+    LoadRows(AutomationControlRows, {iniFile}, values);
 }
 
-bool LoadLocalSettings() {
-    return loadLocal(&LoadAudioSettings);
+bool LoadLocalSettings(Workstation& station) {
+    return loadLocal(station, &LoadAudioSettings);
 }
 
-bool ReadLocalSettings() {
-    return loadLocal(&ReadAudioSettings);
+bool ReadLocalSettings(Workstation& station) {
+    return loadLocal(station, &ReadAudioSettings);
 }
 
-bool ReadAudiowall() {
-    if (!InitialiseProgram())
+bool ReadAudiowall(Workstation& station) {
+    if (!InitialiseProgram(station))
         return false;
-    ReadAudiowallSettings(settings().LocalIniFile, QLatin1String(AudioRegistryRoot));
+    ReadAudiowallSettings(station.carts, station.settings.LocalIniFile, QLatin1String(AudioRegistryRoot));
     return true;
 }
 
-bool LoadSystemSettings() {
-    Settings& values = settings();
-    const QString named = NamedSystemIniFile();
+bool LoadSystemSettings(Workstation& station) {
+    Settings& values = station.settings;
+    const QString named = NamedSystemIniFile(station);
     values.SystemIniFile = named.isNull() ? values.DataLocation + QStringLiteral("\\TLVX_SYS.INI") : named;
-    LoadRows(NetworkRows, {values.SystemIniFile});
-    LoadRows(TransferRows, {values.SystemIniFile});
+    LoadRows(NetworkRows, {values.SystemIniFile}, values);
+    LoadRows(TransferRows, {values.SystemIniFile}, values);
     if (DirectoryExists(FolderOf(values.SystemIniFile)))
-        LoadRows(UpdateNoticeRows, {values.SystemIniFile});
+        LoadRows(UpdateNoticeRows, {values.SystemIniFile}, values);
     else
         values.LastOneWas = -1;
     return true;
 }
 
-void LoadAllSettings() {
+void LoadAllSettings(Workstation& station) {
     platform::Prompts& prompts = platform::prompts();
     const platform::Pointer pointer = prompts.pointer();
     prompts.setPointer(platform::Pointer::Wait);
     prompts.splash(QStringLiteral("Loading Locale Specific Information..."));
-    if (!LoadLocalSettings())
+    if (!LoadLocalSettings(station))
         return;
-    Settings& values = settings();
+    Settings& values = station.settings;
     values.UsersFolder = values.DataLocation + QStringLiteral("\\USERS\\");
     if (DirectoryExists(values.DataLocation))
         CreateDataDirectories(values.DataLocation);
     prompts.splash(QStringLiteral("Loading System Specific Information..."));
-    LoadSystemSettings();
+    LoadSystemSettings(station);
     if (values.DataLocation.trimmed().isEmpty())
         return;
-    showUpdateNotice();
-    numberCartListChannels();
+    showUpdateNotice(values);
+    numberCartListChannels(values);
     prompts.splash(QStringLiteral("Accessing AudioWall..."));
     prompts.splash(QStringLiteral("Accessing Terminals..."));
-    if (!OpenTerminalList())
+    if (!OpenTerminalList(station.terminals))
         return;
     prompts.splash(QStringLiteral("Opening Public Instant Cart Hotlists..."));
-    OpenHotlist(values.CartPartTable[1].Location);
+    OpenHotlist(station.carts, values.CartPartTable[1].Location);
     prompts.setPointer(pointer);
 }
 
