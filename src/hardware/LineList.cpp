@@ -1,34 +1,14 @@
 #include "hardware/LineList.h"
 
+#include "core/report/TableHtml.h"
 #include "hardware/LineDisplay.h"
-
-#include <QStringList>
 
 namespace tolvex {
 
 namespace {
 
-struct Column {
-    const char* heading;
-    int width; // percent
-};
-constexpr Column columns[] = {{"Line", 8}, {"Type", 10}, {"Logic", 12}, {"Description", 32}, {"Action", 38}};
-
-QString rowOf(const QStringList& cells, const char* tag) {
-    QString row = QStringLiteral("<tr>");
-    const Column* column = columns;
-    for (const QString& cell : cells)
-        row += QStringLiteral("<%1 align='left' width='%2%'>%3</%1>")
-                   .arg(QLatin1String(tag), QString::number((column++)->width), cell.toHtmlEscaped());
-    return row + QStringLiteral("</tr>\n");
-}
-
-QString heading() {
-    QStringList cells;
-    for (const Column& column : columns)
-        cells += QLatin1String(column.heading);
-    return rowOf(cells, "th");
-}
+const QList<PrintedColumn> columns = {
+    {"Line", 8}, {"Type", 10}, {"Logic", 12}, {"Description", 32}, {"Action", 38}};
 
 QString actionOf(const HardwareLine& line) {
     QStringList words;
@@ -58,10 +38,10 @@ QString LineListHtml(const QString& title, const QString& about, const QList<Lis
     for (const ListedCard& card : cards) {
         if (card.lines == 0)
             continue;
-        QString rows;
+        QList<QStringList> rows;
         for (int n = 1; n <= card.lines; ++n)
             if (!onlyInUse || card.card->Lines[n].inUse())
-                rows += rowOf(cellsOf(n, card.card->Lines[n]), "td");
+                rows += cellsOf(n, card.card->Lines[n]);
         html += QStringLiteral("<h3>Card %1: %2%3</h3>\n")
                     .arg(QString::number(card.number), card.about.toHtmlEscaped(),
                          card.applied ? QString() : QStringLiteral(" (not applied yet)"));
@@ -69,8 +49,7 @@ QString LineListHtml(const QString& title, const QString& about, const QList<Lis
             html += QStringLiteral("<p>No line of this card is in use.</p>\n");
             continue;
         }
-        html += QStringLiteral("<table border='1' cellspacing='0' cellpadding='3' width='100%'><thead>") +
-                heading() + QStringLiteral("</thead>\n") + rows + QStringLiteral("</table>\n");
+        html += TableHtml(columns, rows);
     }
     return html;
 }

@@ -1,6 +1,7 @@
 // What is drawn can be seen and told apart in light and dark, and the wheel changes nothing in passing.
 #include "support/Wheel.h"
 
+#include "ui/style/Colours.h"
 #include "ui/style/Style.h"
 
 #include <QApplication>
@@ -19,23 +20,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 using namespace tolvex;
 using namespace tolvex::tests;
 
 namespace {
-
-double luminance(const QColor& colour) {
-    const auto part = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b) {
-    const double first = luminance(a) + 0.05;
-    const double second = luminance(b) + 0.05;
-    return std::max(first, second) / std::min(first, second);
-}
 
 class Drawn : public testing::TestWithParam<Scheme> {
 protected:
@@ -70,12 +58,12 @@ TEST_P(Drawn, BoxesAndFieldsAreSeenAndShowTheirState) {
             double best = 1;
             for (int y = 0; y < image.height(); ++y)
                 for (int x = 0; x < image.width(); ++x)
-                    best = std::max(best, contrast(image.pixelColor(x, y), ground));
+                    best = std::max(best, Contrast(image.pixelColor(x, y), ground));
             EXPECT_GE(best, 3) << kind->metaObject()->className() << enabled;
         }
     }
     for (const QColor& text : {tokens().text, tokens().quiet, tokens().warningText})
-        EXPECT_GE(contrast(text, ground), 4.5);
+        EXPECT_GE(Contrast(text, ground), 4.5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, Drawn, testing::Values(Scheme::Light, Scheme::Dark),

@@ -3,6 +3,8 @@
 #include "core/settings/Settings.h"
 #include "platform/Prompts.h"
 #include "platform/profile/ProfileFile.h"
+#include "ui/binding/EnableRules.h"
+#include "ui/binding/SettingBinding.h"
 #include "ui/style/OpenForms.h"
 #include "ui_frmDateTimeSetup.h"
 
@@ -18,13 +20,12 @@ frmDateTimeSetup::frmDateTimeSetup(Settings& settings, ClockTest test, QWidget* 
     ui_->comboRadioClock->addItems({QStringLiteral("Not fitted"), QStringLiteral("Com Port 1"),
                                     QStringLiteral("Com Port 2"), QStringLiteral("Com Port 3"),
                                     QStringLiteral("Com Port 4")});
-    // A port beyond the list, from a hand-edited file, selects nothing.
-    ui_->comboRadioClock->setCurrentIndex(
-        settings_.RadioClockComPort < ui_->comboRadioClock->count() ? settings_.RadioClockComPort : -1);
-    ui_->cmdTestRadioClock->setEnabled(bool(test_));
-    if (!test_)
-        ui_->cmdTestRadioClock->setToolTip(
-            QStringLiteral("The test of the radio clock is not part of this version yet."));
+    new EnableRules(this, {{QStringLiteral("cmdTestRadioClock"),
+                            QStringLiteral("The test of the radio clock is not part of this version yet."),
+                            [this](const FormView&) { return bool(test_); }}});
+    // A port beyond the list, from a hand-edited file, selects nothing and stays.
+    BindSettings(binding_, this, settings_);
+    binding_.fill();
     connect(ui_->cmdTestRadioClock, &QPushButton::clicked, this, &frmDateTimeSetup::testClock);
     connect(ui_->Command1, &QPushButton::clicked, this, &frmDateTimeSetup::store);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -45,9 +46,7 @@ void frmDateTimeSetup::testClock() {
 }
 
 void frmDateTimeSetup::store() {
-    // With nothing selected the port that a hand-edited file held stays.
-    if (ui_->comboRadioClock->currentIndex() >= 0)
-        settings_.RadioClockComPort = static_cast<qint16>(ui_->comboRadioClock->currentIndex());
+    binding_.take();
     platform::WriteProfileText(QStringLiteral("DateTimeSettings"), QStringLiteral("RadioClockComPort"),
                                QString::number(settings_.RadioClockComPort), settings_.LocalIniFile);
     accept();

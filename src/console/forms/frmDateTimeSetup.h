@@ -1,6 +1,8 @@
 // On which port the radio clock hangs.
 #pragma once
 
+#include "ui/binding/FormBinding.h"
+
 #include <QDialog>
 
 #include <functional>
@@ -31,6 +33,7 @@ private:
 
     Settings& settings_;
     std::unique_ptr<Ui::frmDateTimeSetup> ui_;
+    FormBinding binding_{this};
     ClockTest test_;
 };
 

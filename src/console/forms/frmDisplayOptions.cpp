@@ -3,22 +3,13 @@
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/Settings.h"
 #include "platform/Prompts.h"
+#include "ui/binding/EnableRules.h"
+#include "ui/binding/SettingBinding.h"
 #include "ui/style/Colours.h"
 #include "ui/style/OpenForms.h"
 #include "ui_frmDisplayOptions.h"
 
-#include <cstdlib>
-
 namespace tolvex {
-
-namespace {
-
-// A flag that comes from a check box is held as -1 or 0.
-qint16 flagOf(const QCheckBox* box) {
-    return box->isChecked() ? -1 : 0;
-}
-
-} // namespace
 
 frmDisplayOptions::frmDisplayOptions(Settings& settings, QWidget* parent)
     : QDialog(parent)
@@ -26,24 +17,25 @@ frmDisplayOptions::frmDisplayOptions(Settings& settings, QWidget* parent)
     , ui_(std::make_unique<Ui::frmDisplayOptions>()) {
     ui_->setupUi(this);
     EnterForm(this);
-    const Settings& s = settings_;
-    connect(ui_->chkAdjustSystemColors, &QCheckBox::toggled, this, &frmDisplayOptions::enableColours);
-    connect(ui_->cmdChangeForegroundColor, &QPushButton::clicked, this,
-            [this] { change(settings_.FormForeColor); });
-    connect(ui_->cmdChangeBackgroundColor, &QPushButton::clicked, this,
-            [this] { change(settings_.FormBackcolor); });
+    new EnableRules(this,
+                    {{QStringLiteral("fraColorOptions lblColorNote1 lblColorNote2 cmdChangeForegroundColor "
+                                     "cmdChangeBackgroundColor"),
+                      QStringLiteral("Tick \"Adjust the system colors\" to change the colors."),
+                      IsOn("chkAdjustSystemColors")}});
+    BindSettings(binding_, this, settings_);
+    binding_.fill();
+    applyColours();
+    // Taken at once, whatever becomes of the form afterwards.
+    const auto change = [this](ColourButton* button, qint32 Settings::*colour) {
+        connect(button, &ColourButton::colourChanged, this, [this, colour](qint32 chosen) {
+            settings_.*colour = chosen;
+            applyColours();
+        });
+    };
+    change(ui_->cmdChangeForegroundColor, &Settings::FormForeColor);
+    change(ui_->cmdChangeBackgroundColor, &Settings::FormBackcolor);
     connect(ui_->cmdOK, &QPushButton::clicked, this, &frmDisplayOptions::store);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
-
-    applyColours();
-    ui_->chkAdjustSystemColors->setChecked(s.AdjustTheSystemColors != 0);
-    enableColours(s.AdjustTheSystemColors != 0);
-    ui_->chkUseSingleClick->setChecked(s.SingleClickPlayCarts != 0);
-    QRadioButton* const places[] = {ui_->optNoDisplayInfoWindow, ui_->optInfoWindowAtTop,
-                                    ui_->optInfoWindowAtBottom};
-    if (s.UseInformationWindow >= 0 && s.UseInformationWindow <= 2)
-        places[s.UseInformationWindow]->setChecked(true);
-    ui_->chkInfoWindowDisplayClock->setChecked(std::abs(s.ShowClock) != 0);
 }
 
 frmDisplayOptions::~frmDisplayOptions() = default;
@@ -67,34 +59,9 @@ void frmDisplayOptions::applyColours() {
         setStyleSheet(QStringLiteral("* { %1 }").arg(rules));
 }
 
-void frmDisplayOptions::enableColours(bool on) {
-    const QString reason =
-        on ? QString() : QStringLiteral("Tick \"Adjust the system colors\" to change the colors.");
-    for (QWidget* part :
-         {static_cast<QWidget*>(ui_->fraColorOptions), static_cast<QWidget*>(ui_->lblColorNote1),
-          static_cast<QWidget*>(ui_->lblColorNote2), static_cast<QWidget*>(ui_->cmdChangeForegroundColor),
-          static_cast<QWidget*>(ui_->cmdChangeBackgroundColor)})
-        part->setEnabled(on);
-    ui_->fraColorOptions->setToolTip(reason);
-}
-
-// Taken at once, whatever becomes of the form afterwards.
-void frmDisplayOptions::change(qint32& colour) {
-    if (const std::optional<qint32> chosen = platform::prompts().pickColour(colour)) {
-        colour = *chosen;
-        applyColours();
-    }
-}
-
 void frmDisplayOptions::store() {
-    Settings& s = settings_;
-    s.UseInformationWindow = ui_->optInfoWindowAtTop->isChecked()      ? 1
-                             : ui_->optInfoWindowAtBottom->isChecked() ? 2
-                                                                       : 0;
-    s.ShowClock = flagOf(ui_->chkInfoWindowDisplayClock);
-    s.SingleClickPlayCarts = flagOf(ui_->chkUseSingleClick);
-    s.AdjustTheSystemColors = flagOf(ui_->chkAdjustSystemColors);
-    SaveLocalSettings(s, s.LocalIniFile);
+    binding_.take();
+    SaveLocalSettings(settings_, settings_.LocalIniFile);
     accept();
 }
 

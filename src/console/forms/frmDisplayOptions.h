@@ -2,6 +2,8 @@
 // this form at once.
 #pragma once
 
+#include "ui/binding/FormBinding.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -26,12 +28,11 @@ protected:
 
 private:
     void applyColours();
-    void enableColours(bool on);
-    void change(qint32& colour);
     void store();
 
     Settings& settings_;
     std::unique_ptr<Ui::frmDisplayOptions> ui_;
+    FormBinding binding_{this};
 };
 
 } // namespace tolvex

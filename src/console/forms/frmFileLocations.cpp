@@ -9,6 +9,7 @@
 #include "platform/Prompts.h"
 #include "platform/profile/ProfileFile.h"
 #include "platform/registry/RegistryStore.h"
+#include "ui/binding/EnableRules.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -45,12 +46,23 @@ frmFileLocations::frmFileLocations(Settings& settings, QWidget* parent)
         connect(browse(part), &QPushButton::clicked, this, [this, part] { pick(box(part)); });
     }
     // The text is read again: the signal of a typed letter still tells its lower case.
-    connect(box(1), &QLineEdit::textChanged, this, [this] {
+    const auto useOneLocation = [this] {
         if (ui_->chkUseOneCartLocation->isChecked())
             for (int part = 2; part <= CartPartCount; ++part)
                 box(part)->setText(box(1)->text());
-    });
-    connect(ui_->chkUseOneCartLocation, &QCheckBox::toggled, this, &frmFileLocations::useOneLocation);
+    };
+    connect(box(1), &QLineEdit::textChanged, this, useOneLocation);
+    connect(ui_->chkUseOneCartLocation, &QCheckBox::toggled, this, useOneLocation);
+    QString boxes;
+    QString buttonsAndLabels;
+    for (int part = 2; part <= CartPartCount; ++part) {
+        boxes += QStringLiteral("txtCartLocations_%1 ").arg(part);
+        buttonsAndLabels += QStringLiteral("cmdChangeCartLocation_%1 lblCartLocations_%1 ").arg(part);
+    }
+    const QString oneForAll = QStringLiteral("All carts lie in the directory of carts 1 to 1000.");
+    const auto eachHasOne = [this](const FormView&) { return !ui_->chkUseOneCartLocation->isChecked(); };
+    new EnableRules(this, {{boxes, oneForAll, eachHasOne, EnableRule::Effect::Locks},
+                           {buttonsAndLabels, oneForAll, eachHasOne}});
     connect(ui_->cmdDone, &QPushButton::clicked, this, &frmFileLocations::store);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     look_.setSingleShot(true);
@@ -72,10 +84,6 @@ QLineEdit* frmFileLocations::box(int part) const {
 
 QPushButton* frmFileLocations::browse(int part) const {
     return findChild<QPushButton*>(QStringLiteral("cmdChangeCartLocation_%1").arg(part));
-}
-
-QLabel* frmFileLocations::label(int part) const {
-    return findChild<QLabel*>(QStringLiteral("lblCartLocations_%1").arg(part));
 }
 
 void frmFileLocations::fill(QLineEdit* line, const QString& text) {
@@ -110,20 +118,6 @@ void frmFileLocations::checkOneLocation() {
         if (UpperCased(box(part)->text().trimmed()) != first)
             return;
     ui_->chkUseOneCartLocation->setChecked(true);
-}
-
-void frmFileLocations::useOneLocation(bool on) {
-    const QString reason =
-        on ? QStringLiteral("All carts lie in the directory of carts 1 to 1000.") : QString();
-    for (int part = 2; part <= CartPartCount; ++part) {
-        if (on)
-            box(part)->setText(box(1)->text());
-        box(part)->setReadOnly(on);
-        box(part)->setToolTip(reason);
-        browse(part)->setEnabled(!on);
-        browse(part)->setToolTip(reason);
-        label(part)->setEnabled(!on);
-    }
 }
 
 void frmFileLocations::pick(QLineEdit* line) {

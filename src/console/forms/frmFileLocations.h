@@ -14,7 +14,6 @@ class frmFileLocations;
 
 class QLineEdit;
 class QPushButton;
-class QLabel;
 
 namespace tolvex {
 
@@ -35,10 +34,8 @@ public:
 private:
     QLineEdit* box(int part) const;
     QPushButton* browse(int part) const;
-    QLabel* label(int part) const;
     void fill(QLineEdit* box, const QString& text);
     void checkOneLocation();
-    void useOneLocation(bool on);
     void pick(QLineEdit* box);
     void lookAtFolders();
     void store();

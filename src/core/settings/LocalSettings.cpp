@@ -42,7 +42,8 @@ constexpr SettingRow workstation[] = {
     Word<&Settings::RadioClockComPort>("DateTimeSettings", "RadioClockComPort", 0,
                                        "Serial port of the radio clock; 0 when none is fitted.")
         .range(0, 4)
-        .older("LinkMesh", "UseRadioClock"),
+        .older("LinkMesh", "UseRadioClock")
+        .on("frmDateTimeSetup", "comboRadioClock"),
 };
 
 constexpr SettingRow writtenOnly[] = {
@@ -113,16 +114,22 @@ constexpr SettingRow audioWall[] = {
 
 constexpr SettingRow display[] = {
     NumberRow(SettingKind::NumberText, Member<&Settings::SingleClickPlayCarts>, "Display",
-              "SingleClickPlayCarts", 0, "A single click plays a cart (for touch screens)."),
-    Colour<&Settings::FormBackcolor>("Display", "FormBackcolor", ButtonFace, "Background of the windows."),
-    Colour<&Settings::FormForeColor>("Display", "FormForeColor", ButtonText, "Text of the windows."),
+              "SingleClickPlayCarts", 0, "A single click plays a cart (for touch screens).")
+        .on("frmDisplayOptions", "chkUseSingleClick"),
+    Colour<&Settings::FormBackcolor>("Display", "FormBackcolor", ButtonFace, "Background of the windows.")
+        .on("frmDisplayOptions", "cmdChangeBackgroundColor"),
+    Colour<&Settings::FormForeColor>("Display", "FormForeColor", ButtonText, "Text of the windows.")
+        .on("frmDisplayOptions", "cmdChangeForegroundColor"),
     Flag<&Settings::AdjustTheSystemColors>("Display", "AdjustTheSystemColors", 0,
-                                           "Change the colours of the whole system."),
+                                           "Change the colours of the whole system.")
+        .on("frmDisplayOptions", "chkAdjustSystemColors"),
     Word<&Settings::UseInformationWindow>(
         "Display", "UseInformationWindow", 1,
         "Information window: 0 only in the automation player, 1 at the top, 2 at the bottom.")
-        .range(0, 2),
-    Flag<&Settings::ShowClock>("Display", "ShowClock", 1, "Show the clock in the information window."),
+        .range(0, 2)
+        .on("frmDisplayOptions", "optNoDisplayInfoWindow optInfoWindowAtTop optInfoWindowAtBottom"),
+    Flag<&Settings::ShowClock>("Display", "ShowClock", 1, "Show the clock in the information window.")
+        .on("frmDisplayOptions", "chkInfoWindowDisplayClock"),
 };
 
 constexpr SettingRow automation[] = {

@@ -51,6 +51,12 @@ struct SettingRow {
     Count count = nullptr; // null: no index
     int highestIndex = 0;  // that an entry can ever have
 
+    // Where the user sets it: a form and its control, or several radio buttons with a blank between, of which
+    // the value says which is chosen. The controls of an index have its number behind the name.
+    const char* form = nullptr;
+    const char* control = nullptr;
+    qint32 firstEntry = 0; // what the control's first entry or button stands for
+
     qint32 defaultNumber = 0;
     const char* defaultText = "";
     NumberDefault numberDefault =
@@ -78,6 +84,13 @@ struct SettingRow {
     // What is saved in place of the member's value; nothing: the key is removed.
     Written written = nullptr;
 
+    constexpr SettingRow on(const char* itsForm, const char* itsControl, qint32 first = 0) const {
+        SettingRow row = *this;
+        row.form = itsForm;
+        row.control = itsControl;
+        row.firstEntry = first;
+        return row;
+    }
     constexpr SettingRow range(qint32 low, qint32 high) const {
         SettingRow row = *this;
         row.lowest = low;

@@ -1,6 +1,8 @@
 #include "hardware/forms/CardPage.h"
 
 #include "hardware/forms/LineUsageModel.h"
+#include "ui/binding/EnableRules.h"
+#include "ui/binding/FormChanges.h"
 #include "ui/style/TextBoxes.h"
 #include "ui_CardPage.h"
 
@@ -37,6 +39,18 @@ CardPage::CardPage(HardwareCardTable& cards, int number, QWidget* parent)
         ui_->ComPortlist->addItem(QString::number(port));
     ui_->ComPortlist->setCurrentIndex(-1);
     SelectAllOnFocus(ui_->PortAddressT);
+
+    const QString unused = QStringLiteral("The chosen type of card does not use this.");
+    const auto uses = [this](bool CardTypeRow::*what) {
+        return [this, what](const FormView&) {
+            const CardTypeRow* row = FindCardType(selectedType());
+            return row && row->*what;
+        };
+    };
+    rules_ = new EnableRules(
+        this, {{QStringLiteral("PortAddressL PortAddressT"), unused, uses(&CardTypeRow::usesAddress)},
+               {QStringLiteral("ComportL ComPortlist"), unused, uses(&CardTypeRow::usesPort)}});
+    changes_ = new FormChanges(this, QStringLiteral("chkOnlyInUse"));
 
     connect(ui_->CardTypeList, &QComboBox::currentIndexChanged, this, &CardPage::selectType);
     connect(ui_->PortAddressT, &QLineEdit::textChanged, this, &CardPage::addressChanged);
@@ -114,25 +128,18 @@ void CardPage::showLines(DriverReports& reports) {
                              "stays in the file. Check the device number and the driver.")
             : QStringLiteral("Nothing is known of this type of card. It stays in the file as it is."));
     ui_->lblOrigin->setText(type == CardAdvantech ? originOf(address, counts) : QString());
-    enableFields();
+    rules_->apply();
+    markAddress();
     emit edited();
 }
 
-void CardPage::enableFields() {
-    static const QString reason = QStringLiteral("The chosen type of card does not use this.");
+// A choice that Apply would refuse, or a device that says nothing, is told at the field.
+void CardPage::markAddress() {
     const CardTypeRow* row = FindCardType(selectedType());
     const bool address = row && row->usesAddress;
-    const bool port = row && row->usesPort;
     if (row && row->addressCaption)
         ui_->PortAddressL->setText((address ? QStringLiteral("&") : QString()) +
                                    QLatin1String(row->addressCaption));
-    ui_->PortAddressL->setEnabled(address);
-    ui_->PortAddressT->setEnabled(address);
-    ui_->PortAddressT->setToolTip(
-        address ? QStringLiteral("0 to FF. While you type, the number is tried as a decimal one.") : reason);
-    ui_->ComportL->setEnabled(port);
-    ui_->ComPortlist->setEnabled(port);
-    ui_->ComPortlist->setToolTip(port ? QStringLiteral("The serial port of the controller") : reason);
     const bool good = !address || DeviceNumber(ui_->PortAddressT->text());
     MarkBox(ui_->PortAddressT, !good        ? QStringLiteral("0 to FF")
                                : !answered_ ? QStringLiteral("no answer")
@@ -155,15 +162,12 @@ bool CardPage::onlyInUse() const {
 }
 
 void CardPage::markStored() {
-    storedChoice_ = choice();
+    changes_->markStored();
     storedLines_ = card_.Lines;
 }
 
 bool CardPage::isChanged() const {
-    const CardChoice now = choice();
-    const CardTypeRow* row = FindCardType(now.type);
-    if (now.type != storedChoice_.type || (row && row->usesPort && now.port != storedChoice_.port) ||
-        (row && row->usesAddress && now.address != storedChoice_.address))
+    if (changes_->any())
         return true;
     for (int n = 1; n <= model_->rowCount(); ++n)
         if (!card_.Lines[n].isStoredAs(storedLines_[n]))
@@ -175,13 +179,11 @@ void CardPage::finishEditing() {
     ui_->gridUsage->finishEditing();
 }
 
-void CardPage::showWrongField() {
-    for (QWidget* field : {static_cast<QWidget*>(ui_->PortAddressT), static_cast<QWidget*>(ui_->ComPortlist),
-                           static_cast<QWidget*>(ui_->CardTypeList)})
-        if (field->isEnabled()) {
-            field->setFocus();
-            return;
-        }
+QWidget* CardPage::fieldOfCard() const {
+    for (QWidget* field : {static_cast<QWidget*>(ui_->PortAddressT), static_cast<QWidget*>(ui_->ComPortlist)})
+        if (field->isEnabled())
+            return field;
+    return ui_->CardTypeList;
 }
 
 void CardPage::focusGrid() {

@@ -14,6 +14,8 @@ class CardPage;
 
 namespace tolvex {
 
+class EnableRules;
+class FormChanges;
 class LineUsageModel;
 
 class CardPage : public QWidget {
@@ -36,8 +38,8 @@ public:
     void markStored();
 
     void finishEditing();
-    // Puts the focus on the field that Apply found wrong.
-    void showWrongField();
+    // The field that says where the card is attached; of a card that has none, its type.
+    QWidget* fieldOfCard() const;
     void focusGrid();
 
 signals:
@@ -47,7 +49,7 @@ private:
     void selectType();
     void addressChanged();
     void showLines(DriverReports& reports);
-    void enableFields();
+    void markAddress();
     qint32 selectedType() const;
 
     std::unique_ptr<Ui::CardPage> ui_;
@@ -58,7 +60,8 @@ private:
     DriverReports reports_;            // of what the user does
     bool answered_ = true;             // the driver did, the last time it was asked
 
-    CardChoice storedChoice_;
+    EnableRules* rules_;
+    FormChanges* changes_; // of type, address and port
     NumberedTable<HardwareLine, LinesPerCard> storedLines_;
 };
 

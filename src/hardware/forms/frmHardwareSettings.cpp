@@ -9,28 +9,17 @@
 #include "platform/Clock.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
-#include "platform/files/Files.h"
+#include "ui/binding/FieldError.h"
+#include "ui/binding/FormChanges.h"
+#include "ui/richtext/PrintDocument.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui_frmHardwareSettings.h"
 
-#include <QBuffer>
-#include <QPdfWriter>
-#include <QPrinter>
-#include <QTextDocument>
-
 #include <utility>
 
 namespace tolvex {
-
-namespace {
-
-void inform(const QString& text) {
-    platform::prompts().ask({text, platform::Icon::Information, platform::Buttons::Ok});
-}
-
-} // namespace
 
 frmHardwareSettings::frmHardwareSettings(HardwareCardTable& cards, const Settings& settings, QWidget* parent)
     : QDialog(parent)
@@ -92,9 +81,7 @@ void frmHardwareSettings::apply() {
         const QString wrong = SetCard(cards_[i + 1], pages_[i]->choice());
         if (wrong.isEmpty())
             continue;
-        ui_->tbsSettings->setCurrentIndex(i);
-        inform(wrong);
-        pages_[i]->showWrongField();
+        ShowFieldError(pages_[i]->fieldOfCard(), wrong, platform::Icon::Information);
         return;
     }
     const QString file = settings_.LocalIniFile;
@@ -120,13 +107,9 @@ void frmHardwareSettings::reject() {
     for (CardPage* page : std::as_const(pages_))
         page->finishEditing();
     showChanges();
-    if (!ui_->lblChanges->text().isEmpty()) {
-        const platform::Message question{
-            QStringLiteral("The changes to the hardware lines have not been applied.\n\nClose without them?"),
-            platform::Icon::Question, platform::Buttons::YesNo, platform::Answer::No};
-        if (platform::prompts().ask(question) != platform::Answer::Yes)
-            return;
-    }
+    if (!ui_->lblChanges->text().isEmpty() &&
+        !AskToLoseChanges(QStringLiteral("The changes to the hardware lines have not been applied.")))
+        return;
     QDialog::reject();
 }
 
@@ -146,40 +129,13 @@ QString frmHardwareSettings::listHtml() const {
 
 void frmHardwareSettings::print() {
     pages_[ui_->tbsSettings->currentIndex()]->finishEditing();
-    QPrinter printer;
-    if (!platform::prompts().pickPrinter(printer, false))
-        return;
-    QTextDocument document;
-    document.setHtml(listHtml());
-    document.print(&printer);
-    if (printer.printerState() == QPrinter::Error || !printer.isValid())
-        ProblemReport(QStringLiteral("while printing."), platform::DeviceIoError);
+    PrintHtml(listHtml());
 }
 
 void frmHardwareSettings::saveList() {
     pages_[ui_->tbsSettings->currentIndex()]->finishEditing();
-    platform::FileQuestion question;
-    question.title = QStringLiteral("Save the list of lines");
-    question.filter = QStringLiteral("PDF|*.PDF");
-    question.fileName = QStringLiteral("Hardware.pdf");
-    question.defaultExtension = QStringLiteral("PDF");
-    question.mustExist = false;
-    question.saving = true;
-    const std::optional<QString> file = platform::prompts().pickFile(question);
-    if (!file || file->trimmed().isEmpty())
-        return;
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QPdfWriter writer(&buffer);
-    writer.setTitle(QStringLiteral("Hardware lines"));
-    writer.setResolution(300);
-    QTextDocument document;
-    document.setHtml(listHtml());
-    document.print(&writer);
-    buffer.close();
-    if (const int error = platform::ReplaceWholeFile(file->trimmed(), bytes))
-        ProblemReport(QStringLiteral("saving the file ") + file->trimmed(), error);
+    SaveHtmlAsPdf(listHtml(), QStringLiteral("Hardware lines"), QStringLiteral("Save the list of lines"),
+                  QStringLiteral("Hardware.pdf"));
 }
 
 } // namespace tolvex

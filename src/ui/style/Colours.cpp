@@ -1,5 +1,7 @@
 #include "ui/style/Colours.h"
 
+#include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace tolvex {
@@ -35,6 +37,11 @@ constexpr QPalette::ColorRole systemColours[] = {
     QPalette::ToolTipBase,     // 24 tool tip
 };
 
+double luminance(const QColor& colour) {
+    const auto part = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+}
+
 } // namespace
 
 QColor ToColor(qint32 colour, const QPalette& palette) {
@@ -48,6 +55,12 @@ QColor ToColor(qint32 colour, const QPalette& palette) {
 
 qint32 FromColor(const QColor& colour) {
     return colour.red() | colour.green() << 8 | colour.blue() << 16;
+}
+
+double Contrast(const QColor& a, const QColor& b) {
+    const double first = luminance(a) + 0.05;
+    const double second = luminance(b) + 0.05;
+    return std::max(first, second) / std::min(first, second);
 }
 
 } // namespace tolvex

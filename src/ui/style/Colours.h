@@ -15,4 +15,8 @@ QColor ToColor(qint32 colour, const QPalette& palette);
 // Never a system colour.
 qint32 FromColor(const QColor& colour);
 
+// How well two colours can be told apart, from 1 (alike) to 21 (black on white): the contrast ratio of the
+// Web Content Accessibility Guidelines 2.1. Text wants 4.5.
+double Contrast(const QColor& a, const QColor& b);
+
 } // namespace tolvex

@@ -80,6 +80,10 @@ QLineEdit:focus, QComboBox:focus, QAbstractSpinBox:focus { border: 2px solid %ac
 QLineEdit:disabled, QLineEdit:read-only, QComboBox:disabled, QAbstractSpinBox:disabled {
     background: %background%; color: %quiet%; }
 QLineEdit:disabled, QComboBox:disabled, QAbstractSpinBox:disabled { border: 1px dashed %edge%; }
+QLineEdit[wrong="true"], QComboBox[wrong="true"], QAbstractSpinBox[wrong="true"], QPlainTextEdit[wrong="true"],
+QAbstractItemView[wrong="true"], QPushButton[wrong="true"] { border: 2px solid %error%; }
+QLineEdit[wrong="true"], QComboBox[wrong="true"], QAbstractSpinBox[wrong="true"] { padding: 4px 7px; }
+QCheckBox[wrong="true"], QRadioButton[wrong="true"] { color: %error%; }
 QCheckBox::indicator, QRadioButton::indicator { width: 1em; height: 1em; background: %surface%;
     border: 1px solid %edge%; }
 QCheckBox::indicator { border-radius: 4px; }
@@ -142,6 +146,7 @@ QString sheetFor(const Tokens& t, Scheme scheme) {
         {"%edge%", t.edge.name()},
         {"%text%", t.text.name()},
         {"%quiet%", t.quiet.name()},
+        {"%error%", t.error.name()},
         {"%accentSoft%", t.accentSoft.name()},
         {"%accent%", t.accent.name()},
         {"%button%", light ? t.accent.name() : QStringLiteral("#2f5fae")},

@@ -1,5 +1,6 @@
 #include "ui/style/TextBoxes.h"
 
+#include "core/text/Numbers.h"
 #include "core/text/TextFields.h"
 #include "ui/style/Style.h"
 
@@ -9,6 +10,8 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <QToolTip>
+
+#include <algorithm>
 
 namespace tolvex {
 
@@ -66,7 +69,8 @@ void MarkBox(QLineEdit* box, const QString& word) {
     box->setAccessibleDescription(word);
 }
 
-void RestrictTo(QLineEdit* box, QString (*fitting)(const QString& text), const QString& why) {
+void RestrictTo(QLineEdit* box, const std::function<QString(const QString& text)>& fitting,
+                const QString& why) {
     QObject::connect(box, &QLineEdit::textEdited, box, [box, fitting, why](const QString& text) {
         const QString left = fitting(text);
         if (left == text)
@@ -75,6 +79,31 @@ void RestrictTo(QLineEdit* box, QString (*fitting)(const QString& text), const Q
         box->setText(left);
         box->setCursorPosition(cursor);
         QToolTip::showText(box->mapToGlobal(QPoint(0, box->height())), why, box);
+    });
+}
+
+void TakeDigits(QLineEdit* box, int longest, const QString& also) {
+    if (longest > 0)
+        box->setMaxLength(longest);
+    SelectAllOnFocus(box);
+    RestrictTo(
+        box,
+        [also](const QString& text) {
+            QString left;
+            for (const QChar c : text)
+                if ((c >= u'0' && c <= u'9') || also.contains(c))
+                    left += c;
+            return left;
+        },
+        QStringLiteral("Only digits can be typed here."));
+}
+
+void ClampOnLeaving(QLineEdit* box, qint32 lowest, qint32 highest) {
+    QObject::connect(box, &QLineEdit::editingFinished, box, [box, lowest, highest] {
+        const double number = LeadingNumber(box->text());
+        const double clamped = std::clamp<double>(number, lowest, highest);
+        if (clamped != number || box->text().isEmpty())
+            box->setText(QString::number(clamped));
     });
 }
 

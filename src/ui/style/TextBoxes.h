@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class QLineEdit;
 
 namespace tolvex {
@@ -18,7 +20,15 @@ void SelectAllOnFocus(QLineEdit* box);
 void MarkBox(QLineEdit* box, const QString& word);
 
 // Takes out of what is typed what `fitting` takes out of it, and says why at the box.
-void RestrictTo(QLineEdit* box, QString (*fitting)(const QString& text), const QString& why);
+void RestrictTo(QLineEdit* box, const std::function<QString(const QString& text)>& fitting,
+                const QString& why);
+
+// A box for a number: takes digits and the characters of `also` alone, however they come in, at most
+// `longest` (0: no limit), and selects its text on getting the focus.
+void TakeDigits(QLineEdit* box, int longest = 0, const QString& also = {});
+
+// Moves a number outside the range to its nearer end when the box is left. A text without a number is 0.
+void ClampOnLeaving(QLineEdit* box, qint32 lowest, qint32 highest);
 
 // A box that holds a path: what is typed turns to upper case, and it selects its text on getting the focus.
 void TypeInUpperCase(QLineEdit* box);

@@ -1,0 +1,83 @@
+#include "ui/binding/ColourButton.h"
+
+#include "platform/Prompts.h"
+#include "ui/style/Colours.h"
+#include "ui/style/Style.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace tolvex {
+
+namespace {
+
+constexpr QSize SampleSize(24, 16);
+constexpr double ReadableContrast = 4.5;
+
+QString colourName(qint32 colour, const QPalette& palette) {
+    const QString name = ToColor(colour, palette).name().toUpper();
+    return colour < 0 ? QStringLiteral("Color of the system, now ") + name : QStringLiteral("Color ") + name;
+}
+
+} // namespace
+
+ColourButton::ColourButton(QWidget* parent)
+    : QPushButton(parent) {
+    setIconSize(SampleSize);
+    connect(this, &QPushButton::clicked, this, &ColourButton::choose);
+    showColour();
+}
+
+void ColourButton::setColour(qint32 colour) {
+    if (colour == colour_)
+        return;
+    colour_ = colour;
+    showColour();
+    emit colourChanged(colour);
+}
+
+void ColourButton::choose() {
+    if (const std::optional<qint32> chosen = platform::prompts().pickColour(colour_))
+        setColour(*chosen);
+}
+
+void ColourButton::showColour() {
+    QPixmap sample(SampleSize * devicePixelRatioF());
+    sample.setDevicePixelRatio(devicePixelRatioF());
+    QPainter painter(&sample);
+    painter.fillRect(QRect(QPoint(), SampleSize), tokens().edge);
+    painter.fillRect(QRect(QPoint(), SampleSize).adjusted(1, 1, -1, -1), ToColor(colour_, palette()));
+    painter.end();
+    setIcon(sample);
+    setAccessibleDescription(colourName(colour_, palette()));
+}
+
+void ColourButton::changeEvent(QEvent* event) {
+    QPushButton::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        showColour(); // the colours of the system may be others now
+}
+
+void ShowColoursOn(QWidget* panel, ColourButton* ground, ColourButton* text) {
+    const auto show = [panel, ground, text] {
+        const QPalette& palette = (ground ? ground : text)->palette();
+        QString rules;
+        if (ground)
+            rules += QStringLiteral("background-color: %1;").arg(ToColor(ground->colour(), palette).name());
+        if (text)
+            rules += QStringLiteral("color: %1;").arg(ToColor(text->colour(), palette).name());
+        panel->setStyleSheet(rules);
+        if (!ground || !text)
+            return;
+        const double contrast =
+            Contrast(ToColor(ground->colour(), palette), ToColor(text->colour(), palette));
+        panel->setToolTip(QStringLiteral("Contrast %1 to 1").arg(contrast, 0, 'f', 1) +
+                          (contrast < ReadableContrast ? QStringLiteral(": hard to read") : QString()));
+    };
+    for (ColourButton* button : {ground, text})
+        if (button)
+            QObject::connect(button, &ColourButton::colourChanged, panel, show);
+    show();
+}
+
+} // namespace tolvex
