@@ -123,8 +123,8 @@ QList<QWidget*> ControlsNamed(const QWidget* form, const QString& names) {
 
 QList<QWidget*> InputsOf(const QWidget* form) {
     QList<QWidget*> inputs;
-    for (QWidget* widget : form->findChildren<QWidget*>())
-        if (isInput(widget) && !isInGrid(widget))
+    for (QWidget* widget = form->nextInFocusChain(); widget != form; widget = widget->nextInFocusChain())
+        if (form->isAncestorOf(widget) && isInput(widget) && !isInGrid(widget))
             inputs += widget;
     return inputs;
 }
