@@ -1,6 +1,6 @@
 #include "automation/AutomationStore.h"
 
-#include "automation/AutomationItems.h"
+#include "automation/AutomationFields.h"
 #include "automation/AutomationSchema.h"
 #include "core/settings/Settings.h"
 #include "core/text/Numbers.h"
@@ -112,10 +112,52 @@ int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record, const Q
     return 0;
 }
 
+int markConfigured(SuiteRecordset& rows) {
+    return isConfigured(rows) ? 0 : PutDatabaseSetting(&rows, BeenSet, 1, 0);
+}
+
 int putBeenSet(SuiteDatabase& database) {
     auto rows = database.open(QStringLiteral("Settings"), RecordsetMode::Table);
     rows->setIndex(QStringLiteral("Main"));
-    return isConfigured(*rows) ? 0 : PutDatabaseSetting(rows.get(), BeenSet, 1, 0);
+    return markConfigured(*rows);
+}
+
+// Runs `write` on the settings table as one transaction, which is undone when it gives a number other than 0
+// or throws. Reports wait until it is over.
+int inTransaction(SuiteDatabase& database, const std::function<int(SuiteRecordset& rows)>& write) {
+    int error = 0;
+    const HeldReports reports;
+    try {
+        DatabaseTransaction transaction(database);
+        const auto rows = openSettings(database, &error);
+        if (!rows)
+            return error;
+        // Each item by itself would pass such a table over in silence.
+        if (!rows->updatable())
+            return Report(
+                QStringLiteral("opening the K-OVA settings table"),
+                {ReadOnlyError, QStringLiteral("It may not be changed. ") + database.readOnlyReason()});
+        error = write(*rows);
+        if (error == 0)
+            transaction.commit();
+    } catch (const DatabaseError& thrown) {
+        error = Report(QStringLiteral("updating the database setting : "), thrown);
+    }
+    return error;
+}
+
+// What stands in the table in place of what was read from it.
+QList<AutomationChange> changesSince(SuiteRecordset& rows, KOVADatabaseSettings& loaded,
+                                     const QString& dataLocation) {
+    KOVADatabaseSettings now = loaded;
+    readItems(rows, now, dataLocation);
+    QList<AutomationChange> changes;
+    for (const AutomationItem& item : AutomationItems())
+        if (item.isWritten() && !is(item, OldAddress) && MemberValue(item, now) != MemberValue(item, loaded))
+            changes.append(
+                {QLatin1String(item.name), AutomationItemText(item, loaded), AutomationItemText(item, now)});
+    loaded = now;
+    return changes;
 }
 
 // What the default database has from the start. 0 or, reported, the error number: also for an index that
@@ -126,7 +168,7 @@ int fillDefault(SuiteDatabase& database) {
     return HasKOVADatabaseIndexes(database) ? putBeenSet(database) : int{ItemNotFoundError};
 }
 
-int markConfigured(const QString& path) {
+int markFile(const QString& path) {
     try {
         const auto database = OpenSuiteDatabase(path);
         const int error = putBeenSet(*database);
@@ -154,27 +196,30 @@ qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, c
 
 qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
                         const QString& dataLocation) {
-    int error = 0;
-    const auto rows = openSettings(database, &error);
-    if (!rows)
-        return static_cast<qint16>(error);
-    // Each item by itself would pass such a table over in silence.
-    if (!rows->updatable())
-        return static_cast<qint16>(
-            Report(QStringLiteral("opening the K-OVA settings table"),
-                   {ReadOnlyError, QStringLiteral("It may not be changed. ") + database.readOnlyReason()}));
-    const HeldReports reports;
-    try {
-        database.begin();
-        error = writeItems(*rows, record, dataLocation);
+    return static_cast<qint16>(inTransaction(
+        database, [&](SuiteRecordset& rows) { return writeItems(rows, record, dataLocation); }));
+}
+
+qint32 StoreKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
+                         KOVADatabaseSettings& loaded, const QString& dataLocation,
+                         const MayOverwrite& mayOverwrite) {
+    for (;;) {
+        QList<AutomationChange> changes;
+        const int error = inTransaction(database, [&](SuiteRecordset& rows) -> int {
+            changes = changesSince(rows, loaded, dataLocation);
+            if (!changes.isEmpty())
+                return NotStored;
+            if (const int failed = writeItems(rows, record, dataLocation))
+                return failed;
+            return markConfigured(rows);
+        });
         if (error == 0)
-            database.commit();
-        else
-            database.rollback();
-    } catch (const DatabaseError& thrown) {
-        error = Report(QStringLiteral("updating the database setting : "), thrown);
+            loaded = record;
+        if (changes.isEmpty())
+            return error;
+        if (!mayOverwrite(changes))
+            return NotStored;
     }
-    return static_cast<qint16>(error);
 }
 
 qint32 CreateDefaultKOVADatabase(Settings& values, bool setAsDefault) {
@@ -189,7 +234,7 @@ qint32 CreateDefaultKOVADatabase(Settings& values, bool setAsDefault) {
         return 0;
     QString title = QStringLiteral("K-Ova Database");
     if (ValidateDatabase(path, KOVAType, true, &title, {}, fillDefault) != 0 ||
-        ValidateKOVADatabaseTables(path) != 0 || markConfigured(path) != 0)
+        ValidateKOVADatabaseTables(path) != 0 || markFile(path) != 0)
         return 0;
     if (setAsDefault &&
         platform::WriteProfileText(section, key, fileName, values.LocalIniFile) == platform::ProfileOk)

@@ -3,6 +3,8 @@
 
 #include "automation/AutomationSettings.h"
 
+#include <QList>
+
 #include <functional>
 
 namespace tolvex {
@@ -21,6 +23,24 @@ qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, c
 // error number.
 qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
                         const QString& dataLocation);
+
+// An item that another workstation has changed, in the words of the window.
+struct AutomationChange {
+    QString item;
+    QString before;
+    QString now;
+};
+using MayOverwrite = std::function<bool(const QList<AutomationChange>& changes)>;
+
+constexpr qint32 NotStored = -1; // the user did not want to overwrite what another workstation stored
+
+// Writes a record as SaveKOVASettings does and marks the database as configured, both as one transaction.
+// `loaded`: the record as it was read; what others have stored since is told to `mayOverwrite` first, outside
+// of the transaction, and becomes `loaded`; so does what was written in the end. Result: 0, NotStored, or,
+// reported, the error number.
+qint32 StoreKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
+                         KOVADatabaseSettings& loaded, const QString& dataLocation,
+                         const MayOverwrite& mayOverwrite);
 
 // Makes the automation database KOVA26.MDB of the data location, unless the workstation names a default one,
 // even a missing one, or the folder for them holds one of the kind, which is left alone. The file appears

@@ -75,7 +75,10 @@ bool Session::read() {
     if (!InitialiseProgram(station_))
         return false;
     mendInterruptedImport();
-    return ReadLocalSettings(station_) && LoadSystemSettings(station_);
+    if (!ReadLocalSettings(station_) || !LoadSystemSettings(station_))
+        return false;
+    LoadAutomationControlSettings(station_.settings, station_.settings.LocalIniFile);
+    return true;
 }
 
 void Session::close() {

@@ -113,6 +113,10 @@ const Reading readings[] = {
     {{"carts", "find", "o"}, 0},
     {{"carts", "find", "--notes", "--backwards", "three"}, 1}, // where the list is torn
     {{"carts", "check"}, 1},
+    {{"automation", "show"}, 0},
+    {{"automation", "list"}, 0},
+    {{"automation", "settings", "list"}, 0},
+    {{"automation", "settings", "C:\\DB\\LOG.mdb", "get", "KOVA.PreCueTime"}, 0},
     {{"audio", "devices"}, -1}, // as the machine has some or none
     {{"users", "list"}, 0},
     {{"users", "groups"}, 0},

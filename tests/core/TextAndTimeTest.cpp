@@ -1,5 +1,6 @@
 #include "core/text/Numbers.h"
 #include "core/text/TextFields.h"
+#include "core/time/DateFormat.h"
 #include "core/time/Dates.h"
 #include "core/time/DayTime.h"
 #include "core/time/TimeText.h"
@@ -151,4 +152,29 @@ TEST(Dates, ManyWaysOfWritingOneAreRead) {
     for (const char* text : {"", "18:00", "15 Nov", "31 Feb 2026", "15 Nov 2026 25:00"})
         EXPECT_FALSE(ParseDate(QLatin1String(text))) << text;
     EXPECT_EQ(DateText(FromSerialDate(day + 0.75)), "15 Nov 2026 18:00:00");
+}
+
+TEST(DateFormat, WritesTheSuitesLanguage) {
+    const QDateTime time({2024, 3, 5}, {9, 7, 3}); // a Tuesday
+    const std::pair<const char*, const char*> cases[] = {
+        {"yymmdd", "240305"},
+        {"yyddmm", "240503"},
+        {"ddmmyy", "050324"},
+        {"mmddyy", "030524"},
+        {"d/m/yyyy", "5/3/2024"},
+        {"DDD DDDD MMM MMMM", "Tue Tuesday Mar March"},
+        {"w ww q y yyy", "3 10 1 65 2465"},
+        {"hh:mm:ss m", "09:07:03 3"},
+        {"h:n:s ttttt", "9:7:3 09:07:03"},
+        {"hh AM/PM", "09 AM"},
+        {"\\d\"day\"d", "dday5"},
+        {"K-\\O\"VA", "K-OVA"},
+        {"tt_1", "tt_1"},
+        {"", ""},
+    };
+    for (const auto& [format, text] : cases)
+        EXPECT_EQ(FormatDate(time, format).toStdString(), text) << format;
+    const QDateTime newYear({2023, 1, 1}, {0, 30}); // a Sunday
+    EXPECT_EQ(FormatDate(newYear, "w ww h a/p"), "1 1 12 a");
+    EXPECT_EQ(FormatDate(newYear.addSecs(43200), "h:nn ampm"), "12:30 pm");
 }

@@ -9,8 +9,9 @@ const CommandRows& AllCommands() {
         CommandRows rows;
         for (CommandRows (*subject)() :
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, DatabaseCommands, DbCommands, UsersCommands, HardwareCommands,
-              AutoConfigCommands, TerminalCommands, CommandCommands, PortCommands}) {
+              AudioCommands, AutomationCommands, DatabaseCommands, DatabaseFileCommands, DbCommands,
+              UsersCommands, HardwareCommands, AutoConfigCommands, TerminalCommands, CommandCommands,
+              PortCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

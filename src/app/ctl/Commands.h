@@ -22,6 +22,8 @@ CommandRows AutoConfigCommands();
 CommandRows TerminalCommands();
 CommandRows CommandCommands();
 CommandRows PortCommands();
+CommandRows AutomationCommands();
+CommandRows DatabaseFileCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();

@@ -155,8 +155,11 @@ constexpr SettingRow automationControl[] = {
     Flag<&Settings::GetControlKLogStart>("KOVA", "GetControlKLogStart", 0,
                                          "Take control when the log starts.")
         .older("KOVA", "ZQSGetControlKLogStart"),
-    Flag<&Settings::DisplayInstantCarts>("KOVA", "DisplayInstantCarts", 1,
-                                         "Display the instant carts in the automation player."),
+    Word<&Settings::DisplayInstantCarts>(
+        "KOVA", "DisplayInstantCarts", 1,
+        "When instant carts are displayed: 0 never, 1 only in the automation "
+        "player, 2 in live mode too.")
+        .range(0, 2),
 };
 
 constexpr SettingRow transfer[] = {

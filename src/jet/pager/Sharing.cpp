@@ -168,6 +168,10 @@ std::vector<int> Sharing::otherSlots() {
     return slots;
 }
 
+bool Sharing::isInUse() {
+    return file_.findLock(OpenByte, 1).has_value();
+}
+
 bool Sharing::hasForeignUsers() {
     const auto noneNow = [this] {
         for (const int slot : otherSlots())

@@ -48,6 +48,9 @@ public:
     // log.
     bool hasForeignUsers();
 
+    // Whether another user of this engine has the file open, alone or not.
+    bool isInUse();
+
     // Locks a file that others do not know yet as its only user does. It is open to them when it is closed.
     static void holdAlone(StorageFile& file);
     // Locks a file that is being made, against others who would take it over. No user of a database minds
