@@ -1,4 +1,5 @@
 // The database commands of tolvexctl, run as a user runs them.
+#include "TestPlaces.h"
 #include "app/RunCtl.h"
 
 #include "jet/Database.h"
@@ -118,10 +119,39 @@ TEST_F(CtlDb, ASilentRoutinesErrorIsHeard) {
     QByteArray broken = read(onC("D/GOOD.MDB"));
     broken[2 * 4096] = 9; // the definition of the catalogue
     write(onC("D/BROKEN.MDB"), broken);
+    write(onC("D/EMPTY.MDB"), {});
     const Result found = run({"db", "find", "C:\\D", "--type", "1"});
     EXPECT_EQ(found.status, 0);
+    EXPECT_TRUE(found.err.contains("EMPTY.MDB is empty, or may not be read.")) << found.err.toStdString();
     EXPECT_TRUE(found.err.contains("BROKEN.MDB")) << found.err.toStdString();
     EXPECT_TRUE(found.err.contains("OTHER.MDB: The item was not found")) << found.err.toStdString();
+    EXPECT_EQ(run({"db", "info", "C:\\D\\EMPTY.MDB"}).status, 3);
+    const Result absent = run({"db", "find", "C:\\E", "--type", "1"});
+    EXPECT_EQ(absent.status, 1);
+    EXPECT_TRUE(absent.err.contains("There is no folder C:\\E.")) << absent.err.toStdString();
+}
+
+TEST_F(CtlDb, OfManyThatCreateOneDatabaseOneSucceeds) {
+    QDir().mkpath(onC("D"));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TOLVEX_HOME", home());
+    std::vector<std::unique_ptr<QProcess>> creators;
+    for (int i = 0; i < 6; ++i) {
+        creators.push_back(std::make_unique<QProcess>());
+        creators.back()->setProcessEnvironment(environment);
+        creators.back()->start(
+            QStringLiteral(TOLVEX_BIN_DIR "/tolvexctl"),
+            {"db", "create", onC("D/RACE.MDB"), "--type", "14", "--title", QString::number(i)});
+    }
+    QList<int> successful;
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_TRUE(creators[i]->waitForFinished());
+        if (creators[i]->exitCode() == 0)
+            successful += i;
+    }
+    ASSERT_EQ(successful.size(), 1);
+    EXPECT_EQ(run({"--json", "db", "info", onC("D/RACE.MDB")}).json()["description"],
+              QString::number(successful[0]));
 }
 
 TEST_F(CtlDb, ChecksAndCompacts) {

@@ -53,6 +53,12 @@ TEST_F(Ctl, OptionsStandAnywhereUntilTwoHyphens) {
     EXPECT_EQ(run({"profile", "get", "t.ini", "s", "k", "--json"}).json()["value"], "--json");
 }
 
+TEST_F(Ctl, WritesNoKeyThatHasNoName) {
+    for (const QStringList& names : {QStringList{"", "k"}, {"s", ""}, {" ", "k"}, {"s", "\t"}})
+        EXPECT_EQ(run(QStringList{"profile", "set", "t.ini"} + names + QStringList{"v"}).status, 2);
+    EXPECT_FALSE(QFile::exists(onC("WINDOWS/t.ini")));
+}
+
 TEST_F(Ctl, SaysWhyAMachineFolderCannotBeUsed) {
     write(folder_.filePath("file"), "x");
     const Result result = run({"status", "--home", folder_.filePath("file")});

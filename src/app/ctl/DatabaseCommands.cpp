@@ -13,6 +13,7 @@
 #include "databases/suite/FindDatabases.h"
 #include "databases/suite/ValidateDatabase.h"
 #include "databases/users/UsersSchema.h"
+#include "platform/files/Files.h"
 
 #include <optional>
 
@@ -49,7 +50,15 @@ bool isThere(const Call& call) {
     return !ConnectToServer(connectOf(call))->databases(DatabasesStatement(fileOf(call))).isEmpty();
 }
 
+// Why a file that is there counts as missing.
+QString unreadable(const QString& file) {
+    return QStringLiteral("%1 is empty, or may not be read.").arg(file);
+}
+
 int missing(const Call& call) {
+    if (connectOf(call).isEmpty() &&
+        (platform::FileExists(fileOf(call)) || platform::FolderExists(fileOf(call))))
+        return call.fail(unreadable(fileOf(call)));
     return call.no(QStringLiteral("There is no database %1.").arg(fileOf(call)));
 }
 
@@ -121,13 +130,23 @@ int validateAll(Call& call, qint32 type, QString title, bool silent) {
     return error == 0 ? Done : Failed;
 }
 
+int alreadyThere(const Call& call) {
+    return call.fail(QStringLiteral("There is a database %1 already.").arg(fileOf(call)));
+}
+
 int create(Call& call) {
     qint32 type = 0;
     if (!typeGiven(call, &type))
         return wrongType(call);
     if (isThere(call))
-        return call.fail(QStringLiteral("There is a database %1 already.").arg(fileOf(call)));
-    return validateAll(call, type, call.option("--title"), true);
+        return alreadyThere(call);
+    const QString title = call.option("--title");
+    const int status = validateAll(call, type, title, true);
+    DatabaseInformation made;
+    if (status != Done || title.isEmpty() ||
+        GetDatabaseInformation(fileOf(call), &made, true, connectOf(call)) != 0 || made.Description == title)
+        return status;
+    return alreadyThere(call); // somebody else was first
 }
 
 int validate(Call& call) {
@@ -146,6 +165,14 @@ int validate(Call& call) {
     return validateAll(call, type, {}, false);
 }
 
+// Files of the folder that the search takes for missing.
+void notePassedOver(const Call& call) {
+    const QString folder = call.path(0).endsWith(u'\\') ? call.path(0) : call.path(0) + u'\\';
+    for (const QString& name : platform::FolderNames(folder))
+        if (name.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive) && FileLength(folder + name) <= 0)
+            call.output.note(QStringLiteral("Passed over: ") + unreadable(folder + name));
+}
+
 int find(Call& call) {
     qint32 type = 0;
     if (!typeGiven(call, &type))
@@ -155,6 +182,8 @@ int find(Call& call) {
         return call.wrong(QStringLiteral("db find takes a folder, or --connect and a server."));
     if (onServer) // which is told when it does not answer; the search would pass it over
         ConnectToServer(connectOf(call));
+    else if (!DirectoryExists(call.path(0)))
+        return call.no(QStringLiteral("There is no folder %1.").arg(call.path(0)));
     QString first;
     SilentErrors passedOver;
     const qint32 count = FindDatabaseOfType(call.path(0), type, &first, 0, connectOf(call));
@@ -162,6 +191,8 @@ int find(Call& call) {
                        {{"count", "Databases"}, {"firstName", "First"}});
     for (const DatabaseError& error : passedOver.take())
         call.output.note(QStringLiteral("Passed over: %1 (error %2)").arg(error.text).arg(error.number));
+    if (!onServer)
+        notePassedOver(call);
     return count > 0 ? Done : No;
 }
 

@@ -58,6 +58,8 @@ QString unreadable(const QString& section, const QString& key, const QString& va
         if (FromCodePage(ToCodePage(text)) != text)
             return QStringLiteral("\"%1\" has a character that the suite's files cannot hold.").arg(text);
     }
+    if (section.trimmed().isEmpty() || key.trimmed().isEmpty())
+        return QStringLiteral("A section and a key have names that are not empty.");
     if (section.contains(u']'))
         return QStringLiteral("The name of a section holds no \"]\".");
     if (key.contains(u'=') || key.trimmed().startsWith(u';') || key.trimmed().startsWith(u'['))

@@ -43,18 +43,18 @@ bool isWindowsProgram(const QString& hostPath) {
     return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
 }
 
-// Splits arguments at blanks outside double quotes. Quotes do not become part of an argument, but for one
-// that three in a row stand for; a pair with nothing in it is an argument without characters.
+// Splits arguments at blanks outside double quotes, as the platform's C run-time does: quotes do not become part
+// of an argument, but for one that two in a row stand for inside quotes; a pair with nothing in it is an argument
+// without characters.
 QStringList splitArguments(const QString& text) {
     QStringList arguments;
     QString argument;
     bool begun = false;
     bool quoted = false;
     for (qsizetype at = 0; at < text.size(); ++at) {
-        if (QStringView(text).sliced(at).startsWith(u"\"\"\"")) {
+        if (quoted && QStringView(text).sliced(at).startsWith(u"\"\"")) {
             argument += u'"';
-            begun = true;
-            at += 2;
+            ++at;
         } else if (text[at] == u'"') {
             quoted = !quoted;
             begun = true;

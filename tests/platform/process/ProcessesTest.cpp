@@ -89,7 +89,8 @@ TEST_F(Processes, GetEachArgumentEvenOneWithoutCharacters) {
         {"", ""},
         {" \t", ""},
         {"/D=\"\" \"x y\"z", "[/D=]\n[x yz]\n"},
-        {"say \"\"\"hello there\"\"\"", "[say]\n[\"hello]\n[there\"]\n"},
+        {"say \"\"\"hello there\"\"\"", "[say]\n[\"hello there\"]\n"},
+        {"\"\"\"\" b \"a\"\"c\" d", "[\"]\n[b]\n[a\"c]\n[d]\n"},
         {"\"not closed ", "[not closed ]\n"},
     };
     for (const auto& [arguments, expected] : cases) {
