@@ -2,7 +2,7 @@
 // seeks, edits and deletes.
 #include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 #include "jet/index/IndexBuilder.h"
 #include "jet/index/KeyEncoding.h"
 #include "jet/page/DataPage.h"
@@ -134,7 +134,7 @@ void build(benchmark::State& state, std::size_t memory) {
     constexpr std::uint32_t count = 1000000;
     for (auto _ : state) {
         Tree tree;
-        EntrySorter entries(memory);
+        ExternalSort entries(memory);
         Bytes key;
         for (std::uint32_t i = 0; i < count; ++i) {
             makeKey(false, scattered(i), key);
@@ -362,7 +362,7 @@ BENCHMARK_CAPTURE(seek, Text, true);
 BENCHMARK_CAPTURE(walk, Forward, true);
 BENCHMARK_CAPTURE(walk, Backward, false);
 BENCHMARK(removeAndInsert);
-BENCHMARK_CAPTURE(build, InMemory, EntrySorter::DefaultMemory)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(build, InMemory, ExternalSort::DefaultMemory)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(build, InRuns, std::size_t{4} << 20)->Unit(benchmark::kMillisecond);
 BENCHMARK(textKey);
 BENCHMARK(compareTexts);

@@ -115,9 +115,9 @@ BENCHMARK_CAPTURE(ScanTable, Wide, Kind::Wide)->Unit(benchmark::kMillisecond);
 void ScanWithCriterion(benchmark::State& state) {
     Database database = Database::open(logFile());
     const Table table = database.catalog().table(u"Log");
-    const Selection selection(table, sql::ParseCriterion(u"Title LIKE '*99' AND Played > #1/1/2000#"));
+    const Filter filter(table, sql::ParsePredicate(u"Title LIKE '*99' AND Played > #1/1/2000#"));
     for (auto _ : state)
-        benchmark::DoNotOptimize(selection.rows());
+        benchmark::DoNotOptimize(filter.rows());
     countRows(state);
 }
 BENCHMARK(ScanWithCriterion)->Unit(benchmark::kMillisecond);
@@ -126,10 +126,10 @@ void selectAll(benchmark::State& state, const char16_t* sql) {
     Database database = Database::open(logFile());
     const Table table = database.catalog().table(u"Log");
     const auto select = std::get<sql::Select>(sql::ParseStatement(sql));
-    const Selection selection(table, select);
+    const Filter filter(table, select);
     std::size_t rows = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(rows = selection.rows().size());
+        benchmark::DoNotOptimize(rows = filter.rows().size());
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * rows));
 }
 BENCHMARK_CAPTURE(selectAll, Sorted, u"SELECT * FROM Log ORDER BY Played DESC")
@@ -148,7 +148,7 @@ void ExportCsv(benchmark::State& state, Kind kind) {
         Database database = Database::open(logFile(kind), options);
         const Table table = database.catalog().table(u"Log");
         std::FILE* null = std::fopen("/dev/null", "w");
-        ExportRows(Selection(table, std::nullopt), TextFormat::Csv,
+        ExportRows(Filter(table, std::nullopt), TextFormat::Csv,
                    [&](std::string_view text) { std::fwrite(text.data(), 1, text.size(), null); });
         std::fclose(null);
     }
@@ -295,9 +295,9 @@ void ReadOneSetting(benchmark::State& state) {
         options.readOnly = true;
         Database database = Database::open(path, options);
         const Table table = database.catalog().table(u"Settings");
-        const Selection selection(table, sql::ParseCriterion(u"Item = 'Item 123'"));
+        const Filter filter(table, sql::ParsePredicate(u"Item = 'Item 123'"));
         Value value;
-        selection.forEach([&](RowPointer, const RowView& row) {
+        filter.forEach([&](RowPointer, const RowView& row) {
             table.value(row, 1, value);
             return false;
         });

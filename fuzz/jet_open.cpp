@@ -111,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 continue;
             attempt([&] {
                 const Table table = catalog.table(object);
-                ExportRows(Selection(table, std::nullopt), TextFormat::Csv, [](std::string_view) {});
+                ExportRows(Filter(table, std::nullopt), TextFormat::Csv, [](std::string_view) {});
             });
         }
     });

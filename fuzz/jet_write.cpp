@@ -4,7 +4,7 @@
 #include "jet/base/Error.h"
 #include "jet/pager/MemoryPager.h"
 #include "jet/sql/Execute.h"
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 #include "jet/table/CreateDatabase.h"
 #include "jet/table/TableDesign.h"
 
@@ -48,7 +48,7 @@ void runStatement(Catalog& catalog, const std::u16string& text) {
     const sql::Statement statement = sql::ParseStatement(text);
     if (const auto* select = std::get_if<sql::Select>(&statement)) {
         const Table table = FindTable(catalog, select->table);
-        Selection(table, *select).rows();
+        Filter(table, *select).rows();
     } else
         Execute(catalog, statement);
 }

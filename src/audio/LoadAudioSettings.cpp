@@ -11,6 +11,8 @@
 #include "core/text/TextFields.h"
 #include "platform/profile/ProfileFile.h"
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
@@ -59,7 +61,7 @@ void countPlayers(Settings& values) {
         return;
     total = CountSuitableOutputs(suitableRate, suitableChannels);
     DebugLog(QStringLiteral("Number Suitable Wave Out Devices=%1").arg(total));
-    total = LowerOf(total, CartPlayerCount);
+    total = std::min(total, CartPlayerCount);
     DebugLog(QStringLiteral("Checked Number Suitable Wave Out Devices=%1").arg(total));
 }
 
@@ -90,7 +92,7 @@ void loadPlayers(Settings& values, const SettingSource& source) {
     if (const QString players = SwitchValue(values.CommandLine, QStringLiteral("/PLAYERS="));
         !players.isNull())
         values.TotalNumberCartPlayers = ToLong(LeadingNumber(players));
-    values.TotalNumberCartPlayers = LowerOf(values.TotalNumberCartPlayers, CartPlayerCount);
+    values.TotalNumberCartPlayers = std::min(values.TotalNumberCartPlayers, CartPlayerCount);
     if (counting)
         assignCountedPlayers(values);
     else
@@ -108,7 +110,7 @@ void loadAudio(Settings& values, const SettingSource& source) {
     LoadRows(AudioRows, source, values);
     LoadRows(CartDisplayRows, source, values);
     LoadRows(RecordingRows, source, values);
-    values.RecordingSoundCard = LowerOf(values.RecordingSoundCard, lastRecordingCard());
+    values.RecordingSoundCard = std::min(values.RecordingSoundCard, lastRecordingCard());
 }
 
 bool firstPartHasLocation(const Settings& values) {

@@ -4,6 +4,7 @@
 #include "core/text/Numbers.h"
 #include "hardware/AdvantechDriver.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace tolvex {
@@ -25,7 +26,7 @@ bool isConfiguredByPort(qint32 board) {
 }
 
 qint16 asCount(qint32 value) {
-    return static_cast<qint16>(HeldBetween(value, 0, int{std::numeric_limits<qint16>::max()}));
+    return static_cast<qint16>(std::clamp(value, 0, int{std::numeric_limits<qint16>::max()}));
 }
 
 // The first three ports have eight lines each.

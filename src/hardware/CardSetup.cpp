@@ -2,6 +2,8 @@
 
 #include "core/text/Numbers.h"
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
@@ -20,7 +22,7 @@ QString AddressText(qint16 address) {
 }
 
 qint16 DeviceWhileTyping(const QString& text) {
-    return static_cast<qint16>(HeldBetween(ToLong(LeadingNumber(text)), -32768, 32767));
+    return static_cast<qint16>(std::clamp(ToLong(LeadingNumber(text)), -32768, 32767));
 }
 
 std::optional<qint16> DeviceNumber(const QString& text) {

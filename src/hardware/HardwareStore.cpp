@@ -4,6 +4,8 @@
 #include "platform/Prompts.h"
 #include "platform/profile/ProfileFile.h"
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
@@ -39,7 +41,7 @@ struct LineKeys {
 };
 
 qint16 toWord(double value) {
-    return static_cast<qint16>(HeldBetween(ToLong(value), -32768, 32767));
+    return static_cast<qint16>(std::clamp(ToLong(value), -32768, 32767));
 }
 
 void countLines(HardwareCard& card, DriverReports& reports) {

@@ -14,7 +14,7 @@ namespace jet {
 // an order that is not known here, DiskFull, DiskIo. A file in the older format becomes one of the present
 // format; what is not taken over from it is told, but for the properties of columns. Cost: one pass over the
 // source, two of tables whose rows do not lie in the order of their primary key, and a sort of the keys of
-// one table at a time; memory stays flat, since keys beyond a limit (EntrySorter.h) are sorted by way of a
+// one table at a time; memory stays flat, since keys beyond a limit (ExternalSort.h) are sorted by way of a
 // temporary file.
 CompactResult CompactDatabase(Storage& storage, const std::string& source, const std::string& target,
                               const std::u16string& password, const OnLoss& lost);

@@ -43,7 +43,7 @@ public:
 
     // Returns when everything committed so far survives a power cut.
     void flush();
-    // Of a file that is held alone: brings everything into it and removes the redo log.
+    // Of a file that is held alone: brings everything into it and removes the write-ahead log.
     void emptyLog();
     // Takes notice of what other programs have written since the last operation.
     void refresh();

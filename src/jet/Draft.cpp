@@ -1,8 +1,8 @@
 #include "jet/Draft.h"
 
 #include "jet/base/Error.h"
-#include "jet/pager/RedoLog.h"
 #include "jet/pager/Sharing.h"
+#include "jet/pager/WriteAheadLog.h"
 #include "jet/table/Catalog.h"
 #include "jet/table/CreateDatabase.h"
 
@@ -74,7 +74,7 @@ bool Draft::take(const std::string& beside) {
 }
 
 void Draft::write() const {
-    storage_.remove(RedoLog::PathFor(beside_));
+    storage_.remove(WriteAheadLog::PathFor(beside_));
     if (file_->size() != 0)
         file_->truncate(0);
     const Bytes image = FreshDatabase(LocalTime());
@@ -86,7 +86,7 @@ Draft::~Draft() {
     if (beside_.empty())
         return;
     try {
-        storage_.remove(RedoLog::PathFor(beside_));
+        storage_.remove(WriteAheadLog::PathFor(beside_));
         storage_.remove(beside_);
     } catch (const Error&) {
         // The next who makes this database takes it over.
@@ -94,7 +94,7 @@ Draft::~Draft() {
 }
 
 void Draft::publish() {
-    storage_.remove(RedoLog::PathFor(beside_)); // empty, if it could not be removed when it was closed
+    storage_.remove(WriteAheadLog::PathFor(beside_)); // empty, if it could not be removed when it was closed
     storage_.publish(beside_, path_);
     beside_.clear();
 }

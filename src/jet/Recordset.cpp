@@ -4,7 +4,7 @@
 #include "jet/base/Convert.h"
 #include "jet/base/Error.h"
 #include "jet/sql/Execute.h"
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 #include "jet/text/Collation.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace jet {
 
 namespace {
 
-// A row of a snapshot as a criterion sees it.
+// A row of a snapshot as a predicate sees it.
 class StoredRow final : public RowValues {
 public:
     StoredRow(const Table& table, const std::vector<int>& fields)
@@ -96,33 +96,33 @@ Recordset Recordset::open(const Catalog& catalog, std::u16string_view source, Ki
         opened.setIndex({});
         return opened;
     }
-    const Selection selection(*opened.table_, select);
-    opened.fields_ = selection.fields();
+    const Filter filter(*opened.table_, select);
+    opened.fields_ = filter.fields();
     if (kind == Kind::Snapshot)
-        opened.fillSnapshot(selection);
+        opened.fillSnapshot(filter);
     else
-        opened.setOrder(std::make_unique<ListOrder>(opened.table_.get(), selection.rows()));
+        opened.setOrder(std::make_unique<ListCursor>(opened.table_.get(), filter.rows()));
     return opened;
 }
 
-void Recordset::fillSnapshot(const Selection& selection) {
+void Recordset::fillSnapshot(const Filter& filter) {
     std::vector<RowPointer> rows;
-    selection.forEach([&](RowPointer, const RowView& row) {
+    filter.forEach([&](RowPointer, const RowView& row) {
         std::vector<Value>& values = snapshot_.emplace_back(fields_.size());
         for (std::size_t i = 0; i < fields_.size(); ++i)
             table_->value(row, fields_[i], values[i]);
         rows.push_back({static_cast<PageNumber>(snapshot_.size()), 0});
         return true;
     });
-    setOrder(std::make_unique<ListOrder>(nullptr, std::move(rows)));
+    setOrder(std::make_unique<ListCursor>(nullptr, std::move(rows)));
 }
 
 // Takes an order and goes to its first row.
-void Recordset::setOrder(std::unique_ptr<RowOrder> order) {
+void Recordset::setOrder(std::unique_ptr<RowCursor> order) {
     leave();
     order_ = std::move(order);
-    indexOrder_ = dynamic_cast<IndexOrder*>(order_.get());
-    listOrder_ = dynamic_cast<ListOrder*>(order_.get());
+    indexOrder_ = dynamic_cast<IndexRowCursor*>(order_.get());
+    listOrder_ = dynamic_cast<ListCursor*>(order_.get());
     place_ = order_->first() ? Place::On : Place::Empty;
 }
 
@@ -159,12 +159,12 @@ void Recordset::setIndex(std::u16string_view name) {
         throw Error(ErrorNumber::InvalidArgument, "only a table has an index");
     const Reading reading(table_->pager());
     if (name.empty()) {
-        setOrder(std::make_unique<PageOrder>(*table_));
+        setOrder(std::make_unique<PageCursor>(*table_));
     } else {
         const LogicalIndex* index = table_->definition().findIndex(name);
         if (index == nullptr)
             throw Error(ErrorNumber::IndexNotFound, ToUtf8(name));
-        setOrder(std::make_unique<IndexOrder>(*table_, static_cast<int>(index->real)));
+        setOrder(std::make_unique<IndexRowCursor>(*table_, static_cast<int>(index->real)));
     }
     indexName_ = name;
 }
@@ -232,11 +232,11 @@ void Recordset::moveLast() {
 }
 
 void Recordset::moveNext() {
-    move(&RowOrder::next, Place::Behind, Place::Before, &RowOrder::first);
+    move(&RowCursor::next, Place::Behind, Place::Before, &RowCursor::first);
 }
 
 void Recordset::movePrevious() {
-    move(&RowOrder::previous, Place::Before, Place::Behind, &RowOrder::last);
+    move(&RowCursor::previous, Place::Before, Place::Behind, &RowCursor::last);
 }
 
 // One step towards `end`; from the other end it leads to the first row on the way.
@@ -259,28 +259,28 @@ void Recordset::move(Step step, Place end, Place otherEnd, Step enter) {
     }
 }
 
-void Recordset::findFirst(std::u16string_view criterion) {
-    find(criterion, &RowOrder::first, &RowOrder::next);
+void Recordset::findFirst(std::u16string_view predicate) {
+    find(predicate, &RowCursor::first, &RowCursor::next);
 }
 
-void Recordset::findLast(std::u16string_view criterion) {
-    find(criterion, &RowOrder::last, &RowOrder::previous);
+void Recordset::findLast(std::u16string_view predicate) {
+    find(predicate, &RowCursor::last, &RowCursor::previous);
 }
 
-void Recordset::findNext(std::u16string_view criterion) {
-    find(criterion, place_ == Place::Before ? &RowOrder::first : &RowOrder::next, &RowOrder::next);
+void Recordset::findNext(std::u16string_view predicate) {
+    find(predicate, place_ == Place::Before ? &RowCursor::first : &RowCursor::next, &RowCursor::next);
 }
 
-void Recordset::findPrevious(std::u16string_view criterion) {
-    find(criterion, place_ == Place::Behind ? &RowOrder::last : &RowOrder::previous, &RowOrder::previous);
+void Recordset::findPrevious(std::u16string_view predicate) {
+    find(predicate, place_ == Place::Behind ? &RowCursor::last : &RowCursor::previous, &RowCursor::previous);
 }
 
-void Recordset::find(std::u16string_view criterion, Step start, Step step) {
-    const Criterion wanted(table_->definition(), table_->name(), sql::ParseCriterion(criterion));
+void Recordset::find(std::u16string_view predicate, Step start, Step step) {
+    const Predicate wanted(table_->definition(), table_->name(), sql::ParsePredicate(predicate));
     const Reading reading(table_->pager());
     leave();
     noMatch_ = true;
-    const bool isStart = start == &RowOrder::first || start == &RowOrder::last;
+    const bool isStart = start == &RowCursor::first || start == &RowCursor::last;
     const bool hasPlace = place_ == Place::On || place_ == Place::Removed;
     if (place_ == Place::Empty || (!isStart && !hasPlace))
         return;

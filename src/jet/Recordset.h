@@ -6,7 +6,7 @@
 // overwrite what others have changed since edit().
 #pragma once
 
-#include "jet/sql/RowOrder.h"
+#include "jet/sql/RowCursor.h"
 
 #include <memory>
 #include <optional>
@@ -15,7 +15,7 @@ namespace jet {
 
 class Catalog;
 class Database;
-class Selection;
+class Filter;
 
 enum class SeekComparison { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
 
@@ -65,13 +65,13 @@ public:
     void seek(SeekComparison comparison, std::span<const Value> values);
     void seek(SeekComparison comparison, const Value& value) { seek(comparison, {&value, 1}); }
 
-    // Goes to the first, last, next or previous row, from the current one, for which a criterion holds (what
+    // Goes to the first, last, next or previous row, from the current one, for which a predicate holds (what
     // may stand behind WHERE). If there is none noMatch() is true and the current row stays. Throws what
-    // parsing and evaluating the criterion throw. Cost: one row after the other is looked at.
-    void findFirst(std::u16string_view criterion);
-    void findLast(std::u16string_view criterion);
-    void findNext(std::u16string_view criterion);
-    void findPrevious(std::u16string_view criterion);
+    // parsing and evaluating the predicate throw. Cost: one row after the other is looked at.
+    void findFirst(std::u16string_view predicate);
+    void findLast(std::u16string_view predicate);
+    void findNext(std::u16string_view predicate);
+    void findPrevious(std::u16string_view predicate);
     // Whether the last seek() or find...() found nothing.
     bool noMatch() const { return noMatch_; }
 
@@ -120,14 +120,14 @@ public:
 private:
     enum class Place { Empty, Before, On, Removed, Nowhere, Behind };
     enum class Editing { No, Adding, Changing };
-    using Step = bool (RowOrder::*)();
+    using Step = bool (RowCursor::*)();
 
     explicit Recordset(Table table);
-    void fillSnapshot(const Selection& selection);
-    void setOrder(std::unique_ptr<RowOrder> order);
+    void fillSnapshot(const Filter& filter);
+    void setOrder(std::unique_ptr<RowCursor> order);
     void leave();
     void move(Step step, Place end, Place otherEnd, Step enter);
-    void find(std::u16string_view criterion, Step start, Step step);
+    void find(std::u16string_view predicate, Step start, Step step);
     std::size_t columnOf(int field) const;
     void loadRow();
     Value storedValue(std::size_t column);
@@ -141,9 +141,9 @@ private:
     bool updatable_ = true;
     std::unique_ptr<Table> table_; // stays where it is when the recordset is moved
     std::vector<int> fields_;      // positions of the columns
-    std::unique_ptr<RowOrder> order_;
-    IndexOrder* indexOrder_ = nullptr; // order_, if it is one
-    ListOrder* listOrder_ = nullptr;
+    std::unique_ptr<RowCursor> order_;
+    IndexRowCursor* indexOrder_ = nullptr; // order_, if it is one
+    ListCursor* listOrder_ = nullptr;
     std::u16string indexName_;
     std::vector<std::vector<Value>> snapshot_; // per row its fields
     Place place_ = Place::Empty;

@@ -7,13 +7,15 @@
 #include "core/text/Numbers.h"
 #include "station/Workstation.h"
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
 
 // Number of the last part that carts are in.
 int lastPart(const Settings& settings) {
-    return HeldBetween(PartOfCart(settings.NoCarts), 0, CartPartCount);
+    return std::clamp(PartOfCart(settings.NoCarts), 0, CartPartCount);
 }
 
 int unsetLocations(const Settings& settings) {

@@ -72,7 +72,7 @@ QByteArray databaseText(const QString& hostPath) {
             text += QString::fromStdU16String(index.name).toUtf8() + '\n';
         const jet::Table table = database.catalog().table(object);
         rows.clear();
-        jet::ExportRows(jet::Selection(table, std::nullopt), jet::TextFormat::Csv, sink);
+        jet::ExportRows(jet::Filter(table, std::nullopt), jet::TextFormat::Csv, sink);
         text += inOrder(rows, '\n');
     }
     return text;

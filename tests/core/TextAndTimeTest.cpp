@@ -7,6 +7,7 @@
 #include "support/FixedClock.h"
 #include "support/QtPrinters.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -28,6 +29,7 @@ TEST(TextFields, FieldsBeginWhereTheyAreToldAndEndAtTheSeparator) {
     EXPECT_EQ(TextField(text, 99, u',', &position), "");
     EXPECT_LT(position, 1);
     EXPECT_EQ(TextField(text, -3, u','), "one");
+    EXPECT_EQ(TextField(QStringLiteral(",two"), 1, u','), "");
 
     const QString line = QStringLiteral(" /LI:C:\\A.INI/DEBUG /SI: /PLAYERS=2");
     EXPECT_EQ(SwitchValue(line, QStringLiteral("/LI:")), "C:\\A.INI/DEBUG");
@@ -57,7 +59,7 @@ TEST(Numbers, TheLeadingNumberOfAText) {
     const std::pair<const char*, double> cases[] = {
         {"", 0},          {"abc", 0},   {" 12abc", 12}, {"2.50", 2.5},  {"2.6.1", 2.6}, {"-3", -3},
         {"1 0", 10},      {"+.5x", .5}, {"1e3", 1000},  {"12e", 12},    {"4E-", 4},     {"--5", 0},
-        {"0.65 of", .65}, {"2,5", 2},   {"1e999", 0},   {"\t1\t2", 12}, {"1e2.5", 100},
+        {"0.65 of", .65}, {"2,5", 2},   {"1e999", 0},   {"\t1\t2", 12}, {"1e2.5", 100}, {"1e5+3", 1e5},
     };
     for (const auto& [text, value] : cases)
         EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << text;
@@ -66,7 +68,6 @@ TEST(Numbers, TheLeadingNumberOfAText) {
     EXPECT_EQ(ToLong(1e20), INT32_MAX);
     EXPECT_EQ(ToLong(-1e20), INT32_MIN);
     EXPECT_EQ(ToLong(std::nan("")), 0);
-    EXPECT_EQ(HeldBetween(5, 0, -1), 0);
 }
 
 TEST(TimeText, LayoutsRoundingsAndBlankFields) {

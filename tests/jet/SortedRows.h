@@ -12,7 +12,7 @@ namespace jet::tests {
 // A line for each row, as an export writes it, in the order of their texts.
 inline std::vector<std::string> SortedRows(const Table& table) {
     std::string text;
-    ExportRows(Selection(table, std::nullopt), TextFormat::JsonLines,
+    ExportRows(Filter(table, std::nullopt), TextFormat::JsonLines,
                [&](std::string_view piece) { text += piece; });
     std::vector<std::string> lines;
     for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)

@@ -9,7 +9,7 @@ const CommandRows& AllCommands() {
         CommandRows rows;
         for (CommandRows (*subject)() :
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, AutomationCommands, DatabaseCommands, DatabaseFileCommands, DbCommands,
+              AudioCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands, EngineCommands,
               UsersCommands, HardwareCommands, AutoConfigCommands, TerminalCommands, CommandCommands,
               PortCommands}) {
             const CommandRows more = subject();

@@ -6,6 +6,8 @@
 #include "core/time/Dates.h"
 #include "platform/profile/ProfileFile.h"
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
@@ -20,7 +22,7 @@ Overloaded(Visitors...) -> Overloaded<Visitors...>;
 void putNumber(const SettingRef& ref, qint32 value) {
     std::visit(Overloaded{
                    [&](qint16* word) {
-                       *word = static_cast<qint16>(HeldBetween<qint32>(value, INT16_MIN, INT16_MAX));
+                       *word = static_cast<qint16>(std::clamp<qint32>(value, INT16_MIN, INT16_MAX));
                    },
                    [&](qint32* number) { *number = value; },
                    [&](double* number) { *number = value; },
@@ -108,7 +110,7 @@ qint32 withoutSign(qint32 value) {
 qint32 asLoaded(const SettingRow& row, qint32 value) {
     if (row.absolute)
         value = withoutSign(value);
-    return row.held ? HeldBetween(value, row.lowest, row.highest) : value;
+    return row.held ? std::clamp(value, row.lowest, row.highest) : value;
 }
 
 } // namespace
@@ -158,7 +160,7 @@ void LoadRows(SettingRows rows, const SettingSource& source, Settings& values) {
 }
 
 void SizeJumpCartButtons(Settings& values) {
-    values.JumpCartButtons.resize(HigherOf<qsizetype>(0, values.NumberCartJumpButtons));
+    values.JumpCartButtons.resize(std::max<qsizetype>(0, values.NumberCartJumpButtons));
 }
 
 QString MemberText(const SettingRow& row, int index, Settings& values) {

@@ -1,6 +1,7 @@
 #include "core/text/Numbers.h"
 
 #include <QByteArray>
+#include <algorithm>
 
 #include <cmath>
 #include <limits>
@@ -45,9 +46,9 @@ double LeadingNumber(QStringView text) {
 qint32 ToLong(double value) {
     if (std::isnan(value))
         return 0;
-    return static_cast<qint32>(HeldBetween(std::nearbyint(value),
-                                           static_cast<double>(std::numeric_limits<qint32>::min()),
-                                           static_cast<double>(std::numeric_limits<qint32>::max())));
+    return static_cast<qint32>(std::clamp(std::nearbyint(value),
+                                          static_cast<double>(std::numeric_limits<qint32>::min()),
+                                          static_cast<double>(std::numeric_limits<qint32>::max())));
 }
 
 } // namespace tolvex

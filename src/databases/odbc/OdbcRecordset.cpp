@@ -86,8 +86,8 @@ void OdbcRecordset::findFirst(const QString& criterion) {
             definition.columns.emplace_back().name = each.name.toStdU16String();
             definition.columns.back().type = each.type;
         }
-        const jet::Criterion wanted(definition, source_.table.toStdU16String(),
-                                    jet::sql::ParseCriterion(criterion.toStdU16String()));
+        const jet::Predicate wanted(definition, source_.table.toStdU16String(),
+                                    jet::sql::ParsePredicate(criterion.toStdU16String()));
         const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const OdbcRow& row) {
             MemoryRow seen(row);
             return wanted.chooses(seen);

@@ -49,7 +49,8 @@ public:
     // CreateNew throws DatabaseExists if there is one; the others FileNotFound or CannotOpenFile. The first
     // flush() of a new file makes its name survive a power cut too.
     virtual std::unique_ptr<StorageFile> open(const std::string& path, Open how) = 0;
-    // The file that a path leads to, by its own name: two names of one file must not have two redo logs.
+    // The file that a path leads to, by its own name: two names of one file must not have two write-ahead
+    // logs.
     virtual std::string resolve(const std::string& path) { return path; }
     // Throws when that cannot be told.
     virtual bool exists(const std::string& path) = 0;

@@ -1,6 +1,6 @@
 #include "jet/maintenance/CompactKeys.h"
 
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 #include "jet/table/Salvage.h"
 
 #include <algorithm>

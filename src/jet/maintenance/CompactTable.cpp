@@ -104,7 +104,7 @@ void TableCompaction::begin() {
         definition.root = target_.allocate();
         IndexTree tree(target_, definition.root, definition_.page, UsageMap(target_, definition.pages));
         tree.create();
-        trees_.push_back({EntrySorter(SortMemory / keys_.count()), std::make_unique<IndexBuilder>(tree)});
+        trees_.push_back({ExternalSort(SortMemory / keys_.count()), std::make_unique<IndexBuilder>(tree)});
         if (static_cast<int>(i) != order_)
             trees_.back().entries.expect(from_.definition().rowCount);
     }
@@ -130,7 +130,7 @@ bool TableCompaction::makeNewKey(RowPointer at, const RowView& row, std::size_t 
 }
 
 // Puts the keys that the rows of the source will have, with their places there, into order.
-void TableCompaction::sortRows(std::size_t index, EntrySorter& entries) {
+void TableCompaction::sortRows(std::size_t index, ExternalSort& entries) {
     walk([&](RowPointer at, const RowView& row) {
         if ((left_.empty() || left_.count(at) == 0) && makeNewKey(at, row, index))
             entries.add(key_, at);
@@ -152,7 +152,7 @@ bool TableCompaction::findDuplicates() {
     for (std::size_t i = 0; i < keys_.count(); ++i) {
         if (!definition_.realIndexes[i].isUnique())
             continue;
-        EntrySorter entries(SortMemory);
+        ExternalSort entries(SortMemory);
         sortRows(i, entries);
         Bytes last;
         while (entries.next()) {
@@ -224,7 +224,7 @@ bool TableCompaction::copyWhileInOrder() {
 
 void TableCompaction::copyInOrder() {
     const auto order = static_cast<std::size_t>(order_);
-    EntrySorter& entries = trees_[order].entries;
+    ExternalSort& entries = trees_[order].entries;
     sortRows(order, entries);
     if (keys_.areMissing())
         return;
@@ -234,7 +234,7 @@ void TableCompaction::copyInOrder() {
         if (copyRow(rows.at(), rows.row(), stored))
             addEntry(order, indexpage::EntryBuffer(rows.key(), stored).view());
     }
-    entries = EntrySorter(0);
+    entries = ExternalSort(0);
 }
 
 void TableCompaction::copyAsTheyLie() {
@@ -303,7 +303,7 @@ bool TableCompaction::buildIndexes() {
         tree.entries.sort();
         while (tree.entries.next())
             addEntry(i, tree.entries.entry());
-        tree.entries = EntrySorter(0);
+        tree.entries = ExternalSort(0);
         tree.builder->finish();
         RealIndex& definition = definition_.realIndexes[i];
         definition.entriesWhenMade = tree.builder->entryCount();

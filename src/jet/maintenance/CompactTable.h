@@ -1,7 +1,7 @@
 // One table on its way into a new file.
 #pragma once
 
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 #include "jet/index/IndexBuilder.h"
 #include "jet/maintenance/CompactKeys.h"
 #include "jet/maintenance/CompactRow.h"
@@ -48,7 +48,7 @@ private:
     };
     // An index being made.
     struct Tree {
-        EntrySorter entries; // of the new rows
+        ExternalSort entries; // of the new rows
         std::unique_ptr<IndexBuilder> builder;
     };
 
@@ -57,7 +57,7 @@ private:
     bool copy();
     void begin();
     bool makeNewKey(RowPointer at, const RowView& row, std::size_t index);
-    void sortRows(std::size_t index, EntrySorter& entries);
+    void sortRows(std::size_t index, ExternalSort& entries);
     bool findDuplicates();
     void giveUpUniqueness();
     template<typename Visit>

@@ -316,7 +316,7 @@ void FilePager::beginChange(bool undoable) {
                 if (d.readDepth == 0)
                     d.leave();
                 throw Error(ErrorNumber::FileLocked,
-                            d.path + ": open in a program that does not know the redo log");
+                            d.path + ": open in a program that does not know the write-ahead log");
             }
             d.foreignChecked = now;
         }

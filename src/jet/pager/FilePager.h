@@ -1,5 +1,5 @@
-// The pages of a database file on a Storage: a cache with a limit, transactions with a redo log, and sharing
-// with other processes. docs/formats/jet.md states the protocol. Not for several threads.
+// The pages of a database file on a Storage: a cache with a limit, transactions with a write-ahead log, and
+// sharing with other processes. docs/formats/jet.md states the protocol. Not for several threads.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -18,7 +18,8 @@ struct OpenOptions {
     bool exclusive = false;        // no other program may open the file; saves all checks for their changes
     std::u16string password;       // of the database, if it has one
     std::size_t cachePages = 4096; // limit of the page cache (at least 256); a transaction's pages count too
-    std::size_t logPages = 4096;   // a redo log longer than this is brought into the file at the next commit
+    std::size_t logPages =
+        4096; // a write-ahead log longer than this is brought into the file at the next commit
     std::chrono::milliseconds lockWait{10000}; // how long to wait for another program's transaction
 };
 
@@ -52,12 +53,13 @@ public:
     void flush();
     // Whether nobody else can open the file.
     bool isHeldAlone() const;
-    // As such a user: brings everything into the file and removes the redo log.
+    // As such a user: brings everything into the file and removes the write-ahead log.
     void emptyLog();
-    // Takes notice of what other programs have written, also of such that know nothing of the redo log.
+    // Takes notice of what other programs have written, also of such that know nothing of the write-ahead
+    // log.
     void refresh();
-    // Brings everything into the file; the last user removes the redo log and the lock file. Running changes
-    // are rolled back. After an error everything committed is still in the log.
+    // Brings everything into the file; the last user removes the write-ahead log and the lock file. Running
+    // changes are rolled back. After an error everything committed is still in the log.
     void close();
 
     const PageZero& header() const;

@@ -32,7 +32,7 @@ LoggedFile::LoggedFile(Storage& storage, const std::string& path, const PageCach
     header_ = DecodePageZero({page.data(), length});
     if (header_.version != PageZero::Jet4)
         throw Error(ErrorNumber::Unrecognised, path + ": of an older version");
-    identity_ = RedoLog::IdentityOf(page.data());
+    identity_ = WriteAheadLog::IdentityOf(page.data());
 }
 
 PageNumber LoggedFile::pagesInFile() {
@@ -64,7 +64,7 @@ void LoggedFile::read(PageNumber page, std::uint8_t* into) {
 // ---- What other users, or an earlier session, have put into the log
 
 bool LoggedFile::findLog() {
-    log_ = RedoLog::open(storage_, RedoLog::PathFor(path_), !writable_, identity_);
+    log_ = WriteAheadLog::open(storage_, WriteAheadLog::PathFor(path_), !writable_, identity_);
     if (log_ != nullptr)
         log_->setShared(shared_);
     return log_ != nullptr;
@@ -86,10 +86,10 @@ LoggedFile::News LoggedFile::takeNews(const OnPage& changed) {
         takeFrames(0, changed);
         return News::Everything;
     }
-    const RedoLog::State known = log_->state();
+    const WriteAheadLog::State known = log_->state();
     if (!log_->refresh())
         return News::None;
-    const RedoLog::State& now = log_->state();
+    const WriteAheadLog::State& now = log_->state();
     const bool emptied = now.generation != known.generation;
     const bool sawAll = now.generation == known.generation + 1 && now.previousFrames == known.frames;
     takeFrames(emptied ? 0 : known.frames, changed);
@@ -112,7 +112,7 @@ void LoggedFile::takeFrames(std::uint32_t from, const OnPage& changed) {
         for (PageNumber page = before; page < pages_; ++page)
             if (page >= frameOf_.size() || frameOf_[page] == 0)
                 throw Error(ErrorNumber::Corrupt,
-                            path_ + ": the redo log lacks page " + std::to_string(page));
+                            path_ + ": the write-ahead log lacks page " + std::to_string(page));
     } catch (...) {
         forgetFrames();
         log_.reset();
@@ -129,7 +129,7 @@ void LoggedFile::forgetFrames() {
 
 void LoggedFile::setFrame(PageNumber page, std::uint32_t frame) {
     if (page == 0 || page >= MaximumPages)
-        throw Error(ErrorNumber::Corrupt, path_ + ": the redo log names page " + std::to_string(page));
+        throw Error(ErrorNumber::Corrupt, path_ + ": the write-ahead log names page " + std::to_string(page));
     if (page >= frameOf_.size())
         frameOf_.resize(page + page / 8 + 64);
     if (frameOf_[page] == 0)
@@ -141,7 +141,7 @@ void LoggedFile::setFrame(PageNumber page, std::uint32_t frame) {
 
 void LoggedFile::ensureLog() {
     if (log_ == nullptr) // without the pages that this transaction has appended: nobody else may see them yet
-        log_ = RedoLog::create(storage_, RedoLog::PathFor(path_), identity_, pagesInFile());
+        log_ = WriteAheadLog::create(storage_, WriteAheadLog::PathFor(path_), identity_, pagesInFile());
     log_->setShared(shared_);
 }
 
@@ -184,7 +184,8 @@ void LoggedFile::flushLog() {
     if (log_ != nullptr)
         log_->flush();
     else if (!flushed_)
-        throw Error(ErrorNumber::Corrupt, path_ + ": the redo log with the latest changes cannot be read");
+        throw Error(ErrorNumber::Corrupt,
+                    path_ + ": the write-ahead log with the latest changes cannot be read");
     flushed_ = true;
 }
 
@@ -228,7 +229,7 @@ void LoggedFile::retireLog() {
     if (logLength() != 0)
         writePages();
     try {
-        storage_.remove(RedoLog::PathFor(path_));
+        storage_.remove(WriteAheadLog::PathFor(path_));
     } catch (const Error&) {
         log_->reset(pages_); // a full one that is found again could spoil what other programs write meanwhile
     }
@@ -237,7 +238,7 @@ void LoggedFile::retireLog() {
 
 void LoggedFile::removeEmptyLog() {
     if (log_ != nullptr && logLength() == 0)
-        storage_.remove(RedoLog::PathFor(path_));
+        storage_.remove(WriteAheadLog::PathFor(path_));
 }
 
 void LoggedFile::closeFiles() {

@@ -1,11 +1,11 @@
-// The pages of a database as they lie in its file and in the redo log beside it: which of the two holds the
-// newest state of each page, how a transaction's pages get into the log, and the log into the file.
+// The pages of a database as they lie in its file and in the write-ahead log beside it: which of the two
+// holds the newest state of each page, how a transaction's pages get into the log, and the log into the file.
 // docs/formats/jet.md states the protocol. The pager above holds the locks that each step needs.
 #pragma once
 
 #include "jet/page/PageZero.h"
 #include "jet/pager/PageCache.h"
-#include "jet/pager/RedoLog.h"
+#include "jet/pager/WriteAheadLog.h"
 
 #include <functional>
 #include <memory>
@@ -87,7 +87,7 @@ private:
     bool shared_ = true;
     PageZero header_;
     std::uint64_t identity_ = 0;
-    std::unique_ptr<RedoLog> log_; // null: there is none yet
+    std::unique_ptr<WriteAheadLog> log_; // null: there is none yet
     bool flushed_ = true;
     PageNumber pages_ = 0;
     std::vector<std::uint32_t> frameOf_; // per page: 1 + its newest frame in the log, 0: it is in the file

@@ -176,8 +176,8 @@ std::string FollowLinks(const std::string& path) {
     return path; // a circle: opening says so
 }
 
-// A share that has gone away is no sign that a file is not there: somebody's redo log could be taken for
-// none.
+// A share that has gone away is no sign that a file is not there: somebody's write-ahead log could be taken
+// for none.
 bool FileIsThere(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0)

@@ -1,7 +1,7 @@
 #include "jet/sql/Execute.h"
 
 #include "jet/base/Error.h"
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 
 namespace jet {
 
@@ -47,7 +47,7 @@ struct Runner {
                  literal ? -1 : FindField(table.definition(), table.name(), value.table, value.field),
                  &value.literal});
         }
-        const std::vector<RowPointer> rows = Selection(table, update.where).rows();
+        const std::vector<RowPointer> rows = Filter(table, update.where).rows();
         std::vector<FieldChange> changes(sources.size());
         for (const RowPointer at : rows) {
             RowView row;
@@ -67,7 +67,7 @@ struct Runner {
 
     std::uint32_t operator()(const sql::Delete& remove) const {
         Table table = FindTable(catalog, remove.table);
-        const std::vector<RowPointer> rows = Selection(table, remove.where).rows();
+        const std::vector<RowPointer> rows = Filter(table, remove.where).rows();
         for (const RowPointer at : rows)
             table.remove(at);
         return static_cast<std::uint32_t>(rows.size());

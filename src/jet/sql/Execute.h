@@ -11,7 +11,7 @@ Table FindTable(const Catalog& catalog, std::u16string_view name);
 
 // Runs INSERT, UPDATE or DELETE, wholly or not at all, and gives the number of rows it changed. An UPDATE or
 // DELETE chooses its rows before it changes the first. Throws InvalidArgument for a SELECT, what parsing and
-// Criterion throw, and what Table throws for a row that cannot be stored.
+// Predicate throw, and what Table throws for a row that cannot be stored.
 std::uint32_t Execute(Catalog& catalog, std::u16string_view sql);
 std::uint32_t Execute(Catalog& catalog, const sql::Statement& statement);
 

@@ -1,12 +1,12 @@
-// The engine's small SQL as a tree: SELECT, INSERT, UPDATE and DELETE on one table, and a criterion by
+// The engine's small SQL as a tree: SELECT, INSERT, UPDATE and DELETE on one table, and a predicate by
 // itself.
 //
-//   SELECT * | field, ...  FROM table [WHERE criterion] [ORDER BY field [ASC | DESC], ...]
+//   SELECT * | field, ...  FROM table [WHERE predicate] [ORDER BY field [ASC | DESC], ...]
 //   INSERT INTO table [(field, ...)] VALUES (operand, ...)
-//   UPDATE table SET field = operand, ... [WHERE criterion]
-//   DELETE [*] FROM table [WHERE criterion]
+//   UPDATE table SET field = operand, ... [WHERE predicate]
+//   DELETE [*] FROM table [WHERE predicate]
 //
-// A criterion is made of =, <>, <, <=, >, >=, [NOT] LIKE, IS [NOT] NULL, [NOT] BETWEEN .. AND, [NOT] IN (..),
+// A predicate is made of =, <>, <, <=, >, >=, [NOT] LIKE, IS [NOT] NULL, [NOT] BETWEEN .. AND, [NOT] IN (..),
 // NOT, AND, OR and parentheses over fields and literals: numbers, 'text' or "text" (the quote doubled
 // inside), #dates# (month/day/year or year-month-day, with or without a time), TRUE, FALSE, NULL. Names with
 // blanks or signs stand in [brackets]; table.field is accepted. Words of the language may be in any case.
@@ -89,6 +89,6 @@ using Statement = std::variant<Select, Insert, Update, Delete>;
 // Both throw SyntaxError, which names the place. Cost: linear in the length of the text.
 Statement ParseStatement(std::u16string_view text);
 // What may stand behind WHERE.
-Expression ParseCriterion(std::u16string_view text);
+Expression ParsePredicate(std::u16string_view text);
 
 } // namespace jet::sql

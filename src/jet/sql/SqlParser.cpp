@@ -58,7 +58,7 @@ public:
         return result;
     }
 
-    Expression criterion() {
+    Expression condition() {
         Expression result = expression();
         expectEnd();
         return result;
@@ -337,8 +337,8 @@ Statement ParseStatement(std::u16string_view text) {
     return Parser(text).statement();
 }
 
-Expression ParseCriterion(std::u16string_view text) {
-    return Parser(text).criterion();
+Expression ParsePredicate(std::u16string_view text) {
+    return Parser(text).condition();
 }
 
 } // namespace jet::sql

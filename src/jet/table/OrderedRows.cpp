@@ -13,7 +13,7 @@ constexpr std::size_t Ahead = 8; // rows that are asked of memory beforehand
 
 } // namespace
 
-OrderedRows::OrderedRows(const Table& table, EntrySorter& entries, std::size_t memory)
+OrderedRows::OrderedRows(const Table& table, ExternalSort& entries, std::size_t memory)
     : table_(table)
     , entries_(entries)
     , memory_(memory) {

@@ -2,7 +2,7 @@
 // a time are fetched in the order of their pages, and given in that of their keys.
 #pragma once
 
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 #include "jet/table/Table.h"
 
 namespace jet {
@@ -13,7 +13,7 @@ public:
 
     // `entries`: sorted, none given yet. Both outlive this. `memory`: bytes for keys and rows, about. Stands
     // inside a Reading.
-    OrderedRows(const Table& table, EntrySorter& entries, std::size_t memory = DefaultMemory);
+    OrderedRows(const Table& table, ExternalSort& entries, std::size_t memory = DefaultMemory);
 
     // Goes to the first row, then to the next one; false: there is none. Rows that are not there are passed
     // over.
@@ -36,7 +36,7 @@ private:
     bool fill();
 
     const Table& table_;
-    EntrySorter& entries_;
+    ExternalSort& entries_;
     std::size_t memory_;
     std::size_t rowLength_; // as the number of pages and that of rows let expect
     std::vector<Item> items_;

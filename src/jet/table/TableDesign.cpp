@@ -1,7 +1,7 @@
 #include "jet/table/TableDesign.h"
 
 #include "jet/base/Error.h"
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 #include "jet/index/IndexBuilder.h"
 #include "jet/index/KeyEncoding.h"
 #include "jet/table/DesignEditor.h"
@@ -59,7 +59,7 @@ void fill(const Table& table, TableDefinition& definition, int realIndex) {
     Pager& pager = table.pager();
     RealIndex& index = definition.realIndexes.at(static_cast<std::size_t>(realIndex));
     const KeyEncoder encoder(definition, index);
-    EntrySorter entries;
+    ExternalSort entries;
     entries.expect(table.rowCount());
     Bytes key;
     RowPointer at;

@@ -1,4 +1,4 @@
-// Comparing values of a criterion: three-valued truth, and which kinds compare with each other.
+// Comparing values of a predicate: three-valued truth, and which kinds compare with each other.
 #pragma once
 
 #include "jet/base/Value.h"

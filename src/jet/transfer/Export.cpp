@@ -37,10 +37,10 @@ constexpr auto signsOfBytes = [] {
 // becoming a Value.
 class RowWriter {
 public:
-    RowWriter(const Selection& selection, TextFormat format)
-        : table_(selection.table())
+    RowWriter(const Filter& filter, TextFormat format)
+        : table_(filter.table())
         , format_(format) {
-        for (const int position : selection.fields()) {
+        for (const int position : filter.fields()) {
             const Column& column = table_.definition().columns[static_cast<std::size_t>(position)];
             std::string name = ToUtf8(column.name);
             Field field{position, &column, {}};
@@ -165,11 +165,11 @@ private:
 
 } // namespace
 
-std::uint32_t ExportRows(const Selection& selection, TextFormat format, const TextSink& sink) {
-    RowWriter writer(selection, format);
+std::uint32_t ExportRows(const Filter& filter, TextFormat format, const TextSink& sink) {
+    RowWriter writer(filter, format);
     std::string buffer = writer.heading();
     std::uint32_t rows = 0;
-    selection.forEach([&](RowPointer, const RowView& row) {
+    filter.forEach([&](RowPointer, const RowView& row) {
         writer.append(row, buffer);
         ++rows;
         if (buffer.size() >= pieceLength) {

@@ -5,7 +5,7 @@
 // ValueText.h says; in JSON dates have a T between day and time.
 #pragma once
 
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 #include "jet/transfer/TextInput.h"
 
 namespace jet {
@@ -14,9 +14,9 @@ enum class TextFormat { Csv, JsonLines };
 
 using TextSink = std::function<void(std::string_view)>;
 
-// Writes the fields and rows of a selection, in pieces of some 64 KB. Cost: no memory is taken per row.
+// Writes the fields and rows of a filter, in pieces of some 64 KB. Cost: no memory is taken per row.
 // Gives the number of rows.
-std::uint32_t ExportRows(const Selection& selection, TextFormat format, const TextSink& sink);
+std::uint32_t ExportRows(const Filter& filter, TextFormat format, const TextSink& sink);
 
 // Adds rows to a table: columns by name, in any order; those that are missing become null (an autonumber
 // gets the next number). All rows or none: an error says the line, and nothing is added. Gives the number of

@@ -1,8 +1,8 @@
 // Index trees against a sorted set in memory, with the checker over the whole tree after each batch.
 #include "jet/base/Error.h"
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 #include "jet/index/IndexBuilder.h"
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 #include "jet/index/IndexPath.h"
 #include "jet/page/DataPage.h"
 #include "jet/pager/MemoryPager.h"
@@ -232,7 +232,7 @@ TEST_P(RandomTree, IsBuiltFromBelow) {
         std::vector<Entry> shuffled(model_.begin(), model_.end());
         std::shuffle(shuffled.begin(), shuffled.end(), random_);
         const auto build = [&](Tree& tree, std::size_t memory) {
-            EntrySorter entries(memory);
+            ExternalSort entries(memory);
             for (const auto& [one, at] : shuffled)
                 entries.add(one, at);
             entries.sort();
@@ -244,9 +244,9 @@ TEST_P(RandomTree, IsBuiltFromBelow) {
             EXPECT_EQ(entries.size(), model_.size());
             return builder;
         };
-        const IndexBuilder builder = build(tree_, EntrySorter::DefaultMemory);
+        const IndexBuilder builder = build(tree_, ExternalSort::DefaultMemory);
         Tree inMemory;
-        build(inMemory, EntrySorter::DefaultMemory);
+        build(inMemory, ExternalSort::DefaultMemory);
         for (const std::size_t memory : {20, 3000, 20000}) { // runs of one entry, of some, of many
             Tree ofRuns;
             build(ofRuns, memory);

@@ -27,7 +27,7 @@ protected:
         const Table table = database.catalog().table(u"Songs");
         const sql::Statement statement =
             sql::ParseStatement(std::u16string(u"SELECT * FROM Songs ORDER BY ") + order);
-        ExportRows(Selection(table, std::get<sql::Select>(statement)), TextFormat::Csv,
+        ExportRows(Filter(table, std::get<sql::Select>(statement)), TextFormat::Csv,
                    [&](std::string_view piece) { text += piece; });
         return text.substr(text.find('\n') + 1);
     }

@@ -135,7 +135,7 @@ TEST_F(CompactOwnTest, RowsComeInTheOrderOfTheirKeys) {
     }
     std::sort(expected.begin(), expected.end());
     for (const std::size_t memory : {1, 900, 20000, 1000000}) {
-        EntrySorter entries(memory);
+        ExternalSort entries(memory);
         for (const auto& [one, where] : expected)
             entries.add(one, where);
         entries.add(key, {99999, 0}); // not there

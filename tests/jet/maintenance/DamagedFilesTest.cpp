@@ -33,7 +33,7 @@ std::map<std::u16string, std::string> contentOf(Pager& pager) {
     std::map<std::u16string, std::string> content;
     for (const CatalogObject& object : catalog.tables()) {
         std::string& text = content[object.name];
-        ExportRows(Selection(catalog.table(object), std::nullopt), TextFormat::JsonLines,
+        ExportRows(Filter(catalog.table(object), std::nullopt), TextFormat::JsonLines,
                    [&](std::string_view piece) { text += piece; });
     }
     return content;

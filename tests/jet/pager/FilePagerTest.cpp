@@ -3,8 +3,8 @@
 
 #include "jet/FaultyStorage.h"
 #include "jet/RawFile.h"
-#include "jet/pager/RedoLog.h"
 #include "jet/pager/Sharing.h"
+#include "jet/pager/WriteAheadLog.h"
 
 #include <gtest/gtest.h>
 
@@ -69,7 +69,7 @@ TEST_F(FilePagerTest, CommitsStayInTheLogUntilTheLastUserCloses) {
     fill(first, 2, 7);
     EXPECT_EQ(onDisk(2), 0u);
     EXPECT_EQ(FilledWith(second.read(2)), 7);
-    const std::vector<std::string> shared{"/data/SONGS.LDB", Path, RedoLog::PathFor(Path)};
+    const std::vector<std::string> shared{"/data/SONGS.LDB", Path, WriteAheadLog::PathFor(Path)};
     EXPECT_EQ(storage_.names(), shared);
     first.close();
     EXPECT_EQ(FilledWith(second.read(2)), 7);
@@ -302,18 +302,18 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     }
     Bytes restored = RawFile();
     restored[0xE02] = 9; // another program has written since
-    const Bytes log = after.get(RedoLog::PathFor(Path));
+    const Bytes log = after.get(WriteAheadLog::PathFor(Path));
     for (const char* aside : {"-unused", "-unused2"}) { // and what was kept before stays
         after.put(Path, restored);
-        after.put(RedoLog::PathFor(Path), log);
+        after.put(WriteAheadLog::PathFor(Path), log);
         FilePager pager(after, Path, {});
         EXPECT_EQ(FilledWith(pager.read(2)), 0);
         Changing change(pager);
         Fill(pager.edit(3), 1);
         change.commit();
-        EXPECT_TRUE(after.exists(RedoLog::PathFor(Path) + aside));
+        EXPECT_TRUE(after.exists(WriteAheadLog::PathFor(Path) + aside));
     }
-    EXPECT_EQ(after.get(RedoLog::PathFor(Path) + "-unused"), log);
+    EXPECT_EQ(after.get(WriteAheadLog::PathFor(Path) + "-unused"), log);
 }
 
 // A log is made by the first commit, and by a large transaction long before it.
@@ -325,7 +325,7 @@ TEST_F(FilePagerTest, PagesOfARunningTransactionAreNotThereForOthers) {
     Changing change(writer);
     for (int i = 0; i < 400; ++i)
         Fill(writer.edit(writer.allocate()), 1);
-    EXPECT_TRUE(storage_.exists(RedoLog::PathFor(Path)));
+    EXPECT_TRUE(storage_.exists(WriteAheadLog::PathFor(Path)));
     EXPECT_EQ(reader.pageCount(), 4u);
     change.commit();
     EXPECT_EQ(reader.pageCount(), 404u);

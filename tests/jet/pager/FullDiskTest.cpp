@@ -3,7 +3,7 @@
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/Database.h"
-#include "jet/pager/RedoLog.h"
+#include "jet/pager/WriteAheadLog.h"
 #include "jet/table/TableDesign.h"
 #include "support/NoRoom.h"
 
@@ -74,7 +74,7 @@ protected:
         }
     }
     std::uintmax_t size() const { return std::filesystem::file_size(path_); }
-    std::string log() const { return RedoLog::PathFor(path_); }
+    std::string log() const { return WriteAheadLog::PathFor(path_); }
 
     std::filesystem::path folder_ =
         std::filesystem::temp_directory_path() / ("jet-full-" + std::to_string(::getpid()));

@@ -3,8 +3,8 @@
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "jet/Recordset.h"
-#include "jet/pager/RedoLog.h"
 #include "jet/pager/Sharing.h"
+#include "jet/pager/WriteAheadLog.h"
 #include "jet/table/TableDesign.h"
 
 #include <gtest/gtest.h>
@@ -206,7 +206,7 @@ TEST_F(ProcessesTest, EightWorkOnOneFile) {
         for (const std::int32_t id : child->end(true))
             expected.push_back(id);
     std::sort(expected.begin(), expected.end());
-    EXPECT_FALSE(std::filesystem::exists(RedoLog::PathFor(path_)));
+    EXPECT_FALSE(std::filesystem::exists(WriteAheadLog::PathFor(path_)));
     EXPECT_FALSE(std::filesystem::exists(Sharing::LockFileOf(path_)));
 
     Database database = Database::open(path_);
@@ -266,7 +266,7 @@ TEST_F(ProcessesTest, KilledOnesLoseNothingAndLockNothing) {
         other->close();
     }
     EXPECT_GT(counted, 20);
-    EXPECT_FALSE(std::filesystem::exists(RedoLog::PathFor(path_)));
+    EXPECT_FALSE(std::filesystem::exists(WriteAheadLog::PathFor(path_)));
 }
 
 } // namespace

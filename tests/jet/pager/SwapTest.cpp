@@ -4,7 +4,7 @@
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
 #include "jet/base/Convert.h"
-#include "jet/pager/RedoLog.h"
+#include "jet/pager/WriteAheadLog.h"
 #include "jet/sql/Execute.h"
 #include "jet/table/TableDesign.h"
 #include "jet/transfer/Transfer.h"
@@ -24,7 +24,7 @@ std::string backupName(int number) {
 std::string rowsOf(Storage& storage, const std::string& path) {
     std::string text;
     Database database = Database::open(storage, path);
-    ExportRows(Selection(FindTable(database.catalog(), u"Songs"), std::nullopt), TextFormat::Csv,
+    ExportRows(Filter(FindTable(database.catalog(), u"Songs"), std::nullopt), TextFormat::Csv,
                [&](std::string_view piece) { text += piece; });
     database.close();
     return text;

@@ -8,7 +8,7 @@
 
 #include "jet/Check.h"
 #include "jet/Compact.h"
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 #include "jet/index/KeyEncoding.h"
 #include "jet/jet3/Jet3Import.h"
 

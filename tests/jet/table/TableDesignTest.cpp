@@ -1,7 +1,7 @@
 // Tables, fields and indexes that come, go and change their names, on empty and on filled tables.
 #include "jet/NewDatabase.h"
 
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 
 #include <gtest/gtest.h>
 

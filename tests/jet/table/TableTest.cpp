@@ -2,7 +2,7 @@
 #include "jet/NewDatabase.h"
 
 #include "jet/Check.h"
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 #include "jet/index/KeyEncoding.h"
 #include "jet/page/DataPage.h"
 #include "jet/record/DefinitionFaults.h"

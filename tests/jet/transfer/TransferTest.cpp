@@ -26,7 +26,7 @@ namespace {
 std::string exportTable(Catalog& catalog, std::u16string_view name, TextFormat format) {
     const Table table = FindTable(catalog, name);
     std::string text;
-    ExportRows(Selection(table, std::nullopt), format, [&](std::string_view piece) { text += piece; });
+    ExportRows(Filter(table, std::nullopt), format, [&](std::string_view piece) { text += piece; });
     return text;
 }
 

@@ -1,4 +1,4 @@
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 
 #include "jet/base/Error.h"
 #include "jet/index/IndexTree.h"
@@ -58,8 +58,8 @@ const Value& TableRow::value(int column) {
     return values_[at];
 }
 
-Selection::Selection(const Table& table, const sql::Select& select)
-    : Selection(table, select.where) {
+Filter::Filter(const Table& table, const sql::Select& select)
+    : Filter(table, select.where) {
     const TableDefinition& definition = table.definition();
     const auto find = [&](const std::u16string& name) {
         return FindField(definition, table.name(), {}, name);
@@ -81,16 +81,16 @@ Selection::Selection(const Table& table, const sql::Select& select)
         walk_ = walk;
 }
 
-Selection::Selection(const Table& table, const std::optional<sql::Expression>& where)
+Filter::Filter(const Table& table, const std::optional<sql::Expression>& where)
     : table_(table)
     , fields_(table.definition().displayOrder()) {
     if (where) {
-        criterion_.emplace(table.definition(), table.name(), *where);
-        range_ = ChooseIndex(table, *where);
+        predicate_.emplace(table.definition(), table.name(), *where);
+        range_ = ChooseAccessPath(table, *where);
     }
 }
 
-void Selection::forEach(const Visit& visit) const {
+void Filter::forEach(const Visit& visit) const {
     const Reading reading(table_.pager());
     if (!sorts()) {
         forEachFound(visit);
@@ -103,12 +103,12 @@ void Selection::forEach(const Visit& visit) const {
     }
 }
 
-std::vector<RowPointer> Selection::rows() const {
+std::vector<RowPointer> Filter::rows() const {
     const Reading reading(table_.pager());
     if (sorts())
         return sorted();
     std::vector<RowPointer> pointers;
-    if (range_ && !criterion_) { // the rows need not be looked at
+    if (range_ && !predicate_) { // the rows need not be looked at
         const auto take = [&](RowPointer at) {
             pointers.push_back(at);
             return true;
@@ -123,12 +123,12 @@ std::vector<RowPointer> Selection::rows() const {
     return pointers;
 }
 
-void Selection::forEachFound(const Visit& visit) const {
+void Filter::forEachFound(const Visit& visit) const {
     TableRow values(table_);
     const auto give = [&](RowPointer at, const RowView& row) {
-        if (criterion_) {
+        if (predicate_) {
             values.moveTo(row);
-            if (!criterion_->chooses(values))
+            if (!predicate_->chooses(values))
                 return true;
         }
         return visit(at, row);
@@ -144,7 +144,7 @@ void Selection::forEachFound(const Visit& visit) const {
     walk_ && walk_->backward ? walkBackward(offer) : walkForward(offer);
 }
 
-void Selection::walkForward(const Offer& offer) const {
+void Filter::walkForward(const Offer& offer) const {
     IndexCursor cursor(table_.index(range_->realIndex));
     for (const IndexRange::Stretch& stretch : range_->stretches) {
         bool more = cursor.seekFrom(stretch.lower);
@@ -156,7 +156,7 @@ void Selection::walkForward(const Offer& offer) const {
 }
 
 // Rows with equal keys come in the order of the table, as they do when rows are sorted.
-void Selection::walkBackward(const Offer& offer) const {
+void Filter::walkBackward(const Offer& offer) const {
     IndexCursor cursor(table_.index(range_->realIndex));
     Bytes key;
     std::vector<RowPointer> equal;
@@ -180,7 +180,7 @@ void Selection::walkBackward(const Offer& offer) const {
     give();
 }
 
-std::vector<RowPointer> Selection::sorted() const {
+std::vector<RowPointer> Filter::sorted() const {
     struct Place {
         std::size_t key = 0; // where its key begins; it ends where the next one was begun
         std::size_t end = 0;

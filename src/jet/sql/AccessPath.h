@@ -9,7 +9,7 @@
 
 namespace jet {
 
-// Stretches of an index. They hold every row that the criterion can choose and perhaps others: the criterion
+// Stretches of an index. They hold every row that the predicate can choose and perhaps others: the predicate
 // is still to be asked.
 struct IndexRange {
     struct Stretch {
@@ -26,7 +26,7 @@ struct IndexRange {
 // The range with the most columns that are given; nothing if no index serves. Only comparisons with literals,
 // IN and LIKE that are joined by AND at the top count; a literal that its column cannot hold exactly does
 // not.
-std::optional<IndexRange> ChooseIndex(const Table& table, const sql::Expression& where);
+std::optional<IndexRange> ChooseAccessPath(const Table& table, const sql::Expression& where);
 
 // One term of ORDER BY.
 struct SortTerm {

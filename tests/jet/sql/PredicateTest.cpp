@@ -1,6 +1,6 @@
 // What a WHERE chooses, over rows in memory: three-valued logic, kinds, LIKE, dates, and the errors that
 // programs tell apart.
-#include "jet/sql/Criterion.h"
+#include "jet/sql/Predicate.h"
 #include "jet/base/Error.h"
 #include "jet/text/Collation.h"
 #include "jet/text/DateText.h"
@@ -15,9 +15,9 @@ struct MemoryRow final : RowValues {
     const Value& value(int column) override { return values[static_cast<std::size_t>(column)]; }
 };
 
-class CriterionTest : public ::testing::Test {
+class PredicateTest : public ::testing::Test {
 protected:
-    CriterionTest() {
+    PredicateTest() {
         const std::pair<const char16_t*, ColumnType> columns[] = {
             {u"Name", ColumnType::Text},       {u"Plays", ColumnType::Long},
             {u"Live", ColumnType::Boolean},    {u"Price", ColumnType::Currency},
@@ -39,12 +39,12 @@ protected:
                       Bytes{1},
                       Value{}};
     }
-    Truth ask(std::u16string_view criterion) {
-        return Criterion(definition, u"Carts", sql::ParseCriterion(criterion)).evaluate(row);
+    Truth ask(std::u16string_view predicate) {
+        return Predicate(definition, u"Carts", sql::ParsePredicate(predicate)).evaluate(row);
     }
-    int errorOf(std::u16string_view criterion) {
+    int errorOf(std::u16string_view predicate) {
         try {
-            ask(criterion);
+            ask(predicate);
         } catch (const Error& error) {
             return error.number();
         }
@@ -55,7 +55,7 @@ protected:
     MemoryRow row;
 };
 
-TEST_F(CriterionTest, ChoosesRows) {
+TEST_F(PredicateTest, ChoosesRows) {
     for (const char16_t* yes : {
              u"Name = 'CAFÉ o''neil*'",
              u"name = \"café O'Neil*  \"",
@@ -79,7 +79,7 @@ TEST_F(CriterionTest, ChoosesRows) {
 }
 
 // A comparison with null is neither true nor false, and neither is what depends on it.
-TEST_F(CriterionTest, NullIsUnknown) {
+TEST_F(PredicateTest, NullIsUnknown) {
     for (const char16_t* unknown :
          {u"Missing = 'x'", u"NOT Missing = 'x'", u"Missing = NULL", u"NULL", u"Missing LIKE '*'",
           u"Missing = 'x' OR Plays = 1", u"Missing = 'x' AND Plays = 42", u"Plays IN (1, NULL)",
@@ -91,7 +91,7 @@ TEST_F(CriterionTest, NullIsUnknown) {
     EXPECT_EQ(ask(u"Plays BETWEEN NULL AND 41"), Truth::False);
 }
 
-TEST_F(CriterionTest, TellsErrorsApart) {
+TEST_F(PredicateTest, TellsErrorsApart) {
     for (const char16_t* syntax : {u"",
                                    u"Plays =",
                                    u"Plays = = 1",
@@ -121,7 +121,7 @@ TEST_F(CriterionTest, TellsErrorsApart) {
 }
 
 // Nesting is refused before it exhausts the stack; long chains and lists are not nesting.
-TEST_F(CriterionTest, BoundsNesting) {
+TEST_F(PredicateTest, BoundsNesting) {
     const std::u16string open(20000, u'(');
     EXPECT_EQ(errorOf(open), 3075);
     std::u16string nots;

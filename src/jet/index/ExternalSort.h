@@ -11,16 +11,16 @@ namespace jet {
 
 class StorageFile;
 
-class EntrySorter {
+class ExternalSort {
 public:
     static constexpr std::size_t DefaultMemory = std::size_t{64} << 20;
 
     // `memory`: bytes that entries and their order may take before a run is written out; the merge reads
     // through buffers of as much in all, but at least 4 KB a run.
-    explicit EntrySorter(std::size_t memory = DefaultMemory);
-    EntrySorter(EntrySorter&&) noexcept;
-    EntrySorter& operator=(EntrySorter&&) noexcept;
-    ~EntrySorter();
+    explicit ExternalSort(std::size_t memory = DefaultMemory);
+    ExternalSort(ExternalSort&&) noexcept;
+    ExternalSort& operator=(ExternalSort&&) noexcept;
+    ~ExternalSort();
 
     // How many entries are to come, as far as is known: saves making room again and again.
     void expect(std::uint64_t entries);

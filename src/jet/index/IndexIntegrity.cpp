@@ -1,4 +1,4 @@
-#include "jet/index/IndexCheck.h"
+#include "jet/index/IndexIntegrity.h"
 
 #include "jet/base/Damage.h"
 #include "jet/index/IndexPath.h"

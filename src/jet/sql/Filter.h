@@ -1,8 +1,8 @@
 // The rows of one table that a SELECT chooses, in the order it asks for.
 #pragma once
 
-#include "jet/sql/Criterion.h"
-#include "jet/sql/IndexChoice.h"
+#include "jet/sql/AccessPath.h"
+#include "jet/sql/Predicate.h"
 #include "jet/table/Table.h"
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace jet {
 
-// A row of a table as a criterion sees it: columns are taken out when they are asked for.
+// A row of a table as a predicate sees it: columns are taken out when they are asked for.
 class TableRow final : public RowValues {
 public:
     explicit TableRow(const Table& table);
@@ -25,13 +25,13 @@ private:
     std::uint32_t turn_ = 0;
 };
 
-class Selection {
+class Filter {
 public:
-    // The table outlives the selection. Throws what Criterion does, and UnknownField for a field to show or
+    // The table outlives the filter. Throws what Predicate does, and UnknownField for a field to show or
     // to sort by.
-    Selection(const Table& table, const sql::Select& select);
+    Filter(const Table& table, const sql::Select& select);
     // All fields of the rows for which `where` holds; without one, all rows.
-    Selection(const Table& table, const std::optional<sql::Expression>& where);
+    Filter(const Table& table, const std::optional<sql::Expression>& where);
 
     const Table& table() const { return table_; }
     // Positions of the fields to show.
@@ -62,7 +62,7 @@ private:
     const Table& table_;
     std::vector<int> fields_;
     std::vector<SortTerm> order_;
-    std::optional<Criterion> criterion_;
+    std::optional<Predicate> predicate_;
     std::optional<IndexRange> range_;
     std::optional<IndexWalk> walk_; // gives the rows of range_ in order_
 };

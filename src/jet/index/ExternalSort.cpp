@@ -1,4 +1,4 @@
-#include "jet/index/EntrySorter.h"
+#include "jet/index/ExternalSort.h"
 
 #include "jet/base/Error.h"
 #include "jet/base/Prefetch.h"
@@ -89,7 +89,7 @@ std::unique_ptr<StorageFile> temporaryFile() {
 } // namespace
 
 // One sorted run in the file, read through a buffer.
-class EntrySorter::Run {
+class ExternalSort::Run {
 public:
     Run(std::uint64_t begin, std::uint64_t end)
         : at_(begin)
@@ -133,23 +133,23 @@ private:
     KeyView entry_;
 };
 
-EntrySorter::EntrySorter(std::size_t memory)
+ExternalSort::ExternalSort(std::size_t memory)
     : memory_(memory) {}
 
-EntrySorter::EntrySorter(EntrySorter&&) noexcept = default;
-EntrySorter& EntrySorter::operator=(EntrySorter&&) noexcept = default;
-EntrySorter::~EntrySorter() = default;
+ExternalSort::ExternalSort(ExternalSort&&) noexcept = default;
+ExternalSort& ExternalSort::operator=(ExternalSort&&) noexcept = default;
+ExternalSort::~ExternalSort() = default;
 
-RowPointer EntrySorter::row() const {
+RowPointer ExternalSort::row() const {
     return RowOf(entry_);
 }
 
-KeyView EntrySorter::entryAt(const Place& place) const {
+KeyView ExternalSort::entryAt(const Place& place) const {
     return {chunks_[place.at / ChunkLength].get() + place.at % ChunkLength, place.length};
 }
 
 // Bytes for an entry, which lies in one chunk.
-std::uint8_t* EntrySorter::room(std::size_t length) {
+std::uint8_t* ExternalSort::room(std::size_t length) {
     if (used_ % ChunkLength + length > ChunkLength)
         used_ += ChunkLength - used_ % ChunkLength;
     if (used_ / ChunkLength == chunks_.size())
@@ -159,12 +159,12 @@ std::uint8_t* EntrySorter::room(std::size_t length) {
     return at;
 }
 
-void EntrySorter::expect(std::uint64_t entries) {
+void ExternalSort::expect(std::uint64_t entries) {
     places_.reserve(
         static_cast<std::size_t>(std::min<std::uint64_t>(entries, memory_ / (3 * sizeof(Place)))));
 }
 
-void EntrySorter::add(KeyView key, RowPointer row) {
+void ExternalSort::add(KeyView key, RowPointer row) {
     const std::size_t length = key.size() + RowLength;
     // Sorting takes a second set of places.
     if (!places_.empty() && used_ + length + 2 * sizeof(Place) * (places_.size() + 1) > memory_)
@@ -185,7 +185,7 @@ void EntrySorter::add(KeyView key, RowPointer row) {
 
 // Keys of one index often begin alike; what they have in common says nothing about their order, so the heads
 // are taken from behind it.
-void EntrySorter::sortPlaces() {
+void ExternalSort::sortPlaces() {
     if (inOrder_)
         return;
     for (Place& place : places_)
@@ -208,7 +208,7 @@ void EntrySorter::sortPlaces() {
 }
 
 // Writes the entries in memory to the file as a run.
-void EntrySorter::spill() {
+void ExternalSort::spill() {
     sortPlaces();
     if (file_ == nullptr)
         file_ = temporaryFile();
@@ -241,7 +241,7 @@ constexpr auto Behind = [](const auto& a, const auto& b) {
 
 } // namespace
 
-void EntrySorter::sort() {
+void ExternalSort::sort() {
     if (runs_.empty()) {
         sortPlaces();
         spare_ = {};
@@ -259,7 +259,7 @@ void EntrySorter::sort() {
     std::make_heap(runs_.begin(), runs_.end(), Behind);
 }
 
-bool EntrySorter::next() {
+bool ExternalSort::next() {
     if (file_ == nullptr) {
         if (given_ == places_.size())
             return false;

@@ -1,4 +1,4 @@
-#include "jet/sql/Criterion.h"
+#include "jet/sql/Predicate.h"
 
 #include "jet/base/Error.h"
 #include "jet/record/ValueText.h"
@@ -18,14 +18,14 @@ int FindField(const TableDefinition& definition, std::u16string_view tableName, 
     return column;
 }
 
-Criterion::Criterion(const TableDefinition& definition, std::u16string_view tableName,
+Predicate::Predicate(const TableDefinition& definition, std::u16string_view tableName,
                      const Expression& expression)
     : root_(bind(definition, tableName, expression)) {
     if (root_.valueClass != ValueClass::Number && root_.valueClass != ValueClass::Null)
         throw Error(ErrorNumber::DataTypeMismatch);
 }
 
-Criterion::Node Criterion::bind(const TableDefinition& definition, std::u16string_view tableName,
+Predicate::Node Predicate::bind(const TableDefinition& definition, std::u16string_view tableName,
                                 const Expression& expression) {
     Node node;
     node.kind = expression.kind;
@@ -71,7 +71,7 @@ Criterion::Node Criterion::bind(const TableDefinition& definition, std::u16strin
     return node;
 }
 
-void Criterion::bindLike(Node& node) {
+void Predicate::bindLike(Node& node) {
     const Node& text = node.operands[0];
     const Node& pattern = node.operands[1];
     if (text.valueClass == ValueClass::Binary || text.valueClass == ValueClass::Uuid ||
@@ -81,7 +81,7 @@ void Criterion::bindLike(Node& node) {
         node.pattern.emplace_back(*literal);
 }
 
-Truth Criterion::truth(const Node& node, RowValues& row) {
+Truth Predicate::truth(const Node& node, RowValues& row) {
     switch (node.kind) {
     case Kind::And:
         return chain(node, row, Truth::False);
@@ -119,7 +119,7 @@ Truth Criterion::truth(const Node& node, RowValues& row) {
 }
 
 // AND is the least of its parts, OR the greatest; the decisive value ends the walk.
-Truth Criterion::chain(const Node& node, RowValues& row, Truth decisive) {
+Truth Predicate::chain(const Node& node, RowValues& row, Truth decisive) {
     Truth result = Not(decisive);
     for (const Node& part : node.operands) {
         const Truth one = truth(part, row);
@@ -130,7 +130,7 @@ Truth Criterion::chain(const Node& node, RowValues& row, Truth decisive) {
     return result;
 }
 
-Truth Criterion::like(const Node& node, RowValues& row) {
+Truth Predicate::like(const Node& node, RowValues& row) {
     Value textScratch;
     Value patternScratch;
     const Value& text = operand(node.operands[0], row, textScratch);
@@ -148,7 +148,7 @@ Truth Criterion::like(const Node& node, RowValues& row) {
     return matches(ToUtf16(digits));
 }
 
-Truth Criterion::compare(const Node& left, const Node& right, Comparison comparison, RowValues& row) {
+Truth Predicate::compare(const Node& left, const Node& right, Comparison comparison, RowValues& row) {
     Value leftScratch;
     Value rightScratch;
     const Value& a = operand(left, row, leftScratch);
@@ -174,7 +174,7 @@ Truth Criterion::compare(const Node& left, const Node& right, Comparison compari
 }
 
 // A comparison used as a value is a Boolean, or null when unknown.
-const Value& Criterion::operand(const Node& node, RowValues& row, Value& scratch) {
+const Value& Predicate::operand(const Node& node, RowValues& row, Value& scratch) {
     if (node.kind == Kind::Literal)
         return node.literal;
     if (node.kind == Kind::Field) {

@@ -8,7 +8,7 @@
 
 namespace jet {
 
-// One row as a criterion sees it.
+// One row as a predicate sees it.
 class RowValues {
 public:
     virtual ~RowValues() = default;
@@ -20,11 +20,11 @@ public:
 int FindField(const TableDefinition& definition, std::u16string_view tableName, std::u16string_view table,
               std::u16string_view field);
 
-class Criterion {
+class Predicate {
 public:
     // Throws UnknownField for a name that is no field of the table, DataTypeMismatch where kinds do not
     // compare (whatever the rows hold), SyntaxError for a bad pattern.
-    Criterion(const TableDefinition& definition, std::u16string_view tableName,
+    Predicate(const TableDefinition& definition, std::u16string_view tableName,
               const sql::Expression& expression);
 
     // Comparisons with null are unknown; only rows for which the whole is true are chosen.

@@ -214,7 +214,7 @@ jet::TextFormat formatOf(const Call& call) {
     return call.output.json() ? jet::TextFormat::JsonLines : jet::TextFormat::Csv;
 }
 
-void exportRows(Call& call, const jet::Selection& selection) {
+void exportRows(Call& call, const jet::Filter& selection) {
     call.output.piece({}); // no rows are no document either
     jet::ExportRows(selection, formatOf(call), [&](std::string_view text) { call.output.piece(text); });
 }
@@ -223,7 +223,7 @@ int exportTable(Call& call) {
     return guarded(call, [&]() -> int {
         jet::Database database = openFile(call, true);
         const jet::Table table = jet::FindTable(database.catalog(), call.argument(1).toStdU16String());
-        exportRows(call, jet::Selection(table, std::nullopt));
+        exportRows(call, jet::Filter(table, std::nullopt));
         return Done;
     });
 }
@@ -259,7 +259,7 @@ int query(Call& call) {
         jet::Database database = openFile(call, select != nullptr);
         if (select != nullptr) {
             const jet::Table table = jet::FindTable(database.catalog(), select->table);
-            exportRows(call, jet::Selection(table, *select));
+            exportRows(call, jet::Filter(table, *select));
             return Done;
         }
         const std::uint32_t rows = jet::Execute(database.catalog(), statement);
@@ -315,7 +315,7 @@ int compact(Call& call) {
 
 } // namespace
 
-CommandRows DbCommands() {
+CommandRows EngineCommands() {
     const Option system{"--system", nullptr, "with the tables of the system"};
     return {
         {"db tables", "FILE", "List the tables of a database with their numbers of rows", tables, {system}},

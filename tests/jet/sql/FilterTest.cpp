@@ -1,6 +1,6 @@
 // What SELECT, UPDATE and DELETE choose from a table: the same rows with an index and without, the same order
 // as comparing values gives, all changes or none.
-#include "jet/sql/Selection.h"
+#include "jet/sql/Filter.h"
 #include "jet/Database.h"
 #include "jet/base/Error.h"
 #include "jet/pager/MemoryPager.h"
@@ -38,9 +38,9 @@ const TableDesign carts = {
     {},
 };
 
-class SelectionTest : public ::testing::Test {
+class FilterTest : public ::testing::Test {
 protected:
-    SelectionTest() {
+    FilterTest() {
         AppendTable(catalog_, carts);
         Table table = catalog_.table(u"Carts");
         const char16_t* titles[] = {u"Ärger", u"arger", u"co-op", u"coop", u"Zulu", u"zulu", u"", u"Straße"};
@@ -63,13 +63,13 @@ protected:
 
     std::vector<RowPointer> walk(const std::u16string& where) {
         const Table table = catalog_.table(u"Carts");
-        const Criterion criterion(table.definition(), table.name(), sql::ParseCriterion(where));
+        const Predicate predicate(table.definition(), table.name(), sql::ParsePredicate(where));
         TableRow values(table);
         std::vector<RowPointer> rows;
         RowPointer at;
         for (RowView row; table.next(at, row);) {
             values.moveTo(row);
-            if (criterion.chooses(values))
+            if (predicate.chooses(values))
                 rows.push_back(at);
         }
         return rows;
@@ -78,7 +78,7 @@ protected:
         const auto select = std::get<sql::Select>(sql::ParseStatement(sql));
         const Table table = catalog_.table(select.table);
         std::vector<Value> values;
-        Selection(table, select).forEach([&](RowPointer, const RowView& row) {
+        Filter(table, select).forEach([&](RowPointer, const RowView& row) {
             table.value(row, position, values.emplace_back());
             return true;
         });
@@ -91,8 +91,8 @@ protected:
     Catalog catalog_{pager_};
 };
 
-// Random criteria over indexed columns: an index must not lose a row or bring one that does not belong.
-TEST_F(SelectionTest, IndexAndWalkAgree) {
+// Random predicates over indexed columns: an index must not lose a row or bring one that does not belong.
+TEST_F(FilterTest, IndexAndWalkAgree) {
     const std::vector<std::u16string> fields = {u"Number", u"Title", u"Plays", u"Length",
                                                 u"Live",   u"Added", u"Fee"};
     const std::vector<std::vector<std::u16string>> literals = {
@@ -137,15 +137,15 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
                 where += fields[field] + u" " + signs[pick(6)] + u" " + literal();
             }
         }
-        const Selection selection(table, sql::ParseCriterion(where));
-        byIndex += selection.index() ? 1 : 0;
-        std::vector<RowPointer> rows = selection.rows();
+        const Filter filter(table, sql::ParsePredicate(where));
+        byIndex += filter.index() ? 1 : 0;
+        std::vector<RowPointer> rows = filter.rows();
         std::sort(rows.begin(), rows.end());
         ASSERT_EQ(rows, walk(where)) << ToUtf8(where);
     }
     EXPECT_GT(byIndex, 500);
     const auto chosen = [&](const char16_t* where) {
-        const auto range = Selection(table, sql::ParseCriterion(where)).index();
+        const auto range = Filter(table, sql::ParsePredicate(where)).index();
         return range ? range->realIndex : -1;
     };
     EXPECT_EQ(chosen(u"Title = 'x' AND Number = 5"), 0);
@@ -161,7 +161,7 @@ TEST_F(SelectionTest, IndexAndWalkAgree) {
     EXPECT_EQ(chosen(u"Added IS NULL"), -1); // that index has no entries for nulls
 }
 
-TEST_F(SelectionTest, SortsAsValuesCompare) {
+TEST_F(FilterTest, SortsAsValuesCompare) {
     for (const auto& [name, position] :
          {std::pair(u"Title", 1), std::pair(u"Plays", 2), std::pair(u"Length", 3)}) {
         for (const bool descending : {false, true}) {
@@ -184,7 +184,7 @@ TEST_F(SelectionTest, SortsAsValuesCompare) {
 // Texts of letters, accents, signs that hardly count and such that do not count at all: what begins like
 // another in one way need not do so in its key. The same rows stand in a table with indexes and in one
 // without.
-TEST_F(SelectionTest, IndexesServeLikeAndOrder) {
+TEST_F(FilterTest, IndexesServeLikeAndOrder) {
     const std::vector<FieldDesign> fields = {{u"Id", ColumnType::Long},
                                              {u"Name", ColumnType::Text, 40, false, false, true},
                                              {u"Size", ColumnType::Integer}};
@@ -211,10 +211,10 @@ TEST_F(SelectionTest, IndexesServeLikeAndOrder) {
         const auto ids = [&](const Table& table, const sql::Select& select) {
             std::vector<std::int32_t> found;
             Value id;
-            const Selection selection(table, select);
-            walks += selection.sorts() || select.order.empty() ? 0 : 1;
-            ranges += selection.index() ? 1 : 0;
-            selection.forEach([&](RowPointer, const RowView& row) {
+            const Filter filter(table, select);
+            walks += filter.sorts() || select.order.empty() ? 0 : 1;
+            ranges += filter.index() ? 1 : 0;
+            filter.forEach([&](RowPointer, const RowView& row) {
                 table.value(row, 0, id);
                 found.push_back(std::get<std::int32_t>(id));
                 return true;
@@ -247,7 +247,7 @@ TEST_F(SelectionTest, IndexesServeLikeAndOrder) {
     EXPECT_EQ(walks, 400 + 2 + 3 * 2);
 }
 
-TEST_F(SelectionTest, ChangesRows) {
+TEST_F(FilterTest, ChangesRows) {
     EXPECT_EQ(Execute(catalog_, u"INSERT INTO carts (Number, Title) VALUES (1000, \"O'Neil\")"), 1u);
     EXPECT_EQ(column(u"SELECT * FROM Carts WHERE Title = 'O''NEIL'", 0),
               std::vector<Value>{std::int32_t{1000}});
@@ -291,7 +291,7 @@ TEST(ExecuteTest, LeavesNothingHalfDone) {
         EXPECT_THROW(Execute(database.catalog(), u"UPDATE Carts SET Number = Plays"), Error);
         EXPECT_THROW(Execute(database.catalog(), u"UPDATE Carts SET Number = 7 WHERE Number > 40"), Error);
         const Table table = database.catalog().table(u"Carts");
-        EXPECT_EQ(Selection(table, sql::ParseCriterion(u"Number BETWEEN 0 AND 49")).rows().size(), 50u);
+        EXPECT_EQ(Filter(table, sql::ParsePredicate(u"Number BETWEEN 0 AND 49")).rows().size(), 50u);
     }
     std::filesystem::remove_all(folder);
 }

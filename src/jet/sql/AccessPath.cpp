@@ -1,4 +1,4 @@
-#include "jet/sql/IndexChoice.h"
+#include "jet/sql/AccessPath.h"
 
 #include "jet/base/Error.h"
 #include "jet/index/KeyEncoding.h"
@@ -18,7 +18,7 @@ using sql::Comparison;
 using sql::Expression;
 using Kind = Expression::Kind;
 
-// What the criterion says of one column. Bounds are taken as inclusive: the criterion is asked again.
+// What the predicate says of one column. Bounds are taken as inclusive: the predicate is asked again.
 struct Bounds {
     std::vector<Value> equal;            // one of these; null stands for IS NULL
     std::optional<std::u16string> start; // of the text, in whatever case
@@ -285,7 +285,7 @@ int rank(const Table& table, const IndexRange& range) {
 
 } // namespace
 
-std::optional<IndexRange> ChooseIndex(const Table& table, const Expression& where) {
+std::optional<IndexRange> ChooseAccessPath(const Table& table, const Expression& where) {
     Collector collector(table);
     collector.add(where);
     std::optional<IndexRange> best;

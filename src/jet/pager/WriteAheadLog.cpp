@@ -1,4 +1,4 @@
-#include "jet/pager/RedoLog.h"
+#include "jet/pager/WriteAheadLog.h"
 
 #include "jet/base/Damage.h"
 #include "jet/base/LittleEndian.h"
@@ -62,7 +62,7 @@ std::uint64_t freshSalt() {
     return (static_cast<std::uint64_t>(device()) << 32 | device()) ^ now;
 }
 
-void encodeState(const RedoLog::State& state, std::uint8_t* at) {
+void encodeState(const WriteAheadLog::State& state, std::uint8_t* at) {
     Store64(at, state.generation);
     Store32(at + 8, state.frames);
     Store32(at + 12, state.pages);
@@ -86,26 +86,26 @@ void setAside(Storage& storage, const std::string& path) {
 
 } // namespace
 
-std::uint64_t RedoLog::IdentityOf(const std::uint8_t* pageZero) {
+std::uint64_t WriteAheadLog::IdentityOf(const std::uint8_t* pageZero) {
     return checksum(1, pageZero, PageSize);
 }
 
-std::unique_ptr<RedoLog> RedoLog::open(Storage& storage, const std::string& path, bool readOnly,
-                                       std::uint64_t identity) {
+std::unique_ptr<WriteAheadLog> WriteAheadLog::open(Storage& storage, const std::string& path, bool readOnly,
+                                                   std::uint64_t identity) {
     if (!storage.exists(path))
         return nullptr;
-    std::unique_ptr<RedoLog> log(
-        new RedoLog(storage.open(path, readOnly ? Storage::Open::ReadOnly : Storage::Open::ReadWrite)));
+    std::unique_ptr<WriteAheadLog> log(
+        new WriteAheadLog(storage.open(path, readOnly ? Storage::Open::ReadOnly : Storage::Open::ReadWrite)));
     return log->readHeader() && log->identity_ == identity ? std::move(log) : nullptr;
 }
 
-std::unique_ptr<RedoLog> RedoLog::create(Storage& storage, const std::string& path, std::uint64_t identity,
-                                         PageNumber pages) {
-    if (storage.exists(path) && RedoLog(storage.open(path, Storage::Open::ReadOnly)).readHeader())
+std::unique_ptr<WriteAheadLog> WriteAheadLog::create(Storage& storage, const std::string& path,
+                                                     std::uint64_t identity, PageNumber pages) {
+    if (storage.exists(path) && WriteAheadLog(storage.open(path, Storage::Open::ReadOnly)).readHeader())
         setAside(storage, path); // of a file that was replaced, or changed by a program without logs
     else
         storage.remove(path);
-    std::unique_ptr<RedoLog> log(new RedoLog(storage.open(path, Storage::Open::CreateNew)));
+    std::unique_ptr<WriteAheadLog> log(new WriteAheadLog(storage.open(path, Storage::Open::CreateNew)));
     log->identity_ = identity;
     log->salt_ = freshSalt();
     log->startAfter({1, 0, pages, log->salt_, 0});
@@ -113,14 +113,14 @@ std::unique_ptr<RedoLog> RedoLog::create(Storage& storage, const std::string& pa
     return log;
 }
 
-void RedoLog::startAfter(const State& state) {
+void WriteAheadLog::startAfter(const State& state) {
     state_ = state;
     buffered_ = 0;
     end_ = state.frames;
     endChain_ = state.chain;
 }
 
-bool RedoLog::readHeader() {
+bool WriteAheadLog::readHeader() {
     std::uint8_t head[HeaderLength];
     if (file_->read(0, head, HeaderLength) != HeaderLength || std::memcmp(head, Magic, MagicLength) != 0 ||
         Load64(head + HeaderSumAt) != checksum(0, head, HeaderSumAt))
@@ -134,7 +134,7 @@ bool RedoLog::readHeader() {
     return true;
 }
 
-bool RedoLog::readState(State& state) {
+bool WriteAheadLog::readState(State& state) {
     std::uint8_t at[StateLength];
     if (file_->read(StateAt, at, StateLength) != StateLength || Load64(at + 32) != checksum(0, at, 32))
         return false;
@@ -143,12 +143,12 @@ bool RedoLog::readState(State& state) {
 }
 
 // Holds the published state locked.
-class RedoLog::StateLock {
+class WriteAheadLog::StateLock {
 public:
-    StateLock(const RedoLog& log, bool exclusive)
+    StateLock(const WriteAheadLog& log, bool exclusive)
         : file_(log.shared_ ? log.file_.get() : nullptr) {
         if (file_ != nullptr && !file_->lock(StateByte, 1, exclusive, true))
-            throw Error(ErrorNumber::RecordLocked, "the redo log");
+            throw Error(ErrorNumber::RecordLocked, "the write-ahead log");
     }
     ~StateLock() {
         try {
@@ -165,7 +165,7 @@ private:
     StorageFile* file_;
 };
 
-void RedoLog::writeHeader() {
+void WriteAheadLog::writeHeader() {
     std::uint8_t head[StateAt + StateLength] = {};
     std::memcpy(head, Magic, MagicLength);
     Store64(head + SaltAt, salt_);
@@ -176,18 +176,18 @@ void RedoLog::writeHeader() {
     file_->write(0, head, sizeof(head));
 }
 
-bool RedoLog::refresh() {
+bool WriteAheadLog::refresh() {
     State state;
     const StateLock lock(*this, false);
     if (!readState(state))
-        throw Error(ErrorNumber::Corrupt, "the redo log is damaged");
+        throw Error(ErrorNumber::Corrupt, "the write-ahead log is damaged");
     if (state == state_)
         return false;
     startAfter(state);
     return true;
 }
 
-void RedoLog::recover() {
+void WriteAheadLog::recover() {
     State state{state_.generation, 0, 0, salt_, 0};
     std::vector<std::uint8_t> bytes(FrameLength);
     std::uint64_t chain = salt_;
@@ -205,27 +205,27 @@ void RedoLog::recover() {
     startAfter(state);
 }
 
-void RedoLog::pagesOf(std::uint32_t from, std::uint32_t to,
-                      const std::function<void(std::uint32_t, PageNumber)>& each) {
+void WriteAheadLog::pagesOf(std::uint32_t from, std::uint32_t to,
+                            const std::function<void(std::uint32_t, PageNumber)>& each) {
     for (std::uint32_t frame = from; frame < to; ++frame) {
         std::uint8_t page[4];
         if (file_->read(offsetOf(frame), page, sizeof(page)) != sizeof(page))
-            throw Error(ErrorNumber::Corrupt, "the redo log is cut off");
+            throw Error(ErrorNumber::Corrupt, "the write-ahead log is cut off");
         each(frame, Load32(page));
     }
 }
 
-void RedoLog::read(std::uint32_t frame, std::uint8_t* into) {
+void WriteAheadLog::read(std::uint32_t frame, std::uint8_t* into) {
     const std::uint32_t written = end_ - buffered_;
     if (frame >= written) {
         std::memcpy(into, buffer_.data() + (frame - written) * FrameLength + FrameHead, PageSize);
         return;
     }
     if (file_->read(offsetOf(frame) + FrameHead, into, PageSize) != PageSize)
-        throw Error(ErrorNumber::Corrupt, "the redo log is cut off");
+        throw Error(ErrorNumber::Corrupt, "the write-ahead log is cut off");
 }
 
-void RedoLog::append(PageNumber page, const std::uint8_t* bytes, PageNumber commitPages) {
+void WriteAheadLog::append(PageNumber page, const std::uint8_t* bytes, PageNumber commitPages) {
     finishReset();
     if (buffered_ == FramesInBuffer)
         writeOut();
@@ -240,13 +240,13 @@ void RedoLog::append(PageNumber page, const std::uint8_t* bytes, PageNumber comm
     ++end_;
 }
 
-void RedoLog::writeOut() {
+void WriteAheadLog::writeOut() {
     if (buffered_ != 0)
         file_->write(offsetOf(end_ - buffered_), buffer_.data(), buffered_ * FrameLength);
     buffered_ = 0;
 }
 
-void RedoLog::publish(PageNumber pages) {
+void WriteAheadLog::publish(PageNumber pages) {
     const StateLock lock(*this, true);
     writeOut();
     State state = state_;
@@ -259,7 +259,7 @@ void RedoLog::publish(PageNumber pages) {
     state_ = state;
 }
 
-void RedoLog::rollback() noexcept {
+void WriteAheadLog::rollback() noexcept {
     const bool written = end_ - buffered_ > state_.frames;
     startAfter(state_);
     if (!written)
@@ -272,15 +272,15 @@ void RedoLog::rollback() noexcept {
     }
 }
 
-void RedoLog::flush() {
+void WriteAheadLog::flush() {
     if (flushFailed_)
-        throw Error(ErrorNumber::DiskIo, "the redo log could not be flushed before");
+        throw Error(ErrorNumber::DiskIo, "the write-ahead log could not be flushed before");
     flushFailed_ = true;
     file_->flush();
     flushFailed_ = false;
 }
 
-void RedoLog::reset(PageNumber pages) {
+void WriteAheadLog::reset(PageNumber pages) {
     salt_ = freshSalt();
     startAfter({state_.generation + 1, 0, pages, salt_, state_.frames});
     resetPending_ = true;
@@ -292,7 +292,7 @@ void RedoLog::reset(PageNumber pages) {
     }
 }
 
-void RedoLog::finishReset() {
+void WriteAheadLog::finishReset() {
     if (!resetPending_)
         return;
     // The new header must be on the disk before a frame is written over the old ones: an old header with a

@@ -1,6 +1,7 @@
-// The redo log beside a database: whole pages as transactions left them, each under a checksum that continues
-// the one before, so that the log is valid up to the first page that did not get there. docs/formats/jet.md
-// has its bytes. The pager above decides when it is written, flushed and emptied, and holds the locks.
+// The write-ahead log beside a database: whole pages as transactions left them, each under a checksum that
+// continues the one before, so that the log is valid up to the first page that did not get there.
+// docs/formats/jet.md has its bytes. The pager above decides when it is written, flushed and emptied, and
+// holds the locks.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -12,7 +13,7 @@
 
 namespace jet {
 
-class RedoLog {
+class WriteAheadLog {
 public:
     // Frames are numbered from 0; frame and page count fit in 32 bits because files end at 2 GB.
     struct State {
@@ -31,14 +32,14 @@ public:
 
     // Opens the log of a database. Null: there is none, or it is of another database, or was never finished
     // being made and so holds nothing.
-    static std::unique_ptr<RedoLog> open(Storage& storage, const std::string& path, bool readOnly,
-                                         std::uint64_t identity);
+    static std::unique_ptr<WriteAheadLog> open(Storage& storage, const std::string& path, bool readOnly,
+                                               std::uint64_t identity);
     // Whether others may read and publish at the same time: both then lock the log for that moment, which
     // also makes other machines see what was written to a share.
     void setShared(bool shared) { shared_ = shared; }
     // Makes an empty log. One that is of another database is kept under another name.
-    static std::unique_ptr<RedoLog> create(Storage& storage, const std::string& path, std::uint64_t identity,
-                                           PageNumber pages);
+    static std::unique_ptr<WriteAheadLog> create(Storage& storage, const std::string& path,
+                                                 std::uint64_t identity, PageNumber pages);
 
     const State& state() const { return state_; }
     // Frames with those of the running transaction.
@@ -74,7 +75,7 @@ public:
 
 private:
     class StateLock;
-    explicit RedoLog(std::unique_ptr<StorageFile> file)
+    explicit WriteAheadLog(std::unique_ptr<StorageFile> file)
         : file_(std::move(file)) {}
     bool readHeader();
     bool readState(State& state);

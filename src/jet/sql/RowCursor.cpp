@@ -1,4 +1,4 @@
-#include "jet/sql/RowOrder.h"
+#include "jet/sql/RowCursor.h"
 
 #include "jet/base/Convert.h"
 #include "jet/base/Error.h"
@@ -7,27 +7,27 @@
 
 namespace jet {
 
-bool PageOrder::first() {
+bool PageCursor::first() {
     at_ = {};
     return next();
 }
 
-bool PageOrder::last() {
+bool PageCursor::last() {
     at_ = {};
     return previous();
 }
 
-bool PageOrder::next() {
+bool PageCursor::next() {
     RowView row;
     return table_.next(at_, row);
 }
 
-bool PageOrder::previous() {
+bool PageCursor::previous() {
     RowView row;
     return table_.previous(at_, row);
 }
 
-bool PageOrder::moveTo(RowPointer at) {
+bool PageCursor::moveTo(RowPointer at) {
     RowView row;
     if (!table_.fetch(at, row))
         return false;
@@ -35,7 +35,7 @@ bool PageOrder::moveTo(RowPointer at) {
     return true;
 }
 
-IndexOrder::IndexOrder(const Table& table, int realIndex)
+IndexRowCursor::IndexRowCursor(const Table& table, int realIndex)
     : table_(table)
     , encoder_(table.definition(), table.definition().realIndexes.at(static_cast<std::size_t>(realIndex)))
     , cursor_(table.index(realIndex))
@@ -48,7 +48,7 @@ IndexOrder::IndexOrder(const Table& table, int realIndex)
     }
 }
 
-bool IndexOrder::moveTo(RowPointer at) {
+bool IndexRowCursor::moveTo(RowPointer at) {
     const Reading reading(table_.pager());
     RowView row;
     if (!table_.fetch(at, row))
@@ -60,20 +60,20 @@ bool IndexOrder::moveTo(RowPointer at) {
     return true;
 }
 
-void IndexOrder::encode(std::span<const Value> values, Bytes& key) const {
+void IndexRowCursor::encode(std::span<const Value> values, Bytes& key) const {
     std::vector<Value> converted(values.begin(), values.end());
     for (std::size_t i = 0; i < std::min(converted.size(), encoder_.parts().size()); ++i)
         ConvertValue(encoder_.parts()[i].type, converted[i]);
     encoder_.encodeLeading(converted, key);
 }
 
-bool ListOrder::isThere(RowPointer at) const {
+bool ListCursor::isThere(RowPointer at) const {
     RowView row;
     return table_ == nullptr || table_->fetch(at, row);
 }
 
 // To the first row there is from a position on; to the last one before a position.
-bool ListOrder::forward(std::size_t from) {
+bool ListCursor::forward(std::size_t from) {
     gap_ = false;
     for (position_ = from; position_ < rows_.size(); ++position_)
         if (isThere(at()))
@@ -81,7 +81,7 @@ bool ListOrder::forward(std::size_t from) {
     return false;
 }
 
-bool ListOrder::backward(std::size_t end) {
+bool ListCursor::backward(std::size_t end) {
     gap_ = false;
     for (position_ = end; position_-- > 0;)
         if (isThere(at()))
@@ -89,23 +89,23 @@ bool ListOrder::backward(std::size_t end) {
     return false;
 }
 
-bool ListOrder::first() {
+bool ListCursor::first() {
     return forward(0);
 }
 
-bool ListOrder::last() {
+bool ListCursor::last() {
     return backward(rows_.size());
 }
 
-bool ListOrder::next() {
+bool ListCursor::next() {
     return forward(position_ + (gap_ ? 0 : 1));
 }
 
-bool ListOrder::previous() {
+bool ListCursor::previous() {
     return backward(position_);
 }
 
-bool ListOrder::moveTo(RowPointer at) {
+bool ListCursor::moveTo(RowPointer at) {
     // The place itself, most of the time.
     const bool here = !gap_ && position_ < rows_.size() && rows_[position_] == at;
     const auto found = here ? rows_.begin() + static_cast<std::ptrdiff_t>(position_)
@@ -117,7 +117,7 @@ bool ListOrder::moveTo(RowPointer at) {
     return true;
 }
 
-void ListOrder::removed() {
+void ListCursor::removed() {
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(position_));
     gap_ = true;
 }

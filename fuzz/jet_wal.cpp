@@ -1,12 +1,12 @@
-// A redo log as somebody may find it beside a database: recovered when nobody else is there, and followed
-// when another user has the file open. Whatever it holds, opening, reading and writing end with an error or
-// well. An input that begins with 01 is frames, each a page number and a page count of four bytes, under
-// right checksums; any other is the log itself.
+// A write-ahead log as somebody may find it beside a database: recovered when nobody else is there, and
+// followed when another user has the file open. Whatever it holds, opening, reading and writing end with an
+// error or well. An input that begins with 01 is frames, each a page number and a page count of four bytes,
+// under right checksums; any other is the log itself.
 #include "jet/FaultyStorage.h"
 #include "jet/RawFile.h"
 #include "jet/base/LittleEndian.h"
 #include "jet/pager/FilePager.h"
-#include "jet/pager/RedoLog.h"
+#include "jet/pager/WriteAheadLog.h"
 
 #include <cstdlib>
 #include <span>
@@ -21,8 +21,8 @@ constexpr char Path[] = "F.MDB";
 Bytes logOf(std::span<const std::uint8_t> frames) {
     FaultyStorage storage;
     const Bytes database = RawFile();
-    const auto log =
-        RedoLog::create(storage, RedoLog::PathFor(Path), RedoLog::IdentityOf(database.data()), 4);
+    const auto log = WriteAheadLog::create(storage, WriteAheadLog::PathFor(Path),
+                                           WriteAheadLog::IdentityOf(database.data()), 4);
     Bytes page(PageSize);
     for (; frames.size() >= 8; frames = frames.subspan(8)) {
         const PageNumber pages = Load32(frames.data() + 4);
@@ -32,7 +32,7 @@ Bytes logOf(std::span<const std::uint8_t> frames) {
             log->publish(pages);
     }
     log->writeOut();
-    return storage.get(RedoLog::PathFor(Path));
+    return storage.get(WriteAheadLog::PathFor(Path));
 }
 
 void use(FilePager& pager) {
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         FaultyStorage storage;
         storage.put(Path, RawFile());
-        storage.put(RedoLog::PathFor(Path), log);
+        storage.put(WriteAheadLog::PathFor(Path), log);
         FilePager pager(storage, Path, options);
         use(pager);
     } catch (const Error&) {
@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FaultyStorage storage;
         storage.put(Path, RawFile());
         FilePager other(storage, Path, options);
-        storage.put(RedoLog::PathFor(Path), log);
+        storage.put(WriteAheadLog::PathFor(Path), log);
         FilePager pager(storage, Path, options);
         use(pager);
         use(other);

@@ -275,7 +275,7 @@ int asked(Call& call) {
 
 } // namespace
 
-CommandRows DatabaseCommands() {
+CommandRows SuiteDatabaseCommands() {
     return {
         {"db info",
          "FILE",

@@ -9,12 +9,12 @@
 
 namespace jet {
 
-class RowOrder {
+class RowCursor {
 public:
-    RowOrder() = default;
-    RowOrder(const RowOrder&) = delete;
-    RowOrder& operator=(const RowOrder&) = delete;
-    virtual ~RowOrder() = default;
+    RowCursor() = default;
+    RowCursor(const RowCursor&) = delete;
+    RowCursor& operator=(const RowCursor&) = delete;
+    virtual ~RowCursor() = default;
 
     // Each moves to a row and gives true, or gives false; then only first(), last() and moveTo() may follow.
     virtual bool first() = 0;
@@ -32,10 +32,10 @@ public:
 };
 
 // All rows, in the order of the table's pages.
-class PageOrder final : public RowOrder {
+class PageCursor final : public RowCursor {
 public:
     // The table outlives the order.
-    explicit PageOrder(const Table& table)
+    explicit PageCursor(const Table& table)
         : table_(table) {}
 
     bool first() override;
@@ -51,10 +51,10 @@ private:
 };
 
 // The rows of an index.
-class IndexOrder final : public RowOrder {
+class IndexRowCursor final : public RowCursor {
 public:
     // Throws InvalidArgument if the order of one of its columns is not known here.
-    IndexOrder(const Table& table, int realIndex);
+    IndexRowCursor(const Table& table, int realIndex);
 
     bool first() override { return cursor_.first(); }
     bool last() override { return cursor_.last(); }
@@ -77,10 +77,10 @@ private:
 };
 
 // Chosen rows. Those that others have removed meanwhile are passed over.
-class ListOrder final : public RowOrder {
+class ListCursor final : public RowCursor {
 public:
     // Without a table all rows are there for good.
-    ListOrder(const Table* table, std::vector<RowPointer> rows)
+    ListCursor(const Table* table, std::vector<RowPointer> rows)
         : table_(table)
         , rows_(std::move(rows)) {}
 
