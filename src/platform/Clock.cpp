@@ -1,7 +1,9 @@
 #include "platform/Clock.h"
 
 #include "platform/Prompts.h"
-#include "platform/System.h"
+#include "platform/TimeService.h"
+
+#include <QTimer>
 
 #include <algorithm>
 #include <chrono>
@@ -31,11 +33,8 @@ public:
         }
     }
 
-    bool set(const QDateTime& time) override {
-        if (!time.isValid())
-            return false;
-        const qint64 milliseconds = time.toMSecsSinceEpoch();
-        return milliseconds >= 0 && SetSystemClock(std::chrono::milliseconds(milliseconds));
+    void set(const QDateTime& time, bool mayAsk, SetDone done) override {
+        SetSystemTime(time, mayAsk, std::move(done));
     }
 };
 
@@ -43,6 +42,10 @@ MachineClock machineClock;
 Clock* installed = &machineClock;
 
 } // namespace
+
+void Clock::after(int milliseconds, QObject* context, std::function<void()> work) {
+    QTimer::singleShot(milliseconds, context, std::move(work));
+}
 
 Clock& clock() {
     return *installed;

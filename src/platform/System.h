@@ -16,8 +16,10 @@ quint64 SystemMemory();
 // Time since some moment, which only runs forward: to some four milliseconds, without a system call.
 std::chrono::milliseconds SystemUptime();
 
-// Sets the clock to a time since 1970; false when the system refuses.
-bool SetSystemClock(std::chrono::milliseconds time);
+// Sets the clock to a time since 1970. 0, or the system's error number.
+int SetSystemClock(std::chrono::milliseconds time);
+// Whether a program keeps the clock in step with other computers.
+bool SystemClockKeptInStep();
 
 // Whether standard input, or standard error, is a terminal.
 bool InputIsTerminal();

@@ -55,7 +55,7 @@ const std::map<std::string, std::map<std::string, int>> rooms = {
     {"databases",
      {{"store", 0}, {"jet", 1}, {"odbc", 2}, {"compaction", 2}, {"suite", 3}, {"users", 4}, {"forms", 5}}},
     {"audio", {{"", 0}, {"search", 1}, {"forms", 2}}},
-    {"network", {{"", 0}, {"commands", 1}, {"forms", 2}}},
+    {"network", {{"", 0}, {"commands", 1}, {"clock", 1}, {"server", 2}, {"forms", 3}}},
     {"hardware", {{"", 0}, {"forms", 1}}},
     {"automation", {{"", 0}, {"forms", 1}}},
     {"station", {{"", 0}}},

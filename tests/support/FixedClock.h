@@ -16,8 +16,9 @@ public:
     FixedClock& operator=(const FixedClock&) = delete;
 
     QDateTime time;
-    bool maySet = true;
-    double slept = 0; // seconds, in all
+    platform::ClockRefusal refusal; // what an attempt to set it gets
+    QList<bool> attempts;           // whether the user could have been asked, for each
+    double slept = 0;               // seconds, in all
 
     QDateTime now() const override { return time; }
     void sleep(double seconds) override {
@@ -25,10 +26,11 @@ public:
         time = time.addMSecs(qRound64(seconds * 1000));
         platform::prompts().processEvents();
     }
-    bool set(const QDateTime& value) override {
-        if (maySet)
+    void set(const QDateTime& value, bool mayAsk, SetDone done) override {
+        attempts += mayAsk;
+        if (!refusal)
             time = value;
-        return maySet;
+        done(refusal);
     }
 
 private:

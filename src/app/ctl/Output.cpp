@@ -98,6 +98,11 @@ void Output::line(const QByteArray& text) {
     print("\n");
 }
 
+void Output::event(const QByteArray& text) {
+    line(text);
+    std::fflush(stdout);
+}
+
 void Output::piece(std::string_view bytes) {
     written_ = true;
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);

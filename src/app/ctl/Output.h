@@ -42,6 +42,8 @@ public:
     // A line of text that is no record, as it is. Several JSON documents make no document: only commands that
     // say that they write one document a line use it with --json.
     void line(const QByteArray& text);
+    // A line about something that has just happened, for whoever follows it: it is written at once.
+    void event(const QByteArray& text);
     // Part of a document that is made piece by piece, as it is.
     void piece(std::string_view bytes);
 

@@ -1,5 +1,8 @@
 #include "platform/System.h"
 
+#include <cerrno>
+
+#include <sys/timex.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -24,12 +27,17 @@ std::chrono::milliseconds SystemUptime() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time);
 }
 
-bool SetSystemClock(std::chrono::milliseconds time) {
+int SetSystemClock(std::chrono::milliseconds time) {
     const auto milliseconds = time.count();
     const struct timespec moment {
         static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1'000'000)
     };
-    return ::clock_settime(CLOCK_REALTIME, &moment) == 0;
+    return ::clock_settime(CLOCK_REALTIME, &moment) == 0 ? 0 : errno;
+}
+
+bool SystemClockKeptInStep() {
+    struct timex state {};
+    return ::adjtimex(&state) >= 0 && (state.status & STA_UNSYNC) == 0;
 }
 
 bool InputIsTerminal() {
