@@ -20,7 +20,7 @@ constexpr int testSeconds = 10;
 // The port that was named, as a number or "COM<n>", else the workstation's own; 0 if there is none.
 std::optional<int> portOf(const Call& call) {
     if (call.arguments.isEmpty())
-        return LoadWorkstation() ? qMax(int{settings().RadioClockComPort}, 0) : 0;
+        return call.session.read() ? qMax(int{call.station.settings.RadioClockComPort}, 0) : 0;
     QString text = call.argument(0);
     if (text.startsWith(QLatin1String("com"), Qt::CaseInsensitive))
         text = text.mid(3);

@@ -11,7 +11,7 @@ const CommandRows& AllCommands() {
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
               AudioCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands, EngineCommands,
               UsersCommands, HardwareCommands, AutoConfigCommands, TerminalCommands, CommandCommands,
-              PortCommands, ClockCommands}) {
+              PortCommands, ServeCommands, ClockCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

@@ -24,6 +24,7 @@ CommandRows CommandCommands();
 CommandRows PortCommands();
 CommandRows AutomationCommands();
 CommandRows DatabaseFileCommands();
+CommandRows ServeCommands();
 CommandRows ClockCommands();
 
 // In the order in which the help lists them.

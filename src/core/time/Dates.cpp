@@ -56,6 +56,10 @@ QString DateText(const QDateTime& time) {
     return QLocale::c().toString(time, QStringLiteral("dd MMM yyyy HH:mm:ss"));
 }
 
+QString ShortDate(const QDate& date) {
+    return QLocale::system().toString(date, QLocale::ShortFormat);
+}
+
 std::optional<double> ParseDate(const QString& text) {
     const QString plain = text.simplified();
     if (plain.size() > 64)

@@ -15,6 +15,9 @@ QDateTime FromSerialDate(double serial);
 // "05 Mar 2024 22:10:00".
 QString DateText(const QDateTime& time);
 
+// The system's short form of a date.
+QString ShortDate(const QDate& date);
+
 // A date with or without a time, in any case and with any blanks: "5 mar 2024 22:10:00", "2024-03-05",
 // "05/03/2024 22:10" (the day stands first). Nothing when the text is no date; a bare number is none.
 std::optional<double> ParseDate(const QString& text);
