@@ -8,6 +8,8 @@
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
+#include "platform/host/FileLock.h"
+#include "platform/paths/Paths.h"
 
 #include <memory>
 
@@ -29,6 +31,8 @@ static_assert(layout.coversEachByteOnce());
 
 constexpr qint32 lastShownDay = 60000;
 constexpr int secondsOfDay = 86400;
+// How long another workstation may take for its changes.
+constexpr int patienceMilliseconds = 1500;
 
 std::unique_ptr<RecordFile> openFile(const TerminalList& terminals) {
     return RecordFile::open(TerminalListPath(terminals), TerminalRecordLength, true);
@@ -63,12 +67,6 @@ int change(TerminalList& terminals, int id, Change apply) {
     return same ? platform::NoError : WriteTerminal(terminals, id, after);
 }
 
-// The name of a computer in a record, as comparisons take it. A zero character ends it: what follows is
-// left over from an older name.
-QString networkName(const TerminalRecord& record) {
-    return record.NetworkName.section(QChar(0), 0, 0).trimmed();
-}
-
 bool sameName(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
@@ -77,10 +75,34 @@ bool sameName(const QString& a, const QString& b) {
 QString asStored(const QString& computerName) {
     TerminalRecord record = BlankTerminalRecord();
     record.NetworkName = computerName;
-    return networkName(DecodeTerminalRecord(EncodeTerminalRecord(record)));
+    return NetworkNameOf(DecodeTerminalRecord(EncodeTerminalRecord(record)));
 }
 
+// One step of changes at a time, over all workstations. Programs of the suite know nothing of it.
+class Step {
+public:
+    explicit Step(const TerminalList& terminals)
+        : lock_(platform::HostPath(TerminalListPath(terminals)), patienceMilliseconds) {}
+    // PermissionDenied: somebody else has it. Where there can be no lock the step is done without.
+    int error() const {
+        return lock_.error() == platform::PermissionDenied ? lock_.error() : platform::NoError;
+    }
+
+private:
+    platform::FileLock lock_;
+};
+
 } // namespace
+
+// What follows a zero character is left over from an older name.
+QString NetworkNameOf(const TerminalRecord& record) {
+    return record.NetworkName.section(QChar(0), 0, 0).trimmed();
+}
+
+bool IsOnComputer(const TerminalRecord& record, const QString& computerName) {
+    const QString name = NetworkNameOf(record);
+    return !name.isEmpty() && sameName(name, asStored(computerName));
+}
 
 QDateTime TerminalRecord::lastUsed() const {
     if (LastUsedDay < 1 || LastUsedDay >= lastShownDay)
@@ -194,7 +216,7 @@ int TerminalForComputer(const TerminalList& terminals, const QString& computerNa
     const QString wanted = asStored(computerName);
     int firstFree = 0;
     for (int id = 1; id <= terminals.settings.NumberTerminals; ++id) {
-        const QString name = networkName(ReadTerminal(terminals, id));
+        const QString name = NetworkNameOf(ReadTerminal(terminals, id));
         if (sameName(name, wanted))
             return id;
         if (firstFree == 0 && name.isEmpty())
@@ -204,23 +226,38 @@ int TerminalForComputer(const TerminalList& terminals, const QString& computerNa
 }
 
 int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName) {
+    const Step step(terminals);
+    if (step.error() != platform::NoError)
+        return step.error();
     return change(terminals, id, [&](TerminalRecord& record) {
-        if (networkName(record).isEmpty())
+        if (NetworkNameOf(record).isEmpty())
             record.NetworkName = computerName;
     });
 }
 
 int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
-                   const QString& computerName) {
-    const QString ownName = asStored(computerName);
+                   const QString& computerName, const QString& seenName, QString* holder) {
+    const Step step(terminals);
+    if (step.error() != platform::NoError)
+        return step.error();
+    TerminalRecord chosen;
+    if (const int error = read(terminals, chosenId, chosen); error != platform::NoError)
+        return error;
+    const QString now = NetworkNameOf(chosen);
+    if (!seenName.isNull() && !now.isEmpty() && !sameName(now, seenName.trimmed()) &&
+        !IsOnComputer(chosen, computerName)) {
+        if (holder)
+            *holder = now;
+        return TerminalTaken;
+    }
     int error = platform::NoError;
     for (int id = 1; id <= terminals.settings.NumberTerminals && error == platform::NoError; ++id) {
         error = change(terminals, id, [&](TerminalRecord& record) {
-            if (id <= idNames.size())
+            if (id <= idNames.size() && !idNames[id - 1].isNull())
                 record.IdName = idNames[id - 1].trimmed();
             if (id == chosenId)
                 record.NetworkName = computerName;
-            else if (sameName(networkName(record), ownName))
+            else if (IsOnComputer(record, computerName))
                 record.NetworkName.clear();
         });
     }
@@ -228,7 +265,10 @@ int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idN
 }
 
 int RenameTerminal(TerminalList& terminals, int id, const QString& name) {
-    return change(terminals, id, [&](TerminalRecord& record) { record.IdName = name.trimmed(); });
+    const Step step(terminals);
+    return step.error() != platform::NoError
+               ? step.error()
+               : change(terminals, id, [&](TerminalRecord& record) { record.IdName = name.trimmed(); });
 }
 
 bool StampOwnTerminalRecord(TerminalList& terminals) {

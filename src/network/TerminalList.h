@@ -74,23 +74,34 @@ QList<TerminalRecord> ReadTerminals(const TerminalList& terminals);
 // Opens the list and reads the record of this workstation's number, if that is 1 or more.
 void ReadOwnTerminalRecord(TerminalList& terminals);
 
+// The name of the computer in a record, as comparisons take it: trimmed, up to a zero character.
+QString NetworkNameOf(const TerminalRecord& record);
+// Whether a record names this computer: without regard to case, as far as the field holds a name.
+bool IsOnComputer(const TerminalRecord& record, const QString& computerName);
+
 // The number that the setup form's rule or automatic configuration picks for a computer: the one whose
 // network name is that name, without regard to case; else the first without a network name; else 1. The list
 // is open.
 int TerminalForComputer(const TerminalList& terminals, const QString& computerName);
 
-// Puts a computer's name on a number that has none; another computer's name stays. The list is open.
-// FileError number; 0 also when the name was there or another one stays.
+// Each of the three below changes the list in one step, which other workstations of this program wait for.
+// The list is open. FileError number of the first failure, which ends it: PermissionDenied when another
+// workstation kept the step.
+
+// Puts a computer's name on a number that has none; another computer's name stays. 0 also when the name was
+// there or another one stays.
 int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName);
 
 // Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
-// list is shorter the name stays), this computer's name on `chosenId`, and none where another one holds that
-// name. The list is open. FileError number of the first failure, which ends it; a record that cannot be read
-// is not written.
+// list is shorter, or its text is null, the name stays), this computer's name on `chosenId`, and none where
+// another one holds that name. A record that cannot be read is not written. TerminalTaken, and nothing
+// written, when the chosen record names another computer than `seenName`, the one that the user saw there;
+// *holder is then that computer. A null `seenName` takes it over from anybody.
+inline constexpr int TerminalTaken = -1;
 int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
-                   const QString& computerName);
+                   const QString& computerName, const QString& seenName = {}, QString* holder = nullptr);
 
-// Gives a number another name. FileError number.
+// Gives a number another name.
 int RenameTerminal(TerminalList& terminals, int id, const QString& name);
 
 // Puts this computer and the present time on the record of this workstation's number, and opens the list

@@ -12,8 +12,8 @@ constexpr qint32 hasControl = 1;      // its parameter
 } // namespace
 
 void StationControlOutputs(HardwareCardTable& cards, bool on) {
-    SetLinesForAction(cards, stationControl, on ? OutputLineState::On : OutputLineState::Off, hasControl, AnyData,
-                      AnyData, AnyData, false);
+    SetLinesForAction(cards, stationControl, on ? OutputLineState::On : OutputLineState::Off, hasControl,
+                      AnyData, AnyData, AnyData, false);
 }
 
 LinkMeshServer::LinkMeshServer(LinkMeshServerSetup setup, ServerEvents events)

@@ -2,8 +2,8 @@
 
 #include "platform/host/HostFiles.h"
 #include "platform/host/LookOnly.h"
-#include "platform/paths/Paths.h"
 #include "platform/host/Replacement.h"
+#include "platform/paths/Paths.h"
 
 namespace tolvex::platform {
 

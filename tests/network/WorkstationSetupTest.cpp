@@ -1,0 +1,138 @@
+// The workstation list as its form shows and stores it, with other workstations at the same file.
+#include "network/WorkstationSetup.h"
+
+#include "core/time/Dates.h"
+#include "platform/files/Files.h"
+#include "platform/host/FileLock.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
+#include "support/FixedClock.h"
+#include "support/MachineFolder.h"
+#include "support/ScriptedPrompts.h"
+
+#include <gtest/gtest.h>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+using Outcome = WorkstationResult::Outcome;
+using State = TerminalRow::State;
+
+namespace {
+
+class WorkstationSetupTest : public testing::Test {
+protected:
+    WorkstationSetupTest() {
+        machine.makeFolder("C:\\DATA");
+        settings.DataLocation = "C:\\DATA";
+        settings.LocalIniFile = "TOLVEX.INI";
+        settings.NumberTerminals = 4;
+        settings.AutoConfigInProgress = -1;
+        EXPECT_TRUE(OpenTerminalList(terminals));
+        settings.AutoConfigInProgress = 0;
+        put(1, "Studio 1", "STUDIO1");
+        put(2, "News", "newsroom");
+        put(3, "Spare", "");
+    }
+    void put(int id, const QString& idName, const QString& networkName, const QDateTime& used = {}) {
+        EXPECT_TRUE(TerminalListIsOpen(terminals) || OpenTerminalList(terminals));
+        TerminalRecord record = ReadTerminal(terminals, id);
+        record.IdName = idName;
+        record.NetworkName = networkName;
+        if (used.isValid())
+            record.setLastUsed(used);
+        EXPECT_EQ(WriteTerminal(terminals, id, record), 0);
+    }
+    // "Studio 1=STUDIO1" for each number.
+    QStringList list() {
+        EXPECT_TRUE(OpenTerminalList(terminals));
+        QStringList all;
+        for (const TerminalRecord& record : ReadTerminals(terminals))
+            all += record.IdName.trimmed() + '=' + record.NetworkName.trimmed();
+        return all;
+    }
+
+    Settings settings;
+    TerminalList terminals{settings};
+    TestMachine machine;
+    ScriptedPrompts prompts;
+    FixedClock clock{QDateTime(QDate(2024, 3, 5), QTime(22, 10, 30))};
+};
+
+} // namespace
+
+TEST_F(WorkstationSetupTest, RowsSayWhoHasANumberAndWhatTakingItMeans) {
+    put(1, " Studio 1", "STUDIO1", clock.time.addSecs(-200));
+    put(2, "News", "newsroom", clock.time.addDays(-1));
+    put(4, "Future", "PC4", clock.time.addSecs(60));
+    const QList<TerminalRow> rows = TerminalRows(ReadTerminals(terminals), "NEWSROOM", clock.time);
+    ASSERT_EQ(rows.size(), 4);
+    QStringList states;
+    for (const TerminalRow& row : rows)
+        states +=
+            QStringLiteral("%1 %2 %3: %4").arg(row.id).arg(row.idName).arg(int(row.state)).arg(row.stateText);
+    EXPECT_EQ(states, (QStringList{"1 Studio 1 2: STUDIO1, 3 minutes ago", "2 News 1: this computer",
+                                   "3 Spare 0: free", "4 Future 2: PC4"}));
+    EXPECT_EQ(rows[0].lastUsed, ShortDate(QDate(2024, 3, 5)) + " 22:07:10");
+    EXPECT_EQ(rows[2].lastUsed, QString());
+    EXPECT_EQ(TakeoverNotice(rows[0]),
+              QString("Number 1 belongs to another computer (STUDIO1, 3 minutes ago). OK takes it over."));
+    EXPECT_EQ(TakeoverNotice(rows[1]) + TakeoverNotice(rows[2]), QString());
+}
+
+TEST_F(WorkstationSetupTest, OkStoresWhatWasTouchedAndKeepsWhatOthersDidMeanwhile) {
+    for (const int none : {0, -1, 5}) {
+        const WorkstationResult result = StoreWorkstations({none, {}, {}}, "MYPC", terminals, settings);
+        EXPECT_EQ(result.outcome, Outcome::NotChosen);
+        EXPECT_EQ(result.message,
+                  QString("You must choose which LinkMesh ID you will use for this workstation"));
+    }
+    put(4, "Mine", "MyPc");
+    // While the form is open another workstation renames number 2.
+    put(2, "Newsroom B", "newsroom");
+    const WorkstationChoice choice{3, {{1, "Studio One"}, {4, ""}, {9, "x"}}, ""};
+    EXPECT_EQ(StoreWorkstations(choice, "MYPC", terminals, settings).outcome, Outcome::Stored);
+    EXPECT_FALSE(TerminalListIsOpen(terminals));
+    EXPECT_EQ(list(), (QStringList{"Studio One=STUDIO1", "Newsroom B=newsroom", "Spare=MYPC", "="}));
+    EXPECT_EQ(settings.LinkMeshId, 3);
+    EXPECT_EQ(platform::ProfileText("LinkMesh", "LinkMeshId", {}, "TOLVEX.INI"), QString("3"));
+    // Taking over what the form shows as another's is not asked about.
+    EXPECT_EQ(StoreWorkstations({1, {}, "studio1"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
+    EXPECT_EQ(list()[0] + list()[2], QString("Studio One=MYPCSpare="));
+    EXPECT_TRUE(prompts.asked.isEmpty());
+}
+
+TEST_F(WorkstationSetupTest, WithoutAListNothingIsStored) {
+    CloseTerminalList(terminals);
+    ASSERT_TRUE(QFile::remove(machine.host("C:\\DATA\\Terminal.Lst")));
+    prompts.answers = {platform::Answer::Cancel, platform::Answer::No};
+    for (int i = 0; i < 2; ++i) {
+        const WorkstationResult result = StoreWorkstations({2, {}, {}}, "MYPC", terminals, settings);
+        EXPECT_EQ(result.outcome, Outcome::NoList);
+        EXPECT_FALSE(result.message.isEmpty());
+    }
+    EXPECT_EQ(settings.LinkMeshId, 0);
+    EXPECT_EQ(platform::FileSize("C:\\DATA\\Terminal.Lst"), -1);
+}
+
+TEST_F(WorkstationSetupTest, TwoWhoChooseOneNumberAreTold) {
+    put(3, "Spare", "QUICKER"); // since the form showed it as free
+    const WorkstationResult told = StoreWorkstations({3, {{1, "x"}}, {}}, "MYPC", terminals, settings);
+    EXPECT_EQ(told.outcome, Outcome::TakenSince);
+    EXPECT_TRUE(told.message.startsWith("QUICKER has taken number 3 in the meantime."))
+        << told.message.toStdString();
+    EXPECT_EQ(list(), (QStringList{"Studio 1=STUDIO1", "News=newsroom", "Spare=QUICKER", "="}));
+    EXPECT_EQ(settings.LinkMeshId, 0);
+    EXPECT_EQ(StoreWorkstations({3, {}, "QUICKER"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
+    // One that became free meanwhile, or is this computer's own, is nobody's loss.
+    EXPECT_EQ(StoreWorkstations({3, {}, "QUICKER"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
+    put(2, "News", "");
+    EXPECT_EQ(StoreWorkstations({2, {}, "newsroom"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
+
+    // The step waits for another workstation that is in it, and gives up with a word.
+    const platform::FileLock other(platform::HostPath(TerminalListPath(terminals)));
+    ASSERT_TRUE(other.held());
+    const WorkstationResult locked = StoreWorkstations({1, {}, "STUDIO1"}, "MYPC", terminals, settings);
+    EXPECT_EQ(locked.outcome, Outcome::Failed);
+    EXPECT_TRUE(locked.message.contains("Permission denied")) << locked.message.toStdString();
+    EXPECT_EQ(settings.LinkMeshId, 2);
+}
