@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <chrono>
+#include <system_error>
 
 namespace tolvex::platform {
 
@@ -16,8 +17,8 @@ quint64 SystemMemory();
 // Time since some moment, which only runs forward: to some four milliseconds, without a system call.
 std::chrono::milliseconds SystemUptime();
 
-// Sets the clock to a time since 1970. 0, or the system's error number.
-int SetSystemClock(std::chrono::milliseconds time);
+// Sets the clock to a time since 1970. No error, or why the system refuses.
+std::error_code SetSystemClock(std::chrono::milliseconds time);
 // Whether a program keeps the clock in step with other computers.
 bool SystemClockKeptInStep();
 

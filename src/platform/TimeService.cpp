@@ -7,7 +7,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
-#include <cerrno>
 #include <chrono>
 
 namespace tolvex::platform {
@@ -30,10 +29,12 @@ const QString noRight = QStringLiteral("This user may not set the computer's clo
 ClockRefusal setDirectly(const QDateTime& time) {
     if (SystemClockKeptInStep())
         return {ClockKeptByNetwork, keptByNetwork};
-    const int error = SetSystemClock(std::chrono::milliseconds(time.toMSecsSinceEpoch()));
-    if (error == 0)
+    const std::error_code error = SetSystemClock(std::chrono::milliseconds(time.toMSecsSinceEpoch()));
+    if (!error)
         return {};
-    return {NoRightToSetClock, error == EPERM ? noRight : qt_error_string(error)};
+    return {NoRightToSetClock, error == std::errc::operation_not_permitted
+                                   ? noRight
+                                   : QString::fromStdString(error.message())};
 }
 
 bool isMissing(const QString& error) {

@@ -25,6 +25,8 @@ TEST_F(Ctl, GivesADocumentForEachCommandThatIsRefusedOrFails) {
         QStringList words = QString(command.words).split(' ');
         for (int n = command.fewest(); n > 0; --n)
             words << "x";
+        if (words == QStringList{"serve"}) // would not end by itself
+            words << "--seconds" << "1" << "--port" << "0";
         const Result result = run(QStringList{"--json", "--no"} + words);
         SCOPED_TRACE(words.join(' ').toStdString());
         ASSERT_FALSE(result.json().isNull()) << result.out.toStdString() << result.err.toStdString();
@@ -32,6 +34,8 @@ TEST_F(Ctl, GivesADocumentForEachCommandThatIsRefusedOrFails) {
             EXPECT_FALSE(errorText(result).isEmpty());
             EXPECT_FALSE(result.err.isEmpty());
         }
+        if (command.most() < 0)
+            continue;
         const Result wrong = run(QStringList{"--json"} + words + QStringList(9, "too many"));
         EXPECT_TRUE(wrong.status == 2 && errorText(wrong).startsWith("Expected: "))
             << wrong.out.toStdString();

@@ -126,6 +126,9 @@ const Reading readings[] = {
     {{"commands", "list"}, 0},
     {{"commands", "show", "Door"}, 0},
     {{"ports", "list"}, -1}, // as the machine has some or none
+    {{"remote", "access"}, 0},
+    {{"clock", "test"}, 1},        // none is fitted
+    {{"clock", "watch", "16"}, 3}, // on a port that is not there
     {{"db", "info", "C:\\DB\\LOG.mdb"}, 0},
     {{"db", "find", "C:\\DB", "--type", "14"}, 0},
     {{"db", "settings", "C:\\DB\\LOG.mdb", "list"}, 0},

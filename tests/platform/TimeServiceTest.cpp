@@ -48,7 +48,7 @@ protected:
     QString address() const { return folder_.filePath("bus"); }
     ClockRefusal set(bool mayAsk = true) {
         std::optional<ClockRefusal> answer;
-        clock().set(moment, mayAsk, [&answer](const ClockRefusal& refusal) { answer = refusal; });
+        tolvex::platform::clock().set(moment, mayAsk, [&answer](const ClockRefusal& refusal) { answer = refusal; });
         EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
         return answer.value_or(ClockRefusal{-1, "no answer"});
     }
@@ -65,11 +65,11 @@ TEST(SystemClock, IsNotSetByThoseWhoMayNot) {
     EXPECT_TRUE(PassesWithoutRights([] {
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus");
         int refusals = 0;
-        clock().set(moment, true, [&refusals](const ClockRefusal& refusal) {
+        tolvex::platform::clock().set(moment, true, [&refusals](const ClockRefusal& refusal) {
             refusals += refusal.number == NoRightToSetClock || refusal.number == ClockKeptByNetwork;
             EXPECT_FALSE(refusal.text.isEmpty());
         });
-        clock().set({}, true, [&refusals](const ClockRefusal& refusal) { refusals += bool(refusal); });
+        tolvex::platform::clock().set({}, true, [&refusals](const ClockRefusal& refusal) { refusals += bool(refusal); });
         EXPECT_EQ(refusals, 2);
     }));
 }

@@ -27,12 +27,14 @@ std::chrono::milliseconds SystemUptime() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time);
 }
 
-int SetSystemClock(std::chrono::milliseconds time) {
+std::error_code SetSystemClock(std::chrono::milliseconds time) {
     const auto milliseconds = time.count();
     const struct timespec moment {
         static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1'000'000)
     };
-    return ::clock_settime(CLOCK_REALTIME, &moment) == 0 ? 0 : errno;
+    if (::clock_settime(CLOCK_REALTIME, &moment) == 0)
+        return {};
+    return {errno, std::generic_category()};
 }
 
 bool SystemClockKeptInStep() {
