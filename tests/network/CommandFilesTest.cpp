@@ -108,7 +108,7 @@ TEST_F(CommandFiles, AreListedReadSavedRenamedAndRemoved) {
                             row.fault.isEmpty() ? "sound" : "faulty"}
                     .join('|');
     EXPECT_EQ(rows, (QStringList{"Alarm|TCP/IP Command|No|Yes|sound", "b side|Serial Command|Yes|Yes|sound",
-                                 "Cut|Tolvex Command|n/a|n/a|faulty", "Door|External Command|n/a|n/a|sound",
+                                 "Cut|Not readable|n/a|n/a|faulty", "Door|External Command|n/a|n/a|sound",
                                  "Later|Unknown (9)|n/a|n/a|sound"}));
 
     EXPECT_TRUE(folder.has(" ALARM ") && !folder.has("Alarm2") && !folder.has(""));
@@ -120,6 +120,14 @@ TEST_F(CommandFiles, AreListedReadSavedRenamedAndRemoved) {
     EXPECT_TRUE(why.contains("500 bytes")) << why.toStdString();
     EXPECT_FALSE(folder.read("Nobody", &why));
     EXPECT_TRUE(why.contains("There is no file")) << why.toStdString();
+    // One that this user may not read is there all the same.
+    QFile::setPermissions(machine.path(), QFile::Permissions(0x7755));
+    QFile::setPermissions(machine.host("C:\\DATA\\Commands\\Door.TCD"), {});
+    EXPECT_TRUE(PassesWithoutRights([this] {
+        QString reason;
+        EXPECT_FALSE(folder.read("Door", &reason));
+        EXPECT_TRUE(reason.contains("cannot be read")) << reason.toStdString();
+    }));
 
     // Opened and saved without a change a file keeps every byte, and a text box never sees its text.
     const CommandRecord before = *folder.read("b side");

@@ -1,18 +1,16 @@
 // The commands of the station: listing, making, changing and sending them.
 #include "app/ctl/Commands.h"
 
-#include "automation/LogMentions.h"
 #include "core/report/Folders.h"
 #include "core/settings/Settings.h"
-#include "hardware/HardwareStore.h"
 #include "network/commands/CommandFolder.h"
 #include "network/commands/CommandRules.h"
 #include "network/commands/CommandRunner.h"
 #include "network/commands/CommandTrial.h"
-#include "network/commands/CommandUses.h"
 #include "platform/CodePage.h"
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
+#include "station/NetworkParts.h"
 
 #include <QCoreApplication>
 
@@ -68,6 +66,7 @@ int list(Call& call) {
     if (!folder)
         return status;
     QJsonArray records;
+    QStringList unreadable;
     for (const ListedCommand& listed : folder->list()) {
         CommandRecord command;
         command.Type = listed.type;
@@ -83,9 +82,16 @@ int list(Call& call) {
             record[QStringLiteral("useExisting")] = listed.useExistingText();
         }
         if (!listed.fault.isEmpty())
-            call.output.note(listed.fault);
+            unreadable += listed.name;
         records += record;
     }
+    if (!unreadable.isEmpty())
+        call.output.note(
+            QStringLiteral("%1 of %2 files could not be read as commands: %3. \"tolvexctl commands "
+                           "show\" says why.")
+                .arg(unreadable.size())
+                .arg(records.size())
+                .arg(unreadable.join(QStringLiteral(", "))));
     call.output.records(records, {{"type", "Command Type"},
                                   {"name", "Command"},
                                   {"leaveOpen", "Leave Active?"},
@@ -327,27 +333,6 @@ int edit(Call& call) {
 
 // ---- delete
 
-QList<CommandUse> usesOf(const Call& call, const QString& name) {
-    constexpr int mostEntries = 20;
-    DriverReports reports;
-    ReadHardwareSettings(call.station.cards, call.station.settings.LocalIniFile, reports);
-    const CommandUseSource log = [&call](const QString& wanted) {
-        QList<CommandUse> uses;
-        QString why;
-        const QString path = AutomationLogPath(call.station.settings);
-        if (platform::FileExists(path))
-            for (const LogMention& mention : FindInAutomationLog(
-                     path, [&wanted](const QString& text) { return NamesCommand(text, wanted); }, mostEntries,
-                     &why))
-                uses +=
-                    CommandUse{QStringLiteral("Automation log, entry %1").arg(mention.entry), mention.text};
-        if (!why.isEmpty())
-            call.output.note(why);
-        return uses;
-    };
-    return CommandUses(name, call.station.cards, {log});
-}
-
 int remove(Call& call) {
     int status = Done;
     const auto folder = openFolder(call, status);
@@ -356,8 +341,11 @@ int remove(Call& call) {
     const QString name = call.argument(0);
     if (!folder->has(name))
         return call.no(QStringLiteral("There is no command \"%1\".").arg(name));
-    for (const CommandUse& use : usesOf(call, name))
+    QString why;
+    for (const CommandUse& use : UsesOfCommand(call.station, name, &why))
         call.output.note(QStringLiteral("%1 names it: %2").arg(use.where, use.text));
+    if (!why.isEmpty())
+        call.output.note(why);
     const Answer answer =
         platform::prompts().ask({.text = QStringLiteral("Are you sure you want to delete this "
                                                         "command?"),

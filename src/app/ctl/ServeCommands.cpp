@@ -3,14 +3,12 @@
 
 #include "app/ctl/ClockRecords.h"
 #include "app/ctl/Running.h"
-#include "core/settings/Settings.h"
-#include "hardware/HardwareStore.h"
-#include "network/TerminalList.h"
 #include "network/commands/CommandText.h"
 #include "network/server/LinkMeshServer.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
 #include "platform/process/Service.h"
+#include "station/NetworkParts.h"
 
 #include <QJsonDocument>
 
@@ -93,18 +91,12 @@ QString takePlace(const Call& call, RemoteControlSetup& remote) {
 int serve(Call& call) {
     if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    LinkMeshServerSetup setup;
+    LinkMeshServerSetup setup = ServerSetupOf(call.station);
     if (const QString wrong = takePlace(call, setup.remote); !wrong.isEmpty())
         return call.wrong(wrong);
     const std::optional<int> seconds = SecondsOption(call);
     if (!seconds)
         return call.wrong(QStringLiteral("--seconds is a number from 1 upward."));
-    setup.dataLocation = call.station.settings.DataLocation;
-    setup.radioClockPort = call.station.settings.RadioClockComPort;
-    setup.setControlOutputs = [&call](bool on) { StationControlOutputs(call.station.cards, on); };
-    setup.stampTerminal = [&call] { StampOwnTerminalRecord(call.station.terminals); };
-    DriverReports reports;
-    ReadHardwareSettings(call.station.cards, call.station.settings.LocalIniFile, reports);
 
     Run run;
     LinkMeshServer server(setup, [&call](const ServerEvent& event) { print(call, event); });

@@ -17,9 +17,11 @@ std::optional<CommandRecord> readFile(const QString& path, QString* why) {
             *why = sentence;
         return std::nullopt;
     };
+    const QString unreadable = QStringLiteral("\"%1\" cannot be read.").arg(path);
     const qint64 size = platform::FileSize(path);
     if (size < 0)
-        return refuse(QStringLiteral("There is no file \"%1\".").arg(path));
+        return refuse(platform::FileExists(path) ? unreadable
+                                                 : QStringLiteral("There is no file \"%1\".").arg(path));
     if (size < CommandHeaderLength)
         return refuse(
             QStringLiteral("\"%1\" is not a command: it has %2 bytes, and a command has %3 or more.")
@@ -28,12 +30,14 @@ std::optional<CommandRecord> readFile(const QString& path, QString* why) {
                 .arg(CommandHeaderLength));
     const std::optional<QByteArray> bytes = platform::ReadWholeFile(path, LongestCommandFile);
     const std::optional<CommandRecord> command = bytes ? DecodeCommand(*bytes) : std::nullopt;
-    return command ? command : refuse(QStringLiteral("\"%1\" cannot be read.").arg(path));
+    return command ? command : refuse(unreadable);
 }
 
 } // namespace
 
 QString ListedCommand::typeText() const {
+    if (!fault.isEmpty())
+        return QStringLiteral("Not readable");
     const NamedValue* row = FindValue(CommandTypes(), type);
     return row ? QLatin1String(row->text) : QStringLiteral("Unknown (%1)").arg(type);
 }
@@ -41,7 +45,7 @@ QString ListedCommand::typeText() const {
 namespace {
 
 QString answer(const ListedCommand& command, qint32 flag) {
-    if (command.type != SerialCommand && command.type != TcpIpCommand)
+    if (!command.fault.isEmpty() || (command.type != SerialCommand && command.type != TcpIpCommand))
         return QStringLiteral("n/a");
     return (command.flags & flag) != 0 ? QStringLiteral("Yes") : QStringLiteral("No");
 }
