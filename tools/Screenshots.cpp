@@ -7,7 +7,10 @@
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
 #include "hardware/HardwareCards.h"
+#include "network/TerminalList.h"
+#include "platform/Machine.h"
 #include "platform/Prompts.h"
+#include "platform/paths/Paths.h"
 #include "station/Workstation.h"
 #include "ui/forms/frmGoodInputBox.h"
 #include "ui/help/frmHelp.h"
@@ -41,6 +44,23 @@ void write(const QString& windowsPath, const QByteArray& bytes) {
         file.write(bytes);
 }
 
+// Who has which number on the network.
+QByteArray terminals() {
+    constexpr const char* names[][2] = {
+        {"Studio 1", "STUDIO1"}, {"Studio 2", "STUDIO2"}, {"News", ""}, {"Production", ""}};
+    QByteArray list;
+    for (const auto& [idName, networkName] : names) {
+        TerminalRecord record = BlankTerminalRecord();
+        record.IdName = QString::fromLatin1(idName);
+        record.NetworkName = list.isEmpty() ? platform::ComputerName() : QString::fromLatin1(networkName);
+        if (*networkName != 0)
+            record.setLastUsed(QDateTime::currentDateTime().addSecs(-200));
+        const TerminalBytes bytes = EncodeTerminalRecord(record);
+        list.append(bytes.data(), TerminalRecordLength);
+    }
+    return list;
+}
+
 void makeStation() {
     QByteArray ini = "[General]\r\nConfigName=Studio 1\r\n[FileLocations]\r\nData=C:\\TOLVEX\\SYSTEM\r\n";
     for (int part = 1; part <= CartPartCount; ++part)
@@ -62,6 +82,7 @@ void makeStation() {
     }
     ini.replace("[Hardware2]", "ActiveLow6=-1\r\nDescription3=Cue from the desk\r\n" + card + "[Hardware2]");
     write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
+    write(QStringLiteral("C:\\TOLVEX\\SYSTEM\\Terminal.Lst"), terminals());
     write(QStringLiteral("C:\\WINDOWS\\studio2.ini"), "[General]\r\nConfigName=Studio 2, news\r\n");
     for (const char* name : {"C:\\TOLVEX\\SYSTEM", "C:\\TOLVEX\\AUDIO"})
         QDir().mkpath(platform::HostPath(QString::fromLatin1(name)));
@@ -121,6 +142,7 @@ int main(int argc, char** argv) {
     saveForm(station, "frmFileLocations", "filelocations");
     saveForm(station, "frmDisplayOptions", "displayoptions");
     saveForm(station, "frmDateTimeSetup", "datetime");
+    saveForm(station, "frmLinkMeshSetup", "linkmesh");
     for (int card = 0; card < HardwareCardCount; ++card) {
         const std::unique_ptr<QDialog> hardware(
             MakeForm(QStringLiteral("frmHardwareSettings"), station, nullptr));

@@ -6,6 +6,7 @@
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
 #include "hardware/forms/frmHardwareSettings.h"
+#include "network/forms/frmLinkMeshSetup.h"
 #include "station/Workstation.h"
 
 #include <QFile>
@@ -37,11 +38,15 @@ const Row rows[] = {
      }},
     {"frmDateTimeSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {
-         return new frmDateTimeSetup(station.settings, {}, owner);
+         return new frmDateTimeSetup(station.settings, owner);
      }},
     {"frmHardwareSettings",
      [](Workstation& station, QWidget* owner) -> QDialog* {
          return new frmHardwareSettings(station.cards, station.settings, owner);
+     }},
+    {"frmLinkMeshSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmLinkMeshSetup(station.terminals, station.settings, owner);
      }},
 };
 

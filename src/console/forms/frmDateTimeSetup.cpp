@@ -1,28 +1,25 @@
 #include "console/forms/frmDateTimeSetup.h"
 
 #include "core/settings/Settings.h"
+#include "network/forms/frmRadioClockTest.h"
 #include "platform/Prompts.h"
 #include "platform/profile/ProfileFile.h"
-#include "ui/binding/EnableRules.h"
 #include "ui/binding/SettingBinding.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui_frmDateTimeSetup.h"
 
 namespace tolvex {
 
-frmDateTimeSetup::frmDateTimeSetup(Settings& settings, ClockTest test, QWidget* parent)
+frmDateTimeSetup::frmDateTimeSetup(Settings& settings, QWidget* parent)
     : QDialog(parent)
     , settings_(settings)
-    , ui_(std::make_unique<Ui::frmDateTimeSetup>())
-    , test_(std::move(test)) {
+    , ui_(std::make_unique<Ui::frmDateTimeSetup>()) {
     ui_->setupUi(this);
     EnterForm(this);
     ui_->comboRadioClock->addItems({QStringLiteral("Not fitted"), QStringLiteral("Com Port 1"),
                                     QStringLiteral("Com Port 2"), QStringLiteral("Com Port 3"),
                                     QStringLiteral("Com Port 4")});
-    new EnableRules(this, {{QStringLiteral("cmdTestRadioClock"),
-                            QStringLiteral("The test of the radio clock is not part of this version yet."),
-                            [this](const FormView&) { return bool(test_); }}});
     // A port beyond the list, from a hand-edited file, selects nothing and stays.
     BindSettings(binding_, this, settings_);
     binding_.fill();
@@ -42,7 +39,10 @@ void frmDateTimeSetup::testClock() {
         return;
     }
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
-    test_(port, this);
+    frmRadioClockTest test(this);
+    test.setPort(port);
+    FitForm(&test);
+    test.exec();
 }
 
 void frmDateTimeSetup::store() {

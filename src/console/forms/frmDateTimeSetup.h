@@ -5,7 +5,6 @@
 
 #include <QDialog>
 
-#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -20,11 +19,7 @@ class frmDateTimeSetup : public QDialog {
     Q_OBJECT
 
 public:
-    // Shows the test of the clock on a port (1 to 4), modally. Without one the test button is disabled and
-    // says so.
-    using ClockTest = std::function<void(int port, QWidget* owner)>;
-
-    explicit frmDateTimeSetup(Settings& settings, ClockTest test = {}, QWidget* parent = nullptr);
+    explicit frmDateTimeSetup(Settings& settings, QWidget* parent = nullptr);
     ~frmDateTimeSetup() override;
 
 private:
@@ -34,7 +29,6 @@ private:
     Settings& settings_;
     std::unique_ptr<Ui::frmDateTimeSetup> ui_;
     FormBinding binding_{this};
-    ClockTest test_;
 };
 
 } // namespace tolvex

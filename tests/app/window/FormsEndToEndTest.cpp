@@ -180,6 +180,26 @@ const FormCase cases[] = {
          auto* lines = find<QTableView>(*tabs->widget(0), "gridUsage")->model();
          EXPECT_EQ(lines->index(1, 3).data(), "Red lamp");
      }},
+    {"cmdLinkmeshSetup",
+     "cmdOK",
+     [](QWidget& form) {
+         activate(form);
+         auto* grid = find<QTableView>(form, "grdTerminals");
+         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellOf(*grid, 3, 1));
+         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cellOf(*grid, 3, 2));
+         auto* box = find<QLineEdit>(form, "txtName");
+         QTest::keyClicks(box, "Studio 3");
+         QTest::keyClick(box, Qt::Key_Return);
+     },
+     {"LinkMesh/LinkMeshId=3"},
+     {},
+     "The names that you typed have not been stored.",
+     [](QWidget& form) {
+         const auto* rows = find<QTableView>(form, "grdTerminals")->model();
+         EXPECT_EQ(rows->index(2, 1).data(), ">");
+         EXPECT_EQ(rows->index(2, 2).data(), "Studio 3");
+         EXPECT_EQ(rows->index(2, 5).data(), "this computer");
+     }},
 };
 
 class EveryForm : public Program, public testing::WithParamInterface<FormCase> {};

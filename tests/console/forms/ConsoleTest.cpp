@@ -3,6 +3,7 @@
 
 #include "TestPlaces.h"
 #include "console/ConsoleJobs.h"
+#include "console/forms/FormTable.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/WorkstationPanel.h"
 #include "console/forms/frmConfigure.h"
@@ -137,10 +138,17 @@ TEST(Console, AsksOnAMachineThatWasNeverConfigured) {
 TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
     Console console;
     ASSERT_TRUE(console.start());
-    const QStringList always = {"cmdFileLocations", "cmdCompress", "cmdAutoConfig", "cmdNetworkSetup"};
-    const QStringList withData = {"cmdFileLocations", "cmdHardwareSetup", "cmdDisplaySettings",
-                                  "cmdDateTimeSetup", "cmdCompress",      "cmdAutoConfig",
-                                  "cmdNetworkSetup"};
+    QStringList always;
+    QStringList withData;
+    for (const ConsoleJob& job : ConsoleJobs()) {
+        if (job.opening != JobOpening::Routine && !FormExists(job.form))
+            continue;
+        if (job.enabling == JobEnabling::Always)
+            always += job.control;
+        if (job.enabling != JobEnabling::FirstCartLocationExists)
+            withData += job.control;
+    }
+    EXPECT_TRUE(always.contains("cmdCompress") && withData.contains("cmdHardwareSetup"));
     EXPECT_EQ(enabled(console.form), withData);
     console.settings.DataLocation = "C:\\GONE";
     console.form.UpdateEnabledButtons();

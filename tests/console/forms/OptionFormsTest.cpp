@@ -4,6 +4,8 @@
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
+#include "network/forms/StrengthMeter.h"
+#include "support/ClockReceiver.h"
 #include "ui/style/Colours.h"
 
 #include <QCheckBox>
@@ -113,13 +115,22 @@ TEST(FileLocations, OneDirectoryForAllCarts) {
 TEST(DateTimeSetup, StoresThePortAndTestsOnlyAChosenOne) {
     Station station("[DateTimeSettings]\r\nRadioClockComPort=2\r\n");
     station.settings.RadioClockComPort = 2;
-    int tested = 0;
-    frmDateTimeSetup form(station.settings, [&tested](int port, QWidget*) { tested = port; });
+    ClockReceiver receiver;
+    receiver.level = 3;
+    station.machine.link("com2", receiver.device.path());
+    frmDateTimeSetup form(station.settings);
     form.show();
     auto* ports = find<QComboBox>(form, "comboRadioClock");
     EXPECT_EQ(ports->currentText(), "Com Port 2");
+    withForm("frmRadioClockTest", [](QWidget& test) {
+        auto* strength = find<StrengthMeter>(test, "pnlSignalStrength");
+        EXPECT_TRUE(QTest::qWaitFor([strength] { return strength->percent() == 60; }));
+        click(test, "Command1");
+    });
     click(form, "cmdTestRadioClock");
-    EXPECT_EQ(tested, 2);
+    EXPECT_TRUE(receiver.requests.startsWith("i") && receiver.requests.contains('g'));
+    EXPECT_TRUE(station.prompts.texts().isEmpty());
+    EXPECT_EQ(station.settings.RadioClockComPort, 2);
     ports->setCurrentIndex(0);
     click(form, "cmdTestRadioClock");
     EXPECT_EQ(station.prompts.texts(), QStringList{"You must choose a valid Com Port"});
@@ -133,7 +144,6 @@ TEST(DateTimeSetup, StoresThePortAndTestsOnlyAChosenOne) {
     frmDateTimeSetup odd(station.settings);
     odd.show();
     EXPECT_EQ(find<QComboBox>(odd, "comboRadioClock")->currentIndex(), -1);
-    EXPECT_FALSE(find<QPushButton>(odd, "cmdTestRadioClock")->isEnabled());
     click(odd, "Command1");
     EXPECT_EQ(station.settings.RadioClockComPort, 7);
 }
