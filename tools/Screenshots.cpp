@@ -8,6 +8,8 @@
 #include "console/forms/frmSplash.h"
 #include "hardware/HardwareCards.h"
 #include "network/TerminalList.h"
+#include "network/forms/frmCommandDetails.h"
+#include "network/forms/frmCommandSetup.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "platform/paths/Paths.h"
@@ -112,6 +114,40 @@ void saveForm(Workstation& station, const char* form, const char* name) {
     save(*dialog, name);
 }
 
+// The list of commands, the editor on a command that was tried, and the server.
+void saveCommands(Workstation& station) {
+    const CommandFolder commands(station.settings.DataLocation);
+    CommandRecord command;
+    command.Text = "\x02GPO 4 ON\r\n";
+    commands.save(QStringLiteral("Door light"), command);
+    command = {};
+    command.Type = TcpIpCommand;
+    command.Flags = UseExistingConnection | LeaveConnectionOpen;
+    command.Address = QStringLiteral("127.0.0.1");
+    command.IpPort = 9;
+    command.Protocol = ProtocolUdp;
+    command.Text = "NEWS\r";
+    commands.save(QStringLiteral("News feed"), command);
+    command = {};
+    command.Type = ExternalCommand;
+    command.Text = "C:\\TOLVEX\\REPORT.EXE /NIGHT";
+    commands.save(QStringLiteral("Night report"), command);
+    const std::unique_ptr<QDialog> dialog(MakeForm(QStringLiteral("frmCommandSetup"), station, nullptr));
+    FitForm(dialog.get());
+    save(*dialog, "commands");
+    for (const char* name : {"Door light", "News feed", "Night report"}) {
+        frmCommandDetails editor(commands, QString::fromLatin1(name),
+                                 [](const QString&) { return QList<CommandUse>(); });
+        FitForm(&editor);
+        editor.findChild<QPushButton*>(QStringLiteral("cmdTest"))->click();
+        save(editor, *name == 'D' ? "command" : name[1] == 'e' ? "command-network" : "command-program");
+    }
+    frmLinkMeshServer& server = static_cast<frmCommandSetup*>(dialog.get())->serverForm();
+    FitForm(&server);
+    server.restore();
+    save(server, "server");
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -143,6 +179,7 @@ int main(int argc, char** argv) {
     saveForm(station, "frmDisplayOptions", "displayoptions");
     saveForm(station, "frmDateTimeSetup", "datetime");
     saveForm(station, "frmLinkMeshSetup", "linkmesh");
+    saveCommands(station);
     for (int card = 0; card < HardwareCardCount; ++card) {
         const std::unique_ptr<QDialog> hardware(
             MakeForm(QStringLiteral("frmHardwareSettings"), station, nullptr));

@@ -62,6 +62,9 @@ struct OtherForm {
     int helpContext;
 };
 constexpr OtherForm otherForms[] = {
+    {"frmRadioClockTest", 180},
+    {"frmCommandDetails", 230},
+    {"frmLinkMeshServer", 231},
     {"frmMultiConfig", 500},
     {"frmPrintPreview", 510},
 };

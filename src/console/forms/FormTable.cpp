@@ -6,7 +6,9 @@
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
 #include "hardware/forms/frmHardwareSettings.h"
+#include "network/forms/frmCommandSetup.h"
 #include "network/forms/frmLinkMeshSetup.h"
+#include "station/NetworkParts.h"
 #include "station/Workstation.h"
 
 #include <QFile>
@@ -43,6 +45,12 @@ const Row rows[] = {
     {"frmHardwareSettings",
      [](Workstation& station, QWidget* owner) -> QDialog* {
          return new frmHardwareSettings(station.cards, station.settings, owner);
+     }},
+    {"frmCommandSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmCommandSetup(
+             ServerSetupOf(station), [&station](const QString& name) { return UsesOfCommand(station, name); },
+             owner);
      }},
     {"frmLinkMeshSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {

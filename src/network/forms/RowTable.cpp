@@ -90,6 +90,13 @@ void RowTable::paintEvent(QPaintEvent* event) {
                      emptyText_);
 }
 
+// The first row of an empty list tells how wide its columns have to be.
+void RowTable::rowsInserted(const QModelIndex& parent, int first, int last) {
+    QTableView::rowsInserted(parent, first, last);
+    if (stretched_ >= 0 && first == 0)
+        fitColumns(stretched_);
+}
+
 void RowTable::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     stretch();

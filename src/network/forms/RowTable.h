@@ -25,6 +25,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void rowsInserted(const QModelIndex& parent, int first, int last) override;
 
 private:
     void stretch();

@@ -33,6 +33,7 @@ struct FormCase {
     QStringList kept;   // by the program's exit after Cancel
     QString question;   // that Cancel asks, its beginning
     Act shown;          // what the form shows at the next start
+    const char* cancel = "cmdCancel";
 };
 
 void PrintTo(const FormCase& form, std::ostream* out) {
@@ -180,6 +181,26 @@ const FormCase cases[] = {
          auto* lines = find<QTableView>(*tabs->widget(0), "gridUsage")->model();
          EXPECT_EQ(lines->index(1, 3).data(), "Red lamp");
      }},
+    {"cmdCommands",
+     "cmdClose",
+     [](QWidget& form) {
+         // Each command is stored by its editor; the list has nothing to take back.
+         withNextForm([](QWidget& editor) {
+             typeInto(editor, "txtCommandFile", "Door");
+             keyInto(editor, "txtSerialCommand", {Qt::Key_G, Qt::Key_O, Qt::Key_Return});
+             click(editor, "cmdOK");
+         });
+         click(form, "cmdAddCommand");
+     },
+     {},
+     {},
+     {},
+     [](QWidget& form) {
+         auto* rows = find<QTableView>(form, "grdCommands")->model();
+         EXPECT_EQ(rows->rowCount(), 1);
+         EXPECT_EQ(rows->index(0, 1).data(), "Door");
+     },
+     "cmdClose"},
     {"cmdLinkmeshSetup",
      "cmdOK",
      [](QWidget& form) {
@@ -216,7 +237,7 @@ TEST_P(EveryForm, StoresByOkAndNothingByCancelOrEscape) {
         open(form.button, [&](QWidget& window) {
             form.work(window);
             if (!byKey)
-                return click(window, "cmdCancel");
+                return click(window, form.cancel);
             activate(window);
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         });
