@@ -138,6 +138,9 @@ void frmLinkMeshServer::takeEvent(const ServerEvent& event) {
     events_->add(event.sentence(), event.kind == ServerEvent::Kind::Error);
     if (follows)
         ui_->lstEvents->scrollToBottom();
+    // Each answer of a receiver whose battery is low brings the form forward.
+    if (event.kind == ServerEvent::Kind::Clock && event.line.lowBattery)
+        restore();
     if (onEvent)
         onEvent(event);
 }
@@ -160,12 +163,8 @@ void frmLinkMeshServer::showClock() {
         ui_->pnlStrength->show(clock.strength());
     else
         ui_->pnlStrength->clear();
-    const bool isLow = clock.lowBattery();
-    const bool wasLow = !ui_->picLowBattery->isHidden();
-    ui_->picLowBattery->setVisible(isLow);
-    ui_->lblLowBattery->setVisible(isLow);
-    if (isLow && !wasLow)
-        restore();
+    ui_->picLowBattery->setVisible(clock.lowBattery());
+    ui_->lblLowBattery->setVisible(clock.lowBattery());
 }
 
 void frmLinkMeshServer::showButton() {

@@ -56,7 +56,7 @@ TEST_F(ServerForm, StaysOutOfSightUntilItIsWantedAndServesMeanwhile) {
     QTest::keyClick(form.get(), Qt::Key_Escape);
     EXPECT_FALSE(form->isVisible());
     wake([this] { emit form->tray().activated(QSystemTrayIcon::DoubleClick); });
-    form->close();
+    EXPECT_FALSE(form->close()); // refused: it only goes out of sight
     EXPECT_FALSE(form->isVisible());
     emit form->tray().activated(QSystemTrayIcon::Context);
     EXPECT_FALSE(form->isVisible());
@@ -117,6 +117,10 @@ TEST_F(ServerForm, ShowsTheRadioClockAndComesForwardWhenItsBatteryIsLow) {
     EXPECT_TRUE(find<QLabel>(*form, "picLowBattery")->isVisible());
     EXPECT_EQ(label("lblLowBattery"), "The batteries in your radio clock are running low - you should change "
                                       "them as soon as possible.");
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    receiver.device.send(ClockReceiver::timeLine(true_time, '8'));
+    EXPECT_TRUE(waitFor([this] { return form->isVisible(); }));
     receiver.device.send(ClockReceiver::timeLine(true_time, '0'));
     EXPECT_TRUE(waitFor([this] { return !find<QLabel>(*form, "lblLowBattery")->isVisible(); }));
     EXPECT_TRUE(form->isVisible());
