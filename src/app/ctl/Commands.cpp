@@ -9,9 +9,9 @@ const CommandRows& AllCommands() {
         CommandRows rows;
         for (CommandRows (*subject)() :
              {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands, EngineCommands,
-              UsersCommands, HardwareCommands, AutoConfigCommands, TerminalCommands, CommandCommands,
-              PortCommands, ServeCommands, ClockCommands}) {
+              AudioCommands, AudioSetupCommands, AudiowallCommands, AutomationCommands, SuiteDatabaseCommands,
+              DatabaseFileCommands, EngineCommands, UsersCommands, HardwareCommands, AutoConfigCommands,
+              TerminalCommands, CommandCommands, PortCommands, ServeCommands, ClockCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

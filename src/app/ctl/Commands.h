@@ -14,6 +14,8 @@ CommandRows RegistryCommands();
 CommandRows SetsCommands();
 CommandRows CartCommands();
 CommandRows AudioCommands();
+CommandRows AudioSetupCommands();
+CommandRows AudiowallCommands();
 CommandRows SuiteDatabaseCommands();
 CommandRows EngineCommands();
 CommandRows UsersCommands();

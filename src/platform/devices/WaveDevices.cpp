@@ -63,6 +63,14 @@ void RefreshWaveDevices() {
     numbered.reset();
 }
 
+QString WaveDeviceLabel(const WaveDevice& device) {
+    return device.present ? device.name : device.name + QStringLiteral(" (not there now)");
+}
+
+QString WaveMapperName() {
+    return QStringLiteral("The default sound device");
+}
+
 void SetWaveDevices(const QList<WaveDevice>& outputs, const QList<WaveDevice>& inputs) {
     numbered = Numbered{outputs, inputs};
 }

@@ -31,6 +31,10 @@ struct WaveDevice {
 const QList<WaveDevice>& WaveOutputs();
 const QList<WaveDevice>& WaveInputs();
 void RefreshWaveDevices();
+// What a list shows of a device: its name, and that it is not there now.
+QString WaveDeviceLabel(const WaveDevice& device);
+// The name of the wave mapper, device number -1: whatever the system plays on by itself.
+QString WaveMapperName();
 // Tests put other devices in place, until the next RefreshWaveDevices.
 void SetWaveDevices(const QList<WaveDevice>& outputs, const QList<WaveDevice>& inputs);
 

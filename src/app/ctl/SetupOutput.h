@@ -1,0 +1,32 @@
+// How commands that store what a window of settings holds begin and end.
+#pragma once
+
+#include "app/ctl/Command.h"
+#include "audio/SetupOutcome.h"
+
+namespace tolvex::ctl {
+
+// Reads the settings of the workstation. False when no local ini file was chosen; *status is then the exit
+// status.
+inline bool ReadForSetup(Call& call, int* status) {
+    const bool read = call.session.read();
+    if (!read)
+        *status = call.fail(QStringLiteral("No local ini file was chosen."));
+    return read;
+}
+
+// A value that was refused is wrong usage, with the text that the window shows.
+inline int EndSetup(const Call& call, const SetupOutcome& outcome) {
+    if (outcome.stored())
+        return Done;
+    return outcome.error ? call.fail(outcome.message, outcome.error) : call.wrong(outcome.message);
+}
+
+// A number in an argument; nothing for any other text.
+inline std::optional<int> NumberIn(const QString& text) {
+    bool good = false;
+    const int number = text.toInt(&good, 0);
+    return good ? std::optional(number) : std::nullopt;
+}
+
+} // namespace tolvex::ctl

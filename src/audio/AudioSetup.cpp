@@ -1,0 +1,275 @@
+#include "audio/AudioSetup.h"
+
+#include "audio/LoadAudioSettings.h"
+#include "audio/WaveSearch.h"
+#include "core/report/ProblemReport.h"
+#include "core/settings/SaveLocalSettings.h"
+#include "core/settings/SettingCheck.h"
+#include "core/settings/StoredSettings.h"
+#include "core/system/Product.h"
+#include "core/text/Numbers.h"
+#include "platform/Prompts.h"
+#include "platform/paths/Paths.h"
+#include "platform/profile/ProfileFile.h"
+
+namespace tolvex {
+
+namespace {
+
+constexpr int commonFiles = 0x2B;
+constexpr qint32 theLastPlayer = 255;
+constexpr int debugModes = 4;
+
+struct FlagRow {
+    bool AudioSetup::*held;
+    qint16 Settings::*setting;
+};
+constexpr FlagRow flags[] = {
+    {&AudioSetup::automatic, &Settings::AutomaticPlayerAssignment},
+    {&AudioSetup::playersAsToolbars, &Settings::RegisterAsToolbars},
+    {&AudioSetup::onlyEjectStopped, &Settings::OnlyAllowEjectStoppedCarts},
+    {&AudioSetup::playInstantly, &Settings::PlayCartsInstantly},
+    {&AudioSetup::ducking, &Settings::UsePlayerDucking},
+    {&AudioSetup::allowDifferentFormat, &Settings::AllowDifferentFormat},
+    {&AudioSetup::recordLocal, &Settings::RecordLocal},
+    {&AudioSetup::editorAtIdleSpeed, &Settings::AudioEditorRunAtIdleSpeed},
+    {&AudioSetup::individualCartFiles, &Settings::UseIndividualCartListFiles},
+    {&AudioSetup::maintainLegacy, &Settings::MaintainLegacyCartList},
+    {&AudioSetup::allowAudioFileLinking, &Settings::AllowAudioFileLinking},
+    {&AudioSetup::useLargeBuffers, &Settings::UseLargeWLBuffers},
+    {&AudioSetup::useLegacyCopyMode, &Settings::UseLegacyFileCopyMode},
+    {&AudioSetup::useCopyright, &Settings::UseCopyrightInCartChunk},
+};
+
+struct NumberRow {
+    qint32 AudioSetup::*held;
+    qint32 Settings::*setting;
+};
+constexpr NumberRow numbers[] = {
+    {&AudioSetup::players, &Settings::TotalNumberCartPlayers},
+    {&AudioSetup::fadePercent, &Settings::PlayerFadeFirePercent},
+    {&AudioSetup::format, &Settings::Format},
+    {&AudioSetup::channels, &Settings::Channels},
+    {&AudioSetup::rate, &Settings::KHz},
+    {&AudioSetup::editorPriority, &Settings::AudioEditorPriority},
+};
+constexpr NumberRow volumes[] = {
+    {&AudioSetup::generalVolume, &Settings::GeneralVolume},
+    {&AudioSetup::duckVolume, &Settings::DuckAudioVolume},
+    {&AudioSetup::sweeperVolume, &Settings::SweptVolume},
+};
+constexpr NumberRow zqsVolumes[] = {
+    {&AudioSetup::cartVolume, &Settings::GeneralVolume},
+    {&AudioSetup::cartGroupVolume, &Settings::CartGroupVolume},
+    {&AudioSetup::advertVolume, &Settings::AdvertVolume},
+};
+
+int numberOfInputs() {
+    return int(platform::WaveInputs().size());
+}
+
+// Lists whose entries stand for numbers in a row. A value above the highest is taken for it; one below the
+// first selects nothing.
+struct ListRow {
+    int AudioSetup::*index;
+    qint32 Settings::*setting;
+    int first; // the value of entry 0
+    int (*highest)();
+};
+constexpr int sixPlayers() {
+    return CartPlayerCount;
+}
+constexpr ListRow lists[] = {
+    {&AudioSetup::instant, &Settings::Instant, 1, &sixPlayers},
+    {&AudioSetup::editPlayer, &Settings::EditPlayer, 0, &sixPlayers},
+    {&AudioSetup::firstInOrder, &Settings::FirstPlayerInOrder, 1, &sixPlayers},
+    {&AudioSetup::lastInOrder, &Settings::LastPlayerInOrder, 1, &sixPlayers},
+    {&AudioSetup::recordInto, &Settings::RecordingSoundCard, 1, &numberOfInputs},
+    {&AudioSetup::debugMode, &Settings::WLDebugMode, 0, [] { return debugModes - 1; }},
+};
+
+// What the OK makes of a selected entry, by the number of players (above 0).
+qint32 instantPlayer(int index, int players) {
+    const int player = LowerOf(index + 1, players);
+    return player == 0 ? 1 : player;
+}
+qint32 editingPlayer(int index, int players) {
+    return LowerOf(index, players);
+}
+qint32 firstPlayer(int index, int players) {
+    const int player = index + 1;
+    if (player >= players && players >= 2)
+        return theLastPlayer;
+    return HigherOf(player, 0);
+}
+qint32 lastPlayer(int index, int players) {
+    const int player = index + 1;
+    return player >= players ? theLastPlayer : HigherOf(player, 0);
+}
+qint32 recordingCard(int index, int players) {
+    return index + 1 == 0 ? players : index + 1;
+}
+
+// The setting that a selected entry becomes, and what it is with no player at all.
+struct OrderRow {
+    qint32 Settings::*setting;
+    int AudioSetup::*index;
+    qint32 (*value)(int index, int players);
+    qint32 withoutPlayers;
+};
+constexpr OrderRow orders[] = {
+    {&Settings::Instant, &AudioSetup::instant, &instantPlayer, 0},
+    {&Settings::EditPlayer, &AudioSetup::editPlayer, &editingPlayer, 0},
+    {&Settings::FirstPlayerInOrder, &AudioSetup::firstInOrder, &firstPlayer, 0},
+    {&Settings::LastPlayerInOrder, &AudioSetup::lastInOrder, &lastPlayer, theLastPlayer},
+    {&Settings::RecordingSoundCard, &AudioSetup::recordInto, &recordingCard, 0},
+};
+
+qint16 flagOf(bool on) {
+    return on ? -1 : 0;
+}
+
+SetupOutcome check(const AudioSetup& setup) {
+    if (!setup.maintainLegacy && !setup.individualCartFiles)
+        return {QStringLiteral("You must specify either to 'Store each carts information individually' or "
+                               "'Maintain the complete list' or both."),
+                QStringLiteral("chkMaintainLegacy")};
+    if (setup.players > CartPlayerCount)
+        return {QStringLiteral("You cannot have more than %1 in Tolvex").arg(CartPlayerCount),
+                QStringLiteral("txtNumberCartPlayers")};
+    // The message has it the other way round, and stays so.
+    if (setup.fadePercent >= (setup.zqs ? setup.cartVolume : setup.generalVolume))
+        return {QStringLiteral("Your 'Fire When Faded to' percentage cannot be lower than the 'Play normal "
+                               "carts at' percentage"),
+                QStringLiteral("txtFadePercent")};
+    if (const QString fault = StoredTextFault(setup.audioEditor.trimmed()); !fault.isEmpty())
+        return {QStringLiteral("The path of the audio editor cannot be stored: %1.").arg(fault),
+                QStringLiteral("txtAudioEditor")};
+    return {};
+}
+
+void takePlayers(const AudioSetup& setup, Settings& settings) {
+    const int players = setup.players;
+    for (int n = 1; n <= CartPlayerCount; ++n) {
+        CartPlayer& player = settings.CartPlayerTable[n];
+        const AudioSetup::Player& chosen = setup.player[n];
+        if (n <= players)
+            player.Device = setup.automatic ? qint16(0) : qint16(chosen.device);
+        player.BackColor = chosen.backColor;
+        player.ForeColor = chosen.foreColor;
+    }
+    for (const OrderRow& row : orders)
+        settings.*row.setting =
+            players > 0 ? row.value(setup.*row.index, players) : row.withoutPlayers;
+    if (players <= 0)
+        settings.LockPlayerWhenRecording = 0;
+    else if (setup.lockPlayer)
+        settings.LockPlayerWhenRecording = LowerOf(setup.lockedPlayer + 1, players);
+}
+
+int writeZqsVolumes(const Settings& settings) {
+    platform::ProfileBatch batch(settings.LocalIniFile);
+    const QString section = QStringLiteral("Audio");
+    batch.put(section, QStringLiteral("CartGroupVolume"), settings.CartGroupVolume);
+    batch.put(section, QStringLiteral("AdvertVolume"), settings.AdvertVolume);
+    return batch.commit();
+}
+
+int writeAudiowallKeys(const Settings& settings) {
+    platform::ProfileBatch batch(AudiowallIniFile(settings));
+    batch.put(QStringLiteral("Audiowall"), QStringLiteral("AllowAudioFileLinking"),
+              settings.AllowAudioFileLinking ? 1 : 0);
+    batch.put(QStringLiteral("CartChunk"), QStringLiteral("UseCopyrightInCartChunk"),
+              settings.UseCopyrightInCartChunk ? 1 : 0);
+    return batch.commit();
+}
+
+} // namespace
+
+AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
+    AudioSetup setup;
+    setup.zqs = zqs;
+    for (const FlagRow& row : flags)
+        setup.*row.held = settings.*row.setting != 0;
+    for (const NumberRow& row : numbers)
+        setup.*row.held = settings.*row.setting;
+    for (const NumberRow& row : volumes)
+        setup.*row.held = settings.*row.setting;
+    for (const NumberRow& row : zqsVolumes)
+        setup.*row.held = settings.*row.setting;
+    for (const ListRow& row : lists)
+        setup.*row.index = HigherOf(LowerOf(settings.*row.setting, row.highest()) - row.first, -1);
+    const qsizetype devices = platform::WaveOutputs().size() + 1;
+    for (int n = 1; n <= CartPlayerCount; ++n) {
+        const CartPlayer& player = settings.CartPlayerTable[n];
+        const bool known = n <= settings.TotalNumberCartPlayers && player.Device >= 0 && player.Device < devices;
+        setup.player[n] = {known ? player.Device : 0, player.BackColor, player.ForeColor};
+    }
+    setup.audioEditor = settings.AudioEditor.trimmed();
+    setup.lockPlayer = settings.LockPlayerWhenRecording != 0;
+    setup.lockedPlayer = HeldBetween(settings.LockPlayerWhenRecording, 1, CartPlayerCount) - 1;
+    return setup;
+}
+
+SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings) {
+    if (SetupOutcome refused = check(setup); !refused.stored())
+        return refused;
+    Settings next = settings;
+    {
+        const platform::PointerKeeper pointer(platform::Pointer::Wait);
+        for (const NumberRow& row : numbers)
+            next.*row.setting = setup.*row.held;
+        if (setup.zqs)
+            for (const NumberRow& row : zqsVolumes)
+                next.*row.setting = setup.*row.held;
+        else
+            for (const NumberRow& row : volumes)
+                next.*row.setting = setup.*row.held;
+        next.AudioEditor = setup.audioEditor.trimmed();
+        if (const QString warning = TooFewOutputsText(setup.players); !warning.isEmpty())
+            ShowExclamation(warning);
+        takePlayers(setup, next);
+        for (const FlagRow& row : flags)
+            next.*row.setting = flagOf(setup.*row.held);
+        next.WLDebugMode = setup.debugMode;
+
+        int error = SaveLocalSettings(next, next.LocalIniFile);
+        if (error == platform::ProfileOk && setup.zqs)
+            error = writeZqsVolumes(next);
+        if (error)
+            return {ProfileErrorText(error, platform::ProfilePath(next.LocalIniFile)), {}, error};
+        const qint16 linkingBefore = settings.AllowAudioFileLinking;
+        const qint16 copyrightBefore = settings.UseCopyrightInCartChunk;
+        settings = next;
+        error = next.CartPartTable[1].Location.trimmed().isEmpty() ? 0 : writeAudiowallKeys(next);
+        if (error) {
+            settings.AllowAudioFileLinking = linkingBefore;
+            settings.UseCopyrightInCartChunk = copyrightBefore;
+            return {ProfileErrorText(error, AudiowallIniFile(next)), {}, error};
+        }
+    }
+    if (setup.zqs)
+        platform::prompts().ask(
+            {.text = QStringLiteral("You will have to restart %1 for these changes to take effect")
+                         .arg(QLatin1String(ProductName)),
+             .icon = platform::Icon::Information});
+    return {};
+}
+
+QString TooFewOutputsText(int players) {
+    const int count = CountSuitableOutputs(44100, 1);
+    if (players <= count)
+        return {};
+    if (count == 0)
+        return QStringLiteral("Warning : There are no suitable sound devices installed!");
+    if (count == 1)
+        return QStringLiteral("Warning : There is only 1 suitable sound device installed!");
+    return QStringLiteral("Warning : There are only %1 suitable sound devices installed").arg(count);
+}
+
+QString TunelaneProgram() {
+    return platform::SpecialFolderPath(commonFiles) +
+           QStringLiteral("\\Norvane Shared\\Wavelane\\Tunelane.exe");
+}
+
+} // namespace tolvex
