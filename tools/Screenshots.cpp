@@ -1,6 +1,7 @@
 // Sets up a station in the machine folder and saves a picture of each form: screenshots <folder> light|dark
 #include "WalkThrough.h"
 
+#include "audio/forms/frmChooseAudioFormat.h"
 #include "console/ConfigurationSets.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/frmConfigure.h"
@@ -12,6 +13,7 @@
 #include "network/forms/frmCommandSetup.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
+#include "platform/devices/WaveDevices.h"
 #include "platform/paths/Paths.h"
 #include "station/Workstation.h"
 #include "ui/forms/frmGoodInputBox.h"
@@ -69,6 +71,8 @@ void makeStation() {
         ini += "Carts" + QByteArray::number(part) +
                (part == 3 ? "=C:\\TOLVEX\\AUDIO3\r\n" : "=C:\\TOLVEX\\AUDIO\r\n");
     ini +=
+        "[AudioWall]\r\nJumpCartNumber1=100\r\nJumpDescription1=Jingles\r\nJumpCartNumber2=2000\r\n"
+        "JumpDescription2=News beds\r\n"
         "[Hardware1]\r\nCardType=3\r\nBaseAddress=2\r\n[Hardware2]\r\nCardType=4\r\nBaseAddress=3\r\n"
         "[Hardware3]\r\nCardType=5\r\nAction1=64\r\nAction1Data2=120\r\nAction2=96\r\nAction2Data1=255\r\n";
     // A studio's lines: type, action and its parameters.
@@ -148,6 +152,28 @@ void saveCommands(Workstation& station) {
     save(server, "server");
 }
 
+// A picture of each tab: "audio1", "audio2", ...
+void saveTabs(Workstation& station, const char* form, const char* name) {
+    const std::unique_ptr<QDialog> dialog(MakeForm(QString::fromLatin1(form), station, nullptr));
+    FitForm(dialog.get());
+    auto* tabs = dialog->findChild<QTabWidget*>();
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        save(*dialog, (name + QByteArray::number(tab + 1)).constData());
+    }
+}
+
+// A studio has a desk with three channels and a card for listening in advance.
+void makeDevices() {
+    constexpr quint32 formats = platform::WaveFormat4M16 | platform::WaveFormat4S16;
+    QList<platform::WaveDevice> outputs;
+    for (const char* output :
+         {"Desk, Channel 1", "Desk, Channel 2", "Desk, Channel 3", "USB Audio, Headphones"})
+        outputs += {QLatin1String(output), QLatin1String(output), 0, formats, true};
+    platform::SetWaveDevices(outputs,
+                             {{QStringLiteral("Desk, Record Bus"), QStringLiteral("rec"), 0, formats, true}});
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -160,6 +186,7 @@ int main(int argc, char** argv) {
     QDir().mkpath(folder);
     ApplyStyle(application, QByteArray(argv[2]) == "dark" ? Scheme::Dark : Scheme::Light);
     makeStation();
+    makeDevices();
     Workstation station;
 
     frmConfigure console(station);
@@ -176,6 +203,10 @@ int main(int argc, char** argv) {
     save(console, "console-search");
 
     saveForm(station, "frmFileLocations", "filelocations");
+    saveTabs(station, "frmAudioSetup", "audio");
+    saveTabs(station, "frmAudioWallSetup", "audiowall");
+    frmChooseAudioFormat chooser(1, 2, 44100);
+    save(chooser, "audioformat");
     saveForm(station, "frmDisplayOptions", "displayoptions");
     saveForm(station, "frmDateTimeSetup", "datetime");
     saveForm(station, "frmLinkMeshSetup", "linkmesh");

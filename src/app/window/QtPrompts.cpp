@@ -1,6 +1,7 @@
 #include "app/window/QtPrompts.h"
 
 #include "app/window/ProgressBox.h"
+#include "audio/forms/frmChooseAudioFormat.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
 #include "core/settings/Settings.h"
@@ -165,6 +166,18 @@ std::optional<qint32> QtPrompts::pickColour(qint32 initial) {
     if (!chosen.isValid())
         return std::nullopt;
     return FromColor(chosen);
+}
+
+std::optional<platform::WaveFormat> QtPrompts::pickWaveFormat(const platform::WaveFormat& initial) {
+    frmChooseAudioFormat chooser(quint16(initial.tag), initial.channels, initial.rate,
+                                 QApplication::activeWindow());
+    FitForm(&chooser);
+    const platform::PointerKeeper pointer(platform::Pointer::Default);
+    const bool accepted = chooser.exec() == QDialog::Accepted;
+    const std::optional<platform::AudioFormat> chosen = chooser.chosen();
+    if (!accepted || !chosen)
+        return std::nullopt;
+    return platform::WaveFormat{qint16(chosen->tag), qint16(chosen->channels), chosen->rate};
 }
 
 bool QtPrompts::pickPrinter(QPrinter& printer, bool withSelection) {

@@ -23,6 +23,7 @@ public:
     std::optional<QString> askText(const QString& prompt, const QString& title,
                                    const QString& initial) override;
     std::optional<qint32> pickColour(qint32 initial) override;
+    std::optional<platform::WaveFormat> pickWaveFormat(const platform::WaveFormat& initial) override;
     bool pickPrinter(QPrinter& printer, bool withSelection) override;
     std::unique_ptr<platform::Progress> beginProgress(const QString& title, bool canStop) override;
     platform::Pointer pointer() const override { return pointer_; }

@@ -1,5 +1,7 @@
 #include "console/forms/FormTable.h"
 
+#include "audio/forms/frmAudioSetup.h"
+#include "audio/forms/frmAudioWallSetup.h"
 #include "console/AutoConfiguration.h"
 #include "console/forms/CompactDatabase.h"
 #include "console/forms/frmDateTimeSetup.h"
@@ -9,6 +11,7 @@
 #include "network/forms/frmCommandSetup.h"
 #include "network/forms/frmLinkMeshSetup.h"
 #include "station/NetworkParts.h"
+#include "station/LoadSettings.h"
 #include "station/Workstation.h"
 
 #include <QFile>
@@ -33,6 +36,15 @@ const Row rows[] = {
          auto* form = new frmFileLocations(station.settings, owner);
          form->setIniFile(station.settings.LocalIniFile);
          return form;
+     }},
+    {"frmAudioSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmAudioSetup(station.settings, owner);
+     }},
+    {"frmAudioWallSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         LoadLocalSettings(station);
+         return new frmAudioWallSetup(station.settings, owner);
      }},
     {"frmDisplayOptions",
      [](Workstation& station, QWidget* owner) -> QDialog* {

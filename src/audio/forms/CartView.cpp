@@ -1,0 +1,127 @@
+#include "audio/forms/CartView.h"
+
+#include "ui/style/Colours.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <qdrawutil.h>
+
+namespace tolvex {
+
+namespace {
+
+// Pixels. The gap below the times bar is 30 twips.
+constexpr int Inset = 2;
+constexpr int GapBelowBar = 2;
+constexpr int BarHeight = 16;
+constexpr int MarkSize = 9;
+
+} // namespace
+
+CartView::CartView(QWidget* parent)
+    : QWidget(parent) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void CartView::setFace(const CartFace& face) {
+    if (face == face_)
+        return;
+    face_ = face;
+    setAccessibleName(QStringLiteral("Cart %1 %2").arg(face.number).arg(face.description));
+    update();
+}
+
+void CartView::setLooks(const CartLooks& looks) {
+    looks_ = looks;
+    update();
+}
+
+// Selected, and painted in the colours for that.
+bool CartView::shownByColour() const {
+    return face_.state == CartFace::State::Selected && !looks_.selectedPushedIn;
+}
+
+QColor CartView::ground() const {
+    const bool empty = face_.state == CartFace::State::Empty;
+    return ToColor(shownByColour() ? looks_.selectedBack : empty ? looks_.emptyBack : face_.back, palette());
+}
+
+QColor CartView::text() const {
+    const bool empty = face_.state == CartFace::State::Empty;
+    return ToColor(shownByColour() ? looks_.selectedText : empty ? looks_.emptyFore : face_.fore, palette());
+}
+
+QRect CartView::timesBar() const {
+    const int left = looks_.bevel + Inset;
+    return {left, height() - BarHeight - GapBelowBar - looks_.bevel, width() - 2 * left, BarHeight};
+}
+
+QString CartView::timeText() const {
+    const int minutes = face_.seconds / 60;
+    const QString seconds = QStringLiteral("%1").arg(face_.seconds % 60, 2, 10, QChar(u'0'));
+    if (looks_.timeInHours)
+        return QStringLiteral("%1:%2:%3")
+            .arg(minutes / 60)
+            .arg(minutes % 60, 2, 10, QChar(u'0'))
+            .arg(seconds);
+    return QStringLiteral("%1:%2").arg(minutes).arg(seconds);
+}
+
+void CartView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor back = ground();
+    const QColor fore = text();
+    painter.fillRect(rect(), back);
+    if (looks_.bevel > 0) {
+        const bool sunken = face_.state == CartFace::State::Selected && looks_.selectedPushedIn;
+        QPalette edges = palette();
+        edges.setColor(QPalette::Light, back.lighter(160));
+        edges.setColor(QPalette::Dark, back.darker(170));
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        qDrawShadePanel(&painter, rect(), edges, sunken, looks_.bevel);
+        painter.setRenderHint(QPainter::Antialiasing);
+    }
+    const bool empty = face_.state == CartFace::State::Empty;
+    const QRect inner = rect().adjusted(looks_.bevel + Inset, looks_.bevel + Inset, -looks_.bevel - Inset,
+                                        -looks_.bevel - Inset);
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    painter.setFont(small);
+    const int line = QFontMetrics(small).height();
+    painter.setPen(ToColor(empty ? looks_.emptyNumber : looks_.number, palette()));
+    painter.drawText(QRect(inner.left(), inner.top(), inner.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
+                     QString::number(face_.number));
+    painter.setPen(fore);
+    int right = inner.right() - MarkSize;
+    if (face_.hasAudio) {
+        const QRect mark(right, inner.top() + (line - MarkSize) / 2, MarkSize, MarkSize);
+        QPainterPath shape;
+        if (looks_.audioAsSquare)
+            shape.addRect(mark);
+        else
+            shape.addEllipse(mark);
+        painter.fillPath(shape, fore);
+        right -= MarkSize + 2;
+    }
+    if (face_.compressed && looks_.showCompressed)
+        painter.drawText(QRect(right - line, inner.top(), line + MarkSize, line),
+                         Qt::AlignHCenter | Qt::AlignVCenter, QStringLiteral("C"));
+
+    const QRect bar = timesBar();
+    if (!empty) {
+        if (looks_.timesBarInColour)
+            painter.fillRect(bar, ToColor(looks_.timesBar, palette()));
+        painter.setPen(looks_.timesBarInColour ? ToColor(looks_.timesBarText, palette()) : fore);
+        painter.drawText(bar.adjusted(4, 0, -4, 0), Qt::AlignRight | Qt::AlignVCenter, timeText());
+    }
+    QFont described(looks_.fontName, qMax(1, looks_.fontSize));
+    described.setBold(looks_.fontBold);
+    painter.setFont(described);
+    painter.setPen(fore);
+    const int top = inner.top() + line;
+    painter.drawText(QRect(inner.left(), top, inner.width(), (empty ? inner.bottom() : bar.top()) - top),
+                     Qt::AlignCenter | Qt::TextWordWrap, face_.description);
+}
+
+} // namespace tolvex

@@ -1,0 +1,52 @@
+// One cart as the audiowall shows it, painted from what the cart is and how carts look. It needs no setup of
+// its own: give it both records.
+#pragma once
+
+#include "audio/CartLooks.h"
+
+#include <QWidget>
+
+namespace tolvex {
+
+struct CartFace {
+    enum class State { Normal, Selected, Empty };
+    State state = State::Normal;
+    int number = 0;
+    QString description;
+    int seconds = 0; // length, in the times bar
+    bool hasAudio = false;
+    bool compressed = false;
+    qint32 back = 0; // of a cart that holds something; carts have colours of their own
+    qint32 fore = 0;
+
+    friend bool operator==(const CartFace&, const CartFace&) = default;
+};
+
+class CartView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CartView(QWidget* parent = nullptr);
+
+    void setFace(const CartFace& face);
+    void setLooks(const CartLooks& looks);
+    const CartFace& face() const { return face_; }
+
+    // The ground and the text of the cart as they are painted.
+    QColor ground() const;
+    QColor text() const;
+    // Where the times bar lies.
+    QRect timesBar() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool shownByColour() const;
+    QString timeText() const;
+
+    CartFace face_;
+    CartLooks looks_;
+};
+
+} // namespace tolvex

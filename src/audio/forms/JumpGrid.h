@@ -1,0 +1,45 @@
+// The grid of jump buttons: a row each, the number of its cart and what the button says. One entry box moves
+// over the cells: clicking a cell or typing on the grid opens it, Return and Tab store and move on, Escape
+// leaves the cell as it was.
+#pragma once
+
+#include "core/settings/Settings.h"
+
+#include <QTableWidget>
+
+class QLineEdit;
+
+namespace tolvex {
+
+class JumpGrid : public QTableWidget {
+    Q_OBJECT
+
+public:
+    explicit JumpGrid(QWidget* parent = nullptr);
+
+    // A cart of 0 or less stands as a blank row.
+    void setJumps(const QList<JumpCartButton>& jumps);
+    QList<JumpCartButton> jumps();
+    // More rows are blank ones.
+    void setJumpCount(int count);
+    // Stores what stands in the entry box, if it is open.
+    void finishEntry();
+
+signals:
+    void edited();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void openEntry(int row, int column);
+    void closeEntry(bool store);
+    void moveOn(int step);
+    void placeEntry();
+
+    QLineEdit* entry_;
+};
+
+} // namespace tolvex

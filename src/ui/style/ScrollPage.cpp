@@ -1,0 +1,39 @@
+#include "ui/style/ScrollPage.h"
+
+#include <QApplication>
+
+namespace tolvex {
+
+ScrollPage::ScrollPage(QWidget* parent)
+    : QScrollArea(parent) {
+    setFocusPolicy(Qt::NoFocus);
+    setFrameShape(NoFrame);
+    setStyleSheet(QStringLiteral("tolvex--ScrollPage { background: transparent; border: none; }"));
+    viewport()->setAutoFillBackground(false);
+    // The field that the Tab key reaches comes into sight.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { follow(now); });
+}
+
+void ScrollPage::follow(QWidget* focus) {
+    if (focus && widget() && widget()->isAncestorOf(focus) && isVisible())
+        ensureWidgetVisible(focus, 0, 8);
+}
+
+// The tab's own ground shows through.
+void ScrollPage::showEvent(QShowEvent* event) {
+    QScrollArea::showEvent(event);
+    if (widget())
+        widget()->setAutoFillBackground(false);
+}
+
+QSize ScrollPage::sizeHint() const {
+    const QWidget* content = widget();
+    if (!content)
+        return QScrollArea::sizeHint();
+    QSize size = content->sizeHint();
+    if (content->hasHeightForWidth())
+        size.setHeight(qMax(size.height(), content->heightForWidth(size.width())));
+    return size + QSize(2 * frameWidth(), 2 * frameWidth());
+}
+
+} // namespace tolvex
