@@ -159,8 +159,7 @@ void takePlayers(const AudioSetup& setup, Settings& settings) {
         player.ForeColor = chosen.foreColor;
     }
     for (const OrderRow& row : orders)
-        settings.*row.setting =
-            players > 0 ? row.value(setup.*row.index, players) : row.withoutPlayers;
+        settings.*row.setting = players > 0 ? row.value(setup.*row.index, players) : row.withoutPlayers;
     if (players <= 0)
         settings.LockPlayerWhenRecording = 0;
     else if (setup.lockPlayer)
@@ -202,7 +201,8 @@ AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
     const qsizetype devices = platform::WaveOutputs().size() + 1;
     for (int n = 1; n <= CartPlayerCount; ++n) {
         const CartPlayer& player = settings.CartPlayerTable[n];
-        const bool known = n <= settings.TotalNumberCartPlayers && player.Device >= 0 && player.Device < devices;
+        const bool known =
+            n <= settings.TotalNumberCartPlayers && player.Device >= 0 && player.Device < devices;
         setup.player[n] = {known ? player.Device : 0, player.BackColor, player.ForeColor};
     }
     setup.audioEditor = settings.AudioEditor.trimmed();

@@ -43,8 +43,8 @@ TEST_F(AudiowallSetups, ComeBackEqualFromTheFiles) {
     setup.triggerLevel = 32767;
     setup.highlightTimes = 4;
     setup.fadeSeconds = 9;
-    setup.looks = {1, 2, true, 3, false, 4, 5, 6, 7, -1, qint32(0x80000012u), true, true, true,
-                   "No Such Font", 14, true, 6};
+    setup.looks = {1,    2,    true,           3,  false, 4, 5, 6, 7, -1, qint32(0x80000012u), true,
+                   true, true, "No Such Font", 14, true,  6};
     setup.cartHeight = 1200;
     setup.cartWidth = 2345;
     setup.jumps = {{9999, " News "}, {1, "x"}, {}, {5, QString(30, u'a')}};

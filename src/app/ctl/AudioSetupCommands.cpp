@@ -105,9 +105,8 @@ int players(Call& call) {
     if (!words.isEmpty() && !call.has("--manual"))
         return call.wrong(QStringLiteral("Devices belong to manual assignment: --manual is expected."));
     if (words.size() > *count)
-        return call.wrong(QStringLiteral("%1 devices for %2 players are too many.")
-                              .arg(words.size())
-                              .arg(*count));
+        return call.wrong(
+            QStringLiteral("%1 devices for %2 players are too many.").arg(words.size()).arg(*count));
     int status = Done;
     if (!ReadForSetup(call, &status))
         return status;
@@ -147,8 +146,7 @@ int formats(Call& call) {
             records += QJsonObject{{QStringLiteral("tag"), tag.tag},
                                    {QStringLiteral("name"), tag.name},
                                    {QStringLiteral("formats"), tag.formats.size()}};
-        call.output.records(records,
-                            {{"tag", "Tag", true}, {"name", "Name"}, {"formats", "Formats", true}});
+        call.output.records(records, {{"tag", "Tag", true}, {"name", "Name"}, {"formats", "Formats", true}});
         return records.isEmpty() ? No : Done;
     }
     const AudioFormatTag* tag = tagByWord(call.argument(0));
@@ -175,9 +173,10 @@ int format(Call& call) {
     const int rate = NumberIn(call.argument(2)).value_or(0);
     const std::optional<AudioFormat> nearest = SuggestAudioFormat(tag->tag, channels, rate);
     if (!nearest || nearest->channels != channels || nearest->rate != rate)
-        return call.wrong(QStringLiteral("%1 cannot be recorded with %2 channels at %3 hertz; the nearest is %4.")
-                              .arg(tag->name, call.argument(1), call.argument(2),
-                                   nearest ? AudioFormatDetails(*nearest) : QStringLiteral("none")));
+        return call.wrong(
+            QStringLiteral("%1 cannot be recorded with %2 channels at %3 hertz; the nearest is %4.")
+                .arg(tag->name, call.argument(1), call.argument(2),
+                     nearest ? AudioFormatDetails(*nearest) : QStringLiteral("none")));
     int status = Done;
     if (!ReadForSetup(call, &status))
         return status;
@@ -203,7 +202,8 @@ CommandRows AudioSetupCommands() {
         {"audio formats", "[TAG]",
          "List the formats that new audio can be recorded in, or those of one of them, by number or name",
          formats},
-        Changing({"audio format", "TAG CHANNELS RATE", "Set the format that new audio is recorded in", format}),
+        Changing(
+            {"audio format", "TAG CHANNELS RATE", "Set the format that new audio is recorded in", format}),
     };
 }
 

@@ -27,8 +27,8 @@ int show(Call& call) {
                        {QStringLiteral("cartHeight"), setup.cartHeight},
                        {QStringLiteral("columns"), grid.columns},
                        {QStringLiteral("rows"), grid.rows},
-                       {QStringLiteral("font"), QStringLiteral("%1, %2").arg(setup.looks.fontName).arg(
-                                                    setup.looks.fontSize)},
+                       {QStringLiteral("font"),
+                        QStringLiteral("%1, %2").arg(setup.looks.fontName).arg(setup.looks.fontSize)},
                        {QStringLiteral("fadeSeconds"), setup.fadeSeconds},
                        {QStringLiteral("triggerLevel"), s.LevelTrigger}};
     if (call.output.json())
@@ -59,8 +59,9 @@ int size(Call& call) {
         return status;
     Settings& s = call.station.settings;
     if (s.CartPartTable[1].Location.trimmed().isEmpty())
-        return call.fail(QStringLiteral("Without a first Cart Location there is no file that holds the number "
-                                        "of carts."));
+        return call.fail(
+            QStringLiteral("Without a first Cart Location there is no file that holds the number "
+                           "of carts."));
     AudiowallSetup setup = LoadAudiowallSetup(s);
     setup.numberCarts = *carts;
     return EndSetup(call, StoreAudiowallSetup(setup, s));
@@ -84,11 +85,11 @@ int jump(Call& call) {
     Settings& s = call.station.settings;
     AudiowallSetup setup = LoadAudiowallSetup(s);
     if (*cart > s.NoCarts)
-        call.output.note(QStringLiteral("The audiowall has %1 carts: the button stays empty.").arg(s.NoCarts));
+        call.output.note(
+            QStringLiteral("The audiowall has %1 carts: the button stays empty.").arg(s.NoCarts));
     while (setup.jumps.size() < *button)
         setup.jumps += JumpCartButton{};
-    setup.jumps[*button - 1] =
-        *cart == 0 ? JumpCartButton{} : JumpCartButton{*cart, call.argument(2)};
+    setup.jumps[*button - 1] = *cart == 0 ? JumpCartButton{} : JumpCartButton{*cart, call.argument(2)};
     return EndSetup(call, StoreAudiowallSetup(setup, s));
 }
 

@@ -4,7 +4,6 @@
 
 #include <QPainter>
 #include <QPainterPath>
-#include <qdrawutil.h>
 
 namespace tolvex {
 
@@ -15,6 +14,19 @@ constexpr int Inset = 2;
 constexpr int GapBelowBar = 2;
 constexpr int BarHeight = 16;
 constexpr int MarkSize = 9;
+
+// Edges in two colours, the one of the light to the left and above.
+void drawBevel(QPainter& painter, const QRect& around, const QColor& light, const QColor& dark, int width) {
+    for (int i = 0; i < width; ++i) {
+        const QRect edge = around.adjusted(i, i, -i, -i);
+        painter.setPen(light);
+        painter.drawLine(edge.bottomLeft(), edge.topLeft());
+        painter.drawLine(edge.topLeft(), edge.topRight());
+        painter.setPen(dark);
+        painter.drawLine(edge.topRight(), edge.bottomRight());
+        painter.drawLine(edge.bottomRight(), edge.bottomLeft());
+    }
+}
 
 } // namespace
 
@@ -69,19 +81,12 @@ QString CartView::timeText() const {
 
 void CartView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QColor back = ground();
     const QColor fore = text();
     painter.fillRect(rect(), back);
-    if (looks_.bevel > 0) {
-        const bool sunken = face_.state == CartFace::State::Selected && looks_.selectedPushedIn;
-        QPalette edges = palette();
-        edges.setColor(QPalette::Light, back.lighter(160));
-        edges.setColor(QPalette::Dark, back.darker(170));
-        painter.setRenderHint(QPainter::Antialiasing, false);
-        qDrawShadePanel(&painter, rect(), edges, sunken, looks_.bevel);
-        painter.setRenderHint(QPainter::Antialiasing);
-    }
+    const bool sunken = face_.state == CartFace::State::Selected && looks_.selectedPushedIn;
+    drawBevel(painter, rect(), sunken ? back.darker(170) : back.lighter(160),
+              sunken ? back.lighter(160) : back.darker(170), looks_.bevel);
     const bool empty = face_.state == CartFace::State::Empty;
     const QRect inner = rect().adjusted(looks_.bevel + Inset, looks_.bevel + Inset, -looks_.bevel - Inset,
                                         -looks_.bevel - Inset);
@@ -101,7 +106,9 @@ void CartView::paintEvent(QPaintEvent*) {
             shape.addRect(mark);
         else
             shape.addEllipse(mark);
+        painter.setRenderHint(QPainter::Antialiasing);
         painter.fillPath(shape, fore);
+        painter.setRenderHint(QPainter::Antialiasing, false);
         right -= MarkSize + 2;
     }
     if (face_.compressed && looks_.showCompressed)

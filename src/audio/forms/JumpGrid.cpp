@@ -35,6 +35,7 @@ JumpGrid::JumpGrid(QWidget* parent)
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
     setTabKeyNavigation(false);
+    setStyleSheet(QStringLiteral("QTableCornerButton::section { background: transparent; border: none; }"));
     entry_->setObjectName(QStringLiteral("txtGridEntry"));
     entry_->hide();
     entry_->installEventFilter(this);
@@ -42,8 +43,7 @@ JumpGrid::JumpGrid(QWidget* parent)
         if (currentColumn() == CartColumn && digitsOf(text) != text)
             entry_->setText(digitsOf(text));
     });
-    connect(this, &QTableWidget::cellClicked, this,
-            [this](int row, int column) { openEntry(row, column); });
+    connect(this, &QTableWidget::cellClicked, this, [this](int row, int column) { openEntry(row, column); });
 }
 
 void JumpGrid::setJumps(const QList<JumpCartButton>& jumps) {
@@ -60,8 +60,7 @@ QList<JumpCartButton> JumpGrid::jumps() {
     finishEntry();
     QList<JumpCartButton> jumps;
     for (int row = 0; row < rowCount(); ++row)
-        jumps += {ToLong(LeadingNumber(item(row, CartColumn)->text())),
-                  item(row, DescriptionColumn)->text()};
+        jumps += {ToLong(LeadingNumber(item(row, CartColumn)->text())), item(row, DescriptionColumn)->text()};
     return jumps;
 }
 

@@ -215,8 +215,7 @@ void frmAudioSetup::addRules() {
     rules.push_back({QStringLiteral("txtDuckVolume lblDuckVolumePerc"),
                      QStringLiteral("Only while the other cart is ducked."), IsOn("optDucking")});
     rules.push_back({QStringLiteral("txtSweeperVol lblSweepVolumePerc"),
-                     QStringLiteral("Only while the sweeper has a volume of its own."),
-                     IsOn("optSweeper")});
+                     QStringLiteral("Only while the sweeper has a volume of its own."), IsOn("optSweeper")});
     rules.push_back({QStringLiteral("comboRecordingLockPlayer"),
                      QStringLiteral("Tick \"When recording, lock\" to choose the player."),
                      IsOn("chkLockPlayerWhenRecording")});
@@ -254,7 +253,7 @@ void frmAudioSetup::limitPlayers() {
 bool frmAudioSetup::eventFilter(QObject* watched, QEvent* event) {
     if (watched == ui_->txtNumberCartPlayers && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        typed_ = !key->text().isEmpty() && key->text()[0].isPrint();
+        typed_ = !(key->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) && !key->text().isEmpty();
     }
     return QDialog::eventFilter(watched, event);
 }
@@ -268,8 +267,9 @@ void frmAudioSetup::connectColours() {
         const auto show = [this, back, fore, hint] {
             const double contrast =
                 Contrast(ToColor(back->colour(), palette()), ToColor(fore->colour(), palette()));
-            hint->setText(contrast < readable ? QStringLiteral("hard to read: %1 to 1").arg(contrast, 0, 'f', 1)
-                                              : QString());
+            hint->setText(contrast < readable
+                              ? QStringLiteral("hard to read: %1 to 1").arg(contrast, 0, 'f', 1)
+                              : QString());
             hint->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
         };
         for (ColourButton* button : {back, fore})
@@ -285,8 +285,8 @@ void frmAudioSetup::setZqsMode(bool on) {
     for (QWidget* control : ControlsNamed(this, zqsOnly))
         control->setVisible(on);
     for (int n = 1; n <= CartPlayerCount; ++n)
-        for (const char* name : {"pnlPlayerDisplay", "cmdPlayerBackGround", "cmdPlayerForeground",
-                                 "lblContrast"})
+        for (const char* name :
+             {"pnlPlayerDisplay", "cmdPlayerBackGround", "cmdPlayerForeground", "lblContrast"})
             ControlNamed(this, numbered(name, n))->setVisible(!on);
     rules_->apply();
 }
@@ -330,13 +330,13 @@ void frmAudioSetup::showDevices() {
 }
 
 void frmAudioSetup::showFormat() {
-    ui_->lblAudioFormat->setText(
-        u' ' + platform::DescribeAudioFormat(setup_.format, setup_.channels, setup_.rate));
+    ui_->lblAudioFormat->setText(u' ' +
+                                 platform::DescribeAudioFormat(setup_.format, setup_.channels, setup_.rate));
 }
 
 void frmAudioSetup::chooseFormat() {
-    const std::optional<platform::WaveFormat> chosen = platform::prompts().pickWaveFormat(
-        {qint16(setup_.format), qint16(setup_.channels), setup_.rate});
+    const std::optional<platform::WaveFormat> chosen =
+        platform::prompts().pickWaveFormat({qint16(setup_.format), qint16(setup_.channels), setup_.rate});
     if (!chosen)
         return;
     setup_.format = quint16(chosen->tag);

@@ -11,6 +11,7 @@
 #include "ui_frmAudioWallSetup.h"
 
 #include <QFontDialog>
+#include <QLocale>
 
 namespace tolvex {
 
@@ -119,10 +120,12 @@ frmAudioWallSetup::frmAudioWallSetup(Settings& settings, QWidget* parent)
     showCartSize();
     showJumpHint();
     connect(ui_->grdJumps, &JumpGrid::edited, this, &frmAudioWallSetup::showJumpHint);
-    connect(ui_->cmdUpdateNumberButtons, &QPushButton::clicked, this, &frmAudioWallSetup::updateNumberButtons);
+    connect(ui_->cmdUpdateNumberButtons, &QPushButton::clicked, this,
+            &frmAudioWallSetup::updateNumberButtons);
     connect(ui_->cmdChangeFont, &QPushButton::clicked, this, &frmAudioWallSetup::changeFont);
     connect(ui_->OKB, &QPushButton::clicked, this, &frmAudioWallSetup::store);
     connect(ui_->CancelB, &QPushButton::clicked, this, &QDialog::reject);
+    ui_->lineFade->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().line.name()));
     ui_->tbsAudiowall->setCurrentIndex(0);
 }
 
@@ -135,16 +138,15 @@ void frmAudioWallSetup::fillLists() {
         ui_->comboPictureType->addItem(QLatin1String(type.text));
     for (int width = 0; width <= qMax(MostBevel, setup_.looks.bevel); ++width)
         ui_->comboBevelWidth->addItem(QString::number(width));
-    for (auto [slider, greatest, held] :
-         {std::tuple(ui_->sldCartHeight, GreatestHeight, setup_.cartHeight),
-          std::tuple(ui_->sldCartWidth, GreatestWidth, setup_.cartWidth)}) {
+    for (auto [slider, greatest, held] : {std::tuple(ui_->sldCartHeight, GreatestHeight, setup_.cartHeight),
+                                          std::tuple(ui_->sldCartWidth, GreatestWidth, setup_.cartWidth)}) {
         slider->setRange(SmallestOnSlider, qMax(greatest, held));
         slider->setSingleStep(TwipsPerPixel);
         slider->setPageStep(10 * TwipsPerPixel);
         connect(slider, &QSlider::valueChanged, this, &frmAudioWallSetup::showCartSize);
     }
-    ui_->lblNoCartsDesc->setText(
-        QStringLiteral("(You cannot have more than %1) carts.").arg(QLocale::c().toString(MostCarts)));
+    ui_->lblNoCartsDesc->setText(QStringLiteral("(You cannot have more than %1) carts.")
+                                     .arg(QLocale(QLocale::English).toString(MostCarts)));
 }
 
 void frmAudioWallSetup::addRules() {
@@ -173,15 +175,16 @@ void frmAudioWallSetup::addRules() {
           QStringLiteral("No ejected cart is faded."), fades},
          {QStringLiteral("cmdSelectTimesBarColor"), QStringLiteral("The times bar has no colour."),
           IsOn("chkDisplayTimesBarColor")},
-         {QStringLiteral("frameAudiowallLimits lblNumberCarts txtNumberCarts lblNoCartsDesc comboPictureType"),
+         {QStringLiteral(
+              "frameAudiowallLimits lblNumberCarts txtNumberCarts lblNoCartsDesc comboPictureType"),
           QStringLiteral("Set the first Cart Location (in File Locations) first: they are kept there."),
           [located](const FormView&) { return located; }}});
 }
 
 void frmAudioWallSetup::addFilters() {
-    for (QLineEdit* box : {ui_->txtNumberCarts, ui_->txtRecordTriggerLevel, ui_->txtFadeSeconds,
-                           ui_->txtHighlightFixedTime, ui_->txtHighlightMultiple,
-                           ui_->txtAudiowallUpdateInterval, ui_->txtNumberCartGroups})
+    for (QLineEdit* box :
+         {ui_->txtNumberCarts, ui_->txtRecordTriggerLevel, ui_->txtFadeSeconds, ui_->txtHighlightFixedTime,
+          ui_->txtHighlightMultiple, ui_->txtAudiowallUpdateInterval, ui_->txtNumberCartGroups})
         TakeDigits(box, 9);
 }
 
@@ -225,15 +228,15 @@ void frmAudioWallSetup::chooseTimesBarText() {
     qint32& text = setup_.looks.timesBarText;
     const QColor bar = ToColor(ui_->cmdSelectTimesBarColor->colour(), palette());
     if (Contrast(bar, ToColor(text, palette())) < readable)
-        text = Contrast(bar, Qt::black) > Contrast(bar, Qt::white) ? FromColor(Qt::black)
-                                                                   : FromColor(Qt::white);
+        text =
+            Contrast(bar, Qt::black) > Contrast(bar, Qt::white) ? FromColor(Qt::black) : FromColor(Qt::white);
     showSamples();
 }
 
 // A slider below its limit goes back to it, and the sample keeps its size.
 void frmAudioWallSetup::showCartSize() {
-    for (auto [slider, limit] : {std::pair(ui_->sldCartHeight, LowestCartHeight),
-                                 std::pair(ui_->sldCartWidth, LowestCartWidth)})
+    for (auto [slider, limit] :
+         {std::pair(ui_->sldCartHeight, LowestCartHeight), std::pair(ui_->sldCartWidth, LowestCartWidth)})
         if (slider->value() < limit)
             return slider->setValue(limit);
     const int width = ui_->sldCartWidth->value();
@@ -254,12 +257,11 @@ void frmAudioWallSetup::showJumpHint() {
     for (qsizetype i = 0; i < jumps.size(); ++i)
         if (jumps[i].Cart > settings_.NoCarts)
             beyond += QString::number(i + 1);
-    ui_->lblJumpHint->setText(
-        beyond.isEmpty()
-            ? QString()
-            : QStringLiteral("The audiowall has %1 carts: OK clears jump button %2.")
-                  .arg(settings_.NoCarts)
-                  .arg(beyond.join(QStringLiteral(" and "))));
+    ui_->lblJumpHint->setText(beyond.isEmpty()
+                                  ? QString()
+                                  : QStringLiteral("The audiowall has %1 carts: OK clears jump button %2.")
+                                        .arg(settings_.NoCarts)
+                                        .arg(beyond.join(QStringLiteral(" and "))));
     ui_->lblJumpHint->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
 }
 

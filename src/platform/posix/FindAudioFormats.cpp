@@ -25,9 +25,10 @@ struct TagName {
     const char* name;
 };
 constexpr TagName tagNames[] = {
-    {0x01, "PCM"},         {0x02, "Microsoft ADPCM"}, {0x03, "IEEE Float"}, {0x06, "CCITT A-Law"},
-    {0x07, "CCITT u-Law"}, {0x11, "IMA ADPCM"},       {0x31, "GSM 6.10"},   {0x38, "NMS VBXADPCM"},
-    {0x40, "G.721 ADPCM"}, {0x50, "MPEG"},            {0x55, "MPEG Layer-3"},
+    {0x01, "PCM"},         {0x02, "Microsoft ADPCM"}, {0x03, "IEEE Float"},
+    {0x06, "CCITT A-Law"}, {0x07, "CCITT u-Law"},     {0x11, "IMA ADPCM"},
+    {0x31, "GSM 6.10"},    {0x38, "NMS VBXADPCM"},    {0x40, "G.721 ADPCM"},
+    {0x50, "MPEG"},        {0x55, "MPEG Layer-3"},
 };
 
 struct MemoryFile {
@@ -50,8 +51,7 @@ SF_VIRTUAL_IO inMemory() {
             },
             [](void* to, sf_count_t count, void* user) {
                 MemoryFile& file = fileOf(user);
-                const sf_count_t there =
-                    std::clamp<sf_count_t>(file.bytes.size() - file.position, 0, count);
+                const sf_count_t there = std::clamp<sf_count_t>(file.bytes.size() - file.position, 0, count);
                 std::memcpy(to, file.bytes.constData() + file.position, std::size_t(there));
                 file.position += there;
                 return there;

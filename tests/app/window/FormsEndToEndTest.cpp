@@ -63,6 +63,12 @@ QPoint cellOf(QTableView& grid, int line, int column) {
     return grid.visualRect(cell).center();
 }
 
+void clickTab(QWidget& form, const char* strip, int number) {
+    QTabBar* bar = find<QTabWidget>(form, strip)->tabBar();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(number - 1).center());
+    QApplication::processEvents();
+}
+
 void workInHardware(QWidget& form) {
     auto* tabs = find<QTabWidget>(form, "tbsSettings");
     QWidget& card = *tabs->widget(0);
@@ -130,6 +136,44 @@ const FormCase cases[] = {
          EXPECT_TRUE(DirectoryExists("C:\\OTHER\\SCRIPTS") && DirectoryExists("C:\\WALL3"));
          EXPECT_FALSE(find<QCheckBox>(form, "chkUseOneCartLocation")->isChecked());
      }},
+    {"cmdAudioSetup",
+     "cmdOK",
+     [](QWidget& form) {
+         clickTab(form, "tbsAudio", 3);
+         click(form, "optSweeper");
+         typeInto(form, "txtSweeperVol", "70");
+         clickTab(form, "tbsAudio", 4);
+         withNextForm([](QWidget& chooser) {
+             auto* attributes = find<QListWidget>(chooser, "listAttributes");
+             EXPECT_EQ(attributes->currentItem()->text(), "44.100 kHz, 16 Bit, Stereo");
+             QTest::keyClick(attributes, Qt::Key_Home);
+             click(chooser, "cmdOK");
+         });
+         click(form, "cmdSelectAudioFormat");
+     },
+     {"Audio/Channels=1", "Audio/KHz=8000", "Audio/SweptVolume=70", "Audio/UsePlayerDucking=0",
+      "CartPlayers/FirstPlayerInOrder=0"}, // there is no player
+     {},
+     {},
+     [](QWidget& form) {
+         EXPECT_TRUE(find<QRadioButton>(form, "optSweeper")->isChecked());
+         EXPECT_EQ(find<QLabel>(form, "lblAudioFormat")->text(), " PCM 8.000 kHz, 16 Bit, Mono");
+     }},
+    {"cmdAudiowallSetup",
+     "OKB",
+     [](QWidget& form) {
+         click(form, "chkDisplayPadAtLogon");
+         clickTab(form, "tbsAudiowall", 5);
+         typeInto(form, "txtFadeSeconds", "5");
+     },
+     {"Audio/PlayerFadeSeconds=5", "AudioWall/CartMinimumHeight=950", "AudioWall/ShowPadAtLogin=1"},
+     {},
+     {},
+     [](QWidget& form) {
+         EXPECT_TRUE(find<QCheckBox>(form, "chkDisplayPadAtLogon")->isChecked());
+         EXPECT_EQ(find<QLineEdit>(form, "txtFadeSeconds")->text(), "5");
+     },
+     "CancelB"},
     {"cmdDisplaySettings",
      "cmdOK",
      [](QWidget& form) {

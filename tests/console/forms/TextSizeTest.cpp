@@ -68,7 +68,8 @@ protected:
 
 TEST_P(TextSize, LeavesEveryTextItsRoom) {
     Station station(configuredIni());
-    for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup"}) {
+    for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup", "frmAudioSetup",
+                             "frmAudioWallSetup"}) {
         const std::unique_ptr<QDialog> form(MakeForm(name, station.workstation, nullptr));
         expectNothingCut(*form);
     }
