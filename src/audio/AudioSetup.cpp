@@ -1,5 +1,6 @@
 #include "audio/AudioSetup.h"
 
+#include "audio/DeviceIdentity.h"
 #include "audio/LoadAudioSettings.h"
 #include "audio/WaveSearch.h"
 #include "core/report/ProblemReport.h"
@@ -241,6 +242,7 @@ SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings) {
         const qint16 linkingBefore = settings.AllowAudioFileLinking;
         const qint16 copyrightBefore = settings.UseCopyrightInCartChunk;
         settings = next;
+        RememberDevices(settings);
         error = next.CartPartTable[1].Location.trimmed().isEmpty() ? 0 : writeAudiowallKeys(next);
         if (error) {
             settings.AllowAudioFileLinking = linkingBefore;

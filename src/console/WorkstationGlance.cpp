@@ -1,5 +1,6 @@
 #include "console/WorkstationGlance.h"
 
+#include "audio/DeviceIdentity.h"
 #include "audio/WaveSearch.h"
 #include "station/CheckConfiguration.h"
 #include "station/Workstation.h"
@@ -44,6 +45,8 @@ WorkstationGlance LookAtWorkstation(Workstation& station) {
         if (!found && *row.done)
             glance.done.append(QString::fromLatin1(row.done));
     }
+    for (const QString& moved : MovedDeviceTexts(s))
+        glance.toDo.append({moved, QStringLiteral("cmdAudioSetup")});
     int open = 0;
     for (int part = 1; part <= CartPartCount; ++part)
         open += s.CartPartTable[part].IsOpen ? 1 : 0;

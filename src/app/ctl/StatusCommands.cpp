@@ -1,6 +1,7 @@
 // The configuration of this workstation in a few facts.
 #include "app/ctl/Commands.h"
 
+#include "audio/DeviceIdentity.h"
 #include "station/CheckConfiguration.h"
 
 namespace tolvex::ctl {
@@ -24,6 +25,8 @@ int status(Call& call) {
                        {QStringLiteral("linkMeshId"), facts.linkMeshId},
                        {QStringLiteral("cartPlayers"), facts.cartPlayers},
                        {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
+                       {QStringLiteral("movedDevices"),
+                        QJsonArray::fromStringList(MovedDeviceTexts(call.station.settings))},
                        {QStringLiteral("locations"), locations}};
     if (facts.missing.isEmpty() && !call.output.json())
         record[QStringLiteral("missing")] = QStringLiteral("nothing");
@@ -33,7 +36,8 @@ int status(Call& call) {
                                 {"dataLocation", "Data location"},
                                 {"linkMeshId", "Workstation"},
                                 {"cartPlayers", "Cart players"},
-                                {"missing", "Not configured"}});
+                                {"missing", "Not configured"},
+                                {"movedDevices", "Sound devices"}});
     if (!call.output.json())
         call.output.records(
             locations,

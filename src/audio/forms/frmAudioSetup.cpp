@@ -2,7 +2,6 @@
 
 #include "audio/FileCache.h"
 #include "audio/LoadAudioSettings.h"
-#include "audio/WaveSearch.h"
 #include "core/report/Folders.h"
 #include "core/system/Programs.h"
 #include "core/text/Numbers.h"
@@ -25,7 +24,6 @@ namespace tolvex {
 namespace {
 
 const QString loadedTag = QStringLiteral("LOADED");
-constexpr int nameLength = 32; // of a device's name in the system's record, its ending zero included
 constexpr double readable = 3;
 
 const BoundField<AudioSetup> fields[] = {
@@ -87,20 +85,6 @@ QString numbered(const char* name, int number) {
     return QStringLiteral("%1_%2").arg(QLatin1String(name)).arg(number);
 }
 
-// A recording device as the list names it: as far as the system's record of a device holds the name.
-QString inputName(const platform::WaveDevice& device) {
-    const QString name = device.name.section(QChar(u'\0'), 0, 0);
-    return name.size() < nameLength ? name : QStringLiteral("Unknown recording device!");
-}
-
-// Wide names do not make the form wide; the whole name is in the entry's tool tip.
-void addDevice(QComboBox* list, const QString& text, const platform::WaveDevice& device) {
-    platform::WaveDevice shown = device;
-    shown.name = text;
-    list->addItem(platform::WaveDeviceLabel(shown));
-    list->setItemData(list->count() - 1, device.name, Qt::ToolTipRole);
-}
-
 } // namespace
 
 frmAudioSetup::frmAudioSetup(Settings& settings, QWidget* parent)
@@ -108,7 +92,8 @@ frmAudioSetup::frmAudioSetup(Settings& settings, QWidget* parent)
     , settings_(settings)
     , setup_(LoadAudioSetup(settings))
     , ui_(std::make_unique<Ui::frmAudioSetup>())
-    , binding_(this) {
+    , binding_(this)
+    , watch_([this] { refreshDevices(); }) {
     ui_->setupUi(this);
     EnterForm(this);
     ui_->tbsAudio->setCurrentIndex(0);
@@ -120,6 +105,7 @@ frmAudioSetup::frmAudioSetup(Settings& settings, QWidget* parent)
     connectColours();
     setZqsMode(false);
     showFormat();
+    addTools();
     ui_->cmdTunelane->setEnabled(FileLength(TunelaneProgram()) > 0);
     if (!ui_->cmdTunelane->isEnabled())
         ui_->cmdTunelane->setToolTip(QStringLiteral("%1 is not there.").arg(TunelaneProgram()));
@@ -134,14 +120,6 @@ frmAudioSetup::frmAudioSetup(Settings& settings, QWidget* parent)
 }
 
 frmAudioSetup::~frmAudioSetup() = default;
-
-QComboBox* frmAudioSetup::deviceList(int player) const {
-    return findChild<QComboBox*>(numbered("listCartPlayer", player));
-}
-
-int frmAudioSetup::players() const {
-    return ToLong(LeadingNumber(ui_->txtNumberCartPlayers->text()));
-}
 
 void frmAudioSetup::fillLists() {
     for (int n = 1; n <= CartPlayerCount; ++n) {
@@ -163,21 +141,6 @@ void frmAudioSetup::fillLists() {
                                    qMax(HighestEditorPriority, setup_.editorPriority));
     ui_->sldEditPriority->setTickInterval(HighestEditorPriority / 10);
     fillDevices();
-}
-
-void frmAudioSetup::fillDevices() {
-    for (int n = 1; n <= CartPlayerCount; ++n) {
-        QComboBox* list = deviceList(n);
-        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        list->addItem(platform::WaveMapperName());
-        for (const platform::WaveDevice& device : platform::WaveOutputs())
-            addDevice(list, device.name, device);
-    }
-    ui_->listRecordPlayer->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    for (const platform::WaveDevice& device : platform::WaveInputs())
-        addDevice(ui_->listRecordPlayer, inputName(device), device);
-    if (platform::WaveInputs().isEmpty())
-        ui_->listRecordPlayer->setPlaceholderText(QStringLiteral("This machine has no recording device."));
 }
 
 void frmAudioSetup::bindFields() {
@@ -299,34 +262,6 @@ void frmAudioSetup::showEvent(QShowEvent* event) {
     setProperty("tag", loadedTag);
     if (ui_->txtNumberCartPlayers->isEnabled())
         ui_->txtNumberCartPlayers->setFocus();
-}
-
-// What automatic assignment does, or which players share a device.
-void frmAudioSetup::showDevices() {
-    const int count = HeldBetween(players(), 0, CartPlayerCount);
-    QStringList lines;
-    if (ui_->optCartPlayerAutoMode->isChecked() && count > 0) {
-        QStringList names;
-        int last = -1;
-        for (int n = 1; n <= count; ++n) {
-            const int found = FindSuitableOutput(last + 1, 44100, 1);
-            last = found >= 0 ? found : last;
-            const int device = found >= 0 ? found : LastSuitableOutput(44100, 1);
-            names += QStringLiteral("Player %1: %2")
-                         .arg(n)
-                         .arg(device < 0 ? platform::WaveMapperName() : platform::WaveOutputs()[device].name);
-        }
-        lines += QStringLiteral("At the next start: ") + names.join(QStringLiteral("; "));
-    } else {
-        for (int n = 1; n <= count; ++n)
-            for (int other = 1; other < n; ++other)
-                if (deviceList(n)->currentIndex() == deviceList(other)->currentIndex()) {
-                    lines += QStringLiteral("Players %1 and %2 share a device.").arg(other).arg(n);
-                    break;
-                }
-    }
-    ui_->lblDevices->setText(lines.join(u'\n'));
-    ui_->lblDevices->setVisible(!lines.isEmpty());
 }
 
 void frmAudioSetup::showFormat() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "audio/AudioSetup.h"
+#include "platform/devices/WaveDeviceWatch.h"
 #include "ui/binding/FormBinding.h"
 
 #include <QDialog>
@@ -17,7 +18,7 @@ class frmAudioSetup;
 
 namespace tolvex {
 
-class ColourButton;
+class DeviceTools;
 class EnableRules;
 
 class frmAudioSetup : public QDialog {
@@ -45,6 +46,9 @@ private:
     void limitPlayers();
     void showFormat();
     void showDevices();
+    void addTools();
+    void refreshDevices();
+    int outputOf(int player) const;
     void chooseFormat();
     void chooseEditor();
     void startTunelane();
@@ -58,6 +62,8 @@ private:
     std::unique_ptr<Ui::frmAudioSetup> ui_;
     FormBinding binding_;
     EnableRules* rules_ = nullptr;
+    DeviceTools* tools_ = nullptr;
+    platform::WaveDeviceWatch watch_;
     bool typed_ = false; // a character into the number of players, not a paste
 };
 

@@ -22,6 +22,7 @@ QList<WaveDevice> devicesOf(const QList<KnownWaveDevice>& known) {
     QList<WaveDevice> devices;
     for (const KnownWaveDevice& one : known) {
         devices += one.device;
+        devices.last().place = one.place;
         if (!one.device.present)
             devices.last().formats = 0;
     }

@@ -24,6 +24,7 @@ struct WaveDevice {
     quint16 manufacturer = 0; // 0 where the system does not tell
     quint32 formats = 0;      // WaveFormatFlag; none of a device that is not there now
     bool present = true;      // false: it keeps its number and is not there now
+    QString place = {};       // where it is plugged in; empty where the system does not tell
 };
 
 // In the order of their numbers, from 0. The numbering is stable from start to start: docs/platform.md says
