@@ -24,6 +24,8 @@ struct Remembered {
     QString place;
     QString id;
     QString name;
+
+    friend bool operator==(const Remembered&, const Remembered&) = default;
 };
 enum Field { IniField, UseField, PlayerField, StoredField, PlaceField, IdField, NameField, FieldCount };
 
@@ -31,16 +33,16 @@ QString filePath() {
     return platform::MachineFolder() + QStringLiteral("/audiodevices.txt");
 }
 
-// One ini file under all the ways to write its name.
-QString iniName(const Settings& settings) {
-    return platform::ProfilePath(settings.LocalIniFile).toUpper();
-}
-
 QString asField(QString text) {
     for (QChar& c : text)
         if (c < u' ')
             c = u' ';
     return text;
+}
+
+// One ini file under all the ways to write its name.
+QString iniName(const Settings& settings) {
+    return asField(platform::ProfilePath(settings.LocalIniFile).toUpper());
 }
 
 QList<Remembered> read() {
@@ -62,13 +64,13 @@ QList<Remembered> read() {
 QByteArray textOf(const QList<Remembered>& all) {
     QString text;
     for (const Remembered& one : all)
-        text += QStringList{asField(one.iniFile),
+        text += QStringList{one.iniFile,
                             one.player ? QStringLiteral("player") : QStringLiteral("record"),
                             QString::number(one.player),
                             QString::number(one.stored),
-                            asField(one.place),
-                            asField(one.id),
-                            asField(one.name)}
+                            one.place,
+                            one.id,
+                            one.name}
                     .join(u'\t') +
                 u'\n';
     return text.toUtf8();
@@ -102,6 +104,21 @@ int numberNow(const Remembered& one) {
     return -1;
 }
 
+// What is remembered, with the devices of the settings in place of those of their ini file.
+QList<Remembered> withDevicesOf(const Settings& settings, QList<Remembered> all) {
+    const QString iniFile = iniName(settings);
+    all.removeIf([&iniFile](const Remembered& one) { return one.iniFile == iniFile; });
+    for (int player = 0; player <= CartPlayerCount; ++player) {
+        const int stored = storedOf(settings, player);
+        const QList<WaveDevice>& devices = devicesFor(player);
+        if (stored < 1 || stored > devices.size())
+            continue;
+        const WaveDevice& device = devices[stored - 1];
+        all += {iniFile, player, stored, asField(device.place), asField(device.id), asField(device.name)};
+    }
+    return all;
+}
+
 } // namespace
 
 QString MovedDevice::text() const {
@@ -112,20 +129,11 @@ QString MovedDevice::text() const {
 }
 
 void RememberDevices(const Settings& settings) {
+    if (withDevicesOf(settings, read()) == read())
+        return; // most of the time
     const platform::FileLock lock(filePath());
-    QList<Remembered> all = read();
-    const QString iniFile = iniName(settings);
-    all.removeIf([&iniFile](const Remembered& one) { return one.iniFile == iniFile; });
-    for (int player = 0; player <= CartPlayerCount; ++player) {
-        const int stored = storedOf(settings, player);
-        const QList<WaveDevice>& devices = devicesFor(player);
-        if (stored < 1 || stored > devices.size())
-            continue;
-        const WaveDevice& device = devices[stored - 1];
-        all += {iniFile, player, stored, device.place, device.id, device.name};
-    }
     if (lock.held())
-        platform::ReplaceHostFile(filePath(), textOf(all));
+        platform::ReplaceHostFile(filePath(), textOf(withDevicesOf(settings, read())));
 }
 
 QList<MovedDevice> FindMovedDevices(const Settings& settings) {
