@@ -161,13 +161,16 @@ void frmAudioSetup::bindFields() {
 
 void frmAudioSetup::addRules() {
     std::vector<EnableRule> rules;
-    for (int n = 1; n <= CartPlayerCount; ++n)
+    for (int n = 1; n <= CartPlayerCount; ++n) {
+        rules.push_back({numbered("cmdTest", n), QStringLiteral("Only players that are in use."),
+                         [n](const FormView& form) { return n <= form.number("txtNumberCartPlayers"); }});
         rules.push_back(
             {numbered("listCartPlayer", n) + u' ' + numbered("lblCartPlayer", n),
              QStringLiteral("Only players that are in use, and only with soundcards assigned manually."),
              [n](const FormView& form) {
                  return form.on("optCartPlayerManualMode") && n <= form.number("txtNumberCartPlayers");
              }});
+    }
     const auto somePlayer = [](const FormView& form) { return form.number("txtNumberCartPlayers") != 0; };
     const QString noPlayer = QStringLiteral("There are no cart players.");
     rules.push_back({QStringLiteral("framePlayoutOrder listFirstPlayerOrder listLastPlayerOrder "

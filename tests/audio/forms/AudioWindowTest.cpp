@@ -91,7 +91,7 @@ TEST_F(AudioWindow, EnablesWhatTheNumberOfPlayersAndTheOptionsAllow) {
     EXPECT_FALSE(enabled("listCartPlayer_1"));
     press("optCartPlayerManualMode");
     EXPECT_TRUE(enabled("listCartPlayer_3") && enabled("lblCartPlayer_3"));
-    EXPECT_FALSE(enabled("listCartPlayer_4") || enabled("lblCartPlayer_4"));
+    EXPECT_FALSE(enabled("listCartPlayer_4") || enabled("lblCartPlayer_4") || enabled("cmdTest_4"));
     type("txtNumberCartPlayers", "0");
     EXPECT_FALSE(enabled("listICPlayer") || enabled("framePlayoutOrder") || enabled("lblLastPlayerOrder"));
     type("txtNumberCartPlayers", "7");
