@@ -2,11 +2,17 @@
 #include "WalkThrough.h"
 
 #include "audio/forms/frmChooseAudioFormat.h"
+#include "automation/AutomationSchema.h"
+#include "automation/AutomationSetup.h"
+#include "automation/forms/frmKOVADatabaseSettings.h"
 #include "console/ConfigurationSets.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
+#include "databases/forms/frmChooseDatabase.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/ValidateDatabase.h"
 #include "hardware/HardwareCards.h"
 #include "network/TerminalList.h"
 #include "network/forms/frmCommandDetails.h"
@@ -22,6 +28,7 @@
 #include "ui/style/FitForm.h"
 #include "ui/style/Style.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -174,6 +181,43 @@ void makeDevices() {
                              {{QStringLiteral("Desk, Record Bus"), QStringLiteral("rec"), 0, formats, true}});
 }
 
+}
+
+// The automation player's windows, on a database with a few settings of a station's own.
+void saveAutomation(Workstation& station) {
+    const QString databases = AutomationFolder(station.settings);
+    for (const auto& [name, title] : {std::pair("NIGHT", "Night and weekend log"), {"SPORT", "Sport log"}}) {
+        QString description = QString::fromLatin1(title);
+        ValidateDatabase(databases + u'\\' + QLatin1String(name), KOVAType, true, &description);
+    }
+    station.settings.DefaultDatabase = QStringLiteral("NIGHT.mdb");
+    const QString path = databases + QStringLiteral("\\NIGHT.mdb");
+    ValidateKOVADatabaseTables(path);
+    frmChooseDatabase chooser;
+    chooser.setPath(databases);
+    chooser.setTag(QString::number(KOVAType));
+    chooser.show();
+    const char* const views[] = {"mnuViewLarge", "mnuViewSmall", "mnuViewList", "mnuViewDetails"};
+    for (int at = 0; at < 200; ++at)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    for (const char* view : views) {
+        chooser.findChild<QAction*>(QLatin1String(view))->trigger();
+        save(chooser, (QByteArray("chooser-") + (view + 7)).toLower().constData());
+    }
+    const std::unique_ptr<QDialog> setup(MakeForm(QStringLiteral("frmKOVASetup"), station, nullptr));
+    frmKOVADatabaseSettings settings(station.automation, station.settings, station.users);
+    settings.setDatabase(path);
+    for (const auto& [form, name] :
+         {std::pair<QDialog*, const char*>(setup.get(), "kova-setup-"), {&settings, "kova-settings-"}}) {
+        FitForm(form);
+        auto* tabs = form->findChild<QTabWidget*>();
+        for (int tab = 0; tab < tabs->count(); ++tab) {
+            tabs->setCurrentIndex(tab);
+            save(*form, (name + QByteArray::number(tab + 1)).constData());
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -218,6 +262,7 @@ int main(int argc, char** argv) {
         FitForm(hardware.get());
         save(*hardware, card == 0 ? "hardware" : card == 1 ? "hardware-advantech" : "hardware-joystick");
     }
+    saveAutomation(station);
     frmMultiConfig sets(QString::fromUtf16(SetsRegistryKey), QStringLiteral("tolvex.ini studio2.ini"));
     sets.findChild<QListWidget*>()->setCurrentRow(0);
     save(sets, "configurationsets");

@@ -67,6 +67,8 @@ constexpr OtherForm otherForms[] = {
     {"frmLinkMeshServer", 231},
     {"frmMultiConfig", 500},
     {"frmPrintPreview", 510},
+    {"frmKOVADatabaseSettings", 520},
+    {"frmChooseDatabase", 530},
 };
 
 } // namespace

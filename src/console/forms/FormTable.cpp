@@ -2,6 +2,7 @@
 
 #include "audio/forms/frmAudioSetup.h"
 #include "audio/forms/frmAudioWallSetup.h"
+#include "automation/forms/frmKOVASetup.h"
 #include "console/AutoConfiguration.h"
 #include "console/forms/CompactDatabase.h"
 #include "console/forms/frmDateTimeSetup.h"
@@ -67,6 +68,10 @@ const Row rows[] = {
     {"frmLinkMeshSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {
          return new frmLinkMeshSetup(station.terminals, station.settings, owner);
+     }},
+    {"frmKOVASetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmKOVASetup(station.settings, station.automation, station.users, owner);
      }},
 };
 

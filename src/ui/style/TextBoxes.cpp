@@ -82,6 +82,11 @@ void RestrictTo(QLineEdit* box, const std::function<QString(const QString& text)
     });
 }
 
+void SetWidthInDigits(QLineEdit* box, int digits) {
+    constexpr int around = 28; // frame, padding and the cursor
+    box->setFixedWidth(box->fontMetrics().horizontalAdvance(u'0') * digits + around);
+}
+
 void TakeDigits(QLineEdit* box, int longest, const QString& also) {
     if (longest > 0)
         box->setMaxLength(longest);

@@ -23,6 +23,9 @@ void MarkBox(QLineEdit* box, const QString& word);
 void RestrictTo(QLineEdit* box, const std::function<QString(const QString& text)>& fitting,
                 const QString& why);
 
+// Makes a box as wide as so many digits need, at the text size in force.
+void SetWidthInDigits(QLineEdit* box, int digits);
+
 // A box for a number: takes digits and the characters of `also` alone, however they come in, at most
 // `longest` (0: no limit), and selects its text on getting the focus.
 void TakeDigits(QLineEdit* box, int longest = 0, const QString& also = {});

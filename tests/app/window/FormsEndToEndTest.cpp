@@ -264,6 +264,26 @@ const FormCase cases[] = {
          EXPECT_EQ(rows->index(2, 1).data(), ">");
          EXPECT_EQ(rows->index(2, 2).data(), "Studio 3");
          EXPECT_EQ(rows->index(2, 5).data(), "this computer");
+      }},
+    {"cmdKOVASetup",
+     "cmdOK",
+     [](QWidget& form) {
+         click(form, "chkGenerateAdvertRecFiles");
+         keyInto(form, "comboKOVAICMode", {Qt::Key_Down});
+         auto* tabs = find<QTabWidget>(form, "tbsSettings");
+         QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, tabs->tabBar()->tabRect(1).center());
+         click(form, "chkAllowControl");
+         keyInto(form, "comboRequestMode", {Qt::Key_Down});
+         typeInto(form, "txtReleaseTime", "25");
+     },
+     {"KOVA/AllowControl=1", "KOVA/DefaultDatabase=", "KOVA/DisplayInstantCarts=2",
+      "KOVA/GenerateAdvertRecFiles=1", "KOVA/GetControlKLogStart=0", "KOVA/LogWhenStationController=1",
+      "KOVA/ReleaseMode=0", "KOVA/ReleaseTime=25", "KOVA/RequestMode=1"},
+     {},
+     "The changes to the K-OVA setup have not been stored.",
+     [](QWidget& form) {
+         EXPECT_TRUE(find<QCheckBox>(form, "chkAllowControl")->isChecked());
+         EXPECT_EQ(find<QLineEdit>(form, "txtReleaseTime")->text(), "25");
      }},
 };
 

@@ -69,7 +69,7 @@ protected:
 TEST_P(TextSize, LeavesEveryTextItsRoom) {
     Station station(configuredIni());
     for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup", "frmAudioSetup",
-                             "frmAudioWallSetup"}) {
+                             "frmAudioWallSetup", "frmKOVASetup"}) {
         const std::unique_ptr<QDialog> form(MakeForm(name, station.workstation, nullptr));
         expectNothingCut(*form);
     }

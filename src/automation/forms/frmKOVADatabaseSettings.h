@@ -1,0 +1,61 @@
+// Edits the settings of one automation database. It stays above other windows, and keeps the database open as
+// long as it is there; nothing is written before OK.
+#pragma once
+
+#include "automation/AutomationEditing.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmKOVADatabaseSettings;
+}
+
+namespace tolvex {
+
+class frmKOVADatabaseSettings : public QDialog {
+    Q_OBJECT
+
+public:
+    // All three outlive the form. `record` gets what is loaded and what is stored.
+    frmKOVADatabaseSettings(KOVADatabaseSettings& record, const Settings& settings, UsersState& users,
+                            QWidget* parent = nullptr);
+    ~frmKOVADatabaseSettings() override;
+
+    // The database, a file by its full name or with `connect` one on a server. Tabs and OK stay disabled
+    // without it.
+    void setDatabase(const QString& name, const QString& connect = {});
+
+    QSize sizeHint() const override;
+    // Cancel, Escape and the close button: asks while there are changes.
+    void reject() override;
+
+private:
+    void prepareBoxes();
+    void showColours();
+    void fillLists();
+    void connectButtons();
+    void addRules();
+    void display();
+    void showFont();
+    void showFormat();
+    void showSamples();
+    void showClientsDatabase();
+    AutomationEntries entries() const;
+    bool isChanged() const;
+    void browse(QLineEdit* box, const QString& prompt);
+    void chooseClients();
+    void chooseFormat();
+    void chooseFont();
+    void ok();
+
+    KOVADatabaseSettings& record_;
+    const Settings& settings_;
+    KOVADatabaseSettings shown_; // font and audio format are changed here; the rest stands in the controls
+    AutomationEditing editing_;
+    AutomationEntries loaded_;
+    std::unique_ptr<Ui::frmKOVADatabaseSettings> ui_;
+};
+
+} // namespace tolvex

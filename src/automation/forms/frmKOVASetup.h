@@ -1,0 +1,47 @@
+// The workstation's side of the automation player: its default database, and how it shares station control.
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmKOVASetup;
+}
+
+namespace tolvex {
+
+struct KOVADatabaseSettings;
+struct Settings;
+struct UsersState;
+class FormChanges;
+
+class frmKOVASetup : public QDialog {
+    Q_OBJECT
+
+public:
+    // All three outlive the form.
+    frmKOVASetup(Settings& settings, KOVADatabaseSettings& automation, UsersState& users,
+                 QWidget* parent = nullptr);
+    ~frmKOVASetup() override;
+
+    // Cancel, Escape and the close button: asks while there are changes.
+    void reject() override;
+
+private:
+    void showSettings();
+    QString databasePath() const;
+    void setFileName(const QString& name);
+    void showDescription(const QString& text);
+    void choose();
+    void openSettings();
+    void ok();
+
+    Settings& settings_;
+    KOVADatabaseSettings& automation_;
+    UsersState& users_;
+    std::unique_ptr<Ui::frmKOVASetup> ui_;
+    FormChanges* changes_ = nullptr;
+};
+
+} // namespace tolvex

@@ -1,0 +1,296 @@
+// The chooser as a user meets it: listing, views, sorting, and what its menu does, by mouse and keyboard.
+#include "databases/DatabasesTest.h"
+
+#include "core/system/Registry.h"
+#include "databases/forms/frmChooseDatabase.h"
+#include "databases/store/SuiteDatabase.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QListView>
+#include <QMenu>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+
+using namespace tolvex;
+using namespace tolvex::tests;
+using platform::Answer;
+
+namespace {
+
+const QString Folder = QStringLiteral("C:\\D");
+
+class Caller : public DatabaseChooserCaller {
+public:
+    QStringList told;
+    QString disabled;
+    void DatabaseCopied(const QString& from, const QString& to, qint32 type) override {
+        told += QStringLiteral("copied %1 %2 %3").arg(from, to).arg(type);
+    }
+    void DatabaseDeleted(const QString& name, qint32 type) override {
+        told += QStringLiteral("deleted %1 %2").arg(name).arg(type);
+    }
+    void DatabaseRenamed(const QString& from, const QString& to, qint32 type) override {
+        told += QStringLiteral("renamed %1 %2 %3").arg(from, to).arg(type);
+    }
+    QString DisabledDatabaseFName() const override { return disabled; }
+};
+
+class ChooserTest : public DatabasesTest {
+protected:
+    ChooserTest() {
+        QDir().mkpath(machine.path() + "/share");
+        qputenv("XDG_DATA_HOME", (machine.path() + "/share").toUtf8());
+        make("C:\\D\\BETA.MDB", KOVAType, "Alpha log");
+        make("C:\\D\\alpha.mdb", KOVAType, "Beta log");
+        make("C:\\D\\ADS.MDB", AdvertsType, "Adverts");
+    }
+    void open(qint32 type = KOVAType, const QString& canEdit = "1") {
+        form = std::make_unique<frmChooseDatabase>();
+        form->setPath(Folder);
+        form->setTag(QString::number(type));
+        form->setCaller(&caller);
+        form->setCanEdit(canEdit);
+        form->show();
+        form->activateWindow();
+        EXPECT_TRUE(QTest::qWaitFor([this] {
+            return (find<QLabel>("lblStatus")->text().size() > 0 || !form->isVisible()) &&
+                   !find<QWidget>("pnlStatus")->isVisible();
+        }));
+    }
+    template<class Widget>
+    Widget* find(const char* name) const {
+        return form->findChild<Widget*>(QLatin1String(name));
+    }
+    QTreeView* tree() const { return find<QTreeView>("lViewDetails"); }
+    QStringList rowsShown() const {
+        QStringList shown;
+        for (int row = 0; row < tree()->model()->rowCount(); ++row)
+            shown += tree()->model()->index(row, 0).data().toString() + "/" +
+                     tree()->model()->index(row, 1).data().toString();
+        return shown;
+    }
+    void clickRow(int row, bool twice = false) const {
+        const QPoint at = tree()->visualRect(tree()->model()->index(row, 1)).center();
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, at);
+        if (twice)
+            QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, {}, at);
+    }
+    void choose(const char* action) const { find<QAction>(action)->trigger(); }
+    QPushButton* okButton() const { return find<QPushButton>("cmdOK"); }
+    QString status() const { return find<QLabel>("lblStatus")->text(); }
+
+    Caller caller;
+    std::unique_ptr<frmChooseDatabase> form;
+};
+
+} // namespace
+
+TEST_F(ChooserTest, ListsOneKindSortsAndGivesTheChoice) {
+    const auto held = OpenSuiteDatabase("C:\\D\\BETA.MDB");
+    open();
+    EXPECT_EQ(form->windowTitle(), "Select K-Ova V2.6 Database");
+    EXPECT_EQ(rowsShown(), (QStringList{"Beta log/alpha", "Alpha log/BETA"}));
+    EXPECT_TRUE(status().contains("alpha.mdb") && status().contains("version 2.6") &&
+                status().contains("not open"))
+        << status().toStdString();
+    const auto clickHeader = [this](int column) {
+        QHeaderView* header = tree()->header();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          QPoint(header->sectionViewportPosition(column) + 8, header->height() / 2));
+    };
+    clickHeader(0);
+    EXPECT_EQ(rowsShown(), (QStringList{"Alpha log/BETA", "Beta log/alpha"}));
+    clickHeader(0);
+    EXPECT_EQ(rowsShown(), (QStringList{"Beta log/alpha", "Alpha log/BETA"}));
+    clickHeader(1); // keeps the order as it stood
+    EXPECT_EQ(rowsShown(), (QStringList{"Alpha log/BETA", "Beta log/alpha"}));
+    clickRow(0);
+    EXPECT_TRUE(status().contains("open on")) << status().toStdString();
+    clickRow(1, true);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->tag(), "alpha.MDB");
+
+    open();
+    clickRow(1);
+    QTest::keyClick(tree(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->tag(), "");
+}
+
+TEST_F(ChooserTest, KnowsItsKindsAndItsOnlyRow) {
+    open(RotaweaveV3Type);
+    EXPECT_EQ(form->windowTitle(), "Select Rotaweave v3 Database");
+    EXPECT_EQ(tree()->model()->columnCount(), 3);
+    EXPECT_EQ(status(), "There is no Rotaweave v3 Database in C:\\D.");
+    EXPECT_FALSE(okButton()->isEnabled());
+    EXPECT_TRUE(find<QAction>("MnuNew")->isEnabled());
+    EXPECT_FALSE(find<QAction>("mnuCopy")->isEnabled());
+    open(99);
+    EXPECT_EQ(form->windowTitle(), "Select Invalid Database 99");
+    open(AdvertsType, ""); // cannot edit: the only row is the choice
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->tag(), "ADS.MDB");
+    open(AdvertsType);
+    EXPECT_TRUE(form->isVisible());
+    make("C:\\D\\V3.MDB", RotaweaveV3Type);
+    open(RotaweaveV3Type);
+    EXPECT_EQ(tree()->model()->index(0, 2).data().toString(), "<Not known>");
+}
+
+TEST_F(ChooserTest, ShowsButDoesNotGiveAGhostedRow) {
+    caller.disabled = "Alpha.MDB";
+    open();
+    EXPECT_FALSE(okButton()->isEnabled()); // it is the first
+    clickRow(0, true);
+    EXPECT_TRUE(form->isVisible());
+    QTest::keyClick(tree(), Qt::Key_Down);
+    EXPECT_TRUE(okButton()->isEnabled());
+    QTest::mouseClick(okButton(), Qt::LeftButton);
+    EXPECT_EQ(form->tag(), "BETA.MDB");
+}
+
+TEST_F(ChooserTest, KeepsTheViewAndPopsUpTheMenu) {
+    open();
+    choose("mnuViewLarge");
+    QTest::mouseClick(okButton(), Qt::LeftButton);
+    EXPECT_EQ(ReadRegistryLong(LocalMachineHive, TolvexV2Key, "ChooseDatabaseViewType", 7), 0);
+    open();
+    auto* icons = find<QListView>("lViewDatabases");
+    EXPECT_TRUE(icons->isVisible() && icons->viewMode() == QListView::IconMode);
+    const QPoint at = icons->visualRect(icons->model()->index(1, 0)).center();
+    QTest::mouseClick(icons->viewport(), Qt::RightButton, {}, at);
+    auto* menu = find<QMenu>("mnuOptions");
+    EXPECT_TRUE(menu->isVisible());
+    menu->hide();
+    EXPECT_EQ(icons->currentIndex().row(), 1); // the row under the mouse
+    choose("mnuViewList");
+    EXPECT_EQ(icons->viewMode(), QListView::ListMode);
+    EXPECT_EQ(icons->flow(), QListView::TopToBottom);
+    QTest::mouseClick(find<QPushButton>("cmdCancel"), Qt::LeftButton);
+    EXPECT_EQ(ReadRegistryLong(LocalMachineHive, TolvexV2Key, "ChooseDatabaseViewType", 7), 2);
+}
+
+TEST_F(ChooserTest, MakesDatabasesByTheKeyAndRefusesNames) {
+    open();
+    const auto pressN = [this](const char* name) {
+        prompts.typed = {QString(name)};
+        QTest::keyClick(tree(), Qt::Key_N);
+    };
+    for (const char* name : {"", "A.B", "BackUp", "alpha"})
+        pressN(name);
+    EXPECT_EQ(texts(), (QStringList{"You must specify a valid reference name",
+                                    "The name 'Backup' is reserved and cannot be used!",
+                                    "A database with this name already exists"}));
+    EXPECT_EQ(prompts.textPrompts.first(),
+              "What filename do you want to use for this database:\n(This is a unique reference that can be "
+              "up to 8 letters)");
+    prompts.forget();
+    prompts.answers = {Answer::No};
+    pressN("NEW");
+    EXPECT_EQ(texts(), QStringList{"Are you sure you want to create a new K-Ova V2.6 Database in: "
+                                   "C:\\D\\NEW.MDB"});
+    EXPECT_FALSE(machine.exists("C:\\D\\NEW.MDB"));
+    prompts.answers = {Answer::Yes};
+    pressN("NEW");
+    EXPECT_EQ(rows("C:\\D\\NEW.MDB", "Description"), "You have to have a title!,2.5999999,14");
+    EXPECT_TRUE(status().contains("NEW.MDB")); // it is selected
+    prompts.typed = {QString("New log")};
+    QTest::keyClick(tree(), Qt::Key_E);
+    EXPECT_TRUE(rowsShown().contains("New log/NEW"));
+    EXPECT_EQ(rows("C:\\D\\NEW.MDB", "Description"), "New log,2.5999999,14");
+}
+
+TEST_F(ChooserTest, CopiesRenamesAndDeletesWithNotice) {
+    open();
+    clickRow(1);
+    prompts.typed = {QString("COPY")};
+    choose("mnuCopy");
+    EXPECT_TRUE(rowsShown().contains("Copy of Alpha log/COPY"));
+    prompts.typed = {QString("beta")};
+    choose("mnuRename");
+    EXPECT_EQ(texts().takeLast(), "A database with that name already exists");
+    prompts.forget();
+    prompts.typed = {QString("GONE.DAT")};
+    choose("mnuRename"); // keeps that extension, so that it is not listed any more
+    EXPECT_EQ(rowsShown().size(), 2);
+    EXPECT_TRUE(machine.exists("C:\\D\\GONE.DAT"));
+    clickRow(1);
+    prompts.answers = {Answer::Yes, Answer::No};
+    QTest::keyClick(tree(), Qt::Key_D);
+    EXPECT_EQ(rowsShown().size(), 2);
+    prompts.answers = {Answer::Yes, Answer::Yes};
+    QTest::keyClick(tree(), Qt::Key_D);
+    EXPECT_EQ(rowsShown(), QStringList{"Beta log/alpha"});
+    EXPECT_EQ(texts().mid(2), (QStringList{"Are you sure that you want to delete this K-Ova V2.6 Database "
+                                           "(Alpha log)?",
+                                           "Are you really sure that you want to delete this K-Ova V2.6 "
+                                           "Database (Alpha log)?"}));
+    EXPECT_EQ(prompts.asked.last().defaultAnswer, Answer::No);
+    EXPECT_EQ(caller.told, (QStringList{"copied BETA.MDB COPY.MDB 14", "renamed COPY.MDB GONE.DAT 14",
+                                        "deleted BETA.MDB 14"}));
+    EXPECT_TRUE(QFile::exists(machine.path() + "/share/Trash/files/BETA.MDB"));
+}
+
+TEST_F(ChooserTest, LeavesAnOpenDatabaseAlone) {
+    const auto held = OpenSuiteDatabase("C:\\D\\alpha.mdb");
+    open();
+    choose("mnuDelete");
+    ASSERT_EQ(texts().size(), 1); // before any question
+    EXPECT_TRUE(texts()[0].startsWith("alpha.mdb is open on "));
+    prompts.typed = {QString("NEW"), QString("NEW")};
+    choose("mnuRename");
+    choose("mnuCopy");
+    EXPECT_TRUE(texts()[1].contains("renaming : alpha.mdb"));
+    EXPECT_TRUE(texts()[2].contains("copying : alpha.mdb") && texts()[2].contains("in use by"));
+    EXPECT_TRUE(caller.told.isEmpty());
+    EXPECT_EQ(rowsShown().size(), 2);
+}
+
+// Files that are none are offered for repair once a showing, and the others are reported together.
+TEST_F(ChooserTest, PassesOverDamagedFilesAndCanBeStopped) {
+    for (int n = 0; n < 40; ++n)
+        CreateSuiteDatabase(QStringLiteral("C:\\D\\BARE%1.MDB").arg(n));
+    machine.write("C:\\D\\BAD.MDB", "text");
+    prompts.answers = {Answer::No};
+    open();
+    EXPECT_EQ(rowsShown().size(), 2);
+    ASSERT_EQ(texts().size(), 2);
+    EXPECT_TRUE(texts()[0].contains("Are you sure you want to continue compacting/repairing:"));
+    EXPECT_TRUE(texts()[1].contains("getting the information from  : BARE0.MDB")) << texts()[1].toStdString();
+    prompts.typed = {QString("Once more")};
+    choose("mnuChangeDesc");
+    EXPECT_EQ(texts().size(), 2);
+
+    form.reset();
+    int seen = 0;
+    prompts.answers = {Answer::No};
+    prompts.whileWaiting = [&] {
+        auto* stop = form->findChild<QPushButton*>("cmdStop");
+        if (++seen == 5 && stop->isVisible())
+            QTest::mouseClick(stop, Qt::LeftButton);
+    };
+    open();
+    prompts.whileWaiting = {};
+    EXPECT_TRUE(status().startsWith("Stopped")) << status().toStdString();
+    EXPECT_LT(rowsShown().size(), 2);
+}
+
+// A copy that is stopped leaves no file, and OK and Cancel wait for it.
+TEST_F(ChooserTest, StopsACopy) {
+    open();
+    prompts.typed = {QString("HALF")};
+    bool waited = false;
+    prompts.whileWaiting = [&] {
+        waited = !okButton()->isEnabled() && !find<QPushButton>("cmdCancel")->isEnabled() &&
+                 find<QWidget>("pnlStatus")->isVisible();
+        form->reject(); // the window's own close button
+    };
+    choose("mnuCopy");
+    prompts.whileWaiting = {};
+    EXPECT_TRUE(waited);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_FALSE(machine.exists("C:\\D\\HALF.MDB"));
+    EXPECT_TRUE(caller.told.isEmpty());
+}
