@@ -1,5 +1,7 @@
 #include "console/SettingsSearch.h"
 
+#include "automation/AutomationFields.h"
+#include "automation/AutomationSetup.h"
 #include "core/settings/SettingsTable.h"
 
 #include <QXmlStreamReader>
@@ -53,6 +55,21 @@ bool namesSomething(QStringView widgetClass) {
            widgetClass == u"QPushButton" || widgetClass == u"QGroupBox";
 }
 
+// Fields, which are named for people who cannot see their labels.
+bool isField(QStringView widgetClass) {
+    return widgetClass == u"QLineEdit" || widgetClass == u"QComboBox" ||
+           widgetClass == u"tolvex::ColourButton";
+}
+
+// The names that a control's value has in a database, which engineers know.
+QString itemsOf(const QString& control) {
+    QString items;
+    for (const AutomationField& field : AutomationFields())
+        if (control == QLatin1String(field.control))
+            items += u' ' + QString::fromLatin1(field.item);
+    return items;
+}
+
 // Buttons that every form has say nothing about what it holds.
 bool isCommonButton(const QString& text) {
     return text == u"OK" || text == u"Cancel" || text == u"Done" || text == u"Browse..." || text == u"Test";
@@ -78,35 +95,47 @@ QList<SearchEntry> SettingEntries() {
             if (control.isEmpty() || !row.help)
                 continue;
             const QString help = QString::fromUtf8(row.help);
-            entries.append({help, (help + u' ' + key).toLower(), control});
+            const AutomationKey* place = FindAutomationKey(key);
+            entries.append({help, (help + u' ' + key).toLower(), control,
+                            place ? QString::fromLatin1(place->control) : QString()});
         }
     }
     return entries;
 }
 
-QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control) {
+QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control, const QString& inner) {
     QList<SearchEntry> entries;
     QXmlStreamReader xml(ui);
     QStringList widgets;
+    QStringList names;
     QString property;
+    const auto isNaming = [&] {
+        if (widgets.isEmpty())
+            return false;
+        return property == u"text" || property == u"title"
+                   ? namesSomething(widgets.last())
+                   : property == u"accessibleName" && isField(widgets.last());
+    };
     while (!xml.atEnd()) {
         xml.readNext();
         if (xml.isStartElement()) {
             if (xml.name() == u"widget") {
                 widgets.append(xml.attributes().value(QLatin1String("class")).toString());
+                names.append(xml.attributes().value(QLatin1String("name")).toString());
             } else if (xml.name() == u"property") {
                 property = xml.attributes().value(QLatin1String("name")).toString();
-            } else if (xml.name() == u"string" && (property == u"text" || property == u"title") &&
-                       !widgets.isEmpty() && namesSomething(widgets.last())) {
+            } else if (xml.name() == u"string" && isNaming()) {
                 QString text = xml.readElementText();
                 text.remove(u'&');
                 if (text.endsWith(u':'))
                     text.chop(1);
                 if (!text.isEmpty() && text.size() <= LongestLabel && !isCommonButton(text))
-                    entries.append({text, text.toLower(), control});
+                    entries.append({text, (text + itemsOf(names.last())).toLower(), control,
+                                    inner.isEmpty() ? names.last() : inner + u'/' + names.last()});
             }
         } else if (xml.isEndElement() && xml.name() == u"widget") {
             widgets.removeLast();
+            names.removeLast();
         }
     }
     return entries;

@@ -11,6 +11,8 @@ struct SearchEntry {
     QString text;    // what is shown: a help line or a label
     QString words;   // what is searched: the text and the key, lower case
     QString control; // the console's control that opens the form
+    // What to show there: a control of the form, or "form/control" of one that it opens; empty: the form.
+    QString place = {};
 };
 
 // The console's control whose form holds a setting; empty when no form does.
@@ -19,8 +21,9 @@ QString ControlOfSetting(const QString& section, const QString& key);
 // Entries of the settings table.
 QList<SearchEntry> SettingEntries();
 
-// Labels and captions in a form's design (the bytes of a .ui file), for the form behind `control`.
-QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control);
+// Labels, captions and names of fields in a form's design (the bytes of a .ui file), for the form behind
+// `control`. `inner`: the name of the form, where that form opens it.
+QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control, const QString& inner = {});
 
 // The entries that hold every word of `query`, those that begin with it first; at most `limit`.
 // Cost: one pass over the entries.

@@ -13,6 +13,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormChanges.h"
+#include "ui/binding/ShowControl.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/TextBoxes.h"
@@ -42,7 +43,7 @@ frmKOVASetup::frmKOVASetup(Settings& settings, KOVADatabaseSettings& automation,
     showSettings();
     connect(ui_->cmdClearKOVADatabase, &QPushButton::clicked, this, [this] { setFileName({}); });
     connect(ui_->cmdSelectKOVADatabase, &QPushButton::clicked, this, &frmKOVASetup::choose);
-    connect(ui_->cmdKOVADBSettings, &QPushButton::clicked, this, &frmKOVASetup::openSettings);
+    connect(ui_->cmdKOVADBSettings, &QPushButton::clicked, this, [this] { openSettings(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, &frmKOVASetup::ok);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmKOVASetup::reject);
     new EnableRules(
@@ -103,12 +104,18 @@ void frmKOVASetup::choose() {
     ValidateKOVADatabaseTables(databasePath());
 }
 
-void frmKOVASetup::openSettings() {
+void frmKOVASetup::showPlace(const QString& place) {
+    openSettings(place.section(u'/', 1));
+}
+
+void frmKOVASetup::openSettings(const QString& control) {
     if (ui_->lblKOVADatabaseFName->text().isEmpty())
         return;
     frmKOVADatabaseSettings form(automation_, settings_, users_, this);
     clsMonitors().CenterFormOnMonitor(&form, this);
     form.setDatabase(databasePath());
+    if (!control.isEmpty())
+        ShowControl(&form, control);
     form.exec();
 }
 

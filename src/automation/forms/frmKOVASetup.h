@@ -28,13 +28,16 @@ public:
     // Cancel, Escape and the close button: asks while there are changes.
     void reject() override;
 
+    // Opens the settings of the database at a control, "frmKOVADatabaseSettings/txtPrecueTime".
+    Q_INVOKABLE void showPlace(const QString& place);
+
 private:
     void showSettings();
     QString databasePath() const;
     void setFileName(const QString& name);
     void showDescription(const QString& text);
     void choose();
-    void openSettings();
+    void openSettings(const QString& control = {});
     void ok();
 
     Settings& settings_;

@@ -11,6 +11,7 @@ namespace tolvex {
 namespace {
 
 constexpr int ControlRole = Qt::UserRole;
+constexpr int PlaceRole = Qt::UserRole + 1;
 constexpr int LongestList = 10;
 
 QString formCaption(const QString& control) {
@@ -42,6 +43,8 @@ void FindBox::fillIndex() {
         index_.append({caption, (caption + u' ' + QString::fromLatin1(job.about)).toLower(), control});
         index_.append(LabelEntries(FormDesign(QString::fromLatin1(job.form)), control));
     }
+    const QString database = QStringLiteral("frmKOVADatabaseSettings");
+    index_.append(LabelEntries(FormDesign(database), QStringLiteral("cmdKOVASetup"), database));
 }
 
 void FindBox::search(const QString& query) {
@@ -53,6 +56,7 @@ void FindBox::search(const QString& query) {
         auto* item =
             new QListWidgetItem(entry.text + QStringLiteral("  ·  ") + formCaption(entry.control), this);
         item->setData(ControlRole, entry.control);
+        item->setData(PlaceRole, entry.place);
         item->setToolTip(item->text());
     }
     if (found.isEmpty() && !query.trimmed().isEmpty()) {
@@ -73,9 +77,10 @@ void FindBox::choose(const QListWidgetItem* item) {
     if (!item || !(item->flags() & Qt::ItemIsEnabled))
         return;
     const QString control = item->data(ControlRole).toString();
+    const QString place = item->data(PlaceRole).toString();
     box_->clear();
     hide();
-    emit chosen(control);
+    emit chosen(control, place);
 }
 
 bool FindBox::eventFilter(QObject* watched, QEvent* event) {

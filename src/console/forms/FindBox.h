@@ -17,8 +17,8 @@ public:
     FindBox(QLineEdit* box, QWidget* window);
 
 signals:
-    // The console's control whose form holds the chosen setting.
-    void chosen(const QString& control);
+    // The console's control whose form holds the chosen setting, and the place in that form.
+    void chosen(const QString& control, const QString& place);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

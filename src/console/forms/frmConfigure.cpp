@@ -13,6 +13,7 @@
 #include "platform/paths/Paths.h"
 #include "station/CheckConfiguration.h"
 #include "station/Workstation.h"
+#include "ui/binding/ShowControl.h"
 #include "ui/help/frmHelp.h"
 #include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
@@ -22,6 +23,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QTimer>
 
 namespace tolvex {
 
@@ -85,7 +87,11 @@ frmConfigure::frmConfigure(Workstation& station, QWidget* parent)
     for (QMenu* menu : ui_->menubar->findChildren<QMenu*>())
         menu->setToolTipsVisible(true);
     auto* found = new FindBox(ui_->txtFind, this);
-    connect(found, &FindBox::chosen, this, &frmConfigure::showJob);
+    connect(found, &FindBox::chosen, this, [this](const QString& control, const QString& place) {
+        place_ = place;
+        showJob(control);
+        place_.clear();
+    });
     // The form sees keys before its controls.
     qApp->installEventFilter(this);
 }
@@ -216,6 +222,7 @@ void frmConfigure::openForm(const ConsoleJob& job) {
         platform::prompts().setPointer(platform::Pointer::Wait);
     const QPointer<QDialog> form = MakeForm(QString::fromLatin1(job.form), station_, this);
     FitForm(form);
+    showPlace(form);
     if (job.opening == JobOpening::Modal) {
         form->exec();
     } else {
@@ -235,6 +242,19 @@ void frmConfigure::openForm(const ConsoleJob& job) {
     if (QLatin1String(job.control) == QLatin1String("cmdFileLocations"))
         session_.reload();
     UpdateEnabledButtons();
+}
+
+// What was searched for, once the form is there.
+void frmConfigure::showPlace(QDialog* form) {
+    const QString place = std::exchange(place_, {});
+    if (place.isEmpty())
+        return;
+    QTimer::singleShot(0, form, [form, place] {
+        if (place.contains(u'/'))
+            QMetaObject::invokeMethod(form, "showPlace", Q_ARG(QString, place));
+        else
+            ShowControl(form, place);
+    });
 }
 
 // From the search and the panel: the tab of a job, and its form where it can be opened.

@@ -50,6 +50,7 @@ private:
     void openForm(const ConsoleJob& job);
     void runRoutine(ConsoleRoutine routine);
     void showJob(const QString& control);
+    void showPlace(QDialog* form);
     void showGlance();
     void selectTab(int index);
     void moveTab(int step);
@@ -66,6 +67,7 @@ private:
     std::unique_ptr<Ui::frmConfigure> ui_;
     QLabel* status_ = nullptr;
     QString helpFile_;
+    QString place_;        // that was searched for, in the form that opens next
     bool waiting_ = false; // a waited form is open, or a routine runs
     bool exitRequested_ = false;
 };
