@@ -95,7 +95,8 @@ QList<SearchEntry> SettingEntries() {
             if (control.isEmpty() || !row.help)
                 continue;
             const QString help = QString::fromUtf8(row.help);
-            const AutomationKey* place = FindAutomationKey(key);
+            const AutomationKey* place =
+                control == QStringLiteral("cmdKOVASetup") ? FindAutomationKey(key) : nullptr;
             entries.append({help, (help + u' ' + key).toLower(), control,
                             place ? QString::fromLatin1(place->control) : QString()});
         }

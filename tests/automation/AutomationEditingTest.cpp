@@ -9,6 +9,7 @@
 #include "databases/suite/DatabaseSettings.h"
 #include "databases/users/UsersDatabase.h"
 #include "platform/profile/ProfileFile.h"
+#include "support/FileFaults.h"
 #include "support/NoRoom.h"
 
 using namespace tolvex;
@@ -27,6 +28,7 @@ protected:
         make(Path, KOVAType);
         EXPECT_EQ(ValidateKOVADatabaseTables(Path), 0);
     }
+    QByteArray file() const { return machine.read(Path); }
     // The window is opened, one change is made, and OK pressed, on another workstation.
     void storeElsewhere(const char* item, const char* value) {
         KOVADatabaseSettings theirs;
@@ -220,6 +222,37 @@ TEST_F(AutomationEditingTest, StoresAsOneTransactionWithItsHistory) {
     ASSERT_TRUE(again.open(Path));
     EXPECT_EQ(left.KOVA_PreCueTime, 33);
     EXPECT_EQ(left.MUSIC_FilenamePrefix, "TL");
+}
+
+// Killed at any call to the system that changes something, the settings are all the old ones or all the new.
+TEST_F(AutomationEditingTest, AKillLeavesTheOldOrTheNewSettings) {
+    ASSERT_TRUE(editing.open(Path));
+    editing.close();
+    const QByteArray old = file();
+    const auto job = [this] {
+        AutomationEditing other(record, settings, users);
+        if (!other.open(Path))
+            return 1;
+        record.KOVA_PreCueTime = 77;
+        record.HOURS_Colour = 77;
+        return other.store() ? 0 : 1;
+    };
+    const int operations = RunWithFault(job, Fault::None, 0).operations;
+    ASSERT_GT(operations, 5);
+    int whole = 0;
+    for (int at = 1; at <= operations && !HasFailure(); ++at) {
+        for (const QString& name : platform::FolderNames("C:\\DATA\\SCHEDULE"))
+            platform::RemoveFile("C:\\DATA\\SCHEDULE\\" + name);
+        machine.write(Path, old);
+        EXPECT_TRUE(RunWithFault(job, Fault::Kill, at).killed) << at;
+        KOVADatabaseSettings left;
+        AutomationEditing again(left, settings, users);
+        ASSERT_TRUE(again.open(Path)) << at;
+        EXPECT_EQ(left.KOVA_PreCueTime == 77, left.HOURS_Colour == 77) << at;
+        whole += left.HOURS_Colour == 77 ? 1 : 0;
+    }
+    EXPECT_GT(whole, 0);
+    EXPECT_LT(whole, operations);
 }
 
 TEST_F(AutomationEditingTest, TellsWhatOthersStoredBeforeItOverwritesIt) {

@@ -12,6 +12,8 @@ namespace Ui {
 class frmKOVADatabaseSettings;
 }
 
+class QLineEdit;
+
 namespace tolvex {
 
 class frmKOVADatabaseSettings : public QDialog {

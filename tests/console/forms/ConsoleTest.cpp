@@ -2,12 +2,15 @@
 #include "console/forms/Station.h"
 
 #include "TestPlaces.h"
+#include "automation/AutomationSchema.h"
 #include "console/ConsoleJobs.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/WorkstationPanel.h"
 #include "console/forms/frmConfigure.h"
 #include "core/system/Registry.h"
+#include "databases/suite/DatabaseKinds.h"
+#include "databases/suite/ValidateDatabase.h"
 #include "platform/registry/RegistryStore.h"
 #include "ui/style/OpenForms.h"
 
@@ -239,6 +242,49 @@ TEST(Console, SearchFindsASettingByItsWordsAndOpensItsForm) {
     EXPECT_TRUE(list->item(0)->text().contains("Date/Time Setup")) << list->item(0)->text().toStdString();
     box->setText("xyzzy");
     EXPECT_EQ(list->item(0)->text(), "No setting has these words");
+}
+
+// Also a setting of the automation database, by a field's words or its item's name: with its tab in front.
+TEST(Console, SearchOpensTheTabOfASetting) {
+    Console console;
+    ASSERT_TRUE(console.start());
+    QString title;
+    const QString path = QStringLiteral("C:\\DATA\\SCHEDULE\\KOVA26.MDB");
+    ASSERT_EQ(ValidateDatabase(path, KOVAType, true, &title), 0);
+    ASSERT_EQ(ValidateKOVADatabaseTables(path), 0);
+    console.settings.DefaultDatabase = QStringLiteral("KOVA26.MDB");
+    const auto search = [&console](const char* words) {
+        console.form.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&console.form));
+        QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
+        auto* box = find<QLineEdit>(console.form, "txtFind");
+        QTest::keyClicks(box, words);
+        QTest::keyClick(box, Qt::Key_Return);
+    };
+    const auto shows = [](QWidget& window, const char* tabs) {
+        const auto* strip = find<QTabWidget>(window, tabs);
+        const QString tab = strip->tabText(strip->currentIndex()).trimmed();
+        QTest::keyClick(&window, Qt::Key_Escape);
+        return tab;
+    };
+    QString seen;
+    QString focus;
+    withForm("frmKOVADatabaseSettings", [&](QWidget& window) {
+        focus = window.focusWidget() ? window.focusWidget()->objectName() : QString();
+        seen = shows(window, "tbsKOVA");
+        QTimer::singleShot(0, qApp, [] {
+            withForm("frmKOVASetup", [](QWidget& setup) { QTest::keyClick(&setup, Qt::Key_Escape); });
+        });
+    });
+    search("KOVA.PreCueTime");
+    EXPECT_EQ(seen, "KAE Settings");
+    EXPECT_EQ(focus, "txtPrecueTime");
+    withForm("frmKOVASetup", [&](QWidget& window) {
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return find<QTabWidget>(window, "tbsSettings")->currentIndex() == 1; }));
+        shows(window, "tbsSettings");
+    });
+    search("secs to wait before releasing");
 }
 
 TEST(Console, ChecksTheConfigurationAtTheExitOnly) {
