@@ -6,6 +6,7 @@
 #include "audio/FileCache.h"
 #include "audio/WaveSearch.h"
 #include "core/report/DebugLog.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/SettingsLoader.h"
 #include "core/text/Numbers.h"
 #include "core/text/TextFields.h"
@@ -130,8 +131,7 @@ void upgradeAudiowall(Settings& values) {
         return;
     BackupCartLists(values, false);
     version = QString::fromUtf16(currentVersionText);
-    platform::WriteProfileText(QStringLiteral("Audiowall"), QStringLiteral("Version"), version,
-                               AudiowallIniFile(values));
+    WriteSettingText(RowOf<&Settings::AudiowallVersion>(), version, AudiowallIniFile(values));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "automation/AutomationFields.h"
 #include "automation/AutomationSchema.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
 #include "core/text/Numbers.h"
 #include "databases/store/Report.h"
@@ -223,21 +224,19 @@ qint32 StoreKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& re
 }
 
 qint32 CreateDefaultKOVADatabase(Settings& values, bool setAsDefault) {
-    const QString section = QStringLiteral("KOVA");
-    const QString key = QStringLiteral("DefaultDatabase");
+    const SettingRow& row = RowOf<&Settings::DefaultDatabase>();
     const QString fileName = QStringLiteral("KOVA26.MDB");
     const QString folder = values.DataLocation + QStringLiteral("\\SCHEDULE\\");
     const QString path = folder + fileName;
     QString first;
-    if (!platform::ProfileText(section, key, {}, values.LocalIniFile).isEmpty() ||
+    if (!SettingText(row, values.LocalIniFile).isEmpty() ||
         FindDatabaseOfType(folder, KOVAType, &first, 1) > 0)
         return 0;
     QString title = QStringLiteral("K-Ova Database");
     if (ValidateDatabase(path, KOVAType, true, &title, {}, fillDefault) != 0 ||
         ValidateKOVADatabaseTables(path) != 0 || markFile(path) != 0)
         return 0;
-    if (setAsDefault &&
-        platform::WriteProfileText(section, key, fileName, values.LocalIniFile) == platform::ProfileOk)
+    if (setAsDefault && WriteSettingText(row, fileName, values.LocalIniFile) == platform::ProfileOk)
         values.DefaultDatabase = fileName;
     return -1;
 }

@@ -2,6 +2,7 @@
 
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
+#include "core/settings/SettingText.h"
 #include "core/system/Registry.h"
 #include "core/text/TextFields.h"
 #include "platform/files/Files.h"
@@ -13,9 +14,11 @@ namespace tolvex {
 
 namespace {
 
-const QString General = QStringLiteral("General");
-const QString ConfigName = QStringLiteral("ConfigName");
 const QString ConfigFiles = QStringLiteral("ConfigFiles");
+
+const SettingRow& nameRow() {
+    return RowOf<&Settings::ConfigName>();
+}
 
 QString readList(const QString& registryKey) {
     return ReadRegistryString(platform::LocalMachineHive, registryKey, ConfigFiles, QString());
@@ -56,17 +59,15 @@ QList<ConfigurationSet> ListSets(const QString& registryKey, const QString& defa
     if (list.isEmpty() && !defaultIni.isEmpty()) {
         unnamed = QStringLiteral("Standard Configuration");
         writeList(registryKey, defaultIni);
-        platform::WriteProfileText(General, ConfigName, unnamed, defaultIni);
+        WriteSettingText(nameRow(), unnamed, defaultIni);
         list = defaultIni;
     }
     QList<ConfigurationSet> sets;
     for (const QString& file : list.split(u' ', Qt::SkipEmptyParts)) {
         ConfigurationSet set;
         set.file = file;
-        set.description =
-            platform::ProfileText(General, ConfigName, unnamed.isEmpty() ? file : unnamed, file).trimmed();
-        set.location =
-            platform::ProfileText(QStringLiteral("FileLocations"), QStringLiteral("Data"), QString(), file);
+        set.description = SettingText(nameRow(), file, unnamed.isEmpty() ? file : unnamed).trimmed();
+        set.location = SettingText(RowOf<&Settings::DataLocation>(), file);
         set.place = placeOf(set.location);
         sets.append(set);
     }
@@ -88,12 +89,12 @@ bool CopySet(const QString& registryKey, const QString& from, const QString& new
     if (CopyFileWithProgress(source, target, QStringLiteral("Copying Configuration"), false, false) != 0)
         return false;
     writeList(registryKey, readList(registryKey) + u' ' + newFile);
-    platform::WriteProfileText(General, ConfigName, description, newFile);
+    WriteSettingText(nameRow(), description, newFile);
     return true;
 }
 
 int RenameSet(const QString& file, const QString& description) {
-    return platform::WriteProfileText(General, ConfigName, description, file);
+    return WriteSettingText(nameRow(), description, file);
 }
 
 bool DeleteSet(const QString& registryKey, const QString& file) {

@@ -88,10 +88,16 @@ const ConsoleJob* FindConsoleJob(const QString& control) {
     return nullptr;
 }
 
-int HelpContextOfForm(const QString& form) {
+const ConsoleJob* FindJobOfForm(const QString& form) {
     for (const ConsoleJob& job : jobs)
         if (form == QLatin1String(job.form))
-            return job.helpContext;
+            return &job;
+    return nullptr;
+}
+
+int HelpContextOfForm(const QString& form) {
+    if (const ConsoleJob* job = FindJobOfForm(form))
+        return job->helpContext;
     for (const OtherForm& other : otherForms)
         if (form == QLatin1String(other.form))
             return other.helpContext;

@@ -48,6 +48,8 @@ struct ConsoleJob {
 std::span<const ConsoleJob> ConsoleJobs();
 // The row of a control; null when it has none.
 const ConsoleJob* FindConsoleJob(const QString& control);
+// The job that opens a form; null when none does.
+const ConsoleJob* FindJobOfForm(const QString& form);
 
 // The help page of a form by its name: that of the job that opens it, else its own; 0 (the first page) for
 // others.

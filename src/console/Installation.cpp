@@ -3,6 +3,7 @@
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
 #include "core/report/Folders.h"
+#include "core/settings/SettingText.h"
 #include "databases/suite/DatabaseKinds.h"
 #include "databases/suite/FindDatabases.h"
 #include "databases/users/UsersDatabase.h"
@@ -14,14 +15,12 @@ namespace tolvex {
 
 namespace {
 
-QString placeOf(const Settings& settings, const char* key) {
-    return platform::ProfileText(QStringLiteral("FileLocations"), QLatin1String(key), {},
-                                 settings.LocalIniFile);
-}
-
 InstalledItem localIni(const Settings& values) {
-    const bool saved = !values.DataLocation.isEmpty() && placeOf(values, "Data") == values.DataLocation &&
-                       placeOf(values, "Carts1") == values.CartPartTable[1].Location;
+    const QString data = SettingText(RowOf<&Settings::DataLocation>(), values.LocalIniFile);
+    const QString carts =
+        SettingText(RowOf<&Settings::CartPartTable, &CartPart::Location>(), values.LocalIniFile, {}, 1);
+    const bool saved = !values.DataLocation.isEmpty() && data == values.DataLocation &&
+                       carts == values.CartPartTable[1].Location;
     return {QStringLiteral("Settings of this workstation"), values.LocalIniFile, saved};
 }
 
@@ -34,8 +33,7 @@ InstalledItem file(const QString& what, const QString& path, qint64 length = 1) 
 QList<InstalledItem> automationDatabase(const Settings& settings) {
     const QString ours = QStringLiteral("KOVA26.MDB");
     const QString folder = settings.DataLocation + QStringLiteral("\\SCHEDULE\\");
-    QString name = platform::ProfileText(QStringLiteral("KOVA"), QStringLiteral("DefaultDatabase"), {},
-                                         settings.LocalIniFile);
+    QString name = SettingText(RowOf<&Settings::DefaultDatabase>(), settings.LocalIniFile);
     const bool named = !name.isEmpty();
     if (!named)
         FindDatabaseOfType(folder, KOVAType, &name, 1);

@@ -2,6 +2,7 @@
 
 #include "automation/AutomationFields.h"
 #include "automation/AutomationSetup.h"
+#include "console/ConsoleJobs.h"
 #include "core/settings/SettingsTable.h"
 
 #include <QXmlStreamReader>
@@ -11,40 +12,6 @@
 namespace tolvex {
 
 namespace {
-
-// Which form holds which keys; the first row that fits counts. An empty key stands for the whole section.
-struct Row {
-    const char* section;
-    const char* keyStart;
-    const char* control;
-};
-constexpr Row rows[] = {
-    {"FileLocations", "AudioEditor", "cmdAudioSetup"},
-    {"FileLocations", "SampleEditor", "cmdAudioSetup"},
-    {"FileLocations", "", "cmdFileLocations"},
-    {"LinkMesh", "", "cmdLinkmeshSetup"},
-    {"DateTimeSettings", "", "cmdDateTimeSetup"},
-    {"Display", "", "cmdDisplaySettings"},
-    {"AudioWall", "AllowAudioFileLinking", "cmdAudioSetup"},
-    {"AudioWall", "", "cmdAudiowallSetup"},
-    {"CartChunk", "", "cmdAudioSetup"},
-    {"Carts", "", "cmdAudiowallSetup"},
-    {"KOVA", "", "cmdKOVASetup"},
-    {"CartPlayers", "", "cmdAudioSetup"},
-    {"Audio", "SelectedCart", "cmdAudiowallSetup"},
-    {"Audio", "CartPlayed", "cmdAudiowallSetup"},
-    {"Audio", "CartNumber", "cmdAudiowallSetup"},
-    {"Audio", "CartFont", "cmdAudiowallSetup"},
-    {"Audio", "CartShow", "cmdAudiowallSetup"},
-    {"Audio", "DisplayCart", "cmdAudiowallSetup"},
-    {"Audio", "EmptyCart", "cmdAudiowallSetup"},
-    {"Audio", "TimesBar", "cmdAudiowallSetup"},
-    {"Audio", "ShowTimesBar", "cmdAudiowallSetup"},
-    {"Audio", "", "cmdAudioSetup"},
-    {"OPALTransfers", "", "cmdOPAL"},
-    {"CDRipping", "", "cmdCDRipping"},
-    {"CDDB", "", "cmdCDRipping"},
-};
 
 // Longer texts explain; they name nothing.
 constexpr qsizetype LongestLabel = 90;
@@ -77,30 +44,20 @@ bool isCommonButton(const QString& text) {
 
 } // namespace
 
-QString ControlOfSetting(const QString& section, const QString& key) {
-    for (const Row& row : rows)
-        if (section.compare(QLatin1String(row.section), Qt::CaseInsensitive) == 0 &&
-            key.startsWith(QLatin1String(row.keyStart), Qt::CaseInsensitive))
-            return QString::fromLatin1(row.control);
-    return {};
-}
-
 QList<SearchEntry> SettingEntries() {
     QList<SearchEntry> entries;
-    for (const SettingGroup& group : AllSettings()) {
+    for (const SettingGroup& group : AllSettings())
         for (const SettingRow& row : group.rows) {
-            const QString section = QString::fromLatin1(row.section);
-            const QString key = QString::fromLatin1(row.key);
-            const QString control = ControlOfSetting(section, key);
-            if (control.isEmpty() || !row.help)
+            const ConsoleJob* job = row.form ? FindJobOfForm(QString::fromLatin1(row.form)) : nullptr;
+            if (!job || !row.help)
                 continue;
             const QString help = QString::fromUtf8(row.help);
-            const AutomationKey* place =
-                control == QStringLiteral("cmdKOVASetup") ? FindAutomationKey(key) : nullptr;
-            entries.append({help, (help + u' ' + key).toLower(), control,
-                            place ? QString::fromLatin1(place->control) : QString()});
+            const QString key = QString::fromLatin1(row.key);
+            const AutomationKey* automation = FindAutomationKey(key);
+            const QString place = QString::fromLatin1(automation ? automation->control : row.control);
+            entries.append({help, (help + u' ' + key).toLower(), QString::fromLatin1(job->control),
+                            place.section(u' ', 0, 0)});
         }
-    }
     return entries;
 }
 

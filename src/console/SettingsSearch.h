@@ -15,10 +15,7 @@ struct SearchEntry {
     QString place = {};
 };
 
-// The console's control whose form holds a setting; empty when no form does.
-QString ControlOfSetting(const QString& section, const QString& key);
-
-// Entries of the settings table.
+// Entries of the settings table: those whose row names a form that a job of the console opens.
 QList<SearchEntry> SettingEntries();
 
 // Labels, captions and names of fields in a form's design (the bytes of a .ui file), for the form behind

@@ -3,7 +3,9 @@
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
 #include "core/settings/SettingCheck.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
+#include "core/settings/SettingsLoader.h"
 #include "core/system/Registry.h"
 #include "core/text/PathNames.h"
 #include "platform/Prompts.h"
@@ -13,8 +15,6 @@
 namespace tolvex {
 
 namespace {
-
-constexpr int DefaultNumberOfCarts = 9999;
 
 // A folder whose name the ini file cannot hold would have another name there; it is not made, and that is
 // said.
@@ -47,7 +47,7 @@ int StoreFileLocations(Settings& settings, const QString& data, const QStringLis
         table[n].State = NotChecked;
     }
 
-    const QString section = QStringLiteral("FileLocations");
+    const SettingRow& cartsRow = RowOf<&Settings::CartPartTable, &CartPart::Location>();
     platform::ProfileBatch batch(iniFile);
     for (int n = 1; n <= CartPartCount; ++n) {
         CartPart& part = table[n];
@@ -56,16 +56,17 @@ int StoreFileLocations(Settings& settings, const QString& data, const QStringLis
                 !part.Location.isEmpty() && (DirectoryExists(part.Location) || makeFolder(part.Location));
             setState(settings, part.Location, there ? Available : Unavailable);
         }
-        batch.put(section, QStringLiteral("Carts%1").arg(n), part.Location);
+        PutSettingText(batch, cartsRow, part.Location, n);
         if (!registryKey.isEmpty())
             WriteRegistryString(platform::LocalMachineHive, registryKey,
-                                QStringLiteral("CartLocation%1").arg(n), part.Location, QString());
+                                QLatin1String(cartsRow.valueName) + QString::number(n), part.Location,
+                                QString());
     }
 
     settings.DataLocation = dataLocation;
-    batch.put(section, QStringLiteral("Data"), dataLocation);
-    batch.put(section, QStringLiteral("Schedules"), dataLocation + QStringLiteral("\\SCHEDULE"));
-    batch.put(section, QStringLiteral("Logs"), dataLocation + QStringLiteral("\\LOGS"));
+    PutSettingText(batch, RowOf<&Settings::DataLocation>(), dataLocation);
+    PutSettingText(batch, SchedulesRow, dataLocation + QStringLiteral("\\SCHEDULE"));
+    PutSettingText(batch, LogsRow, dataLocation + QStringLiteral("\\LOGS"));
     const int error = iniFile.isEmpty() ? 0 : batch.commit();
     if (!registryKey.isEmpty())
         WriteRegistryString(platform::LocalMachineHive, registryKey, QStringLiteral("DataLocation"),
@@ -73,9 +74,7 @@ int StoreFileLocations(Settings& settings, const QString& data, const QStringLis
 
     if (mayBeMade(dataLocation))
         CreateDataDirectories(dataLocation);
-    settings.NoCarts =
-        platform::ProfileInteger(QStringLiteral("Audiowall"), QStringLiteral("NoCarts"), DefaultNumberOfCarts,
-                                 table[1].Location + QStringLiteral("\\Audwall.ini"));
+    LoadRow(RowOf<&Settings::NoCarts>(), {table[1].Location + QStringLiteral("\\Audwall.ini")}, settings);
     return error;
 }
 

@@ -2,6 +2,7 @@
 
 #include "audio/LoadAudioSettings.h"
 #include "core/report/Folders.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/SettingsLoader.h"
 #include "core/text/PathNames.h"
 #include "core/time/Dates.h"
@@ -25,8 +26,7 @@ void showUpdateNotice(Settings& values) {
     if (SerialDate(changed) <= values.LastOneWas)
         return;
     platform::prompts().showUpdateNotice(file, QStringLiteral("Tolvex Update Information"));
-    platform::WriteProfileText(QStringLiteral("UpdateNotice"), QStringLiteral("LastOneWas"),
-                               DateText(changed), values.SystemIniFile);
+    WriteSettingText(RowOf<&Settings::LastOneWas>(), DateText(changed), values.SystemIniFile);
     values.LastOneWas = SerialDate(changed);
 }
 

@@ -5,10 +5,45 @@
 
 #include <gtest/gtest.h>
 
+#include <QDirIterator>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 
 using namespace tolvex;
+
+namespace {
+
+// The texts between quotes of a source file, but for those in comments.
+QSet<QString> textsIn(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    static const QRegularExpression pattern(QStringLiteral(R"(//[^\n]*|"((?:[^"\\\n]|\\.)*)")"));
+    QSet<QString> texts;
+    auto found = pattern.globalMatch(QString::fromUtf8(file.readAll()));
+    while (found.hasNext())
+        texts.insert(found.next().captured(1));
+    return texts;
+}
+
+// Words that are keys and something else too: they count only beside the name of their section.
+bool isPlainWord(const QString& key) {
+    static const QRegularExpression pattern(QStringLiteral("^[A-Z][a-z]*$"));
+    return pattern.match(key).hasMatch();
+}
+
+// What names a key, with the reason why it may.
+struct Exception {
+    const char* file;
+    const char* key;
+};
+constexpr Exception exceptions[] = {
+    // The rows themselves; registry values of the same name are columns of them.
+    {"src/core/settings/LocalSettings.cpp", nullptr},
+    {"src/core/settings/AudioSettings.cpp", nullptr},
+};
+
+} // namespace
 
 TEST(SettingsTable, EveryKeyIsDeclaredOnceAndFoundInAnyCase) {
     QSet<QString> seen;
@@ -40,4 +75,72 @@ TEST(SettingsTable, TheReferencePageTellsWhatTheRowsSay) {
     }
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(page.readAll()), SettingsReference());
+}
+
+TEST(SettingsTable, NothingButTheRowsNamesAKey) {
+    const QDir root(QStringLiteral(TOLVEX_SOURCE_DIR));
+    QDirIterator files(root.filePath(QStringLiteral("src")), {"*.h", "*.cpp"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    int seen = 0;
+    while (files.hasNext()) {
+        const QString path = files.next();
+        const QString name = root.relativeFilePath(path);
+        const QSet<QString> texts = textsIn(path);
+        ++seen;
+        for (const SettingGroup& group : AllSettings())
+            for (const SettingRow& row : group.rows) {
+                const bool excused =
+                    std::any_of(std::begin(exceptions), std::end(exceptions), [&](const Exception& e) {
+                        return name == QLatin1String(e.file) && (!e.key || qstrcmp(e.key, row.key) == 0);
+                    });
+                const QString key = QLatin1String(row.key);
+                if (excused || (isPlainWord(key) && !texts.contains(QLatin1String(row.section))))
+                    continue;
+                EXPECT_FALSE(texts.contains(key)) << name.toStdString() << " names " << row.key;
+                if (row.count)
+                    EXPECT_FALSE(texts.contains(key + u'1') || texts.contains(key + QStringLiteral("%1")))
+                        << name.toStdString() << " names " << row.key;
+            }
+    }
+    EXPECT_GT(seen, 300);
+}
+
+// The value of a place is the order of a new file; two keys of one place would come in any order.
+TEST(SettingsTable, EachSavedKeyHasAPlaceOfItsOwn) {
+    QSet<int> places;
+    for (const SettingGroup& group : AllSettings())
+        for (const SettingRow& row : group.rows) {
+            if (row.savePosition == 0)
+                continue;
+            EXPECT_EQ(group.file, SettingsFile::Local) << row.key;
+            EXPECT_FALSE(places.contains(row.savePosition)) << row.key;
+            places.insert(row.savePosition);
+        }
+    EXPECT_GT(places.size(), 80);
+}
+
+// The controls that rows name are there, in each form whose design is.
+TEST(SettingsTable, TheControlsOfRowsAreInTheirForms) {
+    int looked = 0;
+    QDirIterator designs(QStringLiteral(TOLVEX_SOURCE_DIR "/src"), {"frm*.ui"}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    while (designs.hasNext()) {
+        QFile file(designs.next());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray design = file.readAll();
+        const QString form = QFileInfo(file).completeBaseName();
+        for (const SettingGroup& group : AllSettings())
+            for (const SettingRow& row : group.rows) {
+                EXPECT_TRUE(!row.bound || row.control) << row.key;
+                if (!row.control || form != QLatin1String(row.form))
+                    continue;
+                for (const QByteArray& control : QByteArray(row.control).split(' ')) {
+                    const QByteArray name =
+                        "name=\"" + control + (row.count && control.endsWith('_') ? "1" : "") + '"';
+                    EXPECT_TRUE(design.contains(name)) << row.key << ": " << name.data();
+                    ++looked;
+                }
+            }
+    }
+    EXPECT_GT(looked, 15);
 }

@@ -2,6 +2,7 @@
 #include "app/ctl/Commands.h"
 
 #include "core/report/Folders.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
 #include "network/TerminalList.h"
 #include "platform/Machine.h"
@@ -84,8 +85,8 @@ int choose(Call& call) {
     if (const int error = AssignTerminal(call.station.terminals, id, {}, platform::ComputerName()))
         return notWritten(call, error);
     call.station.settings.LinkMeshId = id;
-    if (const int error = platform::WriteProfileText(QStringLiteral("LinkMesh"), QStringLiteral("LinkMeshId"),
-                                                     QString::number(id), call.station.settings.LocalIniFile))
+    if (const int error = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(id),
+                                           call.station.settings.LocalIniFile))
         return call.fail(QStringLiteral("%1 could not be written (error %2).")
                              .arg(call.station.settings.LocalIniFile)
                              .arg(error),

@@ -1,9 +1,8 @@
 #include "console/forms/frmDateTimeSetup.h"
 
-#include "core/settings/Settings.h"
+#include "core/settings/SettingText.h"
 #include "network/forms/frmRadioClockTest.h"
 #include "platform/Prompts.h"
-#include "platform/profile/ProfileFile.h"
 #include "ui/binding/SettingBinding.h"
 #include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
@@ -47,8 +46,8 @@ void frmDateTimeSetup::testClock() {
 
 void frmDateTimeSetup::store() {
     binding_.take();
-    platform::WriteProfileText(QStringLiteral("DateTimeSettings"), QStringLiteral("RadioClockComPort"),
-                               QString::number(settings_.RadioClockComPort), settings_.LocalIniFile);
+    WriteSettingText(RowOf<&Settings::RadioClockComPort>(), QString::number(settings_.RadioClockComPort),
+                     settings_.LocalIniFile);
     accept();
 }
 

@@ -2,6 +2,7 @@
 
 #include "console/StoreFileLocations.h"
 #include "core/report/Folders.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
 #include "core/system/Registry.h"
 #include "core/text/PathNames.h"
@@ -22,8 +23,8 @@ namespace {
 constexpr int LongestLocation = 1024; // buffer of the reads
 constexpr int RestMilliseconds = 300;
 
-QString cartsKey(int part) {
-    return QStringLiteral("Carts%1").arg(part);
+const SettingRow& cartsRow() {
+    return RowOf<&Settings::CartPartTable, &CartPart::Location>();
 }
 
 } // namespace
@@ -92,12 +93,11 @@ void frmFileLocations::fill(QLineEdit* line, const QString& text) {
 
 void frmFileLocations::setIniFile(const QString& file) {
     iniFile_ = file;
-    const QString section = QStringLiteral("FileLocations");
-    fill(ui_->txtDataLocation, platform::ProfileText(section, QStringLiteral("Data"), settings_.DataLocation,
-                                                     file, LongestLocation));
+    fill(ui_->txtDataLocation,
+         SettingText(RowOf<&Settings::DataLocation>(), file, settings_.DataLocation, 0, LongestLocation));
     for (int part = 1; part <= CartPartCount; ++part)
-        fill(box(part), platform::ProfileText(section, cartsKey(part), settings_.CartPartTable[part].Location,
-                                              file, LongestLocation));
+        fill(box(part),
+             SettingText(cartsRow(), file, settings_.CartPartTable[part].Location, part, LongestLocation));
     checkOneLocation();
 }
 
@@ -106,9 +106,9 @@ void frmFileLocations::setReg_Path(const QString& key) {
     fill(ui_->txtDataLocation, ReadRegistryString(platform::LocalMachineHive, key,
                                                   QStringLiteral("DataLocation"), settings_.DataLocation));
     for (int part = 1; part <= CartPartCount; ++part)
-        fill(box(part),
-             ReadRegistryString(platform::LocalMachineHive, key, QStringLiteral("CartLocation%1").arg(part),
-                                settings_.CartPartTable[part].Location));
+        fill(box(part), ReadRegistryString(platform::LocalMachineHive, key,
+                                           QLatin1String(cartsRow().valueName) + QString::number(part),
+                                           settings_.CartPartTable[part].Location));
     checkOneLocation();
 }
 

@@ -5,15 +5,16 @@
 
 namespace tolvex {
 
-// Where a row's value lies: a member of the record, or a field of an entry of one of its tables.
-template<auto member>
-SettingRef Member(Settings& values, int) {
-    return &(values.*member);
-}
-template<auto table, auto field>
-SettingRef Field(Settings& values, int index) {
-    return &((values.*table)[index].*field);
-}
+// The forms that settings are set in.
+inline constexpr const char* AudioSetup = "frmAudioSetup";
+inline constexpr const char* AudiowallSetup = "frmAudioWallSetup";
+inline constexpr const char* AutomationSetup = "frmKOVASetup";
+inline constexpr const char* FileLocations = "frmFileLocations";
+inline constexpr const char* RippingSettings = "frmRippingSettings";
+inline constexpr const char* TransferSetup = "frmOpalSetup";
+inline constexpr const char* WorkstationSetup = "frmLinkMeshSetup";
+inline constexpr const char* DisplayOptions = "frmDisplayOptions";
+inline constexpr const char* DateTimeSetup = "frmDateTimeSetup";
 
 constexpr SettingRow NumberRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
                                qint32 fallback, const char* help) {

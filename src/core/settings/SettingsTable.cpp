@@ -41,6 +41,14 @@ SettingPlace FindSetting(const QString& section, const QString& key) {
     return {};
 }
 
+const SettingRow& RowAt(SettingRow::At at) {
+    for (const SettingGroup& group : AllSettings())
+        for (const SettingRow& row : group.rows)
+            if (row.at == at)
+                return row;
+    qFatal("no row of the settings table fills this member");
+}
+
 QString SettingKey(const SettingRow& row, int index) {
     const QString name = QLatin1String(row.key);
     return row.count ? name + QString::number(index) : name;

@@ -1,6 +1,8 @@
 // Every key of the suite's ini files that belongs to the global settings, declared once, as a row: where it
-// lies, what it holds, its default, the older key it replaces, the member it fills. Loading, saving, the
-// settings commands of the shell and the reference page in docs/settings.md all work from these rows.
+// lies, what it holds, its default, the older key it replaces, the member it fills, its place in a saved
+// file, the form and control it is set in. Loading, saving, export, import, search, forms, the settings
+// commands of the shell and the reference page in docs/settings.md all work from these rows; nothing else
+// names a key.
 //
 // A row whose key carries an index ("Carts1" to "Carts11") has a count; its entries are numbered from 1 and
 // the number follows the key with no blank. Key names match without regard to case, so a row has one
@@ -55,7 +57,11 @@ struct SettingRow {
     // the value says which is chosen. The controls of an index have its number behind the name.
     const char* form = nullptr;
     const char* control = nullptr;
-    qint32 firstEntry = 0; // what the control's first entry or button stands for
+    bool bound = false;    // the control shows the value as it is; else the form has a way of its own
+    qint32 firstEntry = 0; // what the first entry of a bound list, or the first radio button, stands for
+
+    // Its place among the keys that SaveLocalSettings writes, and so in a new file; 0: it is not saved there.
+    int savePosition = 0;
 
     qint32 defaultNumber = 0;
     const char* defaultText = "";
@@ -84,11 +90,21 @@ struct SettingRow {
     // What is saved in place of the member's value; nothing: the key is removed.
     Written written = nullptr;
 
-    constexpr SettingRow on(const char* itsForm, const char* itsControl, qint32 first = 0) const {
+    constexpr SettingRow setIn(const char* itsForm, const char* itsControl = nullptr) const {
         SettingRow row = *this;
         row.form = itsForm;
         row.control = itsControl;
+        return row;
+    }
+    constexpr SettingRow on(const char* itsForm, const char* itsControl, qint32 first = 0) const {
+        SettingRow row = setIn(itsForm, itsControl);
+        row.bound = true;
         row.firstEntry = first;
+        return row;
+    }
+    constexpr SettingRow saved(int position) const {
+        SettingRow row = *this;
+        row.savePosition = position;
         return row;
     }
     constexpr SettingRow range(qint32 low, qint32 high) const {
@@ -156,6 +172,32 @@ struct SettingRow {
 };
 
 using SettingRows = std::span<const SettingRow>;
+
+// Where a row's value lies: a member of the record, or a field of an entry of one of its tables.
+template<auto member>
+SettingRef Member(Settings& values, int) {
+    return &(values.*member);
+}
+template<auto table, auto field>
+SettingRef Field(Settings& values, int index) {
+    return &((values.*table)[index].*field);
+}
+
+// The row of a setting, by where its value lies: RowOf<&Settings::DataLocation>().
+const SettingRow& RowAt(SettingRow::At at);
+template<auto member>
+const SettingRow& RowOf() {
+    static const SettingRow& row = RowAt(Member<member>);
+    return row;
+}
+template<auto table, auto field>
+const SettingRow& RowOf() {
+    static const SettingRow& row = RowAt(Field<table, field>);
+    return row;
+}
+// Keys that follow from the data location, with no member of their own.
+extern const SettingRow& SchedulesRow;
+extern const SettingRow& LogsRow;
 
 // The rows in groups, each loaded as a whole and in order; which group comes when, and what happens between
 // two of them, is the loaders' business.

@@ -12,6 +12,7 @@ namespace tolvex {
 namespace {
 
 constexpr QSize SampleSize(24, 16);
+constexpr int Gap = 8; // between sample and text
 constexpr double ReadableContrast = 4.5;
 
 QString colourName(qint32 colour, const QPalette& palette) {
@@ -23,7 +24,7 @@ QString colourName(qint32 colour, const QPalette& palette) {
 
 ColourButton::ColourButton(QWidget* parent)
     : QPushButton(parent) {
-    setIconSize(SampleSize);
+    setIconSize(SampleSize + QSize(Gap, 0));
     connect(this, &QPushButton::clicked, this, &ColourButton::choose);
     showColour();
 }
@@ -42,14 +43,20 @@ void ColourButton::choose() {
 }
 
 void ColourButton::showColour() {
-    QPixmap sample(SampleSize * devicePixelRatioF());
+    QPixmap sample(iconSize() * devicePixelRatioF());
     sample.setDevicePixelRatio(devicePixelRatioF());
+    sample.fill(Qt::transparent);
     QPainter painter(&sample);
     painter.fillRect(QRect(QPoint(), SampleSize), tokens().edge);
     painter.fillRect(QRect(QPoint(), SampleSize).adjusted(1, 1, -1, -1), ToColor(colour_, palette()));
     painter.end();
     setIcon(sample);
     setAccessibleDescription(colourName(colour_, palette()));
+}
+
+// The style's own hint leaves no room between icon and text.
+QSize ColourButton::sizeHint() const {
+    return QPushButton::sizeHint() + QSize(2 * Gap, 0);
 }
 
 void ColourButton::changeEvent(QEvent* event) {

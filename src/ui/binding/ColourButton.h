@@ -19,6 +19,9 @@ public:
 signals:
     void colourChanged(qint32 colour);
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
 protected:
     void changeEvent(QEvent* event) override;
 

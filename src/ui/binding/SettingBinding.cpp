@@ -26,7 +26,7 @@ FieldLook lookOf(const SettingRow& row, int index) {
 void BindSettings(FormBinding& binding, const QWidget* form, Settings& settings) {
     for (const SettingGroup& group : AllSettings())
         for (const SettingRow& row : group.rows) {
-            if (!row.form || form->objectName() != QLatin1String(row.form))
+            if (!row.bound || form->objectName() != QLatin1String(row.form))
                 continue;
             const int first = row.count ? 1 : 0;
             const int last = row.count ? row.count(settings) : 0;

@@ -6,8 +6,8 @@
 
 namespace tolvex {
 
-// Binds each row whose form has the object name of this one, with the row's range and length, its help line
-// as tool tip. The settings outlive the binding.
+// Binds each row that is declared by `.on(form, control)` and whose form has the object name of this one,
+// with the row's range and length, its help line as tool tip. The settings outlive the binding.
 void BindSettings(FormBinding& binding, const QWidget* form, Settings& settings);
 
 } // namespace tolvex
