@@ -73,7 +73,7 @@ constexpr SettingRow playerAssignment[] = {
 };
 
 constexpr SettingRow soundCards[] = {
-    NumberRow(SettingKind::Word, Field<&Settings::CartPlayerTable, &CartPlayer::Device>, "CartPlayers",
+    NumberRow(SettingKind::Word, EntryField<&Settings::CartPlayerTable, &CartPlayer::Device>, "CartPlayers",
               "SoundCardNumber", 0,
               "Wave output of the player plus one; 0 for none. Not stored while automatic.")
         .range(0, INT16_MAX)
@@ -86,14 +86,14 @@ constexpr SettingRow soundCards[] = {
 };
 
 constexpr SettingRow playerColours[] = {
-    NumberRow(SettingKind::Colour, Field<&Settings::CartPlayerTable, &CartPlayer::BackColor>, "CartPlayers",
-              "BackColor", 0, "Background of the player's display.")
+    NumberRow(SettingKind::Colour, EntryField<&Settings::CartPlayerTable, &CartPlayer::BackColor>,
+              "CartPlayers", "BackColor", 0, "Background of the player's display.")
         .each(players, CartPlayerCount)
         .registry(Players)
         .setIn(AudioSetup, "cmdPlayerBackGround_")
         .saved(704),
-    NumberRow(SettingKind::Colour, Field<&Settings::CartPlayerTable, &CartPlayer::ForeColor>, "CartPlayers",
-              "ForeColor", 0, "Text of the player's display.")
+    NumberRow(SettingKind::Colour, EntryField<&Settings::CartPlayerTable, &CartPlayer::ForeColor>,
+              "CartPlayers", "ForeColor", 0, "Text of the player's display.")
         .otherwise(playerForeColor, "one for each player")
         .each(players, CartPlayerCount)
         .registry(Players)
@@ -379,8 +379,8 @@ constexpr SettingRow location[] = {
         .registry(Locations)
         .setIn(AudioSetup, "txtAudioEditor")
         .saved(106),
-    TextRow(SettingKind::Path, Field<&Settings::CartPartTable, &CartPart::Location>, "FileLocations", "Carts",
-            "", "Folder of the carts 1 to 1000, 1001 to 2000, ... and, for 11, all above 10000.")
+    TextRow(SettingKind::Path, EntryField<&Settings::CartPartTable, &CartPart::Location>, "FileLocations",
+            "Carts", "", "Folder of the carts 1 to 1000, 1001 to 2000, ... and, for 11, all above 10000.")
         .each(parts, CartPartCount)
         .registry(Locations, "CartLocation")
         .setIn(FileLocations, "txtCartLocations_")

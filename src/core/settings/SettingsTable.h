@@ -179,7 +179,7 @@ SettingRef Member(Settings& values, int) {
     return &(values.*member);
 }
 template<auto table, auto field>
-SettingRef Field(Settings& values, int index) {
+SettingRef EntryField(Settings& values, int index) {
     return &((values.*table)[index].*field);
 }
 
@@ -192,7 +192,7 @@ const SettingRow& RowOf() {
 }
 template<auto table, auto field>
 const SettingRow& RowOf() {
-    static const SettingRow& row = RowAt(Field<table, field>);
+    static const SettingRow& row = RowAt(EntryField<table, field>);
     return row;
 }
 // Keys that follow from the data location, with no member of their own.

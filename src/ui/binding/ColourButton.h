@@ -16,11 +16,11 @@ public:
     qint32 colour() const { return colour_; }
     void setColour(qint32 colour);
 
-signals:
-    void colourChanged(qint32 colour);
-
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
+
+signals:
+    void colourChanged(qint32 colour);
 
 protected:
     void changeEvent(QEvent* event) override;
