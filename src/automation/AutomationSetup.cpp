@@ -1,11 +1,11 @@
 #include "automation/AutomationSetup.h"
 
 #include "automation/SettingWords.h"
-#include "core/settings/Settings.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/SettingsLoader.h"
-#include "core/settings/SettingsTable.h"
 #include "core/text/Numbers.h"
-#include "platform/profile/ProfileFile.h"
+
+#include <vector>
 
 namespace tolvex {
 
@@ -18,29 +18,36 @@ constexpr const char* requestModes[] = {"only request control when told to by th
                                         "constantly request control silently.",
                                         "attempt to gain control anyway."};
 
-using S = Settings;
-constexpr AutomationKey keys[] = {
-    {"DefaultDatabase", "lblKOVADatabaseFName", &S::DefaultDatabase},
-    {"GenerateAdvertRecFiles", "chkGenerateAdvertRecFiles", &S::GenerateAdvertRecFiles, {}, true},
-    {"LogWhenStationController", "chkLogWhenStationController", &S::LogWhenStationController, {}, true},
-    {"DisplayInstantCarts", "comboKOVAICMode", &S::DisplayInstantCarts, cartModes},
-    {"AllowControl", "chkAllowControl", &S::AllowControl, {}, true},
-    {"ReleaseMode", "comboReleaseControl", &S::ReleaseMode, releaseModes},
-    {"ReleaseTime", "txtReleaseTime", &S::ReleaseTime},
-    {"RequestMode", "comboRequestMode", &S::RequestMode, requestModes},
-    {"GetControlKLogStart", "chkGetControlKLogStart", &S::GetControlKLogStart, {}, true},
-};
+template<auto member>
+AutomationKey keyOf(std::span<const char* const> words = {}) {
+    const SettingRow& row = RowOf<member>();
+    return {row.key, row.control, member, words, row.kind == SettingKind::Flag, &row};
+}
 
-const QString Section = QStringLiteral("KOVA");
+const std::vector<AutomationKey>& keys() {
+    using S = Settings;
+    static const std::vector<AutomationKey> all = {
+        keyOf<&S::DefaultDatabase>(),
+        keyOf<&S::GenerateAdvertRecFiles>(),
+        keyOf<&S::LogWhenStationController>(),
+        keyOf<&S::DisplayInstantCarts>(cartModes),
+        keyOf<&S::AllowControl>(),
+        keyOf<&S::ReleaseMode>(releaseModes),
+        keyOf<&S::ReleaseTime>(),
+        keyOf<&S::RequestMode>(requestModes),
+        keyOf<&S::GetControlKLogStart>(),
+    };
+    return all;
+}
 
 } // namespace
 
 std::span<const AutomationKey> AutomationKeys() {
-    return keys;
+    return keys();
 }
 
 const AutomationKey* FindAutomationKey(const QString& key) {
-    for (const AutomationKey& row : keys)
+    for (const AutomationKey& row : keys())
         if (key.compare(QLatin1String(row.key), Qt::CaseInsensitive) == 0)
             return &row;
     return nullptr;
@@ -97,11 +104,8 @@ QVariant ParseAutomationKey(const AutomationKey& key, const QString& text, QStri
 
 int StoreAutomationSetup(Settings& settings) {
     platform::ProfileBatch batch(settings.LocalIniFile);
-    for (const AutomationKey& key : keys) {
-        const SettingPlace place = FindSetting(Section, QLatin1String(key.key));
-        batch.put(Section, QLatin1String(key.key),
-                  StoredText(*place.row, 0, settings).value_or(QStringLiteral("")));
-    }
+    for (const AutomationKey& key : keys())
+        PutSettingText(batch, *key.row, StoredText(*key.row, 0, settings).value_or(QStringLiteral("")));
     return batch.commit();
 }
 

@@ -11,6 +11,7 @@
 namespace tolvex {
 
 struct Settings;
+struct SettingRow;
 
 struct AutomationKey {
     using Member = std::variant<qint16 Settings::*, qint32 Settings::*, QString Settings::*>;
@@ -20,6 +21,7 @@ struct AutomationKey {
     Member member;
     std::span<const char* const> words = {}; // of a list, by the stored number
     bool isFlag = false;
+    const SettingRow* row = nullptr; // of the settings table
 };
 
 // In the order of writing.
