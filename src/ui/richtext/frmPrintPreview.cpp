@@ -56,14 +56,6 @@ frmPrintPreview::frmPrintPreview(QWidget* parent)
 
 frmPrintPreview::~frmPrintPreview() = default;
 
-void frmPrintPreview::SetFloater() {
-    setWindowFlag(Qt::WindowStaysOnTopHint, true);
-}
-
-void frmPrintPreview::SetNonFloater() {
-    setWindowFlag(Qt::WindowStaysOnTopHint, false);
-}
-
 void frmPrintPreview::DisplayFolder(const QString& folder, const QString& extension) {
     folder_ = folder;
     extension_ = extension;

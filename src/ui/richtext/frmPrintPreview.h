@@ -19,9 +19,6 @@ public:
     explicit frmPrintPreview(QWidget* parent = nullptr);
     ~frmPrintPreview() override;
 
-    // Above all other windows, and back.
-    void SetFloater();
-    void SetNonFloater();
     // Lists the files of a folder (a Windows path) with an extension, by their names without it, and shows
     // the first.
     void DisplayFolder(const QString& folder, const QString& extension);

@@ -16,10 +16,6 @@ void EnterForm(QWidget* form) {
         forms.append(form);
 }
 
-void LeaveForm(QWidget* form) {
-    forms.removeAll(form);
-}
-
 QList<QWidget*> OpenForms() {
     QList<QWidget*> open;
     forms.removeAll(nullptr);

@@ -10,7 +10,6 @@ namespace tolvex {
 
 // Entered at opening; leaves by itself when the form is destroyed. Entering twice changes nothing.
 void EnterForm(QWidget* form);
-void LeaveForm(QWidget* form);
 QList<QWidget*> OpenForms();
 
 } // namespace tolvex

@@ -202,10 +202,6 @@ const Tokens& tokens() {
     return TokensOf(inForce);
 }
 
-Scheme currentScheme() {
-    return inForce;
-}
-
 Scheme DesktopScheme(const QApplication& application) {
     const QPalette palette = application.palette();
     return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness()

@@ -32,7 +32,6 @@ enum class Scheme { Light, Dark };
 const Tokens& TokensOf(Scheme scheme);
 // The tokens in force.
 const Tokens& tokens();
-Scheme currentScheme();
 
 // The desktop's scheme, read from the palette it gave the program before a style was applied.
 Scheme DesktopScheme(const QApplication& application);
