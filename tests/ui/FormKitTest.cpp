@@ -10,6 +10,7 @@
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormBinding.h"
 #include "ui/binding/FormChanges.h"
+#include "ui/binding/SettingBinding.h"
 #include "ui/richtext/PrintDocument.h"
 #include "ui/style/TextBoxes.h"
 
@@ -188,6 +189,31 @@ TEST(FormBinding, NamesTheFirstNumberThatDoesNotFit) {
     EXPECT_EQ(binding.wrong()->message, "\"txtWord\" must be a number from -32768 to 32767");
     form.get<QLineEdit>("txtWord")->setEnabled(false);
     EXPECT_EQ(binding.wrong()->control, form.get<QLineEdit>("txtSeconds"));
+}
+
+// The settings bring their rows; those that their form fills in a way of its own are left to it.
+TEST(SettingBinding, BindsTheRowsThatNameTheFormAndItsControl) {
+    QWidget form;
+    form.setObjectName("frmDateTimeSetup");
+    auto* port = new QComboBox(&form);
+    port->setObjectName("comboRadioClock");
+    port->addItems({"none", "1", "2"});
+    Settings settings;
+    settings.RadioClockComPort = 2;
+    FormBinding binding(&form);
+    BindSettings(binding, &form, settings);
+    binding.fill();
+    EXPECT_EQ(port->currentIndex(), 2);
+    EXPECT_TRUE(port->toolTip().contains("radio clock"));
+    port->setCurrentIndex(1);
+    binding.take();
+    EXPECT_EQ(settings.RadioClockComPort, 1);
+
+    QWidget other;
+    other.setObjectName("frmFileLocations");
+    FormBinding none(&other);
+    BindSettings(none, &other, settings);
+    EXPECT_FALSE(none.changed());
 }
 
 TEST(EnableRules, SayWhyAControlCannotBeUsedAndFollowTheForm) {
