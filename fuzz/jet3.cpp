@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::abort();
         });
     } catch (const Error&) {
-        // what is no such file, or has no catalogue, is answered with
+        // a file of another kind, or one without a catalogue, is answered with
     }
     return 0;
 }

@@ -20,7 +20,7 @@ namespace {
 
 using namespace jet;
 
-// The longest file looked at; what is longer tells nothing new.
+// The longest file looked at; longer ones find nothing new.
 constexpr std::size_t longest = 100 * PageSize;
 
 class MemoryFile final : public StorageFile {

@@ -1,7 +1,7 @@
 // Whole databases of the suite, damaged, as start-up, validation, the users database, the automation settings
 // and compaction meet them: each ends with an answer or an error, and what compaction makes has no fault. The
 // first byte of an input says which database and which routines; then come damages of four bytes: a page,
-// where in it (of its first 256 bytes in steps of one, behind that of sixteen), and what stands there.
+// where in it (of its first 256 bytes in steps of one, after that of sixteen), and what stands there.
 #include "Require.h"
 
 #include "automation/AutomationSchema.h"

@@ -254,7 +254,7 @@ void Recordset::move(Step step, Place end, Place otherEnd, Step enter) {
         try {
             loadRow();
         } catch (const Error&) {
-            // Told when a value is asked for: one can walk on behind a damaged row.
+            // Told when a value is asked for: one can walk on after a damaged row.
         }
     }
 }

@@ -60,13 +60,13 @@ public:
     const std::u16string& index() const { return indexName_; }
     // Goes to the first row (Less and LessOrEqual: the last row), in the order of the index, whose key
     // compares so with the given values; fewer values than the index has fields compare the leading ones. If
-    // there is none noMatch() is true and no row is current. In a descending index "greater" means behind.
+    // there is none noMatch() is true and no row is current. In a descending index "greater" means after.
     // Throws NoIndexSet, TypeConversion. Cost: one page for each level of the index.
     void seek(SeekComparison comparison, std::span<const Value> values);
     void seek(SeekComparison comparison, const Value& value) { seek(comparison, {&value, 1}); }
 
     // Goes to the first, last, next or previous row, from the current one, for which a predicate holds (what
-    // may stand behind WHERE). If there is none noMatch() is true and the current row stays. Throws what
+    // may follow WHERE). If there is none noMatch() is true and the current row stays. Throws what
     // parsing and evaluating the predicate throw. Cost: one row after the other is looked at.
     void findFirst(std::u16string_view predicate);
     void findLast(std::u16string_view predicate);

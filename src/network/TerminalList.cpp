@@ -107,7 +107,7 @@ bool IsOnComputer(const TerminalRecord& record, const QString& computerName) {
 QDateTime TerminalRecord::lastUsed() const {
     if (LastUsedDay < 1 || LastUsedDay >= lastShownDay)
         return {};
-    // Anything that is no time of a day counts as midnight.
+    // Anything but a time of day counts as midnight.
     const bool valid = LastUsedSeconds >= 0 && LastUsedSeconds < secondsOfDay;
     const int milliseconds = valid ? std::min(qRound(LastUsedSeconds * 1000.0), secondsOfDay * 1000 - 1) : 0;
     return QDateTime(FromSerialDate(LastUsedDay).date(), QTime::fromMSecsSinceStartOfDay(milliseconds));

@@ -26,7 +26,7 @@ public:
         prompts().processEvents();
         for (;;) {
             const double left = seconds - Seconds(std::chrono::steady_clock::now() - begin).count();
-            if (!(left > 0)) // also for what is not a number
+            if (!(left > 0)) // NaN, too
                 return;
             std::this_thread::sleep_for(Seconds(std::min(left, restSeconds)));
             prompts().processEvents();

@@ -57,7 +57,7 @@ TEST_F(Ctl, AFileThatNoDriveLeadsToIsAnErrorInWords) {
                                      {"db", "info", ""}})
         EXPECT_EQ(run(words).err, "The name of a file is expected, not an empty text.\n")
             << words.join(' ').toStdString();
-    // A name on a server is no file.
+    // A name on a server does not name a file.
     EXPECT_FALSE(
         run({"db", "info", "LOG", "--connect", "DRIVER={No Such Driver}"}).err.contains("No drive leads"));
     EXPECT_EQ(run({"--ini", "TOLVEX.INI", "settings", "get", "Display", "ShowClock"}).out, "0\n");

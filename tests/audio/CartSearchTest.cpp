@@ -190,7 +190,7 @@ TEST_F(CartSearchTest, OnlyTheFirstTenThousandBytesOfNotesCount) {
     writeNotes(1, QByteArray(9996, '.') + "WORD");
     writeNotes(2, QByteArray(9997, '.') + "word");
     writeNotes(3, QByteArray("\0{\\rtf word", 11), ".TXT");
-    // Rich text is the notes, even where it cannot be read; a folder of that name is no file.
+    // Rich text is the notes, even where it cannot be read; a folder of that name is not read.
     writeNotes(4, "word", ".TXT");
     CartQuery query{.text = "Word", .notes = true};
     EXPECT_EQ(find(query), (QList<qint32>{1, 3, 4}));

@@ -404,7 +404,7 @@ TEST_F(SettingsImport, AnImportAtWorkIsNotTakenForAnInterruptedOne) {
         EXPECT_TRUE(b.exists(record));
     }
     EXPECT_TRUE(ImportWasInterrupted(ini));
-    // What is no record says nothing about any file; it stays for whoever can read it.
+    // A file that is not a record of ours stays for whoever can read it.
     b.write(record, "?");
     EXPECT_TRUE(UndoInterruptedImport(ini).contains("TOLVEX.INI.import names the files"))
         << UndoInterruptedImport(ini).toStdString();

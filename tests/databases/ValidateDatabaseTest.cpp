@@ -188,6 +188,9 @@ TEST_F(ValidateDatabaseTest, BringsTablesUpToDateAndKeepsTheRest) {
         EXPECT_TRUE(texts()[1].startsWith("There was a problem adding the index 'Bad' to the Songs table"));
         EXPECT_EQ(database->table("Songs")->fields, (QStringList{"Title", "Mine", "Number", "Notes", "Any"}));
         EXPECT_EQ(database->table("Songs")->indexes, QStringList{"ByTitle"});
+        // One that is there does not keep those after it from being added.
+        EXPECT_EQ(CheckTable(*database, {"Songs", {}, {{"ByTitle", {"Title"}}, {"ByNotes", {"Any"}}}}), 0);
+        EXPECT_EQ(database->table("Songs")->indexes, (QStringList{"ByNotes", "ByTitle"}));
         auto rows = database->open("Songs", RecordsetMode::Table);
         EXPECT_EQ(rows->size("Title"), 10);
         EXPECT_EQ(rows->size("Any"), 255);

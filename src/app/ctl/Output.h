@@ -39,7 +39,7 @@ public:
     void record(const QJsonObject& record, const Columns& columns);
     // One value: people see it alone, as it is.
     void value(const char* key, const QJsonValue& value);
-    // A line of text that is no record, as it is. Several JSON documents make no document: only commands that
+    // A line of text outside records, as it is. Several JSON documents make no document: only commands that
     // say that they write one document a line use it with --json.
     void line(const QByteArray& text);
     // A line about something that has just happened, for whoever follows it: it is written at once.

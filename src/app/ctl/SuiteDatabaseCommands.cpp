@@ -62,7 +62,7 @@ int missing(const Call& call) {
     return call.no(QStringLiteral("There is no database %1.").arg(fileOf(call)));
 }
 
-// The number that --type gives. False when it is no number.
+// The number that --type gives. False when it is not a number.
 bool typeGiven(const Call& call, qint32* type) {
     bool good = false;
     *type = call.option("--type").toInt(&good);

@@ -99,7 +99,7 @@ Answer TerminalPrompts::ask(const platform::Message& message) {
         lastMessage_ = message.text;
         return buttons[0].answer;
     }
-    // The button for No is the second one, be it No or Cancel.
+    // The second button stands for No, whether it says No or Cancel.
     if (answers_ != Answers::Ask)
         return buttons[answers_ == Answers::Yes ? 0 : 1].answer;
     const Answer byDefault = message.defaultAnswer.value_or(buttons[0].answer);
@@ -135,7 +135,7 @@ std::optional<QString> TerminalPrompts::path(const QString& prompt, const QStrin
 }
 
 std::optional<QString> TerminalPrompts::pickFile(const platform::FileQuestion& question) {
-    // A pattern is no file to begin with.
+    // A pattern does not name a file to begin with.
     const QString start = question.fileName.contains(u'*') ? QString() : question.fileName;
     std::optional<QString> given = path(question.title, start);
     while (given && question.mustExist && !platform::FileExists(*given)) {

@@ -29,7 +29,7 @@ public:
     void openAddress(const QString& address) override;
     void processEvents() override;
 
-    // The message that was shown last, one that is no question.
+    // The message that was shown last, questions aside.
     const QString& lastMessage() const { return lastMessage_; }
 
 private:

@@ -84,7 +84,7 @@ QString iniText(const SettingRow& row, int index, const QString& file, QString f
 }
 
 // A date is written with a 24-hour clock, so what other programs put behind it counts for nothing. A text
-// that is no date leaves the value as it is.
+// that is not a date leaves the value as it is.
 void putDate(const SettingRef& ref, const QString& text) {
     const QString plain = text.toUpper().remove(QStringLiteral("AM")).remove(QStringLiteral("PM"));
     if (const std::optional<double> date = ParseDate(plain))

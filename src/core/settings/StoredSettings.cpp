@@ -198,7 +198,7 @@ QString ProfileErrorText(int error, const QString& file) {
         reason = "the disk is full";
         break;
     case platform::ProfileInvalidName:
-        reason = "that is no name of a file";
+        reason = "that is not the name of a file";
         break;
     default:
         break;

@@ -5,7 +5,7 @@
 
 namespace tolvex {
 
-// The part behind the last separator; the whole path when it has none.
+// The part after the last separator; the whole path when it has none.
 QString FileNameOf(const QString& path);
 
 // The text before the last point, if no separator follows it; else the whole path.

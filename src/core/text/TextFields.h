@@ -18,7 +18,7 @@ enum class CharacterClass {
 bool ValidateCharacters(const QString& text, CharacterClass allowed);
 
 // The field of `text` that begins at `start` (from 1) and runs to the next separator. With `skipLeading` it
-// begins at the first character from there that is no blank. *position gets the separator's position, or 0
+// begins at the first character from there that is not a blank. *position gets the separator's position, or 0
 // when the text ended first. With `trim` the field is trimmed. Empty when nothing is left to read.
 QString TextField(const QString& text, qsizetype start, QChar separator, qsizetype* position = nullptr,
                   bool trim = true, bool skipLeading = false);
@@ -27,7 +27,7 @@ QString TextField(const QString& text, qsizetype start, QChar separator, qsizety
 // upper case is two characters or lies outside code page 1252 stays as it is.
 QString UpperCased(QString text);
 
-// The value of a switch of the command line: the text behind its first match up to the next blank, trimmed.
+// The value of a switch of the command line: the text after its first match up to the next blank, trimmed.
 // Null when the switch is not there. Switches are upper-case, as the command line is.
 QString SwitchValue(const QString& commandLine, const QString& name);
 

@@ -19,7 +19,7 @@ QString DateText(const QDateTime& time);
 QString ShortDate(const QDate& date);
 
 // A date with or without a time, in any case and with any blanks: "5 mar 2024 22:10:00", "2024-03-05",
-// "05/03/2024 22:10" (the day stands first). Nothing when the text is no date; a bare number is none.
+// "05/03/2024 22:10" (the day stands first). Nothing for anything else, a bare number among it.
 std::optional<double> ParseDate(const QString& text);
 
 } // namespace tolvex

@@ -120,7 +120,7 @@ void OdbcConnection::end(SQLSMALLINT how) {
     try {
         setAutomaticCommit(true);
     } catch (const DatabaseError&) {
-        lost_ = true; // the transaction has ended as it was to; the connection is of no more use
+        lost_ = true; // the transaction has ended as it was to; the connection cannot be used any more
     }
 }
 

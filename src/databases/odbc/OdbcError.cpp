@@ -19,8 +19,8 @@ constexpr struct {
     {208, static_cast<int>(ErrorNumber::TableNotFound)},  // invalid object name
     {229, NoPermissionOnServer},                          // on an object
     {230, NoPermissionOnServer},                          // on a column
-    {241, static_cast<int>(ErrorNumber::TypeConversion)}, // text that is no date
-    {245, static_cast<int>(ErrorNumber::TypeConversion)}, // text that is no number
+    {241, static_cast<int>(ErrorNumber::TypeConversion)}, // text that is not a date
+    {245, static_cast<int>(ErrorNumber::TypeConversion)}, // text that is not a number
     {515, static_cast<int>(ErrorNumber::RequiredFieldEmpty)},
     {1205, static_cast<int>(ErrorNumber::RecordLocked)},   // chosen to end a deadlock
     {1222, static_cast<int>(ErrorNumber::RecordLocked)},   // waited too long for a lock

@@ -122,7 +122,7 @@ public:
     // notice of what others have written. Other users of this engine need no refresh to see what is
     // committed.
     virtual void refresh() = 0;
-    // Brings everything into the file; the object is of no more use.
+    // Brings everything into the file; the object can only be destroyed afterwards.
     virtual void close() = 0;
 };
 

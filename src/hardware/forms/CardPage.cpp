@@ -133,7 +133,7 @@ void CardPage::showLines(DriverReports& reports) {
     emit edited();
 }
 
-// A choice that Apply would refuse, or a device that says nothing, is told at the field.
+// A choice that Apply would refuse, or a device that does not answer, is told at the field.
 void CardPage::markAddress() {
     const CardTypeRow* row = FindCardType(selectedType());
     const bool address = row && row->usesAddress;

@@ -35,7 +35,7 @@ enum class ErrorNumber : int {
     RecordLocked = 3260,     // locked by another user
     FileLocked = 3356,       // database opened by another user, cannot be used exclusively
     SyntaxError = 3075,      // in a query expression
-    UnknownField = 3061,     // too few parameters: a name that is no field
+    UnknownField = 3061,     // too few parameters: the name of no field
     DataTypeMismatch = 3464, // in criteria expression
     TypeConversion = 3421,
     FileNotFound = 3024,

@@ -183,8 +183,8 @@ void ExternalSort::add(KeyView key, RowPointer row) {
     ++size_;
 }
 
-// Keys of one index often begin alike; what they have in common says nothing about their order, so the heads
-// are taken from behind it.
+// Keys of one index often begin alike; what they have in common does not order them, so the heads are taken
+// after it.
 void ExternalSort::sortPlaces() {
     if (inOrder_)
         return;

@@ -30,7 +30,7 @@ bool IndexCursor::take(const std::uint8_t* leaf, PageNumber number, int offset) 
     return valid_ = true;
 }
 
-// Takes the entry at a place of a leaf, or the first one of the leaves behind it. `ascending`: the walk comes
+// Takes the entry at a place of a leaf, or the first one of the leaves after it. `ascending`: the walk comes
 // from an entry and must get to one above it, so that a walk in a circle ends.
 bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
     const std::uint8_t* leaf = page(number);

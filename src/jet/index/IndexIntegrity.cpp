@@ -98,7 +98,7 @@ private:
         edge = {number, head.next};
     }
 
-    // Marks in order, none behind the last entry, and entries of a possible length.
+    // Marks in order, none after the last entry, and entries of a possible length.
     bool checkMarks(PageNumber number, const std::uint8_t* page) {
         if (CountMarks(page) != CountEntries(page)) {
             fault(number, "has marks where no index entry ends");

@@ -83,7 +83,7 @@ constexpr std::uint64_t bitsUpTo(int bit) {
     return ~std::uint64_t{0} >> (63 - static_cast<unsigned>(bit) % 64);
 }
 
-// Moves all marks behind `from` up by `by`; `last`: the highest mark.
+// Moves all marks after `from` up by `by`; `last`: the highest mark.
 void moveMarksUp(std::uint8_t* page, int from, int last, int by) {
     const int first = (from + 1) / 64;
     const std::uint64_t moving = bitsFrom(from + 1);
@@ -105,7 +105,7 @@ void moveMarksUp(std::uint8_t* page, int from, int last, int by) {
     setMaskWord(page, static_cast<unsigned>(first), staying | (words == 0 ? source(first) << bits : 0));
 }
 
-// Moves all marks behind `from` down by `by`, over the marks in between; `last`: the highest mark.
+// Moves all marks after `from` down by `by`, over the marks in between; `last`: the highest mark.
 void moveMarksDown(std::uint8_t* page, int from, int last, int by) {
     const int first = (from - by + 1) / 64; // the lowest word that changes
     const int start = (from + 1) / 64;

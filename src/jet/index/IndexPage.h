@@ -4,7 +4,7 @@
 // The bytes that all entries of a page begin with may be stored once, as the start of the first entry: the
 // prefix. What follows the prefix is then, for every entry alike, the entry without the prefix. All offsets
 // here are offsets of such rests, counted from the start of the entry bytes; the first one lies at
-// prefix(page), and used(page) is behind the last one. A mark in the mask stands where a rest ends. Finding,
+// prefix(page), and used(page) is after the last one. A mark in the mask stands where a rest ends. Finding,
 // adding and removing an entry work on these bytes in place.
 #pragma once
 
@@ -71,7 +71,7 @@ void SetPrevious(std::uint8_t* page, PageNumber previous);
 void SetTail(std::uint8_t* page, PageNumber tail);
 
 // What makes the routines below safe: kind and owner of the page, its free bytes, its prefix and the mark
-// behind its last entry. Throws ReadVerification.
+// after its last entry. Throws ReadVerification.
 void Check(const std::uint8_t* page, PageNumber number, PageNumber table);
 
 int Prefix(const std::uint8_t* page);

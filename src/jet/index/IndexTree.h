@@ -71,7 +71,7 @@ public:
     bool first();
     bool last();
     // The first entry whose key is not below `key`; with a key of leading columns: the first that begins with
-    // it or comes behind.
+    // it or comes after.
     bool seekFrom(KeyView key);
     // The first entry whose key is above `key` and does not begin with it.
     bool seekPast(KeyView key);

@@ -69,7 +69,7 @@ void appendCode(bool ascending, Unsigned order, Bytes& into) {
     into.insert(into.end(), bytes, bytes + sizeof bytes);
 }
 
-// Makes the code of a text out of its ascending key, which was appended behind a mark at `start`.
+// Makes the code of a text out of its ascending key, which was appended after a mark at `start`.
 void finishText(bool ascending, std::size_t start, Bytes& into) {
     if (ascending)
         return;

@@ -17,7 +17,7 @@ inline constexpr std::size_t MaximumKeyLength = 1800;
 // other programs' own), for a number that is none, or for a text that cannot be ordered (Collation.h).
 void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into);
 
-// Appends what the codes of all texts that begin with this one, in whatever case, have in common behind their
+// Appends what the codes of all texts that begin with this one, in whatever case, have in common after their
 // first byte.
 void AppendTextStart(bool ascending, std::u16string_view text, Bytes& into);
 

@@ -13,7 +13,7 @@ namespace jet {
 // definition stays as it is.
 void RepairDefinition(TableDefinition& definition, const std::function<void(const std::string&)>& lost);
 
-// Names for things that have those of others: with a number behind, which is another one each time, so that
+// Names for things that have those of others: with a number appended, which is another one each time, so that
 // few are tried.
 class NamesBeside {
 public:

@@ -2,10 +2,8 @@
 
 #include "jet/base/Damage.h"
 #include "jet/page/UsageMap.h"
-#include "jet/pager/LoggedFile.h"
+#include "jet/pager/FileUser.h"
 #include "jet/pager/Savepoints.h"
-#include "jet/pager/Sharing.h"
-#include "jet/pager/Swap.h"
 
 #include <algorithm>
 #include <array>
@@ -21,38 +19,15 @@ constexpr std::size_t LeastCache = 256;
 constexpr std::size_t RecentEdits = 16;
 // How long a commit waits for readers to let it empty a log that has become long; it tries again at the next.
 constexpr Sharing::Wait BriefWait{20};
-constexpr std::chrono::seconds ForeignUserCheck{1};
-
-std::string whyReadOnly(const OpenOptions& options, bool writable, const PageZero& header) {
-    if (options.readOnly)
-        return "opened for reading only";
-    if (!writable)
-        return "the file may not be written";
-    if (header.databaseKey != 0)
-        return "the file is encrypted";
-    if (!header.hasKnownOrder())
-        return "the file is in a sort order other than General";
-    if (!header.cleanlyClosed)
-        return "a program died while it wrote to the file: compact and repair it first";
-    return {};
-}
 
 } // namespace
 
 struct FilePager::Impl {
-    Impl(FilePager& pager, Storage& storageUsed, const std::string& databasePath, const OpenOptions& wanted)
-        : storage(storageUsed)
-        , path(databasePath)
-        , options(wanted)
-        , cache(std::max(wanted.cachePages, LeastCache))
-        // Only a file that is open for writing can be locked against all others.
-        , stored(storageUsed, databasePath, cache, wanted.readOnly && !wanted.exclusive)
-        , free(pager, stored.header().freeMap)
-        , readOnlyReason(whyReadOnly(wanted, stored.isWritable(), stored.header())) {}
-
-    bool open();
-    void settleSwap() const;
-    void takeOverLog(Sharing::Others others);
+    Impl(FilePager& pager, Storage& storage, const std::string& path, const OpenOptions& options)
+        : logPages(options.logPages)
+        , cache(std::max(options.cachePages, LeastCache))
+        , user(storage, path, options, cache)
+        , free(pager, user.file().header().freeMap) {}
 
     PageCache::Frame& load(PageNumber page);
     PageCache::Frame& frameOf(PageNumber page);
@@ -61,9 +36,8 @@ struct FilePager::Impl {
     PageNumber append();
     void spill();
 
-    void checkOpen() const;
-    void enter();
-    void leave() noexcept;
+    void beginOperation();
+    void endOperation() noexcept;
     void takeNews();
     void forgetDerived();
     void cutTo(PageNumber pages);
@@ -71,24 +45,16 @@ struct FilePager::Impl {
     void rollbackOutermost() noexcept;
     void restore(const Savepoints::Level& level);
     void endOutermost() noexcept;
-    bool checkpoint(Sharing::Wait wait);
-    void close();
-    void leaveFile(bool last);
 
-    Storage& storage;
-    std::string path;
-    OpenOptions options;
+    std::size_t logPages;
     PageCache cache;
-    LoggedFile stored;
+    FileUser user;
+    LoggedFile& stored = user.file();
     FreeMap free;
-    std::string readOnlyReason;
-    std::unique_ptr<Sharing> sharing;
-    bool closed = false;
 
     bool ready = false; // pages may be read without asking for others' changes
     int readDepth = 0;
     std::uint64_t version = 1;
-    std::chrono::steady_clock::time_point foreignChecked{};
 
     Savepoints changes;
     PageNumber pagesBefore = 0; // as the transaction began
@@ -96,65 +62,7 @@ struct FilePager::Impl {
     std::size_t edits = 0;
 };
 
-// ---- Opening
-
-// False: the file was replaced before this user was in, by one that is to be opened in its place.
-bool FilePager::Impl::open() {
-    const PageZero& header = stored.header();
-    if (!header.password.empty() && header.password != options.password)
-        throw Error(ErrorNumber::InvalidPassword, path);
-    sharing = std::make_unique<Sharing>(storage, stored.file(), path, stored.isWritable(), options.lockWait);
-    const Sharing::Others others = sharing->join(options.exclusive);
-    stored.setShared(!sharing->isExclusive());
-    try {
-        if (!stored.file().isNow(path)) {
-            closed = true;
-            sharing->finishLeaving(!others.any);
-            return false;
-        }
-        if (!others.any && stored.isWritable())
-            settleSwap();
-        takeOverLog(others);
-        sharing->joined();
-    } catch (...) {
-        sharing->finishLeaving(!others.any);
-        throw;
-    }
-    ready = sharing->isExclusive();
-    return true;
-}
-
-void FilePager::Impl::settleSwap() const {
-    try {
-        Swap::settle(storage, path);
-    } catch (const Error&) {
-        // What a dead process left beside the file takes room and does no harm.
-    }
-}
-
-void FilePager::Impl::takeOverLog(Sharing::Others others) {
-    stored.countPages();
-    // A log that others write to is read under the locks of the first operation.
-    if (others.writers || !stored.recoverLog() || !stored.isWritable())
-        return;
-    try {
-        if (others.any)
-            stored.publishLog();
-        else
-            stored.retireLog();
-    } catch (const Error&) {
-        if (others.any)
-            throw;
-        // No room, say. The log stays in use, and nothing is lost.
-    }
-}
-
 // ---- Reading
-
-void FilePager::Impl::checkOpen() const {
-    if (closed)
-        throw Error(ErrorNumber::InvalidArgument, path + ": closed");
-}
 
 // Pages may be others than they were.
 void FilePager::Impl::forgetDerived() {
@@ -163,7 +71,7 @@ void FilePager::Impl::forgetDerived() {
 }
 
 void FilePager::Impl::takeNews() {
-    if (sharing->isExclusive())
+    if (user.isAlone())
         return;
     const LoggedFile::News news = stored.takeNews([this](PageNumber page) { cache.drop(page); });
     if (news == LoggedFile::News::Everything)
@@ -172,22 +80,22 @@ void FilePager::Impl::takeNews() {
         forgetDerived();
 }
 
-void FilePager::Impl::enter() {
-    checkOpen();
-    sharing->lockReading();
+void FilePager::Impl::beginOperation() {
+    user.checkHere();
+    user.sharing().lockReading();
     try {
         takeNews();
     } catch (...) {
         if (readDepth == 0)
-            sharing->unlockReading();
+            user.sharing().unlockReading();
         throw;
     }
     ready = true;
 }
 
-void FilePager::Impl::leave() noexcept {
-    sharing->unlockReading();
-    ready = sharing->isExclusive();
+void FilePager::Impl::endOperation() noexcept {
+    user.sharing().unlockReading();
+    ready = user.isAlone();
 }
 
 PageCache::Frame& FilePager::Impl::load(PageNumber page) {
@@ -221,13 +129,13 @@ const std::uint8_t* FilePager::read(PageNumber page) {
 
 void FilePager::beginReading() {
     if (impl_->readDepth == 0 && impl_->changes.depth() == 0)
-        impl_->enter();
+        impl_->beginOperation();
     ++impl_->readDepth;
 }
 
 void FilePager::endReading() noexcept {
     if (--impl_->readDepth == 0 && impl_->changes.depth() == 0)
-        impl_->leave();
+        impl_->endOperation();
 }
 
 // ---- Changing
@@ -303,25 +211,20 @@ void FilePager::beginChange(bool undoable) {
         d.changes.begin(undoable, d.version, d.stored.pages());
         return;
     }
-    d.checkOpen();
-    if (!d.readOnlyReason.empty())
-        throw Error(ErrorNumber::CannotUpdateReadOnly, d.path + ": " + d.readOnlyReason);
-    if (!d.sharing->lockWriting())
-        throw Error(ErrorNumber::RecordLocked, d.path + ": another user's transaction is running");
+    d.user.checkHere();
+    d.user.checkWritable();
+    d.user.lockWriting();
     try {
-        d.enter(); // inside a Reading, too: a change begins at the newest state
-        const auto now = std::chrono::steady_clock::now();
-        if (!d.sharing->isExclusive() && now - d.foreignChecked > ForeignUserCheck) {
-            if (d.sharing->hasForeignUsers()) {
-                if (d.readDepth == 0)
-                    d.leave();
-                throw Error(ErrorNumber::FileLocked,
-                            d.path + ": open in a program that does not know the write-ahead log");
-            }
-            d.foreignChecked = now;
+        d.beginOperation(); // inside a Reading, too: a change begins at the newest state
+        try {
+            d.user.refuseForeignUsers();
+        } catch (...) {
+            if (d.readDepth == 0)
+                d.endOperation();
+            throw;
         }
     } catch (...) {
-        d.sharing->unlockWriting();
+        d.user.sharing().unlockWriting();
         throw;
     }
     d.pagesBefore = d.stored.pages();
@@ -400,8 +303,8 @@ void FilePager::Impl::commitOutermost() {
     }
     changes.clear();
     try {
-        if (stored.logLength() >= options.logPages)
-            checkpoint(BriefWait);
+        if (stored.logLength() >= logPages)
+            user.checkpoint(BriefWait);
     } catch (const Error&) {
         // The transaction is in the log; a later commit tries again, and flush() says what is wrong.
     }
@@ -419,41 +322,24 @@ void FilePager::Impl::rollbackOutermost() noexcept {
 void FilePager::Impl::endOutermost() noexcept {
     recent.fill(nullptr);
     if (readDepth == 0)
-        leave();
-    sharing->unlockWriting();
+        endOperation();
+    user.sharing().unlockWriting();
 }
 
-// ---- Bringing the log into the file
-
-// The caller holds the writing lock, and no change is running. False: others are reading.
-bool FilePager::Impl::checkpoint(Sharing::Wait wait) {
-    if (stored.logLength() == 0)
-        return true;
-    if (!sharing->lockPages(wait))
-        return false;
-    try {
-        stored.emptyLog();
-    } catch (...) {
-        sharing->lockReading();
-        throw;
-    }
-    sharing->lockReading();
-    return true;
-}
+// ---- The file as a whole
 
 void FilePager::flush() {
     Impl& d = *impl_;
-    d.checkOpen();
+    d.user.checkHere();
     if (d.changes.depth() > 0)
         throw Error(ErrorNumber::InvalidArgument, "flush inside a transaction");
-    if (!d.readOnlyReason.empty())
+    if (!d.user.readOnlyReason().empty())
         return;
-    if (!d.sharing->lockWriting())
-        throw Error(ErrorNumber::RecordLocked, d.path + ": another user's transaction is running");
+    d.user.lockWriting();
     try {
-        d.enter();
+        d.beginOperation();
         // When readers do not let the file be written, what is in the log survives as well.
-        if (!d.checkpoint(BriefWait))
+        if (!d.user.checkpoint(BriefWait))
             d.stored.flushLog();
     } catch (...) {
         d.endOutermost();
@@ -464,11 +350,11 @@ void FilePager::flush() {
 
 void FilePager::refresh() {
     Impl& d = *impl_;
-    d.checkOpen();
-    if (d.sharing->isExclusive() || d.changes.depth() > 0)
+    d.user.checkHere();
+    if (d.user.isAlone() || d.changes.depth() > 0)
         return;
     const Reading now(*this);
-    if (!d.sharing->hasForeignUsers())
+    if (!d.user.sharing().hasForeignUsers())
         return;
     d.cache.dropClean();
     d.forgetDerived();
@@ -476,78 +362,35 @@ void FilePager::refresh() {
 }
 
 bool FilePager::isHeldAlone() const {
-    return impl_->sharing->isExclusive();
+    return impl_->user.isAlone();
 }
 
 void FilePager::emptyLog() {
-    impl_->checkOpen();
-    if (impl_->sharing->isExclusive() && impl_->changes.depth() == 0)
+    impl_->user.checkHere();
+    if (impl_->user.isAlone() && impl_->changes.depth() == 0)
         impl_->stored.retireLog();
 }
-
-void FilePager::close() {
-    Impl& d = *impl_;
-    if (d.closed)
-        return;
-    while (d.changes.depth() > 0)
-        rollbackChange();
-    d.close();
-}
-
-void FilePager::Impl::close() {
-    std::exception_ptr failure;
-    bool last = false;
-    try {
-        last = sharing->leave();
-        leaveFile(last);
-    } catch (const Error&) {
-        failure = std::current_exception();
-    }
-    closed = true;
-    ready = false;
-    try {
-        sharing->finishLeaving(last);
-    } catch (const Error&) {
-        // The locks go with the file, and an old entry in the lock file tells nothing.
-    }
-    stored.closeFiles();
-    if (failure)
-        std::rethrow_exception(failure);
-}
-
-// Brings what is committed into the file as far as others allow it, and to the disk in any case. Throws only
-// what keeps that from being done.
-void FilePager::Impl::leaveFile(bool last) {
-    if (!stored.isWritable()) {
-        try {
-            if (last)
-                stored.removeEmptyLog();
-        } catch (const Error&) {
-            // Who may not write need not tidy up.
-        }
-    } else if (last) {
-        enter();
-        stored.retireLog();
-    } else if (readOnlyReason.empty()) {
-        try {
-            if (sharing->tryLockWriting()) {
-                enter();
-                checkpoint(BriefWait);
-            }
-        } catch (const Error&) {
-            // The others go on with the log; that it is on the disk is what counts.
-        }
-        if (!stored.isFlushed())
-            stored.flushLog();
-    }
-}
-
-// ---- The rest
 
 FilePager::FilePager(Storage& storage, const std::string& path, const OpenOptions& options) {
     do
         impl_ = std::make_unique<Impl>(*this, storage, path, options);
-    while (!impl_->open());
+    while (!impl_->user.enter());
+    impl_->ready = impl_->user.isAlone();
+}
+
+void FilePager::close() {
+    Impl& d = *impl_;
+    if (d.user.hasLeft())
+        return;
+    while (d.changes.depth() > 0)
+        rollbackChange();
+    try {
+        d.user.leave([&d] { d.beginOperation(); });
+    } catch (...) {
+        d.ready = false;
+        throw;
+    }
+    d.ready = false;
 }
 
 FilePager::~FilePager() {
@@ -563,7 +406,7 @@ const PageZero& FilePager::header() const {
 }
 
 const std::string& FilePager::readOnlyReason() const {
-    return impl_->readOnlyReason;
+    return impl_->user.readOnlyReason();
 }
 
 } // namespace jet

@@ -1,27 +1,17 @@
-// The pages of a database file on a Storage: a cache with a limit, transactions with a write-ahead log, and
-// sharing with other processes. docs/formats/jet.md states the protocol. Not for several threads.
+// The pages of a database file as its user (FileUser.h) reads and changes them: a cache with a limit, and
+// transactions that nest. Not for several threads.
 #pragma once
 
 #include "jet/base/Pager.h"
 #include "jet/page/PageZero.h"
+#include "jet/pager/OpenOptions.h"
 
-#include <chrono>
 #include <memory>
 #include <string>
 
 namespace jet {
 
 class Storage;
-
-struct OpenOptions {
-    bool readOnly = false;         // what a session left in the log is read, and stays there
-    bool exclusive = false;        // no other program may open the file; saves all checks for their changes
-    std::u16string password;       // of the database, if it has one
-    std::size_t cachePages = 4096; // limit of the page cache (at least 256); a transaction's pages count too
-    std::size_t logPages =
-        4096; // a write-ahead log longer than this is brought into the file at the next commit
-    std::chrono::milliseconds lockWait{10000}; // how long to wait for another program's transaction
-};
 
 class FilePager final : public Pager {
 public:

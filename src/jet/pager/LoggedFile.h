@@ -67,7 +67,7 @@ public:
     void retireLog();
     // As the last user, who may not write the file: removes a log that holds nothing.
     void removeEmptyLog();
-    // The object is of no more use.
+    // The object can only be destroyed afterwards.
     void closeFiles();
 
 private:

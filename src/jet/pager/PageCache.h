@@ -43,7 +43,7 @@ public:
 
     void makeDirty(Frame& frame);
     // All frames of dirty() that `accept` accepts are clean from now on. When it throws, the frame it was
-    // asked about and those behind it stay dirty.
+    // asked about and those after it stay dirty.
     template<typename Accept>
     void clean(Accept accept) {
         std::vector<Frame*> frames;

@@ -22,7 +22,7 @@ constexpr std::uint64_t WriterByte = LockBase + 4;   // shared by each user who 
 constexpr std::uint64_t DraftByte = LockBase + 5;    // exclusive while the file is being made
 constexpr std::uint64_t UserBase = LockBase + 0x100; // + n: user n of the lock file is of this engine
 
-// The lock file: an entry of two texts per user, and a byte far behind them that its user holds locked.
+// The lock file: an entry of two texts per user, and a byte far beyond them that its user holds locked.
 constexpr int MaximumUsers = 255;
 constexpr std::uint64_t EntryLength = 64;
 constexpr std::uint64_t NameLength = 32;

@@ -24,8 +24,7 @@ constexpr std::size_t HeaderLength = 40;
 constexpr std::size_t StateAt = 512; // generation, frames, pages, chain, frames before, 0, checksum
 constexpr std::size_t StateLength = 40;
 constexpr std::size_t FramesAt = 1024;
-constexpr std::uint64_t StateByte = std::uint64_t{1}
-                                    << 40; // a byte behind every log, locked around the state
+constexpr std::uint64_t StateByte = std::uint64_t{1} << 40; // a byte after every log, locked around the state
 
 // A frame: page number, page count of the database if this ends a transaction, checksum; then the page.
 constexpr std::size_t FrameHead = 16;

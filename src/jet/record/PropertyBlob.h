@@ -10,7 +10,7 @@ namespace jet {
 
 struct Property {
     std::u16string name;
-    bool definition = false; // part of the table's design, as against a program's own remark
+    bool definition = false; // part of the table's design; false: a program's own remark
     ColumnType type = ColumnType::Text;
     Bytes value; // Boolean: one byte; text: UTF-16
 };
@@ -23,7 +23,7 @@ struct PropertyBlob {
         std::uint16_t kind = ColumnKind;
         std::u16string column;
         std::vector<Property> properties;
-        Bytes reserved; // behind the name in the head
+        Bytes reserved; // after the name in the head
     };
     // A block of a kind not known here.
     struct Other {

@@ -245,7 +245,7 @@ void RowEncoder::encode(std::span<const Field> fields, const PutLongValue& putLo
     for (const int index : fixed_) {
         if (!isSet(index))
             continue;
-        // Written behind the fixed part first: so one routine serves fixed and variable columns.
+        // Written after the fixed part first: so one routine serves fixed and variable columns.
         const Field& field = fields[static_cast<std::size_t>(index)];
         const Column& column = definition_.columns[static_cast<std::size_t>(index)];
         std::size_t length = 0;

@@ -13,7 +13,7 @@ namespace jet {
 inline constexpr int MaximumRowLength = 4060;
 
 // A row where it lies, on a page or elsewhere: nothing is copied, so it lives as long as the bytes. Of a row
-// on a page that is until the next call that is no reading (see Pager::read()): take a Reading around
+// on a page that is until the next call that changes pages (see Pager::read()): take a Reading around
 // fetching a row and using its view.
 class RowView {
 public:

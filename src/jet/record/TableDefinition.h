@@ -126,7 +126,7 @@ struct TableDefinition {
     const LogicalIndex* primaryKey() const;
     // A tree of keys as faults name it: "index 'Main'".
     std::string nameOfIndex(std::size_t realIndex) const;
-    // Takes a tree out with all its names; the numbers of those behind it go down by one.
+    // Takes a tree out with all its names; the numbers of those after it go down by one.
     void removeIndex(std::size_t realIndex);
     // Positions of the columns in the order in which they are shown.
     std::vector<int> displayOrder() const;

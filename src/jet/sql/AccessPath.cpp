@@ -237,7 +237,7 @@ std::optional<IndexRange> rangeOf(const Table& table, int realIndex, const Bound
     IndexRange range;
     range.realIndex = realIndex;
     range.stretches.emplace_back();
-    const Bounds* last = nullptr; // of the column behind those with given values
+    const Bounds* last = nullptr; // of the column after those with given values
     for (const KeyEncoder::Part& part : encoder.parts()) {
         const auto found = bounds.find(part.column);
         if (found == bounds.end() ||

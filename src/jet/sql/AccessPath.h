@@ -20,7 +20,7 @@ struct IndexRange {
     int realIndex = 0;
     std::vector<Stretch> stretches; // ascending, none within another
     int equalColumns = 0;           // leading columns with one value, or with some
-    bool bounded = false;           // the column behind those has bounds, or a text that it begins with
+    bool bounded = false;           // the column after those has bounds, or a text that it begins with
 };
 
 // The range with the most columns that are given; nothing if no index serves. Only comparisons with literals,

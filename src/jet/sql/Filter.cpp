@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-// A key for sorting. Texts that hold characters without a known place come behind all others, by code.
+// A key for sorting. Texts that hold characters without a known place come after all others, by code.
 void appendSortKey(const Column& column, bool ascending, const Value& value, Bytes& into) {
     const auto* text = std::get_if<std::u16string>(&value);
     if (text == nullptr || !FindUnorderable(*text)) {

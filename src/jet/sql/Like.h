@@ -19,7 +19,8 @@ public:
     // Cost: linear for patterns with one *, at worst length of text times length of pattern.
     bool matches(std::u16string_view text) const;
 
-    // The characters that every text begins with, without regard to case; empty if the pattern says nothing.
+    // The characters that every text begins with, without regard to case; empty if the pattern begins with a
+    // wildcard.
     std::u16string start() const;
 
 private:

@@ -1,4 +1,4 @@
-// What stands behind WHERE, bound to the columns of a table and ready to be asked of its rows.
+// What follows WHERE, bound to the columns of a table and ready to be asked of its rows.
 #pragma once
 
 #include "jet/record/TableDefinition.h"
@@ -22,7 +22,7 @@ int FindField(const TableDefinition& definition, std::u16string_view tableName, 
 
 class Predicate {
 public:
-    // Throws UnknownField for a name that is no field of the table, DataTypeMismatch where kinds do not
+    // Throws UnknownField for a name that the table has no field of, DataTypeMismatch where kinds do not
     // compare (whatever the rows hold), SyntaxError for a bad pattern.
     Predicate(const TableDefinition& definition, std::u16string_view tableName,
               const sql::Expression& expression);

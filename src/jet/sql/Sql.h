@@ -88,7 +88,7 @@ using Statement = std::variant<Select, Insert, Update, Delete>;
 
 // Both throw SyntaxError, which names the place. Cost: linear in the length of the text.
 Statement ParseStatement(std::u16string_view text);
-// What may stand behind WHERE.
+// What may follow WHERE.
 Expression ParsePredicate(std::u16string_view text);
 
 } // namespace jet::sql

@@ -22,7 +22,7 @@ struct Token {
     std::size_t at = 0; // where it begins in the statement
 };
 
-// Throws SyntaxError on what is no token: an open quote, a bad number or date, a strange sign.
+// Throws SyntaxError on anything but a token: an open quote, a bad number or date, a strange sign.
 class Lexer {
 public:
     explicit Lexer(std::u16string_view text)

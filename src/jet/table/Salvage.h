@@ -1,4 +1,4 @@
-// Reading what can be read of a damaged database: walks that go on behind damage.
+// Reading what can be read of a damaged database: walks that go on after damage.
 #pragma once
 
 #include "jet/base/Error.h"
@@ -8,7 +8,7 @@
 
 namespace jet {
 
-// Whether an error says that the file holds something wrong, as against that it could not be read at all.
+// True for corrupt content, false for an I/O failure.
 inline bool IsDamage(const Error& error) {
     return error.code() == ErrorNumber::ReadVerification || error.code() == ErrorNumber::Corrupt;
 }

@@ -101,7 +101,7 @@ bool Table::next(RowPointer& at, RowView& row) const {
             slot = 0;
             if (number >= pager_->pageCount()) // and so does all that follows
                 Damaged(number, "of table '" + ToUtf8(name_) + "' lies beyond the end of the file");
-            at = {number, LastSlot}; // if the page is damaged the walk goes on behind it
+            at = {number, LastSlot}; // if the page is damaged the walk goes on after it
         }
         const std::uint8_t* page = pager_->read(number);
         if (isOwn(page)) {

@@ -53,9 +53,9 @@ public:
     std::uint32_t rowCount() const;
 
     // Walks over the rows in the order of their pages: moves `at` to the next (previous) live row and gives a
-    // view of it; a default RowPointer begins before the first (behind the last). False: there is none. A row
+    // view of it; a default RowPointer begins before the first (after the last). False: there is none. A row
     // that was moved is met at its slot. Rows may be inserted and removed during the walk. After a damaged
-    // row or page (ReadVerification) the walk can go on behind it, unless `at` has not moved: then the list
+    // row or page (ReadVerification) the walk can go on after it, unless `at` has not moved: then the list
     // of pages is broken.
     bool next(RowPointer& at, RowView& row) const;
     bool previous(RowPointer& at, RowView& row) const;

@@ -16,7 +16,7 @@ constexpr std::size_t PointerLength = 4;
 constexpr std::uint32_t CountedExactly = 1024;
 constexpr std::uint32_t SampleEvery = 16;
 // The parts of a definition page that a change of design alters: the definition's length, and its head from
-// behind the counters up to the maps.
+// after the counters up to the maps.
 constexpr std::size_t LengthField = 0x08;
 constexpr std::size_t HeadBegin = 0x18;
 constexpr std::size_t HeadEnd = 0x3F;

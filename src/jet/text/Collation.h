@@ -15,7 +15,7 @@ namespace jet {
 inline constexpr std::size_t IndexedTextLength = 255;
 
 // Appends the key of a text, such that keys compare by their bytes as the texts do; it ends with a 00 byte.
-// Trailing blanks do not count, nor does anything behind the first IndexedTextLength characters. Throws
+// Trailing blanks do not count, nor does anything after the first IndexedTextLength characters. Throws
 // InvalidArgument, naming the character, if the text holds one whose place in the order is not known; `into`
 // is unchanged then. Cost: one pass over the text.
 void AppendTextKey(std::u16string_view text, Bytes& into);
@@ -31,7 +31,7 @@ void AppendTextKeyStart(std::u16string_view text, Bytes& into);
 std::optional<char16_t> FindUnorderable(std::u16string_view text);
 
 // Below 0, 0 or above 0, as the whole keys of the two texts would compare, however long they are. Characters
-// whose place is not known come behind all others, by their code. Cost: a pass over both texts up to the
+// whose place is not known come after all others, by their code. Cost: a pass over both texts up to the
 // first difference in weight; memory is taken only if they differ in accents or hyphens at most.
 int CompareTexts(std::u16string_view a, std::u16string_view b);
 

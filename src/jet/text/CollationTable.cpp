@@ -149,7 +149,7 @@ constexpr CharacterOrder from2100[] = {
 
 // clang-format on
 
-// The characters of a range behind the end of its table are ignored.
+// The characters of a range beyond the end of its table are ignored.
 struct Range {
     char16_t first;
     char16_t last;

@@ -12,7 +12,7 @@ struct CharacterOrder {
         Ignored,
         Letter,   // has a weight: any character that counts by itself, or two letters in one (ss, ae)
         Accented, // a weight, and an accent for each of its positions
-        Minor,    // hyphens, apostrophes, controls: count by their place, behind everything else
+        Minor,    // hyphens, apostrophes, controls: count by their place, after everything else
         Mark,     // changes the accent of the letter before it
     };
     Kind kind = Kind::Ignored;

@@ -55,7 +55,7 @@ private:
     int digits_ = 0;
 };
 
-// ":mm[:ss[.fraction]] [AM|PM]" behind the hour, as seconds since midnight.
+// ":mm[:ss[.fraction]] [AM|PM]" after the hour, as seconds since midnight.
 double readTime(Reader& in, int hour, bool twelveHours) {
     in.expect(":");
     const int minute = in.number(2);

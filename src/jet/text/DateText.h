@@ -13,7 +13,7 @@ namespace jet {
 // value lies outside the years 100 to 9999.
 bool AppendDate(Date date, char separator, std::string& into);
 
-// Reads "YYYY-MM-DD", or with a time behind a blank or 'T': "hh:mm", "hh:mm:ss", or with a fraction of a
+// Reads "YYYY-MM-DD", or with a time after a blank or 'T': "hh:mm", "hh:mm:ss", or with a fraction of a
 // second.
 std::optional<Date> ParseIsoDate(std::string_view text);
 

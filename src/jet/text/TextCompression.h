@@ -1,4 +1,4 @@
-// Text as it is stored: UTF-16, or squeezed to one byte a character behind a mark.
+// Text as it is stored: UTF-16, or squeezed to one byte a character after a mark.
 #pragma once
 
 #include "jet/base/Value.h"

@@ -24,7 +24,7 @@ public:
         : input_(input) {}
 
     // The fields of the next record; false: there is none. Lines end with LF or CR LF; quoted fields may hold
-    // line ends. Throws InvalidArgument for a quote that is not closed or has text behind it.
+    // line ends. Throws InvalidArgument for a quote that is not closed or has text after it.
     bool next(std::vector<CsvField>& fields);
 
 private:

@@ -17,8 +17,8 @@ struct JsonMember {
     std::string text; // of a number its digits as written; of a flag "true" or "false"
 };
 
-// Reads a line. Throws InvalidArgument, saying where, for what is no flat object, and for a key that is there
-// twice.
+// Parses one line. Throws InvalidArgument with the position for anything but a flat object, and for a key
+// that is there twice.
 void ParseJsonLine(std::string_view line, std::vector<JsonMember>& members);
 
 } // namespace jet

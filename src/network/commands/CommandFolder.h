@@ -35,7 +35,7 @@ public:
     // How the file of that name is spelled, where that differs from `name`; otherwise empty.
     QString otherSpelling(const QString& name) const;
 
-    // Nothing, with a sentence in *why, when there is no such file or it is no command.
+    // Nothing, with a sentence in *why, when the file is missing or does not hold a command.
     std::optional<CommandRecord> read(const QString& name, QString* why = nullptr) const;
 
     // Each gives true when it is done. What went wrong is reported, and the file is then as it was.

@@ -21,7 +21,7 @@ enum class TextForm {
     Escaped     // from a box, with escapes
 };
 
-// Bytes with escapes for everything that is no printable character. `lineBreaks`: each pair of carriage
+// Bytes with escapes for everything but printable characters. `lineBreaks`: each pair of carriage
 // return and line feed is shown as a line break ("\n") instead, as a box of several lines shows it. What it
 // gives reads back as the same bytes.
 QString ShowCommandText(const QByteArray& bytes, bool lineBreaks);

@@ -50,7 +50,7 @@ int ReplaceWholeFile(const QString& path, const QByteArray& bytes);
 int AppendToFile(const QString& path, const QByteArray& bytes);
 
 // A file of fixed records, numbered from 1, shared for reading and writing with other programs and changed in
-// place. Not copyable; closes with its life.
+// place. Not copyable; the destructor closes the file.
 //
 // Errors of all calls: FileNotFound when the file was removed or replaced by another one after it was opened,
 // DeviceIoError when its disk or share failed, BadRecordNumber below 1.

@@ -102,7 +102,7 @@ int AppendToHostFile(const QString& hostPath, const QByteArray& bytes) {
     // One write, so that lines of several programs do not mix.
     qint64 written = 0;
     const int failed = WriteFully(file.get(), bytes.constData(), bytes.size(), &written);
-    // Half a line is taken back, unless somebody wrote behind it.
+    // Half a line is taken back, unless somebody wrote after it.
     const qint64 end = ::lseek(file.get(), 0, SEEK_CUR);
     if (failed != 0 && written > 0 && ::fstat(file.get(), &info) == 0 && info.st_size == end &&
         ::ftruncate(file.get(), end - written) != 0)

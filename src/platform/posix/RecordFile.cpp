@@ -66,7 +66,7 @@ public:
             if (const int error = readFromDisk(offset); error != NoError)
                 return error;
         } else if (isAllZero(scratch_)) {
-            // What lies behind the new end of a file cut short shows as zeros up to the end of its page.
+            // What lies beyond the new end of a file cut short shows as zeros up to the end of its page.
             const int error = look();
             if (error != NoError || end > size_)
                 return error != NoError ? error : PastEndOfFile;
@@ -165,7 +165,7 @@ private:
             else if (now == 0 || errno != EINTR)
                 failed = now == 0 ? ENOSPC : errno;
         }
-        // Unless another program wrote behind it meanwhile.
+        // Unless another program wrote after it meanwhile.
         struct stat info {};
         if (failed != 0 && at > before && ::fstat(file_.get(), &info) == 0 && info.st_size == at &&
             ::ftruncate(file_.get(), before) != 0)

@@ -21,7 +21,7 @@ namespace {
 constexpr int longestRest = 20;
 
 // The host path of a program: a path as it stands; a bare name in the folders the platform searches, then on
-// the host's own search path; each also with ".exe" behind. Empty when there is none.
+// the host's own search path; each also with ".exe" appended. Empty when there is none.
 QString findProgram(const QString& program) {
     for (const QString& name : {program, program + QStringLiteral(".exe")}) {
         if (name.contains(u'\\') || name.contains(u'/') || name.contains(u':')) {
@@ -43,9 +43,9 @@ bool isWindowsProgram(const QString& hostPath) {
     return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
 }
 
-// Splits arguments at blanks outside double quotes, as the platform's C run-time does: quotes do not become part
-// of an argument, but for one that two in a row stand for inside quotes; a pair with nothing in it is an argument
-// without characters.
+// Splits arguments at blanks outside double quotes, as the platform's C run-time does: quotes do not become
+// part of an argument, but for one that two in a row stand for inside quotes; a pair with nothing in it is an
+// argument without characters.
 QStringList splitArguments(const QString& text) {
     QStringList arguments;
     QString argument;

@@ -122,7 +122,7 @@ void ProfileDocument::parse() {
     const QChar* text = text_.constData();
     const int size = static_cast<int>(text_.size());
     int begin = wide_ && size > 0 && text[0] == QChar(byteOrderMark) ? 1 : 0;
-    lines_.push_back({0, begin}); // the mark, or nothing: what a first header is put behind
+    lines_.push_back({0, begin}); // the mark, or nothing: what a first header is put after
     int header = -1;
     LineEnds ends(text, size);
     while (begin < size && valid()) {

@@ -30,7 +30,7 @@ public:
     // False when it has more than `mostLines`; nothing is to be asked of it then.
     bool valid() const { return lines_.size() <= mostLines; }
 
-    // The text behind the first "=" of the first such key in the first such section: outer white space taken
+    // The text after the first "=" of the first such key in the first such section: outer white space taken
     // off, up to its first zero character. Nothing when there is no such key. Cost: one hash look-up.
     std::optional<QString> value(const QString& section, const QString& key) const;
 
@@ -39,7 +39,7 @@ public:
     QStringList keys(const QString& section) const;
 
     // Sets one key. A present one keeps its place and spelling (a text without "=" of that name becomes the
-    // key); a new one goes behind the last key of its section, a new section to the end of the text. A value
+    // key); a new one goes after the last key of its section, a new section to the end of the text. A value
     // that is there already changes nothing. Cost: independent of the length of the text.
     void set(const QString& section, const QString& key, const QString& value);
     // Removes the first such key.
@@ -62,7 +62,7 @@ private:
     // A line, or a run of Other lines, in file order by `next`.
     struct Line {
         int begin = 0; // in text_
-        int end = 0;   // behind its line end
+        int end = 0;   // after its line end
         int previous = -1;
         int next = -1;
         int nextSame = -1; // the next one that is looked up by the same name
@@ -95,8 +95,8 @@ private:
     void findLastKey(int header, int from);
 
     bool wide_ = false;
-    QByteArray oddByte_; // behind the last whole character of a UTF-16 text
-    QString text_;       // the text as read, and behind it every line written since
+    QByteArray oddByte_; // after the last whole character of a UTF-16 text
+    QString text_;       // the text as read, and after it every line written since
     std::vector<Line> lines_;
     int last_ = 0;
     bool joins_ = false; // a removal brought a CR and another line break together

@@ -143,7 +143,7 @@ ProfileBatch::ProfileBatch(const QString& file)
     : file_(file) {}
 
 void ProfileBatch::put(const QString& section, const QString& key, const QString& value) {
-    // Text without characters is a value too, be it null or not.
+    // Empty text is a value too, null or not.
     changes_.append(
         {section, key.isNull() ? QLatin1String("") : key, value.isNull() ? QLatin1String("") : value});
 }

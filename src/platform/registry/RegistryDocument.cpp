@@ -27,7 +27,7 @@ bool fitsOnALine(const QString& text) {
                         [](QChar c) { return c.isNull() || c == u'\r' || c == u'\n'; });
 }
 
-// Lines with their ends; a value that goes on behind a "\" is one line.
+// Lines with their ends; a value that goes on after a "\" is one line.
 QStringList splitLines(const QString& text) {
     QStringList lines;
     qsizetype begin = 0;

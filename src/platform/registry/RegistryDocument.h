@@ -43,7 +43,7 @@ private:
     };
     struct Key {
         QString path;                // as it is spelled
-        int end = 0;                 // the line behind its first block's last value
+        int end = 0;                 // the line after its first block's last value
         QMap<QString, Value> values; // by folded name
     };
 

@@ -8,7 +8,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// Column behind which the platform's own export goes on in the next line.
+// Column after which the platform's own export goes on in the next line.
 constexpr qsizetype widestLine = 76;
 
 // Types whose bytes are text, stored as UTF-16.
@@ -16,7 +16,7 @@ bool isText(RegistryType type) {
     return type == RegistryType::Text || type == RegistryType::ExpandText || type == RegistryType::MultiText;
 }
 
-// A quoted text from `at`, which is moved behind its closing quote. Nothing when it is not closed.
+// A quoted text from `at`, which is moved after its closing quote. Nothing when it is not closed.
 std::optional<QString> quoted(QStringView line, qsizetype& at) {
     if (at >= line.size() || line[at] != u'"')
         return std::nullopt;

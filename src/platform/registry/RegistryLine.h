@@ -11,7 +11,7 @@ struct RegistryLine {
     std::optional<RegistryValue> value;
 };
 
-// `ansi`: texts in hexadecimal are code page 1252, not UTF-16. Nothing when it is no such line.
+// `ansi`: texts in hexadecimal are code page 1252, not UTF-16. Nothing for any other line.
 std::optional<RegistryLine> ParseRegistryLine(QStringView line, bool ansi);
 
 // The path of a header line "[path]", normalised; empty when it is none.

@@ -160,7 +160,7 @@ TEST_F(CompactDamageTest, TablesThatNoObjectNamesAreFound) {
 }
 
 TEST_F(CompactDamageTest, ATableIsFoundByItsDefinition) {
-    constexpr int idField = 2; // behind the column count
+    constexpr int idField = 2; // after the column count
     Store32(row(object(u"Log").row) + idField, 0x00FFFFFF);
     compact();
     EXPECT_EQ(rowsOf(u"Log"), 100u);

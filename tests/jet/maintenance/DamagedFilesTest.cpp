@@ -1,4 +1,4 @@
-// Whatever is damaged in a file behind its first page: the check and compaction end within bounds, compaction
+// Whatever is damaged in a file after its first page: the check and compaction end within bounds, compaction
 // succeeds, and the file it makes has no fault. TOLVEX_DAMAGED_FILES=20000 tries that many.
 #include "jet/WholeDatabase.h"
 #include "jet/maintenance/RandomDamage.h"

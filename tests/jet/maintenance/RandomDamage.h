@@ -41,7 +41,7 @@ inline std::uint32_t Below(std::mt19937& random, std::size_t limit) {
     return static_cast<std::uint32_t>(random() % limit);
 }
 
-// One thing that goes wrong with a file, on a page behind the first. Most pages hold rows, so that those of
+// One thing that goes wrong with a file, on a page after the first. Most pages hold rows, so that those of
 // other kinds are chosen as often by themselves.
 inline void Damage(Bytes& file, std::mt19937& random) {
     const std::size_t pages = file.size() / PageSize;

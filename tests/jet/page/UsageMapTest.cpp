@@ -82,7 +82,7 @@ TEST(JetUsageMap, WindowOfAnInlineMapFollowsItsPages) {
     EXPECT_EQ(pagesOf(map), (std::vector<PageNumber>{99990, 100001, 100300}));
 }
 
-// A list that names pages behind the end of the file ends with an error there, however far it goes on: 17
+// A list that names pages beyond the end of the file ends with an error there, however far it goes on: 17
 // times the same bitmap would be half a million pages, and a first page near 2^32 begins again at 0.
 TEST(JetUsageMap, EndsWithTheFile) {
     MemoryPager pager(10);

@@ -176,7 +176,7 @@ TEST_P(ChangeableSample, ItsDefinitionsAreWrittenAsTheyWereRead) {
         const TableDefinition definition = ReadTableDefinition(pager, page);
         const std::size_t length = EncodeTableDefinition(definition).size();
         WriteTableDefinition(pager, definition);
-        // What lies behind the end of the definition is undefined.
+        // What lies beyond the end of the definition is undefined.
         const std::size_t at = page * PageSize, end = std::min<std::size_t>(length, PageSize);
         EXPECT_EQ(std::memcmp(before.data() + at, pager.read(page), end), 0) << ToUtf8(object.name);
         EXPECT_EQ(EncodeTableDefinition(ReadTableDefinition(pager, page)), EncodeTableDefinition(definition));

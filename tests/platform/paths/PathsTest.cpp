@@ -197,7 +197,7 @@ TEST_F(Paths, SurviveNamesThatNobodyWouldChoose) {
     EXPECT_EQ(FileSize("C:\\" + longName), -1);
     EXPECT_EQ(MakeFolder("C:\\" + longName), BadFileNumber);
     EXPECT_FALSE(FolderExists("C:\\" + QString("deep\\").repeated(20000)));
-    // A name that is no UTF-8 is passed over, not mangled.
+    // A name that is not UTF-8 is passed over, not mangled.
     const QByteArray odd = QFile::encodeName(inC("/")) + "\xE9t\xE9";
     ASSERT_EQ(::mkdir(odd.constData(), 0700), 0);
     EXPECT_FALSE(FolderNames("C:\\").contains(QString::fromUtf8("\xE9t\xE9")));
