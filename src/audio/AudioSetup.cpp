@@ -91,21 +91,21 @@ constexpr ListRow lists[] = {
 
 // What the OK makes of a selected entry, by the number of players (above 0).
 qint32 instantPlayer(int index, int players) {
-    const int player = LowerOf(index + 1, players);
+    const int player = std::min(index + 1, players);
     return player == 0 ? 1 : player;
 }
 qint32 editingPlayer(int index, int players) {
-    return LowerOf(index, players);
+    return std::min(index, players);
 }
 qint32 firstPlayer(int index, int players) {
     const int player = index + 1;
     if (player >= players && players >= 2)
         return theLastPlayer;
-    return HigherOf(player, 0);
+    return std::max(player, 0);
 }
 qint32 lastPlayer(int index, int players) {
     const int player = index + 1;
-    return player >= players ? theLastPlayer : HigherOf(player, 0);
+    return player >= players ? theLastPlayer : std::max(player, 0);
 }
 qint32 recordingCard(int index, int players) {
     return index + 1 == 0 ? players : index + 1;
@@ -164,7 +164,7 @@ void takePlayers(const AudioSetup& setup, Settings& settings) {
     if (players <= 0)
         settings.LockPlayerWhenRecording = 0;
     else if (setup.lockPlayer)
-        settings.LockPlayerWhenRecording = LowerOf(setup.lockedPlayer + 1, players);
+        settings.LockPlayerWhenRecording = std::min(setup.lockedPlayer + 1, players);
 }
 
 int writeZqsVolumes(const Settings& settings) {
@@ -198,7 +198,7 @@ AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
     for (const NumberRow& row : zqsVolumes)
         setup.*row.held = settings.*row.setting;
     for (const ListRow& row : lists)
-        setup.*row.index = HigherOf(LowerOf(settings.*row.setting, row.highest()) - row.first, -1);
+        setup.*row.index = std::max(std::min(settings.*row.setting, row.highest()) - row.first, -1);
     const qsizetype devices = platform::WaveOutputs().size() + 1;
     for (int n = 1; n <= CartPlayerCount; ++n) {
         const CartPlayer& player = settings.CartPlayerTable[n];
@@ -208,7 +208,7 @@ AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
     }
     setup.audioEditor = settings.AudioEditor.trimmed();
     setup.lockPlayer = settings.LockPlayerWhenRecording != 0;
-    setup.lockedPlayer = HeldBetween(settings.LockPlayerWhenRecording, 1, CartPlayerCount) - 1;
+    setup.lockedPlayer = std::clamp(settings.LockPlayerWhenRecording, 1, CartPlayerCount) - 1;
     return setup;
 }
 

@@ -156,7 +156,7 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     setup.looks.bevel = settings.CartBevelWidth;
     setup.looks.selectedPushedIn = settings.SelectedCartMode == PushedIn;
     setup.showInstantCarts = settings.ShowICAtLogin != 0;
-    setup.instantCarts = HeldBetween(settings.ShowICAtLogin - 1, 0, 1);
+    setup.instantCarts = std::clamp(settings.ShowICAtLogin - 1, 0, 1);
     setup.autoUpdate = settings.AutoUpdateInterval != 0;
     setup.updateInterval = setup.autoUpdate ? settings.AutoUpdateInterval : offeredUpdateInterval;
     setup.useLevelTrigger = settings.LevelTrigger != 0;
@@ -166,8 +166,8 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     setup.highlightByTimes = settings.HighlightPlayedCarts == HighlightByTimes;
     (setup.highlightByTimes ? setup.highlightTimes : setup.highlightSeconds) =
         settings.HighlightPLayedCartsInterval;
-    setup.cartHeight = HigherOf(settings.CartMinimumHeight, LowestCartHeight);
-    setup.cartWidth = HigherOf(settings.CartMinimumWidth, LowestCartWidth);
+    setup.cartHeight = std::max(settings.CartMinimumHeight, LowestCartHeight);
+    setup.cartWidth = std::max(settings.CartMinimumWidth, LowestCartWidth);
     for (const JumpCartButton& jump : settings.JumpCartButtons)
         setup.jumps += jump.Cart > 0 ? jump : JumpCartButton{};
     setup.numberCarts = settings.NoCarts;
@@ -209,15 +209,15 @@ SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings
     next.SelectedCartMode = setup.looks.selectedPushedIn ? PushedIn : ByColour;
     next.CartFontName = setup.looks.fontName;
     next.CartBevelWidth = qint16(setup.looks.bevel);
-    next.CartMinimumHeight = HigherOf(setup.cartHeight, LowestCartHeight);
-    next.CartMinimumWidth = HigherOf(setup.cartWidth, LowestCartWidth);
+    next.CartMinimumHeight = std::max(setup.cartHeight, LowestCartHeight);
+    next.CartMinimumWidth = std::max(setup.cartWidth, LowestCartWidth);
     next.PictureFileExtension = QLatin1String(PictureTypes[setup.pictureType].extension);
     if (hasLocation(next)) {
         if (setup.numberCarts > MostCarts)
             ShowExclamation(QStringLiteral("You cannot have more than %1 carts on your Audiowall.\n\nIt has "
                                            "been changed to %1 for you.")
                                 .arg(MostCarts));
-        next.NoCarts = HeldBetween(setup.numberCarts, 1, MostCarts);
+        next.NoCarts = std::clamp(setup.numberCarts, 1, MostCarts);
         if (const int error = writeAudiowallKeys(next))
             return {ProfileErrorText(error, AudiowallIniFile(next)), {}, error};
     }
@@ -230,7 +230,7 @@ SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings
 int TakeJumpButtonCount(qint32 wanted) {
     if (wanted > MostJumpButtons)
         ShowExclamation(QStringLiteral("You can only have up to %1 Jump Buttons").arg(MostJumpButtons));
-    return HeldBetween(wanted, 1, MostJumpButtons);
+    return std::clamp(wanted, 1, MostJumpButtons);
 }
 
 CartGrid EstimateCartGrid(const Settings& settings, qint32 cartWidth, qint32 cartHeight) {

@@ -27,7 +27,7 @@ QString numberText(const QVariant& value) {
 
 int playerEntry(qint32 player) {
     const auto count = static_cast<qint32>(PlayerWords().size());
-    return player == LastPlayer ? count - 1 : HeldBetween(player, 1, count) - 1;
+    return player == LastPlayer ? count - 1 : std::clamp(player, 1, count) - 1;
 }
 
 qint32 playerOf(qint32 entry) {
@@ -55,7 +55,7 @@ void showShared(const KOVADatabaseSettings& record, AutomationEntries& entries) 
     entries[QStringLiteral("comboStationControl")] = !hasComputer ? NoComputer : hasPort ? Zcp : Zqs;
     entries[QStringLiteral("txtStationControlComputer")] = record.KOVA_SCComputerAddress;
     entries[QStringLiteral("comboStationControlPort")] =
-        hasComputer && hasPort ? HeldBetween(record.KOVA_SCComputerPort, 1, MostPorts) - 1 : 0;
+        hasComputer && hasPort ? std::clamp(record.KOVA_SCComputerPort, 1, MostPorts) - 1 : 0;
 }
 
 class Reader {
@@ -136,7 +136,7 @@ AutomationEntries ShowAutomationSettings(const KOVADatabaseSettings& record) {
             entries[control] = numberText(value);
             break;
         case Kind::List:
-            entries[control] = HeldBetween(value.toInt(), 0, static_cast<int>(field.words.size()) - 1);
+            entries[control] = std::clamp(value.toInt(), 0, static_cast<int>(field.words.size()) - 1);
             break;
         case Kind::Player:
             entries[control] = playerEntry(value.toInt());

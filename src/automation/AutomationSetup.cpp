@@ -67,7 +67,7 @@ QVariant AutomationKeyValue(const Settings& settings, const AutomationKey& key) 
                 if (key.isFlag)
                     return number != 0;
                 return key.words.empty() ? number
-                                         : HeldBetween(number, 0, static_cast<qint32>(key.words.size()) - 1);
+                                         : std::clamp(number, 0, static_cast<qint32>(key.words.size()) - 1);
             }
         },
         key.member);

@@ -122,7 +122,7 @@ int level(Call& call) {
     QEventLoop loop;
     reader.onLevel = [&highest](const SoundLevel& now) {
         for (std::size_t side : {0, 1})
-            highest.peak[side] = HigherOf(highest.peak[side], now.peak[side]);
+            highest.peak[side] = std::max(highest.peak[side], now.peak[side]);
     };
     reader.onEnd = [&](const QString& how) {
         why = how;

@@ -21,7 +21,7 @@ QString deviceName(const QList<WaveDevice>& devices, int number) {
 
 QJsonArray playersOf(const Settings& settings) {
     QJsonArray players;
-    for (int n = 1; n <= HeldBetween(settings.TotalNumberCartPlayers, 0, CartPlayerCount); ++n) {
+    for (int n = 1; n <= std::clamp(settings.TotalNumberCartPlayers, 0, CartPlayerCount); ++n) {
         const int device = settings.CartPlayerTable[n].Device;
         players += QJsonObject{{QStringLiteral("player"), n},
                                {QStringLiteral("device"), device - 1},
@@ -114,7 +114,7 @@ int players(Call& call) {
     setup.players = *count;
     if (call.has("--auto") || call.has("--manual"))
         setup.automatic = call.has("--auto");
-    for (int n = 1; n <= LowerOf(int(words.size()), CartPlayerCount); ++n) {
+    for (int n = 1; n <= std::min(int(words.size()), CartPlayerCount); ++n) {
         const std::optional<int> device = deviceByWord(words[n - 1]);
         if (!device)
             return call.wrong(QStringLiteral("\"%1\" is no output: \"tolvexctl audio devices\" lists their "

@@ -8,10 +8,12 @@ const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
         for (CommandRows (*subject)() :
-             {StatusCommands, SettingsCommands, ProfileCommands, RegistryCommands, SetsCommands, CartCommands,
-              AudioCommands, AudioSetupCommands, AudiowallCommands, AutomationCommands, SuiteDatabaseCommands,
-              DatabaseFileCommands, EngineCommands, UsersCommands, HardwareCommands, AutoConfigCommands,
-              TerminalCommands, CommandCommands, PortCommands, ServeCommands, ClockCommands}) {
+             {StatusCommands,    SettingsCommands,   ProfileCommands,       RegistryCommands,
+              SetsCommands,      CartCommands,       AudioCommands,         AudioSetupCommands,
+              AudiowallCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands,
+              EngineCommands,    UsersCommands,      HardwareCommands,      AutoConfigCommands,
+              TerminalCommands,  CommandCommands,    PortCommands,          ServeCommands,
+              ClockCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

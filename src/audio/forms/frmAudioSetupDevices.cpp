@@ -69,7 +69,7 @@ int frmAudioSetup::outputOf(int player) const {
 
 // What automatic assignment does, or which players share a device.
 void frmAudioSetup::showDevices() {
-    const int count = HeldBetween(players(), 0, CartPlayerCount);
+    const int count = std::clamp(players(), 0, CartPlayerCount);
     QStringList lines;
     if (ui_->optCartPlayerAutoMode->isChecked() && count > 0) {
         QStringList names;
