@@ -118,6 +118,12 @@ const Reading readings[] = {
     {{"automation", "settings", "list"}, 0},
     {{"automation", "settings", "C:\\DB\\LOG.mdb", "get", "KOVA.PreCueTime"}, 0},
     {{"audio", "devices"}, -1}, // as the machine has some or none
+    {{"audio", "show"}, 0},
+    {{"audio", "formats"}, 0},
+    {{"audio", "formats", "1"}, 0},
+    {{"audio", "test", "9"}, 2},               // no such player
+    {{"audio", "level", "--seconds", "0"}, 2}, // no time to measure
+    {{"audiowall", "show"}, 0},
     {{"users", "list"}, 0},
     {{"users", "groups"}, 0},
     {{"users", "history"}, 0},

@@ -193,7 +193,7 @@ CommandRows AudioSetupCommands() {
     return {
         {"audio show", "", "Show cart players, devices, volumes and the recording format", show},
         Changing({"audio players",
-                  "N [DEVICE...]",
+                  "N [DEVICE] ...",
                   "Set the number of cart players and how they get their devices; a device is a number of "
                   "\"audio devices\", a name, or \"mapper\" for the system's own choice",
                   players,
