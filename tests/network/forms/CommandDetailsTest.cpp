@@ -83,7 +83,7 @@ TEST_F(CommandDetails, KeepsEveryByteAndEveryFieldOfWhatIsOnlyLookedAt) {
     records[2].Type = ExternalCommand;
     records[2].WindowStyle = 7;
     for (CommandRecord& record : records) {
-        record.Text = everyByte;
+        record.Text = everyByte + QByteArray(40000, 'x'); // more than a box of one line holds
         put("Look", record);
         const QByteArray before = machine.read(path + "Look.TCD");
         open("Look");
