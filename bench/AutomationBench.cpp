@@ -81,16 +81,18 @@ void StoreSettings(benchmark::State& state) {
 }
 BENCHMARK(StoreSettings)->Unit(benchmark::kMillisecond);
 
-// The engine alone: as many rows of the table written, and committed.
+// The engine alone: as many rows of the table changed, and committed.
 void CommitAsManyRows(benchmark::State& state) {
     prepare();
     const auto database = OpenSuiteDatabase(Log);
+    int value = 0;
     for (auto _ : state) {
+        ++value;
         DatabaseTransaction transaction(*database);
         const auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
         for (; !rows->eof(); rows->moveNext()) {
             rows->edit();
-            rows->set(QStringLiteral("Value"), rows->value(QStringLiteral("Value")));
+            rows->set(QStringLiteral("Value"), QString::number(value % 100));
             rows->update();
         }
         transaction.commit();
@@ -113,6 +115,14 @@ void List100Databases(benchmark::State& state) {
     benchmark::DoNotOptimize(found);
 }
 BENCHMARK(List100Databases)->Unit(benchmark::kMillisecond);
+
+void LookAt100Databases(benchmark::State& state) {
+    prepare();
+    for (auto _ : state)
+        for (const QString& file : DatabaseFilesIn(Folder))
+            benchmark::DoNotOptimize(LookAtDatabase(file));
+}
+BENCHMARK(LookAt100Databases)->Unit(benchmark::kMillisecond);
 
 void Open100Databases(benchmark::State& state) {
     prepare();

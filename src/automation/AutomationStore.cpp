@@ -13,6 +13,8 @@
 #include "databases/suite/ValidateDatabase.h"
 #include "platform/profile/ProfileFile.h"
 
+#include <QHash>
+
 namespace tolvex {
 
 namespace {
@@ -54,10 +56,50 @@ std::unique_ptr<SuiteRecordset> openSettings(SuiteDatabase& database, int* error
     }
 }
 
-QVariant readItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record,
+// Gives the value of an item by its name, or the fallback where it has none.
+using LookUp = std::function<QVariant(const QString& name, const QVariant& fallback)>;
+
+LookUp inTable(SuiteRecordset& rows) {
+    return [&rows](const QString& name, const QVariant& fallback) {
+        return GetDatabaseSetting(&rows, name, fallback);
+    };
+}
+
+// All items of the table by name, read in one pass. Names match as the table's index has them: without regard
+// to case and to blanks at their end.
+class StoredItems {
+public:
+    explicit StoredItems(SuiteRecordset& rows) {
+        if (rows.bof() && rows.eof())
+            return;
+        for (rows.moveFirst(); !rows.eof(); rows.moveNext())
+            values_.insert(key(rows.value(QStringLiteral("Item")).toString()),
+                           rows.value(QStringLiteral("Value")));
+    }
+    QVariant value(const QString& name, const QVariant& fallback) const {
+        return values_.value(key(name), fallback);
+    }
+    bool has(const QString& name, const QVariant& value) const {
+        const QVariant stored = values_.value(key(name));
+        const bool isFlag = value.typeId() == QMetaType::Bool;
+        return stored.isValid() &&
+               stored.toString() == (isFlag ? QString::number(value.toBool() ? -1 : 0) : value.toString());
+    }
+
+private:
+    static QString key(QString name) {
+        while (name.endsWith(u' '))
+            name.chop(1);
+        return name.toLower();
+    }
+
+    QHash<QString, QVariant> values_;
+};
+
+QVariant readItem(const LookUp& lookUp, const AutomationItem& item, const KOVADatabaseSettings& record,
                   const QString& dataLocation) {
-    QVariant value = GetDatabaseSetting(&rows, QLatin1String(item.readName),
-                                        DefaultValue(item, item.readDefault, record, dataLocation));
+    QVariant value =
+        lookUp(QLatin1String(item.readName), DefaultValue(item, item.readDefault, record, dataLocation));
     for (const auto& other : voiceTracker)
         if (is(item, other.item) && LeadingNumber(value.toString()) == 0)
             value = platform::ProfileInteger(QStringLiteral("Settings"), QLatin1String(other.key),
@@ -71,12 +113,12 @@ void adoptOldAddress(KOVADatabaseSettings& record) {
     record.KOVA_SCComputerPort = 0;
 }
 
-bool readItems(SuiteRecordset& rows, KOVADatabaseSettings& record, const QString& dataLocation) {
+bool readItems(const LookUp& lookUp, KOVADatabaseSettings& record, const QString& dataLocation) {
     bool oldAddress = false;
     for (const AutomationItem& item : AutomationItems()) {
         if (oldAddress && (is(item, Address) || is(item, Port)))
             continue;
-        if (!TakeMember(item, readItem(rows, item, record, dataLocation), record))
+        if (!TakeMember(item, readItem(lookUp, item, record, dataLocation), record))
             return false;
         if (is(item, OldAddress) && !record.KOVA_ZQSServerAddress.isEmpty()) {
             oldAddress = true;
@@ -90,25 +132,32 @@ bool isConfigured(SuiteRecordset& rows) {
     return LeadingNumber(GetDatabaseSetting(&rows, BeenSet, 0).toString()) != 0;
 }
 
-int writeItem(SuiteRecordset& rows, const AutomationItem& item, const KOVADatabaseSettings& record,
-              const QString& dataLocation) {
+int writeItem(SuiteRecordset& rows, const StoredItems& stored, const AutomationItem& item,
+              const KOVADatabaseSettings& record, const QString& dataLocation) {
     if (!item.isWritten())
         return 0;
     const QString name = QLatin1String(item.name);
     // The address goes on under its new name.
     if (is(item, OldAddress))
-        return GetDatabaseSetting(&rows, name, QString()).toString().isEmpty()
+        return stored.value(name, QString()).toString().isEmpty()
                    ? 0
                    : PutDatabaseSetting(&rows, name, QString(), QString());
-    return PutDatabaseSetting(&rows, name, MemberValue(item, record),
-                              DefaultValue(item, item.writeDefault, record, dataLocation));
+    const QVariant value = MemberValue(item, record);
+    const QVariant fallback = DefaultValue(item, item.writeDefault, record, dataLocation);
+    // Nothing is asked of the table for an item that is as it should be.
+    const bool isAsItShouldBe =
+        SameStoredValue(value, fallback) ? !stored.value(name, {}).isValid() : stored.has(name, value);
+    if (isAsItShouldBe)
+        return 0;
+    return PutDatabaseSetting(&rows, name, value, fallback);
 }
 
-int writeItems(SuiteRecordset& rows, const KOVADatabaseSettings& record, const QString& dataLocation) {
+int writeItems(SuiteRecordset& rows, const StoredItems& stored, const KOVADatabaseSettings& record,
+               const QString& dataLocation) {
     for (const char* group : AutomationWriteOrder())
         for (const AutomationItem& item : AutomationItems())
             if (QLatin1String(item.name).startsWith(QLatin1String(group)))
-                if (const int error = writeItem(rows, item, record, dataLocation))
+                if (const int error = writeItem(rows, stored, item, record, dataLocation))
                     return error;
     return 0;
 }
@@ -148,10 +197,13 @@ int inTransaction(SuiteDatabase& database, const std::function<int(SuiteRecordse
 }
 
 // What stands in the table in place of what was read from it.
-QList<AutomationChange> changesSince(SuiteRecordset& rows, KOVADatabaseSettings& loaded,
+QList<AutomationChange> changesSince(const StoredItems& stored, KOVADatabaseSettings& loaded,
                                      const QString& dataLocation) {
     KOVADatabaseSettings now = loaded;
-    readItems(rows, now, dataLocation);
+    const auto lookUp = [&stored](const QString& name, const QVariant& fallback) {
+        return stored.value(name, fallback);
+    };
+    readItems(lookUp, now, dataLocation);
     QList<AutomationChange> changes;
     for (const AutomationItem& item : AutomationItems())
         if (item.isWritten() && !is(item, OldAddress) && MemberValue(item, now) != MemberValue(item, loaded))
@@ -188,7 +240,7 @@ qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, c
     const auto rows = openSettings(database, &error);
     if (!rows)
         return error;
-    if (!readItems(*rows, record, dataLocation))
+    if (!readItems(inTable(*rows), record, dataLocation))
         return OverflowError;
     if (showDialogIfNew && !isConfigured(*rows))
         showDialogIfNew();
@@ -197,8 +249,9 @@ qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, c
 
 qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
                         const QString& dataLocation) {
-    return static_cast<qint16>(inTransaction(
-        database, [&](SuiteRecordset& rows) { return writeItems(rows, record, dataLocation); }));
+    return static_cast<qint16>(inTransaction(database, [&](SuiteRecordset& rows) {
+        return writeItems(rows, StoredItems(rows), record, dataLocation);
+    }));
 }
 
 qint32 StoreKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
@@ -207,10 +260,11 @@ qint32 StoreKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& re
     for (;;) {
         QList<AutomationChange> changes;
         const int error = inTransaction(database, [&](SuiteRecordset& rows) -> int {
-            changes = changesSince(rows, loaded, dataLocation);
+            const StoredItems stored(rows);
+            changes = changesSince(stored, loaded, dataLocation);
             if (!changes.isEmpty())
                 return NotStored;
-            if (const int failed = writeItems(rows, record, dataLocation))
+            if (const int failed = writeItems(rows, stored, record, dataLocation))
                 return failed;
             return markConfigured(rows);
         });
