@@ -146,10 +146,9 @@ TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
     for (const ConsoleJob& job : ConsoleJobs()) {
         if (job.opening != JobOpening::Routine && !FormExists(job.form))
             continue;
-        if (job.enabling == JobEnabling::Always)
+        withData += job.control;
+        if (job.enabling == JobEnabling::Always || job.enabling == JobEnabling::FirstCartLocationExists)
             always += job.control;
-        if (job.enabling != JobEnabling::FirstCartLocationExists)
-            withData += job.control;
     }
     EXPECT_TRUE(always.contains("cmdCompress") && withData.contains("cmdHardwareSetup"));
     EXPECT_EQ(enabled(console.form), withData);
