@@ -2,6 +2,7 @@
 #include "network/server/RemoteControl.h"
 #include "platform/process/Holders.h"
 #include "support/MachineFolder.h"
+#include "support/OpenSockets.h"
 #include "support/ScriptedPrompts.h"
 #include "support/VirtualClock.h"
 #include "support/WaitFor.h"
@@ -253,12 +254,9 @@ TEST_F(RemoteControlTest, PeersThatGoTooFarAreClosed) {
 
 TEST_F(RemoteControlTest, ManyConnectsInARowLeaveNothingBehind) {
     control.listen();
-    const auto openFiles = [] {
-        return QDir("/proc/self/fd").entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
-    };
     lines(*peer(), 1);
     EXPECT_TRUE(waitFor([&] { return !control.isConnected(); }));
-    const auto before = openFiles();
+    const auto before = openSockets();
     for (int i = 0; i < 100; ++i) {
         QTcpSocket quick;
         quick.connectToHost(QHostAddress::LocalHost, control.port());
@@ -268,8 +266,8 @@ TEST_F(RemoteControlTest, ManyConnectsInARowLeaveNothingBehind) {
         i % 2 == 0 ? quick.abort() : quick.disconnectFromHost();
         QCoreApplication::processEvents();
     }
-    EXPECT_TRUE(waitFor([&] { return !control.isConnected() && openFiles() <= before; }))
-        << openFiles() << " files open, " << before << " before";
+    EXPECT_TRUE(waitFor([&] { return !control.isConnected() && openSockets() <= before; }))
+        << openSockets() << " sockets open, " << before << " before";
     EXPECT_EQ(lines(*peer(), 1), line("Connected"));
 }
 

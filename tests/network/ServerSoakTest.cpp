@@ -2,6 +2,7 @@
 // memory stays flat, no file stays open, and it answers when they are gone.
 #include "network/server/RemoteControl.h"
 #include "support/MachineFolder.h"
+#include "support/OpenSockets.h"
 #include "support/WaitFor.h"
 
 #include <QElapsedTimer>
@@ -85,10 +86,6 @@ long residentKilobytes() {
                : 0;
 }
 
-qsizetype openFiles() {
-    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
-}
-
 } // namespace
 
 TEST(ServerSoak, HostilePeersLeaveNothingBehind) {
@@ -98,7 +95,7 @@ TEST(ServerSoak, HostilePeersLeaveNothingBehind) {
     RemoteControl control({QHostAddress::LocalHost, 0, ReadRemoteAccess},
                           [&events](const ServerEvent&) { ++events; });
     control.listen();
-    const qsizetype filesBefore = openFiles();
+    const qsizetype socketsBefore = openSockets();
     std::atomic<bool> done{false};
     std::atomic<int> connects{0};
     std::vector<std::thread> peers;
@@ -122,7 +119,8 @@ TEST(ServerSoak, HostilePeersLeaveNothingBehind) {
         peer.join(); // each gives up by its own time limits
     EXPECT_GT(connects, 0);
     EXPECT_LT(grown, 4096) << "kilobytes more than after the first fifth";
-    EXPECT_TRUE(waitFor([&] { return !control.isConnected() && openFiles() <= filesBefore; })) << openFiles();
+    EXPECT_TRUE(waitFor([&] { return !control.isConnected() && openSockets() <= socketsBefore; }))
+        << openSockets();
     QTcpSocket friendly;
     friendly.connectToHost(QHostAddress::LocalHost, control.port());
     QByteArray reply;
