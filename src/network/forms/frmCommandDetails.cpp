@@ -1,6 +1,7 @@
 #include "network/forms/frmCommandDetails.h"
 
 #include "network/forms/EventModel.h"
+#include "network/forms/TrialLines.h"
 #include "platform/CodePage.h"
 #include "platform/Prompts.h"
 #include "platform/devices/SerialPorts.h"
@@ -25,7 +26,6 @@ using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
 
-constexpr qsizetype mostBytesShown = 24;
 constexpr qsizetype mostUsesShown = 4;
 constexpr int digitsOfPort = 5;
 
@@ -56,17 +56,6 @@ bool hasText(qint32 type) {
 // A program's command line holds backslashes of its own: it is typed as it stands.
 TextForm formOf(qint32 type) {
     return type == ExternalCommand ? TextForm::AsItStands : TextForm::Escaped;
-}
-
-// "ABC\r (41 42 43 0D)", the beginning of it.
-QString describe(const QByteArray& bytes) {
-    const QByteArray start = bytes.left(mostBytesShown);
-    const QString more = bytes.size() > start.size() ? QStringLiteral("...") : QString();
-    return QStringLiteral("%1%3 (%2%3)").arg(ShowCommandText(start, false), HexOf(start), more);
-}
-
-QString bytesText(qsizetype count) {
-    return count == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(count);
 }
 
 void colour(QLabel* label, const QColor& colour) {
@@ -224,12 +213,7 @@ void frmCommandDetails::showText() {
     const std::optional<QByteArray> bytes =
         now.typedText ? ReadCommandText(*now.typedText, now.textForm, &fault) : now.storedText;
     colour(ui_->lblBytes, bytes ? tokens().quiet : tokens().error);
-    ui_->lblBytes->setText(!bytes ? fault.sentence
-                           : bytes->isEmpty()
-                               ? QStringLiteral("Nothing is sent.")
-                               : bytesText(bytes->size()) + QStringLiteral(": ") +
-                                     HexOf(bytes->left(mostBytesShown)) +
-                                     (bytes->size() > mostBytesShown ? QStringLiteral(" ...") : QString()));
+    ui_->lblBytes->setText(bytes ? BytesLine(*bytes) : fault.sentence);
 }
 
 void frmCommandDetails::showPort() {
@@ -392,33 +376,10 @@ void frmCommandDetails::test() {
 
 void frmCommandDetails::showTrial(const CommandEvent& event) {
     const bool isFault = event.kind == CommandEvent::Kind::Failed;
-    QString line;
-    switch (event.kind) {
-    case CommandEvent::Kind::Connecting:
-        line = QStringLiteral("Connecting to %1").arg(event.peer);
-        break;
-    case CommandEvent::Kind::Open:
-        line = QStringLiteral("%1 is open").arg(event.peer);
-        break;
-    case CommandEvent::Kind::Sent:
-        line = QStringLiteral("Sent %1: %2").arg(bytesText(event.bytes.size()), describe(event.bytes));
-        break;
-    case CommandEvent::Kind::Answer:
-        answered_ = true;
-        line = QStringLiteral("Answer, %1: %2").arg(bytesText(event.bytes.size()), describe(event.bytes));
-        break;
-    case CommandEvent::Kind::Started:
-        answered_ = true; // nothing else comes from a program
-        line = QStringLiteral("Started %1").arg(event.peer);
-        break;
-    case CommandEvent::Kind::Closed:
-        line = answered_ ? QStringLiteral("Done.") : QStringLiteral("Done; no answer came.");
-        break;
-    case CommandEvent::Kind::Failed:
-        line = event.text;
-        break;
-    }
-    events_->add(line, isFault);
+    // Of a program nothing comes back.
+    answered_ =
+        answered_ || event.kind == CommandEvent::Kind::Answer || event.kind == CommandEvent::Kind::Started;
+    events_->add(TrialLine(event, answered_), isFault);
     ui_->lstTrial->scrollToBottom();
     if (isFault || event.kind == CommandEvent::Kind::Closed)
         ui_->cmdTest->setText(QStringLiteral("&Test"));
