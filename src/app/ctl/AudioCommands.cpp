@@ -3,8 +3,8 @@
 #include "app/ctl/SetupOutput.h"
 
 #include "audio/DeviceIdentity.h"
-#include "audio/LevelReader.h"
-#include "audio/ToneTest.h"
+#include "audio/devices/LevelReader.h"
+#include "audio/devices/ToneTest.h"
 #include "core/text/Numbers.h"
 #include "platform/devices/WaveDevices.h"
 

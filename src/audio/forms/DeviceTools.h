@@ -4,8 +4,8 @@
 #pragma once
 
 #include "audio/DeviceIdentity.h"
-#include "audio/LevelReader.h"
-#include "audio/ToneTest.h"
+#include "audio/devices/LevelReader.h"
+#include "audio/devices/ToneTest.h"
 
 #include <QObject>
 

@@ -2,6 +2,7 @@
 
 #include "audio/AudiowallSetup.h"
 #include "core/text/Numbers.h"
+#include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
 
 #include <QHeaderView>
@@ -35,7 +36,9 @@ JumpGrid::JumpGrid(QWidget* parent)
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
     setTabKeyNavigation(false);
-    setStyleSheet(QStringLiteral("QTableCornerButton::section { background: transparent; border: none; }"));
+    setStyleSheet(QStringLiteral("QTableView { gridline-color: %1; }"
+                                 "QTableCornerButton::section { background: transparent; border: none; }")
+                      .arg(tokens().line.name()));
     entry_->setObjectName(QStringLiteral("txtGridEntry"));
     entry_->hide();
     entry_->installEventFilter(this);

@@ -1,7 +1,7 @@
 // A level as a bar, with the highest peak of the last moments held, the decibels and a word beside it.
 #pragma once
 
-#include "audio/LevelReader.h"
+#include "audio/devices/LevelReader.h"
 
 #include <QElapsedTimer>
 #include <QWidget>

@@ -3,8 +3,8 @@
 #include "support/SoundDevices.h"
 
 #include "audio/DeviceIdentity.h"
-#include "audio/LevelReader.h"
-#include "audio/ToneTest.h"
+#include "audio/devices/LevelReader.h"
+#include "audio/devices/ToneTest.h"
 #include "audio/forms/LevelMeter.h"
 #include "audio/forms/frmAudioSetup.h"
 #include "platform/devices/WaveDeviceWatch.h"

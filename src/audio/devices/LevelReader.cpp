@@ -1,4 +1,4 @@
-#include "audio/LevelReader.h"
+#include "audio/devices/LevelReader.h"
 
 #include <algorithm>
 #include <cmath>

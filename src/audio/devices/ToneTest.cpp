@@ -1,4 +1,4 @@
-#include "audio/ToneTest.h"
+#include "audio/devices/ToneTest.h"
 
 #include <algorithm>
 #include <cmath>
