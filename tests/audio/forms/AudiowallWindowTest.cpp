@@ -131,6 +131,8 @@ TEST_F(AudiowallWindow, SizesTheSmallestCart) {
     slider->setFocus();
     QTest::keyClick(slider, Qt::Key_Home);
     EXPECT_EQ(slider->value(), 1900);
+    QTest::keyClick(slider, Qt::Key_Left); // one step below the limit
+    EXPECT_EQ(slider->value(), 1900);
     EXPECT_EQ(cart(3)->width(), 1900 / 15);
     EXPECT_EQ(label("lblEstGrid"), "This will give an estimated grid of carts of: 8 x 7");
     QTest::keyClick(slider, Qt::Key_End);
