@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 namespace tolvex::tests {
@@ -23,8 +24,10 @@ public:
     SoundDevices& operator=(const SoundDevices&) = delete;
 
     // Outputs "The <name>" write 16-bit frames to played(name); inputs read recorded(name).
-    void declare(const QStringList& outputs, const QStringList& inputs = {}) {
-        QString text = QStringLiteral("pcm.null { type null hint { show on description \"Nothing\" } }\n");
+    // `more` is declared as it stands.
+    void declare(const QStringList& outputs, const QStringList& inputs = {}, const QString& more = {}) {
+        QString text =
+            QStringLiteral("pcm.null { type null hint { show on description \"Nothing\" } }\n") + more;
         for (const QString& name : outputs)
             text += QStringLiteral("pcm.%1file { type file slave.pcm null file \"%2\" format raw }\n"
                                    "pcm.%1 { type asym playback.pcm %1file "
@@ -50,8 +53,7 @@ public:
     // Stereo samples that were played so far.
     std::vector<qint16> samplesOf(const QString& name) const {
         QFile file(played(name));
-        file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
+        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         std::vector<qint16> samples(std::size_t(bytes.size() / 2));
         std::memcpy(samples.data(), bytes.constData(), samples.size() * 2);
         return samples;

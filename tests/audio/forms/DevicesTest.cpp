@@ -1,5 +1,6 @@
 // The audio window over the real sound system: test tones, levels, devices that come, go and move.
 #include "SetupForm.h"
+#include "TestPlaces.h"
 #include "support/SoundDevices.h"
 
 #include "audio/DeviceIdentity.h"
@@ -97,6 +98,19 @@ TEST_F(SoundWindow, StopsAToneAtOnceAndSaysWhyNonePlays) {
     EXPECT_LT(sound.samplesOf("desk").size(), 2U * 44100);
     press("cmdTest_1");
     tab(2);
+    EXPECT_EQ(on<QPushButton>("cmdTest_1")->text(), "Test");
+}
+
+TEST_F(SoundWindow, SaysThatADeviceIsBusy) {
+    sound.declare({}, {},
+                  "pcm_type.studio { lib \"" TOLVEX_STUDIO_PCM "\" }\n"
+                  "pcm.taken { type studio rates [ 44100 ] channels [ 2 ] busy 1 direction playback "
+                  "hint { show on description \"The taken\" } }\n");
+    platform::RefreshWaveDevices();
+    settings.CartPlayerTable[1].Device = 1;
+    open();
+    press("cmdTest_1");
+    EXPECT_EQ(status(), "The taken is busy: another program uses it.");
     EXPECT_EQ(on<QPushButton>("cmdTest_1")->text(), "Test");
 }
 
