@@ -34,7 +34,7 @@ public:
     }
 
     void set(const QDateTime& time, bool mayAsk, SetDone done) override {
-        SetSystemTime(time, mayAsk, std::move(done));
+        SetSystemTime(time, mayAsk, done);
     }
 };
 

@@ -57,7 +57,7 @@ ClockRefusal refusalOf(const QDBusError& error) {
 
 } // namespace
 
-void SetSystemTime(const QDateTime& time, bool mayAsk, Clock::SetDone done) {
+void SetSystemTime(const QDateTime& time, bool mayAsk, const Clock::SetDone& done) {
     if (!time.isValid() || time.toMSecsSinceEpoch() < 0)
         return done({NoRightToSetClock, QStringLiteral("There is no such time")});
     // A connection of its own: one that is kept would be of no use after the bus was started anew.

@@ -7,6 +7,6 @@
 namespace tolvex::platform {
 
 // As Clock::set.
-void SetSystemTime(const QDateTime& time, bool mayAsk, Clock::SetDone done);
+void SetSystemTime(const QDateTime& time, bool mayAsk, const Clock::SetDone& done);
 
 } // namespace tolvex::platform

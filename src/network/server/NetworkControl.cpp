@@ -23,7 +23,7 @@ constexpr NetControlEventRow rows[] = {
 };
 
 QString logLine(const NetControlEventRow& row, const NetControlEvent& event) {
-    const QString line = QStringLiteral("NETCONTROL: NetControlClient_") + QLatin1String(row.name);
+    QString line = QStringLiteral("NETCONTROL: NetControlClient_") + QLatin1String(row.name);
     if (row.number == NetMessage)
         return line + QStringLiteral(": \"%1\"").arg(event.text);
     if (row.number == NetSendProgress)
