@@ -17,6 +17,7 @@
 #include "network/TerminalList.h"
 #include "network/forms/frmCommandDetails.h"
 #include "network/forms/frmCommandSetup.h"
+#include "network/forms/frmRadioClockTest.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "platform/devices/WaveDevices.h"
@@ -253,6 +254,10 @@ int main(int argc, char** argv) {
     save(chooser, "audioformat");
     saveForm(station, "frmDisplayOptions", "displayoptions");
     saveForm(station, "frmDateTimeSetup", "datetime");
+    frmRadioClockTest clock;
+    clock.setPort(1);
+    FitForm(&clock);
+    save(clock, "radioclocktest");
     saveForm(station, "frmLinkMeshSetup", "linkmesh");
     saveCommands(station);
     for (int card = 0; card < HardwareCardCount; ++card) {

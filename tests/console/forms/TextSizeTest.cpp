@@ -5,6 +5,8 @@
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
 #include "console/forms/frmSplash.h"
+#include "network/forms/frmCommandDetails.h"
+#include "network/forms/frmRadioClockTest.h"
 #include "ui/style/FitForm.h"
 
 #include <QCheckBox>
@@ -69,12 +71,16 @@ protected:
 TEST_P(TextSize, LeavesEveryTextItsRoom) {
     Station station(configuredIni());
     for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup", "frmAudioSetup",
-                             "frmAudioWallSetup", "frmKOVASetup"}) {
+                             "frmAudioWallSetup", "frmKOVASetup", "frmLinkMeshSetup", "frmCommandSetup"}) {
         const std::unique_ptr<QDialog> form(MakeForm(name, station.workstation, nullptr));
         expectNothingCut(*form);
     }
     frmMultiConfig sets("SOFTWARE\\Norvane\\Tolvex", "tolvex.ini");
     expectNothingCut(sets);
+    frmCommandDetails command(CommandFolder("C:\\DATA"), {}, {});
+    expectNothingCut(command);
+    frmRadioClockTest clock;
+    expectNothingCut(clock);
     frmSplash about({});
     about.becomeAboutBox();
     expectNothingCut(about);
