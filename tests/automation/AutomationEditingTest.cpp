@@ -8,6 +8,7 @@
 #include "databases/ServerTest.h"
 #include "databases/suite/DatabaseSettings.h"
 #include "databases/users/UsersDatabase.h"
+#include "jet/Database.h"
 #include "platform/profile/ProfileFile.h"
 #include "support/FileFaults.h"
 #include "support/NoRoom.h"
@@ -62,6 +63,7 @@ AutomationEntries defaults() {
 // the others.
 TEST(AutomationFieldsTest, ChecksInOrderAndNamesTheField) {
     AutomationEntries entries = defaults();
+    entries["txtVoiceLinkEndcart"] = entries["txtVoiceLinkStartCart"]; // one cart is a range
     EXPECT_FALSE(CheckAutomationSettings(entries, Carts));
     const QString restart = "You must set the automatic restart delay to a value from 0 to 32000 seconds";
     const QString next = "You must set how many \"Next\" to send from 1 to 50";
@@ -184,6 +186,14 @@ TEST(AutomationFieldsTest, KeepsEveryItemThroughItsControls) {
         for (const AutomationItem& item : AutomationItems())
             EXPECT_EQ(MemberValue(item, taken), MemberValue(item, record)) << item.name;
     }
+    // The lowest values that switch something on.
+    record.KOVA_AutoRestartDelay = 0;
+    record.SEGUE_VoiceLinkLevelTrigger = record.KOVA_MaxFadeTime = 1;
+    AutomationEntries lowest = ShowAutomationSettings(record);
+    EXPECT_EQ(lowest["chkAutoRestart"], 1);
+    EXPECT_EQ(lowest["txtRestartSeconds"], "0");
+    EXPECT_EQ(lowest["chkSTLevelTrigger"], 1);
+    EXPECT_EQ(lowest["optFadeLast"], 1);
     // Values that no list has.
     record.KOVA_FadeSongRules = 9;
     record.CARTS_FirstPlayer = 0;
@@ -288,6 +298,16 @@ TEST_F(AutomationEditingTest, RefusesWhatIsNotThereAnyMore) {
     machine.write("C:\\DATA\\SCHEDULE\\TEXT.MDB", "text");
     EXPECT_FALSE(editing.open("C:\\DATA\\SCHEDULE\\TEXT.MDB"));
     EXPECT_TRUE(texts().takeLast().contains("opening the database"));
+    make("C:\\DATA\\SCHEDULE\\ADS.MDB", AdvertsType); // has no settings
+    EXPECT_FALSE(editing.open("C:\\DATA\\SCHEDULE\\ADS.MDB"));
+    EXPECT_TRUE(texts().takeLast().contains("opening the K-OVA settings table"));
+    {
+        jet::OpenOptions alone;
+        alone.exclusive = true;
+        const jet::Database held = jet::Database::open(machine.host(Path).toStdString(), alone);
+        EXPECT_FALSE(editing.open(Path));
+        EXPECT_TRUE(texts().takeLast().contains("opening the database"));
+    }
     prompts.forget();
     ASSERT_TRUE(editing.open(Path));
     ASSERT_EQ(platform::RenameFile(Path, "C:\\DATA\\AWAY.MDB"), 0);

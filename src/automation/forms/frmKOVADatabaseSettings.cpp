@@ -9,6 +9,7 @@
 #include "databases/suite/DatabaseKinds.h"
 #include "platform/Clock.h"
 #include "platform/Prompts.h"
+#include "platform/devices/AudioFormats.h"
 #include "ui/binding/ColourButton.h"
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
@@ -222,15 +223,10 @@ void frmKOVADatabaseSettings::showFont() {
 }
 
 void frmKOVADatabaseSettings::showFormat() {
-    const QString channels = shown_.SEGUE_VoiceLinkChannels == 1 ? QStringLiteral("Mono")
-                             : shown_.SEGUE_VoiceLinkChannels == 2
-                                 ? QStringLiteral("Stereo")
-                                 : QStringLiteral("%1 channels").arg(shown_.SEGUE_VoiceLinkChannels);
-    const QString name = shown_.SEGUE_VoiceLinkFormat == 1
-                             ? QStringLiteral("PCM")
-                             : QStringLiteral("Format %1").arg(shown_.SEGUE_VoiceLinkFormat);
-    ui_->lblAudioFormat->setText(
-        QStringLiteral("%1 %2 Hz, %3 ").arg(name).arg(shown_.SEGUE_VoiceLinkKhz).arg(channels));
+    ui_->lblAudioFormat->setText(platform::DescribeAudioFormat(shown_.SEGUE_VoiceLinkFormat,
+                                                               shown_.SEGUE_VoiceLinkChannels,
+                                                               shown_.SEGUE_VoiceLinkKhz) +
+                                 u' ');
 }
 
 void frmKOVADatabaseSettings::showSamples() {

@@ -268,7 +268,8 @@ TEST_F(AutomationFormsTest, ShowsWhatFollowsFromTheControls) {
     EXPECT_EQ(typed("txtMusicLogPath"), "M:\\LOGS");
     prompts.waveFormats = {platform::WaveFormat{1, 1, 48000}};
     click("cmdSelectAudioFormat");
-    EXPECT_TRUE(text("lblAudioFormat").contains("48000 Hz, Mono"));
+    EXPECT_TRUE(text("lblAudioFormat").contains("48.000 kHz") && text("lblAudioFormat").endsWith("Mono "))
+        << text("lblAudioFormat").toStdString();
     withNextWindow([](QWidget& dialog) {
         auto* fonts = qobject_cast<QFontDialog*>(&dialog);
         QFont font = fonts->currentFont();
