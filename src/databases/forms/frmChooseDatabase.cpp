@@ -87,6 +87,7 @@ frmChooseDatabase::frmChooseDatabase(QWidget* parent)
             work_->stop();
     });
     ui_->pnlStatus->hide();
+    updateEnabled(); // there is nothing to choose yet
     resize(620, 440);
 }
 

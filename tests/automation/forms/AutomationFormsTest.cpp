@@ -165,6 +165,13 @@ TEST_F(AutomationFormsTest, StoresAndShowsEveryControl) {
             << entry.key().toStdString();
     QTest::keyClick(form.get(), Qt::Key_Escape); // nothing was changed since: no question
     EXPECT_FALSE(form->isVisible());
+    // The format stands in no control, and counts as a change all the same.
+    openSettings();
+    prompts.waveFormats = {platform::WaveFormat{1, 1, 8000}};
+    click("cmdSelectAudioFormat");
+    prompts.answers = {Answer::No};
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible());
 }
 
 TEST_F(AutomationFormsTest, EnablesByTheRules) {

@@ -259,9 +259,11 @@ TEST_F(ChooserTest, PassesOverDamagedFilesAndCanBeStopped) {
     ASSERT_EQ(texts().size(), 2);
     EXPECT_TRUE(texts()[0].contains("Are you sure you want to continue compacting/repairing:"));
     EXPECT_TRUE(texts()[1].contains("getting the information from  : BARE0.MDB")) << texts()[1].toStdString();
-    prompts.typed = {QString("Once more")};
-    choose("mnuChangeDesc");
-    EXPECT_EQ(texts().size(), 2);
+    prompts.forget();
+    prompts.typed = {QString("NEW")};
+    prompts.answers = {Answer::Yes}; // to the new one, and none to a repair
+    choose("MnuNew");
+    EXPECT_EQ(rowsShown().size(), 3);
 
     form.reset();
     int seen = 0;
