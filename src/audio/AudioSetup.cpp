@@ -6,12 +6,12 @@
 #include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingCheck.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/StoredSettings.h"
 #include "core/system/Product.h"
 #include "core/text/Numbers.h"
 #include "platform/Prompts.h"
 #include "platform/paths/Paths.h"
-#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 
@@ -169,18 +169,18 @@ void takePlayers(const AudioSetup& setup, Settings& settings) {
 
 int writeZqsVolumes(const Settings& settings) {
     platform::ProfileBatch batch(settings.LocalIniFile);
-    const QString section = QStringLiteral("Audio");
-    batch.put(section, QStringLiteral("CartGroupVolume"), settings.CartGroupVolume);
-    batch.put(section, QStringLiteral("AdvertVolume"), settings.AdvertVolume);
+    PutSettingText(batch, RowOf<&Settings::CartGroupVolume>(), QString::number(settings.CartGroupVolume));
+    PutSettingText(batch, RowOf<&Settings::AdvertVolume>(), QString::number(settings.AdvertVolume));
     return batch.commit();
 }
 
 int writeAudiowallKeys(const Settings& settings) {
     platform::ProfileBatch batch(AudiowallIniFile(settings));
-    batch.put(QStringLiteral("Audiowall"), QStringLiteral("AllowAudioFileLinking"),
-              settings.AllowAudioFileLinking ? 1 : 0);
-    batch.put(QStringLiteral("CartChunk"), QStringLiteral("UseCopyrightInCartChunk"),
-              settings.UseCopyrightInCartChunk ? 1 : 0);
+    const auto flagText = [](qint16 flag) { return QString::number(flag ? 1 : 0); };
+    PutSettingText(batch, RowOf<&Settings::AllowAudioFileLinking>(),
+                   flagText(settings.AllowAudioFileLinking));
+    PutSettingText(batch, RowOf<&Settings::UseCopyrightInCartChunk>(),
+                   flagText(settings.UseCopyrightInCartChunk));
     return batch.commit();
 }
 

@@ -4,10 +4,11 @@
 #include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingCheck.h"
+#include "core/settings/SettingText.h"
+#include "core/settings/SettingsLoader.h"
 #include "core/settings/StoredSettings.h"
 #include "core/text/Numbers.h"
 #include "platform/Prompts.h"
-#include "platform/profile/ProfileFile.h"
 
 #include <iterator>
 
@@ -29,10 +30,6 @@ enum SelectedMode : qint32 { ByColour = 1, PushedIn = 2 };
 // What of the screen no cart takes, in twips.
 constexpr qint32 besideTheCarts = 90;
 constexpr qint32 aboveAndBelowTheCarts = 4560;
-
-const QString section = QStringLiteral("Audiowall");
-const QString numberKey = QStringLiteral("NoCarts");
-const QString pictureKey = QStringLiteral("PictureFileExtension");
 
 struct FlagRow {
     bool AudiowallSetup::*held;
@@ -137,8 +134,8 @@ void takeJumps(const QList<JumpCartButton>& jumps, Settings& settings) {
 
 int writeAudiowallKeys(const Settings& settings) {
     platform::ProfileBatch batch(AudiowallIniFile(settings));
-    batch.put(section, numberKey, settings.NoCarts);
-    batch.put(section, pictureKey, settings.PictureFileExtension);
+    PutSettingText(batch, RowOf<&Settings::NoCarts>(), QString::number(settings.NoCarts));
+    PutSettingText(batch, RowOf<&Settings::PictureFileExtension>(), settings.PictureFileExtension);
     return batch.commit();
 }
 
@@ -174,8 +171,11 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     QString extension = settings.PictureFileExtension;
     if (hasLocation(settings)) {
         const QString file = AudiowallIniFile(settings);
-        setup.numberCarts = platform::ProfileInteger(section, numberKey, 9999, file);
-        extension = platform::ProfileText(section, pictureKey, QStringLiteral("JPG"), file);
+        Settings stored;
+        LoadRow(RowOf<&Settings::NoCarts>(), {file}, stored);
+        LoadRow(RowOf<&Settings::PictureFileExtension>(), {file}, stored);
+        setup.numberCarts = stored.NoCarts;
+        extension = stored.PictureFileExtension;
     }
     for (std::size_t type = 0; type < std::size(PictureTypes); ++type)
         if (extension.compare(QLatin1String(PictureTypes[type].extension), Qt::CaseInsensitive) == 0)

@@ -3,7 +3,7 @@
 #include "audio/AudioEditorSearch.h"
 #include "audio/CartBackup.h"
 #include "audio/CartStore.h"
-#include "audio/FileCache.h"
+#include "audio/CheckFileCache.h"
 #include "audio/WaveSearch.h"
 #include "core/report/DebugLog.h"
 #include "core/settings/SettingText.h"

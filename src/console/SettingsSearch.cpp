@@ -1,7 +1,6 @@
 #include "console/SettingsSearch.h"
 
 #include "automation/AutomationFields.h"
-#include "automation/AutomationSetup.h"
 #include "console/ConsoleJobs.h"
 #include "core/settings/SettingsTable.h"
 
@@ -42,6 +41,12 @@ bool isCommonButton(const QString& text) {
     return text == u"OK" || text == u"Cancel" || text == u"Done" || text == u"Browse..." || text == u"Test";
 }
 
+// The control of a row; of several, the first.
+QString placeOf(const SettingRow& row) {
+    const QString control = QString::fromLatin1(row.control).section(u' ', 0, 0);
+    return row.count && control.endsWith(u'_') ? control + u'1' : control;
+}
+
 } // namespace
 
 QList<SearchEntry> SettingEntries() {
@@ -53,10 +58,8 @@ QList<SearchEntry> SettingEntries() {
                 continue;
             const QString help = QString::fromUtf8(row.help);
             const QString key = QString::fromLatin1(row.key);
-            const AutomationKey* automation = FindAutomationKey(key);
-            const QString place = QString::fromLatin1(automation ? automation->control : row.control);
-            entries.append({help, (help + u' ' + key).toLower(), QString::fromLatin1(job->control),
-                            place.section(u' ', 0, 0)});
+            entries.append(
+                {help, (help + u' ' + key).toLower(), QString::fromLatin1(job->control), placeOf(row)});
         }
     return entries;
 }

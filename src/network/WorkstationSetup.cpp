@@ -1,10 +1,10 @@
 #include "network/WorkstationSetup.h"
 
 #include "core/report/ProblemReport.h"
+#include "core/settings/SettingText.h"
 #include "core/settings/StoredSettings.h"
 #include "core/time/Dates.h"
 #include "platform/files/Files.h"
-#include "platform/profile/ProfileFile.h"
 
 namespace tolvex {
 
@@ -100,9 +100,8 @@ WorkstationResult StoreWorkstations(const WorkstationChoice& choice, const QStri
     if (error != platform::NoError)
         return {Outcome::Failed, ProblemReport(QStringLiteral("writing the Terminal List"), error, true)};
     values.LinkMeshId = choice.chosenId;
-    if (const int failed =
-            platform::WriteProfileText(QStringLiteral("LinkMesh"), QStringLiteral("LinkMeshId"),
-                                       QString::number(choice.chosenId), values.LocalIniFile))
+    if (const int failed = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(choice.chosenId),
+                                            values.LocalIniFile))
         return {Outcome::Failed, ProfileErrorText(failed, ProfilePath(values.LocalIniFile))};
     return {};
 }

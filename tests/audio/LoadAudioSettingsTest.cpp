@@ -2,7 +2,7 @@
 #include "AudioTest.h"
 
 #include "audio/AudioEditorSearch.h"
-#include "audio/FileCache.h"
+#include "audio/CheckFileCache.h"
 #include "audio/LoadAudioSettings.h"
 #include "audio/WaveSearch.h"
 #include "core/report/DebugLog.h"

@@ -1,6 +1,6 @@
 #include "audio/forms/frmAudioSetup.h"
 
-#include "audio/FileCache.h"
+#include "audio/CheckFileCache.h"
 #include "audio/LoadAudioSettings.h"
 #include "core/report/Folders.h"
 #include "core/system/Programs.h"

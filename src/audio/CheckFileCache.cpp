@@ -1,4 +1,4 @@
-#include "audio/FileCache.h"
+#include "audio/CheckFileCache.h"
 
 #include "core/settings/Settings.h"
 #include "core/system/Registry.h"
