@@ -309,6 +309,7 @@ TEST(TextBoxes, ABoxOfDigitsTakesNothingElseAndEndsInItsRange) {
     TakeDigits(word, 4);
     ClampOnLeaving(word, 1, 100);
     TakeDigits(form.get<QLineEdit>("txtSeconds"), 0, ".");
+    ClampOnLeaving(form.get<QLineEdit>("txtSeconds"), 0, 60);
     form.open();
     form.tabs->setCurrentIndex(1);
     form.type("txtSeconds", "1a.5");
@@ -326,6 +327,9 @@ TEST(TextBoxes, ABoxOfDigitsTakesNothingElseAndEndsInItsRange) {
     word->clear();
     form.get<QLineEdit>("txtSeconds")->setFocus();
     EXPECT_EQ(word->text(), "1");
+    form.get<QLineEdit>("txtSeconds")->clear();
+    word->setFocus();
+    EXPECT_EQ(form.get<QLineEdit>("txtSeconds")->text(), "0");
 }
 
 TEST(ColourButton, ChoosesByTheKeyboardAndShowsItsColourOnThePanel) {
