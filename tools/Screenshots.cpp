@@ -182,8 +182,6 @@ void makeDevices() {
                              {{QStringLiteral("Desk, Record Bus"), QStringLiteral("rec"), 0, formats, true}});
 }
 
-}
-
 // The automation player's windows, on a database with a few settings of a station's own.
 void saveAutomation(Workstation& station) {
     const QString databases = AutomationFolder(station.settings);
