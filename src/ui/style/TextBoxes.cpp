@@ -12,6 +12,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace tolvex {
 
@@ -19,20 +20,26 @@ namespace {
 
 const QString MarkName = QStringLiteral("lblMark");
 
-class SelectOnFocus : public QObject {
+// Calls a routine each time that the box gets or loses the focus.
+class OnFocus : public QObject {
 public:
-    explicit SelectOnFocus(QLineEdit* box)
-        : QObject(box) {
+    OnFocus(QLineEdit* box, QEvent::Type type, std::function<void()> then)
+        : QObject(box)
+        , type_(type)
+        , then_(std::move(then)) {
         box->installEventFilter(this);
     }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        // After the click that gave the focus has placed its cursor.
-        if (event->type() == QEvent::FocusIn)
-            QTimer::singleShot(0, watched, [box = static_cast<QLineEdit*>(watched)] { SelectAll(box); });
+        if (event->type() == type_)
+            then_();
         return QObject::eventFilter(watched, event);
     }
+
+private:
+    QEvent::Type type_;
+    std::function<void()> then_;
 };
 
 } // namespace
@@ -42,7 +49,8 @@ void SelectAll(QLineEdit* box) {
 }
 
 void SelectAllOnFocus(QLineEdit* box) {
-    new SelectOnFocus(box);
+    // After the click that gave the focus has placed its cursor.
+    new OnFocus(box, QEvent::FocusIn, [box] { QTimer::singleShot(0, box, [box] { SelectAll(box); }); });
 }
 
 void MarkBox(QLineEdit* box, const QString& word) {
@@ -104,12 +112,14 @@ void TakeDigits(QLineEdit* box, int longest, const QString& also) {
 }
 
 void ClampOnLeaving(QLineEdit* box, qint32 lowest, qint32 highest) {
-    QObject::connect(box, &QLineEdit::editingFinished, box, [box, lowest, highest] {
+    const auto clamp = [box, lowest, highest] {
         const double number = LeadingNumber(box->text());
         const double clamped = std::clamp<double>(number, lowest, highest);
         if (clamped != number || box->text().isEmpty())
             box->setText(QString::number(clamped));
-    });
+    };
+    QObject::connect(box, &QLineEdit::editingFinished, box, clamp); // Enter as well
+    new OnFocus(box, QEvent::FocusOut, clamp);
 }
 
 void TypeInUpperCase(QLineEdit* box) {
