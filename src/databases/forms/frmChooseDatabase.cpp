@@ -180,6 +180,11 @@ void frmChooseDatabase::firstShowing() {
 void frmChooseDatabase::showView(int mode) {
     QListView* icons = ui_->lViewDatabases;
     ui_->stackViews->setCurrentIndex(mode == Details ? 1 : 0);
+    // Also while the window is not active yet: the keys go to the view that can be seen.
+    if (mode == Details)
+        ui_->lViewDetails->setFocus();
+    else
+        icons->setFocus();
     QAction* const actions[] = {ui_->mnuViewLarge, ui_->mnuViewSmall, ui_->mnuViewList, ui_->mnuViewDetails};
     actions[mode]->setChecked(true);
     icons->setViewMode(mode == LargeIcons ? QListView::IconMode : QListView::ListMode);
