@@ -170,7 +170,7 @@ std::optional<AutomationFault> CheckAutomationSettings(AutomationEntries& entrie
         return fault("You can only set from 1 to 300 seconds for the number of seconds to hear when using "
                      "the segue editor",
                      "txtSegPreviewLength");
-    if (const auto wrong = checkCarts(entry, carts))
+    if (auto wrong = checkCarts(entry, carts))
         return wrong;
     if (entry.isEmpty("txtMusicFilenamePrefix") && entry.isEmpty("comboMusicFilenameFormat"))
         return fault("You must set at least one of Music Log Filename Prefix and Log Filename Format",
@@ -220,7 +220,7 @@ void TakeAutomationSettings(const AutomationEntries& entries, KOVADatabaseSettin
 
 std::optional<AutomationFault> CheckAutomationRecord(KOVADatabaseSettings& record, qint32 carts) {
     AutomationEntries entries = ShowAutomationSettings(record);
-    if (const auto wrong = CheckAutomationSettings(entries, carts))
+    if (auto wrong = CheckAutomationSettings(entries, carts))
         return wrong;
     TakeAutomationSettings(entries, record);
     return std::nullopt;

@@ -28,7 +28,6 @@ namespace tolvex {
 namespace {
 
 using Kind = AutomationField::Kind;
-using platform::WaveFormat;
 
 constexpr int LongestNumber = 10; // digits
 constexpr int ShownDigits = 5;    // of a box for a number that is not longer as a rule
