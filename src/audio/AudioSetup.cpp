@@ -242,7 +242,7 @@ SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings) {
         const qint16 linkingBefore = settings.AllowAudioFileLinking;
         const qint16 copyrightBefore = settings.UseCopyrightInCartChunk;
         settings = next;
-        RememberDevices(settings);
+        RememberDevices(settings, setup.chosen);
         error = next.CartPartTable[1].Location.trimmed().isEmpty() ? 0 : writeAudiowallKeys(next);
         if (error) {
             settings.AllowAudioFileLinking = linkingBefore;

@@ -3,6 +3,7 @@
 // the one way back into the settings and their files.
 #pragma once
 
+#include "audio/DeviceIdentity.h"
 #include "audio/SetupOutcome.h"
 #include "core/settings/Settings.h"
 
@@ -25,6 +26,7 @@ struct AudioSetup {
     NumberedTable<Player, CartPlayerCount> player;
     int instant = -1;    // "Player 1", ...
     int recordInto = -1; // the wave inputs
+    DeviceUses chosen;   // whose device the user has chosen, also where the number is the same
     bool playersAsToolbars = false;
 
     // Playing.

@@ -104,11 +104,32 @@ int numberNow(const Remembered& one) {
     return -1;
 }
 
+// Whether the number that the settings have for a use means another device than it did.
+bool hasMoved(const Settings& settings, const Remembered& one) {
+    const QList<WaveDevice>& devices = devicesFor(one.player);
+    const int stored = storedOf(settings, one.player);
+    const bool pulledDown = one.player == 0 && one.stored > devices.size() && stored == devices.size();
+    if (one.stored < 1 || (one.stored != stored && !pulledDown))
+        return false;
+    return one.stored > devices.size() || !isSame(devices[one.stored - 1], one);
+}
+
 // What is remembered, with the devices of the settings in place of those of their ini file.
-QList<Remembered> withDevicesOf(const Settings& settings, QList<Remembered> all) {
+QList<Remembered> withDevicesOf(const Settings& settings, DeviceUses chosen, QList<Remembered> all) {
     const QString iniFile = iniName(settings);
-    all.removeIf([&iniFile](const Remembered& one) { return one.iniFile == iniFile; });
+    DeviceUses kept;
+    all.removeIf([&](const Remembered& one) {
+        if (one.iniFile != iniFile)
+            return false;
+        const bool keep = one.player >= 0 && one.player <= CartPlayerCount && !chosen[size_t(one.player)] &&
+                          hasMoved(settings, one);
+        if (keep)
+            kept.set(size_t(one.player));
+        return !keep;
+    });
     for (int player = 0; player <= CartPlayerCount; ++player) {
+        if (kept[size_t(player)])
+            continue;
         const int stored = storedOf(settings, player);
         const QList<WaveDevice>& devices = devicesFor(player);
         if (stored < 1 || stored > devices.size())
@@ -128,26 +149,21 @@ QString MovedDevice::text() const {
                    : QStringLiteral("%1 was '%2', which is now number %3").arg(use, name).arg(now);
 }
 
-void RememberDevices(const Settings& settings) {
-    if (withDevicesOf(settings, read()) == read())
+void RememberDevices(const Settings& settings, DeviceUses chosen) {
+    if (withDevicesOf(settings, chosen, read()) == read())
         return; // most of the time
     const platform::FileLock lock(filePath());
     if (lock.held())
-        platform::ReplaceHostFile(filePath(), textOf(withDevicesOf(settings, read())));
+        platform::ReplaceHostFile(filePath(), textOf(withDevicesOf(settings, chosen, read())));
 }
 
 QList<MovedDevice> FindMovedDevices(const Settings& settings) {
     QList<MovedDevice> moved;
     const QString iniFile = iniName(settings);
-    for (const Remembered& one : read()) {
-        if (one.iniFile != iniFile || one.player < 0 || one.player > CartPlayerCount ||
-            one.stored != storedOf(settings, one.player) || one.stored < 1)
-            continue;
-        const QList<WaveDevice>& devices = devicesFor(one.player);
-        const bool still = one.stored <= devices.size() && isSame(devices[one.stored - 1], one);
-        if (!still)
+    for (const Remembered& one : read())
+        if (one.iniFile == iniFile && one.player >= 0 && one.player <= CartPlayerCount &&
+            hasMoved(settings, one))
             moved += {one.player, one.name, numberNow(one)};
-    }
     return moved;
 }
 

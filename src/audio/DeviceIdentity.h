@@ -7,12 +7,13 @@
 #pragma once
 
 #include "audio/SetupOutcome.h"
+#include "core/settings/Settings.h"
 
 #include <QStringList>
 
-namespace tolvex {
+#include <bitset>
 
-struct Settings;
+namespace tolvex {
 
 // A stored number that means another device now.
 struct MovedDevice {
@@ -24,12 +25,16 @@ struct MovedDevice {
     QString text() const;
 };
 
-// Remembers the devices of the settings as they are stored: of the players, where they are assigned by hand,
-// and of recording. Called by every OK. A file that cannot be written is no reason to fail.
-void RememberDevices(const Settings& settings);
+// Uses of a device: of the players by their number, 0 of recording.
+using DeviceUses = std::bitset<CartPlayerCount + 1>;
 
-// Those of the settings' devices that are not what was remembered. A number that was changed since says
-// nothing of what it means.
+// Remembers the devices of the settings as they are stored: of the players, where they are assigned by hand,
+// and of recording. A number that means another device now keeps what is remembered, unless the user has
+// `chosen` the device anew. Called by every OK. A file that cannot be written is no reason to fail.
+void RememberDevices(const Settings& settings, DeviceUses chosen = {});
+
+// Those of the settings' devices that are not what was remembered. A number that was changed since stands for
+// itself, but for that of a recording device that is gone: loading pulls it down to the last one.
 QList<MovedDevice> FindMovedDevices(const Settings& settings);
 QStringList MovedDeviceTexts(const Settings& settings);
 

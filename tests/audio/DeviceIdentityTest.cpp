@@ -80,11 +80,27 @@ TEST_F(DeviceIdentities, AreRepairedInTheSuitesOwnKeysAlone) {
     EXPECT_EQ(value("CartPlayers", "SoundCardNumber2"), "1");
     EXPECT_EQ(settings.RecordingSoundCard, 1); // gone, so it keeps its number
     EXPECT_EQ(value("Other", "Key"), "kept");
-    EXPECT_EQ(texts(), QStringList());
+    // What is gone is told until it comes back or something else is chosen for it.
+    EXPECT_EQ(texts(), QStringList("The recording device was 'Line', which is not there now"));
+    RememberDevices(settings);
+    EXPECT_EQ(texts().size(), 1);
     const QByteArray before = machine.read(iniPath);
     ASSERT_TRUE(RepairDevices(settings).stored());
     EXPECT_EQ(machine.read(iniPath), before);
     EXPECT_FALSE(before.contains("Twin"));
+}
+
+TEST_F(DeviceIdentities, OfARecordingDeviceThatIsGoneAreToldUnderTheNumberThatLoadingPulledDown) {
+    plug({{"Twin", "a", "left"}, {"Twin", "b", "right"}}, {{"Line", "l", ""}, {"Mic", "m", ""}});
+    settings.RecordingSoundCard = 2;
+    RememberDevices(settings);
+    plug({{"Twin", "a", "left"}, {"Twin", "b", "right"}}, {{"Line", "l", ""}});
+    settings.RecordingSoundCard = 1;
+    EXPECT_EQ(texts(), QStringList("The recording device was 'Mic', which is not there now"));
+    RememberDevices(settings);
+    EXPECT_EQ(texts().size(), 1);
+    RememberDevices(settings, 1); // the user has chosen the line
+    EXPECT_EQ(texts(), QStringList());
 }
 
 TEST_F(DeviceIdentities, PassOverAFileThatIsDamaged) {

@@ -51,6 +51,18 @@ public:
 
 } // namespace
 
+// Where no trash can be made a database goes for good, and not into whatever folder the program runs in.
+TEST_F(DatabaseFilesTest, RemovesForGoodWhereThereIsNoTrash) {
+    machine.write("C:\\file", "x");
+    qputenv("XDG_DATA_HOME", (machine.host("C:\\file") + "/share").toUtf8());
+    const QString here = QDir::currentPath();
+    QDir::setCurrent(machine.host("C:\\"));
+    EXPECT_FALSE(RemoveDatabaseFile(Log));
+    EXPECT_EQ(QDir(machine.host("C:\\")).entryList({"files", "info"}), QStringList());
+    QDir::setCurrent(here);
+    EXPECT_FALSE(machine.exists(Log));
+}
+
 // What a user has committed lies in a log beside the file until the last one leaves.
 TEST_F(DatabaseFilesTest, TouchesNoDatabaseThatIsOpen) {
     auto open = OpenSuiteDatabase(Log);

@@ -165,7 +165,9 @@ int repair(Call& call) {
     if (records.isEmpty() && !call.output.json())
         call.output.note(QStringLiteral("Every number means the device that it meant when it was saved."));
     else
-        call.output.records(records, {{"text", "What was put right"}});
+        call.output.records(records, {{"text", "Devices that have moved"}});
+    if (gone)
+        call.output.note(QStringLiteral("A device that is not there keeps its number."));
     return gone ? No : Done;
 }
 

@@ -121,6 +121,7 @@ int players(Call& call) {
                                              "numbers and names.")
                                   .arg(words[n - 1]));
         setup.player[n].device = *device;
+        setup.chosen.set(size_t(n));
     }
     return EndSetup(call, StoreAudioSetup(setup, call.station.settings));
 }

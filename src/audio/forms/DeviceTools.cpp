@@ -52,7 +52,10 @@ DeviceTools::DeviceTools(QDialog* window, Choices choices, const Settings& setti
                 choices_.putRight(moved);
         moved_.removeIf([](const MovedDevice& moved) { return moved.now >= 0; });
         showMoved();
-        status_->setText(QStringLiteral("The numbers are right again; OK stores them."));
+        status_->setText(moved_.isEmpty()
+                             ? QStringLiteral("The numbers are right again; OK stores them.")
+                             : QStringLiteral("The numbers of the devices that are there are right again; OK "
+                                              "stores them."));
     });
     showMoved();
 }
@@ -62,8 +65,10 @@ QPushButton* DeviceTools::testButton(int player) const {
 }
 
 void DeviceTools::stop() {
-    if (playing_)
+    if (playing_) {
         testButton(std::exchange(playing_, 0))->setText(testCaption);
+        status_->setText(QStringLiteral("Stopped."));
+    }
     tone_.stop();
     stopLevel();
 }

@@ -207,6 +207,9 @@ void frmAudioSetup::addFilters() {
         WhenChanged(part, this, [this] { showDevices(); });
     for (int n = 1; n <= CartPlayerCount; ++n)
         WhenChanged(deviceList(n), this, [this] { showDevices(); });
+    connect(ui_->listRecordPlayer, &QComboBox::activated, this, [this] { setup_.chosen.set(0); });
+    for (int n = 1; n <= CartPlayerCount; ++n)
+        connect(deviceList(n), &QComboBox::activated, this, [this, n] { setup_.chosen.set(size_t(n)); });
     showDevices();
 }
 

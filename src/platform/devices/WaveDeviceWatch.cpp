@@ -30,12 +30,16 @@ WaveDeviceWatch::WaveDeviceWatch(std::function<void()> changed) {
     watch();
 }
 
-// A folder that was removed is watched no more, and has to be found again from the one above it.
+// While the folder is missing the one above it is watched, where other devices come and go as well.
 void WaveDeviceWatch::watch() {
     const QString folder = SoundDeviceFolder();
-    for (const QString& path : {folder, QFileInfo(folder).path()})
-        if (QFileInfo::exists(path) && !watcher_.directories().contains(path))
-            watcher_.addPath(path);
+    const QString above = QFileInfo(folder).path();
+    const bool there = QFileInfo::exists(folder);
+    const QString path = there ? folder : above;
+    if (QFileInfo::exists(path) && !watcher_.directories().contains(path))
+        watcher_.addPath(path);
+    if (there && watcher_.directories().contains(above))
+        watcher_.removePath(above);
 }
 
 } // namespace tolvex::platform

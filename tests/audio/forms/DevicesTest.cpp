@@ -183,5 +183,5 @@ TEST_F(SoundWindow, PutsNumbersRightThatMeanOtherDevicesNow) {
     press("cmdOK");
     EXPECT_EQ(value("CartPlayers", "SoundCardNumber2"), "4");
     EXPECT_EQ(value("CartPlayers", "SoundCardNumber1"), "3");
-    EXPECT_TRUE(FindMovedDevices(settings).isEmpty());
+    EXPECT_EQ(FindMovedDevices(settings).size(), 1); // the recording device, which is not there
 }
