@@ -57,10 +57,13 @@ bool AutomationEditing::open(const QString& databaseName, const QString& connect
         file_ = platform::StampOf(platform::HostPath(databaseName));
     record_.FileName = databaseName;
     const qint32 result = LoadKOVASettings(*database_, record_, settings_.DataLocation);
-    // Neither a database that was never configured nor a number that is too large keeps anybody from mending
-    // it here.
-    constexpr qint32 overflow = 6;
-    if (result > 0 && result != overflow) {
+    if (result > 0) { // a database that was never configured is one to be configured here
+        if (const QString item = ItemOutOfRange(*database_, settings_.DataLocation); !item.isEmpty())
+            ShowExclamation(
+                QStringLiteral("The setting %1 of %2 holds a number that is too large for it, and none "
+                               "of those after it could be read. Give it a sound value first: "
+                               "\"tolvexctl db settings set\" does.")
+                    .arg(item, databaseName));
         close();
         return false;
     }

@@ -247,6 +247,19 @@ qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, c
     return isConfigured(*rows) ? 0 : NotConfigured;
 }
 
+QString ItemOutOfRange(SuiteDatabase& database, const QString& dataLocation) {
+    int error = 0;
+    const auto rows = openSettings(database, &error);
+    if (!rows)
+        return {};
+    const LookUp lookUp = inTable(*rows);
+    KOVADatabaseSettings scratch;
+    for (const AutomationItem& item : AutomationItems())
+        if (!TakeMember(item, readItem(lookUp, item, scratch, dataLocation), scratch))
+            return QLatin1String(item.name);
+    return {};
+}
+
 qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,
                         const QString& dataLocation) {
     return static_cast<qint16>(inTransaction(database, [&](SuiteRecordset& rows) {

@@ -19,6 +19,9 @@ struct Settings;
 qint32 LoadKOVASettings(SuiteDatabase& database, KOVADatabaseSettings& record, const QString& dataLocation,
                         const std::function<void()>& showDialogIfNew = {});
 
+// The first item that ends such a reading; empty: none does.
+QString ItemOutOfRange(SuiteDatabase& database, const QString& dataLocation);
+
 // Writes a record, all items or, when one cannot be written, none. Result: 0 or, reported, the
 // error number.
 qint16 SaveKOVASettings(SuiteDatabase& database, const KOVADatabaseSettings& record,

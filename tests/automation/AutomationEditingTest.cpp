@@ -206,6 +206,21 @@ TEST(AutomationFieldsTest, KeepsEveryItemThroughItsControls) {
     EXPECT_EQ(entries["comboStationControl"], 0);
 }
 
+// The items after it would be stored as if they were 0.
+TEST_F(AutomationEditingTest, EditsNothingThatCouldNotBeReadWhole) {
+    {
+        const auto database = OpenSuiteDatabase(Path);
+        const auto rows = database->open("Settings", RecordsetMode::Dynaset);
+        EXPECT_EQ(PutDatabaseSetting(rows.get(), "KOVA.KAE_Calculation_Time", 1234567890, 0), 0);
+    }
+    const QByteArray before = file();
+    EXPECT_FALSE(editing.open(Path));
+    EXPECT_TRUE(texts().last().startsWith("The setting KOVA.KAE_Calculation_Time of " + Path))
+        << texts().last().toStdString();
+    EXPECT_FALSE(editing.store());
+    EXPECT_EQ(file(), before);
+}
+
 TEST_F(AutomationEditingTest, StoresAsOneTransactionWithItsHistory) {
     ASSERT_EQ(OpenUsersDatabase(users, "C:\\DATA\\USERS\\USERS25.MDB"), 0);
     users.currentLogin = "ANN";

@@ -58,6 +58,12 @@ int store(const Call& call) {
     return Done;
 }
 
+int wrongType(const Call& call, const DatabaseInformation& found) {
+    return call.fail(QStringLiteral("%1 is not an automation database (its type is %2).")
+                         .arg(found.FullName)
+                         .arg(found.Type));
+}
+
 // Makes a database the workstation's, brought up to date.
 int chooseDatabase(const Call& call, const QString& given) {
     Settings& settings = call.station.settings;
@@ -72,8 +78,7 @@ int chooseDatabase(const Call& call, const QString& given) {
     if (GetDatabaseInformation(path, &found, true) != 0)
         return call.fail(QStringLiteral("%1 could not be read.").arg(path));
     if (found.Type != KOVAType)
-        return call.fail(
-            QStringLiteral("%1 is no automation database (its type is %2).").arg(path).arg(found.Type));
+        return wrongType(call, found);
     if (const int error = ValidateKOVADatabaseTables(path))
         return call.fail(QStringLiteral("%1 could not be brought up to date.").arg(path), error);
     settings.DefaultDatabase = name;
@@ -190,6 +195,8 @@ int settingsOf(Call& call) {
         return call.wrong(QStringLiteral("There is no item %1.").arg(words.value(1)));
     KOVADatabaseSettings& record = call.station.automation;
     AutomationEditing editing(record, settings, call.station.users);
+    if (DatabaseInformation found; GetDatabaseInformation(path, &found, false) == 0 && found.Type != KOVAType)
+        return wrongType(call, found);
     if (!editing.open(path))
         return FileLength(path) <= 0 ? call.no(QStringLiteral("There is no database %1.").arg(path)) : Failed;
     if (verb == 2)
