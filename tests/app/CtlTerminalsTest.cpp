@@ -51,6 +51,8 @@ TEST_F(Ctl, ChoosesAndNamesWorkstations) {
     EXPECT_TRUE(shown[6].toObject()["thisWorkstation"].toBool());
     EXPECT_TRUE(run({"terminals", "list"}).out.contains("\n 7  >"));
 
+    EXPECT_TRUE(run({"terminals", "choose", "5"}).err.contains("taken over from STUDIO5"));
+    EXPECT_EQ(run({"terminals", "choose", "7"}).err, "");
     for (const char* id : {"0", "33", "x", "1.5"})
         EXPECT_EQ(run({"terminals", "choose", id}).status, 2) << id;
     EXPECT_EQ(run({"terminals", "rename", "33", "x"}).status, 2);

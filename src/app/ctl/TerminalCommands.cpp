@@ -4,7 +4,8 @@
 #include "core/report/Folders.h"
 #include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
-#include "network/TerminalList.h"
+#include "network/WorkstationSetup.h"
+#include "platform/Clock.h"
 #include "platform/Machine.h"
 #include "platform/profile/ProfileFile.h"
 
@@ -82,15 +83,27 @@ int choose(Call& call) {
     const int id = numberOf(call, call.argument(0));
     if (id == 0)
         return wrongNumber(call);
-    if (const int error = AssignTerminal(call.station.terminals, id, {}, platform::ComputerName()))
+    TerminalList& terminals = call.station.terminals;
+    const QString own = platform::ComputerName();
+    const TerminalRow row =
+        TerminalRows(ReadTerminals(terminals), own, platform::clock().now()).value(id - 1);
+    // Whoever takes the number between this look and the step under the lock keeps it.
+    QString holder;
+    const int error = AssignTerminal(
+        terminals, id, {}, own, row.networkName.isNull() ? QStringLiteral("") : row.networkName, &holder);
+    if (error == TerminalTaken)
+        return call.no(QStringLiteral("%1 has taken number %2 at this moment.").arg(holder).arg(id));
+    if (error != platform::NoError)
         return notWritten(call, error);
+    if (row.state == TerminalRow::State::Taken)
+        call.output.note(QStringLiteral("Number %1 was taken over from %2.").arg(id).arg(row.networkName));
     call.station.settings.LinkMeshId = id;
-    if (const int error = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(id),
-                                           call.station.settings.LocalIniFile))
+    if (const int failed = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(id),
+                                            call.station.settings.LocalIniFile))
         return call.fail(QStringLiteral("%1 could not be written (error %2).")
                              .arg(call.station.settings.LocalIniFile)
-                             .arg(error),
-                         error);
+                             .arg(failed),
+                         failed);
     return Done;
 }
 
