@@ -54,6 +54,7 @@ TEST_F(CtlCommands, MakeChangeAndDeleteCommands) {
                                           {"bytes", "Am9wZW4N"}}));
     EXPECT_EQ(file("Door").mid(1024), QByteArray("\x02open\r"));
     EXPECT_EQ(run({"commands", "add", "DOOR", "--external", "--text", "x"}).status, 1);
+    EXPECT_EQ(run({"commands", "add", "Bare", "--tcp", "::1", "--text", "x"}).status, 2);
 
     QByteArray bytes;
     for (int i = 0; i < 256; ++i)

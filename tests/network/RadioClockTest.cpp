@@ -306,6 +306,7 @@ TEST_F(RadioClockTest, ARefusalIsToldOnce) {
     pass(1200'000);
     EXPECT_EQ(clock.attempts, (QList<bool>{true, false, false, false})) << "the user is asked once";
     ASSERT_EQ(prompts.asked.size(), 1);
+    EXPECT_EQ(radio.difference(), 0) << "nothing was moved";
     EXPECT_EQ(
         prompts.asked[0].text,
         QString("There was a problem setting the Time/Date on the computer and the error's description was "

@@ -186,6 +186,9 @@ QString takeHost(const QString& given, qint32 protocol, CommandFields& fields) {
     fields.address = given.left(colon);
     if (fields.address.startsWith(u'[') && fields.address.endsWith(u']'))
         fields.address = fields.address.mid(1, fields.address.size() - 2);
+    else if (fields.address.contains(u':'))
+        return QStringLiteral("An address with colons stands in brackets, \"[::1]:4001\", not \"%1\".")
+            .arg(given);
     fields.port = given.mid(colon + 1);
     return {};
 }

@@ -135,8 +135,8 @@ void RadioClock::setClock(const ClockLine& line) {
 
 void RadioClock::clockSet(const platform::ClockRefusal& refusal, double difference) {
     setting_ = false;
-    difference_ = difference;
     if (!refusal) {
+        difference_ = difference;
         refusal_.clear();
         poll_.clockMoved(qRound64(difference * 1000));
         if (onClockSet)

@@ -159,9 +159,10 @@ void frmLinkMeshSetup::store() {
                           platform::ComputerName(), terminals_, settings_);
     if (result.outcome == WorkstationResult::Outcome::Stored)
         return accept();
-    platform::prompts().ask({result.message, platform::Icon::Exclamation, platform::Buttons::Ok});
+    // Open again before the box: the list behind it is read on while it waits.
     if (result.outcome != WorkstationResult::Outcome::NotChosen)
         OpenTerminalList(terminals_);
+    platform::prompts().ask({result.message, platform::Icon::Exclamation, platform::Buttons::Ok});
     refresh();
 }
 

@@ -12,6 +12,8 @@ namespace tolvex {
 namespace {
 
 constexpr int retryMilliseconds = 5000;
+// Connections that wait to be accepted. Where they are more the system lets each wait a second.
+constexpr int Backlog = 1024;
 
 // As people write it: an IPv4 peer of a socket for both kinds comes in the longer form.
 QString addressText(const QHostAddress& address) {
@@ -63,6 +65,7 @@ void RemoteControl::statusChanged() {
 
 void RemoteControl::listen() {
     wanted_ = true;
+    server_.setListenBacklogSize(Backlog);
     listenAgain();
     statusChanged();
 }
