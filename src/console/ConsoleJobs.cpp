@@ -62,12 +62,8 @@ struct OtherForm {
     int helpContext;
 };
 constexpr OtherForm otherForms[] = {
-    {"frmRadioClockTest", 180},
-    {"frmCommandDetails", 230},
-    {"frmLinkMeshServer", 231},
-    {"frmMultiConfig", 500},
-    {"frmPrintPreview", 510},
-    {"frmKOVADatabaseSettings", 520},
+    {"frmRadioClockTest", 180}, {"frmCommandDetails", 230}, {"frmLinkMeshServer", 231},
+    {"frmMultiConfig", 500},    {"frmPrintPreview", 510},   {"frmKOVADatabaseSettings", 520},
     {"frmChooseDatabase", 530},
 };
 

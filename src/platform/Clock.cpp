@@ -33,9 +33,7 @@ public:
         }
     }
 
-    void set(const QDateTime& time, bool mayAsk, SetDone done) override {
-        SetSystemTime(time, mayAsk, done);
-    }
+    void set(const QDateTime& time, bool mayAsk, SetDone done) override { SetSystemTime(time, mayAsk, done); }
 };
 
 MachineClock machineClock;

@@ -32,9 +32,8 @@ ClockRefusal setDirectly(const QDateTime& time) {
     const std::error_code error = SetSystemClock(std::chrono::milliseconds(time.toMSecsSinceEpoch()));
     if (!error)
         return {};
-    return {NoRightToSetClock, error == std::errc::operation_not_permitted
-                                   ? noRight
-                                   : QString::fromStdString(error.message())};
+    return {NoRightToSetClock,
+            error == std::errc::operation_not_permitted ? noRight : QString::fromStdString(error.message())};
 }
 
 bool isMissing(const QString& error) {

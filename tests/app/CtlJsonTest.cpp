@@ -26,7 +26,10 @@ TEST_F(Ctl, GivesADocumentForEachCommandThatIsRefusedOrFails) {
         for (int n = command.fewest(); n > 0; --n)
             words << "x";
         if (words == QStringList{"serve"}) // would not end by itself
-            words << "--seconds" << "1" << "--port" << "0";
+            words << "--seconds"
+                  << "1"
+                  << "--port"
+                  << "0";
         const Result result = run(QStringList{"--json", "--no"} + words);
         SCOPED_TRACE(words.join(' ').toStdString());
         ASSERT_FALSE(result.json().isNull()) << result.out.toStdString() << result.err.toStdString();

@@ -48,7 +48,8 @@ protected:
     QString address() const { return folder_.filePath("bus"); }
     ClockRefusal set(bool mayAsk = true) {
         std::optional<ClockRefusal> answer;
-        tolvex::platform::clock().set(moment, mayAsk, [&answer](const ClockRefusal& refusal) { answer = refusal; });
+        tolvex::platform::clock().set(moment, mayAsk,
+                                      [&answer](const ClockRefusal& refusal) { answer = refusal; });
         EXPECT_TRUE(waitFor([&] { return answer.has_value(); }));
         return answer.value_or(ClockRefusal{-1, "no answer"});
     }
@@ -69,7 +70,8 @@ TEST(SystemClock, IsNotSetByThoseWhoMayNot) {
             refusals += refusal.number == NoRightToSetClock || refusal.number == ClockKeptByNetwork;
             EXPECT_FALSE(refusal.text.isEmpty());
         });
-        tolvex::platform::clock().set({}, true, [&refusals](const ClockRefusal& refusal) { refusals += bool(refusal); });
+        tolvex::platform::clock().set(
+            {}, true, [&refusals](const ClockRefusal& refusal) { refusals += bool(refusal); });
         EXPECT_EQ(refusals, 2);
     }));
 }

@@ -18,16 +18,16 @@ int status(Call& call) {
                                  {QStringLiteral("path"), location.path},
                                  {QStringLiteral("state"), location.state},
                                  {QStringLiteral("list"), location.list}};
-    QJsonObject record{{QStringLiteral("localIni"), facts.localIni},
-                       {QStringLiteral("configName"), facts.configName},
-                       {QStringLiteral("systemIni"), facts.systemIni},
-                       {QStringLiteral("dataLocation"), facts.dataLocation},
-                       {QStringLiteral("linkMeshId"), facts.linkMeshId},
-                       {QStringLiteral("cartPlayers"), facts.cartPlayers},
-                       {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
-                       {QStringLiteral("movedDevices"),
-                        QJsonArray::fromStringList(MovedDeviceTexts(call.station.settings))},
-                       {QStringLiteral("locations"), locations}};
+    QJsonObject record{
+        {QStringLiteral("localIni"), facts.localIni},
+        {QStringLiteral("configName"), facts.configName},
+        {QStringLiteral("systemIni"), facts.systemIni},
+        {QStringLiteral("dataLocation"), facts.dataLocation},
+        {QStringLiteral("linkMeshId"), facts.linkMeshId},
+        {QStringLiteral("cartPlayers"), facts.cartPlayers},
+        {QStringLiteral("missing"), QJsonArray::fromStringList(facts.missing)},
+        {QStringLiteral("movedDevices"), QJsonArray::fromStringList(MovedDeviceTexts(call.station.settings))},
+        {QStringLiteral("locations"), locations}};
     if (facts.missing.isEmpty() && !call.output.json())
         record[QStringLiteral("missing")] = QStringLiteral("nothing");
     call.output.record(record, {{"localIni", "Local ini file"},

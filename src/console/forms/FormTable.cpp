@@ -11,8 +11,8 @@
 #include "hardware/forms/frmHardwareSettings.h"
 #include "network/forms/frmCommandSetup.h"
 #include "network/forms/frmLinkMeshSetup.h"
-#include "station/NetworkParts.h"
 #include "station/LoadSettings.h"
+#include "station/NetworkParts.h"
 #include "station/Workstation.h"
 
 #include <QFile>

@@ -264,7 +264,7 @@ const FormCase cases[] = {
          EXPECT_EQ(rows->index(2, 1).data(), ">");
          EXPECT_EQ(rows->index(2, 2).data(), "Studio 3");
          EXPECT_EQ(rows->index(2, 5).data(), "this computer");
-      }},
+     }},
     {"cmdKOVASetup",
      "cmdOK",
      [](QWidget& form) {
