@@ -303,6 +303,8 @@ void frmAudioSetup::startTunelane() {
 }
 
 void frmAudioSetup::store() {
+    // Pressed by its access key the button does not have the focus: a box that is not left holds any number.
+    ui_->cmdOK->setFocus();
     binding_.take();
     const SetupOutcome outcome = StoreAudioSetup(setup_, settings_);
     if (!outcome.stored()) {

@@ -197,6 +197,15 @@ TEST_F(AudioWindow, OfTheSplitTransmissionProductShowsItsVolumes) {
     EXPECT_EQ(prompts.asked.size(), 1);
 }
 
+TEST_F(AudioWindow, ClampsTheBoxThatOkIsPressedFrom) {
+    open();
+    tab(3);
+    type("txtGeneralVolume", "150");
+    QTest::keyClick(form.get(), Qt::Key_O, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !form->isVisible(); }));
+    EXPECT_EQ(value("Audio", "GeneralVolume"), "100");
+}
+
 TEST(AudioFormatChooser, BeginsAtTheNearestAndKeepsRateAndChannels) {
     frmChooseAudioFormat chooser(1, 1, 22000);
     chooser.show();
