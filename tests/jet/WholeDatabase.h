@@ -127,7 +127,8 @@ inline Bytes WholeDatabase() {
     for (std::int32_t i = 0; i < 100; ++i) {
         Guid guid;
         guid.bytes[0] = static_cast<std::uint8_t>(i);
-        std::vector<Value> row{Date{static_cast<double>(45000 + i / 3)},
+        const std::int32_t day = 45000 + i / 3; // three rows of each
+        std::vector<Value> row{Date{static_cast<double>(day)},
                                static_cast<std::int16_t>(i),
                                static_cast<std::uint8_t>(i),
                                static_cast<float>(i),
