@@ -14,6 +14,7 @@
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormChanges.h"
 #include "ui/binding/ShowControl.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/TextBoxes.h"
@@ -112,8 +113,9 @@ void frmKOVASetup::openSettings(const QString& control) {
     if (ui_->lblKOVADatabaseFName->text().isEmpty())
         return;
     frmKOVADatabaseSettings form(automation_, settings_, users_, this);
-    clsMonitors().CenterFormOnMonitor(&form, this);
     form.setDatabase(databasePath());
+    FitForm(&form);
+    clsMonitors().CenterFormOnMonitor(&form, this);
     if (!control.isEmpty())
         ShowControl(&form, control);
     form.exec();

@@ -19,6 +19,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -358,6 +360,9 @@ TEST_F(AutomationFormsTest, SetsUpTheWorkstation) {
     click("chkGenerateAdvertRecFiles");
     withNextWindow([](QWidget& window) {
         EXPECT_EQ(window.objectName(), "frmKOVADatabaseSettings");
+        // As large as all of its tabs need, as far as the screen has room.
+        const int wanted = window.findChild<QTabWidget*>()->tabBar()->sizeHint().width();
+        EXPECT_GE(window.width(), qMin(wanted, window.screen()->availableSize().width()));
         EXPECT_TRUE(window.windowFlags() & Qt::WindowStaysOnTopHint);
         EXPECT_TRUE(window.findChild<QWidget*>("tbsKOVA")->isEnabled());
         QTest::keyClick(&window, Qt::Key_Escape);
