@@ -60,7 +60,7 @@ const std::map<std::string, std::map<std::string, int>> rooms = {
     {"automation", {{"", 0}, {"forms", 1}}},
     {"station", {{"", 0}}},
     {"console", {{"", 0}, {"forms", 1}}},
-    {"app", {{"ctl", 0}, {"window", 0}, {"", 1}}},
+    {"app", {{"ctl", 0}, {"ctl/commands", 1}, {"window", 0}, {"", 2}}},
 };
 
 using Includes = std::map<std::string, std::vector<std::string>>;
@@ -69,7 +69,7 @@ std::string folderOf(const std::string& file) {
     return file.substr(0, file.find('/'));
 }
 
-// The room of a file below its folder, "" if it lies in none; rooms have no rooms of their own.
+// The room of a file below its folder, "" if it lies in none; a room within a room is one more.
 std::string roomOf(const std::string& file) {
     const std::size_t first = file.find('/');
     const std::size_t last = file.rfind('/');

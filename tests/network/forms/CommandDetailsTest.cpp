@@ -223,7 +223,7 @@ TEST_F(CommandDetails, SaysWhatAnotherNameMeansAndDeletesOnlyWhatExists) {
     EXPECT_FALSE(form->isVisible() || form->needsRefresh());
     EXPECT_EQ(folder.read("Door")->SerialPort, 1);
 
-    // What cannot be written stays in the editor; what is no command is told.
+    // A command that cannot be written stays in the editor. A file that does not hold a command is told.
     machine.write("C:\\FILE\\Commands", "in the way");
     folder = CommandFolder("C:\\FILE");
     prompts.forget();
