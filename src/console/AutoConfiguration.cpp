@@ -106,15 +106,25 @@ void createFiles(Workstation& station, bool saved) {
     OpenHotlist(station.carts, values.CartPartTable[1].Location);
 }
 
-// The number of this workstation in the station's list, with its name on it. A list that cannot be read says
-// nothing about the number it has.
+// Finds or takes this workstation's number in the station's list, and says when it is not its own alone.
+// Without a list that can be read the number stays, or is 1.
 void chooseWorkstation(Workstation& station) {
     qint32& id = station.settings.LinkMeshId;
     OpenTerminalList(station.terminals);
-    if (TerminalListIsOpen(station.terminals) || id < 1) {
-        const QString name = platform::ComputerName();
-        id = TerminalForComputer(station.terminals, name);
-        ClaimTerminal(station.terminals, id, name);
+    if (TerminalListIsOpen(station.terminals)) {
+        const ClaimedTerminal claimed = ClaimTerminal(station.terminals, platform::ComputerName());
+        id = claimed.id;
+        if (claimed.error != platform::NoError)
+            ProblemReport(QStringLiteral("taking number %1 in the Terminal List").arg(id), claimed.error);
+        if (!claimed.holder.isEmpty())
+            ShowExclamation(
+                QStringLiteral("All %1 numbers of the station are in use. This workstation uses "
+                               "number %2 together with %3. Choose another one in LinkMesh Setup.")
+                    .arg(station.settings.NumberTerminals)
+                    .arg(id)
+                    .arg(claimed.holder));
+    } else if (id < 1) {
+        id = 1;
     }
     CloseTerminalList(station.terminals);
 }

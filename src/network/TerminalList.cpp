@@ -212,27 +212,28 @@ void ReadOwnTerminalRecord(TerminalList& terminals) {
         terminals.own = ReadTerminal(terminals, terminals.settings.LinkMeshId);
 }
 
-int TerminalForComputer(const TerminalList& terminals, const QString& computerName) {
-    const QString wanted = asStored(computerName);
+ClaimedTerminal ClaimTerminal(TerminalList& terminals, const QString& computerName) {
+    // Looked up and written in one step: two new workstations must not find the same free number.
+    const Step step(terminals);
+    ClaimedTerminal claimed;
     int firstFree = 0;
     for (int id = 1; id <= terminals.settings.NumberTerminals; ++id) {
-        const QString name = NetworkNameOf(ReadTerminal(terminals, id));
-        if (sameName(name, wanted))
-            return id;
-        if (firstFree == 0 && name.isEmpty())
+        const TerminalRecord record = ReadTerminal(terminals, id);
+        if (IsOnComputer(record, computerName))
+            return {id, platform::NoError, {}};
+        if (firstFree == 0 && NetworkNameOf(record).isEmpty())
             firstFree = id;
     }
-    return std::max(firstFree, 1);
-}
-
-int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName) {
-    const Step step(terminals);
-    if (step.error() != platform::NoError)
-        return step.error();
-    return change(terminals, id, [&](TerminalRecord& record) {
-        if (NetworkNameOf(record).isEmpty())
-            record.NetworkName = computerName;
-    });
+    if (firstFree == 0) {
+        claimed.holder = NetworkNameOf(ReadTerminal(terminals, claimed.id));
+        return claimed;
+    }
+    claimed.id = firstFree;
+    claimed.error = step.error() != platform::NoError
+                        ? step.error()
+                        : change(terminals, firstFree,
+                                 [&](TerminalRecord& record) { record.NetworkName = computerName; });
+    return claimed;
 }
 
 int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,

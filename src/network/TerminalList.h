@@ -55,8 +55,8 @@ struct TerminalList {
 bool OpenTerminalList(TerminalList& terminals);
 void CloseTerminalList(TerminalList& terminals);
 bool TerminalListIsOpen(const TerminalList& terminals);
-// What is wrong with the file of the list, a sentence: it is torn inside a record, or short of workstations.
-// Empty when nothing is, and when there is no file.
+// What is wrong with the list's file, a sentence: it is torn inside a record, or has too few workstations.
+// Empty if nothing is, and if there is no file.
 QString TerminalListFault(const TerminalList& terminals);
 
 // Full path of the list.
@@ -79,18 +79,20 @@ QString NetworkNameOf(const TerminalRecord& record);
 // Whether a record names this computer: without regard to case, as far as the field holds a name.
 bool IsOnComputer(const TerminalRecord& record, const QString& computerName);
 
-// The number that the setup form's rule or automatic configuration picks for a computer: the one whose
-// network name is that name, without regard to case; else the first without a network name; else 1. The list
-// is open.
-int TerminalForComputer(const TerminalList& terminals, const QString& computerName);
-
 // Each of the three below changes the list in one step, which other workstations of this program wait for.
 // The list is open. FileError number of the first failure, which ends it: PermissionDenied when another
 // workstation kept the step.
 
-// Puts a computer's name on a number that has none; another computer's name stays. 0 also when the name was
-// there or another one stays.
-int ClaimTerminal(TerminalList& terminals, int id, const QString& computerName);
+// The number that automatic configuration gives a computer.
+struct ClaimedTerminal {
+    int id = 1;
+    int error = 0;  // FileError: the computer's name could not be put on the record
+    QString holder; // the computer that has the number all the same, when no number was free
+};
+
+// Finds the number whose network name is the computer's, without regard to case; otherwise takes the first
+// one without a network name by putting the computer's name on it; otherwise number 1, whose name stays.
+ClaimedTerminal ClaimTerminal(TerminalList& terminals, const QString& computerName);
 
 // Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
 // list is shorter, or its text is null, the name stays), this computer's name on `chosenId`, and none where

@@ -165,6 +165,9 @@ TEST_F(AutoConfigurationTest, AWorkstationTakesItsOwnNumberAFreeOneOrNobodysName
         EXPECT_TRUE(DefaultLocalInstall(station));
         EXPECT_EQ(stored("LinkMesh", "LinkMeshId").toInt(), each.id);
         EXPECT_TRUE(machine.read("C:\\TOLVEX\\SYSTEM\\Terminal.Lst") == each.after) << each.id;
+        const QString shared = "All 3 numbers of the station are in use. This workstation uses number 1 "
+                               "together with A. Choose another one in LinkMesh Setup.";
+        EXPECT_EQ(prompts.texts().contains(shared), each.id == 1);
     }
 }
 

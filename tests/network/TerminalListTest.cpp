@@ -4,8 +4,11 @@
 
 #include "core/settings/Settings.h"
 #include "platform/Machine.h"
+#include "platform/host/FileLock.h"
+#include "platform/paths/Paths.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
+#include "support/OtherWorkstation.h"
 #include "support/ScriptedPrompts.h"
 
 #include <gtest/gtest.h>
@@ -139,29 +142,58 @@ TEST_F(TerminalListTest, LastUseShowsOnlyForDaysThatCanBe) {
 }
 
 TEST_F(TerminalListTest, AComputerKeepsItsNumberOrTakesTheFirstFreeOne) {
-    machine.write(path, terminal("", "PC1") + terminal("", QByteArray("\0old", 4)) + terminal("", "") +
-                            terminal("", "Pc4"));
+    const auto claim = [this](const QString& name) {
+        const ClaimedTerminal claimed = ClaimTerminal(terminals, name);
+        return QStringLiteral("%1 %2 %3").arg(claimed.id).arg(claimed.error).arg(claimed.holder);
+    };
+    const QByteArray list = terminal("", "PC1") + terminal("", QByteArray("\0old", 4)) + blank;
+    machine.write(path, list + terminal("", "Pc4"));
     ASSERT_TRUE(OpenTerminalList(terminals));
-    EXPECT_EQ(TerminalForComputer(terminals, "PC4"), 4);
-    EXPECT_EQ(TerminalForComputer(terminals, "PC9"), 2);
-    machine.write(path, terminal("", "PC1").repeated(4));
-    ASSERT_TRUE(OpenTerminalList(terminals));
-    EXPECT_EQ(TerminalForComputer(terminals, "PC9"), 1);
+    EXPECT_EQ(claim("PC4"), "4 0 ");
+    EXPECT_EQ(machine.read(path), list + terminal("", "Pc4"));
+    const QString longName = "A-WORKSTATION-WITH-A-VERY-LONG-NAME";
+    EXPECT_EQ(claim(longName), "2 0 ");
+    EXPECT_EQ(claim(longName), "2 0 ");
+    EXPECT_EQ(machine.read(path).mid(128, 256), terminal("", longName.left(30).toLatin1()) + blank);
+    EXPECT_EQ(claim("PC9"), "3 0 ");
+    EXPECT_EQ(claim("PC10"), "1 0 PC1"); // nothing is free: the name stays
+    EXPECT_EQ(ReadTerminal(terminals, 1).NetworkName.trimmed(), "PC1");
+
+    EXPECT_EQ(AssignTerminal(terminals, 4, {}, longName), 0);
+    EXPECT_EQ(claim(longName), "4 0 ");
+    EXPECT_EQ(ReadTerminal(terminals, 2), BlankTerminalRecord());
+    // Another workstation keeps the step.
+    const platform::FileLock other(platform::HostPath(path));
+    EXPECT_EQ(claim("PC11"), QStringLiteral("2 %1 ").arg(platform::PermissionDenied));
 }
 
-TEST_F(TerminalListTest, ANameLongerThanItsFieldIsFoundAgain) {
-    const QString name = "A-WORKSTATION-WITH-A-VERY-LONG-NAME";
-    machine.write(path, terminal("", "PC1") + blank.repeated(3));
-    ASSERT_TRUE(OpenTerminalList(terminals));
-    EXPECT_EQ(TerminalForComputer(terminals, name), 2);
-    EXPECT_EQ(ClaimTerminal(terminals, 2, name), 0);
-    EXPECT_EQ(TerminalForComputer(terminals, name), 2);
-    EXPECT_EQ(ClaimTerminal(terminals, 1, name), 0); // somebody else's: it stays
-    EXPECT_EQ(machine.read(path),
-              terminal("", "PC1") + terminal("", name.left(30).toLatin1()) + blank.repeated(2));
-    EXPECT_EQ(AssignTerminal(terminals, 3, {}, name), 0);
-    EXPECT_EQ(TerminalForComputer(terminals, name), 3);
-    EXPECT_EQ(ReadTerminal(terminals, 2), BlankTerminalRecord());
+TEST_F(TerminalListTest, ComputersThatAreConfiguredAtOneMomentGetDifferentNumbers) {
+    constexpr int computers = 6;
+    settings.NumberTerminals = computers;
+    settings.AutoConfigInProgress = -1;
+    for (int round = 0; round < 5; ++round) {
+        machine.write(path, blank.repeated(computers));
+        const StartingGun gun;
+        std::vector<std::unique_ptr<OtherWorkstation>> others;
+        for (int n = 1; n <= computers; ++n)
+            others.push_back(std::make_unique<OtherWorkstation>([&] {
+                const QString name = QStringLiteral("PC%1").arg(n);
+                gun.wait();
+                TerminalList own(settings);
+                EXPECT_TRUE(OpenTerminalList(own));
+                const ClaimedTerminal claimed = ClaimTerminal(own, name);
+                return claimed.error == 0 && IsOnComputer(ReadTerminal(own, claimed.id), name);
+            }));
+        gun.fire();
+        for (const auto& other : others)
+            EXPECT_TRUE(other->wentWell());
+        ASSERT_TRUE(OpenTerminalList(terminals));
+        QStringList names;
+        for (const TerminalRecord& record : ReadTerminals(terminals))
+            names += NetworkNameOf(record);
+        names.sort();
+        EXPECT_EQ(names, (QStringList{"PC1", "PC2", "PC3", "PC4", "PC5", "PC6"}));
+    }
 }
 
 TEST_F(TerminalListTest, AWorkstationHoldsExactlyOneNumber) {
@@ -171,7 +203,7 @@ TEST_F(TerminalListTest, AWorkstationHoldsExactlyOneNumber) {
     EXPECT_EQ(AssignTerminal(terminals, 3, {"Uno", " Dos "}, "PC1"), 0);
     EXPECT_EQ(machine.read(path), terminal("Uno", "") + terminal("Dos", "OTHER") +
                                       terminal("Three", "PC1  ") + terminal("Four", ""));
-    // A list that is replaced meanwhile is not written blindly.
+    // A list that was replaced meanwhile is not written.
     QFile::remove(machine.host(path));
     machine.write(path, terminal("New", "OTHER").repeated(4));
     EXPECT_EQ(AssignTerminal(terminals, 1, {}, "PC1"), platform::FileNotFound);

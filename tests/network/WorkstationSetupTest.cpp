@@ -1,7 +1,8 @@
-// The workstation list as its form shows and stores it, with other workstations at the same file.
+// The workstation list as its form shows and stores it, while other workstations use the same file.
 #include "network/WorkstationSetup.h"
 
 #include "core/time/Dates.h"
+#include "network/StationList.h"
 #include "platform/files/Files.h"
 #include "platform/host/FileLock.h"
 #include "platform/paths/Paths.h"
@@ -22,48 +23,32 @@ namespace {
 class WorkstationSetupTest : public testing::Test {
 protected:
     WorkstationSetupTest() {
+        station.put(1, "Studio 1", "STUDIO1");
+        station.put(2, "News", "newsroom");
+        station.put(3, "Spare", "");
+    }
+    static Settings settingsOf(TestMachine& machine) {
         machine.makeFolder("C:\\DATA");
+        Settings settings;
         settings.DataLocation = "C:\\DATA";
         settings.LocalIniFile = "TOLVEX.INI";
-        settings.NumberTerminals = 4;
-        settings.AutoConfigInProgress = -1;
-        EXPECT_TRUE(OpenTerminalList(terminals));
-        settings.AutoConfigInProgress = 0;
-        put(1, "Studio 1", "STUDIO1");
-        put(2, "News", "newsroom");
-        put(3, "Spare", "");
-    }
-    void put(int id, const QString& idName, const QString& networkName, const QDateTime& used = {}) {
-        EXPECT_TRUE(TerminalListIsOpen(terminals) || OpenTerminalList(terminals));
-        TerminalRecord record = ReadTerminal(terminals, id);
-        record.IdName = idName;
-        record.NetworkName = networkName;
-        if (used.isValid())
-            record.setLastUsed(used);
-        EXPECT_EQ(WriteTerminal(terminals, id, record), 0);
-    }
-    // "Studio 1=STUDIO1" for each number.
-    QStringList list() {
-        EXPECT_TRUE(OpenTerminalList(terminals));
-        QStringList all;
-        for (const TerminalRecord& record : ReadTerminals(terminals))
-            all += record.IdName.trimmed() + '=' + record.NetworkName.trimmed();
-        return all;
+        return settings;
     }
 
-    Settings settings;
-    TerminalList terminals{settings};
     TestMachine machine;
     ScriptedPrompts prompts;
     FixedClock clock{QDateTime(QDate(2024, 3, 5), QTime(22, 10, 30))};
+    Settings settings = settingsOf(machine);
+    StationList station{settings};
+    TerminalList& terminals = station.terminals;
 };
 
 } // namespace
 
 TEST_F(WorkstationSetupTest, RowsSayWhoHasANumberAndWhatTakingItMeans) {
-    put(1, " Studio 1", "STUDIO1", clock.time.addSecs(-200));
-    put(2, "News", "newsroom", clock.time.addDays(-1));
-    put(4, "Future", "PC4", clock.time.addSecs(60));
+    station.put(1, " Studio 1", "STUDIO1", clock.time.addSecs(-200));
+    station.put(2, "News", "newsroom", clock.time.addDays(-1));
+    station.put(4, "Future", "PC4", clock.time.addSecs(60));
     const QList<TerminalRow> rows = TerminalRows(ReadTerminals(terminals), "NEWSROOM", clock.time);
     ASSERT_EQ(rows.size(), 4);
     QStringList states;
@@ -86,18 +71,18 @@ TEST_F(WorkstationSetupTest, OkStoresWhatWasTouchedAndKeepsWhatOthersDidMeanwhil
         EXPECT_EQ(result.message,
                   QString("You must choose which LinkMesh ID you will use for this workstation"));
     }
-    put(4, "Mine", "MyPc");
+    station.put(4, "Mine", "MyPc");
     // While the form is open another workstation renames number 2.
-    put(2, "Newsroom B", "newsroom");
+    station.put(2, "Newsroom B", "newsroom");
     const WorkstationChoice choice{3, {{1, "Studio One"}, {4, ""}, {9, "x"}}, ""};
     EXPECT_EQ(StoreWorkstations(choice, "MYPC", terminals, settings).outcome, Outcome::Stored);
     EXPECT_FALSE(TerminalListIsOpen(terminals));
-    EXPECT_EQ(list(), (QStringList{"Studio One=STUDIO1", "Newsroom B=newsroom", "Spare=MYPC", "="}));
+    EXPECT_EQ(station.lines(), (QStringList{"Studio One=STUDIO1", "Newsroom B=newsroom", "Spare=MYPC", "="}));
     EXPECT_EQ(settings.LinkMeshId, 3);
     EXPECT_EQ(platform::ProfileText("LinkMesh", "LinkMeshId", {}, "TOLVEX.INI"), QString("3"));
-    // Taking over what the form shows as another's is not asked about.
+    // Taking over a number that the form shows as another computer's asks nothing.
     EXPECT_EQ(StoreWorkstations({1, {}, "studio1"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
-    EXPECT_EQ(list()[0] + list()[2], QString("Studio One=MYPCSpare="));
+    EXPECT_EQ(station.lines()[0] + station.lines()[2], QString("Studio One=MYPCSpare="));
     EXPECT_TRUE(prompts.asked.isEmpty());
 }
 
@@ -115,20 +100,20 @@ TEST_F(WorkstationSetupTest, WithoutAListNothingIsStored) {
 }
 
 TEST_F(WorkstationSetupTest, TwoWhoChooseOneNumberAreTold) {
-    put(3, "Spare", "QUICKER"); // since the form showed it as free
+    station.put(3, "Spare", "QUICKER"); // since the form showed it as free
     const WorkstationResult told = StoreWorkstations({3, {{1, "x"}}, {}}, "MYPC", terminals, settings);
     EXPECT_EQ(told.outcome, Outcome::TakenSince);
     EXPECT_TRUE(told.message.startsWith("QUICKER has taken number 3 in the meantime."))
         << told.message.toStdString();
-    EXPECT_EQ(list(), (QStringList{"Studio 1=STUDIO1", "News=newsroom", "Spare=QUICKER", "="}));
+    EXPECT_EQ(station.lines(), (QStringList{"Studio 1=STUDIO1", "News=newsroom", "Spare=QUICKER", "="}));
     EXPECT_EQ(settings.LinkMeshId, 0);
     EXPECT_EQ(StoreWorkstations({3, {}, "QUICKER"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
-    // One that became free meanwhile, or is this computer's own, is nobody's loss.
+    // A number that became free meanwhile, or is this computer's own, can be taken.
     EXPECT_EQ(StoreWorkstations({3, {}, "QUICKER"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
-    put(2, "News", "");
+    station.put(2, "News", "");
     EXPECT_EQ(StoreWorkstations({2, {}, "newsroom"}, "MYPC", terminals, settings).outcome, Outcome::Stored);
 
-    // The step waits for another workstation that is in it, and gives up with a word.
+    // The step waits for another workstation, and then gives up with a message.
     const platform::FileLock other(platform::HostPath(TerminalListPath(terminals)));
     ASSERT_TRUE(other.held());
     const WorkstationResult locked = StoreWorkstations({1, {}, "STUDIO1"}, "MYPC", terminals, settings);

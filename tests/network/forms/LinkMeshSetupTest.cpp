@@ -1,6 +1,7 @@
-// The workstation form with a real mouse and keyboard, and with other workstations at the same list.
+// The workstation form with a real mouse and keyboard, while other workstations use the same list.
 #include "network/forms/frmLinkMeshSetup.h"
 
+#include "network/StationList.h"
 #include "network/WorkstationSetup.h"
 #include "network/forms/FormTest.h"
 #include "network/forms/TerminalModel.h"
@@ -20,24 +21,11 @@ namespace {
 class LinkMeshSetup : public FormTest {
 protected:
     LinkMeshSetup() {
-        settings.NumberTerminals = 4;
-        prompts.answers = {Answer::Yes};
-        EXPECT_TRUE(OpenTerminalList(terminals));
-        put(1, "Studio 1", "STUDIO1", clock.time.addSecs(-200));
-        put(2, "News", platform::ComputerName());
-        prompts.forget();
-    }
-    void put(int id, const QString& idName, const QString& networkName, const QDateTime& used = {}) {
-        ASSERT_TRUE(TerminalListIsOpen(terminals) || OpenTerminalList(terminals));
-        TerminalRecord record = ReadTerminal(terminals, id);
-        record.IdName = idName;
-        record.NetworkName = networkName;
-        if (used.isValid())
-            record.setLastUsed(used);
-        ASSERT_EQ(WriteTerminal(terminals, id, record), 0);
+        station.put(1, "Studio 1", "STUDIO1", clock.time.addSecs(-200));
+        station.put(2, "News", platform::ComputerName());
     }
     void open() {
-        form = std::make_unique<frmLinkMeshSetup>(terminals, settings);
+        form = std::make_unique<frmLinkMeshSetup>(station.terminals, settings);
         show(*form);
         grid = find<QTableView>(*form, "grdTerminals");
     }
@@ -50,16 +38,9 @@ protected:
     }
     void click(int id, int column) { clickCell(*grid, id - 1, column); }
     QString notice() const { return find<QLabel>(*form, "lblNotice")->text(); }
-    QStringList list() {
-        EXPECT_TRUE(OpenTerminalList(terminals));
-        QStringList all;
-        for (const TerminalRecord& record : ReadTerminals(terminals))
-            all += record.IdName.trimmed() + '=' + record.NetworkName.trimmed();
-        return all;
-    }
 
     FixedClock clock{QDateTime(QDate(2024, 3, 5), QTime(22, 10, 30))};
-    TerminalList terminals{settings};
+    StationList station{settings};
     std::unique_ptr<frmLinkMeshSetup> form;
     QTableView* grid = nullptr;
 };
@@ -94,7 +75,7 @@ TEST_F(LinkMeshSetup, ChoosesByMouseAndKeyAndSaysWhomItTakesTheNumberFrom) {
     EXPECT_TRUE(prompts.asked.isEmpty());
     EXPECT_EQ(settings.LinkMeshId, 1);
     EXPECT_EQ(platform::ProfileText("LinkMesh", "LinkMeshId", {}, "TOLVEX.INI"), QString("1"));
-    EXPECT_EQ(list(), (QStringList{"Studio 1=" + platform::ComputerName(), "News=", "=", "="}));
+    EXPECT_EQ(station.lines(), (QStringList{"Studio 1=" + platform::ComputerName(), "News=", "=", "="}));
 }
 
 TEST_F(LinkMeshSetup, NamesGoIntoTheirCellsAsTheyAreTyped) {
@@ -123,13 +104,13 @@ TEST_F(LinkMeshSetup, NamesGoIntoTheirCellsAsTheyAreTyped) {
     EXPECT_EQ(cell(4, Column::IdName), "Spare");
 
     // What others change meanwhile is shown, and a cell that was left alone takes their name.
-    put(2, "Newsroom", "NEWS2");
+    station.put(2, "Newsroom", "NEWS2");
     EXPECT_TRUE(waitFor([&] { return cell(2, Column::IdName) == "Newsroom"; }));
     EXPECT_EQ(cell(1, Column::IdName), QString::fromUtf8("Caf\u00e9 1"));
-    put(2, "Newsroom B", "NEWS2");
+    station.put(2, "Newsroom B", "NEWS2");
     clickButton("cmdOK");
-    EXPECT_EQ(list(), (QStringList{QString::fromUtf8("Caf\u00e9 1=STUDIO1"), "Newsroom B=NEWS2",
-                                   QString(30, 'x') + '=', "Spare=" + platform::ComputerName()}));
+    EXPECT_EQ(station.lines(), (QStringList{QString::fromUtf8("Caf\u00e9 1=STUDIO1"), "Newsroom B=NEWS2",
+                                            QString(30, 'x') + '=', "Spare=" + platform::ComputerName()}));
 }
 
 TEST_F(LinkMeshSetup, StaysUntilANumberIsChosenAndTellsWhoWasFaster) {
@@ -140,7 +121,7 @@ TEST_F(LinkMeshSetup, StaysUntilANumberIsChosenAndTellsWhoWasFaster) {
               QStringList{"You must choose which LinkMesh ID you will use for this workstation"});
     EXPECT_EQ(prompts.asked[0].icon, platform::Icon::Exclamation);
     click(3, Column::Marker);
-    put(3, "Spare", "QUICKER");
+    station.put(3, "Spare", "QUICKER");
     clickButton("cmdOK");
     EXPECT_TRUE(form->isVisible());
     ASSERT_EQ(prompts.asked.size(), 2);
@@ -148,7 +129,7 @@ TEST_F(LinkMeshSetup, StaysUntilANumberIsChosenAndTellsWhoWasFaster) {
     EXPECT_EQ(cell(3, Column::UsedBy), "QUICKER");
 
     // Escape asks before typed names are lost, and stores nothing.
-    const QStringList before = list();
+    const QStringList before = station.lines();
     click(4, Column::IdName);
     QTest::keyClicks(find<QLineEdit>(*form, "txtName"), "Lost");
     QTest::keyClick(find<QLineEdit>(*form, "txtName"), Qt::Key_Return);
@@ -157,7 +138,7 @@ TEST_F(LinkMeshSetup, StaysUntilANumberIsChosenAndTellsWhoWasFaster) {
     EXPECT_TRUE(form->isVisible());
     clickButton("cmdCancel");
     EXPECT_FALSE(form->isVisible());
-    EXPECT_EQ(list(), before);
+    EXPECT_EQ(station.lines(), before);
     EXPECT_EQ(settings.LinkMeshId, 0);
     prompts.forget();
     open();
