@@ -36,13 +36,16 @@ FindBox::FindBox(QLineEdit* box, QWidget* window)
 }
 
 void FindBox::fillIndex() {
-    index_ = SettingEntries();
+    // The forms themselves come before what stands in them.
     for (const ConsoleJob& job : ConsoleJobs()) {
         const QString control = QString::fromLatin1(job.control);
         const QString caption = formCaption(control);
         index_.append({caption, (caption + u' ' + QString::fromLatin1(job.about)).toLower(), control});
-        index_.append(LabelEntries(FormDesign(QString::fromLatin1(job.form)), control));
     }
+    index_.append(SettingEntries());
+    for (const ConsoleJob& job : ConsoleJobs())
+        index_.append(
+            LabelEntries(FormDesign(QString::fromLatin1(job.form)), QString::fromLatin1(job.control)));
     const QString database = QStringLiteral("frmKOVADatabaseSettings");
     index_.append(LabelEntries(FormDesign(database), QStringLiteral("cmdKOVASetup"), database));
 }
@@ -53,8 +56,9 @@ void FindBox::search(const QString& query) {
     clear();
     const QList<SearchEntry> found = FindEntries(index_, query, LongestList);
     for (const SearchEntry& entry : found) {
-        auto* item =
-            new QListWidgetItem(entry.text + QStringLiteral("  ·  ") + formCaption(entry.control), this);
+        const QString caption = formCaption(entry.control);
+        auto* item = new QListWidgetItem(
+            entry.text == caption ? caption : entry.text + QStringLiteral("  ·  ") + caption, this);
         item->setData(ControlRole, entry.control);
         item->setData(PlaceRole, entry.place);
         item->setToolTip(item->text());
@@ -63,7 +67,7 @@ void FindBox::search(const QString& query) {
         auto* nothing = new QListWidgetItem(QStringLiteral("No setting has these words"), this);
         nothing->setFlags(Qt::NoItemFlags);
     }
-    setCurrentRow(0);
+    setCurrentRow(-1); // the first Down selects the first line
     setVisible(count() > 0);
     // Wider than the box: the lines are sentences. It opens to the left, where there is room.
     const QPoint corner = box_->mapTo(parentWidget(), QPoint(box_->width(), box_->height() + 4));
@@ -94,7 +98,7 @@ bool FindBox::eventFilter(QObject* watched, QEvent* event) {
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            choose(currentItem());
+            choose(currentItem() ? currentItem() : item(0));
             return true;
         case Qt::Key_Escape:
             box_->clear();

@@ -239,6 +239,9 @@ TEST(Console, SearchFindsASettingByItsWordsAndOpensItsForm) {
     QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
     QTest::keyClicks(box, "radioclockcomport");
     EXPECT_TRUE(list->item(0)->text().contains("Date/Time Setup")) << list->item(0)->text().toStdString();
+    box->setText("commands");
+    QTest::keyClick(box, Qt::Key_Down);
+    EXPECT_EQ(list->currentItem()->text(), "Commands");
     box->setText("xyzzy");
     EXPECT_EQ(list->item(0)->text(), "No setting has these words");
 }
