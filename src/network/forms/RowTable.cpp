@@ -13,6 +13,7 @@ namespace {
 // What the size asks for.
 constexpr int fewestRows = 5;
 constexpr int mostRows = 14;
+constexpr int fewestCharacters = 16; // of the stretched column
 constexpr int rowPadding = 12;
 constexpr int columnPadding = 16;
 
@@ -57,7 +58,7 @@ void RowTable::fitColumns(int stretched) {
         setColumnWidth(column, content + columnPadding);
     }
     stretched_ = stretched;
-    narrowest_ = columnWidth(stretched);
+    content_ = columnWidth(stretched);
     stretch();
     updateGeometry();
 }
@@ -66,12 +67,13 @@ void RowTable::stretch() {
     if (stretched_ < 0)
         return;
     const int others = horizontalHeader()->length() - columnWidth(stretched_);
-    setColumnWidth(stretched_, qMax(narrowest_, viewport()->width() - others));
+    const int narrowest = qMin(content_, fontMetrics().averageCharWidth() * fewestCharacters);
+    setColumnWidth(stretched_, qMax(narrowest, viewport()->width() - others));
 }
 
 QSize RowTable::sizeHint() const {
     const int rows = qBound(fewestRows, model() ? model()->rowCount() : 0, mostRows);
-    int width = narrowest_;
+    int width = content_;
     for (int column = 0; model() && column < model()->columnCount(); ++column)
         width += column == stretched_ ? 0 : columnWidth(column);
     const int height =

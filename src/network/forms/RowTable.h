@@ -17,7 +17,8 @@ public:
     // The selected row; -1 for none.
     int row() const;
     void selectRow(int row);
-    // Each column as wide as what stands in it; the room that is left goes to one of them.
+    // Each column as wide as what stands in it. One of them takes the room that is left, and gives room where
+    // there is too little; its long texts then end in dots.
     void fitColumns(int stretched);
 
     QSize sizeHint() const override;
@@ -32,7 +33,7 @@ private:
 
     QString emptyText_;
     int stretched_ = -1;
-    int narrowest_ = 0; // pixels of the stretched column
+    int content_ = 0; // pixels that the texts of the stretched column need
 };
 
 } // namespace tolvex

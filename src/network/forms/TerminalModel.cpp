@@ -8,6 +8,7 @@ namespace tolvex {
 
 namespace {
 
+const QString changeHint = QStringLiteral("Click here to change the name");
 constexpr const char* headings[] = {"No", "?", "Tolvex ID Name", "Network Name", "Last Used:", "Used by"};
 
 } // namespace
@@ -95,7 +96,7 @@ QVariant TerminalModel::data(const QModelIndex& index, int role) const {
         if (column == Marker)
             return QStringLiteral("Click here to use this number on this workstation");
         if (column == IdName)
-            return QStringLiteral("Click here to change the name");
+            return name(id).isEmpty() ? changeHint : name(id) + u'\n' + changeHint;
         return text(id, column);
     case Qt::AccessibleTextRole:
         if (column == Marker)

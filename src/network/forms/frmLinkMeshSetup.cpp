@@ -7,6 +7,7 @@
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "ui/binding/FormChanges.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -46,6 +47,7 @@ frmLinkMeshSetup::frmLinkMeshSetup(TerminalList& terminals, Settings& settings, 
     , ui_(std::make_unique<Ui::frmLinkMeshSetup>())
     , model_(new TerminalModel(this)) {
     ui_->setupUi(this);
+    KeepFitted(this);
     EnterForm(this);
     RowTable* grid = ui_->grdTerminals;
     grid->setModel(model_);

@@ -2,6 +2,7 @@
 
 #include "platform/Prompts.h"
 #include "platform/devices/SerialPorts.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui_frmRadioClockTest.h"
@@ -13,14 +14,22 @@ frmRadioClockTest::frmRadioClockTest(QWidget* parent)
     , ui_(std::make_unique<Ui::frmRadioClockTest>())
     , test_(ReceiverTest::Scope::Strength) {
     ui_->setupUi(this);
+    KeepFitted(this);
     EnterForm(this);
     connect(ui_->Command1, &QPushButton::clicked, this, &QDialog::accept);
-    test_.onChanged = [this] { ui_->pnlSignalStrength->show(test_.strength()); };
+    test_.onChanged = [this] {
+        if (test_.isOpen())
+            ui_->pnlSignalStrength->show(test_.strength());
+    };
     test_.onLine = [this](const ClockLine& line) {
         if (line.kind == ClockLine::Kind::Strength && line.level >= 0)
             showState(QStringLiteral("The receiver answers."));
     };
-    test_.onError = [this](const QString& what) { showState(what, true); };
+    test_.onError = [this](const QString& what) {
+        if (!test_.isOpen())
+            ui_->pnlSignalStrength->clear();
+        showState(what, true);
+    };
     platform::prompts().setPointer(platform::Pointer::Default);
 }
 

@@ -26,6 +26,23 @@ void ScrollPage::showEvent(QShowEvent* event) {
         widget()->setAutoFillBackground(false);
 }
 
+void ScrollPage::followContent() {
+    QSizePolicy policy = sizePolicy();
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+int ScrollPage::heightForWidth(int width) const {
+    const int frame = 2 * frameWidth();
+    return widget() ? widget()->heightForWidth(width - frame) + frame : -1;
+}
+
+bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest && sizePolicy().hasHeightForWidth())
+        updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
+}
+
 QSize ScrollPage::sizeHint() const {
     const QWidget* content = widget();
     if (!content)

@@ -1,5 +1,5 @@
-// A page of a tabbed form: it asks for the room that its content needs, and scrolls on a screen that is too
-// small to give it.
+// A page of a form: it asks for the room that its content needs, and scrolls on a screen that is too small to
+// give it.
 #pragma once
 
 #include <QScrollArea>
@@ -12,8 +12,13 @@ class ScrollPage : public QScrollArea {
 public:
     explicit ScrollPage(QWidget* parent = nullptr);
     QSize sizeHint() const override;
+    // What the content needs at a width; counts once followContent was called.
+    int heightForWidth(int width) const override;
+    // From now on the page's height follows its content, whose texts may wrap or change.
+    void followContent();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:

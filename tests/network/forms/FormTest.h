@@ -33,6 +33,16 @@ inline void clickCell(QTableView& grid, int row, int column) {
     QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(cell).center());
 }
 
+// No text of the form is cut off.
+inline void expectTextsFit(const QWidget& form) {
+    for (const QLabel* label : form.findChildren<QLabel*>())
+        if (label->isVisible() && !label->text().isEmpty()) {
+            EXPECT_GE(label->height(),
+                      label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height())
+                << label->objectName().toStdString();
+        }
+}
+
 class FormTest : public testing::Test {
 protected:
     FormTest() {

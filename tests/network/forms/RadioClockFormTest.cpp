@@ -35,6 +35,9 @@ TEST_F(RadioClockForm, ShowsTheStrengthAndTheFaultsOfThePort) {
     EXPECT_FALSE(receiver.requests.contains('o')); // nothing here sets a clock
     receiver.device.unplug();
     EXPECT_TRUE(waitFor([&] { return state() != "The receiver answers."; }));
+    EXPECT_EQ(strength->percent(), -1);
+    runEvents(20);
+    expectTextsFit(form);
     EXPECT_TRUE(prompts.asked.isEmpty());
 
     form.setPort(4);
