@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const qsizetype length = static_cast<unsigned char>(bytes[at]) + 1;
         const auto command = commands.take(bytes.mid(at, length));
         at += length;
-        if (commands.isOverfull())
+        if (commands.isEndless())
             commands.clear();
         if (!command)
             continue;

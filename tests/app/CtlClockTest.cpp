@@ -35,6 +35,7 @@ TEST_F(CtlClock, IsTested) {
                                                 {"kind", "time"},
                                                 {"valid", true},
                                                 {"lowBattery", false},
+                                                {"setsClock", true},
                                                 {"dateTime", "2024-03-05T22:10:30"},
                                                 {"decoded", "5 March 2024 22:10:30, valid"}}));
 }
@@ -42,12 +43,15 @@ TEST_F(CtlClock, IsTested) {
 TEST_F(CtlClock, IsWatchedUntilItIsPulledOut) {
     ClockReceiver receiver(PseudoTerminal::Hold::Free);
     receiver.now = [] { return QDateTime({2024, 3, 5}, {22, 10, 30}); };
-    receiver.status = '9';
+    receiver.status = '8';
     ASSERT_TRUE(QFile::link(receiver.device.path(), home() + "/dosdevices/com2"));
     ASSERT_EQ(run({"profile", "set", "tolvex.ini", "DateTimeSettings", "RadioClockComPort", "2"}).status, 0);
     start({"--json", "clock", "watch"});
     EXPECT_EQ(next()["kind"], "strength");
-    EXPECT_EQ(next()["lowBattery"], true);
+    const QJsonObject unusable = next();
+    EXPECT_EQ(unusable["lowBattery"], true);
+    EXPECT_EQ(unusable["setsClock"], false);
+    EXPECT_EQ(unusable["whyNot"], "the receiver has no valid time");
     receiver.device.unplug();
     ASSERT_TRUE(waitFor([this] { return process.state() == QProcess::NotRunning; }));
     EXPECT_EQ(process.exitCode(), 3);

@@ -43,7 +43,7 @@ TEST_F(CtlCommands, MakeChangeAndDeleteCommands) {
                    "both", "--use-existing", "--text", "\\x02open\\r", "--escapes"})
                   .status,
               0);
-    EXPECT_EQ(shown("door"), (QJsonObject{{"name", "door"},
+    EXPECT_EQ(shown("door"), (QJsonObject{{"name", "Door"},
                                           {"type", "serial"},
                                           {"leaveOpen", false},
                                           {"useExisting", true},
@@ -63,6 +63,11 @@ TEST_F(CtlCommands, MakeChangeAndDeleteCommands) {
         run({"commands", "add", "All", "--tcp", "[::1]:4001", "--leave-open", "--file", "-"}, bytes).status,
         0);
     EXPECT_EQ(file("All").mid(1024), bytes);
+    EXPECT_TRUE(
+        run({"commands", "add", "Long", "--serial", "1", "--text", QString(2000, 'x')}).err.isEmpty());
+    const QByteArray shownLong = run({"commands", "show", "Long"}).out;
+    EXPECT_TRUE(shownLong.size() < 1000 && shownLong.contains("2000 bytes in all")) << shownLong.constData();
+    EXPECT_EQ(run({"--yes", "commands", "delete", "Long"}).status, 0);
     EXPECT_EQ(shown("All")["address"], "::1");
     write(onC("text.bin"), "a\\r");
     EXPECT_EQ(run({"commands", "add", "Start", "--external", "--window", "minimized-background", "--file",
@@ -152,6 +157,11 @@ TEST_F(CtlCommands, RunSendsForReal) {
     const Result gone = run({"commands", "run", "Ask"});
     EXPECT_EQ(gone.status, 3);
     EXPECT_TRUE(gone.err.contains("which is not there")) << gone.err.constData();
+
+    write(onC("DATA/Commands/Empty.TCD"), "");
+    const Result empty = run({"commands", "run", "Empty"});
+    EXPECT_EQ(empty.status, 3);
+    EXPECT_TRUE(empty.err.contains("it has 0 bytes")) << empty.err.constData();
 
     EXPECT_EQ(run({"commands", "add", "Net", "--tcp", "127.0.0.1:1", "--text", "x"}).status, 0);
     const Result refused = run({"commands", "run", "Net"});

@@ -1,4 +1,4 @@
-// Commands as files, as texts and as fields of the editor: a byte more or less, and a device does something
+// Commands as files, as texts and as fields of the editor: one wrong byte makes a device do something
 // else.
 #include "core/settings/Settings.h"
 #include "network/commands/CommandFolder.h"
@@ -83,7 +83,7 @@ TEST_F(CommandFiles, EveryFieldLiesInItsPlace) {
     EXPECT_EQ(tcpIp.Protocol, ProtocolUdp);
     EXPECT_EQ(DecodeCommand(externalFile)->WindowStyle, 7);
 
-    // Back the same way, whatever else is in the header and the text.
+    // Encoding gives the same bytes back, whatever else is in the header and the text.
     QByteArray odd = serialFile + everyByte;
     odd.replace(40, 8, QByteArray("\0\xFF\x81 x\t\r\n", 8));
     odd.replace(1000, 24, everyByte.right(24));
@@ -120,7 +120,7 @@ TEST_F(CommandFiles, AreListedReadSavedRenamedAndRemoved) {
     EXPECT_TRUE(why.contains("500 bytes")) << why.toStdString();
     EXPECT_FALSE(folder.read("Nobody", &why));
     EXPECT_TRUE(why.contains("There is no file")) << why.toStdString();
-    // One that this user may not read is there all the same.
+    // A file that this user may not read exists all the same.
     QFile::setPermissions(machine.path(), QFile::Permissions(0x7755));
     QFile::setPermissions(machine.host("C:\\DATA\\Commands\\Door.TCD"), {});
     EXPECT_TRUE(PassesWithoutRights([this] {
@@ -129,7 +129,7 @@ TEST_F(CommandFiles, AreListedReadSavedRenamedAndRemoved) {
         EXPECT_TRUE(reason.contains("cannot be read")) << reason.toStdString();
     }));
 
-    // Opened and saved without a change a file keeps every byte, and a text box never sees its text.
+    // A file that is opened and saved without a change keeps every byte; no text box sees its text.
     const CommandRecord before = *folder.read("b side");
     EXPECT_TRUE(folder.save("b side", CommandOf(FieldsOf("b side", before), before)));
     EXPECT_EQ(machine.read("C:\\DATA\\Commands\\b side.TCD"), serialFile);
@@ -248,7 +248,7 @@ TEST(CommandRules, FaultsComeInTheirOrderWithTheirFields) {
     EXPECT_EQ(fault(true), QString("none"));
 }
 
-// What the file would cut or the network refuse is refused while somebody is there to mend it.
+// The editor refuses what the file would cut and what the network would refuse.
 TEST(CommandRules, NothingIsCutSilently) {
     const auto field = [](const CommandFields& fields) {
         const auto found = CheckCommand(fields);
@@ -265,6 +265,16 @@ TEST(CommandRules, NothingIsCutSilently) {
     EXPECT_EQ(field(fields), -1);
     fields.name = QString(201, 'x');
     EXPECT_EQ(field(fields), int(CommandField::Name));
+    // Values that a file holds and no list offers.
+    fields = serialFields("Go");
+    fields.serialPort = 5;
+    EXPECT_EQ(field(fields), int(CommandField::SerialPort));
+    fields.handshaking = 4;
+    fields.serialPort = 4;
+    EXPECT_EQ(field(fields), int(CommandField::SerialHandshaking));
+    fields.type = ExternalCommand;
+    fields.windowStyle = 5;
+    EXPECT_EQ(field(fields), int(CommandField::WindowStyle));
     fields = serialFields("Go");
     fields.typedText = QString::fromUtf8("abc→");
     EXPECT_EQ(field(fields), int(CommandField::Text));
@@ -283,6 +293,9 @@ TEST(CommandRules, NothingIsCutSilently) {
     fields.address = QString::fromUtf8("πi");
     EXPECT_EQ(field(fields), int(CommandField::TcpIpAddress));
     fields.address = "h";
+    fields.protocol = 2;
+    EXPECT_EQ(field(fields), int(CommandField::TcpIpProtocol));
+    fields.protocol = ProtocolTcp;
     fields.typedText = QString(65508, 'x');
     EXPECT_EQ(field(fields), -1);
     fields.protocol = ProtocolUdp;
@@ -312,6 +325,13 @@ TEST(CommandRules, FieldsMakeTheRecordOfTheirTypeAndKeepWhatTheyDoNotShow) {
     EXPECT_EQ(other.Address, QString("host"));
     EXPECT_EQ(other.IpPort, 80);
     EXPECT_EQ(EncodeCommand(other).mid(272, 752), QByteArray(752, ' '));
+    // Zeros that pad a text are not part of it, and stay in the file.
+    before.Settings = "9600,n,8,1" + QString(QChar(0)).repeated(3) + "8,1";
+    fields = FieldsOf("Go", before);
+    EXPECT_EQ(fields.settings, QString("9600,n,8,1"));
+    EXPECT_EQ(CommandOf(fields, before).Settings, before.Settings);
+    fields.settings = "9600,n,8,2";
+    EXPECT_EQ(CommandOf(fields, before).Settings, QString("9600,n,8,2"));
     EXPECT_EQ(UnknownTypeMessage(0) + UnknownTypeMessage(3), QString());
     EXPECT_EQ(UnknownTypeMessage(4),
               QString("The Command Type (4) was not recognised. Please contact Norvane Ltd."));

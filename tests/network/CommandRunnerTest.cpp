@@ -125,7 +125,7 @@ TEST_F(Commands, GoToASerialPortAndKeepItAsTheirFlagsSay) {
     EXPECT_TRUE(waitFor([&] { return device.received == everyByte && other.received == "four"; }));
     EXPECT_TRUE(runner.connections().isEmpty());
 
-    // Only a command that may use what is open, with the same settings and handshaking, does not open anew.
+    // The port is opened again unless the command may use it and has the same settings and handshaking.
     const struct {
         const char* command;
         int opens;
@@ -141,7 +141,7 @@ TEST_F(Commands, GoToASerialPortAndKeepItAsTheirFlagsSay) {
     EXPECT_TRUE(waitFor([&] {
         return device.received == everyByte + "leave;reuse;reuse;faster;firm;firm;leave;";
     })) << device.received.constData();
-    // One that does not leave it open closes it, though it was open before.
+    // A command that does not leave the port open closes it, even when it was open before.
     EXPECT_TRUE(runner.PerformCommand("Plain", false));
     ASSERT_TRUE(idle());
     EXPECT_TRUE(runner.connections().isEmpty());
@@ -228,19 +228,19 @@ TEST_F(Commands, UseTheSlotsAsTold) {
     runEvents(20);
     EXPECT_EQ(peers[0].ended, 0);
 
-    // All are taken: the last slot gives way, and without the flag a second connection is made.
+    // When all slots are taken the last one is reused. Without the flag a second connection is made.
     EXPECT_TRUE(runner.PerformCommand("To5", false));
     EXPECT_TRUE(waitFor([&] { return peers[4].ended == 1 && peers[5].received.value(0) == "first;"; }));
     EXPECT_TRUE(runner.PerformCommand("To0", false));
     EXPECT_TRUE(waitFor([&] { return peers[5].ended == 1 && peers[0].received.value(1) == "first;"; }));
 
-    // A slot that its peer closed is free again, the first of them first.
+    // Of the slots that their peers closed the first one is used again.
     peers[2].sockets[0]->disconnectFromHost();
     EXPECT_TRUE(waitFor([&] { return runner.connections().size() == 4; }));
     EXPECT_TRUE(runner.PerformCommand("To5", false));
     EXPECT_TRUE(waitFor([&] { return peers[5].received.value(1) == "first;"; }));
     EXPECT_EQ(runner.connections()[2], QStringLiteral("127.0.0.1:%1").arg(peers[5].port()));
-    // What comes in on a connection that is kept open is taken away.
+    // What arrives on a connection that is kept open is read.
     peers[5].sockets[1]->write("news");
     EXPECT_TRUE(waitFor([&] { return answers() == "news"; }));
     runner.closeAll();
@@ -373,7 +373,7 @@ TEST_F(Commands, CanBeTriedWithoutBeingStored) {
         EXPECT_TRUE(waitFor([&] { return !trial.running(); }));
         return kinds();
     };
-    // An answer is waited for, until the peer closes or for three seconds.
+    // The trial waits for an answer until the peer closes, or three seconds.
     Peer peer;
     peer.answer = "OK\r\n";
     events.clear();

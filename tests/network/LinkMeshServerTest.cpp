@@ -27,7 +27,7 @@ public:
     int stopped = 0;
 };
 
-// Writes down what it is told and tries to change it for others.
+// Records what it is told, and tries to change it for others.
 class Subscriber final : public NetControlSubscriber {
 public:
     void NetworkControlStatusNotice(qint32& event, qint32& value1, qint32& value2, QString& text) override {

@@ -1,4 +1,4 @@
-// The radio clock: what its lines mean, when it is asked, and that the computer follows it, a day long.
+// The radio clock: what its lines mean, when it is asked, and that the computer follows it for a day.
 #include "network/clock/RadioClock.h"
 #include "network/clock/ReceiverTest.h"
 #include "support/ClockReceiver.h"
@@ -31,7 +31,7 @@ TEST(ClockLines, MeanWhatTheirColumnsSay) {
         const char* line;
         bool sets;
         bool lowBattery;
-        QDateTime time; // invalid where the digits are no date or no time
+        QDateTime time; // invalid if the digits are not a date and a time
     } rows[] = {
         {"221030?05032401", true, false, {{2024, 3, 5}, {22, 10, 30}}},
         {"221030?050324x9", true, true, {{2024, 3, 5}, {22, 10, 30}}},
@@ -78,9 +78,11 @@ TEST(ClockLines, MeanWhatTheirColumnsSay) {
     for (const char* other : {"", "x", "xxx", "221030?0503240", "221030?050324011", "\n5x"})
         EXPECT_EQ(lineOf(other).kind, ClockLine::Kind::Other) << other;
     EXPECT_EQ(lineOf("221030?05032409").text(), QString("5 March 2024 22:10:30, valid, battery low"));
+    EXPECT_EQ(lineOf("240000?30022409").text(),
+              QString("? ?, not used: its date is not a date, battery low"));
 }
 
-// However the bytes arrive the lines are the same, and noise costs nothing.
+// The lines are the same however the bytes arrive, and noise is dropped.
 TEST(ClockLines, ArriveInAnyPieces) {
     const QByteArray bytes =
         "junk\r221030?05032401\rx3\r\n221031?05032401\r" + QByteArray(100000, 'z') + "\rx5\r" + "22103";
@@ -107,7 +109,7 @@ TEST(ClockLines, ArriveInAnyPieces) {
     }
 }
 
-// Where the clock goes through an hour twice the reading alone does not say which one it is.
+// In an hour that the clock goes through twice, the reading alone does not say which one it is.
 TEST(ClockLines, ARepeatedHourIsTheOneNearerToNow) {
     const QByteArray before = qgetenv("TZ");
     qputenv("TZ", "Europe/London");
@@ -126,7 +128,7 @@ TEST(ClockLines, ARepeatedHourIsTheOneNearerToNow) {
 
 namespace {
 
-// What a poll puts onto the line, with the time of day it does so.
+// What a poll puts onto the line, and at what time of day.
 class ClockPollTest : public testing::Test {
 protected:
     VirtualClock clock{QDateTime({2024, 3, 5}, {12, 0})};
@@ -152,7 +154,7 @@ TEST_F(ClockPollTest, AsksForTheTimeEveryFiveMinutes) {
     EXPECT_EQ(over(9999), QStringList());
     EXPECT_EQ(over(900000), (QStringList{"12:00:10.000 o", "12:00:10.200 CR", "12:05:10.000 o",
                                          "12:05:10.200 CR", "12:10:10.000 o", "12:10:10.200 CR"}));
-    // The clock is set, back or on: the time since the last request is what it was.
+    // Setting the clock back or forward does not change the time since the last request.
     clock.time = clock.time.addSecs(-3600);
     poll.clockMoved(-3600'000);
     EXPECT_EQ(over(300000), (QStringList{"11:15:10.000 o", "11:15:10.200 CR"}));
@@ -219,7 +221,7 @@ protected:
         radio.onError = [this](const QString& what) { errors += what; };
     }
     QDateTime trueTime() const { return start.addMSecs(clock.passed); }
-    // Lets virtual time pass; where the receiver is asked, until its answer is there.
+    // Lets virtual time pass. When the receiver is asked, waits for its answer.
     void pass(qint64 milliseconds) {
         const qint64 end = clock.passed + milliseconds;
         for (bool more = true; more;) {
@@ -280,7 +282,7 @@ TEST_F(RadioClockTest, KeepsTheComputerRightForADay) {
         pass(3600'000);
         const double off = double(clock.time.msecsTo(trueTime())) / 1000;
         EXPECT_EQ(radio.lowBattery(), hour == 6) << hour;
-        // A line tells whole seconds.
+        // A line holds whole seconds.
         EXPECT_LT(qAbs(off), 1.01) << "hour " << hour;
         clock.time = clock.time.addMSecs(300); // drift
     }
@@ -292,21 +294,25 @@ TEST_F(RadioClockTest, KeepsTheComputerRightForADay) {
     EXPECT_EQ(receiver.requests.size(), timeRequests);
     EXPECT_TRUE(prompts.asked.isEmpty() && errors.isEmpty());
     EXPECT_EQ(clock.attempts.size(), differences.size());
+    EXPECT_EQ(radio.difference(), differences.last());
     EXPECT_EQ(radio.counts().requests, timeRequests);
     EXPECT_EQ(radio.counts().good, differences.size());
     EXPECT_EQ(radio.counts().good + radio.counts().unusable, timeRequests);
     EXPECT_GT(radio.counts().dropped, 50);
+    receiver.status = '0';
+    pass(400'000);
+    EXPECT_FALSE(radio.difference()) << "an unusable line moves nothing";
 }
 
 TEST_F(RadioClockTest, ARefusalIsToldOnce) {
-    receiver.device.send("x"); // before the port is open: nobody's
+    receiver.device.send("x"); // before the port is open: dropped
     clock.refusal = {platform::ClockKeptByNetwork, "Kept by the network"};
     clock.time = clock.time.addSecs(600);
     radio.connectTo(2);
     pass(1200'000);
     EXPECT_EQ(clock.attempts, (QList<bool>{true, false, false, false})) << "the user is asked once";
     ASSERT_EQ(prompts.asked.size(), 1);
-    EXPECT_EQ(radio.difference(), 0) << "nothing was moved";
+    EXPECT_FALSE(radio.difference()) << "nothing was moved";
     EXPECT_EQ(
         prompts.asked[0].text,
         QString("There was a problem setting the Time/Date on the computer and the error's description was "
@@ -341,7 +347,7 @@ TEST_F(RadioClockTest, TheButtonTestsTheReception) {
     EXPECT_EQ(radio.strength().colour(), StrengthGreen);
     clock.advance(100);
     EXPECT_EQ(radio.strength().percent(), 21) << "a step every 5 ms";
-    // A new strength is aimed at from where the last one has come to.
+    // A new strength moves the panel on from where it is.
     receiver.device.send("x0\r");
     ASSERT_TRUE(waitFor([&] { return lines == 3; }));
     EXPECT_EQ(radio.strength().colour(), StrengthRed);

@@ -41,7 +41,7 @@ QString performed(RemoteCommands& commands, const QList<QByteArray>& arrivals) {
 
 } // namespace
 
-TEST(RemoteCommandsTest, OneCommandComesOfAnArrival) {
+TEST(RemoteCommandsTest, AnArrivalGivesOneCommand) {
     const struct {
         QList<QByteArray> arrivals;
         const char* performed;
@@ -70,6 +70,33 @@ TEST(RemoteCommandsTest, OneCommandComesOfAnArrival) {
             EXPECT_EQ(performed(commands, {"7\r"}), QString("7=7"));
         }
     }
+}
+
+// Commands that come faster than one is performed per arrival wait, and those that find no room are lost
+// whole. Only bytes without a carriage return have an end.
+TEST(RemoteCommandsTest, WhatWaitsIsBounded) {
+    RemoteCommands commands;
+    const QByteArray arrival = QByteArray("1234\r").repeated(39) + "1234";
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_TRUE(commands.take(i % 2 == 0 ? arrival : '\r' + arrival.left(195)));
+        ASSERT_FALSE(commands.isEndless());
+    }
+    EXPECT_TRUE(commands.hasLost());
+    int waiting = 0;
+    while (const auto command = commands.take({})) {
+        ASSERT_EQ(command->text, QString("1234")); // no half of a command joins another half
+        ++waiting;
+    }
+    EXPECT_GT(waiting * 5, RemoteCommands::LongestBuffer - 400);
+    EXPECT_LE(waiting * 5, RemoteCommands::LongestBuffer);
+    const QByteArray endless(128, 'x');
+    for (int i = 0; i < 512; ++i)
+        EXPECT_FALSE(commands.take(endless));
+    EXPECT_FALSE(commands.isEndless());
+    commands.take("x");
+    EXPECT_TRUE(commands.isEndless());
+    commands.clear();
+    EXPECT_FALSE(commands.isEndless() || commands.hasLost());
 }
 
 // Against a plain model of the rules, whatever arrives in whatever pieces.
@@ -179,7 +206,7 @@ TEST_F(RemoteControlTest, CommandsAreAnsweredAndPeersComeAndGo) {
     EXPECT_EQ(carts, QList<qint32>{1234});
     EXPECT_EQ(gos, 1);
 
-    // What one peer began another one does not end; the second closes the first.
+    // A second peer closes the first, and does not finish what that one began.
     first->write("99");
     runEvents(30);
     auto second = peer();
@@ -199,7 +226,7 @@ TEST_F(RemoteControlTest, CommandsAreAnsweredAndPeersComeAndGo) {
 }
 
 // Programs that are not ours, as a studio would use them.
-TEST_F(RemoteControlTest, OtherPeoplesProgramsCanTalkToIt) {
+TEST_F(RemoteControlTest, OtherProgramsCanTalkToIt) {
     control.listen();
     const QString port = QString::number(control.port());
     for (const QStringList& words :
@@ -223,7 +250,7 @@ TEST_F(RemoteControlTest, OtherPeoplesProgramsCanTalkToIt) {
 
 TEST_F(RemoteControlTest, PeersThatGoTooFarAreClosed) {
     control.listen();
-    // Bytes without a command, as many as it takes.
+    // Bytes without a carriage return, as many as it takes.
     auto talker = peer();
     while (talker->state() == QAbstractSocket::ConnectedState && talker->bytesToWrite() == 0) {
         talker->write(QByteArray(190, 'x'));
@@ -231,14 +258,23 @@ TEST_F(RemoteControlTest, PeersThatGoTooFarAreClosed) {
     }
     EXPECT_TRUE(ends(*talker));
     EXPECT_EQ(words(ServerEvent::Kind::Closed),
-              QStringList{"127.0.0.1 closed: it sent 64 kB that are no commands"});
-    // A burst is told of once, and what fits of it counts.
+              QStringList{"127.0.0.1 closed: it sent 64 kB without a carriage return"});
+    // A burst is reported once, and what fits counts.
     auto burst = peer();
     lines(*burst, 1);
     burst->write("5\r" + QByteArray(100000, 'y'));
     EXPECT_EQ(lines(*burst, 1), line("Play Cart 5"));
     runEvents(50);
     EXPECT_EQ(words(ServerEvent::Kind::Error).size(), 1);
+    // Two commands a write, as often as it likes: too many for one per arrival, and the peer stays.
+    for (int i = 0; i < 1500; ++i) {
+        burst->write(QByteArray("12\r").repeated(60));
+        QCoreApplication::processEvents();
+        burst->readAll();
+    }
+    EXPECT_EQ(burst->state(), QAbstractSocket::ConnectedState);
+    EXPECT_EQ(words(ServerEvent::Kind::Error).size(), 2)
+        << words(ServerEvent::Kind::Error).join('|').toStdString();
     // A peer that never reads.
     auto deaf = peer();
     deaf->setReadBufferSize(1);

@@ -25,7 +25,7 @@ using namespace tolvex::tests;
 
 namespace {
 
-// What a peer that means no good does with its connection.
+// What a hostile peer does with its connection.
 void pester(int socket, unsigned kind) {
     const QByteArray flood(60000, 'x');
     const QByteArray commands = QByteArray("1234\r").repeated(30);

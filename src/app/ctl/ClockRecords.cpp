@@ -11,6 +11,9 @@ void AddClockLine(QJsonObject& record, const ClockLine& line, int percent) {
     if (line.kind == ClockLine::Kind::Time) {
         record[QStringLiteral("valid")] = line.valid;
         record[QStringLiteral("lowBattery")] = line.lowBattery;
+        record[QStringLiteral("setsClock")] = line.setsClock();
+        if (!line.setsClock())
+            record[QStringLiteral("whyNot")] = line.whyNot();
         if (line.date && line.seconds >= 0)
             record[QStringLiteral("dateTime")] =
                 QDateTime(*line.date, QTime::fromMSecsSinceStartOfDay(line.seconds * 1000))

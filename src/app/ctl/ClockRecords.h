@@ -7,8 +7,8 @@
 
 namespace tolvex::ctl {
 
-// Adds line (with escapes), kind, and what its kind has: valid, lowBattery and dateTime; or strength in
-// percent.
+// Adds line (with escapes), kind, and what its kind has: valid, lowBattery, setsClock, whyNot (when it sets
+// no clock) and dateTime; or strength in percent.
 void AddClockLine(QJsonObject& record, const ClockLine& line, int percent);
 
 } // namespace tolvex::ctl

@@ -92,8 +92,9 @@ QString ClockLine::text() const {
             seconds < 0
                 ? QStringLiteral("?")
                 : QTime::fromMSecsSinceStartOfDay(seconds * 1000).toString(QStringLiteral("HH:mm:ss"));
+        const QString why = whyNot();
         return QStringLiteral("%1 %2, %3%4")
-            .arg(day, time, valid ? QStringLiteral("valid") : QStringLiteral("not valid"),
+            .arg(day, time, why.isEmpty() ? QStringLiteral("valid") : QStringLiteral("not used: ") + why,
                  lowBattery ? QStringLiteral(", battery low") : QString());
     }
     case Kind::Strength:

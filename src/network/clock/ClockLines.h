@@ -33,7 +33,8 @@ struct ClockLine {
     bool setsClock() const;
     // Why a time line does not set the clock, a phrase; otherwise empty.
     QString whyNot() const;
-    // The line in words: "5 March 2024 22:10:30, valid", "strength 3".
+    // The line in words: "5 March 2024 22:10:30, valid", "5 March 2024 00:00:00, not used: it is exactly
+    // midnight", "strength 3".
     QString text() const;
 };
 

@@ -111,6 +111,7 @@ void RadioClock::receive(const QByteArray& bytes) {
 void RadioClock::takeTime(const ClockLine& line) {
     lastTime_ = line;
     lastTimeCame_ = platform::clock().now();
+    difference_.reset();
     ++(line.setsClock() ? counts_.good : counts_.unusable);
     if (line.setsClock())
         setClock(line);
@@ -141,9 +142,9 @@ void RadioClock::clockSet(const platform::ClockRefusal& refusal, double differen
         poll_.clockMoved(qRound64(difference * 1000));
         if (onClockSet)
             onClockSet(difference);
-        return;
+        return changed();
     }
-    // Neither asked nor told the same every five minutes.
+    // The user is neither asked again nor told the same every five minutes.
     mayAsk_ = false;
     if (refusal.text == refusal_)
         return;

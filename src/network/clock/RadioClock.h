@@ -48,8 +48,8 @@ public:
     // The last time line and when it came; invalid before the first.
     const ClockLine& lastTime() const { return lastTime_; }
     const QDateTime& lastTimeCame() const { return lastTimeCame_; }
-    // By how many seconds the last line that set the clock moved it.
-    double difference() const { return difference_; }
+    // By how many seconds the last time line moved the clock. Nothing if it did not, or not yet.
+    std::optional<double> difference() const { return difference_; }
     const Counts& counts() const { return counts_; }
 
 private:
@@ -71,7 +71,7 @@ private:
     bool lowBattery_ = false;
     ClockLine lastTime_;
     QDateTime lastTimeCame_;
-    double difference_ = 0;
+    std::optional<double> difference_;
     Counts counts_;
     bool setting_ = false; // the system was asked to set the clock and has not answered
     bool mayAsk_ = true;   // whether the system may ask the user for the right to do so

@@ -13,7 +13,7 @@ struct ListedCommand {
     QString name;
     qint32 type = SuiteCommand;
     qint32 flags = 0;
-    QString fault; // a sentence where the file is no command; empty otherwise
+    QString fault; // a sentence if the file is not a command; otherwise empty
 
     QString typeText() const; // "Serial Command"
     // "Yes" or "No", and "n/a" for a type without connections.
@@ -35,15 +35,15 @@ public:
     // How the file of that name is spelled, where that differs from `name`; otherwise empty.
     QString otherSpelling(const QString& name) const;
 
-    // Nothing, with a sentence in *why, when the file is missing or does not hold a command.
+    // Nothing, and a sentence in *why, if the file is missing, cannot be read or is not a command.
     std::optional<CommandRecord> read(const QString& name, QString* why = nullptr) const;
 
-    // Each gives true when it is done. What went wrong is reported, and the file is then as it was.
+    // Each of the three below returns true on success. A failure is reported and leaves the file as it was.
     //
-    // Writes a command; one of that name is replaced, so that a stop at any moment leaves the old command or
-    // the new one. The name of the file that is there keeps its spelling.
+    // Writes a command, or replaces the one of that name: a stop at any moment leaves the old command or the
+    // new one. A file that exists keeps the spelling of its name.
     bool save(const QString& name, const CommandRecord& command) const;
-    // False too when another command has the new name; a change of case alone is a new name.
+    // Also false if another command has the new name. A change of case alone is a new name.
     bool rename(const QString& name, const QString& newName) const;
     bool remove(const QString& name) const;
 

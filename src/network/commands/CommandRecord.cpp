@@ -65,6 +65,14 @@ constexpr NamedValue windowStyles[] = {{1, "Normal with Focus", "normal"},
 
 } // namespace
 
+QString CommandRecord::settingsText() const {
+    return Settings.section(QChar(0), 0, 0);
+}
+
+QString CommandRecord::addressText() const {
+    return Address.section(QChar(0), 0, 0);
+}
+
 std::optional<CommandRecord> DecodeCommand(const QByteArray& file) {
     if (file.size() < CommandHeaderLength)
         return std::nullopt;

@@ -44,15 +44,19 @@ struct CommandRecord {
     QString Rest;    // what the header has no field for; kept as read
     QByteArray Text; // bytes to send, or the command line in code page 1252
 
+    // Settings and Address as they are meant: some programs pad with zero characters, and leave the end of an
+    // older text behind them.
+    QString settingsText() const;
+    QString addressText() const;
     bool useExisting() const { return (Flags & UseExistingConnection) != 0; }
     bool leaveOpen() const { return (Flags & LeaveConnectionOpen) != 0; }
     bool hasConnection() const { return Type == SerialCommand || Type == TcpIpCommand; }
     bool operator==(const CommandRecord&) const = default;
 };
 
-// Nothing for bytes that are no whole header. An unknown type gives the fields that all types have.
+// Nothing for bytes that are shorter than a header. An unknown type gives the fields that all types have.
 std::optional<CommandRecord> DecodeCommand(const QByteArray& file);
-// Longer texts than their fields are cut; whoever lets users type refuses them (CommandRules.h).
+// Cuts texts that are longer than their fields; the editor refuses them (CommandRules.h).
 QByteArray EncodeCommand(const CommandRecord& command);
 
 // A stored value, its text in the editor's list, and its word in the shell.

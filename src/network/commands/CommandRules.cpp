@@ -26,7 +26,7 @@ std::optional<QByteArray> bytesOf(const CommandFields& fields, TextFault* fault 
 
 bool isEmptyText(const CommandFields& fields) {
     const QString text = fields.typedText.value_or(QString::fromLatin1(fields.storedText));
-    // Only of a serial command are blanks left out of account.
+    // Blanks are a text, except in a serial command.
     return fields.type == SerialCommand ? text.count(u' ') == text.size() : text.isEmpty();
 }
 
@@ -86,6 +86,33 @@ bool isDeviceName(const QString& name) {
            name[3] >= u'1' && name[3] <= u'9';
 }
 
+struct ListRow {
+    qint32 type;
+    CommandField field;
+    qint32 CommandFields::*value;
+    std::span<const NamedValue> (*values)();
+    const char* what;
+};
+constexpr ListRow lists[] = {
+    {SerialCommand, CommandField::SerialPort, &CommandFields::serialPort, CommandSerialPorts, "serial port"},
+    {SerialCommand, CommandField::SerialHandshaking, &CommandFields::handshaking, CommandHandshakings,
+     "handshaking"},
+    {TcpIpCommand, CommandField::TcpIpProtocol, &CommandFields::protocol, CommandProtocols, "protocol"},
+    {ExternalCommand, CommandField::WindowStyle, &CommandFields::windowStyle, CommandWindowStyles,
+     "window style"},
+};
+
+// Values that a file holds and no list offers.
+Fault checkLists(const CommandFields& fields) {
+    for (const ListRow& row : lists)
+        if (row.type == fields.type && !FindValue(row.values(), fields.*row.value))
+            return fault(row.field, QStringLiteral("The command holds %1 %2, which does not exist. Choose "
+                                                   "one that does.")
+                                        .arg(QLatin1String(row.what))
+                                        .arg(fields.*row.value));
+    return std::nullopt;
+}
+
 // What the suite's programs would not be able to use.
 Fault checkLimits(const CommandFields& fields) {
     const QString name = fields.name.trimmed();
@@ -105,6 +132,8 @@ Fault checkLimits(const CommandFields& fields) {
         if (LeadingNumber(fields.port) > highestIpPort)
             return fault(CommandField::TcpIpPort, QStringLiteral("An IP Port is a number from 1 to 65535."));
     }
+    if (auto wrong = checkLists(fields))
+        return wrong;
     TextFault wrong;
     const std::optional<QByteArray> bytes = bytesOf(fields, &wrong);
     if (!bytes)
@@ -145,6 +174,15 @@ QString CommandHint(const CommandFields& fields) {
     return {};
 }
 
+namespace {
+
+// A text of the header as it was stored, unless the user changed it.
+QString asStored(const QString& typed, const QString& shown, const QString& stored) {
+    return typed == shown ? stored : typed;
+}
+
+} // namespace
+
 CommandRecord CommandOf(const CommandFields& fields, const CommandRecord& before) {
     CommandRecord command;
     if (before.Type == fields.type)
@@ -157,9 +195,9 @@ CommandRecord CommandOf(const CommandFields& fields, const CommandRecord& before
     if (fields.type == SerialCommand) {
         command.SerialPort = fields.serialPort;
         command.Handshaking = fields.handshaking;
-        command.Settings = fields.settings;
+        command.Settings = asStored(fields.settings, before.settingsText(), before.Settings);
     } else if (fields.type == TcpIpCommand) {
-        command.Address = fields.address.trimmed();
+        command.Address = asStored(fields.address, before.addressText(), before.Address).trimmed();
         command.IpPort = ToLong(LeadingNumber(fields.port));
         command.Protocol = fields.protocol;
     } else if (fields.type == ExternalCommand) {
@@ -177,8 +215,8 @@ CommandFields FieldsOf(const QString& name, const CommandRecord& command) {
     fields.leaveOpen = command.leaveOpen();
     fields.serialPort = command.SerialPort;
     fields.handshaking = command.Handshaking;
-    fields.settings = command.Settings;
-    fields.address = command.Address;
+    fields.settings = command.settingsText();
+    fields.address = command.addressText();
     if (command.Type == TcpIpCommand)
         fields.port = QString::number(command.IpPort);
     fields.protocol = command.Protocol;

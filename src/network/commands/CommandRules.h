@@ -9,9 +9,13 @@ namespace tolvex {
 
 enum class CommandField {
     Name,
+    SerialPort,
+    SerialHandshaking,
     SerialSettings,
     TcpIpAddress,
     TcpIpPort,
+    TcpIpProtocol,
+    WindowStyle,
     Text // the text of the type that is chosen
 };
 

@@ -15,7 +15,7 @@ using platform::Handshaking;
 
 namespace {
 
-// A box opens from the event loop, where nothing of what reports is under way.
+// Opens a box from the event loop, after the caller has returned.
 template<typename Show>
 void showLater(Show show) {
     QTimer::singleShot(0, show);
@@ -23,7 +23,7 @@ void showLater(Show show) {
 
 platform::SerialFault openPort(platform::SerialPort& port, const CommandRecord& command) {
     QString why;
-    const auto line = platform::ParseSerialSettings(command.Settings, &why);
+    const auto line = platform::ParseSerialSettings(command.settingsText(), &why);
     if (!line)
         return {platform::SerialLineRefused, why};
     if (!FindValue(CommandHandshakings(), command.Handshaking))
@@ -86,7 +86,7 @@ bool CommandRunner::PerformCommand(const QString& name, bool quiet) {
     }
 }
 
-// A command that cannot be begun.
+// A command that cannot be started.
 bool CommandRunner::refuse(const QString& name, const QString& why, bool quiet) {
     tell(CommandEvent::Kind::Failed, name, {}, {}, why);
     if (!quiet)
@@ -189,7 +189,7 @@ void CommandRunner::sendOn(Slot& slot, const QByteArray& bytes) {
         slot.socket.abort();
         fail(slot, fault);
     } else if (slot.pending.isEmpty() && !slot.leaveOpen) {
-        slot.socket.finish(); // where nothing is sent nothing says that it was
+        slot.socket.finish(); // an empty write gets no signal
     }
 }
 
@@ -204,7 +204,7 @@ CommandRunner::Slot& CommandRunner::freeSlot() {
 }
 
 bool CommandRunner::runTcpIp(const QString& name, const CommandRecord& command, bool quiet) {
-    const QString address = command.Address.trimmed();
+    const QString address = command.addressText().trimmed();
     if (command.useExisting()) {
         const auto open = std::find_if(slots_.begin(), slots_.end(), [&](const Slot& slot) {
             return slot.socket.isConnected() && slot.address == address && slot.port == command.IpPort &&

@@ -1,7 +1,7 @@
 // Running commands. It owns what they are sent over: four serial ports, five sockets. A connection that a
 // command leaves open stays until another command closes it or the runner goes.
 //
-// PerformCommand only begins: bytes leave on the event loop, and later faults come as events.
+// PerformCommand only starts a command: its bytes leave on the event loop, and later faults come as events.
 #pragma once
 
 #include "network/commands/CommandEvents.h"

@@ -51,7 +51,7 @@ SocketFault CommandSocket::open(const QString& address, int port, bool udp) {
     if (address.isEmpty() || port < 1 || port > highestPort)
         return {10049,
                 QStringLiteral("\"%1\" port %2 is not an address to connect to").arg(address).arg(port)};
-    // A socket is used once: an end that is still on its way from the last use is nobody's any more.
+    // A socket is used once, so that a late signal of its last use reaches nobody.
     if (udp)
         socket_ = std::make_unique<QUdpSocket>();
     else
@@ -80,7 +80,7 @@ void CommandSocket::connectSignals() {
     QObject::connect(socket, &QAbstractSocket::errorOccurred, socket,
                      [this, socket](QAbstractSocket::SocketError error) {
                          if (error == QAbstractSocket::RemoteHostClosedError)
-                             return; // the end of the connection says so itself
+                             return; // `disconnected` follows
                          const SocketFault fault = SocketFaultOf(error, socket->errorString());
                          abort();
                          if (onFailed)
@@ -97,7 +97,7 @@ bool CommandSocket::isConnected() const {
 }
 
 SocketFault CommandSocket::write(const QByteArray& given) {
-    const QByteArray bytes = given; // onSent may run before the end, and change what was given
+    const QByteArray bytes = given; // onSent may run before the end and change what was given
     if (!isConnected())
         return {10057, QStringLiteral("The socket is not connected")};
     if (bytes.isEmpty())

@@ -29,7 +29,8 @@ QString escapeOf(char byte) {
         .replace(u'X', u'x');
 }
 
-// The byte of the escape whose backslash stands at `at`, which then stands on its last character.
+// Reads the escape whose backslash is at `at` and moves `at` to its last character. Nothing if it does not
+// exist.
 std::optional<char> readEscape(const QString& text, qsizetype& at) {
     const QString letter = text.mid(at + 1, 1);
     for (const Escape& escape : escapes)

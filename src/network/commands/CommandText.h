@@ -21,19 +21,19 @@ enum class TextForm {
     Escaped     // from a box, with escapes
 };
 
-// Bytes with escapes for everything but printable characters. `lineBreaks`: each pair of carriage
-// return and line feed is shown as a line break ("\n") instead, as a box of several lines shows it. What it
-// gives reads back as the same bytes.
+// Shows bytes with escapes for everything but printable characters. `lineBreaks`: each pair of carriage
+// return and line feed becomes a line break ("\n") instead, as in a box of several lines. The result reads
+// back as the same bytes.
 QString ShowCommandText(const QByteArray& bytes, bool lineBreaks);
 
-// What is wrong with a text, and from which character on.
+// What is wrong with a text, and at which character.
 struct TextFault {
     QString sentence;
     qsizetype place = 0;
 };
 
-// The bytes that a text stands for. Nothing, with what is wrong in *fault, for a character that code page
-// 1252 does not have, and for an escape that is none.
+// The bytes that a text stands for. Nothing, and the reason in *fault, for a character that code page 1252
+// does not have and for an escape that does not exist.
 std::optional<QByteArray> ReadCommandText(const QString& text, TextForm form, TextFault* fault = nullptr);
 
 // "02 0D 48": bytes in hexadecimal.

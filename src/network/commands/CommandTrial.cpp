@@ -69,7 +69,7 @@ void CommandTrial::stop() {
 void CommandTrial::sendSerial(const CommandRecord& command) {
     peer_ = QStringLiteral("COM%1").arg(command.SerialPort);
     QString why;
-    const auto line = platform::ParseSerialSettings(command.Settings, &why);
+    const auto line = platform::ParseSerialSettings(command.settingsText(), &why);
     if (!line)
         return end(Kind::Failed, why);
     if (const auto fault =
@@ -80,10 +80,10 @@ void CommandTrial::sendSerial(const CommandRecord& command) {
 }
 
 void CommandTrial::sendTcpIp(const CommandRecord& command) {
-    peer_ = QStringLiteral("%1:%2").arg(command.Address.trimmed()).arg(command.IpPort);
+    const QString address = command.addressText().trimmed();
+    peer_ = QStringLiteral("%1:%2").arg(address).arg(command.IpPort);
     tell(Kind::Connecting);
-    if (const auto fault =
-            socket_.open(command.Address.trimmed(), command.IpPort, command.Protocol == ProtocolUdp))
+    if (const auto fault = socket_.open(address, command.IpPort, command.Protocol == ProtocolUdp))
         end(Kind::Failed, fault.text);
 }
 

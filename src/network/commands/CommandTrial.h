@@ -1,5 +1,5 @@
-// Trying a command that need not be stored: sends it once, over a port or connection of its own, and tells
-// what happens until the other end has answered or three seconds have passed.
+// Tries a command that need not be stored: sends it once, over a port or connection of its own, and reports
+// what happens until three seconds have passed since the last byte was sent.
 #pragma once
 
 #include "network/commands/CommandEvents.h"
@@ -17,9 +17,9 @@ public:
     explicit CommandTrial(CommandEvents events);
     ~CommandTrial();
 
-    // Ends a trial that runs, without a word, and begins another. `name` appears in the events.
+    // Ends a running trial without an event and starts another. `name` appears in the events.
     void start(const QString& name, const CommandRecord& command);
-    // Ends it without a word.
+    // Ends it without an event.
     void stop();
     bool running() const { return running_; }
 

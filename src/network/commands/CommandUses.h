@@ -18,7 +18,7 @@ struct CommandUse {
     QString text;  // what stands there
 };
 
-// Looks through what this folder knows nothing of, such as an automation log, with NamesCommand.
+// Searches something that this folder does not know, such as an automation log, with NamesCommand.
 using CommandUseSource = std::function<QList<CommandUse>(const QString& name)>;
 
 // Whether a text is a command's name or holds it as words of its own, without regard to case.

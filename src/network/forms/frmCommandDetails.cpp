@@ -8,6 +8,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormChanges.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -28,6 +29,8 @@ using platform::Icon;
 
 constexpr qsizetype mostUsesShown = 4;
 constexpr int digitsOfPort = 5;
+const QString unreadableHint = QStringLiteral(
+    "This command could not be read, so it is not replaced. Choose another name, or delete it.");
 
 const BoundField<CommandFields> boundFields[] = {
     Bound<&CommandFields::name>("txtCommandFile").help("Digits, letters and blanks"),
@@ -74,6 +77,7 @@ frmCommandDetails::frmCommandDetails(const CommandFolder& folder, const QString&
     , events_(new EventModel(this))
     , trial_([this](const CommandEvent& event) { showTrial(event); }) {
     ui_->setupUi(this);
+    KeepFitted(this);
     EnterForm(this);
     fillLists();
     colour(ui_->lblEscapes, tokens().quiet);
@@ -102,6 +106,7 @@ frmCommandDetails::frmCommandDetails(const CommandFolder& folder, const QString&
 
     binding_.bind(fields_, boundFields);
     load();
+    const auto mayStore = [this](const FormView& form) { return !isUnreadable(form.text("txtCommandFile")); };
     const auto exists = [this](const FormView& form) { return folder_.has(form.text("txtCommandFile")); };
     new EnableRules(this, {{QStringLiteral("chkUseExisting chkLeaveOpen"),
                             QStringLiteral("Only serial and TCP/IP commands have a connection."),
@@ -110,7 +115,8 @@ frmCommandDetails::frmCommandDetails(const CommandFolder& folder, const QString&
                                 return chosen == SerialCommand || chosen == TcpIpCommand;
                             }},
                            {QStringLiteral("cmdDelete cmdUses"),
-                            QStringLiteral("No command of this name is stored."), exists}});
+                            QStringLiteral("No command of this name is stored."), exists},
+                           {QStringLiteral("cmdOK"), unreadableHint, mayStore}});
     changes_ = new FormChanges(this);
     showType();
     showName();
@@ -145,7 +151,8 @@ void frmCommandDetails::load() {
         }
     }
     binding_.fill();
-    if (!why.isEmpty())
+    unreadable_ = !why.isEmpty();
+    if (unreadable_)
         platform::prompts().ask({why, Icon::Exclamation, Buttons::Ok});
     shownText_ = formOf(before_.Type) == TextForm::Escaped ? ShowCommandText(before_.Text, true)
                                                            : platform::FromCodePage(before_.Text);
@@ -154,6 +161,10 @@ void frmCommandDetails::load() {
         shownText_ = std::get<QString>(ValueOf(box));
     }
     loaded_ = true;
+}
+
+bool frmCommandDetails::isUnreadable(const QString& typed) const {
+    return unreadable_ && typed.trimmed().compare(name_, Qt::CaseInsensitive) == 0;
 }
 
 qint32 frmCommandDetails::type() const {
@@ -239,7 +250,9 @@ void frmCommandDetails::showName() {
     const QString other = folder_.otherSpelling(typed);
     const bool isSame = typed.compare(name_, Qt::CaseInsensitive) == 0;
     QString hint;
-    if (isSame && !other.isEmpty() && typed != name_)
+    if (isUnreadable(typed))
+        hint = unreadableHint;
+    else if (isSame && !other.isEmpty() && typed != name_)
         hint = QStringLiteral("The command keeps its spelling, \"%1\".").arg(other);
     else if (!isSame && folder_.has(typed))
         hint = QStringLiteral("OK replaces the command \"%1\".").arg(other.isEmpty() ? typed : other);
@@ -274,6 +287,12 @@ bool frmCommandDetails::showFault(const CommandFault& fault) {
     case CommandField::Name:
         field = ui_->txtCommandFile;
         break;
+    case CommandField::SerialPort:
+        field = ui_->comboSerialPort;
+        break;
+    case CommandField::SerialHandshaking:
+        field = ui_->comboSerialHandshaking;
+        break;
     case CommandField::SerialSettings:
         field = ui_->txtSerialSettings;
         break;
@@ -282,6 +301,12 @@ bool frmCommandDetails::showFault(const CommandFault& fault) {
         break;
     case CommandField::TcpIpPort:
         field = ui_->txtTCPIPPort;
+        break;
+    case CommandField::TcpIpProtocol:
+        field = ui_->comboTCPIPProtocol;
+        break;
+    case CommandField::WindowStyle:
+        field = ui_->comboExternalWindowStyle;
         break;
     case CommandField::Text:
         field = textBox();
@@ -376,7 +401,7 @@ void frmCommandDetails::test() {
 
 void frmCommandDetails::showTrial(const CommandEvent& event) {
     const bool isFault = event.kind == CommandEvent::Kind::Failed;
-    // Of a program nothing comes back.
+    // A program sends nothing back.
     answered_ =
         answered_ || event.kind == CommandEvent::Kind::Answer || event.kind == CommandEvent::Kind::Started;
     events_->add(TrialLine(event, answered_), isFault);

@@ -44,6 +44,8 @@ protected:
 private:
     void fillLists();
     void load();
+    // Whether a name is that of the command which was opened and could not be read.
+    bool isUnreadable(const QString& typed) const;
     qint32 type() const;
     // The box of the type's text; null for one without a text.
     QWidget* textBox() const;
@@ -73,8 +75,9 @@ private:
     FormBinding binding_{this};
     FormChanges* changes_ = nullptr;
     EventModel* events_;
-    bool loaded_ = false;   // before that, what changes are the form's own doings
-    bool answered_ = false; // in the test that runs
+    bool unreadable_ = false; // the command that was opened
+    bool loaded_ = false;     // until then, changes are the form's own
+    bool answered_ = false;   // in the test that runs
     bool needsRefresh_ = false;
     CommandTrial trial_;
 };

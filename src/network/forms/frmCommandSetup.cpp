@@ -21,6 +21,7 @@ frmCommandSetup::frmCommandSetup(const LinkMeshServerSetup& setup, CommandUseSou
     , model_(new CommandModel(this))
     , server_(std::make_unique<frmLinkMeshServer>(setup)) {
     ui_->setupUi(this);
+    KeepFitted(this);
     EnterForm(this);
     RowTable* grid = ui_->grdCommands;
     grid->setModel(model_);
@@ -82,13 +83,14 @@ void frmCommandSetup::runSelected() {
     if (row < 0)
         return;
     ui_->lblOutcome->clear();
-    server_->server().PerformCommand(model_->command(row).name, false);
+    sent_ = model_->command(row).name;
+    server_->server().PerformCommand(sent_, false);
 }
 
 void frmCommandSetup::showOutcome(const ServerEvent& event) {
-    const bool isFault = event.kind == ServerEvent::Kind::Error;
-    if (!isFault && event.kind != ServerEvent::Kind::Sent)
+    if (sent_.isEmpty() || event.sender != sent_)
         return;
+    const bool isFault = event.kind == ServerEvent::Kind::Error;
     ui_->lblOutcome->setText(platform::clock().now().toString(QStringLiteral("HH:mm:ss  ")) +
                              event.sentence());
     ui_->lblOutcome->setStyleSheet(

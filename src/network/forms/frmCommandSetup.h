@@ -39,6 +39,7 @@ private:
     CommandFolder folder_;
     CommandUseSource uses_;
     CommandModel* model_;
+    QString sent_; // the command that was sent last
     std::unique_ptr<frmLinkMeshServer> server_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "network/forms/EventModel.h"
 #include "platform/Prompts.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/Style.h"
 #include "ui_frmLinkMeshServer.h"
 
@@ -28,10 +29,12 @@ QString describe(const RadioClock& clock) {
         return QStringLiteral("The receiver has not been asked yet.");
     if (!clock.lastTimeCame().isValid())
         return QStringLiteral("No answer yet; asked %1 times.").arg(counts.requests);
-    return QStringLiteral(
-               "Last answer at %1: %2. It moved the clock by %3 s. Good %4, unusable %5, other %6.")
-        .arg(timeOf(clock.lastTimeCame()), clock.lastTime().text())
-        .arg(clock.difference(), 0, 'f', 1)
+    const QString moved =
+        clock.difference()
+            ? QStringLiteral(" It moved the clock by %1 s.").arg(*clock.difference(), 0, 'f', 1)
+            : QString();
+    return QStringLiteral("Last answer at %1: %2.%3 Good %4, unusable %5, other %6.")
+        .arg(timeOf(clock.lastTimeCame()), clock.lastTime().text(), moved)
         .arg(counts.good)
         .arg(counts.unusable)
         .arg(counts.dropped);
@@ -45,6 +48,7 @@ frmLinkMeshServer::frmLinkMeshServer(LinkMeshServerSetup setup, bool hasTray)
     , hasTray_(hasTray)
     , server_(std::move(setup), [this](const ServerEvent& event) { takeEvent(event); }) {
     ui_->setupUi(this);
+    KeepFitted(this);
     setWindowFlag(Qt::WindowMinimizeButtonHint, true);
     setWindowIcon(LineIcon(QStringLiteral("network")));
     ui_->imgClock->setPixmap(LineIcon(QStringLiteral("clock")).pixmap(iconSize));

@@ -52,6 +52,7 @@ void LinkMeshServer::tellCommand(const CommandEvent& event) {
     const QString what = QStringLiteral("Command \"%1\"").arg(event.command);
     ServerEvent told(ServerEvent::Kind::Sent);
     told.peer = event.peer;
+    told.sender = event.command;
     if (event.kind == CommandEvent::Kind::Failed) {
         told.kind = ServerEvent::Kind::Error;
         told.text = QStringLiteral("%1: %2").arg(what, event.text);

@@ -1,7 +1,7 @@
 // Network control: the link to the network master of the automation, which decides which workstation has
 // control. The client that keeps the link is a component of the suite; here it is a seam, with no client
 // installed. Each of its events is logged, sets the "Has Control" outputs, and goes to the subscribers that
-// want it.
+// want them.
 #pragma once
 
 #include <QList>

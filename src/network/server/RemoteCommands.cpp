@@ -45,8 +45,29 @@ QString RemoteCommand::reply() const {
     return {};
 }
 
+void RemoteCommands::keep(QByteArray bytes) {
+    const qsizetype last = bytes.lastIndexOf('\r');
+    sinceReturn_ = last < 0 ? sinceReturn_ + bytes.size() : bytes.size() - last - 1;
+    if (skipping_) {
+        const qsizetype end = bytes.indexOf('\r');
+        if (end < 0)
+            return;
+        bytes.remove(0, end + 1);
+        skipping_ = false;
+    }
+    const qsizetype waiting = buffer_.lastIndexOf('\r') + 1;
+    if (waiting == 0 || buffer_.size() + bytes.size() <= LongestBuffer) {
+        buffer_ += bytes;
+        return;
+    }
+    // A part of a command would be taken for another one.
+    buffer_.truncate(waiting);
+    skipping_ = !bytes.endsWith('\r');
+    hasLost_ = true;
+}
+
 std::optional<RemoteCommand> RemoteCommands::take(const QByteArray& arrival) {
-    buffer_ += withoutOuterBlanks(arrival.left(LongestArrival)).replace('\n', QByteArray());
+    keep(withoutOuterBlanks(arrival.left(LongestArrival)).replace('\n', QByteArray()));
     const qsizetype end = buffer_.indexOf('\r');
     if (end < 0)
         return std::nullopt;

@@ -30,15 +30,23 @@ class RemoteCommands {
 public:
     // Characters of an arrival that are read; the rest of it is lost.
     static constexpr qsizetype LongestArrival = 200;
-    // A buffer with more bytes than this and no command is overfull.
+    // Bytes without a carriage return, and bytes of commands that wait for their turn.
     static constexpr qsizetype LongestBuffer = 64 * 1024;
 
     std::optional<RemoteCommand> take(const QByteArray& arrival);
-    bool isOverfull() const { return buffer_.size() > LongestBuffer; }
-    void clear() { buffer_.clear(); }
+    // True when more bytes than LongestBuffer came without a carriage return.
+    bool isEndless() const { return sinceReturn_ > LongestBuffer; }
+    // True once a command found no room behind those that wait. It is dropped whole.
+    bool hasLost() const { return hasLost_; }
+    void clear() { *this = {}; }
 
 private:
-    QByteArray buffer_; // without line feeds
+    void keep(QByteArray bytes);
+
+    QByteArray buffer_;         // without line feeds
+    qsizetype sinceReturn_ = 0; // bytes since the last carriage return, kept or not
+    bool skipping_ = false;     // the rest of a command that found no room is dropped
+    bool hasLost_ = false;
 };
 
 // A line to the peer: short date, time, text, carriage return and line feed.

@@ -12,7 +12,7 @@ namespace tolvex {
 namespace {
 
 constexpr int retryMilliseconds = 5000;
-// Connections that wait to be accepted. Where they are more the system lets each wait a second.
+// Connections that wait to be accepted. When there are more, the system makes each wait a second.
 constexpr int Backlog = 1024;
 
 // As people write it: an IPv4 peer of a socket for both kinds comes in the longer form.
@@ -24,7 +24,7 @@ QString addressText(const QHostAddress& address) {
 
 } // namespace
 
-// A socket cannot be destroyed inside one of its own signals, and nobody wants what it still reports.
+// A socket cannot be destroyed inside one of its own signals. What it still reports is ignored.
 void RemoteControl::Release::operator()(QTcpSocket* socket) const {
     socket->disconnect();
     socket->abort();
@@ -100,7 +100,7 @@ void RemoteControl::listenLater() {
     });
 }
 
-// Keeps an error for the status and reports it once.
+// Keeps an error for the status and reports it.
 void RemoteControl::failed(const QString& what) {
     listenError_ = what;
     DebugLog(QStringLiteral("REMOTECONTROL: ") + what);
@@ -141,7 +141,7 @@ void RemoteControl::accept(QTcpSocket* socket) {
     dropPeer(QStringLiteral("another one connected"));
     peer_ = std::move(next);
     address_ = name_ = address;
-    losesBytes_ = false;
+    losesBytes_ = losesCommands_ = false;
     listenError_.clear();
     socket->setReadBufferSize(RemoteCommands::LongestBuffer);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
@@ -151,7 +151,7 @@ void RemoteControl::accept(QTcpSocket* socket) {
     QObject::connect(socket, &QTcpSocket::errorOccurred, socket,
                      [this, socket](QAbstractSocket::SocketError error) {
                          if (error == QAbstractSocket::RemoteHostClosedError)
-                             return; // the end of the connection says so itself
+                             return; // `disconnected` follows
                          const QString what = socket->errorString();
                          dropPeer(what);
                          failed(what);
@@ -194,22 +194,27 @@ void RemoteControl::dropPeer(const QString& why) {
 
 void RemoteControl::receive() {
     const QByteArray arrival = peer_->readAll();
-    if (arrival.size() > RemoteCommands::LongestArrival && !losesBytes_) {
-        losesBytes_ = true;
-        ServerEvent event(ServerEvent::Kind::Error);
-        event.text = QStringLiteral("sends more than %1 characters at once; what is beyond them is lost")
-                         .arg(RemoteCommands::LongestArrival);
-        tell(event);
-    }
     const std::optional<RemoteCommand> command = commands_.take(arrival);
-    if (commands_.isOverfull()) {
-        const QString why =
-            QStringLiteral("it sent %1 kB that are no commands").arg(RemoteCommands::LongestBuffer / 1024);
+    if (arrival.size() > RemoteCommands::LongestArrival)
+        warnOnce(losesBytes_, QStringLiteral("sends more than %1 characters at once; the rest is lost")
+                                  .arg(RemoteCommands::LongestArrival));
+    if (commands_.hasLost())
+        warnOnce(losesCommands_, QStringLiteral("sends several commands at once too often; %1 kB of them "
+                                                "wait, and some are lost")
+                                     .arg(RemoteCommands::LongestBuffer / 1024));
+    if (commands_.isEndless()) {
+        const QString why = QStringLiteral("it sent %1 kB without a carriage return")
+                                .arg(RemoteCommands::LongestBuffer / 1024);
         DebugLog(QStringLiteral("REMOTECONTROL: %1 closed: %2").arg(address_, why));
         return dropPeer(why);
     }
     if (command)
         perform(*command);
+}
+
+void RemoteControl::warnOnce(bool& warned, const QString& what) {
+    if (!std::exchange(warned, true))
+        tell(ServerEvent(ServerEvent::Kind::Error, what));
 }
 
 void RemoteControl::perform(const RemoteCommand& command) {

@@ -45,7 +45,7 @@ public:
 
     bool isListening() const { return server_.isListening(); }
     quint16 port() const { return server_.serverPort(); }
-    // Why it does not listen, and which program has the port; or the last fault of a peer. Otherwise empty.
+    // Why it does not listen and which program has the port, or the last fault of a peer; otherwise empty.
     const QString& listenError() const { return listenError_; }
     // " Winsock Control listening", " Winsock Control Error: ...", or who is connected.
     QString status() const;
@@ -62,6 +62,7 @@ private:
     void acceptAll();
     void accept(QTcpSocket* socket);
     void receive();
+    void warnOnce(bool& warned, const QString& what);
     void perform(const RemoteCommand& command);
     void dropPeer(const QString& why);
     void listenAgain();
@@ -79,10 +80,12 @@ private:
     std::unique_ptr<QTcpSocket, Release> peer_;
     RemoteCommands commands_;
     QString listenError_;
-    QString address_;         // of the peer
-    QString name_;            // of its host; the address until the name is known
-    int lookUp_ = -1;         // of the name, while it is under way
-    bool losesBytes_ = false; // this peer has sent more than an arrival takes, and the log says so
+    QString address_; // of the peer
+    QString name_;    // of its host; the address until the name is known
+    int lookUp_ = -1; // of the name, while it is under way
+    // What this peer was warned of already.
+    bool losesBytes_ = false;    // an arrival is longer than what is read of it
+    bool losesCommands_ = false; // no room is left for the commands that wait
 };
 
 } // namespace tolvex

@@ -18,7 +18,7 @@ struct ServerEvent {
         Clock,     // `line` came from the radio clock
         Network,   // the network master: `text` is the name of the event
         Sent,      // a command of the station: `text` says which, and where it went
-        Error      // `text`, a sentence; `peer` if it is about one
+        Error      // `text`, a sentence; `peer` or `sender` if it is about one
     };
     explicit ServerEvent(Kind what, const QString& words = {})
         : kind(what)
@@ -26,6 +26,7 @@ struct ServerEvent {
 
     Kind kind;
     QString peer;
+    QString sender; // name of the station's command that it is about
     QString text;
     int port = 0;
     RemoteCommand command;

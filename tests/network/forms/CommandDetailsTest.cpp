@@ -17,7 +17,7 @@ namespace {
 
 const QString path = QStringLiteral("C:\\DATA\\Commands\\");
 
-// With all of the handshaking.
+// With both kinds of handshaking.
 CommandRecord serial(qint32 flags, qint32 port, const char* settings) {
     CommandRecord record;
     record.Flags = flags;
@@ -94,7 +94,7 @@ TEST_F(CommandDetails, KeepsEveryByteAndEveryFieldOfWhatIsOnlyLookedAt) {
     }
     EXPECT_TRUE(prompts.asked.isEmpty());
 
-    // Another field alone changes nothing else.
+    // Changing one field changes nothing else.
     records[0].Text = "\x02go\r\n";
     put("Look", records[0]);
     open("Look");
@@ -223,7 +223,7 @@ TEST_F(CommandDetails, SaysWhatAnotherNameMeansAndDeletesOnlyWhatExists) {
     EXPECT_FALSE(form->isVisible() || form->needsRefresh());
     EXPECT_EQ(folder.read("Door")->SerialPort, 1);
 
-    // A command that cannot be written stays in the editor. A file that does not hold a command is told.
+    // A command that cannot be written stays in the editor. A file that is not a command is reported.
     machine.write("C:\\FILE\\Commands", "in the way");
     folder = CommandFolder("C:\\FILE");
     prompts.forget();
@@ -241,6 +241,36 @@ TEST_F(CommandDetails, SaysWhatAnotherNameMeansAndDeletesOnlyWhatExists) {
     open("Later");
     EXPECT_EQ(prompts.texts().value(0),
               "The Command Type (77) was not recognised. Please contact Norvane Ltd.");
+    // What could not be read is not replaced, whatever is typed, unless it gets another name.
+    auto* ok = find<QPushButton>(*form, "cmdOK");
+    type<QPlainTextEdit>("txtSerialCommand", "x");
+    EXPECT_FALSE(ok->isEnabled());
+    EXPECT_TRUE(label("lblNameHint").startsWith("This command could not be read"));
+    EXPECT_TRUE(find<QPushButton>(*form, "cmdDelete")->isEnabled());
+    type<QLineEdit>("txtCommandFile", "Later 2");
+    clickButton("cmdOK");
+    EXPECT_TRUE(folder.has("Later 2"));
+    EXPECT_EQ(folder.read("Later")->Type, 77);
+    // OK asks for a port that exists.
+    put("Five", serial(0, 5, "9600,n,8,1"));
+    prompts.forget();
+    open("Five");
+    prompts.answers = {Answer::Yes};
+    clickButton("cmdOK");
+    EXPECT_TRUE(prompts.texts().last().startsWith("The command holds serial port 5"));
+    EXPECT_EQ(form->focusWidget()->objectName(), "comboSerialPort");
+}
+
+// On the smallest screens, inside the frame of a window manager.
+TEST_F(CommandDetails, FitsA600LinesScreenWithItsButtons) {
+    put("Door", serial(0, 4, "9600,n,8,1"));
+    open("Door");
+    form->resize(760, 560);
+    runEvents(20);
+    EXPECT_LE(form->minimumSizeHint().height(), 560);
+    for (const char* name : {"cmdOK", "cmdCancel", "cmdTest"})
+        EXPECT_TRUE(form->rect().contains(find<QWidget>(*form, name)->geometry())) << name;
+    expectTextsFit(*form);
 }
 
 TEST_F(CommandDetails, TriesWhatIsTypedAndStoresNothing) {

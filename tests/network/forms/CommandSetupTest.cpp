@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
 
 using namespace tolvex;
@@ -19,7 +20,7 @@ class CommandSetup : public FormTest {
 protected:
     CommandSetup() {
         setup.dataLocation = settings.DataLocation;
-        setup.remote = {QHostAddress::LocalHost, 0, {}};
+        setup.remote = {QHostAddress::LocalHost, 0, [this] { return access; }};
     }
     void open() {
         form = std::make_unique<frmCommandSetup>(setup, CommandUseSource(), nullptr);
@@ -46,6 +47,7 @@ protected:
     }
 
     CommandFolder folder{"C:\\DATA"};
+    RemoteAccess access;
     LinkMeshServerSetup setup;
     std::unique_ptr<frmCommandSetup> form;
     QTableView* grid = nullptr;
@@ -80,7 +82,7 @@ TEST_F(CommandSetup, ListsCommandsAndOpensTheEditorOnThem) {
     QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cell).center());
     EXPECT_EQ(rows(), (QStringList{"External Command|Alarm|n/a|n/a", "Not readable|Bad|n/a|n/a",
                                    "Serial Command|Door|Yes|No"}));
-    // The row that was edited is still the one that the keys mean.
+    // The row that was edited is still selected.
     prompts.answers = {platform::Answer::Yes};
     inEditor(
         [](QWidget& editor) { QTest::mouseClick(find<QPushButton>(editor, "cmdDelete"), Qt::LeftButton); });
@@ -104,6 +106,16 @@ TEST_F(CommandSetup, SendsTheSelectedCommandAndSaysHowItWent) {
     EXPECT_TRUE(waitFor([&] { return device.received == "go"; }));
     EXPECT_TRUE(waitFor([&] { return outcome().endsWith("Command \"Go\": 2 bytes sent to COM1"); }))
         << outcome().toStdString();
+    // An event of somebody else is not an outcome of this command.
+    const QString before = outcome();
+    QTcpSocket stranger;
+    access = {RemoteAccess::Who::Listed, {"10.0.0.0/8"}};
+    stranger.connectToHost(QHostAddress::LocalHost, form->serverForm().server().remote().port());
+    EXPECT_TRUE(waitFor([&] {
+        const auto* events = find<QTableView>(form->serverForm(), "lstEvents")->model();
+        return events->index(events->rowCount() - 1, 1).data().toString().endsWith("may not connect");
+    }));
+    EXPECT_EQ(outcome(), before);
     clickCell(*grid, 1, 1);
     clickButton("cmdRunNow");
     ASSERT_EQ(prompts.asked.size(), 1);

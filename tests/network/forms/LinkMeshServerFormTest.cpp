@@ -142,6 +142,11 @@ TEST_F(ServerForm, ShowsTheRadioClockAndComesForwardWhenItsBatteryIsLow) {
     receiver.device.unplug();
     EXPECT_TRUE(waitFor([button] { return button->text() == "&Connect"; }));
     EXPECT_TRUE(label("lblRadioClockStatus").startsWith(" Error - "));
+    // The form grows with its texts.
+    find<QLabel>(*form, "lblRemoteControlStatus")->setText(QString("a long reason ").repeated(40));
+    find<QLabel>(*form, "lblLowBattery")->show();
+    runEvents(50);
+    expectTextsFit(*form);
 }
 
 TEST_F(ServerForm, SaysAndSetsWhoMayConnect) {

@@ -58,6 +58,15 @@ QString wordsOf(std::span<const NamedValue> values) {
     return words.join(QStringLiteral(", "));
 }
 
+// A command's text with escapes; for people no more of it than a few lines of a terminal.
+QString textOf(const Call& call, const QByteArray& text) {
+    constexpr qsizetype mostShown = 400;
+    if (call.output.json() || text.size() <= mostShown)
+        return ShowCommandText(text, false);
+    return ShowCommandText(text.left(mostShown), false) +
+           QStringLiteral("... (%1 bytes in all; --json shows them)").arg(text.size());
+}
+
 // ---- list, show
 
 int list(Call& call) {
@@ -110,12 +119,14 @@ int show(Call& call) {
     const auto command = folder->read(call.argument(0), &why);
     if (!command)
         return call.fail(why);
-    QJsonObject record{{QStringLiteral("name"), call.argument(0).trimmed()},
+    const QString other = folder->otherSpelling(call.argument(0));
+    QJsonObject record{{QStringLiteral("name"), other.isEmpty() ? call.argument(0).trimmed() : other},
                        {QStringLiteral("type"), typeWord(*command)},
                        {QStringLiteral("leaveOpen"), command->leaveOpen()},
                        {QStringLiteral("useExisting"), command->useExisting()},
-                       {QStringLiteral("text"), ShowCommandText(command->Text, false)},
-                       {QStringLiteral("bytes"), QString::fromLatin1(command->Text.toBase64())}};
+                       {QStringLiteral("text"), textOf(call, command->Text)}};
+    if (call.output.json())
+        record[QStringLiteral("bytes")] = QString::fromLatin1(command->Text.toBase64());
     Columns columns{{"name", "Command"}, {"type", "Type"}};
     if (command->hasConnection()) {
         columns.push_back({"useExisting", "Use existing"});
@@ -124,12 +135,12 @@ int show(Call& call) {
     }
     if (command->Type == SerialCommand) {
         record[QStringLiteral("port")] = command->SerialPort;
-        record[QStringLiteral("settings")] = command->Settings;
+        record[QStringLiteral("settings")] = command->settingsText();
         record[QStringLiteral("handshaking")] = wordOf(CommandHandshakings(), command->Handshaking);
         columns.insert(columns.end(), {{"settings", "Settings"}, {"handshaking", "Handshaking"}});
     } else if (command->Type == TcpIpCommand) {
         record[QStringLiteral("port")] = command->IpPort;
-        record[QStringLiteral("address")] = command->Address;
+        record[QStringLiteral("address")] = command->addressText();
         columns.push_back({"address", "Address"});
     } else if (command->Type == ExternalCommand) {
         record[QStringLiteral("windowStyle")] = wordOf(CommandWindowStyles(), command->WindowStyle);
@@ -413,14 +424,14 @@ int run(Call& call) {
     const QString name = call.argument(0).trimmed();
     if (!folder->has(name))
         return call.no(QStringLiteral("There is no command \"%1\".").arg(name));
+    QString why;
+    const auto command = folder->read(name, &why);
+    if (!command)
+        return call.fail(why);
     Outcome outcome;
     const CommandEvents events = [&outcome](const CommandEvent& event) { outcome.take(event); };
     const auto wait = [] { QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents); };
     if (call.has("--answer")) {
-        QString why;
-        const auto command = folder->read(name, &why);
-        if (!command)
-            return call.fail(why);
         CommandTrial trial(events);
         trial.start(name, *command);
         while (trial.running())
