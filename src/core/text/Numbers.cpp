@@ -37,10 +37,7 @@ double LeadingNumber(QStringView text) {
     // "12e" and "12e-" are 12.
     while (!number.isEmpty() && (number.back() == 'e' || number.back() == '-' || number.back() == '+'))
         number.chop(1);
-    const double value = number.toDouble();
-    if (std::isfinite(value))
-        return value;
-    return std::signbit(value) ? std::numeric_limits<double>::lowest() : std::numeric_limits<double>::max();
+    return number.toDouble(); // 0 for one that a double cannot hold
 }
 
 qint32 ToLong(double value) {
