@@ -2,7 +2,9 @@
 # functions that turn a folder into a library, a test program or a benchmark.
 
 set(TOLVEX_SANITIZE "" CACHE STRING "Sanitizers to build with: \"address,undefined\" or \"thread\"")
+option(TOLVEX_TESTS "Build the tests, the example and the fuzz targets" ON)
 option(TOLVEX_FUZZ "Build the fuzz targets with libFuzzer (needs clang)" OFF)
+option(TOLVEX_WERROR "Take warnings for errors" ON)
 option(TOLVEX_BENCH "Build the benchmarks" ON)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -10,9 +12,14 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+include(GNUInstallDirs)
 
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Test Xml Network SerialPort DBus)
-find_package(GTest REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport Network SerialPort DBus)
+if(TOLVEX_TESTS)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test Xml)
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+endif()
 find_package(Threads REQUIRED)
 find_package(ODBC REQUIRED)
 find_package(ALSA REQUIRED)
@@ -33,7 +40,7 @@ add_library(tolvex_options INTERFACE)
 target_include_directories(tolvex_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_definitions(tolvex_options INTERFACE QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
 target_compile_options(
-  tolvex_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  tolvex_options INTERFACE -Wall -Wextra -Wpedantic $<$<BOOL:${TOLVEX_WERROR}>:-Werror> -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
                            -Wold-style-cast -Wcast-qual -Wformat=2)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(tolvex_options INTERFACE -fpch-preprocess -Wduplicated-cond -Wlogical-op)
@@ -155,5 +162,3 @@ function(tolvex_fuzz name)
                                      ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name} COMMAND_EXPAND_LISTS)
   set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT 300)
 endfunction()
-
-include(GoogleTest)

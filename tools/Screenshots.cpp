@@ -285,7 +285,7 @@ int main(int argc, char** argv) {
         QStringLiteral("What filename do you want to use for the new Configuration Set?\n\n(You can only use "
                        "letters and numbers)"));
     save(box, "inputbox");
-    ShowHelp(platform::ApplicationFolder() + QStringLiteral("\\config.chm"), 100);
+    ShowHelp(platform::ApplicationFile(QStringLiteral("config.chm")), 100);
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName() == QStringLiteral("frmHelp"))
             save(*window, "help");

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QMessageBox>
 #include <QScreen>
 
@@ -41,8 +42,10 @@ QString typedCommandLine(const QStringList& arguments) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(ProductName));
+    QApplication::setDesktopFileName(QStringLiteral("tolvex-config"));
     QApplication::setQuitOnLastWindowClosed(false);
     ApplyStyle(application, DesktopScheme(application));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tolvex-config.svg")));
 
     QString why;
     if (!platform::SetMachineFolder({}, &why)) {

@@ -1,15 +1,14 @@
 // tolvexctl: every job of the configuration window from a shell.
-#include "app/ctl/CommandLine.h"
+#include "app/ctl/Asking.h"
+#include "app/ctl/Completion.h"
 #include "app/ctl/Help.h"
+#include "app/ctl/Manual.h"
 #include "app/ctl/TerminalPrompts.h"
-#include "databases/store/Report.h"
-#include "platform/host/LookOnly.h"
-#include "platform/paths/Paths.h"
+#include "core/system/Product.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
-#include <optional>
 
 using namespace tolvex::ctl;
 
@@ -19,42 +18,9 @@ void print(const QString& text) {
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
-Output::Ending endingOf(int status) {
-    return status == Done     ? Output::Ending::Done
-           : status == Failed ? Output::Ending::Failed
-                              : Output::Ending::No;
-}
-
-// The ini files that the options name. False, with a sentence in *why, when one cannot be reached.
-bool setIniFiles(const CommandLine& line, tolvex::StartUp& startUp, QString* why) {
-    QMap<QString, QString> files;
-    for (const char* option : {"--ini", "--sys-ini"}) {
-        if (!line.has(option))
-            continue;
-        const auto file = FileArgument(line.option(option), BareFile::WindowsFolder, why);
-        if (!file)
-            return false;
-        files[QLatin1String(option)] = *file;
-    }
-    startUp.localIni = files[QStringLiteral("--ini")];
-    startUp.systemIni = files[QStringLiteral("--sys-ini")];
-    return true;
-}
-
-int start(const CommandLine& line, Call& call) {
-    std::optional<tolvex::platform::LookOnly> looking;
-    if (!call.command.changes || !call.command.changes(call))
-        looking.emplace();
-    QString why;
-    if (!tolvex::platform::SetMachineFolder(line.option("--home"), &why) ||
-        !setIniFiles(line, call.station.startUp, &why) || !ResolveFiles(call, &why))
-        return call.fail(why);
-    return line.command->run(call);
-}
-
 int run(const CommandLine& line) {
     if (line.problem.isEmpty() && line.has("--version"))
-        return print(QStringLiteral("tolvexctl " TOLVEX_VERSION "\n")), Done;
+        return print(QStringLiteral("tolvexctl %1\n").arg(tolvex::ProductVersion())), Done;
     if (line.problem.isEmpty() && line.has("--help"))
         return print(line.command ? HelpFor(*line.command) : HelpForGroup(line.words)), Done;
 
@@ -68,11 +34,8 @@ int run(const CommandLine& line) {
     tolvex::Workstation station;
     tolvex::Session session(station);
     Call call{line.command ? *line.command : none, output, session, station, line.arguments, line.options};
-    tolvex::SilentErrors silent;
-    int status = line.problem.isEmpty() ? start(line, call) : call.wrong(line.problem);
-    for (const tolvex::DatabaseError& error : silent.take())
-        status = call.fail(QStringLiteral("%1 (error %2)").arg(error.text).arg(error.number), error.number);
-    if (!output.finish(endingOf(status), prompts.lastMessage())) {
+    int status = RunCommand(line, call);
+    if (!output.finish(EndingOf(status), prompts.lastMessage())) {
         output.say(QStringLiteral("Standard output did not take everything."));
         status = Failed;
     }
@@ -85,10 +48,10 @@ int run(const CommandLine& line) {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList given = QCoreApplication::arguments().mid(1);
-    // What the build installs beside the program.
+    // For the build, which installs the page, and for the shells, which complete words.
     if (given == QStringList{QStringLiteral("--print-manual-page")})
         return print(ManualPage()), Done;
-    if (given == QStringList{QStringLiteral("--print-bash-completion")})
-        return print(BashCompletion()), Done;
+    if (given.value(0) == QLatin1String("--complete"))
+        return print(Complete(given.mid(1)).join(u'\n') + u'\n'), Done;
     return run(ParseCommandLine(given));
 }

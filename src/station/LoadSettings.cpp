@@ -17,7 +17,7 @@ namespace tolvex {
 namespace {
 
 void showUpdateNotice(Settings& values) {
-    const QString file = platform::ApplicationFolder() + QStringLiteral("\\Updates.txt");
+    const QString file = platform::ApplicationFile(QStringLiteral("Updates.txt"));
     QDateTime changed = platform::FileModified(file);
     if (!changed.isValid() || values.AutoConfigInProgress || values.LastOneWas < 0)
         return;

@@ -1,4 +1,4 @@
-// What every command of tolvexctl shares: words, options, help, exit status, completion.
+// What every command of tolvexctl shares: words, options, help, exit status.
 #include "RunCtl.h"
 
 using tolvex::tests::Ctl;
@@ -64,24 +64,4 @@ TEST_F(Ctl, SaysWhyAMachineFolderCannotBeUsed) {
     const Result result = run({"status", "--home", folder_.filePath("file")});
     EXPECT_EQ(result.status, 3);
     EXPECT_TRUE(result.err.contains("file"));
-}
-
-TEST_F(Ctl, CompletesWordsOptionsAndFiles) {
-    write(folder_.filePath("settings.ini"), "");
-    write(folder_.filePath("complete.sh"), run({"--print-bash-completion"}).out);
-    const auto complete = [this](const QString& words) {
-        QProcess bash;
-        bash.setWorkingDirectory(folder_.path());
-        bash.start("bash",
-                   {"-c", "source ./complete.sh; COMP_WORDS=(" + words +
-                              "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tolvexctl; echo ${COMPREPLY[@]}"});
-        EXPECT_TRUE(bash.waitForFinished());
-        EXPECT_EQ(bash.readAllStandardError(), "");
-        return bash.readAllStandardOutput().trimmed();
-    };
-    EXPECT_EQ(complete("tolvexctl prof"), "profile");
-    EXPECT_EQ(complete("tolvexctl --home /x profile get"), "get getint");
-    EXPECT_EQ(complete("tolvexctl profile get sett"), "settings.ini");
-    EXPECT_EQ(complete("tolvexctl registry set --d"), "--dword");
-    EXPECT_EQ(complete("tolvexctl --sys"), "--sys-ini");
 }

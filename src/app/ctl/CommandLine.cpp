@@ -7,13 +7,6 @@ namespace tolvex::ctl {
 
 namespace {
 
-const Option* findOption(const std::vector<Option>& options, const QString& name) {
-    for (const Option& option : options)
-        if (name == QLatin1String(option.name))
-            return &option;
-    return nullptr;
-}
-
 const Command* findCommand(const QStringList& words) {
     const QString joined = words.join(u' ');
     for (const Command& command : AllCommands())
@@ -67,9 +60,7 @@ QString unknownOption(const QString& name, const Command* command) {
 QString takeOption(const QStringList& given, qsizetype& at, CommandLine& line) {
     const QString name = given[at].section(u'=', 0, 0);
     const bool hasValue = given[at].contains(u'=');
-    const Option* option = findOption(GlobalOptions(), name);
-    if (!option && line.command)
-        option = findOption(line.command->options, name);
+    const Option* option = FindOption(name, line.command);
     if (!option)
         return unknownOption(name, line.command);
     if (!option->value && hasValue)
@@ -135,6 +126,17 @@ const std::vector<Option>& GlobalOptions() {
         {"--version", nullptr, "tell the version of the program"},
     };
     return options;
+}
+
+const Option* FindOption(const QString& name, const Command* command) {
+    for (const Option& option : GlobalOptions())
+        if (name == QLatin1String(option.name))
+            return &option;
+    if (command)
+        for (const Option& option : command->options)
+            if (name == QLatin1String(option.name))
+                return &option;
+    return nullptr;
 }
 
 CommandLine ParseCommandLine(const QStringList& given) {

@@ -24,6 +24,9 @@ struct CommandLine {
 // Takes the words behind the program's name. Options may stand anywhere; "--" ends them.
 CommandLine ParseCommandLine(const QStringList& given);
 
+// The option of that name ("--json"), of a command (null: none) or of every command; null when there is none.
+const Option* FindOption(const QString& name, const Command* command);
+
 // The candidate that is spelled most like `word`, or empty when none is near.
 QString NearestMatch(const QString& word, const QStringList& candidates);
 

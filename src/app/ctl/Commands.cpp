@@ -13,7 +13,7 @@ const CommandRows& AllCommands() {
               AudiowallCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands,
               EngineCommands,    UsersCommands,      HardwareCommands,      AutoConfigCommands,
               TerminalCommands,  CommandCommands,    PortCommands,          ServeCommands,
-              ClockCommands}) {
+              ClockCommands,     ReportCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

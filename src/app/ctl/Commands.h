@@ -28,6 +28,7 @@ CommandRows AutomationCommands();
 CommandRows DatabaseFileCommands();
 CommandRows ServeCommands();
 CommandRows ClockCommands();
+CommandRows ReportCommands();
 
 // In the order in which the help lists them.
 const CommandRows& AllCommands();

@@ -1,4 +1,5 @@
-// What tolvexctl says of itself, from the rows of its commands: help, manual page, shell completion.
+// What tolvexctl says of itself on the terminal, from the rows of its commands. The manual page (Manual.h)
+// and the completion of words (Completion.h) come from the same rows.
 #pragma once
 
 #include <QString>
@@ -7,15 +8,16 @@
 namespace tolvex::ctl {
 
 struct Command;
+struct Option;
+
+// "--last N".
+QString OptionText(const Option& option);
+// "users history [--last N]".
+QString UsageOf(const Command& command);
 
 // Help for one command.
 QString HelpFor(const Command& command);
 // Help for all commands that begin with these words; no words: for the program.
 QString HelpForGroup(const QStringList& words);
-
-// Section 1 of the manual, in the man macros.
-QString ManualPage();
-// A script for bash.
-QString BashCompletion();
 
 } // namespace tolvex::ctl

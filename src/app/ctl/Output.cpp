@@ -9,10 +9,6 @@ namespace tolvex::ctl {
 
 namespace {
 
-void print(const QByteArray& bytes) {
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-}
-
 QString cellText(const QJsonValue& value) {
     if (value.isArray()) {
         QStringList parts;
@@ -37,6 +33,17 @@ QString harmless(QString text) {
 }
 
 } // namespace
+
+Output Output::Kept() {
+    Output output(true, true);
+    output.kept_ = true;
+    return output;
+}
+
+void Output::print(const QByteArray& bytes) const {
+    if (!kept_)
+        std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
 
 void Output::records(const QJsonArray& records, const Columns& columns) {
     if (json_) {
@@ -105,10 +112,12 @@ void Output::event(const QByteArray& text) {
 
 void Output::piece(std::string_view bytes) {
     written_ = true;
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    print(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
 void Output::say(const QString& sentence) const {
+    if (kept_)
+        return;
     std::fflush(stdout);
     const QByteArray text = sentence.toLocal8Bit();
     std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stderr);

@@ -25,6 +25,9 @@ public:
     Output(bool json, bool quiet)
         : json_(json)
         , quiet_(quiet) {}
+    // For a command that another one asks (Asking.h): its document is kept for the caller, and nothing is
+    // written.
+    static Output Kept();
 
     bool json() const { return json_; }
 
@@ -61,12 +64,15 @@ public:
     // what the system told the user last, for a command that left it at that. False when standard output did
     // not take everything.
     bool finish(Ending ending, const QString& shown);
+    // The document that finish() writes with JSON.
+    QJsonDocument ended(Ending ending, const QString& shown) const;
 
 private:
-    QJsonDocument ended(Ending ending, const QString& shown) const;
+    void print(const QByteArray& bytes) const;
 
     bool json_;
     bool quiet_;
+    bool kept_ = false;
     bool written_ = false; // standard output has something that is not the document
     std::optional<QJsonDocument> document_;
     QStringList errors_;

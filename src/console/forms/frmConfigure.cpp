@@ -127,10 +127,7 @@ bool frmConfigure::load(bool firstInstance) {
     ui_->tbsConfig->setCurrentIndex(0);
     selectTab(0);
 
-    helpFile_ = platform::ApplicationFolder();
-    if (helpFile_.endsWith(u'\\'))
-        helpFile_.chop(1);
-    helpFile_ += QStringLiteral("\\config.chm");
+    helpFile_ = platform::ApplicationFile(QStringLiteral("config.chm"));
     if (FileLength(helpFile_) <= 0) {
         helpFile_.clear();
         ui_->mnuHelpContents->setVisible(false);

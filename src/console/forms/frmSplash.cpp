@@ -24,8 +24,7 @@ frmSplash::frmSplash(const platform::SystemVersion& system, QWidget* parent)
     ui_->setupUi(this);
     EnterForm(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    ui_->lblVersion->setText(
-        QStringLiteral("Version %1.%2.%3").arg(VersionMajor).arg(VersionMinor).arg(VersionRevision));
+    ui_->lblVersion->setText(QStringLiteral("Version ") + ProductVersion());
     ui_->lblProductName->setText(QString::fromLatin1(ProductName));
     ui_->lblCompanyProduct->setText(QString::fromLatin1(CompanyName));
     ui_->lblCopyright->setText(QString::fromLatin1(Copyright));
@@ -49,7 +48,7 @@ frmSplash::~frmSplash() = default;
 
 // A station's own picture takes the place of the program's mark.
 void frmSplash::showLogo() {
-    const QString file = platform::ApplicationFolder() + QStringLiteral("\\LOGO.BMP");
+    const QString file = platform::ApplicationFile(QStringLiteral("LOGO.BMP"));
     if (FileLength(file) <= 0)
         return;
     QPixmap logo;

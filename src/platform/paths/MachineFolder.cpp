@@ -164,6 +164,18 @@ void SetApplicationFolder(const QString& windowsPath) {
     state.applicationFolder = windowsPath;
 }
 
+QString ApplicationFile(const QString& name) {
+    QString folder = ApplicationFolder();
+    if (folder.endsWith(u'\\'))
+        folder.chop(1);
+    QString beside = folder + u'\\' + name;
+    if (QFile::exists(HostPath(beside)))
+        return beside;
+    const QString shared =
+        QDir::cleanPath(HostPath(folder) + QStringLiteral("/" TOLVEX_DATA_FROM_PROGRAM "/") + name);
+    return QFile::exists(shared) ? WindowsPath(shared) : beside;
+}
+
 QString SpecialFolderPath(int number) {
     for (const ShellFolder& folder : shellFolders) {
         if (folder.number != number)

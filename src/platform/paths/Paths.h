@@ -44,6 +44,12 @@ QString TempFolder();
 QString ApplicationFolder();
 void SetApplicationFolder(const QString& windowsPath);
 
+// A file that comes with the program ("config.chm"), as a Windows path: in the folder of the program, where a
+// build and a station's own copy lie, else in the shared data of an installed program. That folder is found
+// relative to the program, so an installation that was moved as a whole finds its files. The path in the
+// folder of the program when the file is in neither.
+QString ApplicationFile(const QString& name);
+
 // The path of a shell folder by its number (0x26 is program files, 0x2B common files), or empty where there
 // is none.
 QString SpecialFolderPath(int number);

@@ -232,6 +232,17 @@ TEST_F(Paths, KnowTheFoldersEveryMachineHas) {
     EXPECT_EQ(ApplicationFolder(), WindowsPath(TOLVEX_BIN_DIR));
 }
 
+TEST_F(Paths, FindWhatComesWithTheProgramBesideItOrInTheSharedDataOfItsInstallation) {
+    SetApplicationFolder("C:\\Moved\\bin");
+    EXPECT_EQ(ApplicationFile("help.chm"), "C:\\Moved\\bin\\help.chm") << "where it is missed";
+    machine.write("C:\\Moved\\share\\tolvex\\help.chm", "x");
+    EXPECT_EQ(ApplicationFile("help.chm"), "C:\\Moved\\share\\tolvex\\help.chm");
+    machine.write("C:\\Moved\\bin\\help.chm", "x");
+    EXPECT_EQ(ApplicationFile("help.chm"), "C:\\Moved\\bin\\help.chm") << "a station's own comes first";
+    SetApplicationFolder("Z:\\");
+    EXPECT_EQ(ApplicationFile("help.chm"), "Z:\\help.chm");
+}
+
 TEST(MachineFolders, ThatCannotBeUsedSayWhyAndLeaveTheOldOneInForce) {
     TestMachine machine;
     machine.write("C:\\file", "x");
