@@ -1,0 +1,7 @@
+// The least that a program with the toolkit's core costs: what tolvexctl is measured against.
+#include <QCoreApplication>
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    return 0;
+}
