@@ -1,7 +1,7 @@
 #include "audio/AudioSetup.h"
 
+#include "audio/AudiowallKeys.h"
 #include "audio/DeviceIdentity.h"
-#include "audio/LoadAudioSettings.h"
 #include "audio/WaveSearch.h"
 #include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
@@ -69,8 +69,8 @@ int numberOfInputs() {
     return int(platform::WaveInputs().size());
 }
 
-// Lists whose entries stand for numbers in a row. A value above the highest is taken for it; one below the
-// first selects nothing.
+// Lists whose entries stand for consecutive numbers. A value above the highest counts as the highest; one
+// below the first selects nothing.
 struct ListRow {
     int AudioSetup::*index;
     qint32 Settings::*setting;
@@ -89,7 +89,7 @@ constexpr ListRow lists[] = {
     {&AudioSetup::debugMode, &Settings::WLDebugMode, 0, [] { return debugModes - 1; }},
 };
 
-// What the OK makes of a selected entry, by the number of players (above 0).
+// The setting that OK stores for a selected entry, with at least one player.
 qint32 instantPlayer(int index, int players) {
     const int player = std::min(index + 1, players);
     return player == 0 ? 1 : player;
@@ -111,7 +111,7 @@ qint32 recordingCard(int index, int players) {
     return index + 1 == 0 ? players : index + 1;
 }
 
-// The setting that a selected entry becomes, and what it is with no player at all.
+// The setting that a selected entry is stored as, and its value without players.
 struct OrderRow {
     qint32 Settings::*setting;
     int AudioSetup::*index;
@@ -138,11 +138,11 @@ SetupOutcome check(const AudioSetup& setup) {
     if (setup.players > CartPlayerCount)
         return {QStringLiteral("You cannot have more than %1 in Tolvex").arg(CartPlayerCount),
                 QStringLiteral("txtNumberCartPlayers")};
-    // The message has it the other way round, and stays so.
+    // The suite's own message says it the other way round.
     if (setup.fadePercent >= (setup.zqs ? setup.cartVolume : setup.generalVolume))
         return {QStringLiteral("Your 'Fire When Faded to' percentage cannot be lower than the 'Play normal "
                                "carts at' percentage"),
-                QStringLiteral("txtFadePercent")};
+                setup.zqs ? QStringLiteral("txtCartVolume") : QStringLiteral("txtFadePercent")};
     if (const QString fault = StoredTextFault(setup.audioEditor.trimmed()); !fault.isEmpty())
         return {QStringLiteral("The path of the audio editor cannot be stored: %1.").arg(fault),
                 QStringLiteral("txtAudioEditor")};
@@ -174,14 +174,50 @@ int writeZqsVolumes(const Settings& settings) {
     return batch.commit();
 }
 
-int writeAudiowallKeys(const Settings& settings) {
-    platform::ProfileBatch batch(AudiowallIniFile(settings));
-    const auto flagText = [](qint16 flag) { return QString::number(flag ? 1 : 0); };
-    PutSettingText(batch, RowOf<&Settings::AllowAudioFileLinking>(),
-                   flagText(settings.AllowAudioFileLinking));
-    PutSettingText(batch, RowOf<&Settings::UseCopyrightInCartChunk>(),
-                   flagText(settings.UseCopyrightInCartChunk));
-    return batch.commit();
+AudiowallKeys keysOf(const AudioSetup& setup, const Settings& before) {
+    AudiowallKeys keys(before);
+    const auto set = [&](const SettingRow& row, bool held, qint16 loaded) {
+        keys.set(row, QString::number(held ? 1 : 0), held != (loaded != 0),
+                 [](const QString&) { return true; });
+    };
+    set(RowOf<&Settings::AllowAudioFileLinking>(), setup.allowAudioFileLinking, before.AllowAudioFileLinking);
+    set(RowOf<&Settings::UseCopyrightInCartChunk>(), setup.useCopyright, before.UseCopyrightInCartChunk);
+    return keys;
+}
+
+// Writes the files and takes `next` into the settings, once it is stored. What the user changed in
+// Audwall.ini is tried before the local file is written.
+SetupOutcome writeFiles(const AudioSetup& setup, Settings& next, Settings& settings) {
+    std::optional<AudiowallKeys> keys;
+    if (!next.CartPartTable[1].Location.trimmed().isEmpty())
+        keys = keysOf(setup, settings);
+    if (const int error = keys && keys->changed() ? keys->check() : 0)
+        return NothingStored(error, keys->file());
+    const QString local = platform::ProfilePath(next.LocalIniFile);
+    if (const int error = SaveLocalSettings(next, next.LocalIniFile))
+        return NothingStored(error, local);
+    const int volumesError = setup.zqs ? writeZqsVolumes(next) : 0;
+    const int wallError = keys && !volumesError ? keys->write(next) : 0;
+    if (volumesError || wallError) {
+        next.AllowAudioFileLinking = settings.AllowAudioFileLinking;
+        next.UseCopyrightInCartChunk = settings.UseCopyrightInCartChunk;
+    }
+    settings = next;
+    if (const QString fault = RememberDevices(settings, setup.chosen); !fault.isEmpty())
+        ShowExclamation(fault);
+    if (volumesError)
+        return {ProfileErrorText(volumesError, local) + QStringLiteral("; the volumes of cart groups and "
+                                                                       "adverts were not stored."),
+                {},
+                volumesError};
+    if (wallError && keys->changed())
+        return {ProfileErrorText(wallError, keys->file()) +
+                    QStringLiteral("; the settings of this workstation were stored."),
+                {},
+                wallError};
+    if (wallError)
+        SayWallNotWritten(wallError, keys->file());
+    return {};
 }
 
 } // namespace
@@ -234,21 +270,8 @@ SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings) {
             next.*row.setting = flagOf(setup.*row.held);
         next.WLDebugMode = setup.debugMode;
 
-        int error = SaveLocalSettings(next, next.LocalIniFile);
-        if (error == platform::ProfileOk && setup.zqs)
-            error = writeZqsVolumes(next);
-        if (error)
-            return {ProfileErrorText(error, platform::ProfilePath(next.LocalIniFile)), {}, error};
-        const qint16 linkingBefore = settings.AllowAudioFileLinking;
-        const qint16 copyrightBefore = settings.UseCopyrightInCartChunk;
-        settings = next;
-        RememberDevices(settings, setup.chosen);
-        error = next.CartPartTable[1].Location.trimmed().isEmpty() ? 0 : writeAudiowallKeys(next);
-        if (error) {
-            settings.AllowAudioFileLinking = linkingBefore;
-            settings.UseCopyrightInCartChunk = copyrightBefore;
-            return {ProfileErrorText(error, AudiowallIniFile(next)), {}, error};
-        }
+        if (SetupOutcome failed = writeFiles(setup, next, settings); !failed.stored())
+            return failed;
     }
     if (setup.zqs)
         platform::prompts().ask(

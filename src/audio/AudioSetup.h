@@ -26,7 +26,7 @@ struct AudioSetup {
     NumberedTable<Player, CartPlayerCount> player;
     int instant = -1;    // "Player 1", ...
     int recordInto = -1; // the wave inputs
-    DeviceUses chosen;   // whose device the user has chosen, also where the number is the same
+    DeviceUses chosen;   // uses whose device the user has chosen here, even if it is the same one
     bool playersAsToolbars = false;
 
     // Playing.
@@ -66,15 +66,17 @@ struct AudioSetup {
     bool useCopyright = false;
 };
 
-// Of AudioEditorPriority, as far as the window offers it; a stored value beyond is kept.
+// The highest AudioEditorPriority that the window offers; a higher stored value is kept.
 inline constexpr int HighestEditorPriority = 20;
 
-// The record for the settings as they are. Players, orders and devices beyond what there is are clamped.
+// Fills a record from the settings. Players, orders and devices beyond those that exist are clamped.
 AudioSetup LoadAudioSetup(const Settings& settings, bool zqs = false);
 
 // The OK: checks the record, takes it into the settings, and writes them to the local ini file and, where the
-// first part of the audiowall has a location, two keys to its Audwall.ini. Warnings and notices go through
-// the prompts. A refused record, or a local ini file that cannot be written, changes nothing.
+// first part of the audiowall has a location, two keys to its Audwall.ini. There the keys that the user did
+// not change stay as the file has them now (AudiowallKeys.h). Warnings and notices go through the prompts. A
+// refused record, or a file that is known before to take no change, changes nothing; a message about a write
+// that failed says what was stored.
 SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings);
 
 // The warning for more players than suitable outputs; empty when there are enough.

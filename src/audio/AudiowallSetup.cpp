@@ -1,5 +1,6 @@
 #include "audio/AudiowallSetup.h"
 
+#include "audio/AudiowallKeys.h"
 #include "audio/LoadAudioSettings.h"
 #include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
@@ -27,7 +28,7 @@ constexpr qint32 secondsOfADay = 86400;
 // How SelectedCartMode is stored.
 enum SelectedMode : qint32 { ByColour = 1, PushedIn = 2 };
 
-// What of the screen no cart takes, in twips.
+// The part of the screen that no cart can use, in twips.
 constexpr qint32 besideTheCarts = 90;
 constexpr qint32 aboveAndBelowTheCarts = 4560;
 
@@ -83,14 +84,17 @@ bool hasLocation(const Settings& settings) {
     return !settings.CartPartTable[1].Location.trimmed().isEmpty();
 }
 
+// Where no cart is faded the box of the seconds cannot be used: ticking the first field of the fades is the
+// way to it.
 SetupOutcome checkFade(const AudiowallSetup& setup) {
     if (setup.fadeSeconds == 0)
         return {QStringLiteral("You must specify a number of seconds to use when fading"),
-                QStringLiteral("txtFadeSeconds")};
+                setup.keyboardFade || setup.mouseFade ? QStringLiteral("txtFadeSeconds")
+                                                      : QStringLiteral("chkKeyboardFade")};
     return {};
 }
 
-// Takes the highlighting; of a time that is refused, that there is one.
+// Takes the highlighting. A refused time still leaves it switched on.
 SetupOutcome takeHighlight(const AudiowallSetup& setup, Settings& settings) {
     if (!setup.highlight) {
         settings.HighlightPlayedCarts = HighlightOff;
@@ -106,7 +110,7 @@ SetupOutcome takeHighlight(const AudiowallSetup& setup, Settings& settings) {
     return {};
 }
 
-// What the files cannot hold; the suite has no texts of its own for these.
+// Refuses what the files cannot hold; the suite has no messages for these.
 SetupOutcome checkStorable(const AudiowallSetup& setup) {
     if (setup.useLevelTrigger && setup.triggerLevel > INT16_MAX)
         return {QStringLiteral("The level of the Level Trigger cannot be above %1.").arg(INT16_MAX),
@@ -121,22 +125,63 @@ SetupOutcome checkStorable(const AudiowallSetup& setup) {
     return {};
 }
 
-void takeJumps(const QList<JumpCartButton>& jumps, Settings& settings) {
+void takeJumps(const QList<JumpCartButton>& jumps, qint32 cartsInForce, Settings& settings) {
     settings.NumberCartJumpButtons = qint16(jumps.size());
     settings.JumpCartButtons.clear();
     for (const JumpCartButton& jump : jumps) {
-        const bool beyond = jump.Cart > settings.NoCarts; // the number in force so far
+        const bool beyond = jump.Cart > cartsInForce;
         settings.JumpCartButtons +=
             beyond ? JumpCartButton{}
                    : JumpCartButton{jump.Cart, jump.Description.trimmed().left(LongestJumpDescription)};
     }
 }
 
-int writeAudiowallKeys(const Settings& settings) {
-    platform::ProfileBatch batch(AudiowallIniFile(settings));
-    PutSettingText(batch, RowOf<&Settings::NoCarts>(), QString::number(settings.NoCarts));
-    PutSettingText(batch, RowOf<&Settings::PictureFileExtension>(), settings.PictureFileExtension);
-    return batch.commit();
+// The entry of PictureTypes; nothing for an extension that the window cannot show.
+std::optional<int> pictureTypeOf(const QString& extension) {
+    for (std::size_t type = 0; type < std::size(PictureTypes); ++type)
+        if (extension.compare(QLatin1String(PictureTypes[type].extension), Qt::CaseInsensitive) == 0)
+            return int(type);
+    return std::nullopt;
+}
+
+AudiowallKeys keysOf(const AudiowallSetup& setup, const Settings& settings) {
+    AudiowallKeys keys(settings);
+    keys.set(RowOf<&Settings::NoCarts>(), QString::number(std::clamp(setup.numberCarts, 1, MostCarts)),
+             setup.numberCarts != setup.loadedNumberCarts, [](const QString& stored) {
+                 const qint32 carts = platform::LeadingInteger(stored);
+                 return carts >= 1 && carts <= MostCarts;
+             });
+    keys.set(RowOf<&Settings::PictureFileExtension>(),
+             QLatin1String(PictureTypes[setup.pictureType].extension),
+             setup.pictureType != setup.loadedPictureType,
+             [](const QString& stored) { return pictureTypeOf(stored).has_value(); });
+    return keys;
+}
+
+// The files, once their settings are taken: both are asked before the first one is written.
+SetupOutcome writeFiles(const AudiowallSetup& setup, Settings& next) {
+    const QString local = platform::ProfilePath(next.LocalIniFile);
+    if (const int error = CheckLocalFile(next))
+        return NothingStored(error, local);
+    int wallError = platform::ProfileOk;
+    std::optional<AudiowallKeys> keys;
+    if (hasLocation(next)) {
+        keys = keysOf(setup, next);
+        wallError = keys->write(next);
+        if (wallError && keys->changed())
+            return NothingStored(wallError, keys->file());
+    }
+    if (const int error = SaveLocalSettings(next, next.LocalIniFile)) {
+        if (!keys || wallError || keys->putBack() == platform::ProfileOk)
+            return NothingStored(error, local);
+        return {QStringLiteral("%1; the number of carts and the type of pictures were stored in %2.")
+                    .arg(ProfileErrorText(error, local), keys->file()),
+                {},
+                error};
+    }
+    if (wallError)
+        SayWallNotWritten(wallError, keys->file());
+    return {};
 }
 
 } // namespace
@@ -177,9 +222,9 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
         setup.numberCarts = stored.NoCarts;
         extension = stored.PictureFileExtension;
     }
-    for (std::size_t type = 0; type < std::size(PictureTypes); ++type)
-        if (extension.compare(QLatin1String(PictureTypes[type].extension), Qt::CaseInsensitive) == 0)
-            setup.pictureType = int(type);
+    setup.pictureType = pictureTypeOf(extension).value_or(0);
+    setup.loadedNumberCarts = setup.numberCarts;
+    setup.loadedPictureType = setup.pictureType;
     return setup;
 }
 
@@ -196,7 +241,7 @@ SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings
 
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
     next.LevelTrigger = qint16(valueWhen(setup.useLevelTrigger, setup.triggerLevel));
-    takeJumps(setup.jumps, next);
+    takeJumps(setup.jumps, CartsInForce(settings), next);
     next.ShowICAtLogin = qint16(valueWhen(setup.showInstantCarts, setup.instantCarts + 1));
     next.PlayerFadeSeconds = setup.fadeSeconds;
     next.AutoUpdateInterval = valueWhen(setup.autoUpdate, setup.updateInterval);
@@ -218,13 +263,32 @@ SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings
                                            "been changed to %1 for you.")
                                 .arg(MostCarts));
         next.NoCarts = std::clamp(setup.numberCarts, 1, MostCarts);
-        if (const int error = writeAudiowallKeys(next))
-            return {ProfileErrorText(error, AudiowallIniFile(next)), {}, error};
     }
-    if (const int error = SaveLocalSettings(next, next.LocalIniFile))
-        return {ProfileErrorText(error, platform::ProfilePath(next.LocalIniFile)), {}, error};
+    if (SetupOutcome failed = writeFiles(setup, next); !failed.stored())
+        return failed;
     settings = next;
     return {};
+}
+
+qint32 CartsInForce(const Settings& settings) {
+    const std::optional<QString> stored =
+        hasLocation(settings) ? StoredTextOf(RowOf<&Settings::NoCarts>(), 0, AudiowallIniFile(settings))
+                              : std::nullopt;
+    return stored ? platform::LeadingInteger(*stored) : settings.NoCarts;
+}
+
+QString ClearedJumpsText(const QList<JumpCartButton>& jumps, qint32 cartsInForce) {
+    QStringList beyond;
+    for (qsizetype i = 0; i < jumps.size(); ++i)
+        if (jumps[i].Cart > 0 && jumps[i].Cart > cartsInForce)
+            beyond += QString::number(i + 1);
+    if (beyond.isEmpty())
+        return {};
+    const QString last = beyond.takeLast();
+    return QStringLiteral("OK clears jump button%1: the audiowall has %2 carts.")
+        .arg(beyond.isEmpty() ? u' ' + last
+                              : QStringLiteral("s %1 and %2").arg(beyond.join(QStringLiteral(", ")), last))
+        .arg(cartsInForce);
 }
 
 int TakeJumpButtonCount(qint32 wanted) {

@@ -46,11 +46,15 @@ struct AudiowallSetup {
     qint32 cartHeight = LowestCartHeight; // twips
     qint32 cartWidth = LowestCartWidth;
 
-    // A row of the grid each; a cart of 0 is a blank one.
+    // One for each row of the grid; cart 0: a blank row.
     QList<JumpCartButton> jumps;
 
+    // These two lie in Audwall.ini, which all workstations share: with them, what they were when the record
+    // was filled.
     qint32 numberCarts = 0;
     int pictureType = 0; // of PictureTypes
+    qint32 loadedNumberCarts = 0;
+    int loadedPictureType = 0;
 };
 
 struct PictureType {
@@ -62,19 +66,28 @@ inline constexpr PictureType PictureTypes[] = {
     {"BMP", "\".BMP\" - Bitmap format uncompressed pictures."},
 };
 
-// The record for the settings as they are; number of carts and type of pictures as Audwall.ini has them now.
+// Fills a record from the settings; number of carts and type of pictures as Audwall.ini has them now.
 AudiowallSetup LoadAudiowallSetup(const Settings& settings);
 
 // The OK: checks the record, takes it into the settings, and writes them to Audwall.ini, where the first part
-// of the audiowall has a location, and to the local ini file. Notices go through the prompts. A record that
-// is refused and a file that cannot be written leave the settings as they are, but for HighlightPlayedCarts,
-// which a refused highlight time leaves at 1.
+// of the audiowall has a location, and to the local ini file. Number of carts and type of pictures stay as
+// Audwall.ini has them now unless they differ from what was loaded. Notices go through the prompts. A record
+// that is refused and a file that cannot be written leave settings and files as they are, but for
+// HighlightPlayedCarts, which a refused highlight time leaves at 1.
 SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings);
 
-// A number of jump buttons as it is taken: between 1 and MostJumpButtons; above, the prompts say so.
+// The number of carts in force, by which OK clears jump buttons: that of Audwall.ini as it is now, else that
+// of the settings.
+qint32 CartsInForce(const Settings& settings);
+
+// What OK does to jump buttons whose cart lies beyond the number of carts, as a sentence; empty when it
+// clears none.
+QString ClearedJumpsText(const QList<JumpCartButton>& jumps, qint32 cartsInForce);
+
+// Clamps a number of jump buttons to 1 to MostJumpButtons; a message says so when it is above.
 int TakeJumpButtonCount(qint32 wanted);
 
-// How many carts of a size (twips, above 0) fit the primary screen, roughly. Halves round to the even number,
+// An estimate of how many carts of a size (twips, above 0) fit the primary screen. Halves round to the even number,
 // as every number of the suite does.
 struct CartGrid {
     qint32 columns = 0;

@@ -1,5 +1,5 @@
-// How carts look on the audiowall, as one record: what CartView paints with. Colours are the suite's, system
-// colours included.
+// How carts look on the audiowall, as one record, which CartView paints from. Colours are the suite's (ui/style/
+// Colours.h), system colours included.
 #pragma once
 
 #include <QString>
@@ -9,7 +9,7 @@ namespace tolvex {
 struct CartLooks {
     qint32 selectedBack = 0xC00000;
     qint32 selectedText = 0xFFFFFF;
-    bool selectedPushedIn = false; // in place of the two colours
+    bool selectedPushedIn = false; // instead of the two colours
     qint32 playedRecently = 0xFF;
     bool timesBarInColour = true;
     qint32 timesBar = 0xC00000;

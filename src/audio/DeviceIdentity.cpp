@@ -1,5 +1,6 @@
 #include "audio/DeviceIdentity.h"
 
+#include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/Settings.h"
 #include "core/settings/StoredSettings.h"
@@ -7,6 +8,8 @@
 #include "platform/host/FileLock.h"
 #include "platform/host/Replacement.h"
 #include "platform/paths/Paths.h"
+
+#include <utility>
 
 namespace tolvex {
 
@@ -16,7 +19,7 @@ using platform::WaveDevice;
 
 constexpr qint64 longestFile = 1 << 20;
 
-// A use of a device that was saved.
+// A saved use of a device.
 struct Remembered {
     QString iniFile;
     int player = 0; // 0: recording
@@ -40,7 +43,7 @@ QString asField(QString text) {
     return text;
 }
 
-// One ini file under all the ways to write its name.
+// The same for every spelling of an ini file's name.
 QString iniName(const Settings& settings) {
     return asField(platform::ProfilePath(settings.LocalIniFile).toUpper());
 }
@@ -80,7 +83,7 @@ const QList<WaveDevice>& devicesFor(int player) {
     return player ? platform::WaveOutputs() : platform::WaveInputs();
 }
 
-// The stored number of a use, as the settings have it; 0 where none is stored.
+// The number of a use in the settings; 0 where it has none.
 int storedOf(const Settings& settings, int player) {
     if (player == 0)
         return settings.RecordingSoundCard;
@@ -89,7 +92,12 @@ int storedOf(const Settings& settings, int player) {
     return settings.CartPlayerTable[player].Device;
 }
 
-// As devices are numbered: by place and id, else by place, else by id.
+// Empty where no device has the number.
+QString nameOf(const QList<WaveDevice>& devices, int number) {
+    return number < devices.size() ? devices[number].name : QString();
+}
+
+// Compares places where both are known, otherwise ids.
 bool isSame(const WaveDevice& device, const Remembered& one) {
     if (!device.place.isEmpty() && !one.place.isEmpty())
         return device.place == one.place;
@@ -104,7 +112,7 @@ int numberNow(const Remembered& one) {
     return -1;
 }
 
-// Whether the number that the settings have for a use means another device than it did.
+// Whether the number of a use in the settings means another device than it did.
 bool hasMoved(const Settings& settings, const Remembered& one) {
     const QList<WaveDevice>& devices = devicesFor(one.player);
     const int stored = storedOf(settings, one.player);
@@ -114,7 +122,7 @@ bool hasMoved(const Settings& settings, const Remembered& one) {
     return one.stored > devices.size() || !isSame(devices[one.stored - 1], one);
 }
 
-// What is remembered, with the devices of the settings in place of those of their ini file.
+// What is remembered, with the devices of the settings instead of the former ones of their ini file.
 QList<Remembered> withDevicesOf(const Settings& settings, DeviceUses chosen, QList<Remembered> all) {
     const QString iniFile = iniName(settings);
     DeviceUses kept;
@@ -145,16 +153,26 @@ QList<Remembered> withDevicesOf(const Settings& settings, DeviceUses chosen, QLi
 QString MovedDevice::text() const {
     const QString use =
         player ? QStringLiteral("Player %1").arg(player) : QStringLiteral("The recording device");
-    return now < 0 ? QStringLiteral("%1 was '%2', which is not there now").arg(use, name)
-                   : QStringLiteral("%1 was '%2', which is now number %3").arg(use, name).arg(now);
+    const QString where =
+        now < 0 ? QStringLiteral("not there now") : QStringLiteral("now number %1").arg(now);
+    const QString instead = other.isEmpty() ? QStringLiteral("no device has number %1 now").arg(number)
+                                            : QStringLiteral("number %1 is now '%2'").arg(number).arg(other);
+    return QStringLiteral("%1 was '%2', which is %3; %4").arg(use, name, where, instead);
 }
 
-void RememberDevices(const Settings& settings, DeviceUses chosen) {
+QString RememberDevices(const Settings& settings, DeviceUses chosen) {
     if (withDevicesOf(settings, chosen, read()) == read())
-        return; // most of the time
+        return {}; // most of the time
     const platform::FileLock lock(filePath());
-    if (lock.held())
-        platform::ReplaceHostFile(filePath(), textOf(withDevicesOf(settings, chosen, read())));
+    if (lock.held() && platform::ReplaceHostFile(
+                           filePath(), textOf(withDevicesOf(settings, chosen, read()))) == platform::NoError)
+        return {};
+    static QString said; // of the file that could not be written
+    if (std::exchange(said, filePath()) == filePath())
+        return {};
+    return QStringLiteral("%1 cannot be written: a number that means another sound device later will not be "
+                          "noticed.")
+        .arg(filePath());
 }
 
 QList<MovedDevice> FindMovedDevices(const Settings& settings) {
@@ -162,8 +180,10 @@ QList<MovedDevice> FindMovedDevices(const Settings& settings) {
     const QString iniFile = iniName(settings);
     for (const Remembered& one : read())
         if (one.iniFile == iniFile && one.player >= 0 && one.player <= CartPlayerCount &&
-            hasMoved(settings, one))
-            moved += {one.player, one.name, numberNow(one)};
+            hasMoved(settings, one)) {
+            const int number = storedOf(settings, one.player) - 1;
+            moved += {one.player, one.name, numberNow(one), number, nameOf(devicesFor(one.player), number)};
+        }
     return moved;
 }
 
@@ -189,9 +209,10 @@ SetupOutcome RepairDevices(Settings& settings) {
     if (!changed)
         return {};
     if (const int error = SaveLocalSettings(next, next.LocalIniFile))
-        return {ProfileErrorText(error, platform::ProfilePath(next.LocalIniFile)), {}, error};
+        return NothingStored(error, platform::ProfilePath(next.LocalIniFile));
     settings = next;
-    RememberDevices(settings);
+    if (const QString fault = RememberDevices(settings); !fault.isEmpty())
+        ShowExclamation(fault);
     return {};
 }
 

@@ -15,26 +15,29 @@
 
 namespace tolvex {
 
-// A stored number that means another device now.
+// A stored number that means another device now. Numbers of devices count from 0.
 struct MovedDevice {
     int player = 0; // 0: the recording device
     QString name;   // of the device that was meant
-    int now = -1;   // its number today, from 0; -1: it is not there
+    int now = -1;   // its number today; -1: it is not there
+    int number = 0; // the one that is in force
+    QString other;  // the device that has this number today; empty: none has it
 
-    // "Player 2 was 'X', which is now number 4".
+    // "Player 2 was 'X', which is now number 4; number 1 is now 'Y'".
     QString text() const;
 };
 
-// Uses of a device: of the players by their number, 0 of recording.
+// The uses of devices: a player by its number, 0 for recording.
 using DeviceUses = std::bitset<CartPlayerCount + 1>;
 
 // Remembers the devices of the settings as they are stored: of the players, where they are assigned by hand,
 // and of recording. A number that means another device now keeps what is remembered, unless the user has
-// `chosen` the device anew. Called by every OK. A file that cannot be written is no reason to fail.
-void RememberDevices(const Settings& settings, DeviceUses chosen = {});
+// `chosen` the device anew. Called by every OK. Where the file cannot be written, gives a sentence that says
+// so, once in a run of the program; the OK succeeds all the same.
+QString RememberDevices(const Settings& settings, DeviceUses chosen = {});
 
-// Those of the settings' devices that are not what was remembered. A number that was changed since stands for
-// itself, but for that of a recording device that is gone: loading pulls it down to the last one.
+// Those of the settings' devices that are not what was remembered. A number that was changed since then
+// counts as meant, except that of a recording device that is gone: loading lowers it to the last one.
 QList<MovedDevice> FindMovedDevices(const Settings& settings);
 QStringList MovedDeviceTexts(const Settings& settings);
 

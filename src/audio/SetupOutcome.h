@@ -1,9 +1,12 @@
-// What came of the OK of one of the sound windows: everything is stored, or why not and at which field.
+// What came of the OK of one of the sound windows: everything is stored, or why not and at which field. What
+// both windows have to say about files that cannot be written.
 #pragma once
 
 #include <QString>
 
 namespace tolvex {
+
+struct Settings;
 
 struct SetupOutcome {
     QString message = {}; // to be shown; empty: everything is stored
@@ -12,5 +15,15 @@ struct SetupOutcome {
 
     bool stored() const { return message.isEmpty(); }
 };
+
+// The ProfileError that saving the local ini file would end with now, as far as it can be known before.
+int CheckLocalFile(const Settings& settings);
+
+// For a file that cannot be written: "FILE was not changed: ... (error 5); nothing was stored."
+SetupOutcome NothingStored(int profileError, const QString& file);
+
+// Says through the prompts that Audwall.ini was not written, though the user changed nothing that it holds,
+// and that everything else was.
+void SayWallNotWritten(int profileError, const QString& file);
 
 } // namespace tolvex

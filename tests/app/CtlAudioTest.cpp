@@ -55,9 +55,9 @@ TEST_F(CtlAudio, SetsPlayersAndFormatAsTheWindowDoes) {
     refused("audio players x", "from 0 to 6");
     refused("audio players 1 --manual desk phones", "too many");
     refused("audio players 2 desk", "--manual is expected");
-    refused("audio players 2 --manual 7", "is no output");
+    refused("audio players 2 --manual 7", "is not an output");
     refused("audio format 1 2 44000", "the nearest is 44.100 kHz, 16 Bit, Stereo");
-    refused("audio format 4660 2 44100", "is no format");
+    refused("audio format 4660 2 44100", "is not a format");
     refused("audio test 5", "A player from 1 to 4");
     refused("audio test 1 --seconds soon", "--seconds");
     EXPECT_EQ(ini(), before);
@@ -82,7 +82,7 @@ TEST_F(CtlAudio, PutsNumbersRightAfterDevicesHaveMoved) {
     QFile::remove(home() + "/wavedevices.txt"); // the numbers are given anew
     sound.declare({"phones", "new", "desk"}, {"line"});
     EXPECT_EQ(hear("--json status").json().object()["movedDevices"].toArray().toVariantList().value(0),
-              "Player 1 was 'The desk', which is now number 2");
+              "Player 1 was 'The desk', which is now number 2; number 0 is now 'The phones'");
     EXPECT_EQ(hear("audio repair").status, 0);
     EXPECT_EQ(stored("CartPlayers", "SoundCardNumber1"), "3");
     EXPECT_EQ(stored("CartPlayers", "SoundCardNumber2"), "1");

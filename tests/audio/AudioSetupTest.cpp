@@ -101,7 +101,7 @@ TEST_F(AudioSetups, RefuseInOrderAndWriteNothing) {
     setup.zqs = true; // another volume counts
     setup.cartVolume = 10;
     setup.fadePercent = 10;
-    refused(faded, "txtFadePercent");
+    refused(faded, "txtCartVolume"); // the other box is hidden
     setup.zqs = false;
     setup.audioEditor = QStringLiteral("C:\\\u4e2d.EXE");
     EXPECT_EQ(StoreAudioSetup(setup, settings).field, "txtAudioEditor");
@@ -216,24 +216,68 @@ TEST_F(AudioSetups, OfTheSplitTransmissionProductKeepItsVolumes) {
     EXPECT_EQ(prompts.pointers.last(), Pointer::Default);
 }
 
-TEST_F(AudioSetups, SayWhichFileCouldNotBeWritten) {
-    setup.allowAudioFileLinking = true;
-    setup.generalVolume = 88;
+TEST_F(AudioSetups, SayWhatWasStoredWhenAFileCannotBeWritten) {
+    const QByteArray before = machine.read(iniPath);
     machine.makeFolder(wallIni); // nothing can be written there
-    SetupOutcome outcome = StoreAudioSetup(setup, settings);
-    EXPECT_NE(outcome.error, 0);
-    EXPECT_TRUE(outcome.message.startsWith(wallIni)) << outcome.message.toStdString();
-    EXPECT_EQ(value("Audio", "GeneralVolume"), "88"); // the local file is whole
-    EXPECT_EQ(settings.AllowAudioFileLinking, 0);
-    // Without a location there is no such file.
-    settings.CartPartTable[1].Location = " ";
+    setup.generalVolume = 88;
+    setup.allowAudioFileLinking = true;
+    const auto failed = [this](const QString& message) {
+        const SetupOutcome outcome = StoreAudioSetup(setup, settings);
+        EXPECT_NE(outcome.error, 0);
+        EXPECT_EQ(outcome.message, message);
+        EXPECT_EQ(settings.AllowAudioFileLinking, 0);
+    };
+    // What the user changed is stored as a whole, as far as anybody can know before.
+    failed(wallIni + " was not changed: it may not be written (error 5); nothing was stored.");
+    EXPECT_EQ(machine.read(iniPath), before);
+    EXPECT_EQ(settings.GeneralVolume, 100);
+    // Of a file of which nothing was changed it is said, and holds nothing up.
+    setup.allowAudioFileLinking = false;
     EXPECT_TRUE(StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(prompts.texts(), QStringList{wallIni + " was not changed: it may not be written (error 5); the "
+                                                     "settings of this workstation were stored."});
+    EXPECT_EQ(value("Audio", "GeneralVolume"), "88");
+
+    QDir().rmdir(machine.host(wallIni));
+    failToReplace<'A'>();
+    setup.allowAudioFileLinking = true;
+    setup.generalVolume = 89;
+    failed(wallIni + " was not changed: it cannot be written (error 1117); the settings of this workstation "
+                     "were stored.");
+    EXPECT_EQ(value("Audio", "GeneralVolume"), "89");
+    EXPECT_EQ(settings.GeneralVolume, 89);
 
     settings.LocalIniFile = "D:\\NOWHERE\\X.INI";
     setup.generalVolume = 70;
-    setup.fadePercent = 1;
-    outcome = StoreAudioSetup(setup, settings);
-    EXPECT_NE(outcome.error, 0);
-    EXPECT_TRUE(outcome.message.startsWith("D:\\NOWHERE\\X.INI"));
-    EXPECT_EQ(settings.GeneralVolume, 88);
+    failed("D:\\NOWHERE\\X.INI was not changed: its folder is not there (error 3); nothing was stored.");
+    EXPECT_EQ(settings.GeneralVolume, 89);
+}
+
+TEST_F(AudioSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
+    machine.write(wallIni, "[Audiowall]\r\nAllowAudioFileLinking=1\r\n"); // another workstation's
+    setup.useCopyright = true;
+    ASSERT_TRUE(StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(value("Audiowall", "AllowAudioFileLinking", wallIni), "1");
+    EXPECT_EQ(value("CartChunk", "UseCopyrightInCartChunk", wallIni), "1");
+    EXPECT_TRUE(settings.AllowAudioFileLinking && settings.UseCopyrightInCartChunk);
+    // Without a location there is no such file.
+    settings.CartPartTable[1].Location = " ";
+    setup.useCopyright = false;
+    EXPECT_TRUE(StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(value("CartChunk", "UseCopyrightInCartChunk", wallIni), "1");
+}
+
+TEST_F(AudioSetups, AreStoredTheSameAgainAfterALoad) {
+    for (const int players : {0, 1, 6})
+        for (const int last : {-1, 2, 5}) {
+            setup.players = players;
+            setup.firstInOrder = setup.lastInOrder = last; // 5 is stored as 255
+            ASSERT_TRUE(StoreAudioSetup(setup, settings).stored());
+            settings = loaded(); // players beyond the number have no device
+            ASSERT_TRUE(StoreAudioSetup(LoadAudioSetup(settings), settings).stored());
+            const std::string ini = machine.read(iniPath).toStdString();
+            settings = loaded();
+            ASSERT_TRUE(StoreAudioSetup(LoadAudioSetup(settings), settings).stored());
+            EXPECT_EQ(machine.read(iniPath).toStdString(), ini) << players << ' ' << last;
+        }
 }

@@ -84,6 +84,8 @@ TEST_F(AudiowallSetups, RefuseInOrderAndKeepThatHighlightingIsOn) {
     SetupOutcome outcome = StoreAudiowallSetup(setup, settings);
     EXPECT_EQ(outcome.message, "You must specify a number of seconds to use when fading");
     EXPECT_EQ(outcome.field, "txtFadeSeconds");
+    setup.mouseFade = setup.keyboardFade = false; // that box cannot be used
+    EXPECT_EQ(StoreAudiowallSetup(setup, settings).field, "chkKeyboardFade");
     EXPECT_EQ(settings.HighlightPlayedCarts, 0);
     setup.fadeSeconds = 1;
     outcome = StoreAudiowallSetup(setup, settings);
@@ -171,13 +173,62 @@ TEST_F(AudiowallSetups, OfferUsualValuesForWhatIsOff) {
 
 TEST_F(AudiowallSetups, AreNotHalfSavedWhereOneFileFails) {
     const QByteArray before = machine.read(iniPath);
-    machine.makeFolder(wallIni);
     setup.fadeSeconds = 5;
-    const SetupOutcome outcome = StoreAudiowallSetup(setup, settings);
-    EXPECT_NE(outcome.error, 0);
-    EXPECT_TRUE(outcome.message.startsWith(wallIni));
-    EXPECT_EQ(machine.read(iniPath), before);
-    EXPECT_EQ(settings.PlayerFadeSeconds, 2);
+    setup.numberCarts = 700;
+    const auto nothingStored = [&](const QString& file, const char* why) {
+        const SetupOutcome outcome = StoreAudiowallSetup(setup, settings);
+        EXPECT_NE(outcome.error, 0);
+        EXPECT_EQ(
+            outcome.message,
+            QStringLiteral("%1 was not changed: %2; nothing was stored.").arg(file, QLatin1String(why)));
+        EXPECT_EQ(machine.read(iniPath), before);
+        EXPECT_EQ(std::tie(settings.PlayerFadeSeconds, settings.NoCarts), std::make_tuple(2, 9999));
+    };
+    machine.makeFolder(wallIni);
+    nothingStored(wallIni, "it may not be written (error 5)");
+    QDir().rmdir(machine.host(wallIni));
+    machine.write(wallIni, "[Other]\r\nKey=1\r\n[Audiowall]\r\nNoCarts=600\r\n");
+    const QByteArray wall = machine.read(wallIni);
+    settings.LocalIniFile = "D:\\NOWHERE\\X.INI";
+    nothingStored(settings.LocalIniFile, "its folder is not there (error 3)");
+    EXPECT_EQ(machine.read(wallIni), wall);
+    settings.LocalIniFile = iniPath;
+    failToReplace<'T'>(); // it shows only after Audwall.ini was written
+    nothingStored(iniPath, "it cannot be written (error 1117)");
+    EXPECT_EQ(machine.read(wallIni), wall);
+    // Nothing of Audwall.ini was changed: that it cannot be written holds nothing up.
+    setup.numberCarts = setup.loadedNumberCarts;
+    machine.write(wallIni, "");
+    failToReplace<'A'>();
+    EXPECT_TRUE(StoreAudiowallSetup(setup, settings).stored());
+    EXPECT_EQ(prompts.texts(), QStringList{wallIni + " was not changed: it cannot be written (error 1117); "
+                                                     "the settings of this workstation were stored."});
+    EXPECT_EQ(value("Audio", "PlayerFadeSeconds"), "5");
+}
+
+TEST_F(AudiowallSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
+    machine.write(wallIni, "[Audiowall]\r\nNoCarts=12000\r\nPictureFileExtension=bmp\r\n");
+    setup.jumps = {{12000, "their last"}, {12001, "beyond"}};
+    ASSERT_TRUE(StoreAudiowallSetup(setup, settings).stored());
+    EXPECT_EQ(value("Audiowall", "NoCarts", wallIni), "12000");
+    EXPECT_EQ(value("Audiowall", "PictureFileExtension", wallIni), "bmp");
+    EXPECT_EQ(settings.NoCarts, 12000);
+    EXPECT_EQ(settings.JumpCartButtons[0].Cart, 12000);
+    EXPECT_EQ(settings.JumpCartButtons[1].Cart, 0);
+    // What no window shows does not stay.
+    machine.write(wallIni, "[Audiowall]\r\nNoCarts=100000\r\nPictureFileExtension=GIF\r\n");
+    ASSERT_TRUE(StoreAudiowallSetup(setup, settings).stored());
+    EXPECT_EQ(value("Audiowall", "NoCarts", wallIni), "9999");
+    EXPECT_EQ(value("Audiowall", "PictureFileExtension", wallIni), "JPG");
+}
+
+TEST(JumpButtons, ThatOkClearsAreNamed) {
+    QList<JumpCartButton> jumps = {{501, "a"}, {}, {500, "b"}};
+    EXPECT_EQ(ClearedJumpsText(jumps, 501), "");
+    EXPECT_EQ(ClearedJumpsText(jumps, 500), "OK clears jump button 1: the audiowall has 500 carts.");
+    EXPECT_EQ(ClearedJumpsText(jumps, -1), "OK clears jump buttons 1 and 3: the audiowall has -1 carts.");
+    jumps[1].Cart = 9999;
+    EXPECT_EQ(ClearedJumpsText(jumps, 0), "OK clears jump buttons 1, 2 and 3: the audiowall has 0 carts.");
 }
 
 TEST(CartGrids, RoundHalvesToTheEvenNumber) {

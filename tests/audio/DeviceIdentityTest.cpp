@@ -48,18 +48,19 @@ TEST_F(DeviceIdentities, AreFoundByPlaceThenById) {
     plug({{"Twin", "b", "left"}, {"Twin", "a", "right"}}, {{"Line", "l", ""}});
     EXPECT_EQ(texts(), QStringList());
     plug({{"Twin", "a", "right"}, {"Other", "o", "elsewhere"}, {"Twin", "b", "left"}}, {{"Else", "e", ""}});
-    EXPECT_EQ(texts(), QStringList({"The recording device was 'Line', which is not there now",
-                                    "Player 1 was 'Twin', which is now number 2",
-                                    "Player 2 was 'Twin', which is now number 0"}));
+    EXPECT_EQ(texts(),
+              QStringList({"The recording device was 'Line', which is not there now; number 0 is now 'Else'",
+                           "Player 1 was 'Twin', which is now number 2; number 0 is now 'Twin'",
+                           "Player 2 was 'Twin', which is now number 0; number 1 is now 'Other'"}));
     // Fewer devices than the number.
     plug({}, {});
-    EXPECT_EQ(texts().size(), 3);
+    EXPECT_EQ(texts().value(2), "Player 2 was 'Twin', which is not there now; no device has number 1 now");
 }
 
 TEST_F(DeviceIdentities, SayNothingOfNumbersThatWereChangedSince) {
     plug({{"Twin", "b", "right"}, {"Twin", "a", "left"}}, {{"Line", "l", ""}});
     settings.CartPlayerTable[1].Device = 2;
-    EXPECT_EQ(texts(), QStringList("Player 2 was 'Twin', which is now number 0"));
+    EXPECT_EQ(texts(), QStringList("Player 2 was 'Twin', which is now number 0; number 1 is now 'Twin'"));
     settings.AutomaticPlayerAssignment = -1;
     EXPECT_EQ(texts(), QStringList());
     settings.AutomaticPlayerAssignment = 0;
@@ -81,7 +82,8 @@ TEST_F(DeviceIdentities, AreRepairedInTheSuitesOwnKeysAlone) {
     EXPECT_EQ(settings.RecordingSoundCard, 1); // gone, so it keeps its number
     EXPECT_EQ(value("Other", "Key"), "kept");
     // What is gone is told until it comes back or something else is chosen for it.
-    EXPECT_EQ(texts(), QStringList("The recording device was 'Line', which is not there now"));
+    EXPECT_EQ(texts(),
+              QStringList("The recording device was 'Line', which is not there now; number 0 is now 'Else'"));
     RememberDevices(settings);
     EXPECT_EQ(texts().size(), 1);
     const QByteArray before = machine.read(iniPath);
@@ -96,7 +98,8 @@ TEST_F(DeviceIdentities, OfARecordingDeviceThatIsGoneAreToldUnderTheNumberThatLo
     RememberDevices(settings);
     plug({{"Twin", "a", "left"}, {"Twin", "b", "right"}}, {{"Line", "l", ""}});
     settings.RecordingSoundCard = 1;
-    EXPECT_EQ(texts(), QStringList("The recording device was 'Mic', which is not there now"));
+    EXPECT_EQ(texts(),
+              QStringList("The recording device was 'Mic', which is not there now; number 0 is now 'Line'"));
     RememberDevices(settings);
     EXPECT_EQ(texts().size(), 1);
     RememberDevices(settings, 1); // the user has chosen the line
@@ -110,5 +113,15 @@ TEST_F(DeviceIdentities, PassOverAFileThatIsDamaged) {
                           "C:\\WINDOWS\\TOLVEX.INI\tplayer\t1\t1\t\tq\tGood\n",
                           98));
     file.close();
-    EXPECT_EQ(texts(), QStringList("Player 1 was 'Good', which is not there now"));
+    EXPECT_EQ(texts(), QStringList("Player 1 was 'Good', which is not there now; number 0 is now 'Twin'"));
+}
+
+TEST_F(DeviceIdentities, ThatCannotBeRememberedAreSaidOnce) {
+    QFile::remove(machine.path() + "/audiodevices.txt");
+    QDir(machine.path()).mkdir("audiodevices.txt");
+    EXPECT_EQ(RememberDevices(settings),
+              machine.path() +
+                  "/audiodevices.txt cannot be written: a number that means another sound device "
+                  "later will not be noticed.");
+    EXPECT_EQ(RememberDevices(settings), "");
 }

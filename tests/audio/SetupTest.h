@@ -6,7 +6,12 @@
 
 #include "audio/LoadAudioSettings.h"
 #include "platform/devices/WaveDevices.h"
+#include "platform/posix/HostCalls.h"
 #include "platform/profile/ProfileFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 namespace tolvex::tests {
 
@@ -20,7 +25,10 @@ protected:
         setOutputs(6);
         setLocations("D:\\WALL");
     }
-    ~SetupTest() override { platform::RefreshWaveDevices(); }
+    ~SetupTest() override {
+        platform::RefreshWaveDevices();
+        platform::RestoreHostCalls();
+    }
 
     static void setOutputs(int count, int inputs = 2) {
         QList<platform::WaveDevice> out;
@@ -43,6 +51,15 @@ protected:
     QString value(const char* section, const char* key, const QString& file = iniPath) const {
         return platform::ProfileText(QString::fromLatin1(section), QString::fromLatin1(key),
                                      QStringLiteral("<none>"), file);
+    }
+
+    // The file of that name, Audwall.ini or the local one, passes every check and fails when it is put in
+    // place.
+    template<char First>
+    static void failToReplace() {
+        platform::hostCalls().rename = [](const char* from, const char* to) {
+            return std::strrchr(to, '/')[1] == First ? (errno = EIO, -1) : std::rename(from, to);
+        };
     }
 
     inline static const QString iniPath = QStringLiteral("C:\\WINDOWS\\TOLVEX.INI");

@@ -12,6 +12,7 @@
 #include "ui/binding/FormChanges.h"
 #include "ui/binding/SettingBinding.h"
 #include "ui/richtext/PrintDocument.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/TextBoxes.h"
 
 #include <QApplication>
@@ -22,6 +23,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSlider>
 #include <QTabBar>
 #include <QTabWidget>
@@ -272,6 +274,21 @@ TEST(FieldError, LeadsToTheFieldAndMarksItUntilTheNextEdit) {
     EXPECT_EQ(word->accessibleDescription(), "");
     word->selectAll();
     EXPECT_NE(word->grab().toImage(), marked);
+}
+
+TEST(FitForm, LeavesRoomForAnErrorMarkAndForTheFrame) {
+    ScriptedPrompts prompts;
+    Form form;
+    form.tabs->setTabText(0, QString(40, u'm'));
+    FitForm(&form);
+    form.open();
+    ShowFieldError(form.get<QLineEdit>("txtName"), "A name is needed");
+    EXPECT_LE(form.tabs->tabBar()->sizeHint().width(), form.tabs->width());
+    form.hide();
+    QWidget tall;
+    tall.resize(100, 9000);
+    FitForm(&tall);
+    EXPECT_EQ(tall.height(), tall.screen()->availableSize().height() - 40);
 }
 
 TEST(FormChanges, CountWhatCanBeUsedAndAskOnce) {

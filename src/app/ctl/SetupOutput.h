@@ -1,4 +1,4 @@
-// How commands that store what a window of settings holds begin and end.
+// The beginning and the end of commands that store what a window of settings holds.
 #pragma once
 
 #include "app/ctl/Command.h"

@@ -56,7 +56,7 @@ void LevelReader::stop() {
     stream_.reset();
 }
 
-// No more than the time that has gone by: some devices have an endless supply.
+// Takes no more samples than the elapsed time holds: some devices supply them without end.
 void LevelReader::read() {
     if (!stream_)
         return;

@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace tolvex {
 
 namespace {
@@ -15,7 +17,7 @@ constexpr int GapBelowBar = 2;
 constexpr int BarHeight = 16;
 constexpr int MarkSize = 9;
 
-// Edges in two colours, the one of the light to the left and above.
+// Draws edges in two colours, the light one to the left and above.
 void drawBevel(QPainter& painter, const QRect& around, const QColor& light, const QColor& dark, int width) {
     for (int i = 0; i < width; ++i) {
         const QRect edge = around.adjusted(i, i, -i, -i);
@@ -48,7 +50,7 @@ void CartView::setLooks(const CartLooks& looks) {
     update();
 }
 
-// Selected, and painted in the colours for that.
+// Whether the cart is selected and its colours show it.
 bool CartView::shownByColour() const {
     return face_.state == CartFace::State::Selected && !looks_.selectedPushedIn;
 }
@@ -63,9 +65,22 @@ QColor CartView::text() const {
     return ToColor(shownByColour() ? looks_.selectedText : empty ? looks_.emptyFore : face_.fore, palette());
 }
 
+// A stored bevel or font may be of any size: what is painted leaves room for the rest of the cart.
+int CartView::bevel() const {
+    return std::clamp(looks_.bevel, 0, std::min(width(), height()) / 6);
+}
+
+QFont CartView::describedFont(int room) const {
+    QFont font(looks_.fontName, qMax(1, looks_.fontSize));
+    font.setBold(looks_.fontBold);
+    if (QFontMetrics(font).height() > 2 * room)
+        font.setPixelSize(qMax(1, room * 3 / 4));
+    return font;
+}
+
 QRect CartView::timesBar() const {
-    const int left = looks_.bevel + Inset;
-    return {left, height() - BarHeight - GapBelowBar - looks_.bevel, width() - 2 * left, BarHeight};
+    const int left = bevel() + Inset;
+    return {left, height() - BarHeight - GapBelowBar - bevel(), width() - 2 * left, BarHeight};
 }
 
 QString CartView::timeText() const {
@@ -86,10 +101,10 @@ void CartView::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), back);
     const bool sunken = face_.state == CartFace::State::Selected && looks_.selectedPushedIn;
     drawBevel(painter, rect(), sunken ? back.darker(170) : back.lighter(160),
-              sunken ? back.lighter(160) : back.darker(170), looks_.bevel);
+              sunken ? back.lighter(160) : back.darker(170), bevel());
     const bool empty = face_.state == CartFace::State::Empty;
-    const QRect inner = rect().adjusted(looks_.bevel + Inset, looks_.bevel + Inset, -looks_.bevel - Inset,
-                                        -looks_.bevel - Inset);
+    const int edge = bevel() + Inset;
+    const QRect inner = rect().adjusted(edge, edge, -edge, -edge);
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * 0.85);
     painter.setFont(small);
@@ -122,13 +137,11 @@ void CartView::paintEvent(QPaintEvent*) {
         painter.setPen(looks_.timesBarInColour ? ToColor(looks_.timesBarText, palette()) : fore);
         painter.drawText(bar.adjusted(4, 0, -4, 0), Qt::AlignRight | Qt::AlignVCenter, timeText());
     }
-    QFont described(looks_.fontName, qMax(1, looks_.fontSize));
-    described.setBold(looks_.fontBold);
-    painter.setFont(described);
-    painter.setPen(fore);
     const int top = inner.top() + line;
-    painter.drawText(QRect(inner.left(), top, inner.width(), (empty ? inner.bottom() : bar.top()) - top),
-                     Qt::AlignCenter | Qt::TextWordWrap, face_.description);
+    const QRect middle(inner.left(), top, inner.width(), (empty ? inner.bottom() : bar.top()) - top);
+    painter.setFont(describedFont(middle.height()));
+    painter.setPen(fore);
+    painter.drawText(middle, Qt::AlignCenter | Qt::TextWordWrap, face_.description);
 }
 
 } // namespace tolvex

@@ -1,5 +1,4 @@
-// One cart as the audiowall shows it, painted from what the cart is and how carts look. It needs no setup of
-// its own: give it both records.
+// One cart as the audiowall shows it, painted from two records: the cart's own and the looks of all carts.
 #pragma once
 
 #include "audio/CartLooks.h"
@@ -43,6 +42,8 @@ protected:
 
 private:
     bool shownByColour() const;
+    int bevel() const; // as wide as it is painted
+    QFont describedFont(int room) const;
     QString timeText() const;
 
     CartFace face_;

@@ -42,7 +42,7 @@ DeviceTools::DeviceTools(QDialog* window, Choices choices, const Settings& setti
         stopLevel();
         status_->setText(how);
     };
-    // Only as long as its tab is in front.
+    // Tone and level run only while their tab is in front.
     connect(window->findChild<QTabWidget*>(), &QTabWidget::currentChanged, this, &DeviceTools::stop);
     connect(window, &QDialog::finished, this, &DeviceTools::stop);
     auto* repair = window->findChild<QPushButton*>(QStringLiteral("cmdRepair"));
@@ -65,10 +65,10 @@ QPushButton* DeviceTools::testButton(int player) const {
 }
 
 void DeviceTools::stop() {
-    if (playing_) {
-        testButton(std::exchange(playing_, 0))->setText(testCaption);
+    if (playing_ || reader_.running())
         status_->setText(QStringLiteral("Stopped."));
-    }
+    if (playing_)
+        testButton(std::exchange(playing_, 0))->setText(testCaption);
     tone_.stop();
     stopLevel();
 }

@@ -1,4 +1,4 @@
-// What the audio window does with real devices beside setting them: the test tone of each player, the level
+// What the audio window does with real devices besides choosing them: the test tone of each player, the level
 // of the recording device, and the notice that stored numbers mean other devices now. It works on the
 // window's controls by their names.
 #pragma once
@@ -21,7 +21,7 @@ class DeviceTools : public QObject {
     Q_OBJECT
 
 public:
-    // What the window has in its controls now.
+    // The choices in the window's controls now, and how to change one.
     struct Choices {
         std::function<int(int player)> outputOf; // number of the output, from 0; -1: the system's own choice
         std::function<int()> input;              // number of the input; -1: none

@@ -1,4 +1,4 @@
-// The grid of jump buttons: a row each, the number of its cart and what the button says. One entry box moves
+// The grid of jump buttons: one row for each, with the number of its cart and its description. One entry box moves
 // over the cells: clicking a cell or typing on the grid opens it, Return and Tab store and move on, Escape
 // leaves the cell as it was.
 #pragma once
@@ -17,12 +17,12 @@ class JumpGrid : public QTableWidget {
 public:
     explicit JumpGrid(QWidget* parent = nullptr);
 
-    // A cart of 0 or less stands as a blank row.
+    // A cart of 0 or less is shown as a blank row.
     void setJumps(const QList<JumpCartButton>& jumps);
     QList<JumpCartButton> jumps();
-    // More rows are blank ones.
+    // New rows are blank.
     void setJumpCount(int count);
-    // Stores what stands in the entry box, if it is open.
+    // Stores the text of the entry box, if it is open.
     void finishEntry();
 
 signals:

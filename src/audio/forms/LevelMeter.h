@@ -1,4 +1,4 @@
-// A level as a bar, with the highest peak of the last moments held, the decibels and a word beside it.
+// Shows a level as a bar: the highest peak of the last moments is held, with its decibels and a word beside it.
 #pragma once
 
 #include "audio/devices/LevelReader.h"
@@ -15,9 +15,9 @@ public:
     explicit LevelMeter(QWidget* parent = nullptr);
 
     void setLevel(const SoundLevel& level);
-    // Empties it: nobody measures.
+    // Empties the bar while nothing is measured.
     void clear();
-    // "-6.0 dBFS, good"; empty when nobody measures.
+    // "-6.0 dBFS, good"; empty while nothing is measured.
     QString text() const;
 
     QSize sizeHint() const override;

@@ -2,6 +2,7 @@
 
 #include "audio/CheckFileCache.h"
 #include "audio/LoadAudioSettings.h"
+#include "audio/forms/CartContrast.h"
 #include "core/report/Folders.h"
 #include "core/system/Programs.h"
 #include "core/text/Numbers.h"
@@ -24,7 +25,6 @@ namespace tolvex {
 namespace {
 
 const QString loadedTag = QStringLiteral("LOADED");
-constexpr double readable = 3;
 
 const BoundField<AudioSetup> fields[] = {
     Bound<&AudioSetup::automatic>("optCartPlayerManualMode optCartPlayerAutoMode"),
@@ -75,7 +75,7 @@ constexpr PlayerControls playerControls[] = {
     {"listCartPlayer_6", "cmdPlayerBackGround_6", "cmdPlayerForeground_6"},
 };
 
-// What only the ordinary product has, and what only the one for split transmissions has.
+// Controls of the ordinary product alone, and of the one for split transmissions alone.
 const QString ordinaryOnly =
     QStringLiteral("lblInstantCart listICPlayer chkPlayersAsToolbars lblFadePercentDesc_0 "
                    "lblFadePercentDesc_1 txtFadePercent chkPlayInstant fraPlaybackVolumes");
@@ -213,7 +213,7 @@ void frmAudioSetup::addFilters() {
     showDevices();
 }
 
-// What is pasted stays, for OK to refuse.
+// A pasted number stays; OK refuses it.
 void frmAudioSetup::limitPlayers() {
     if (typed_ && players() > CartPlayerCount)
         ui_->txtNumberCartPlayers->setText(QString::number(CartPlayerCount));
@@ -236,8 +236,8 @@ void frmAudioSetup::connectColours() {
         const auto show = [this, back, fore, hint] {
             const double contrast =
                 Contrast(ToColor(back->colour(), palette()), ToColor(fore->colour(), palette()));
-            hint->setText(contrast < readable
-                              ? QStringLiteral("hard to read: %1 to 1").arg(contrast, 0, 'f', 1)
+            hint->setText(contrast < ReadableContrast
+                              ? QStringLiteral("hard to read: ") + ContrastText(contrast)
                               : QString());
             hint->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
         };
@@ -303,7 +303,8 @@ void frmAudioSetup::startTunelane() {
 }
 
 void frmAudioSetup::store() {
-    // Pressed by its access key the button does not have the focus: a box that is not left holds any number.
+    // A button that is pressed by its access key does not take the focus, and a box clamps its number only
+    // when it is left.
     ui_->cmdOK->setFocus();
     binding_.take();
     const SetupOutcome outcome = StoreAudioSetup(setup_, settings_);

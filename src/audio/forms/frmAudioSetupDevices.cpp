@@ -12,16 +12,23 @@ namespace {
 
 constexpr int nameLength = 32; // of a device's name in the system's record, its ending zero included
 
-// A recording device as the list names it: as far as the system's record of a device holds the name.
+// The name of a recording device in the list; the system's record of a device holds only so much of it.
 QString inputName(const platform::WaveDevice& device) {
     const QString name = device.name.section(QChar(u'\0'), 0, 0);
     return name.size() < nameLength ? name : QStringLiteral("Unknown recording device!");
 }
 
-// Wide names do not make the form wide; the whole name is in the entry's tool tip.
+// A long name without its middle: the end often tells two devices of one make apart.
+QString shortName(const QString& name) {
+    constexpr int longest = 60;
+    constexpr int end = 24;
+    return name.size() <= longest ? name : name.left(longest - end - 1) + QChar(0x2026) + name.right(end);
+}
+
+// Long names make neither the form nor the open list wide; the whole name is in the entry's tool tip.
 void addDevice(QComboBox* list, const QString& text, const platform::WaveDevice& device) {
     platform::WaveDevice shown = device;
-    shown.name = text;
+    shown.name = shortName(text);
     list->addItem(platform::WaveDeviceLabel(shown));
     list->setItemData(list->count() - 1, device.name, Qt::ToolTipRole);
 }
@@ -53,7 +60,7 @@ void frmAudioSetup::fillDevices() {
         ui_->listRecordPlayer->setPlaceholderText(QStringLiteral("This machine has no recording device."));
 }
 
-// The output that a player has: in automatic mode the one that it gets at the next start. -1: the mapper.
+// The output of a player: in automatic mode the one that it gets at the next start. -1: the mapper.
 int frmAudioSetup::outputOf(int player) const {
     if (!ui_->optCartPlayerAutoMode->isChecked())
         return deviceList(player)->currentIndex() - 1;
@@ -67,7 +74,7 @@ int frmAudioSetup::outputOf(int player) const {
     return output;
 }
 
-// What automatic assignment does, or which players share a device.
+// Shows what automatic assignment does, or which players share a device.
 void frmAudioSetup::showDevices() {
     const int count = std::clamp(players(), 0, CartPlayerCount);
     QStringList lines;

@@ -1,5 +1,6 @@
 #include "audio/forms/frmAudioWallSetup.h"
 
+#include "audio/forms/CartContrast.h"
 #include "core/text/Numbers.h"
 #include "platform/Prompts.h"
 #include "ui/binding/EnableRules.h"
@@ -23,7 +24,6 @@ constexpr int MostBevel = 10;
 constexpr int SmallestOnSlider = 500;
 constexpr int GreatestHeight = 3000;
 constexpr int GreatestWidth = 4500;
-constexpr double readable = 3; // contrast of a text that can be told from its ground
 
 const BoundField<AudiowallSetup> fields[] = {
     Bound<&AudiowallSetup::showInstantCarts>("chkDisplayICsAtLogon"),
@@ -70,22 +70,10 @@ const BoundField<CartLooks> lookFields[] = {
 };
 constexpr char lookControls[] =
     "cmdChangeSelectedCartColor cmdChangeSelectedTextColor chkSelectedCartPushIn chkDisplayTimesBarColor "
-    "cmdSelectTimesBarColor cmdChangeNormalCartNumberColor cmdChangeEmptyCartNumberColor "
+    "cmdSelectTimesBarColor cmdHighlightColor chkHighlightRecent cmdChangeNormalCartNumberColor "
+    "cmdChangeEmptyCartNumberColor "
     "cmdChangeEmptyCartBackColor cmdChangeEmptyCartForeColor chkDisplayCartHasAudioAsSquare "
     "chkShowCartsCompressed chkDisplayCartTimeHours comboBevelWidth";
-
-// Pairs of colours that are read on each other.
-struct ColourPair {
-    qint32 CartLooks::*text;
-    qint32 CartLooks::*ground;
-    const char* name;
-};
-constexpr ColourPair pairs[] = {
-    {&CartLooks::selectedText, &CartLooks::selectedBack, "the highlighted text"},
-    {&CartLooks::emptyFore, &CartLooks::emptyBack, "the text of an empty cart"},
-    {&CartLooks::emptyNumber, &CartLooks::emptyBack, "the number of an empty cart"},
-    {&CartLooks::timesBarText, &CartLooks::timesBar, "the times bar"},
-};
 
 const CartFace sampleFaces[] = {
     {CartFace::State::Normal, 1, QStringLiteral("Station jingle"), 33, true, true, SystemButtonFace,
@@ -211,15 +199,9 @@ void frmAudioWallSetup::showSamples() {
 }
 
 void frmAudioWallSetup::showContrast() {
-    QStringList hints;
-    for (const ColourPair& pair : pairs) {
-        const double contrast = Contrast(ToColor(setup_.looks.*pair.text, palette()),
-                                         ToColor(setup_.looks.*pair.ground, palette()));
-        if (contrast < readable)
-            hints += QStringLiteral("%1 (%2 to 1)").arg(QLatin1String(pair.name)).arg(contrast, 0, 'f', 1);
-    }
-    ui_->lblContrast->setVisible(!hints.isEmpty());
-    ui_->lblContrast->setText(QStringLiteral("Hard to read: %1.").arg(hints.join(QStringLiteral(", "))));
+    const QStringList hard = ColoursHardToRead(setup_.looks, ui_->chkHighlightRecent->isChecked(), palette());
+    ui_->lblContrast->setVisible(!hard.isEmpty());
+    ui_->lblContrast->setText(QStringLiteral("Hard to read: %1.").arg(hard.join(QStringLiteral(", "))));
     ui_->lblContrast->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
 }
 
@@ -227,7 +209,7 @@ void frmAudioWallSetup::showContrast() {
 void frmAudioWallSetup::chooseTimesBarText() {
     qint32& text = setup_.looks.timesBarText;
     const QColor bar = ToColor(ui_->cmdSelectTimesBarColor->colour(), palette());
-    if (Contrast(bar, ToColor(text, palette())) < readable)
+    if (Contrast(bar, ToColor(text, palette())) < ReadableContrast)
         text =
             Contrast(bar, Qt::black) > Contrast(bar, Qt::white) ? FromColor(Qt::black) : FromColor(Qt::white);
     showSamples();
@@ -250,18 +232,8 @@ void frmAudioWallSetup::showCartSize() {
                                  .arg(grid.rows));
 }
 
-// What OK will clear.
 void frmAudioWallSetup::showJumpHint() {
-    QStringList beyond;
-    const QList<JumpCartButton> jumps = ui_->grdJumps->jumps();
-    for (qsizetype i = 0; i < jumps.size(); ++i)
-        if (jumps[i].Cart > settings_.NoCarts)
-            beyond += QString::number(i + 1);
-    ui_->lblJumpHint->setText(beyond.isEmpty()
-                                  ? QString()
-                                  : QStringLiteral("The audiowall has %1 carts: OK clears jump button %2.")
-                                        .arg(settings_.NoCarts)
-                                        .arg(beyond.join(QStringLiteral(" and "))));
+    ui_->lblJumpHint->setText(ClearedJumpsText(ui_->grdJumps->jumps(), CartsInForce(settings_)));
     ui_->lblJumpHint->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
 }
 

@@ -24,7 +24,7 @@ frmChooseAudioFormat::frmChooseAudioFormat(qint32 tag, qint32 channels, qint32 r
         for (qsizetype i = 0; i < platform::AudioFormatTags().size(); ++i)
             if (const AudioFormatTag& known = platform::AudioFormatTags()[i]; known.tag == start->tag) {
                 ui_->listTags->setCurrentRow(int(i));
-                ui_->listAttributes->setCurrentRow(int(known.formats.indexOf(*start)));
+                ui_->listAttributes->setCurrentRow(int(offered_.indexOf(*start)));
             }
     showChoice();
     ui_->listAttributes->setFocus();
@@ -39,19 +39,23 @@ const AudioFormatTag* frmChooseAudioFormat::tag() const {
 
 std::optional<AudioFormat> frmChooseAudioFormat::chosen() const {
     const int row = ui_->listAttributes->currentRow();
-    return tag() && row >= 0 ? std::optional(tag()->formats[row]) : std::nullopt;
+    return tag() && row >= 0 ? std::optional(offered_[row]) : std::nullopt;
 }
 
-// Another format keeps rate and channels as near as it can.
+// After a change of the tag the selection stays as near to rate and channels as it can.
 void frmChooseAudioFormat::showAttributes() {
     const AudioFormat before = last_;
     ui_->listAttributes->clear();
+    offered_.clear();
     if (!tag())
         return;
     for (const AudioFormat& format : tag()->formats)
-        ui_->listAttributes->addItem(platform::AudioFormatDetails(format));
+        if (format == platform::SuggestAudioFormat(format.tag, format.channels, format.rate)) {
+            offered_ += format;
+            ui_->listAttributes->addItem(platform::AudioFormatDetails(format));
+        }
     if (const auto nearest = platform::SuggestAudioFormat(tag()->tag, before.channels, before.rate))
-        ui_->listAttributes->setCurrentRow(int(tag()->formats.indexOf(*nearest)));
+        ui_->listAttributes->setCurrentRow(int(offered_.indexOf(*nearest)));
 }
 
 void frmChooseAudioFormat::showChoice() {

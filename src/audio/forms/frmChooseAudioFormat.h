@@ -1,5 +1,6 @@
 // The chooser of an audio format: formats of this machine to the left, the attributes of the chosen one to
-// the right. It begins at the format nearest to the one given.
+// the right. It starts at the format nearest to the one given. Only tag, channels and rate of a format are
+// stored, so of those that differ in the sample size alone it offers the one that will be recorded.
 #pragma once
 
 #include "platform/devices/AudioFormats.h"
@@ -21,7 +22,7 @@ public:
     frmChooseAudioFormat(qint32 tag, qint32 channels, qint32 rate, QWidget* parent = nullptr);
     ~frmChooseAudioFormat() override;
 
-    // What is selected; nothing on a machine without formats.
+    // The selected format; nothing on a machine without formats.
     std::optional<platform::AudioFormat> chosen() const;
 
 private:
@@ -29,7 +30,8 @@ private:
     void showChoice();
     const platform::AudioFormatTag* tag() const;
 
-    platform::AudioFormat last_; // that was chosen
+    QList<platform::AudioFormat> offered_; // a row of the attributes each
+    platform::AudioFormat last_;           // the last selected one
     std::unique_ptr<Ui::frmChooseAudioFormat> ui_;
 };
 

@@ -1,6 +1,9 @@
 #include "platform/devices/WaveDeviceWatch.h"
 
+#include <QDir>
 #include <QFileInfo>
+
+#include <utility>
 
 namespace tolvex::platform {
 
@@ -8,6 +11,12 @@ namespace {
 
 constexpr int quietMilliseconds = 300;
 QString folderOfTests;
+
+// What the folder shows; nothing while it is missing.
+QStringList namesShown() {
+    const QDir folder(SoundDeviceFolder());
+    return folder.exists() ? folder.entryList(QDir::AllEntries | QDir::System) : QStringList();
+}
 
 } // namespace
 
@@ -19,15 +28,22 @@ void SetSoundDeviceFolder(const QString& hostPath) {
     folderOfTests = hostPath;
 }
 
-WaveDeviceWatch::WaveDeviceWatch(std::function<void()> changed) {
+WaveDeviceWatch::WaveDeviceWatch(std::function<void()> changed)
+    : changed_(std::move(changed))
+    , names_(namesShown()) {
     quiet_.setSingleShot(true);
     quiet_.setInterval(quietMilliseconds);
-    QObject::connect(&quiet_, &QTimer::timeout, &quiet_, std::move(changed));
+    QObject::connect(&quiet_, &QTimer::timeout, &quiet_, [this] { look(); });
     QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &quiet_, [this] {
         watch();
         quiet_.start();
     });
     watch();
+}
+
+void WaveDeviceWatch::look() {
+    if (const QStringList now = namesShown(); std::exchange(names_, now) != now)
+        changed_();
 }
 
 // While the folder is missing the one above it is watched, where other devices come and go as well.

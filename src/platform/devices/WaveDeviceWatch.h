@@ -1,9 +1,10 @@
-// Says when a sound device may have been plugged in or out: the folder in which the system shows them has
-// changed. Devices take a moment to come up, so it waits until the folder has been quiet for a while.
+// Reports when a sound device may have been plugged in or out: the folder in which the system shows them
+// holds other names than before. Devices take a moment to come up, so it waits until the folder has been
+// quiet for a while.
 #pragma once
 
 #include <QFileSystemWatcher>
-#include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <functional>
@@ -17,7 +18,10 @@ public:
 
 private:
     void watch();
+    void look();
 
+    std::function<void()> changed_;
+    QStringList names_;
     QFileSystemWatcher watcher_;
     QTimer quiet_;
 };

@@ -36,6 +36,15 @@ bool canOnlyBeOverwritten(const QString& hostPath) {
     return !MayAccess(HostFolder(hostPath), Access::Write) && MayAccess(hostPath, Access::Write);
 }
 
+// Without the lock, which a folder that takes no files does not give: the file to be overwritten where it
+// lies; nothing when that cannot be done either.
+std::optional<QString> fileToOverwrite(const QString& hostPath, const FileLock& lock) {
+    const std::optional<QString> target = FollowLinks(hostPath);
+    const bool can =
+        lock.error() == PathFileAccess && !LookingOnly() && target && canOnlyBeOverwritten(*target);
+    return can ? target : std::nullopt;
+}
+
 int updateInPlace(const QString& hostPath, qint64 limit, const FileChanger& change) {
     FileInPlace file(hostPath);
     if (file.error() != NoError)
@@ -49,15 +58,23 @@ int updateInPlace(const QString& hostPath, qint64 limit, const FileChanger& chan
 int UpdateHostFile(const QString& hostPath, qint64 limit, const FileChanger& change) {
     const FileLock lock(hostPath);
     if (!lock.held()) {
-        const std::optional<QString> target = FollowLinks(hostPath);
-        if (lock.error() == PathFileAccess && !LookingOnly() && target && canOnlyBeOverwritten(*target))
-            return updateInPlace(*target, limit, change);
-        return lock.error();
+        const std::optional<QString> target = fileToOverwrite(hostPath, lock);
+        return target ? updateInPlace(*target, limit, change) : lock.error();
     }
     const Step step = readAndChange(hostPath, limit, change);
     if (step.error != NoError || !step.next)
         return step.error;
     return ReplaceHostFile(hostPath, *step.next);
+}
+
+int CheckUpdate(const QString& hostPath, qint64 limit) {
+    const FileLock lock(hostPath);
+    if (!lock.held())
+        return fileToOverwrite(hostPath, lock) ? NoError : lock.error();
+    int error = NoError;
+    if (!ReadHostFile(hostPath, limit, &error) && error != FileNotFound)
+        return error;
+    return Replacement(hostPath).error();
 }
 
 } // namespace tolvex::platform

@@ -22,4 +22,8 @@ using FileChanger = std::function<FileChange(const std::optional<QByteArray>& no
 // program kept the file locked, and DeviceIoError when it is longer than `limit` bytes.
 int UpdateHostFile(const QString& hostPath, qint64 limit, const FileChanger& change);
 
+// The FileError that a change of the file would end with now; NoError when nothing stands in its way. Only a
+// full or failing disk does not show before the bytes are written. Leaves everything as it is.
+int CheckUpdate(const QString& hostPath, qint64 limit);
+
 } // namespace tolvex::platform

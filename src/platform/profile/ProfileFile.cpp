@@ -3,8 +3,10 @@
 #include "platform/CodePage.h"
 #include "platform/files/FileCache.h"
 #include "platform/files/FileGroup.h"
+#include "platform/files/FileUpdate.h"
 #include "platform/paths/PathParts.h"
 #include "platform/paths/Paths.h"
+#include "platform/profile/ProfileCheck.h"
 #include "platform/profile/ProfileDocument.h"
 
 #include <utility>
@@ -77,8 +79,12 @@ int profileError(int fileError) {
     }
 }
 
-// Why a name leads to no host path.
+// Why a name leads to no file; ProfileOk when it leads to one.
 int nameError(const QString& file) {
+    if (file.contains(u'*') || file.contains(u'?'))
+        return ProfileInvalidName;
+    if (!HostPath(file, BareName::WindowsFolder).isEmpty())
+        return ProfileOk;
     if (file.trimmed().isEmpty())
         return ProfileAccessDenied;
     return file.startsWith(QLatin1String("\\\\")) ? ProfilePathNotFound : ProfileFileNotFound;
@@ -164,9 +170,7 @@ int ProfileBatch::fault() const {
     for (const Change& change : changes_)
         if (change.section.isNull())
             return ProfileFileNotFound;
-    if (file_.contains(u'*') || file_.contains(u'?'))
-        return ProfileInvalidName;
-    return HostPath(file_, BareName::WindowsFolder).isEmpty() ? nameError(file_) : ProfileOk;
+    return nameError(file_);
 }
 
 // What the batch makes of a file's bytes.
@@ -195,6 +199,12 @@ int ProfileBatch::commit() {
     if (error == NoError)
         changes_.clear();
     return profileError(error);
+}
+
+int CheckProfileWrite(const QString& file) {
+    if (const int error = nameError(file))
+        return error;
+    return profileError(CheckUpdate(HostPath(file, BareName::WindowsFolder), longestFile));
 }
 
 int ProfileGroup::commit() {

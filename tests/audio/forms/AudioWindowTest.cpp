@@ -6,6 +6,7 @@
 #include "audio/forms/frmChooseAudioFormat.h"
 #include "ui/binding/ColourButton.h"
 
+#include <QAbstractItemView>
 #include <QClipboard>
 #include <QListWidget>
 
@@ -156,6 +157,7 @@ TEST_F(AudioWindow, OpensOverAnyDevicesAndNumbers) {
         open();
         EXPECT_LE(form->width(), form->screen()->availableSize().width());
         EXPECT_EQ(on<QComboBox>("listCartPlayer_1")->count(), count + 1);
+        EXPECT_LE(on<QComboBox>("listCartPlayer_1")->view()->sizeHintForColumn(0), form->width());
         EXPECT_EQ(on<QComboBox>("listCartPlayer_1")->currentIndex(), 0);
         EXPECT_EQ(on<QComboBox>("listCartPlayer_3")->currentIndex(), count == 40 ? 40 : 0);
         EXPECT_EQ(on<QComboBox>("listRecordPlayer")->currentIndex(), count - 1);
@@ -189,7 +191,13 @@ TEST_F(AudioWindow, OfTheSplitTransmissionProductShowsItsVolumes) {
     EXPECT_FALSE(on<QWidget>("fraPlaybackVolumes")->isVisible() ||
                  on<QWidget>("txtFadePercent")->isVisible());
     EXPECT_EQ(text("txtCartGroupVolume"), "61");
-    type("txtCartVolume", "77.");
+    type("txtCartVolume", "10");
+    tab(1);
+    press("cmdOK"); // carts would be fired at a higher volume than they are played at
+    EXPECT_EQ(form->focusWidget(), on<QLineEdit>("txtCartVolume"));
+    EXPECT_TRUE(on<QLineEdit>("txtCartVolume")->isVisible());
+    prompts.forget();
+    QTest::keyClicks(form->focusWidget(), "77.");
     EXPECT_EQ(text("txtCartVolume"), "77");
     press("cmdOK");
     EXPECT_EQ(value("Audio", "GeneralVolume"), "77");
@@ -212,6 +220,9 @@ TEST(AudioFormatChooser, BeginsAtTheNearestAndKeepsRateAndChannels) {
     EXPECT_EQ(chooser.chosen(), (platform::AudioFormat{1, 1, 22050, 16}));
     auto* tags = chooser.findChild<QListWidget*>("listTags");
     auto* attributes = chooser.findChild<QListWidget*>("listAttributes");
+    // One row for what is stored as one format, whatever sizes of a sample there are.
+    EXPECT_TRUE(attributes->findItems("22.050 kHz, 24 Bit, Mono", Qt::MatchExactly).isEmpty());
+    EXPECT_EQ(attributes->findItems("22.050 kHz,*, Mono", Qt::MatchWildcard).size(), 1);
     EXPECT_EQ(attributes->currentItem()->text(), "22.050 kHz, 16 Bit, Mono");
     const QModelIndex law = tags->model()->match(tags->model()->index(0, 0), 0, "CCITT A-Law").first();
     QTest::mouseClick(tags->viewport(), Qt::LeftButton, {}, tags->visualRect(law).center());

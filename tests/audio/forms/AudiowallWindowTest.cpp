@@ -186,7 +186,7 @@ TEST_F(AudiowallWindow, BlanksACartNumberThatIsNone) {
     clickCell(1, 0);
     QTest::keyClicks(entry(), "12000");
     key(Qt::Key_Tab);
-    EXPECT_EQ(label("lblJumpHint"), "The audiowall has 9999 carts: OK clears jump button 1.");
+    EXPECT_EQ(label("lblJumpHint"), "OK clears jump button 1: the audiowall has 9999 carts.");
 }
 
 TEST_F(AudiowallWindow, KeepsAFontThatIsNotInstalledAndTakesAnother) {

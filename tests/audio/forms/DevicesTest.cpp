@@ -99,6 +99,17 @@ TEST_F(SoundWindow, StopsAToneAtOnceAndSaysWhyNonePlays) {
     press("cmdTest_1");
     tab(2);
     EXPECT_EQ(on<QPushButton>("cmdTest_1")->text(), "Test");
+    EXPECT_EQ(status(), "Stopped.");
+}
+
+TEST_F(SoundWindow, GoesOnPlayingWhenSomethingElseIsPluggedIn) {
+    declare({"desk"});
+    settings.CartPlayerTable[1].Device = 1;
+    open();
+    press("cmdTest_1");
+    QFile other(machine.path() + "/a-disk"); // beside the folder of the sound devices, which is not there
+    ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(waitFor("Player 1: the tone was played."));
 }
 
 TEST_F(SoundWindow, SaysThatADeviceIsBusy) {
@@ -173,9 +184,10 @@ TEST_F(SoundWindow, PutsNumbersRightThatMeanOtherDevicesNow) {
     press("cmdOK"); // remembers
     setOutputs({"Desk 2", "New", "Phones", "Desk 1"}, {"Line"});
     open();
-    EXPECT_EQ(label("lblMoved"), "The recording device was 'Microphone', which is not there now.\n"
-                                 "Player 2 was 'Desk 1', which is now number 3.\n"
-                                 "Player 3 was 'Desk 2', which is now number 0.");
+    EXPECT_EQ(label("lblMoved"),
+              "The recording device was 'Microphone', which is not there now; no device has number 1 now.\n"
+              "Player 2 was 'Desk 1', which is now number 3; number 0 is now 'Desk 2'.\n"
+              "Player 3 was 'Desk 2', which is now number 0; number 1 is now 'New'.");
     press("cmdRepair");
     EXPECT_EQ(on<QComboBox>("listCartPlayer_2")->currentText(), "Desk 1");
     EXPECT_EQ(on<QComboBox>("listCartPlayer_3")->currentText(), "Desk 2");

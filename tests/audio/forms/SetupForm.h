@@ -1,4 +1,4 @@
-// One of the sound windows on a workstation of a test's own, and what a user does to it.
+// One of the sound windows on a test's own workstation, and what a user does to it.
 #pragma once
 
 #include "support/MachineFolder.h"
@@ -37,7 +37,7 @@ struct SetupStation {
         settings.CartPartTable[1].Location = QStringLiteral("D:\\WALL");
         settings.ScreenWidthTwips = 1024 * 15;
         settings.ScreenHeightTwips = 768 * 15;
-        // Of the sections that the windows show, the defaults.
+        // The defaults of the sections that the windows show.
         for (const SettingRows rows :
              {PlayerAssignmentRows, PlayerColourRows, PlayerRows, VolumeRows, SweptVolumeRows, AudioRows,
               CartDisplayRows, AudioWallSizeRows, AudioWallRows, AudiowallFileRows})
@@ -93,7 +93,7 @@ struct SetupForm : SetupStation {
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(number - 1).center());
         QApplication::processEvents();
     }
-    // A button; boxes to tick and radio buttons are hit on their mark.
+    // Clicks a button; check boxes and radio buttons on their mark.
     void press(const char* name) const {
         auto* button = on<QAbstractButton>(name);
         ASSERT_TRUE(button->isVisible() && button->isEnabled()) << name;

@@ -1,12 +1,12 @@
 // Private profile files: what the operations answer, what they leave of a file, and what happens when the
 // disk or another program is in the way.
-#include "platform/profile/ProfileFile.h"
 #include "TestPlaces.h"
 #include "platform/host/FileLock.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/Replacement.h"
 #include "platform/paths/Paths.h"
 #include "platform/posix/HostCalls.h"
+#include "platform/profile/ProfileCheck.h"
 #include "platform/profile/ProfileDocument.h"
 
 #include <QJsonArray>
@@ -225,7 +225,9 @@ TEST_F(ProfileFile, ABareNameLiesInTheWindowsFolderAndOnlyThere) {
 TEST_F(ProfileFile, SaysWhyItCannotWriteAndReadsTheDefault) {
     const auto write = [](const char* file) {
         EXPECT_EQ(ProfileText("s", "k", "default", file), "default");
-        return WriteProfileText("s", "k", "v", file);
+        const int error = WriteProfileText("s", "k", "v", file);
+        EXPECT_EQ(CheckProfileWrite(file), error); // says so before
+        return error;
     };
     EXPECT_EQ(write(""), ProfileAccessDenied);
     EXPECT_EQ(write("C:\\MISSING\\X.INI"), ProfilePathNotFound);
@@ -274,14 +276,16 @@ TEST_F(ProfileFile, RightsCountAsTheyDoOnTheirPlatform) {
     ASSERT_EQ(::chmod(folder.constData(), 0777), 0);
     make(0444, "[s]\r\nk=1\r\n");
     EXPECT_TRUE(asOrdinaryUser([&path] {
-        return WriteProfileText("s", "k", "2", path) == ProfileAccessDenied &&
+        return CheckProfileWrite(path) == ProfileAccessDenied &&
+               WriteProfileText("s", "k", "2", path) == ProfileAccessDenied &&
                ProfileInteger("s", "k", 0, path) == 1;
     }));
     // A writable file in a folder that takes no new files is written where it lies, longer and shorter.
     make(0666, "[s]\r\nk=1\r\nlong=abcdefgh\r\n");
     ASSERT_EQ(::chmod(folder.constData(), 0555), 0);
     EXPECT_TRUE(asOrdinaryUser([&path] {
-        return WriteProfileText("s", "k", "12345", path) == ProfileOk &&
+        return CheckProfileWrite(path) == ProfileOk &&
+               WriteProfileText("s", "k", "12345", path) == ProfileOk &&
                WriteProfileText("s", "long", {}, path) == ProfileOk &&
                WriteProfileText("s", "k", "1", path + "x") == ProfileAccessDenied;
     }));

@@ -1,4 +1,4 @@
-// Wave devices of this machine: listed, tried, put right.
+// Commands for the wave devices of this machine: list, test, repair.
 #include "app/ctl/Commands.h"
 #include "app/ctl/SetupOutput.h"
 
@@ -57,7 +57,7 @@ int devices(Call& call) {
     return records.isEmpty() ? No : Done;
 }
 
-// Of --seconds; nothing for a text that is no time to wait.
+// The time of --seconds, `usual` without it; nothing for a text that is not a time to wait.
 std::optional<double> secondsOf(const Call& call, double usual) {
     if (!call.has("--seconds"))
         return usual;

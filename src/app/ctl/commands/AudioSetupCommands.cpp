@@ -80,7 +80,7 @@ int show(Call& call) {
     return Done;
 }
 
-// The number that players are stored with: by the number of an output, its name or its id; 0 for the mapper.
+// The number to store for an output that is given by its number, name or id; 0 for the mapper.
 std::optional<int> deviceByWord(const QString& word) {
     const QList<WaveDevice>& outputs = WaveOutputs();
     if (word.compare(QLatin1String("mapper"), Qt::CaseInsensitive) == 0)
@@ -117,9 +117,10 @@ int players(Call& call) {
     for (int n = 1; n <= std::min(int(words.size()), CartPlayerCount); ++n) {
         const std::optional<int> device = deviceByWord(words[n - 1]);
         if (!device)
-            return call.wrong(QStringLiteral("\"%1\" is no output: \"tolvexctl audio devices\" lists their "
-                                             "numbers and names.")
-                                  .arg(words[n - 1]));
+            return call.wrong(
+                QStringLiteral("\"%1\" is not an output: \"tolvexctl audio devices\" lists their "
+                               "numbers and names.")
+                    .arg(words[n - 1]));
         setup.player[n].device = *device;
         setup.chosen.set(size_t(n));
     }
@@ -136,7 +137,7 @@ const AudioFormatTag* tagByWord(const QString& word) {
 }
 
 QString noTag(const QString& word) {
-    return QStringLiteral("\"%1\" is no format of this machine: \"tolvexctl audio formats\" lists them.")
+    return QStringLiteral("\"%1\" is not a format of this machine: \"tolvexctl audio formats\" lists them.")
         .arg(word);
 }
 
