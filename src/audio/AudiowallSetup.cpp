@@ -90,7 +90,7 @@ SetupOutcome checkFade(const AudiowallSetup& setup) {
     if (setup.fadeSeconds == 0)
         return {QStringLiteral("You must specify a number of seconds to use when fading"),
                 setup.keyboardFade || setup.mouseFade ? QStringLiteral("txtFadeSeconds")
-                                                      : QStringLiteral("chkKeyboardFade")};
+                                                      : QStringLiteral("chkMouseFade")};
     return {};
 }
 

@@ -85,7 +85,7 @@ TEST_F(AudiowallSetups, RefuseInOrderAndKeepThatHighlightingIsOn) {
     EXPECT_EQ(outcome.message, "You must specify a number of seconds to use when fading");
     EXPECT_EQ(outcome.field, "txtFadeSeconds");
     setup.mouseFade = setup.keyboardFade = false; // that box cannot be used
-    EXPECT_EQ(StoreAudiowallSetup(setup, settings).field, "chkKeyboardFade");
+    EXPECT_EQ(StoreAudiowallSetup(setup, settings).field, "chkMouseFade");
     EXPECT_EQ(settings.HighlightPlayedCarts, 0);
     setup.fadeSeconds = 1;
     outcome = StoreAudiowallSetup(setup, settings);

@@ -192,6 +192,10 @@ void frmAudioSetup::addRules() {
 }
 
 void frmAudioSetup::addFilters() {
+    for (QLineEdit* box :
+         {ui_->txtNumberCartPlayers, ui_->txtFadePercent, ui_->txtGeneralVolume, ui_->txtDuckVolume,
+          ui_->txtSweeperVol, ui_->txtCartVolume, ui_->txtCartGroupVolume, ui_->txtAdvertVolume})
+        SetWidthInDigits(box, 3);
     for (QLineEdit* box : {ui_->txtGeneralVolume, ui_->txtSweeperVol, ui_->txtFadePercent}) {
         TakeDigits(box, 0, QStringLiteral("."));
         ClampOnLeaving(box, 0, 100);

@@ -172,8 +172,10 @@ void frmAudioWallSetup::addRules() {
 void frmAudioWallSetup::addFilters() {
     for (QLineEdit* box :
          {ui_->txtNumberCarts, ui_->txtRecordTriggerLevel, ui_->txtFadeSeconds, ui_->txtHighlightFixedTime,
-          ui_->txtHighlightMultiple, ui_->txtAudiowallUpdateInterval, ui_->txtNumberCartGroups})
+          ui_->txtHighlightMultiple, ui_->txtAudiowallUpdateInterval, ui_->txtNumberCartGroups}) {
         TakeDigits(box, 9);
+        SetWidthInDigits(box, box == ui_->txtNumberCartGroups ? 3 : 6);
+    }
 }
 
 void frmAudioWallSetup::makeSamples() {

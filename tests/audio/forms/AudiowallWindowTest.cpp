@@ -1,6 +1,7 @@
 // The audiowall window, worked by mouse and keyboard.
 #include "SetupForm.h"
 
+#include "audio/forms/CartContrast.h"
 #include "audio/forms/CartView.h"
 #include "audio/forms/JumpGrid.h"
 #include "audio/forms/frmAudioWallSetup.h"
@@ -105,6 +106,7 @@ TEST_F(AudiowallWindow, ShowsEachChangeOnTheSamplesAtOnce) {
     const QImage circle = cart(0)->grab().toImage();
     press("chkDisplayCartHasAudioAsSquare");
     EXPECT_NE(cart(0)->grab().toImage(), circle);
+    EXPECT_TRUE(on<QLabel>("lblContrast")->isVisible());
     const int left = cart(2)->timesBar().left();
     choose("comboBevelWidth", 0);
     EXPECT_EQ(cart(2)->timesBar().left(), left - 3);
@@ -120,6 +122,32 @@ TEST_F(AudiowallWindow, TakesATextColourThatCanBeReadOnTheTimesBar) {
     press("OKB");
     EXPECT_EQ(value("Audio", "TimesBarColor"), "16777215");
     EXPECT_EQ(value("Audio", "TimesBarColorText"), "0");
+}
+
+TEST(CartContrast, NotesThePairsThatAreSeen) {
+    CartLooks looks; // red numbers, white on blue when selected
+    looks.emptyBack = 0xFFFFFF;
+    looks.emptyNumber = 0;
+    QPalette palette;
+    palette.setColor(QPalette::Button, Qt::white);
+    bool played = false;
+    const auto hard = [&] { return ColoursHardToRead(looks, played, palette).join(u'|'); };
+    EXPECT_EQ(hard(), "the number of the highlighted cart (2.9 to 1)"); // 2.98
+    looks.selectedText = looks.selectedBack;
+    EXPECT_TRUE(hard().startsWith("the highlighted text (1.0 to 1)|"));
+    looks.selectedPushedIn = true;
+    EXPECT_EQ(hard(), "");
+    looks.timesBarText = looks.timesBar;
+    EXPECT_EQ(hard(), "the times bar (1.0 to 1)");
+    looks.timesBarInColour = false;
+    looks.playedRecently = 0xFFFFFF;
+    EXPECT_EQ(hard(), "");
+    played = true;
+    EXPECT_EQ(hard(), "the highlight of played carts (1.0 to 1)");
+    played = false;
+    looks.number = looks.emptyNumber = looks.emptyFore = 0xFFFFFF;
+    EXPECT_EQ(hard(), "the number of a usual cart (1.0 to 1)|the text of an empty cart (1.0 to 1)|"
+                      "the number of an empty cart (1.0 to 1)");
 }
 
 TEST_F(AudiowallWindow, SizesTheSmallestCart) {
@@ -210,6 +238,18 @@ TEST_F(AudiowallWindow, KeepsAFontThatIsNotInstalledAndTakesAnother) {
     press("OKB");
     EXPECT_EQ(value("Audio", "CartFontName"), "DejaVu Sans");
     EXPECT_EQ(value("Audio", "CartFontSize"), "14");
+}
+
+TEST_F(AudiowallWindow, PaintsAHugeBevelAndFontSmallerAndKeepsThem) {
+    settings.CartBevelWidth = 500;
+    settings.CartFontSize = 300;
+    open();
+    tab(3);
+    EXPECT_GT(cart(0)->timesBar().top(), cart(0)->height() / 3);
+    EXPECT_EQ(painted(0, cart(0)->timesBar().topLeft() + QPoint(2, 2)), QColor(0, 0, 0xC0));
+    press("OKB");
+    EXPECT_EQ(value("AudioWall", "CartBevelWidth"), "500");
+    EXPECT_EQ(value("Audio", "CartFontSize"), "300");
 }
 
 TEST_F(AudiowallWindow, EnablesWhatIsOnAndRefusesAtTheField) {
