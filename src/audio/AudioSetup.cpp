@@ -185,8 +185,8 @@ AudiowallKeys keysOf(const AudioSetup& setup, const Settings& before) {
     return keys;
 }
 
-// Writes the files and takes `next` into the settings, once it is stored. What the user changed in
-// Audwall.ini is tried before the local file is written.
+// Writes the files and takes `next` into the settings, once it is stored. Where the user changed something in
+// Audwall.ini, that file is checked before the local one is written.
 SetupOutcome writeFiles(const AudioSetup& setup, Settings& next, Settings& settings) {
     std::optional<AudiowallKeys> keys;
     if (!next.CartPartTable[1].Location.trimmed().isEmpty())
