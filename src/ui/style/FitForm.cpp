@@ -1,6 +1,7 @@
 #include "ui/style/FitForm.h"
 
 #include "ui/style/ScrollPage.h"
+#include "ui/style/Style.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -23,6 +24,16 @@ QSize roomFor(const QWidget* form) {
         if (const QWindow* handle = window->windowHandle(); handle && window->isVisible())
             frame = qMax(frame, handle->frameMargins().top() + handle->frameMargins().bottom());
     return form->screen()->availableSize() - QSize(0, frame);
+}
+
+// The width of a tab strip while the mark of an error stands in one of its tabs.
+int markedWidth(QTabBar* bar) {
+    constexpr int edgeOfFocus = 2; // a tab with the focus is so much wider
+    const QIcon before = bar->tabIcon(0);
+    bar->setTabIcon(0, LineIcon(QStringLiteral("exclamation"), &Tokens::error));
+    const int width = bar->sizeHint().width();
+    bar->setTabIcon(0, before);
+    return width + edgeOfFocus;
 }
 
 class Grower : public QObject {
@@ -82,7 +93,7 @@ void FitForm(QWidget* form) {
     size = size.expandedTo(form->sizeHint()).expandedTo(form->minimumSizeHint());
     for (const QTabWidget* tabs : form->findChildren<QTabWidget*>()) {
         const QMargins margins = form->layout() ? form->layout()->contentsMargins() : QMargins();
-        const int bar = tabs->tabBar()->sizeHint().width();
+        const int bar = markedWidth(tabs->tabBar());
         size.setWidth(qMax(size.width(), bar + margins.left() + margins.right()));
     }
     size.setWidth(qMin(size.width(), screen.width()));

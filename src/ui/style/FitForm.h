@@ -1,4 +1,5 @@
-// The size of a form: what its texts ask for at the text size in force, up to what the screen has room for.
+// The size of a form: what its texts and an error mark in its tabs ask for at the text size in force, up to
+// what the screen has room for.
 // (Qt by itself stops at two thirds of the screen and forgets texts that wrap.)
 #pragma once
 
