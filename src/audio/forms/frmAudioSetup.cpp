@@ -13,6 +13,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/style/Colours.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -96,6 +97,7 @@ frmAudioSetup::frmAudioSetup(Settings& settings, QWidget* parent)
     , watch_([this] { refreshDevices(); }) {
     ui_->setupUi(this);
     EnterForm(this);
+    KeepFitted(this);
     ui_->tbsAudio->setCurrentIndex(0);
     fillLists();
     bindFields();

@@ -6,6 +6,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/style/Colours.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -95,6 +96,7 @@ frmAudioWallSetup::frmAudioWallSetup(Settings& settings, QWidget* parent)
     , binding_(this) {
     ui_->setupUi(this);
     EnterForm(this);
+    KeepFitted(this);
     fillLists();
     binding_.bind(setup_, fields);
     binding_.bind(setup_.looks, lookFields);
