@@ -109,9 +109,9 @@ TEST_F(DeviceIdentities, OfARecordingDeviceThatIsGoneAreToldUnderTheNumberThatLo
 TEST_F(DeviceIdentities, PassOverAFileThatIsDamaged) {
     QFile file(machine.path() + "/audiodevices.txt");
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray("x\ty\n\0\xff\t\t\t\t\t\t\nC:\\WINDOWS\\TOLVEX.INI\tplayer\t99\t1\t\tq\tBad\n"
-                          "C:\\WINDOWS\\TOLVEX.INI\tplayer\t1\t1\t\tq\tGood\n",
-                          98));
+    const char damaged[] = "x\ty\n\0\xff\t\t\t\t\t\t\nC:\\WINDOWS\\TOLVEX.INI\tplayer\t99\t1\t\tq\tBad\n"
+                           "C:\\WINDOWS\\TOLVEX.INI\tplayer\t1\t1\t\tq\tGood\n";
+    file.write(damaged, sizeof damaged - 1);
     file.close();
     EXPECT_EQ(texts(), QStringList("Player 1 was 'Good', which is not there now; number 0 is now 'Twin'"));
 }

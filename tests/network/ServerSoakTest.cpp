@@ -118,7 +118,9 @@ TEST(ServerSoak, HostilePeersLeaveNothingBehind) {
     for (std::thread& peer : peers)
         peer.join(); // each gives up by its own time limits
     EXPECT_GT(connects, 0);
+#ifndef __SANITIZE_ADDRESS__ // it keeps freed memory for a while, and looks for leaks by itself
     EXPECT_LT(grown, 4096) << "kilobytes more than after the first fifth";
+#endif
     EXPECT_TRUE(waitFor([&] { return !control.isConnected() && openSockets() <= socketsBefore; }))
         << openSockets();
     QTcpSocket friendly;

@@ -38,7 +38,7 @@ struct Index {
 
 struct Table {
     const char* name;
-    std::vector<Field> fields;
+    std::vector<Field> fields;  // at least one
     std::vector<Index> indexes; // the first is "Main"
 };
 

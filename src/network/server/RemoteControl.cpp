@@ -5,6 +5,7 @@
 #include "platform/process/Holders.h"
 
 #include <QHostInfo>
+#include <QPointer>
 #include <QTcpSocket>
 
 namespace tolvex {
@@ -168,14 +169,17 @@ void RemoteControl::accept(QTcpSocket* socket) {
 void RemoteControl::lookUpName() {
     if (!peer_)
         return;
-    lookUp_ = QHostInfo::lookupHost(address_, &server_, [this](const QHostInfo& host) {
-        if (host.lookupId() != lookUp_)
-            return;
-        lookUp_ = -1;
-        if (!host.hostName().isEmpty())
-            name_ = host.hostName();
-        statusChanged();
-    });
+    // Qt 6.4 leaks the function of a look-up whose receiver goes first, so this one stays.
+    static auto* const receiver = new QObject;
+    lookUp_ =
+        QHostInfo::lookupHost(address_, receiver, [this, server = QPointer(&server_)](const QHostInfo& host) {
+            if (!server || host.lookupId() != lookUp_)
+                return;
+            lookUp_ = -1;
+            if (!host.hostName().isEmpty())
+                name_ = host.hostName();
+            statusChanged();
+        });
 }
 
 // Drops the peer, and with it what it sent and nobody performed.

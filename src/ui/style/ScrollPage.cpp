@@ -14,6 +14,11 @@ ScrollPage::ScrollPage(QWidget* parent)
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { follow(now); });
 }
 
+// The focus moves on while the content is destroyed, when this is only a QWidget any more.
+ScrollPage::~ScrollPage() {
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void ScrollPage::follow(QWidget* focus) {
     if (focus && widget() && widget()->isAncestorOf(focus) && isVisible())
         ensureWidgetVisible(focus, 0, 8);

@@ -11,6 +11,7 @@ class ScrollPage : public QScrollArea {
 
 public:
     explicit ScrollPage(QWidget* parent = nullptr);
+    ~ScrollPage() override;
     QSize sizeHint() const override;
     // What the content needs at a width; counts once followContent was called.
     int heightForWidth(int width) const override;
