@@ -98,6 +98,12 @@ void makeStation() {
     write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"), ini);
     write(QStringLiteral("C:\\TOLVEX\\SYSTEM\\Terminal.Lst"), terminals());
     write(QStringLiteral("C:\\WINDOWS\\studio2.ini"), "[General]\r\nConfigName=Studio 2, news\r\n");
+    write(QStringLiteral("C:\\TOLVEX\\AUDIO\\Audwall.ini"),
+          "[CDDB]\r\nAllowCDDB=1\r\nEmailAddress=engineer@station.example\r\n");
+    write(QStringLiteral("C:\\TOLVEX\\SYSTEM\\TLVX_SYS.INI"),
+          "[OPALTransfers]\r\nDirectory=C:\\TOLVEX\\OPAL\r\nDefault=News desk\r\n");
+    for (const char* list : {"News desk", "Sister station", "Sport"})
+        write(QStringLiteral("C:\\TOLVEX\\OPAL\\%1.OTL").arg(QLatin1String(list)), {});
     for (const char* name : {"C:\\TOLVEX\\SYSTEM", "C:\\TOLVEX\\AUDIO"})
         QDir().mkpath(platform::HostPath(QString::fromLatin1(name)));
     write(QStringLiteral("C:\\notes.rtf"), "{\\rtf1{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset2 "
@@ -257,6 +263,8 @@ int main(int argc, char** argv) {
     FitForm(&clock);
     save(clock, "radioclocktest");
     saveForm(station, "frmLinkMeshSetup", "linkmesh");
+    saveForm(station, "frmOpalSetup", "transfers");
+    saveForm(station, "frmRippingSettings", "ripping");
     saveCommands(station);
     for (int card = 0; card < HardwareCardCount; ++card) {
         const std::unique_ptr<QDialog> hardware(

@@ -2,6 +2,7 @@
 
 #include "audio/DeviceIdentity.h"
 #include "audio/WaveSearch.h"
+#include "audio/transfers/TransferSetup.h"
 #include "station/CheckConfiguration.h"
 #include "station/Workstation.h"
 
@@ -47,6 +48,8 @@ WorkstationGlance LookAtWorkstation(Workstation& station) {
     }
     for (const QString& moved : MovedDeviceTexts(s))
         glance.toDo.append({moved, QStringLiteral("cmdAudioSetup")});
+    if (const QString fault = TransferFault(s); !fault.isEmpty())
+        glance.toDo.append({fault, QStringLiteral("cmdOPAL")});
     int open = 0;
     for (int part = 1; part <= CartPartCount; ++part)
         open += s.CartPartTable[part].IsOpen ? 1 : 0;

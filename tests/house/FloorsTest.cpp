@@ -54,7 +54,7 @@ const std::map<std::string, std::map<std::string, int>> rooms = {
     {"ui", {{"style", 0}, {"binding", 1}, {"forms", 1}, {"help", 1}, {"richtext", 1}}},
     {"databases",
      {{"store", 0}, {"jet", 1}, {"odbc", 2}, {"compaction", 2}, {"suite", 3}, {"users", 4}, {"forms", 5}}},
-    {"audio", {{"devices", 0}, {"", 0}, {"search", 1}, {"forms", 2}}},
+    {"audio", {{"devices", 0}, {"", 0}, {"search", 1}, {"ripping", 1}, {"transfers", 1}, {"forms", 2}}},
     {"network", {{"", 0}, {"commands", 1}, {"clock", 1}, {"server", 2}, {"forms", 3}}},
     {"hardware", {{"", 0}, {"forms", 1}}},
     {"automation", {{"", 0}, {"forms", 1}}},

@@ -8,12 +8,12 @@ const CommandRows& AllCommands() {
     static const CommandRows all = [] {
         CommandRows rows;
         for (CommandRows (*subject)() :
-             {StatusCommands,    SettingsCommands,   ProfileCommands,       RegistryCommands,
-              SetsCommands,      CartCommands,       AudioCommands,         AudioSetupCommands,
-              AudiowallCommands, AutomationCommands, SuiteDatabaseCommands, DatabaseFileCommands,
-              EngineCommands,    UsersCommands,      HardwareCommands,      AutoConfigCommands,
-              TerminalCommands,  CommandCommands,    PortCommands,          ServeCommands,
-              ClockCommands,     ReportCommands}) {
+             {StatusCommands,        SettingsCommands,     ProfileCommands,  RegistryCommands,
+              SetsCommands,          CartCommands,         AudioCommands,    AudioSetupCommands,
+              AudiowallCommands,     RippingCommands,      TransferCommands, AutomationCommands,
+              SuiteDatabaseCommands, DatabaseFileCommands, EngineCommands,   UsersCommands,
+              HardwareCommands,      AutoConfigCommands,   TerminalCommands, CommandCommands,
+              PortCommands,          ServeCommands,        ClockCommands,    ReportCommands}) {
             const CommandRows more = subject();
             rows.insert(rows.end(), more.begin(), more.end());
         }

@@ -16,6 +16,8 @@ CommandRows CartCommands();
 CommandRows AudioCommands();
 CommandRows AudioSetupCommands();
 CommandRows AudiowallCommands();
+CommandRows RippingCommands();
+CommandRows TransferCommands();
 CommandRows SuiteDatabaseCommands();
 CommandRows EngineCommands();
 CommandRows UsersCommands();

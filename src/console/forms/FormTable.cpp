@@ -2,12 +2,16 @@
 
 #include "audio/forms/frmAudioSetup.h"
 #include "audio/forms/frmAudioWallSetup.h"
+#include "audio/forms/frmOpalSetup.h"
+#include "audio/forms/frmRippingSettings.h"
 #include "automation/forms/frmKOVASetup.h"
 #include "console/AutoConfiguration.h"
 #include "console/forms/CompactDatabase.h"
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
+#include "core/settings/SettingsLoader.h"
+#include "core/settings/StoredSettings.h"
 #include "hardware/forms/frmHardwareSettings.h"
 #include "network/forms/frmCommandSetup.h"
 #include "network/forms/frmLinkMeshSetup.h"
@@ -68,6 +72,19 @@ const Row rows[] = {
     {"frmLinkMeshSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {
          return new frmLinkMeshSetup(station.terminals, station.settings, owner);
+     }},
+    {"frmRippingSettings",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         return new frmRippingSettings(station.settings, owner);
+     }},
+    {"frmOpalSetup",
+     [](Workstation& station, QWidget* owner) -> QDialog* {
+         const QString file = FilesInForce(station.settings).system;
+         auto* form = new frmOpalSetup(owner);
+         form->setIniFile(file);
+         QObject::connect(form, &QDialog::accepted, form,
+                          [&station, file] { LoadRows(TransferRows, {file}, station.settings); });
+         return form;
      }},
     {"frmKOVASetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {

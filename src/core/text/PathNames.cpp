@@ -66,4 +66,14 @@ QString LocationFault(const QString& path) {
     return {};
 }
 
+QString FileNameFault(const QString& name) {
+    if (name.trimmed().isEmpty() || name.endsWith(u' ') || name.endsWith(u'.'))
+        return QStringLiteral("A file name cannot be empty or end with a blank or a full stop");
+    if (!platform::IsValidName(name))
+        return QStringLiteral("A file name cannot hold any of \\ / : * ? \" < > |");
+    if (isDeviceName(name))
+        return QStringLiteral("\"%1\" is the name of a device").arg(name.section(u'.', 0, 0));
+    return {};
+}
+
 } // namespace tolvex

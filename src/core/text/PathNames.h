@@ -28,4 +28,7 @@ QString TidyLocation(const QString& path);
 // location may be empty; its names must be names that the file system allows.
 QString LocationFault(const QString& path);
 
+// Why the file system takes no file of that name, a sentence without its full stop; empty when it does.
+QString FileNameFault(const QString& name);
+
 } // namespace tolvex

@@ -1,20 +1,11 @@
 #include "databases/suite/DatabaseNames.h"
 
+#include "core/text/PathNames.h"
 #include "databases/suite/DatabaseFiles.h"
 #include "databases/suite/DatabaseInformation.h"
 #include "platform/files/Files.h"
 
 namespace tolvex {
-
-QString FileNameFault(const QString& name) {
-    static const QString forbidden = QStringLiteral("\\/:*?\"<>|");
-    for (const QChar each : name)
-        if (forbidden.contains(each) || each < u' ')
-            return QStringLiteral("A file name cannot hold any of \\ / : * ? \" < > |");
-    if (name.trimmed().isEmpty() || name.endsWith(u' ') || name.endsWith(u'.'))
-        return QStringLiteral("A file name cannot be empty or end with a blank or a full stop");
-    return {};
-}
 
 QString DatabaseNameFault(const QString& name) {
     if (name.contains(u'\\') || name.contains(u'.'))

@@ -9,8 +9,6 @@ namespace tolvex {
 
 // Why a name cannot be given to a new database, a sentence; empty when it can.
 QString DatabaseNameFault(const QString& name);
-// Why the file system takes no file of that name, a sentence; empty when it does.
-QString FileNameFault(const QString& name);
 
 // The file name that a database is renamed to: with ".MDB" unless there is a point in it.
 QString RenamedDatabase(const QString& given);

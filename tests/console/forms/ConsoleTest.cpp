@@ -388,6 +388,41 @@ TEST(Console, OptionsAreStoredAndTheirDefaultLeavesNothing) {
     EXPECT_FALSE(platform::RegistryRead(platform::LocalMachineHive, OptionsKey, "MultiConfigFile"));
 }
 
+// The two windows of settings that workstations share: what OK stored is in force, and what is missing leads
+// to its window.
+TEST(Console, OpensRippingAndTransfers) {
+    Console console;
+    console.machine.write("C:\\DATA\\TLVX_SYS.INI", "[OPALTransfers]\r\nDirectory=C:\\LISTS\r\n");
+    ASSERT_TRUE(console.start());
+    EXPECT_EQ(find<JobTile>(console.form, "cmdOPAL")->accessibleDescription(),
+              "The folder of the transport lists could not be found");
+    find<QTabWidget>(console.form, "tbsConfig")->setCurrentIndex(1);
+    withNextForm([](QWidget& form) {
+        EXPECT_EQ(form.windowTitle(), "Opal Transfer Setup");
+        click(form, "chkAllowOPAL");
+        click(form, "cmdOK");
+    });
+    click(console.form, "cmdOPAL");
+    EXPECT_EQ(console.machine.read("C:\\DATA\\TLVX_SYS.INI"), "");
+    EXPECT_EQ(console.settings.OPALDirectory, "");
+    EXPECT_EQ(find<JobTile>(console.form, "cmdOPAL")->accessibleDescription(), "Transfers between stations");
+
+    withNextForm([](QWidget& form) {
+        EXPECT_EQ(form.windowTitle(), "CD Ripping Settings");
+        click(form, "chkAskFirst");
+        click(form, "Command1");
+    });
+    QTest::keyClick(&console.form, Qt::Key_R);
+    EXPECT_NE(console.settings.AskBeforeProcess, 0);
+    EXPECT_TRUE(console.machine.read("C:\\WALL\\Audwall.ini").contains("AskBeforeProcess=1\r\n"));
+    // Without a first location there is no file: the console says so and opens nothing.
+    console.settings.CartPartTable[1].Location.clear();
+    console.prompts.forget();
+    click(console.form, "cmdCDRipping");
+    EXPECT_EQ(console.prompts.texts(),
+              QStringList{"You must set the first Cart Location (in File Locations) first"});
+}
+
 TEST(Console, ChecksComeBeforeFormsWithTheirOwnMessages) {
     Station station;
     EXPECT_FALSE(CheckHolds(JobCheck::DataLocationSet, station.settings));

@@ -70,8 +70,9 @@ protected:
 
 TEST_P(TextSize, LeavesEveryTextItsRoom) {
     Station station(configuredIni());
-    for (const char* name : {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup", "frmAudioSetup",
-                             "frmAudioWallSetup", "frmKOVASetup", "frmLinkMeshSetup", "frmCommandSetup"}) {
+    for (const char* name :
+         {"frmFileLocations", "frmDisplayOptions", "frmDateTimeSetup", "frmAudioSetup", "frmAudioWallSetup",
+          "frmKOVASetup", "frmLinkMeshSetup", "frmCommandSetup", "frmOpalSetup", "frmRippingSettings"}) {
         const std::unique_ptr<QDialog> form(MakeForm(name, station.workstation, nullptr));
         expectNothingCut(*form);
     }
