@@ -89,7 +89,7 @@ TEST_F(TransferSetupTest, KeepsItsOtherStoreInTheRegistry) {
     EXPECT_FALSE(platform::RegistryRead(LocalMachineHive, Key, "Default"));
     EXPECT_TRUE(platform::RegistryRead(LocalMachineHive, Key, "PromptDeleteAfterSend")); // as told
     setup.allow = true;
-    EXPECT_TRUE(store({{}, 0x80000001u, Key}).message.contains("registry did not take"));
+    EXPECT_TRUE(store({{}, 5U, Key}).message.contains("registry did not take"));
 }
 
 TEST_F(TransferSetupTest, OverwritesNothingThatAnotherWorkstationStoredMeanwhile) {

@@ -4,6 +4,7 @@
 #include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
 #include "platform/Prompts.h"
+#include "platform/SteadyTime.h"
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/forms/frmGoodInputBox.h"
@@ -20,7 +21,9 @@ namespace tolvex {
 namespace {
 
 // Other programs make and delete lists while the form is open.
-constexpr int refreshMilliseconds = 2000;
+constexpr std::chrono::milliseconds usualRefresh{2000};
+// A share that answers late holds the window up for at most a tenth of the time.
+constexpr int restAfterALook = 10;
 
 const BoundField<TransferSetup> fields[] = {
     Bound<&TransferSetup::allow>("chkAllowOPAL"),
@@ -51,7 +54,7 @@ frmOpalSetup::frmOpalSetup(QWidget* parent)
     connect(ui_->cmdOK, &QPushButton::clicked, this, &frmOpalSetup::ok);
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(&refresh_, &QTimer::timeout, this, &frmOpalSetup::refresh);
-    refresh_.start(refreshMilliseconds);
+    refresh_.start(usualRefresh);
     showSetup();
 }
 
@@ -92,6 +95,7 @@ void frmOpalSetup::showSetup() {
 
 // Looks at the folder again: lists come and go, and so does the folder.
 void frmOpalSetup::refresh() {
+    const auto begun = platform::SteadyTime();
     if (setup_.directory = ui_->lblDirectory->text(); setup_.directory != listed_)
         listNames({});
     listed_ = setup_.directory;
@@ -99,6 +103,7 @@ void frmOpalSetup::refresh() {
     listNames(folderExists_ ? TransportLists(listed_, names_) : QStringList());
     showDefault();
     rules_->apply();
+    refresh_.setInterval(std::max(usualRefresh, restAfterALook * (platform::SteadyTime() - begun)));
 }
 
 // The selection stays on its list; where that is gone, it stays at its place.

@@ -229,7 +229,7 @@ constexpr SettingRow transfer[] = {
     Text<&Settings::OPALDefault>("OPALTransfers", "Default", "",
                                  "Name of the default transport list, without folder and extension.")
         .readInto(1024)
-        .setIn(TransferSetup, "lblDefault"),
+        .setIn(TransferSetup, "listFiles"),
     Flag<&Settings::PromptDeleteAfterSend>("OPALTransfers", "PromptDeleteAfterSend", 0,
                                            "Ask whether a cart should be deleted after it was sent.")
         .withoutSign()
