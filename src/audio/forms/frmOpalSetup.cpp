@@ -41,7 +41,9 @@ frmOpalSetup::frmOpalSetup(QWidget* parent)
     ui_->setupUi(this);
     EnterForm(this);
     ui_->listFiles->setStyleSheet(
-        QStringLiteral("QListWidget:disabled { background: %1; }").arg(tokens().background.name()));
+        QStringLiteral("QListWidget:disabled { background: %1; color: %2; selection-background-color: %3; "
+                       "selection-color: %2; }")
+            .arg(tokens().background.name(), tokens().quiet.name(), tokens().line.name()));
     ui_->listFiles->installEventFilter(this);
     binding_.bind(setup_, fields);
     addRules();
@@ -84,6 +86,8 @@ void frmOpalSetup::addRules() {
                 QStringLiteral("Tick \"Transfer items to other systems\" first."), IsOn("chkAllowOPAL")},
                {QStringLiteral("cmdAdd listFiles lblDefault lblDefaultDesc cmdDelete cmdDefault"),
                 QStringLiteral("Choose a folder that is there first."), folderExists},
+               {QStringLiteral("lblDirectory"), QStringLiteral("\"Browse...\" chooses the folder."),
+                [](const FormView&) { return false; }, EnableRule::Effect::Locks},
                {QStringLiteral("cmdDelete cmdDefault"), QStringLiteral("Select a transport list first."),
                 [this](const FormView&) { return !selected().isEmpty(); }}});
 }

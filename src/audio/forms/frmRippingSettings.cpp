@@ -15,6 +15,7 @@ namespace {
 
 constexpr int longestNumber = 9; // digits
 constexpr qint32 highestPort = 65535;
+constexpr int linesOfAnAnswer = 2;
 
 const BoundField<RippingSetup> fields[] = {
     Bound<&RippingSetup::askFirst>("chkAskFirst"),
@@ -47,6 +48,7 @@ frmRippingSettings::frmRippingSettings(Settings& settings, QWidget* parent)
         SetWidthInDigits(box, 5);
     }
     SelectAllOnFocus(ui_->txtCDDBEmailAddress);
+    ui_->lblServerState->setMinimumHeight(linesOfAnAnswer * fontMetrics().lineSpacing());
     binding_.bind(setup_, fields);
     binding_.fill();
     addRules();

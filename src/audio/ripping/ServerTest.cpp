@@ -11,7 +11,7 @@ namespace {
 
 // A server that sends more without a line end is none of CD titles.
 constexpr qsizetype longestGreeting = 1000; // bytes
-constexpr qsizetype longestShown = 120;     // characters of it
+constexpr qsizetype longestShown = 80;      // characters of it
 
 // The codes with which a server turns clients away.
 struct RefusalRow {

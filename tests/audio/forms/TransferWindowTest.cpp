@@ -104,6 +104,8 @@ TEST_F(TransferWindow, TurnsTransfersOnWithAFolderAndADefault) {
 TEST_F(TransferWindow, AddsAndDeletesLists) {
     makeLists({"Night"});
     openOn(used + "PromptForDestinationCart=-1\r\n");
+    type("lblDirectory", "X"); // the folder is chosen, not typed
+    EXPECT_EQ(text("lblDirectory"), "D:\\LISTS");
     add("Day");
     EXPECT_EQ(lists(), (QStringList{"Day", "Night"}));
     EXPECT_EQ(selected(), "Day");
