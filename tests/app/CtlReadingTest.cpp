@@ -124,6 +124,9 @@ const Reading readings[] = {
     {{"audio", "test", "9"}, 2},               // no such player
     {{"audio", "level", "--seconds", "0"}, 2}, // no time to measure
     {{"audiowall", "show"}, 0},
+    {{"ripping", "show"}, 0},
+    {{"transfers", "show"}, 0},
+    {{"transfers", "list"}, 1}, // transfers are off
     {{"users", "list"}, 0},
     {{"users", "groups"}, 0},
     {{"users", "history"}, 0},

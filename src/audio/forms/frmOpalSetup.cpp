@@ -8,6 +8,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/forms/frmGoodInputBox.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui_frmOpalSetup.h"
@@ -47,6 +48,7 @@ frmOpalSetup::frmOpalSetup(QWidget* parent)
     ui_->listFiles->installEventFilter(this);
     binding_.bind(setup_, fields);
     addRules();
+    KeepFitted(this);
     connect(ui_->lblDirectory, &QLineEdit::textChanged, this, &frmOpalSetup::refresh);
     connect(ui_->listFiles, &QListWidget::itemSelectionChanged, this, [this] { rules_->apply(); });
     connect(ui_->cmdBrowse, &QPushButton::clicked, this, &frmOpalSetup::browse);

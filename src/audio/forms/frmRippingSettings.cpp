@@ -4,6 +4,7 @@
 #include "platform/Prompts.h"
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
+#include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
@@ -15,7 +16,6 @@ namespace {
 
 constexpr int longestNumber = 9; // digits
 constexpr qint32 highestPort = 65535;
-constexpr int linesOfAnAnswer = 2;
 
 const BoundField<RippingSetup> fields[] = {
     Bound<&RippingSetup::askFirst>("chkAskFirst"),
@@ -48,7 +48,7 @@ frmRippingSettings::frmRippingSettings(Settings& settings, QWidget* parent)
         SetWidthInDigits(box, 5);
     }
     SelectAllOnFocus(ui_->txtCDDBEmailAddress);
-    ui_->lblServerState->setMinimumHeight(linesOfAnAnswer * fontMetrics().lineSpacing());
+    KeepFitted(this);
     binding_.bind(setup_, fields);
     binding_.fill();
     addRules();

@@ -225,6 +225,39 @@ const FormCase cases[] = {
          auto* lines = find<QTableView>(*tabs->widget(0), "gridUsage")->model();
          EXPECT_EQ(lines->index(1, 3).data(), "Red lamp");
      }},
+    {"cmdOPAL",
+     "cmdOK",
+     [](QWidget& form) {
+         click(form, "chkAllowOPAL");
+         withNextForm([](QWidget& chooser) {
+             auto* path = find<QLineEdit>(chooser, "fileNameEdit");
+             path->setText(platform::HostPath("C:\\WALL"));
+             QTest::keyClick(path, Qt::Key_Return);
+         });
+         click(form, "cmdBrowse");
+         click(form, "chkDeleteAfterSend");
+     },
+     {}, // it stores in the station's file
+     {},
+     {},
+     [](QWidget& form) {
+         EXPECT_EQ(find<QLineEdit>(form, "lblDirectory")->text(), "C:\\WALL");
+         EXPECT_TRUE(find<QCheckBox>(form, "chkDeleteAfterSend")->isChecked());
+     }},
+    {"cmdCDRipping",
+     "Command1",
+     [](QWidget& form) {
+         click(form, "chkAskFirst");
+         click(form, "chkAllowCDDB");
+         typeInto(form, "txtCDDBEmailAddress", "a@b.c");
+     },
+     {}, // it stores beside the audio
+     {},
+     {},
+     [](QWidget& form) {
+         EXPECT_TRUE(find<QCheckBox>(form, "chkAskFirst")->isChecked());
+         EXPECT_EQ(find<QLineEdit>(form, "txtCDDBEmailAddress")->text(), "a@b.c");
+     }},
     {"cmdCommands",
      "cmdClose",
      [](QWidget& form) {
