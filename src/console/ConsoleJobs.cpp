@@ -64,7 +64,8 @@ struct OtherForm {
 constexpr OtherForm otherForms[] = {
     {"frmRadioClockTest", 180}, {"frmCommandDetails", 230}, {"frmLinkMeshServer", 231},
     {"frmMultiConfig", 500},    {"frmPrintPreview", 510},   {"frmKOVADatabaseSettings", 520},
-    {"frmChooseDatabase", 530},
+    {"frmChooseDatabase", 530}, {"frmFindCart", 540},       {"frmCartDetails", 540},
+    {"frmJumpToCart", 541},
 };
 
 } // namespace

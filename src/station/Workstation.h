@@ -3,6 +3,7 @@
 // member that they work on.
 #pragma once
 
+#include "audio/CartPicking.h"
 #include "audio/CartStore.h"
 #include "automation/AutomationSettings.h"
 #include "core/report/DebugLog.h"
@@ -19,6 +20,7 @@ struct Workstation {
     Settings settings;
     HardwareCardTable cards;
     CartStore carts{settings}; // with the hotlist
+    CartPicking picking;
     TerminalList terminals{settings};
     UsersState users{settings};
     KOVADatabaseSettings automation; // of the database that was loaded last

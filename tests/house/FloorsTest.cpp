@@ -51,7 +51,7 @@ const std::map<std::string, std::map<std::string, int>> rooms = {
       {"devices", 5},
       {"posix", 6}}},
     {"core", {{"text", 0}, {"time", 1}, {"system", 1}, {"settings", 2}, {"report", 3}, {"exchange", 4}}},
-    {"ui", {{"style", 0}, {"binding", 1}, {"forms", 1}, {"help", 1}, {"richtext", 1}}},
+    {"ui", {{"style", 0}, {"animation", 1}, {"binding", 1}, {"forms", 1}, {"help", 1}, {"richtext", 1}}},
     {"databases",
      {{"store", 0}, {"jet", 1}, {"odbc", 2}, {"compaction", 2}, {"suite", 3}, {"users", 4}, {"forms", 5}}},
     {"audio", {{"devices", 0}, {"", 0}, {"search", 1}, {"ripping", 1}, {"transfers", 1}, {"forms", 2}}},

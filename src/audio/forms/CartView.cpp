@@ -50,6 +50,11 @@ void CartView::setLooks(const CartLooks& looks) {
     update();
 }
 
+void CartView::setExtro(bool shown) {
+    extro_ = shown;
+    update();
+}
+
 // Whether the cart is selected and its colours show it.
 bool CartView::shownByColour() const {
     return face_.state == CartFace::State::Selected && !looks_.selectedPushedIn;
@@ -136,6 +141,9 @@ void CartView::paintEvent(QPaintEvent*) {
             painter.fillRect(bar, ToColor(looks_.timesBar, palette()));
         painter.setPen(looks_.timesBarInColour ? ToColor(looks_.timesBarText, palette()) : fore);
         painter.drawText(bar.adjusted(4, 0, -4, 0), Qt::AlignRight | Qt::AlignVCenter, timeText());
+        if (extro_)
+            painter.drawText(bar.adjusted(4, 0, -4, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                             QStringLiteral("E"));
     }
     const int top = inner.top() + line;
     const QRect middle(inner.left(), top, inner.width(), (empty ? inner.bottom() : bar.top()) - top);

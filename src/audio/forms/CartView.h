@@ -29,6 +29,9 @@ public:
 
     void setFace(const CartFace& face);
     void setLooks(const CartLooks& looks);
+    // Whether the times bar has the mark of the extro display at its left end.
+    void setExtro(bool shown);
+    bool extro() const { return extro_; }
     const CartFace& face() const { return face_; }
 
     // The ground and the text of the cart as they are painted.
@@ -48,6 +51,7 @@ private:
 
     CartFace face_;
     CartLooks looks_;
+    bool extro_ = false;
 };
 
 } // namespace tolvex

@@ -5,6 +5,7 @@
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
 
+#include <QAction>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -82,9 +83,53 @@ void JumpGrid::finishEntry() {
     closeEntry(true);
 }
 
+void JumpGrid::offerPickers() {
+    const struct {
+        const char* name;
+        const char* icon;
+        const char* tip;
+        QKeySequence keys;
+        void (JumpGrid::*wanted)(qint32 cart);
+    } all[] = {
+        {"actKeypad", "keypad", "Type the cart's number on a keypad (F4)", Qt::Key_F4,
+         &JumpGrid::keypadWanted},
+        {"actFindCart", "find", "Find a cart (Ctrl+F)", Qt::CTRL | Qt::Key_F, &JumpGrid::searchWanted}};
+    for (const auto& picker : all) {
+        auto* action = new QAction(LineIcon(QLatin1String(picker.icon)), QLatin1String(picker.tip), this);
+        action->setObjectName(QLatin1String(picker.name));
+        action->setShortcut(picker.keys);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        addAction(action);
+        connect(action, &QAction::triggered, this, [this, wanted = picker.wanted] { pick(wanted); });
+        pickers_ += action;
+    }
+}
+
+void JumpGrid::pick(void (JumpGrid::*wanted)(qint32 cart)) {
+    finishEntry();
+    if (!currentItem())
+        return;
+    pickedRow_ = currentRow();
+    emit(this->*wanted)(ToLong(LeadingNumber(item(pickedRow_, CartColumn)->text())));
+}
+
+void JumpGrid::JumpToCart(double cart) {
+    if (cart < 1 || pickedRow_ < 0 || pickedRow_ >= rowCount())
+        return;
+    finishEntry();
+    item(pickedRow_, CartColumn)->setText(QString::number(ToLong(cart)));
+    setCurrentCell(pickedRow_, CartColumn);
+    emit edited();
+}
+
 void JumpGrid::openEntry(int row, int column) {
     closeEntry(true);
     setCurrentCell(row, column);
+    for (QAction* picker : pickers_) {
+        entry_->removeAction(picker);
+        if (column == CartColumn)
+            entry_->addAction(picker, QLineEdit::TrailingPosition);
+    }
     entry_->setMaxLength(column == CartColumn ? 9 : LongestJumpDescription);
     entry_->setText(item(row, column)->text());
     entry_->setAccessibleName(

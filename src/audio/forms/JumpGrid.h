@@ -24,9 +24,18 @@ public:
     void setJumpCount(int count);
     // Stores the text of the entry box, if it is open.
     void finishEntry();
+    // Lets cart numbers be picked: in their cells there are two buttons, for the keypad (F4) and for the
+    // search (Ctrl+F).
+    void offerPickers();
+
+    // The answer of a picker: the number for the row that asked for it; 0 leaves it as it is.
+    Q_INVOKABLE void JumpToCart(double cart);
 
 signals:
     void edited();
+    // `cart`: the number that the row has now, or 0.
+    void keypadWanted(qint32 cart);
+    void searchWanted(qint32 cart);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -38,8 +47,11 @@ private:
     void closeEntry(bool store);
     void moveOn(int step);
     void placeEntry();
+    void pick(void (JumpGrid::*wanted)(qint32 cart));
 
     QLineEdit* entry_;
+    QList<QAction*> pickers_; // shown in cells of cart numbers
+    int pickedRow_ = -1;
 };
 
 } // namespace tolvex

@@ -1,6 +1,8 @@
 #include "audio/forms/frmAudioWallSetup.h"
 
 #include "audio/forms/CartContrast.h"
+#include "audio/forms/frmFindCart.h"
+#include "audio/forms/frmJumpToCart.h"
 #include "core/text/Numbers.h"
 #include "platform/Prompts.h"
 #include "ui/binding/EnableRules.h"
@@ -120,6 +122,25 @@ frmAudioWallSetup::frmAudioWallSetup(Settings& settings, QWidget* parent)
 }
 
 frmAudioWallSetup::~frmAudioWallSetup() = default;
+
+void frmAudioWallSetup::offerCarts(CartStore& carts, CartPicking& picking) {
+    JumpGrid* const grid = ui_->grdJumps;
+    auto* keypad = new frmJumpToCart(carts, picking, this);
+    auto* search = new frmFindCart(carts, picking, this);
+    grid->offerPickers();
+    connect(grid, &JumpGrid::keypadWanted, this, [grid, keypad](qint32 cart) {
+        keypad->setCaller(grid);
+        keypad->Tag = QString::number(cart);
+        FitForm(keypad);
+        keypad->open();
+    });
+    connect(grid, &JumpGrid::searchWanted, this, [grid, search](qint32 cart) {
+        search->setCaller(grid);
+        search->StartCart = cart;
+        FitForm(search);
+        search->open();
+    });
+}
 
 void frmAudioWallSetup::fillLists() {
     ui_->listInstantCarts->addItems(

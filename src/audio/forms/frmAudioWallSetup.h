@@ -17,6 +17,8 @@ class frmAudioWallSetup;
 namespace tolvex {
 
 class CartView;
+struct CartPicking;
+struct CartStore;
 
 class frmAudioWallSetup : public QDialog {
     Q_OBJECT
@@ -25,6 +27,9 @@ public:
     // The settings are those that were loaded just now.
     explicit frmAudioWallSetup(Settings& settings, QWidget* parent = nullptr);
     ~frmAudioWallSetup() override;
+
+    // Lets the carts of the jump buttons be picked from the audiowall. Both outlive the window.
+    void offerCarts(CartStore& carts, CartPicking& picking);
 
 protected:
     void showEvent(QShowEvent* event) override;

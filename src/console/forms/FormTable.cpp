@@ -7,6 +7,7 @@
 #include "automation/forms/frmKOVASetup.h"
 #include "console/AutoConfiguration.h"
 #include "console/forms/CompactDatabase.h"
+#include "console/forms/FindCart.h"
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
@@ -49,7 +50,9 @@ const Row rows[] = {
     {"frmAudioWallSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {
          LoadLocalSettings(station);
-         return new frmAudioWallSetup(station.settings, owner);
+         auto* form = new frmAudioWallSetup(station.settings, owner);
+         form->offerCarts(station.carts, station.picking);
+         return form;
      }},
     {"frmDisplayOptions",
      [](Workstation& station, QWidget* owner) -> QDialog* {
@@ -100,6 +103,7 @@ struct RoutineRow {
 constexpr RoutineRow routines[] = {
     {"CompactDatabase",
      [](Workstation& station, QWidget* console) { return CompactDatabase(station, console), false; }},
+    {"FindCart", [](Workstation& station, QWidget* console) { return FindCart(station, console), false; }},
     {"LocalSetup", [](Workstation& station, QWidget*) { return LocalSetup(station), false; }},
     {"LookForSetup", [](Workstation& station, QWidget*) { return LookForSetup(station); }},
     {"NetworkSetup", [](Workstation& station, QWidget*) { return NetworkSetup(station); }},

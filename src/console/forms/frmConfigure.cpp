@@ -31,6 +31,7 @@ namespace {
 
 const QString MultiConfigFile = QStringLiteral("MultiConfigFile");
 const QString LookForSetup = QStringLiteral("LookForSetup");
+const QString FindCart = QStringLiteral("FindCart");
 const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
 
 // A "Tolvex.ini" shorter than this is a machine that was never configured.
@@ -70,6 +71,7 @@ frmConfigure::frmConfigure(Workstation& station, QWidget* parent)
     }
     connect(ui_->mnuLookForSetup, &QAction::triggered, this,
             [this] { runRoutine(FindRoutine(LookForSetup)); });
+    connect(ui_->mnuFindCart, &QAction::triggered, this, [this] { runRoutine(FindRoutine(FindCart)); });
     connect(ui_->mnuExit, &QAction::triggered, this, &frmConfigure::exitCheck);
     connect(ui_->mnuAllowMulti, &QAction::triggered, this,
             [this] { toggleOption(ui_->mnuAllowMulti, MultiConfigFile); });
@@ -153,17 +155,20 @@ void frmConfigure::askFirstRun() {
 
 void frmConfigure::UpdateEnabledButtons() {
     const ConsoleState state = LookAtConsoleState(station_.settings);
+    const QString cartsNeeded =
+        QStringLiteral("The first Cart Location (in File Locations) is needed for this.");
+    ui_->mnuFindCart->setEnabled(state.firstCartLocationExists);
+    ui_->mnuFindCart->setToolTip(state.firstCartLocationExists ? QString() : cartsNeeded);
     for (const ConsoleJob& job : ConsoleJobs()) {
         JobTile* button = tile(job);
         const QString caption = QString::fromLatin1(job.caption).remove(u'&');
         const bool able = canStart(job);
         button->setEnabled(able && IsEnabled(job.enabling, state));
-        button->setToolTip(
-            !able                 ? notYet(caption)
-            : button->isEnabled() ? QString()
-            : job.enabling == JobEnabling::FirstCartLocationExists
-                ? QStringLiteral("The first Cart Location (in File Locations) is needed for this.")
-                : QStringLiteral("The Data Location (in File Locations) is needed for this."));
+        button->setToolTip(!able                 ? notYet(caption)
+                           : button->isEnabled() ? QString()
+                           : job.enabling == JobEnabling::FirstCartLocationExists
+                               ? cartsNeeded
+                               : QStringLiteral("The Data Location (in File Locations) is needed for this."));
     }
     for (const MenuRow& row : menuRows) {
         const ConsoleJob* job = FindConsoleJob(QString::fromLatin1(row.control));
