@@ -1,7 +1,10 @@
 // Sets up a station in the machine folder and saves a picture of each form: screenshots <folder> light|dark
 #include "WalkThrough.h"
 
+#include "audio/forms/frmCartDetails.h"
 #include "audio/forms/frmChooseAudioFormat.h"
+#include "audio/forms/frmFindCart.h"
+#include "audio/forms/frmJumpToCart.h"
 #include "automation/AutomationSchema.h"
 #include "automation/AutomationSetup.h"
 #include "automation/forms/frmKOVADatabaseSettings.h"
@@ -31,12 +34,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
+#include <QPushButton>
 #include <QTabWidget>
 
 #include <cstdio>
@@ -177,6 +182,69 @@ void saveTabs(Workstation& station, const char* form, const char* name) {
     }
 }
 
+// A few carts of a station.
+void makeCarts() {
+    struct Cart {
+        int number;
+        const char* line1;
+        const char* line2;
+        float length;
+    };
+    constexpr Cart carts[] = {{12, "News at one", "Opener", 12},
+                              {13, "News at one", "Bed", 185},
+                              {21, "Weather", "Music bed for the news desk", 62},
+                              {40, "Station jingle", "Sung, with the name", 9},
+                              {100, "News at ten", "Opener", 14},
+                              {512, "Traffic and news", "Short", 33},
+                              {999, "Night news", "Closing words", 41}};
+    QByteArray list(1000 * CartListRecordLength, '\0');
+    const CartListRecord empty = EncodeCartRecord(MakeEmptyCartRecord(0xC0C0C0, 0));
+    for (int cart = 0; cart < 1000; ++cart)
+        list.replace(cart * CartListRecordLength, CartListRecordLength, empty.data(), CartListRecordLength);
+    for (const Cart& cart : carts) {
+        CartRecord record = MakeEmptyCartRecord(0xE6D8AD, 0);
+        record.Line1 = QString::fromLatin1(cart.line1);
+        record.Line2 = QString::fromLatin1(cart.line2);
+        record.Length = record.TotalLength = record.PlayEnd = record.PlayLength = cart.length;
+        const CartListRecord bytes = EncodeCartRecord(record);
+        list.replace((cart.number - 1) * CartListRecordLength, CartListRecordLength, bytes.data(),
+                     CartListRecordLength);
+    }
+    write(QStringLiteral("C:\\TOLVEX\\AUDIO\\Carts1.lst"), list);
+}
+
+// The search before and after, the keypad, and a cart to look at.
+void saveCarts(Workstation& station) {
+    frmFindCart search(station.carts, station.picking);
+    FitForm(&search);
+    save(search, "findcart");
+    auto* tabs = search.findChild<QTabWidget*>();
+    tabs->setCurrentIndex(1);
+    save(search, "findcart-rules");
+    tabs->setCurrentIndex(0);
+    search.findChild<QComboBox*>(QStringLiteral("cmbSearchText"))->setEditText(QStringLiteral("news"));
+    search.findChild<QPushButton*>(QStringLiteral("cmdFind"))->click();
+    save(search, "findcart-searching");
+    while (search.isSearching())
+        QCoreApplication::processEvents();
+    save(search, "findcart-found");
+    search.findChild<QComboBox*>(QStringLiteral("cmbSearchText"))->setEditText(QStringLiteral("nowhere"));
+    search.findChild<QPushButton*>(QStringLiteral("cmdFind"))->click();
+    while (search.isSearching())
+        QCoreApplication::processEvents();
+    save(search, "findcart-none");
+    frmJumpToCart keypad(station.carts, station.picking);
+    FitForm(&keypad);
+    save(keypad, "jumptocart-empty");
+    keypad.close();
+    keypad.Tag = QStringLiteral("512");
+    save(keypad, "jumptocart");
+    frmCartDetails details(station.carts);
+    details.setCart(512);
+    FitForm(&details);
+    save(details, "cartdetails");
+}
+
 // A studio has a desk with three channels and a card for listening in advance.
 void makeDevices() {
     constexpr quint32 formats = platform::WaveFormat4M16 | platform::WaveFormat4S16;
@@ -235,6 +303,7 @@ int main(int argc, char** argv) {
     QDir().mkpath(folder);
     ApplyStyle(application, QByteArray(argv[2]) == "dark" ? Scheme::Dark : Scheme::Light);
     makeStation();
+    makeCarts();
     makeDevices();
     Workstation station;
 
@@ -254,6 +323,7 @@ int main(int argc, char** argv) {
     saveForm(station, "frmFileLocations", "filelocations");
     saveTabs(station, "frmAudioSetup", "audio");
     saveTabs(station, "frmAudioWallSetup", "audiowall");
+    saveCarts(station);
     frmChooseAudioFormat chooser(1, 2, 44100);
     save(chooser, "audioformat");
     saveForm(station, "frmDisplayOptions", "displayoptions");

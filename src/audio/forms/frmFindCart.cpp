@@ -68,6 +68,7 @@ frmFindCart::~frmFindCart() {
 }
 
 void frmFindCart::fillLists() {
+    ui_->cmbSearchText->setCompleter(nullptr); // what is typed is what is looked for
     ui_->cmbSearchDirection->addItems({QStringLiteral("Forwards"), QStringLiteral("Backwards")});
     for (const Give& give : gives)
         ui_->comboLength->addItem(QString::fromLatin1(give.text), give.seconds);

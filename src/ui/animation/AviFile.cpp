@@ -38,7 +38,7 @@ struct Chunk {
 // it is.
 template<typename Take>
 void walk(QByteArrayView bytes, const Take& take, int depth = 0) {
-    while (bytes.size() > chunkHead) {
+    while (bytes.size() >= chunkHead) {
         const qsizetype length = std::min<qsizetype>(numberAt<quint32>(bytes, 4), bytes.size() - chunkHead);
         Chunk chunk{bytes.first(4), {}, bytes.sliced(chunkHead, length)};
         if ((chunk.id == "LIST" || chunk.id == "RIFF") && length >= formType) {

@@ -1,6 +1,9 @@
 // No form cuts its texts off, at the usual text size and at twice that size.
 #include "console/forms/Station.h"
 
+#include "audio/forms/frmCartDetails.h"
+#include "audio/forms/frmFindCart.h"
+#include "audio/forms/frmJumpToCart.h"
 #include "console/forms/FormTable.h"
 #include "console/forms/frmConfigure.h"
 #include "console/forms/frmMultiConfig.h"
@@ -14,6 +17,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QScreen>
+#include <QTabWidget>
 
 #include <gtest/gtest.h>
 
@@ -82,6 +86,15 @@ TEST_P(TextSize, LeavesEveryTextItsRoom) {
     expectNothingCut(command);
     frmRadioClockTest clock;
     expectNothingCut(clock);
+    frmFindCart search(station.workstation.carts, station.workstation.picking);
+    expectNothingCut(search);
+    search.findChild<QTabWidget*>()->setCurrentIndex(1);
+    expectNothingCut(search);
+    frmJumpToCart keypad(station.workstation.carts, station.workstation.picking);
+    expectNothingCut(keypad);
+    frmCartDetails details(station.workstation.carts);
+    details.setCart(1);
+    expectNothingCut(details);
     frmSplash about({});
     about.becomeAboutBox();
     expectNothingCut(about);
