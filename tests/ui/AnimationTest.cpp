@@ -52,8 +52,8 @@ TEST(Animation, ReadsWhatTheSuiteHas) {
     const Animation runs = ReadAvi(sample("run-length"));
     EXPECT_EQ(runs.milliseconds, 100);
     ASSERT_EQ(runs.frames.size(), 3);
-    EXPECT_EQ(drawn(runs.frames[0]), (QStringList{".mww", "wwm.", "...."}));
-    EXPECT_EQ(drawn(runs.frames[1]), (QStringList{".mww", "wgm.", "...."})); // changes a part
+    EXPECT_EQ(drawn(runs.frames[0]), (QStringList{".ww.", ".mm.", "...."}));
+    EXPECT_EQ(drawn(runs.frames[1]), (QStringList{".ww.", ".gm.", "...."})); // changes a part
     EXPECT_EQ(runs.frames[2], runs.frames[1]);
     const Animation eight = ReadAvi(sample("plain-8"));
     ASSERT_EQ(eight.frames.size(), 3);

@@ -29,6 +29,7 @@ CartResultList::CartResultList(QWidget* parent)
     setTabKeyNavigation(false);
     setWordWrap(false);
     setCornerButtonEnabled(false);
+    setStyleSheet(QStringLiteral("QTableView::item { padding: 0 5px; }")); // below the headings' texts
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     QHeaderView* header = horizontalHeader();

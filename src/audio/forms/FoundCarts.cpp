@@ -101,13 +101,15 @@ bool FoundCarts::isBefore(std::size_t a, std::size_t b) const {
     return text(one, sortedBy_).compare(text(other, sortedBy_), Qt::CaseInsensitive) < 0;
 }
 
-// Sorts the rows from `sorted` on in among those before, which are sorted.
+// Sorts the rows from `sorted` on in among those before, which are sorted. 0: all of them.
 void FoundCarts::arrange(std::size_t sorted) {
     emit layoutAboutToBeChanged({}, VerticalSortHint);
     const QModelIndexList before = persistentIndexList();
     std::vector<std::size_t> held;
     for (const QModelIndex& index : before)
         held.push_back(order_[std::size_t(index.row())]);
+    if (sorted == 0)
+        std::iota(order_.begin(), order_.end(), sorted);
     const auto less = [this](std::size_t a, std::size_t b) { return isBefore(a, b); };
     const auto middle = order_.begin() + std::ptrdiff_t(sorted);
     std::stable_sort(middle, order_.end(), less);
@@ -125,7 +127,6 @@ void FoundCarts::arrange(std::size_t sorted) {
 void FoundCarts::sort(int column, Qt::SortOrder order) {
     sortedBy_ = column;
     direction_ = order;
-    std::iota(order_.begin(), order_.end(), std::size_t(0));
     arrange(0);
 }
 

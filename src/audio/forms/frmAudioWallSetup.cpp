@@ -125,16 +125,20 @@ frmAudioWallSetup::~frmAudioWallSetup() = default;
 
 void frmAudioWallSetup::offerCarts(CartStore& carts, CartPicking& picking) {
     JumpGrid* const grid = ui_->grdJumps;
-    auto* keypad = new frmJumpToCart(carts, picking, this);
-    auto* search = new frmFindCart(carts, picking, this);
     grid->offerPickers();
-    connect(grid, &JumpGrid::keypadWanted, this, [grid, keypad](qint32 cart) {
+    connect(grid, &JumpGrid::keypadWanted, this, [this, grid, &carts, &picking](qint32 cart) {
+        auto* keypad = findChild<frmJumpToCart*>();
+        if (!keypad)
+            keypad = new frmJumpToCart(carts, picking, this);
         keypad->setCaller(grid);
         keypad->Tag = QString::number(cart);
         FitForm(keypad);
         keypad->open();
     });
-    connect(grid, &JumpGrid::searchWanted, this, [grid, search](qint32 cart) {
+    connect(grid, &JumpGrid::searchWanted, this, [this, grid, &carts, &picking](qint32 cart) {
+        auto* search = findChild<frmFindCart*>();
+        if (!search)
+            search = new frmFindCart(carts, picking, this);
         search->setCaller(grid);
         search->StartCart = cart;
         FitForm(search);

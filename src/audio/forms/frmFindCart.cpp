@@ -87,6 +87,7 @@ void frmFindCart::fillLists() {
     connect(ui_->cmbSearchDirection, &QComboBox::currentIndexChanged, this, nameStart);
     ui_->mskLength->setText(QStringLiteral("03:00"));
     SetWidthInDigits(ui_->mskLength, 6);
+    ui_->lblSearchCartNumber->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("99999")));
 }
 
 void frmFindCart::addRules() {

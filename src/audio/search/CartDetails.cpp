@@ -9,7 +9,7 @@ namespace tolvex {
 
 namespace {
 
-constexpr int minutesToHundredths = 200;
+constexpr int minutesToHundredths = 0;
 
 QString timeText(float seconds) {
     return SecondsToTime(static_cast<double>(seconds), minutesToHundredths);

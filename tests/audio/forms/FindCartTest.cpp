@@ -70,6 +70,10 @@ protected:
     QPoint row(int number) const {
         return list()->visualRect(list()->model()->index(number, FoundCarts::CartNo)).center();
     }
+    void doubleClick(int number) const {
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, row(number));
+        QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, row(number));
+    }
     void clickHeading(int section) const {
         QHeaderView* header = list()->horizontalHeader();
         QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
@@ -137,7 +141,7 @@ TEST_F(FindCart, FindsAndAnswersOnce) {
     search("nowhere");
     EXPECT_EQ(found(), QStringList{"No carts found."});
     EXPECT_EQ(column(FoundCarts::Key), QStringList{"0"});
-    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, row(0));
+    doubleClick(0);
     EXPECT_TRUE(form->isVisible());
     QTest::keyClick(list(), Qt::Key_Escape);
     EXPECT_FALSE(form->isVisible());
@@ -281,7 +285,7 @@ TEST_F(FindCart, ClosingInMidSearchAnswersOnce) {
     asker.then = [this] { form.release()->deleteLater(); };
     press("cmdFind");
     ASSERT_TRUE(QTest::qWaitFor([this] { return found().size() == 2; }));
-    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, row(0));
+    doubleClick(0);
     EXPECT_EQ(asker.answers, (QList<int>{0, 0, 1}));
     EXPECT_FALSE(form);
 }
@@ -299,7 +303,9 @@ TEST_F(FindCart, ReadsWhatOtherProgramsWriteMeanwhile) {
 TEST_F(FindCart, GoesOnWithTheLastSearchUnseen) {
     makeWall(300, {{5, {"hit"}}, {100, {"hit"}}});
     picking.LastSearches[0] = "hit";
-    form = std::make_unique<frmFindCart>(carts, picking);
+    open(); // ticks "from the start", as it is set
+    form->close();
+    asker.answers.clear();
     const auto next = [this](qint32 start) {
         form->setCaller(&asker);
         form->StartCart = start;

@@ -85,9 +85,11 @@ TEST_F(JumpToCart, TakesTheDigitsThatMakeACart) {
     settings.NoCarts = 500;
     keys("501");
     EXPECT_EQ(number(), "50");
+    keys("0");
+    EXPECT_EQ(number(), "500");
     settings.NoCarts = 99999;
-    keys("0007");
-    EXPECT_EQ(display(), "50000");
+    keys("071");
+    EXPECT_EQ(display(), "50007");
 }
 
 TEST_F(JumpToCart, AnswersOnceAndCancelSendsNothing) {
@@ -106,8 +108,12 @@ TEST_F(JumpToCart, AnswersOnceAndCancelSendsNothing) {
     EXPECT_TRUE(form->isVisible());
     keys("12");
     key(Qt::Key_Return);
-    EXPECT_EQ(asker.answers, (QList<int>{7, 12}));
-    open("3");
+    open("500");
+    key(Qt::Key_Return);
+    EXPECT_EQ(asker.answers, (QList<int>{7, 12, 500}));
+    open("501"); // there is no such cart
+    keys("j");
+    EXPECT_TRUE(form->isVisible());
     press("cmdCancel");
     open("3");
     form->close();
@@ -122,7 +128,7 @@ TEST_F(JumpToCart, AnswersOnceAndCancelSendsNothing) {
     EXPECT_EQ(picking.openKeypad, &second);
     QTest::keyClick(&second, Qt::Key_J);
     EXPECT_FALSE(second.isVisible());
-    EXPECT_EQ(asker.answers, (QList<int>{7, 12}));
+    EXPECT_EQ(asker.answers, (QList<int>{7, 12, 500}));
 }
 
 TEST_F(JumpToCart, HandsKeysOfTheSuiteOn) {
@@ -143,7 +149,7 @@ TEST_F(JumpToCart, HandsKeysOfTheSuiteOn) {
 }
 
 TEST_F(JumpToCart, ACartWithADescriptionReactsToTheMouse) {
-    makeWall(500, {{45, {"Station song"}}});
+    makeWall(500, {{44, {}}, {45, {"Station song"}}});
     QList<std::pair<int, PlayerAction>> sent;
     picking.sendToPlayer = [&sent](qint32 cart, PlayerAction action) { sent.append({cart, action}); };
     open("44");
@@ -193,8 +199,6 @@ TEST_F(JumpToCart, FillsAJumpButton) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&setup));
     auto* grid = setup.findChild<JumpGrid*>();
     auto* entry = setup.findChild<QLineEdit*>("txtGridEntry");
-    auto* keypad = setup.findChild<frmJumpToCart*>();
-    auto* search = setup.findChild<frmFindCart*>();
     const auto click = [grid](int row, int column) {
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
                           grid->visualItemRect(grid->item(row, column)).center());
@@ -204,6 +208,7 @@ TEST_F(JumpToCart, FillsAJumpButton) {
     click(1, 0);
     ASSERT_EQ(entry->actions().size(), 2);
     entry->actions()[0]->trigger();
+    auto* keypad = setup.findChild<frmJumpToCart*>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(keypad));
     EXPECT_EQ(keypad->findChild<QLabel*>("lblCartNumber")->text(), "20");
     QTest::keyClick(keypad, Qt::Key_1);
@@ -214,6 +219,7 @@ TEST_F(JumpToCart, FillsAJumpButton) {
     click(0, 0);
     QTest::keyClicks(entry, "30");
     QTest::keyClick(entry, Qt::Key_F, Qt::ControlModifier);
+    auto* search = setup.findChild<frmFindCart*>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(search));
     EXPECT_EQ(search->StartCart, 30);
     search->close(); // no answer

@@ -16,7 +16,7 @@ using namespace tolvex::tests;
 namespace {
 
 // Lists of ten thousand empty carts, but for these.
-void writeWall(const TestMachine& machine, const QMap<int, QString>& titles) {
+void writeWall(TestMachine& machine, const QMap<int, QString>& titles) {
     const CartListRecord empty = EncodeCartRecord(MakeEmptyCartRecord(1, 2));
     QByteArray list = QByteArray(empty.data(), CartListRecordLength).repeated(CartsInPart);
     for (int part = 10; part >= 1; --part) {
