@@ -1,6 +1,7 @@
 #include "automation/AutomationItems.h"
 
 #include "core/settings/Settings.h"
+#include "core/settings/SystemColours.h"
 #include "core/text/Numbers.h"
 #include "core/time/Dates.h"
 
@@ -13,16 +14,6 @@ namespace {
 
 using Item = AutomationItem;
 using Record = KOVADatabaseSettings;
-
-// Colours of the system, and the texts that they are compared with.
-constexpr qint32 ButtonFace = -2147483633;    // 0x8000000F
-constexpr qint32 ButtonText = -2147483630;    // 0x80000012
-constexpr qint32 Highlight = -2147483635;     // 0x8000000D
-constexpr qint32 HighlightText = -2147483634; // 0x8000000E
-constexpr const char* ButtonFaceDigits = "-2147483633";
-constexpr const char* ButtonTextDigits = "-2147483630";
-constexpr const char* HighlightDigits = "-2147483635";
-constexpr const char* HighlightTextDigits = "-2147483634";
 
 constexpr Item items[] = {
     {"KOVA.SweeperMode", &Record::KOVA_SweeperMode, 0, "0"},
@@ -43,19 +34,26 @@ constexpr Item items[] = {
     {"KOVA.JumpHomeBeforeActivate", &Record::KOVA_JumpHomeBeforeActivate, 0, "0"},
     {"KOVA.FadeCartsAfterNextStart", &Record::KOVA_FadeCartsAfterNextStart, 1, "1"},
     {"KOVA.FadeSongRules", &Record::KOVA_FadeSongRules, 1, 1},
-    {"KOVA.LogBackColor", &Record::KOVA_LogBackColor, ButtonFace, ButtonFaceDigits},
-    {"KOVA.LogForeColor", &Record::KOVA_LogForeColor, ButtonText, ButtonTextDigits},
-    {"KOVA.LogInfoBackColor", &Record::KOVA_LogInfoBackColor, ButtonFace, ButtonFaceDigits},
-    {"KOVA.LogInfoForeColor", &Record::KOVA_LogInfoForeColor, ButtonText, ButtonTextDigits},
-    {"KOVA.LogHighlightBackColor", &Record::KOVA_LogHighlightBackColor, Highlight, HighlightDigits},
-    {"KOVA.LogHighlightForeColor", &Record::KOVA_LogHighlightForeColor, HighlightText, HighlightTextDigits},
-    {"KOVA.SelButtonBackColor", &Record::KOVA_SelButtonBackColor, Highlight, HighlightDigits},
-    {"KOVA.SelButtonForeColor", &Record::KOVA_SelButtonForeColor, HighlightText, HighlightTextDigits},
-    {"KOVA.NonSelButtonBackColor", &Record::KOVA_NonSelButtonBackColor, ButtonFace, ButtonFaceDigits},
-    {"KOVA.NonSelButtonForeColor", &Record::KOVA_NonSelButtonForeColor, ButtonText, ButtonTextDigits},
+    {"KOVA.LogBackColor", &Record::KOVA_LogBackColor, SystemButtonFace, SpecialDefault::AlwaysStored},
+    {"KOVA.LogForeColor", &Record::KOVA_LogForeColor, SystemButtonText, SpecialDefault::AlwaysStored},
+    {"KOVA.LogInfoBackColor", &Record::KOVA_LogInfoBackColor, SystemButtonFace, SpecialDefault::AlwaysStored},
+    {"KOVA.LogInfoForeColor", &Record::KOVA_LogInfoForeColor, SystemButtonText, SpecialDefault::AlwaysStored},
+    {"KOVA.LogHighlightBackColor", &Record::KOVA_LogHighlightBackColor, SystemHighlight,
+     SpecialDefault::AlwaysStored},
+    {"KOVA.LogHighlightForeColor", &Record::KOVA_LogHighlightForeColor, SystemHighlightText,
+     SpecialDefault::AlwaysStored},
+    {"KOVA.SelButtonBackColor", &Record::KOVA_SelButtonBackColor, SystemHighlight,
+     SpecialDefault::AlwaysStored},
+    {"KOVA.SelButtonForeColor", &Record::KOVA_SelButtonForeColor, SystemHighlightText,
+     SpecialDefault::AlwaysStored},
+    {"KOVA.NonSelButtonBackColor", &Record::KOVA_NonSelButtonBackColor, SystemButtonFace,
+     SpecialDefault::AlwaysStored},
+    {"KOVA.NonSelButtonForeColor", &Record::KOVA_NonSelButtonForeColor, SystemButtonText,
+     SpecialDefault::AlwaysStored},
     {"KOVA.Mode.AutoBackcolor", &Record::KOVA_Mode_AutoBackcolor, 65280, "65280"},
     {"KOVA.Mode.LiveAsstBackcolor", &Record::KOVA_Mode_LiveAsstBackcolor, 65280, "65280"},
-    {"KOVA.Mode.StandbyBackcolor", &Record::KOVA_Mode_StandbyBackcolor, ButtonFace, ButtonFaceDigits},
+    {"KOVA.Mode.StandbyBackcolor", &Record::KOVA_Mode_StandbyBackcolor, SystemButtonFace,
+     SpecialDefault::AlwaysStored},
     {"KOVA.LogFont.FontBold", &Record::KOVA_LogFont_FontBold, 1, 1},
     Item{"KOVA.LogFont.FontItalic", &Record::KOVA_LogFont_FontItalic, 0, false}.readAs(
         "KOVA.LogFont.FontItalic "),
@@ -103,11 +101,11 @@ constexpr Item items[] = {
     Item{"ADVERTS.ClientDatabase", &Record::ADVERTS_ClientDatabase, "", ""}.trimmed(),
     Item{"ADVERTS.FilenameFormat", &Record::ADVERTS_FilenameFormat, "yymmdd", "yymmdd"}.trimmed(),
     Item{"ADVERTS.FilenamePrefix", &Record::ADVERTS_FilenamePrefix, "", ""}.trimmed(),
-    Item{"ADVERTS.LogPath", &Record::ADVERTS_LogPath, DefaultRule::LogsFolder, DefaultRule::LogsFolder}
+    Item{"ADVERTS.LogPath", &Record::ADVERTS_LogPath, SpecialDefault::LogsFolder, SpecialDefault::LogsFolder}
         .trimmed(),
     Item{"ADVERTS.TXChainCode", &Record::ADVERTS_TXChainCode, "", ""}.trimmed(),
-    {"ADVERTS.LastSent", &Record::ADVERTS_LastSent, "", DefaultRule::NotWritten},
-    {"ADVERTS.SentBy", &Record::ADVERTS_SentBy, "", DefaultRule::NotWritten},
+    {"ADVERTS.LastSent", &Record::ADVERTS_LastSent, "", SpecialDefault::NotWritten},
+    {"ADVERTS.SentBy", &Record::ADVERTS_SentBy, "", SpecialDefault::NotWritten},
     {"ADVERTS.FirstPlayer", &Record::ADVERTS_FirstPlayer, "1", "1"},
     {"ADVERTS.LastPlayer", &Record::ADVERTS_LastPlayer, "255", "255"},
     {"ADVERTS.Colour", &Record::ADVERTS_Colour, "12648447", "12648447"},
@@ -121,21 +119,22 @@ constexpr Item items[] = {
     {"MUSIC.CartOffset", &Record::MUSIC_CartOffset, 0, 0},
     Item{"MUSIC.FilenameFormat", &Record::MUSIC_FilenameFormat, "yymmdd", "yymmdd"}.trimmed(),
     Item{"MUSIC.FilenamePrefix", &Record::MUSIC_FilenamePrefix, "TL", "TL"}.trimmed(),
-    Item{"MUSIC.LogPath", &Record::MUSIC_LogPath, DefaultRule::LogsFolder, DefaultRule::LogsFolder}.trimmed(),
-    {"MUSIC.JinglesStart", &Record::MUSIC_JinglesStart, DefaultRule::InMemory, 0},
-    {"MUSIC.JinglesEnd", &Record::MUSIC_JinglesEnd, DefaultRule::InMemory, 0},
-    {"MUSIC.SweepersStart", &Record::MUSIC_SweepersStart, DefaultRule::InMemory, 0},
-    {"MUSIC.SweepersEnd", &Record::MUSIC_SweepersEnd, DefaultRule::InMemory, 0},
-    {"MUSIC.AdvertsStart", &Record::MUSIC_AdvertsStart, DefaultRule::InMemory, 0},
-    {"MUSIC.AdvertsEnd", &Record::MUSIC_AdvertsEnd, DefaultRule::InMemory, 0},
-    {"MUSIC.SongsStart", &Record::MUSIC_SongsStart, DefaultRule::InMemory, 0},
-    {"MUSIC.SongsEnd", &Record::MUSIC_SongsEnd, DefaultRule::InMemory, 0},
-    {"MUSIC.CartGroupsStart", &Record::MUSIC_CartGroupsStart, DefaultRule::InMemory, 0},
-    {"MUSIC.CartGroupsEnd", &Record::MUSIC_CartGroupsEnd, DefaultRule::InMemory, 0},
-    {"MUSIC.LastSent", &Record::MUSIC_LastSent, "", DefaultRule::NotWritten},
-    {"MUSIC.SentBy", &Record::MUSIC_SentBy, "", DefaultRule::NotWritten},
-    {"RotaweaveLiteMode", &Record::RotaweaveLiteMode, 0, DefaultRule::NotWritten},
-    // The colour of an older version is compared with as a text: somebody may want that colour.
+    Item{"MUSIC.LogPath", &Record::MUSIC_LogPath, SpecialDefault::LogsFolder, SpecialDefault::LogsFolder}
+        .trimmed(),
+    {"MUSIC.JinglesStart", &Record::MUSIC_JinglesStart, SpecialDefault::InMemory, 0},
+    {"MUSIC.JinglesEnd", &Record::MUSIC_JinglesEnd, SpecialDefault::InMemory, 0},
+    {"MUSIC.SweepersStart", &Record::MUSIC_SweepersStart, SpecialDefault::InMemory, 0},
+    {"MUSIC.SweepersEnd", &Record::MUSIC_SweepersEnd, SpecialDefault::InMemory, 0},
+    {"MUSIC.AdvertsStart", &Record::MUSIC_AdvertsStart, SpecialDefault::InMemory, 0},
+    {"MUSIC.AdvertsEnd", &Record::MUSIC_AdvertsEnd, SpecialDefault::InMemory, 0},
+    {"MUSIC.SongsStart", &Record::MUSIC_SongsStart, SpecialDefault::InMemory, 0},
+    {"MUSIC.SongsEnd", &Record::MUSIC_SongsEnd, SpecialDefault::InMemory, 0},
+    {"MUSIC.CartGroupsStart", &Record::MUSIC_CartGroupsStart, SpecialDefault::InMemory, 0},
+    {"MUSIC.CartGroupsEnd", &Record::MUSIC_CartGroupsEnd, SpecialDefault::InMemory, 0},
+    {"MUSIC.LastSent", &Record::MUSIC_LastSent, "", SpecialDefault::NotWritten},
+    {"MUSIC.SentBy", &Record::MUSIC_SentBy, "", SpecialDefault::NotWritten},
+    {"RotaweaveLiteMode", &Record::RotaweaveLiteMode, 0, SpecialDefault::NotWritten},
+    // The write default is a text, so even this colour is stored when somebody chooses it.
     {"CMDS.Colour", &Record::CMDS_Colour, "15449533", "16304375"},
     {"HOURS.Colour", &Record::HOURS_Colour, "15449533", "15449533"},
 };
@@ -187,12 +186,13 @@ QVariant DefaultValue(const AutomationItem& item, const ItemDefault& fallback,
         return *number;
     if (const auto* flag = std::get_if<bool>(&fallback))
         return *flag;
-    switch (std::get<DefaultRule>(fallback)) {
-    case DefaultRule::LogsFolder:
+    switch (std::get<SpecialDefault>(fallback)) {
+    case SpecialDefault::LogsFolder:
         return dataLocation + QStringLiteral("\\LOGS");
-    case DefaultRule::InMemory:
+    case SpecialDefault::InMemory:
         return MemberValue(item, record);
-    case DefaultRule::NotWritten:
+    case SpecialDefault::AlwaysStored:
+    case SpecialDefault::NotWritten:
         break;
     }
     return {};

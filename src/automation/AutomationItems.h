@@ -1,5 +1,5 @@
-// The items of the automation settings as rows: how each is named when it is read and when it is written,
-// what stands in for a missing one, and the value that is not stored.
+// The items of the automation settings as rows: the name under which each is read and written, its default
+// when the row is missing, and the value that removes the row.
 #pragma once
 
 #include "automation/AutomationSettings.h"
@@ -11,22 +11,23 @@
 
 namespace tolvex {
 
-// Defaults that are no constants.
-enum class DefaultRule {
-    LogsFolder, // the data location's folder LOGS
-    InMemory,   // the value that the record has
-    NotWritten  // other programs write the item
+// Defaults that are not constants.
+enum class SpecialDefault {
+    LogsFolder,   // the folder LOGS of the data location
+    InMemory,     // the value in the record
+    AlwaysStored, // as a write default: no value equals it
+    NotWritten    // as a write default: other programs write the item
 };
 
-// A number never equals a text: an item of numbers whose write default is a text always has a row.
-using ItemDefault = std::variant<qint32, bool, const char*, DefaultRule>;
+// A number never equals a text: a numeric item whose write default is a text always has a row.
+using ItemDefault = std::variant<qint32, bool, const char*, SpecialDefault>;
 
 struct AutomationItem {
     using Record = KOVADatabaseSettings;
     using Member = std::variant<qint32 Record::*, qint16 Record::*, float Record::*, bool Record::*,
                                 QString Record::*, double Record::*>;
 
-    const char* name; // as it is written
+    const char* name; // under which it is written
     Member member;
     ItemDefault readDefault;
     ItemDefault writeDefault;
@@ -44,26 +45,26 @@ struct AutomationItem {
         return item;
     }
     bool isWritten() const {
-        const auto* rule = std::get_if<DefaultRule>(&writeDefault);
-        return !rule || *rule != DefaultRule::NotWritten;
+        const auto* rule = std::get_if<SpecialDefault>(&writeDefault);
+        return !rule || *rule != SpecialDefault::NotWritten;
     }
 };
 
 // In the order of reading.
 std::span<const AutomationItem> AutomationItems();
 
-// Items are written group by group, those whose name begins with each of these, in this order.
+// Items are written in groups: those whose names begin with each of these, in this order.
 std::span<const char* const> AutomationWriteOrder();
 
-// A default as a value of the store.
+// A default in the form in which the store holds values. Invalid for AlwaysStored and NotWritten.
 QVariant DefaultValue(const AutomationItem& item, const ItemDefault& fallback,
                       const KOVADatabaseSettings& record, const QString& dataLocation);
 
-// A member as a value of the store: a date is a text.
+// A member in the form in which the store holds values; a date becomes a text.
 QVariant MemberValue(const AutomationItem& item, const KOVADatabaseSettings& record);
 
-// Takes a stored value into a member: the number at the start of a text, a text, a date. False when the
-// number does not fit; the member is then unchanged.
+// Puts a stored value into a member: the number at the start of a text, a text, or a date. False when the
+// number does not fit the member, which then keeps its value.
 bool TakeMember(const AutomationItem& item, const QVariant& value, KOVADatabaseSettings& record);
 
 } // namespace tolvex

@@ -10,6 +10,7 @@
 #include "core/report/ProblemReport.h"
 #include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingsLoader.h"
+#include "core/settings/SystemColours.h"
 #include "core/text/PathNames.h"
 #include "databases/users/UsersDatabase.h"
 #include "network/TerminalList.h"
@@ -27,9 +28,6 @@ using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
 using platform::Pointer;
-
-constexpr qint32 ButtonFace = qint32(0x8000000F);
-constexpr qint32 ButtonText = qint32(0x80000012);
 
 Answer ask(const QString& text, Buttons buttons, std::optional<Answer> byDefault = {},
            const QString& title = {}) {
@@ -184,8 +182,8 @@ bool AutoInstall(Workstation& station) {
         prompts.setPointer(Pointer::Default);
         return false;
     }
-    values.EmptyCartBackColor = ButtonFace;
-    values.EmptyCartForeColor = ButtonText;
+    values.EmptyCartBackColor = SystemButtonFace;
+    values.EmptyCartForeColor = SystemButtonText;
     const bool saved = save(station);
     // Without a data location its files would go to the root of some drive.
     const bool hasData = !values.DataLocation.trimmed().isEmpty();

@@ -311,12 +311,13 @@ constexpr SettingRow cartDisplay[] = {
         .registry(Wall)
         .setIn(AudiowallSetup, "cmdChangeEmptyCartNumberColor")
         .saved(1009),
-    Colour<&Settings::EmptyCartBackColor>("Audio", "EmptyCartBackColor", ButtonFace,
+    Colour<&Settings::EmptyCartBackColor>("Audio", "EmptyCartBackColor", SystemButtonFace,
                                           "Background of an empty cart.")
         .registry(Wall)
         .setIn(AudiowallSetup, "cmdChangeEmptyCartBackColor")
         .saved(1010),
-    Colour<&Settings::EmptyCartForeColor>("Audio", "EmptyCartForeColor", ButtonText, "Text of an empty cart.")
+    Colour<&Settings::EmptyCartForeColor>("Audio", "EmptyCartForeColor", SystemButtonText,
+                                          "Text of an empty cart.")
         .registry(Wall)
         .setIn(AudiowallSetup, "cmdChangeEmptyCartForeColor")
         .saved(1011),

@@ -162,10 +162,11 @@ constexpr SettingRow display[] = {
               "SingleClickPlayCarts", 0, "A single click plays a cart (for touch screens).")
         .on(DisplayOptions, "chkUseSingleClick")
         .saved(901),
-    Colour<&Settings::FormBackcolor>("Display", "FormBackcolor", ButtonFace, "Background of the windows.")
+    Colour<&Settings::FormBackcolor>("Display", "FormBackcolor", SystemButtonFace,
+                                     "Background of the windows.")
         .on(DisplayOptions, "cmdChangeBackgroundColor")
         .saved(902),
-    Colour<&Settings::FormForeColor>("Display", "FormForeColor", ButtonText, "Text of the windows.")
+    Colour<&Settings::FormForeColor>("Display", "FormForeColor", SystemButtonText, "Text of the windows.")
         .on(DisplayOptions, "cmdChangeForegroundColor")
         .saved(903),
     Flag<&Settings::AdjustTheSystemColors>("Display", "AdjustTheSystemColors", 0,

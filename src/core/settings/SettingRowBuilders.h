@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/settings/SettingsTable.h"
+#include "core/settings/SystemColours.h" // IWYU pragma: export
 
 namespace tolvex {
 
@@ -55,16 +56,12 @@ constexpr SettingRow Number(const char* section, const char* key, qint32 fallbac
     return NumberRow(SettingKind::Number, Member<member>, section, key, fallback, help);
 }
 template<auto member>
-constexpr SettingRow Colour(const char* section, const char* key, quint32 fallback, const char* help) {
-    return NumberRow(SettingKind::Colour, Member<member>, section, key, static_cast<qint32>(fallback), help);
+constexpr SettingRow Colour(const char* section, const char* key, qint32 fallback, const char* help) {
+    return NumberRow(SettingKind::Colour, Member<member>, section, key, fallback, help);
 }
 template<auto member>
 constexpr SettingRow Text(const char* section, const char* key, const char* fallback, const char* help) {
     return TextRow(SettingKind::Text, Member<member>, section, key, fallback, help);
 }
-
-// Colours of the system, by number.
-inline constexpr quint32 ButtonFace = 0x8000000Fu;
-inline constexpr quint32 ButtonText = 0x80000012u;
 
 } // namespace tolvex

@@ -1,6 +1,8 @@
 // The program's input box: one question, one text as the answer. It stays above all other windows.
 #pragma once
 
+#include "core/settings/SystemColours.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -68,6 +70,6 @@ private:
 // else shown and waited for with events running. The icon comes from parentForm, else from ownerForm.
 bool GoodInputBox(const QString& prompt, const QString& title, const QString& initial, qint32 maxLength,
                   QString& result, QWidget* ownerForm, const QString& passwordChar = {}, bool modal = true,
-                  qint32 backColour = qint32(0x8000000Fu), QWidget* parentForm = nullptr);
+                  qint32 backColour = SystemButtonFace, QWidget* parentForm = nullptr);
 
 } // namespace tolvex

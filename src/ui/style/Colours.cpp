@@ -46,7 +46,7 @@ double luminance(const QColor& colour) {
 
 QColor ToColor(qint32 colour, const QPalette& palette) {
     const auto bits = static_cast<quint32>(colour);
-    if (bits & 0x80000000u) {
+    if (IsSystemColour(colour)) {
         const quint32 number = bits & 0xFFu;
         return palette.color(number < std::size(systemColours) ? systemColours[number] : QPalette::Button);
     }

@@ -2,14 +2,12 @@
 // colours, which follow the palette of the running program.
 #pragma once
 
+#include "core/settings/SystemColours.h" // IWYU pragma: export
+
 #include <QColor>
 #include <QPalette>
 
 namespace tolvex {
-
-// The two that forms have unless the user chose others.
-inline constexpr qint32 SystemButtonFace = static_cast<qint32>(0x8000000Fu);
-inline constexpr qint32 SystemButtonText = static_cast<qint32>(0x80000012u);
 
 QColor ToColor(qint32 colour, const QPalette& palette);
 // Never a system colour.
