@@ -6,6 +6,7 @@
 #include "databases/suite/DatabaseList.h"
 #include "databases/suite/DatabaseNames.h"
 #include "support/NoRoom.h"
+#include "support/WithoutRights.h"
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -72,6 +73,8 @@ TEST_F(DatabaseFilesTest, TouchesNoDatabaseThatIsOpen) {
     EXPECT_EQ(copied.number, 3045);
     EXPECT_TRUE(copied.text.contains("in use by " + ComputersUsing(Log).front()))
         << copied.text.toStdString();
+    EXPECT_TRUE(copied.text.contains(Log) && !copied.text.contains(machine.path()))
+        << copied.text.toStdString();
     EXPECT_EQ(errorOf([] { RenameDatabaseFile(Log, "C:\\D\\NEW.MDB"); }).number, 3045);
     EXPECT_EQ(errorOf([] { RemoveDatabaseFile(Log); }).number, 3045);
     EXPECT_FALSE(names().contains("NEW.MDB"));
@@ -103,6 +106,33 @@ TEST_F(DatabaseFilesTest, CopiesRenamesAndRemovesWholeFiles) {
     EXPECT_TRUE(RemoveDatabaseFile("C:\\D\\COPY.MDB"));
     EXPECT_EQ(names(), QStringList{"OTHER.DAT"});
     EXPECT_TRUE(QFile::exists(machine.path() + "/share/Trash/files/COPY.MDB"));
+}
+
+// Copying changes nothing in the file, so one that may not be written can be copied, unless some of it is
+// only in the log beside it.
+TEST_F(DatabaseFilesTest, CopiesAReadOnlyFile) {
+    const QByteArray bytes = machine.read(Log);
+    QFile::setPermissions(machine.host(Log), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    for (const QString& open : {machine.path(), machine.host(Folder)})
+        QFile::setPermissions(open, QFile::Permissions(0x7777));
+    EXPECT_TRUE(PassesWithoutRights([&] {
+        EXPECT_TRUE(CopyDatabase(Log, "C:\\D\\COPY.MDB", goOn));
+        EXPECT_EQ(errorOf([] { RenameDatabaseFile(Log, "C:\\D\\NEW.MDB"); }).number, 3027);
+        const DatabaseError changed = errorOf([&] {
+            CopyDatabaseFile(Log, "C:\\D\\NEW.MDB", [](qint64, qint64) {
+                platform::RenameFile(Log, "C:\\D\\AWAY.MDB");
+                return true;
+            });
+        });
+        platform::RenameFile("C:\\D\\AWAY.MDB", Log);
+        EXPECT_TRUE(changed.text.contains("was changed while it was being copied"))
+            << changed.text.toStdString();
+        machine.write("C:\\D\\LOG.MDB-redo", "commits");
+        EXPECT_EQ(errorOf([] { CopyDatabaseFile(Log, "C:\\D\\NEW.MDB", goOn); }).number, 3027);
+    }));
+    EXPECT_EQ(names(), (QStringList{"COPY.MDB", "LOG.MDB", "LOG.MDB-redo"}));
+    EXPECT_EQ(machine.read(Log), bytes);
+    EXPECT_EQ(rows("C:\\D\\COPY.MDB", "Description"), "Copy of The log,2.5999999,14");
 }
 
 TEST_F(DatabaseFilesTest, RefusesNamesThatNoDatabaseMayHave) {

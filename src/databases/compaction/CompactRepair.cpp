@@ -72,7 +72,7 @@ void compact(const QString& name, platform::Progress* progress, const jet::OnLos
             jet::CompactInPlace(storage, path, names, {}, lost);
         }
     } catch (const jet::Error& error) {
-        throw FromEngine(error);
+        throw FromEngine(error, name);
     }
 }
 

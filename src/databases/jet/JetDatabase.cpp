@@ -1,5 +1,6 @@
 #include "databases/jet/JetDatabase.h"
 
+#include "core/text/PathNames.h"
 #include "core/time/Dates.h"
 #include "jet/Database.h"
 #include "jet/Design.h"
@@ -27,8 +28,8 @@ public:
         try {
             return operation();
         } catch (const jet::Error& error) {
-            DatabaseError thrown = FromEngine(error);
-            if (jet::IsDamage(error))
+            DatabaseError thrown = FromEngine(error, path_);
+            if (jet::IsDamage(error) && !thrown.text.contains(path_))
                 thrown.text.prepend(path_ + QStringLiteral(": "));
             throw thrown;
         }
@@ -261,8 +262,12 @@ jet::Value ToEngineValue(const QVariant& value) {
     }
 }
 
-DatabaseError FromEngine(const jet::Error& error) {
-    return {error.number(), QString::fromUtf8(error.what())};
+DatabaseError FromEngine(const jet::Error& error, const QString& path) {
+    DatabaseError thrown{error.number(), QString::fromUtf8(error.what())};
+    // Without the extension: the lock file and the log stand beside the database.
+    if (const QString host = PathWithoutExtension(platform::HostPath(path)); !host.isEmpty())
+        thrown.text.replace(host, PathWithoutExtension(path));
+    return thrown;
 }
 
 std::string EnginePath(const QString& path) {

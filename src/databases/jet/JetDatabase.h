@@ -14,7 +14,8 @@ std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path);
 // not there.
 std::string EnginePath(const QString& path);
 
-DatabaseError FromEngine(const jet::Error& error);
+// `path`: the database as the suite names it, which the error then names instead of the path on this machine.
+DatabaseError FromEngine(const jet::Error& error, const QString& path = {});
 
 // Values as the suite has them and as the engine does. Both throw TypeMismatchError for what the other does
 // not know.

@@ -9,7 +9,9 @@ namespace tolvex {
 
 namespace {
 
-// A field that the table lacks reads as nothing.
+constexpr qint64 PageSize = 4096;
+
+// Invalid for a field that the table does not have.
 QVariant optionalField(SuiteRecordset& row, const char* field) {
     try {
         return row.value(QLatin1String(field));
@@ -32,9 +34,14 @@ void readDescription(ListedDatabase& database) {
     database.description = row->value(QStringLiteral("Description")).toString();
     database.version = optionalField(*row, "Version").toFloat();
     database.lastAccessed = optionalField(*row, "LastAccessed").toString();
+    database.isCutShort = open->engineVersion() == QStringLiteral("4.0") && database.size % PageSize != 0;
 }
 
 } // namespace
+
+QString CutShortText(const QString& name) {
+    return QStringLiteral("The end of %1 is missing: it is not as long as it was written.").arg(name);
+}
 
 QStringList DatabaseFilesIn(const QString& folder) {
     QStringList files;
