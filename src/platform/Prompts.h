@@ -25,7 +25,8 @@ struct Message {
     Buttons buttons = Buttons::Ok;
     // What Enter answers, and what an unattended run takes. Unset: the first button.
     std::optional<Answer> defaultAnswer = std::nullopt;
-    QString title = {}; // empty: the application's title
+    QString title = {};   // empty: the application's title
+    QString toolTip = {}; // of the box, where there is a mouse
 };
 
 struct FileQuestion {

@@ -104,6 +104,7 @@ Answer QtPrompts::ask(const platform::Message& message) {
     box.setWindowTitle(message.title.isEmpty() ? QString::fromLatin1(ProductName) : message.title);
     box.setTextFormat(Qt::PlainText);
     box.setText(message.text);
+    box.setToolTip(message.toolTip);
     for (const MarkRow& row : markRows)
         if (row.icon == message.icon)
             box.setIconPixmap(LineIcon(QLatin1String(row.name), row.colour).pixmap(MarkSize, MarkSize));

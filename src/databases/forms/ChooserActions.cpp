@@ -1,5 +1,5 @@
-// What the chooser does with a database: new, copy, describe, delete, rename; and the panel that shows what
-// takes a while.
+// What the chooser does with databases: new, copy, describe, delete, rename; and the panel that shows a long
+// job.
 #include "core/report/Folders.h"
 #include "core/text/PathNames.h"
 #include "databases/forms/frmChooseDatabase.h"
@@ -22,8 +22,9 @@ void tell(const QString& text, Icon icon) {
     platform::prompts().ask({text, icon});
 }
 
-bool isConfirmed(const QString& question, Answer fallback) {
-    return platform::prompts().ask({question, Icon::Question, Buttons::YesNo, fallback}) == Answer::Yes;
+bool isConfirmed(const QString& question, Answer fallback, const QString& toolTip = {}) {
+    return platform::prompts().ask({question, Icon::Question, Buttons::YesNo, fallback, {}, toolTip}) ==
+           Answer::Yes;
 }
 
 } // namespace
@@ -44,6 +45,8 @@ frmChooseDatabase::Work::~Work() {
     form_->work_ = nullptr;
     form_->ui_->pnlStatus->hide();
     form_->updateEnabled();
+    if (copies_)
+        form_->focusList(); // it was disabled
 }
 
 void frmChooseDatabase::Work::say(const QString& what) {
@@ -59,7 +62,7 @@ bool frmChooseDatabase::Work::step(qint64 done, qint64 total, const QString&) {
     return form_ && !stopped_;
 }
 
-// The path of a database that is to be made; nothing, after what there is to say, when there is to be none.
+// Asks for the name of a new database. None when the user cancels or the name is refused, with a message.
 std::optional<QString> frmChooseDatabase::askNewPath() {
     const QString name =
         platform::prompts()
@@ -141,7 +144,7 @@ void frmChooseDatabase::remove() {
         return;
     }
     for (const QString& question : DeletionQuestions(title_, description_))
-        if (!isConfirmed(question, Answer::No))
+        if (!isConfirmed(question, Answer::No, ui_->mnuDelete->toolTip()))
             return;
     try {
         RemoveDatabaseFile(database.path);

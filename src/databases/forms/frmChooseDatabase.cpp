@@ -1,9 +1,6 @@
 #include "databases/forms/frmChooseDatabase.h"
 
-#include "core/report/ProblemReport.h"
 #include "core/system/Registry.h"
-#include "databases/compaction/CompactRepair.h"
-#include "databases/store/Report.h"
 #include "databases/suite/DatabaseKinds.h"
 #include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
@@ -13,9 +10,9 @@
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QMenu>
 #include <QStandardItemModel>
+#include <QStyledItemDelegate>
 #include <QTimer>
 #include <QToolButton>
 
@@ -33,21 +30,32 @@ constexpr int AccessedWidth = 2000;
 constexpr int NameWidth = 1500;
 constexpr int Margins = 60 + 255;
 
-constexpr int RowRole = Qt::UserRole + 1; // number of the row in rows_
-constexpr int GhostRole = Qt::UserRole + 2;
-
-// Sorted without regard to case.
-class Cell : public QStandardItem {
-public:
-    using QStandardItem::QStandardItem;
-    bool operator<(const QStandardItem& other) const override {
-        return text().compare(other.text(), Qt::CaseInsensitive) < 0;
-    }
-};
-
 bool showsAccess(qint32 type) {
     return type == RotaweaveV3Type || type == QuillType;
 }
+
+// Entries of the icon views: the description, and the file name, since databases may have the same
+// description.
+class IconLabel : public QStyledItemDelegate {
+public:
+    explicit IconLabel(QListView* view)
+        : QStyledItemDelegate(view)
+        , view_(view) {}
+    // A longer text is cut with an ellipsis.
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index).boundedTo(view_->gridSize());
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->text =
+            QStringLiteral("%1 (%2)").arg(option->text, index.siblingAtColumn(1).data().toString());
+    }
+
+private:
+    const QListView* view_;
+};
 
 } // namespace
 
@@ -61,7 +69,9 @@ frmChooseDatabase::frmChooseDatabase(QWidget* parent)
     ui_->lViewDetails->setModel(model_);
     selection_ = ui_->lViewDetails->selectionModel();
     ui_->lViewDatabases->setSelectionModel(selection_);
-    // The whole entry is marked, its icon too: selected icons are white.
+    ui_->lViewDatabases->setItemDelegate(new IconLabel(ui_->lViewDatabases));
+    ui_->lViewDatabases->setTextElideMode(Qt::ElideRight);
+    // The selection covers the whole entry with its icon: selected icons are white.
     const QString marked = QStringLiteral(
         "::item { padding: 4px; border: none; background: transparent; } %1::item:selected { background: "
         "palette(highlight); color: palette(highlighted-text); }");
@@ -93,7 +103,7 @@ frmChooseDatabase::frmChooseDatabase(QWidget* parent)
 
 frmChooseDatabase::~frmChooseDatabase() = default;
 
-// The menu of options as buttons, the menu of views behind one.
+// A button for each entry of the menu of options, and one for the menu of views.
 void frmChooseDatabase::addTools() {
     const std::pair<QAction*, void (frmChooseDatabase::*)()> options[] = {
         {ui_->MnuNew, &frmChooseDatabase::makeNew},
@@ -140,7 +150,7 @@ void frmChooseDatabase::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(shown_, true))
         return;
-    // The window first; its rows come while it stands.
+    // The window appears first, and then its rows.
     QTimer::singleShot(0, this, &frmChooseDatabase::firstShowing);
 }
 
@@ -166,7 +176,7 @@ void frmChooseDatabase::firstShowing() {
     header->setSectionResizeMode(0, QHeaderView::Stretch);
     const int pixel = fontMetrics().height(); // widths grow with the text
     const auto wide = [pixel](int twips) { return twips / TwipsPerPixel * pixel / 13; };
-    header->resizeSection(1, wide(NameWidth) + wide(Margins) / 4);
+    header->resizeSection(1, wide(NameWidth) + wide(Margins) / 4 + 2 * pixel);
     if (showsAccess(type_))
         header->resizeSection(2, wide(AccessedWidth));
 
@@ -180,11 +190,7 @@ void frmChooseDatabase::firstShowing() {
 void frmChooseDatabase::showView(int mode) {
     QListView* icons = ui_->lViewDatabases;
     ui_->stackViews->setCurrentIndex(mode == Details ? 1 : 0);
-    // Also while the window is not active yet: the keys go to the view that can be seen.
-    if (mode == Details)
-        ui_->lViewDetails->setFocus();
-    else
-        icons->setFocus();
+    focusList();
     QAction* const actions[] = {ui_->mnuViewLarge, ui_->mnuViewSmall, ui_->mnuViewList, ui_->mnuViewDetails};
     actions[mode]->setChecked(true);
     icons->setViewMode(mode == LargeIcons ? QListView::IconMode : QListView::ListMode);
@@ -200,113 +206,16 @@ void frmChooseDatabase::showView(int mode) {
         icons->scrollTo(selection_->currentIndex());
 }
 
+// The keys go to the view that can be seen, also when the window becomes active later.
+void frmChooseDatabase::focusList() {
+    ui_->stackViews->currentWidget()->findChild<QAbstractItemView*>()->setFocus();
+}
+
 void frmChooseDatabase::saveView() const {
     QAction* const actions[] = {ui_->mnuViewLarge, ui_->mnuViewSmall, ui_->mnuViewList, ui_->mnuViewDetails};
     for (int mode = LargeIcons; mode <= Details; ++mode)
         if (actions[mode]->isChecked())
             WriteRegistryLong(LocalMachineHive, TolvexV2Key, ViewValue, mode, NoView);
-}
-
-// Row by row, with events in between; `select`: the file name to select in the end, the first row without
-// one.
-void frmChooseDatabase::fill(const QString& select) {
-    if (work_)
-        return;
-    model_->removeRows(0, model_->rowCount());
-    const QString disabled = caller_ ? caller_->DisabledDatabaseFName().toLower() : QString();
-    const QPointer<frmChooseDatabase> self(this);
-    bool whole = false;
-    {
-        const HeldReports reports(QStringLiteral("reading databases in ") + path_);
-        const platform::PointerKeeper pointer(platform::Pointer::Wait);
-        Work work(*this, QStringLiteral("Looking for databases..."));
-        whole = lister_.list(path_, work, [this, &self, &disabled](const ListedDatabase& database) {
-            if (self)
-                take(database, disabled);
-        });
-    }
-    if (!self)
-        return;
-    if (sortColumn_ >= 0)
-        model_->sort(sortColumn_, sortOrder_);
-    for (int row = 0; row < model_->rowCount(); ++row)
-        if (!select.isEmpty() && model_->item(row, 1)->data(RowRole).value<ListedDatabase>().fileName.compare(
-                                     select, Qt::CaseInsensitive) == 0)
-            selection_->setCurrentIndex(model_->index(row, 0),
-                                        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    updateEnabled();
-    showSelected();
-    if (!whole)
-        ui_->lblStatus->setText(QStringLiteral("Stopped: there may be more databases than are shown."));
-    else if (lister_.gaveUp())
-        ui_->lblStatus->setText(QStringLiteral("The drive of %1 does not answer.").arg(path_));
-    else if (model_->rowCount() == 0)
-        ui_->lblStatus->setText(QStringLiteral("There is no %1 in %2.").arg(title_, path_));
-}
-
-// One file of the folder: it may have to be mended before it says what it is.
-void frmChooseDatabase::take(ListedDatabase database, const QString& disabled) {
-    if (database.error == UnrecognisedDatabase && !offered_.contains(database.path)) {
-        offered_.insert(database.path);
-        if (CompactRepairDatabase(database.path, true, {}, false))
-            database = LookAtDatabase(database.path);
-        else
-            return;
-    }
-    if (database.error != 0) {
-        Report(QStringLiteral("getting the information from  : ") + database.fileName,
-               {database.error, database.errorText});
-        return;
-    }
-    if (database.type == type_)
-        addRow(database, !disabled.isEmpty() && database.fileName.toLower() == disabled);
-}
-
-void frmChooseDatabase::addRow(const ListedDatabase& database, bool ghosted) {
-    QList<QStandardItem*> row{new Cell(LineIcon(QStringLiteral("database")), database.description),
-                              new Cell(database.baseName)};
-    if (showsAccess(type_))
-        row +=
-            new Cell(database.lastAccessed.isEmpty() ? QStringLiteral("<Not known>") : database.lastAccessed);
-    row[1]->setData(QVariant::fromValue(database), RowRole);
-    row[1]->setData(ghosted, GhostRole);
-    for (QStandardItem* item : row) {
-        item->setEditable(false);
-        item->setToolTip(database.fileName);
-        if (!ghosted)
-            continue;
-        item->setForeground(tokens().quiet);
-        item->setToolTip(
-            QStringLiteral("%1 cannot be chosen here: it is in use already.").arg(database.fileName));
-    }
-    if (ghosted)
-        row[0]->setIcon(LineIcon(QStringLiteral("database"), &Tokens::quiet));
-    model_->appendRow(row);
-    if (model_->rowCount() == 1)
-        selection_->setCurrentIndex(model_->index(0, 0),
-                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-}
-
-void frmChooseDatabase::sortBy(int column) {
-    if (sortColumn_ == column)
-        sortOrder_ = sortOrder_ == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    sortColumn_ = column;
-    ui_->lViewDetails->header()->setSortIndicatorShown(true);
-    ui_->lViewDetails->header()->setSortIndicator(column, sortOrder_);
-    model_->sort(column, sortOrder_);
-}
-
-int frmChooseDatabase::selectedRow() const {
-    return selection_->currentIndex().isValid() ? selection_->currentIndex().row() : -1;
-}
-
-ListedDatabase frmChooseDatabase::selected() const {
-    return selectedRow() < 0 ? ListedDatabase()
-                             : model_->item(selectedRow(), 1)->data(RowRole).value<ListedDatabase>();
-}
-
-bool frmChooseDatabase::isGhosted(int row) const {
-    return model_->item(row, 1)->data(GhostRole).toBool();
 }
 
 void frmChooseDatabase::updateEnabled() {
@@ -319,30 +228,6 @@ void frmChooseDatabase::updateEnabled() {
     ui_->cmdOK->setEnabled(any && !copies && !isGhosted(selectedRow()));
     ui_->cmdCancel->setEnabled(!copies);
     ui_->stackViews->setEnabled(!copies);
-}
-
-// The row that is selected: its description, and what there is to know of its file.
-void frmChooseDatabase::showSelected() {
-    updateEnabled();
-    if (selectedRow() < 0) {
-        ui_->lblStatus->clear();
-        return;
-    }
-    const ListedDatabase database = selected();
-    description_ = model_->item(selectedRow(), 0)->text();
-    QStringList facts{
-        database.fileName, QLocale().formattedDataSize(database.size, 0, QLocale::DataSizeTraditionalFormat),
-        QStringLiteral("version %1").arg(QString::number(database.version)),
-        QStringLiteral("changed %1").arg(QLocale().toString(database.modified, QLocale::ShortFormat))};
-    facts += database.openOn.isEmpty()
-                 ? QStringLiteral("not open")
-                 : QStringLiteral("open on %1").arg(database.openOn.join(QStringLiteral(", ")));
-    ui_->lblStatus->setText(facts.join(QStringLiteral("  \u00b7  ")));
-}
-
-void frmChooseDatabase::showDescription(const QString& text) {
-    model_->item(selectedRow(), 0)->setText(text);
-    description_ = text;
 }
 
 bool frmChooseDatabase::eventFilter(QObject* watched, QEvent* event) {

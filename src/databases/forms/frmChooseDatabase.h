@@ -22,15 +22,15 @@ class QStandardItemModel;
 
 namespace tolvex {
 
-// Who opened the chooser and wants to know what becomes of the databases meanwhile; any of these may be left
-// out. Names are file names without their folder.
+// Notifies whoever opened the chooser of what users do to databases in it. Each member may be left out. Names
+// are file names without a folder.
 class DatabaseChooserCaller {
 public:
     virtual ~DatabaseChooserCaller() = default;
     virtual void DatabaseCopied(const QString& /*from*/, const QString& /*to*/, qint32 /*type*/) {}
     virtual void DatabaseDeleted(const QString& /*fileName*/, qint32 /*type*/) {}
     virtual void DatabaseRenamed(const QString& /*from*/, const QString& /*to*/, qint32 /*type*/) {}
-    // The file that is shown but cannot be chosen; case does not count.
+    // A file that is shown but cannot be chosen. Case does not count.
     virtual QString DisabledDatabaseFName() const { return {}; }
 };
 
@@ -45,7 +45,7 @@ public:
     void setPath(const QString& folder) { path_ = folder; }
     void setTag(const QString& tag) { tag_ = tag; }
     void setCaller(DatabaseChooserCaller* caller) { caller_ = caller; }
-    // "1" (as it is unless set): databases can be made and changed, not only chosen.
+    // "1", the default: databases can be made and changed, not only chosen.
     void setCanEdit(const QString& flag) { canEdit_ = flag; }
 
     // After it is closed: the file name of the choice, with ".MDB"; empty when the user cancelled.
@@ -58,10 +58,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // Something that takes a while, shown in the panel with its Stop while it lives.
+    // A long job, shown in the panel with its Stop button while the object lives.
     class Work : public platform::Progress {
     public:
-        // With `copies` OK and Cancel wait for it.
+        // With `copies`, OK and Cancel are disabled meanwhile.
         Work(frmChooseDatabase& form, const QString& what, bool copies = false);
         ~Work() override;
         Work(const Work&) = delete;
@@ -82,9 +82,11 @@ private:
     void addTools();
     void firstShowing();
     void showView(int mode);
+    void focusList();
+    void select(int row);
     void saveView() const;
 
-    void fill(const QString& select = {});
+    void fill(const QString& wanted = {});
     void take(ListedDatabase database, const QString& disabled);
     void addRow(const ListedDatabase& database, bool ghosted);
     void sortBy(int column);
@@ -116,14 +118,14 @@ private:
     QString word_;
     QString title_;
     QString description_;   // of the row that is selected
-    QSet<QString> offered_; // files that could not be recognised and that the user was asked about
-    Work* work_ = nullptr;  // what is going on, null for nothing
+    QSet<QString> offered_; // unrecognised files that were offered for repair
+    Work* work_ = nullptr;  // the job that is running
     int sortColumn_ = -1;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     bool shown_ = false;
 };
 
-// Shows it modally and gives the choice; empty when the user cancelled.
+// Shows the chooser modally and returns the choice; empty when the user cancelled.
 QString ChooseDatabase(QWidget* owner, const QString& folder, qint32 type,
                        DatabaseChooserCaller* caller = nullptr);
 

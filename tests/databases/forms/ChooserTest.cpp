@@ -209,7 +209,7 @@ TEST_F(ChooserTest, CopiesRenamesAndDeletesWithNotice) {
     choose("mnuCopy");
     EXPECT_TRUE(rowsShown().contains("Copy of Alpha log/COPY"));
     prompts.typed = {QString("beta")};
-    choose("mnuRename");
+    QTest::keyClick(tree(), Qt::Key_R, Qt::AltModifier);
     EXPECT_EQ(texts().takeLast(), "A database with that name already exists");
     prompts.forget();
     prompts.typed = {QString("GONE.DAT")};
@@ -228,6 +228,7 @@ TEST_F(ChooserTest, CopiesRenamesAndDeletesWithNotice) {
                                            "Are you really sure that you want to delete this K-Ova V2.6 "
                                            "Database (Alpha log)?"}));
     EXPECT_EQ(prompts.asked.last().defaultAnswer, Answer::No);
+    EXPECT_TRUE(prompts.asked.last().toolTip.contains("goes to the trash"));
     EXPECT_EQ(caller.told, (QStringList{"copied BETA.MDB COPY.MDB 14", "renamed COPY.MDB GONE.DAT 14",
                                         "deleted BETA.MDB 14"}));
     EXPECT_TRUE(QFile::exists(machine.path() + "/share/Trash/files/BETA.MDB"));
@@ -259,6 +260,19 @@ TEST_F(ChooserTest, PassesOverDamagedFilesAndCanBeStopped) {
     ASSERT_EQ(texts().size(), 2);
     EXPECT_TRUE(texts()[0].contains("Are you sure you want to continue compacting/repairing:"));
     EXPECT_TRUE(texts()[1].contains("getting the information from  : BARE0.MDB")) << texts()[1].toStdString();
+    // With Yes it is repaired, and read again.
+    form.reset();
+    prompts.forget();
+    machine.write("C:\\D\\BAD.MDB", QByteArray(4096, 'x') + machine.read("C:\\D\\BETA.MDB").mid(4096));
+    prompts.answers = {Answer::Yes};
+    open();
+    EXPECT_TRUE(rowsShown().contains("Alpha log/BAD")) << texts().join('|').toStdString();
+    platform::RemoveFile("C:\\D\\BAD.MDB");
+    machine.write("C:\\D\\BAD.MDB", "text");
+    form.reset();
+    prompts.answers = {Answer::No};
+    open();
+
     prompts.forget();
     prompts.typed = {QString("NEW")};
     prompts.answers = {Answer::Yes}; // to the new one, and none to a repair
@@ -279,6 +293,47 @@ TEST_F(ChooserTest, PassesOverDamagedFilesAndCanBeStopped) {
     EXPECT_LT(rowsShown().size(), 2);
 }
 
+// 300 files: each shows as what it is, the report is one, and the row that is selected stays in sight.
+TEST_F(ChooserTest, ListsALargeFolder) {
+    const QByteArray log = machine.read("C:\\D\\BETA.MDB");
+    const QByteArray adverts = machine.read("C:\\D\\ADS.MDB");
+    for (int n = 0; n < 60; ++n) {
+        const auto write = [&](const char* name, const QByteArray& bytes) {
+            machine.write(QStringLiteral("C:\\D\\%1%2.MDB").arg(QLatin1String(name)).arg(n), bytes);
+        };
+        write("SAME", log);
+        write("FOREIGN", adverts);
+        write("CUT", log + QByteArray(8192 - 1000, '\0')); // of the two pages that it grew by
+        write("HALF", log.left(12 * 1024));
+        write("EMPTY", {});
+    }
+    caller.disabled = "same0.mdb";
+    prompts.answers = std::deque<Answer>(60, Answer::No); // to repairs of the empty files
+    open();
+    EXPECT_GE(prompts.processed, 300); // the window stays alive between the rows
+    EXPECT_EQ(rowsShown().size(), 122);
+    int ghosts = 0;
+    int cut = 0;
+    for (int row = 0; row < rowsShown().size(); ++row) {
+        QTest::keyClick(tree(), row == 0 ? Qt::Key_Home : Qt::Key_Down);
+        ghosts += okButton()->isEnabled() ? 0 : 1;
+        cut += status().contains("The end of CUT") ? 1 : 0;
+    }
+    EXPECT_EQ(ghosts, 1);
+    EXPECT_EQ(cut, 60);
+    ASSERT_EQ(texts().size(), 61);
+    EXPECT_TRUE(texts().last().contains("reading databases in C:\\D")) << texts().last().toStdString();
+    QTest::keyClick(tree(), Qt::Key_Home);
+    for (int turn = 0; turn < 2; ++turn) {
+        find<QTreeView>("lViewDetails")->header()->sectionClicked(1);
+        EXPECT_TRUE(tree()->viewport()->rect().intersects(tree()->visualRect(tree()->currentIndex())));
+    }
+    // Rows of the same description differ in the icon views by their file names.
+    choose("mnuViewList");
+    auto* icons = find<QListView>("lViewDatabases");
+    EXPECT_TRUE(icons->viewport()->rect().intersects(icons->visualRect(icons->currentIndex())));
+}
+
 // A copy that is stopped leaves no file, and OK and Cancel wait for it.
 TEST_F(ChooserTest, StopsACopy) {
     open();
@@ -289,9 +344,10 @@ TEST_F(ChooserTest, StopsACopy) {
                  find<QWidget>("pnlStatus")->isVisible();
         form->reject(); // the window's own close button
     };
-    choose("mnuCopy");
+    QTest::keyClick(tree(), Qt::Key_P, Qt::AltModifier);
     prompts.whileWaiting = {};
     EXPECT_TRUE(waited);
+    EXPECT_TRUE(tree()->hasFocus()); // its keys work again
     EXPECT_TRUE(form->isVisible());
     EXPECT_FALSE(machine.exists("C:\\D\\HALF.MDB"));
     EXPECT_TRUE(caller.told.isEmpty());
