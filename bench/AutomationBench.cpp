@@ -1,5 +1,5 @@
-// The automation player's windows: opening the settings of a full database, OK beside one committed
-// transaction of the engine, and listing databases beside opening each of them.
+// The automation player's windows: opening the settings of a full database, OK beside a committed transaction
+// of the engine alone, and listing databases beside opening each of them.
 #include "automation/AutomationEditing.h"
 #include "automation/AutomationSchema.h"
 #include "automation/forms/frmKOVADatabaseSettings.h"
@@ -17,6 +17,8 @@
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
+
+#include <climits>
 
 using namespace tolvex;
 
@@ -68,21 +70,43 @@ void OpenSettingsWindow(benchmark::State& state) {
 }
 BENCHMARK(OpenSettingsWindow)->Unit(benchmark::kMillisecond);
 
-void StoreSettings(benchmark::State& state) {
+// OK with one item changed, with all of them, and with the users' history, which is a commit in a database of
+// its own.
+enum class Changed { One, All };
+
+void press(benchmark::State& state, Changed changed, bool withHistory) {
     const Settings& settings = prepare();
     UsersState users(settings);
+    if (withHistory)
+        OpenUsersDatabase(users, UsersDatabaseFile(settings));
     KOVADatabaseSettings record;
     AutomationEditing editing(record, settings, users);
     editing.open(Log);
+    int value = 0;
     for (auto _ : state) {
-        record.KOVA_PreCueTime = static_cast<qint16>(record.KOVA_PreCueTime % 100 + 1);
-        editing.store();
+        ++value;
+        for (const AutomationItem& item : AutomationItems())
+            if (changed == Changed::All || &item == &AutomationItems().front())
+                TakeMember(item, 1 + value % 2, record);
+        if (!editing.store())
+            return state.SkipWithError("not stored");
     }
 }
-BENCHMARK(StoreSettings)->Unit(benchmark::kMillisecond);
+void StoreOneSetting(benchmark::State& state) {
+    press(state, Changed::One, false);
+}
+BENCHMARK(StoreOneSetting)->Unit(benchmark::kMillisecond);
+void StoreAllSettings(benchmark::State& state) {
+    press(state, Changed::All, false);
+}
+BENCHMARK(StoreAllSettings)->Unit(benchmark::kMillisecond);
+void StoreAllSettingsWithHistory(benchmark::State& state) {
+    press(state, Changed::All, true);
+}
+BENCHMARK(StoreAllSettingsWithHistory)->Unit(benchmark::kMillisecond);
 
-// The engine alone: as many rows of the table changed, and committed.
-void CommitAsManyRows(benchmark::State& state) {
+// The engine alone: all rows of the table changed, and committed.
+void commitRows(benchmark::State& state, int most) {
     prepare();
     const auto database = OpenSuiteDatabase(Log);
     int value = 0;
@@ -90,15 +114,22 @@ void CommitAsManyRows(benchmark::State& state) {
         ++value;
         DatabaseTransaction transaction(*database);
         const auto rows = database->open(QStringLiteral("Settings"), RecordsetMode::Table);
-        for (; !rows->eof(); rows->moveNext()) {
+        for (int at = 0; at < most && !rows->eof(); ++at, rows->moveNext()) {
             rows->edit();
-            rows->set(QStringLiteral("Value"), QString::number(value % 100));
+            rows->set(QStringLiteral("Value"), QString::number(1 + value % 2));
             rows->update();
         }
         transaction.commit();
     }
 }
-BENCHMARK(CommitAsManyRows)->Unit(benchmark::kMillisecond);
+void CommitOneRow(benchmark::State& state) {
+    commitRows(state, 1);
+}
+BENCHMARK(CommitOneRow)->Unit(benchmark::kMillisecond);
+void CommitAllRows(benchmark::State& state) {
+    commitRows(state, INT_MAX);
+}
+BENCHMARK(CommitAllRows)->Unit(benchmark::kMillisecond);
 
 class Unstopped : public platform::Progress {
 public:

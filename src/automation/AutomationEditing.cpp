@@ -5,34 +5,48 @@
 #include "core/settings/Settings.h"
 #include "databases/store/Report.h"
 #include "databases/users/UsersDatabase.h"
+#include "platform/Clock.h"
 #include "platform/Prompts.h"
 #include "platform/paths/Paths.h"
+
+#include <QLocale>
 
 namespace tolvex {
 
 namespace {
 
-constexpr int MostLines = 12; // of changes in a message
+constexpr qsizetype MostLines = 12; // of changes in a message
+constexpr qsizetype MostSaves = 3;  // in a message
+
+// "ANN on STUDIO2 at 14:38:33", with the date unless it is today.
+QString inWords(const AutomationSave& save) {
+    const QDate day = save.time.date();
+    QString text =
+        save.login.isEmpty() ? save.computer : QStringLiteral("%1 on %2").arg(save.login, save.computer);
+    if (day != platform::clock().now().date())
+        text += QStringLiteral(" on ") + QLocale::system().toString(day, QLocale::ShortFormat);
+    return text + save.time.toString(QStringLiteral(" 'at' HH:mm:ss"));
+}
 
 } // namespace
 
-std::optional<AutomationSave> LastAutomationSave(UsersState& users) {
+QList<AutomationSave> AutomationSaves(UsersState& users) {
+    QList<AutomationSave> saves;
     if (!users.database)
-        return std::nullopt;
+        return saves;
     try {
         const auto rows = users.database->open(
             QStringLiteral("SELECT * FROM [UserHistory] WHERE [Action]=%1 ORDER BY [EventTime] DESC")
                 .arg(AutomationSettingsSaved),
             RecordsetMode::Dynaset);
-        if (rows->eof())
-            return std::nullopt;
-        return AutomationSave{rows->value(QStringLiteral("EventTime")).toDateTime(),
-                              rows->value(QStringLiteral("LoginName")).toString(),
-                              rows->value(QStringLiteral("ComputerName")).toString()};
+        for (; !rows->eof(); rows->moveNext())
+            saves.append({rows->value(QStringLiteral("EventTime")).toDateTime(),
+                          rows->value(QStringLiteral("LoginName")).toString(),
+                          rows->value(QStringLiteral("ComputerName")).toString()});
     } catch (const DatabaseError& error) {
-        KeepSilent(error); // the message does without
-        return std::nullopt;
+        KeepSilent(error); // the message names nobody then
     }
+    return saves;
 }
 
 AutomationEditing::AutomationEditing(KOVADatabaseSettings& record, const Settings& settings,
@@ -47,6 +61,8 @@ bool AutomationEditing::open(const QString& databaseName, const QString& connect
     close();
     if (connect.isEmpty() && FileLength(databaseName) <= 0)
         return false;
+    for (const AutomationSave& save : AutomationSaves(users_))
+        knownSaves_.insert(save.time);
     try {
         database_ = OpenSuiteDatabase(databaseName, connect);
     } catch (const DatabaseError& error) {
@@ -57,12 +73,12 @@ bool AutomationEditing::open(const QString& databaseName, const QString& connect
         file_ = platform::StampOf(platform::HostPath(databaseName));
     record_.FileName = databaseName;
     const qint32 result = LoadKOVASettings(*database_, record_, settings_.DataLocation);
-    if (result > 0) { // a database that was never configured is one to be configured here
+    if (result > 0) { // a database that was never configured can be configured here
         if (const QString item = ItemOutOfRange(*database_, settings_.DataLocation); !item.isEmpty())
             ShowExclamation(
-                QStringLiteral("The setting %1 of %2 holds a number that is too large for it, and none "
-                               "of those after it could be read. Give it a sound value first: "
-                               "\"tolvexctl db settings set\" does.")
+                QStringLiteral("The setting %1 of %2 holds a number that is too large for it, so the "
+                               "settings after it could not be read. Give it a smaller number first, "
+                               "with \"tolvexctl db settings set\".")
                     .arg(item, databaseName));
         close();
         return false;
@@ -74,6 +90,7 @@ bool AutomationEditing::open(const QString& databaseName, const QString& connect
 void AutomationEditing::close() {
     database_.reset();
     file_.reset();
+    knownSaves_.clear();
 }
 
 bool AutomationEditing::isStillThere() const {
@@ -97,27 +114,41 @@ bool AutomationEditing::store() {
     if (StoreKOVASettings(*database_, record_, loaded_, settings_.DataLocation,
                           [this](const auto& changes) { return mayOverwrite(changes); }) != 0)
         return false;
-    AddEventToUserHistory(users_, users_.currentLogin, AutomationSettingsSaved, EventSucceeded, {});
+    if (const auto time =
+            AddEventToUserHistory(users_, users_.currentLogin, AutomationSettingsSaved, EventSucceeded, {}))
+        knownSaves_.insert(*time);
     return true;
+}
+
+// The history may name nobody: its entry comes after the settings, and can be switched off.
+QString AutomationEditing::whoStored() {
+    QStringList who;
+    for (const AutomationSave& save : AutomationSaves(users_)) {
+        if (knownSaves_.contains(save.time))
+            continue;
+        knownSaves_.insert(save.time);
+        if (who.size() < MostSaves)
+            who += inWords(save);
+    }
+    return who.isEmpty()
+               ? QStringLiteral("Another workstation has changed settings of this database since "
+                                "they were shown here")
+               : QStringLiteral("Settings of this database have changed since they were shown here. "
+                                "Since then settings were stored by ") +
+                     who.join(QStringLiteral(", "));
 }
 
 bool AutomationEditing::mayOverwrite(const QList<AutomationChange>& changes) {
     using namespace platform;
     const PointerKeeper pointer(Pointer::Default);
-    QString who = QStringLiteral("Another workstation");
-    if (const auto save = LastAutomationSave(users_))
-        who = QStringLiteral("%1 (last stored at %2 on %3)")
-                  .arg(save->login.isEmpty() ? who : save->login,
-                       save->time.toString(QStringLiteral("HH:mm:ss")), save->computer);
     QString lines;
-    for (qsizetype at = 0; at < qMin<qsizetype>(changes.size(), MostLines); ++at)
+    for (qsizetype at = 0; at < qMin(changes.size(), MostLines); ++at)
         lines += QStringLiteral("%1: \"%2\", was \"%3\"\n")
                      .arg(changes[at].item, changes[at].now, changes[at].before);
     if (changes.size() > MostLines)
         lines += QStringLiteral("and %1 more\n").arg(changes.size() - MostLines);
-    return prompts().ask({QStringLiteral("%1 has changed settings of this database since they were shown "
-                                         "here:\n\n%2\nDo you want to overwrite them with yours?")
-                              .arg(who, lines),
+    return prompts().ask({QStringLiteral("%1:\n\n%2\nDo you want to overwrite them with yours?")
+                              .arg(whoStored(), lines),
                           Icon::Question, Buttons::YesNo, Answer::No}) == Answer::Yes;
 }
 

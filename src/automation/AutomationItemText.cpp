@@ -1,6 +1,8 @@
-// Items in the words of the window, for a shell and for messages.
+// Items in the words of the window, for the shell and for messages.
 #include "automation/AutomationFields.h"
 #include "automation/SettingWords.h"
+#include "core/text/PathNames.h"
+#include "platform/devices/AudioFormats.h"
 
 #include <limits>
 
@@ -13,8 +15,10 @@ using Record = KOVADatabaseSettings;
 
 constexpr qint32 LastPlayer = 255;
 
-// Numbers that the item can hold.
+// The range of an item's numbers.
 qint64 lowestOf(const AutomationItem& item, const AutomationField* field) {
+    if (field && field->kind == Kind::Font)
+        return 1; // of its size
     if (field && field->kind != Kind::Number)
         return field->kind == Kind::AutoRestart ? -1 : 0;
     return std::holds_alternative<qint16 Record::*>(item.member) ? INT16_MIN : INT32_MIN;
@@ -44,6 +48,17 @@ QVariant parseSeconds(const QString& text, QString* why) {
     return {};
 }
 
+// The window's boxes mend or refuse the same texts.
+QVariant parseText(const AutomationItem& item, const AutomationField* field, const QString& text,
+                   QString* why) {
+    if (field && field->kind == Kind::Font && text.trimmed().isEmpty()) {
+        *why = QStringLiteral("has to be the name of a font");
+        return {};
+    }
+    return QLatin1String(item.name).endsWith(QLatin1String(".LogPath")) ? WithoutTrailingBackslash(text)
+                                                                        : text;
+}
+
 QVariant parse(const AutomationItem& item, const AutomationField* field, const QString& text, QString* why) {
     const bool isFlag = field && field->kind == Kind::Flag;
     if (isFlag || std::holds_alternative<bool Record::*>(item.member)) {
@@ -51,7 +66,7 @@ QVariant parse(const AutomationItem& item, const AutomationField* field, const Q
         return flag.isValid() ? QVariant(int{flag.toBool()}) : flag;
     }
     if (std::holds_alternative<QString Record::*>(item.member))
-        return text;
+        return parseText(item, field, text, why);
     if (std::holds_alternative<float Record::*>(item.member))
         return parseSeconds(text, why);
     if (field && field->kind == Kind::List)
@@ -66,7 +81,15 @@ QVariant parse(const AutomationItem& item, const AutomationField* field, const Q
     return ParseWhole(text, lowestOf(item, field), highestOf(item), why);
 }
 
-// One of the two ways of fading is chosen by its time, a computer by its address.
+// Whether the chooser of formats can give the record's format of voice links.
+bool hasKnownFormat(const KOVADatabaseSettings& record) {
+    const auto nearest = platform::SuggestAudioFormat(
+        record.SEGUE_VoiceLinkFormat, record.SEGUE_VoiceLinkChannels, record.SEGUE_VoiceLinkKhz);
+    return nearest && nearest->tag == record.SEGUE_VoiceLinkFormat &&
+           nearest->channels == record.SEGUE_VoiceLinkChannels && nearest->rate == record.SEGUE_VoiceLinkKhz;
+}
+
+// Sets what follows from an item: its time chooses one of the two ways of fading, an address a computer.
 void settle(const AutomationItem& item, KOVADatabaseSettings& record) {
     const QLatin1String name(item.name);
     if (name == QLatin1String("KOVA.MaxFadeTime") && record.KOVA_MaxFadeTime > 0)
@@ -110,11 +133,22 @@ bool SetAutomationItem(const AutomationItem& item, const QString& text, KOVAData
         *why = QStringLiteral("is an older name of KOVA.SCComputerAddress");
         return false;
     }
-    const QVariant value = parse(item, FindAutomationField(QLatin1String(item.name)), text, why);
+    const AutomationField* field = FindAutomationField(QLatin1String(item.name));
+    const QVariant value = parse(item, field, text, why);
     if (!value.isValid())
         return false;
-    TakeMember(item, value, record);
-    settle(item, record);
+    KOVADatabaseSettings changed = record;
+    TakeMember(item, value, changed);
+    if (field && field->kind == Kind::AudioFormat && !hasKnownFormat(changed)) {
+        *why = QStringLiteral("would make the format %1, which cannot be recorded here; \"tolvexctl audio "
+                              "formats\" lists those that can")
+                   .arg(platform::DescribeAudioFormat(changed.SEGUE_VoiceLinkFormat,
+                                                      changed.SEGUE_VoiceLinkChannels,
+                                                      changed.SEGUE_VoiceLinkKhz));
+        return false;
+    }
+    settle(item, changed);
+    record = changed;
     return true;
 }
 

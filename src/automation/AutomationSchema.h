@@ -14,12 +14,12 @@ const Table& KOVAScheduleSchema();
 // All tables but that of the description, in the order in which they are checked.
 TableList KOVADatabaseTables();
 
-// Brings all tables of an automation database, a file or with `connect` one on a server, up to date. Result:
+// Brings all tables of an automation database (a file, or with `connect` one on a server) up to date. Result:
 // 0 or, reported, the error number of the first failure.
 qint16 ValidateKOVADatabaseTables(const QString& databaseName, const QString& connect = {});
 
-// Whether all tables, that of the description too, are there with all their indexes: the check above passes
-// over an index that it cannot add.
+// True when all tables, that of the description too, have all their indexes. (The routine above passes over
+// an index that it cannot add.)
 bool HasKOVADatabaseIndexes(SuiteDatabase& database);
 
 } // namespace tolvex

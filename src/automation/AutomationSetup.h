@@ -1,5 +1,5 @@
-// The workstation's side of the automation player: nine keys in section KOVA of its local ini file. Its form,
-// the shell and the tests work from these rows.
+// The workstation's side of the automation player: nine keys in section KOVA of its local ini file, as rows
+// for its form, the shell and the tests.
 #pragma once
 
 #include <QString>
@@ -32,18 +32,17 @@ const AutomationKey* FindAutomationKey(const QString& key);
 // The folder of the automation databases, of a data location.
 QString AutomationFolder(const Settings& settings);
 
-// A flag as bool, a number as int, the name of the database as text. A number that is not in its list is
-// moved to the nearer end of it.
+// A flag as bool, a number as int, the name of the database as text. A number beyond the ends of its list is
+// taken as the nearer end.
 QVariant AutomationKeyValue(const Settings& settings, const AutomationKey& key);
 void SetAutomationKeyValue(Settings& settings, const AutomationKey& key, const QVariant& value);
 
-// The value in the words of the form, and back: of a list its text or number, of a flag yes or no in many
-// spellings. Nothing, with the end of a sentence in *why, for what the form has no place for.
+// The value in the words of the form, and back: the text or number of a list's entry, yes or no of a flag in
+// many spellings. Invalid, with the end of a sentence in *why, for a value that the form could not give.
 QString AutomationKeyText(const Settings& settings, const AutomationKey& key);
 QVariant ParseAutomationKey(const AutomationKey& key, const QString& text, QString* why);
 
-// Writes all nine, in their order and as one replacement, to the local ini file. Result: 0 or the platform's
-// error number.
+// Writes all nine to the local ini file, in their order and as one replacement. Result: ProfileError.
 int StoreAutomationSetup(Settings& settings);
 
 } // namespace tolvex

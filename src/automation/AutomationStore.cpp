@@ -22,11 +22,12 @@ namespace {
 constexpr int OverflowError = 6;
 constexpr qint32 NotConfigured = -1;
 const QString BeenSet = QStringLiteral("BeenSet");
+const QString Storing = QStringLiteral("storing the K-OVA settings");
 const char* const OldAddress = "KOVA.ZQSServerAddress";
 const char* const Address = "KOVA.SCComputerAddress";
 const char* const Port = "KOVA.SCComputerPort";
 
-// Items that are taken from the voice-tracker's own file where the database says 0.
+// Items that come from the voice-tracker's own file when the database has 0.
 constexpr struct {
     const char* item;
     const char* key;
@@ -41,7 +42,7 @@ bool is(const AutomationItem& item, const char* name) {
     return qstrcmp(item.name, name) == 0;
 }
 
-// The settings table in the order of its index; null, reported, with the error number.
+// Opens the settings table in the order of its index. Null after an error, which is reported.
 std::unique_ptr<SuiteRecordset> openSettings(SuiteDatabase& database, int* error) {
     QString action = QStringLiteral("opening the K-OVA settings table");
     try {
@@ -56,34 +57,38 @@ std::unique_ptr<SuiteRecordset> openSettings(SuiteDatabase& database, int* error
     }
 }
 
-// Gives the value of an item by its name, or the fallback where it has none.
-using LookUp = std::function<QVariant(const QString& name, const QVariant& fallback)>;
+// Returns the stored value of an item, or the fallback when it has none.
+using LookUp = std::function<QVariant(const AutomationItem& item, const QVariant& fallback)>;
 
 LookUp inTable(SuiteRecordset& rows) {
-    return [&rows](const QString& name, const QVariant& fallback) {
-        return GetDatabaseSetting(&rows, name, fallback);
+    return [&rows](const AutomationItem& item, const QVariant& fallback) {
+        return GetDatabaseSetting(&rows, QLatin1String(item.readName), fallback);
     };
 }
 
-// All items of the table by name, read in one pass. Names match as the table's index has them: without regard
-// to case and to blanks at their end.
+// The values of all items, read from the table in one pass. As in the table's index, case and blanks at the
+// end of a name do not count.
 class StoredItems {
 public:
-    explicit StoredItems(SuiteRecordset& rows) {
+    explicit StoredItems(SuiteRecordset& rows)
+        : values_(AutomationItems().size()) {
         if (rows.bof() && rows.eof())
             return;
-        for (rows.moveFirst(); !rows.eof(); rows.moveNext())
-            values_.insert(key(rows.value(QStringLiteral("Item")).toString()),
-                           rows.value(QStringLiteral("Value")));
+        for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
+            const auto at = places().constFind(key(rows.value(QStringLiteral("Item")).toString()));
+            if (at != places().constEnd())
+                values_[*at] = rows.value(QStringLiteral("Value"));
+        }
     }
-    QVariant value(const QString& name, const QVariant& fallback) const {
-        return values_.value(key(name), fallback);
+    // None when the item has no row; invalid when its row has no value.
+    const std::optional<QVariant>& row(const AutomationItem& item) const {
+        return values_[static_cast<std::size_t>(&item - AutomationItems().data())];
     }
-    bool has(const QString& name, const QVariant& value) const {
-        const QVariant stored = values_.value(key(name));
+    bool has(const AutomationItem& item, const QVariant& value) const {
+        const std::optional<QVariant>& stored = row(item);
         const bool isFlag = value.typeId() == QMetaType::Bool;
-        return stored.isValid() &&
-               stored.toString() == (isFlag ? QString::number(value.toBool() ? -1 : 0) : value.toString());
+        return stored && stored->isValid() &&
+               stored->toString() == (isFlag ? QString::number(value.toBool() ? -1 : 0) : value.toString());
     }
 
 private:
@@ -92,14 +97,23 @@ private:
             name.chop(1);
         return name.toLower();
     }
+    // The items by name.
+    static const QHash<QString, std::size_t>& places() {
+        static const QHash<QString, std::size_t> all = [] {
+            QHash<QString, std::size_t> made;
+            for (std::size_t at = 0; at < AutomationItems().size(); ++at)
+                made.insert(key(QLatin1String(AutomationItems()[at].name)), at);
+            return made;
+        }();
+        return all;
+    }
 
-    QHash<QString, QVariant> values_;
+    std::vector<std::optional<QVariant>> values_;
 };
 
 QVariant readItem(const LookUp& lookUp, const AutomationItem& item, const KOVADatabaseSettings& record,
                   const QString& dataLocation) {
-    QVariant value =
-        lookUp(QLatin1String(item.readName), DefaultValue(item, item.readDefault, record, dataLocation));
+    QVariant value = lookUp(item, DefaultValue(item, item.readDefault, record, dataLocation));
     for (const auto& other : voiceTracker)
         if (is(item, other.item) && LeadingNumber(value.toString()) == 0)
             value = platform::ProfileInteger(QStringLiteral("Settings"), QLatin1String(other.key),
@@ -139,26 +153,37 @@ int writeItem(SuiteRecordset& rows, const StoredItems& stored, const AutomationI
     const QString name = QLatin1String(item.name);
     // The address goes on under its new name.
     if (is(item, OldAddress))
-        return stored.value(name, QString()).toString().isEmpty()
+        return stored.row(item).value_or(QVariant()).toString().isEmpty()
                    ? 0
                    : PutDatabaseSetting(&rows, name, QString(), QString());
     const QVariant value = MemberValue(item, record);
     const QVariant fallback = DefaultValue(item, item.writeDefault, record, dataLocation);
-    // Nothing is asked of the table for an item that is as it should be.
+    // The table is not searched for an item whose row is right already.
     const bool isAsItShouldBe =
-        SameStoredValue(value, fallback) ? !stored.value(name, {}).isValid() : stored.has(name, value);
+        SameStoredValue(value, fallback) ? !stored.row(item) : stored.has(item, value);
     if (isAsItShouldBe)
         return 0;
     return PutDatabaseSetting(&rows, name, value, fallback);
 }
 
+// The items in the order of writing.
+const std::vector<const AutomationItem*>& writtenItems() {
+    static const std::vector<const AutomationItem*> all = [] {
+        std::vector<const AutomationItem*> made;
+        for (const char* group : AutomationWriteOrder())
+            for (const AutomationItem& item : AutomationItems())
+                if (QLatin1String(item.name).startsWith(QLatin1String(group)))
+                    made.push_back(&item);
+        return made;
+    }();
+    return all;
+}
+
 int writeItems(SuiteRecordset& rows, const StoredItems& stored, const KOVADatabaseSettings& record,
                const QString& dataLocation) {
-    for (const char* group : AutomationWriteOrder())
-        for (const AutomationItem& item : AutomationItems())
-            if (QLatin1String(item.name).startsWith(QLatin1String(group)))
-                if (const int error = writeItem(rows, stored, item, record, dataLocation))
-                    return error;
+    for (const AutomationItem* item : writtenItems())
+        if (const int error = writeItem(rows, stored, *item, record, dataLocation))
+            return error;
     return 0;
 }
 
@@ -172,36 +197,36 @@ int putBeenSet(SuiteDatabase& database) {
     return markConfigured(*rows);
 }
 
-// Runs `write` on the settings table as one transaction, which is undone when it gives a number other than 0
-// or throws. Reports wait until it is over.
+// Runs `write` on the settings table as one transaction, which is rolled back if it returns a number other
+// than 0 or throws. Reports wait until the transaction is over.
 int inTransaction(SuiteDatabase& database, const std::function<int(SuiteRecordset& rows)>& write) {
     int error = 0;
     const HeldReports reports;
+    if (const QString why = database.readOnlyReason(); !why.isEmpty())
+        return Report(Storing, {ReadOnlyError, QStringLiteral("The database may not be changed: ") + why});
     try {
         DatabaseTransaction transaction(database);
         const auto rows = openSettings(database, &error);
         if (!rows)
             return error;
-        // Each item by itself would pass such a table over in silence.
+        // PutDatabaseSetting does nothing with such a table, and reports nothing.
         if (!rows->updatable())
-            return Report(
-                QStringLiteral("opening the K-OVA settings table"),
-                {ReadOnlyError, QStringLiteral("It may not be changed. ") + database.readOnlyReason()});
+            return Report(Storing, {ReadOnlyError, QStringLiteral("The settings table may not be changed.")});
         error = write(*rows);
         if (error == 0)
             transaction.commit();
     } catch (const DatabaseError& thrown) {
-        error = Report(QStringLiteral("updating the database setting : "), thrown);
+        error = Report(Storing, thrown);
     }
     return error;
 }
 
-// What stands in the table in place of what was read from it.
+// What others have changed in the table since it was read; `loaded` becomes the table as it is now.
 QList<AutomationChange> changesSince(const StoredItems& stored, KOVADatabaseSettings& loaded,
                                      const QString& dataLocation) {
     KOVADatabaseSettings now = loaded;
-    const auto lookUp = [&stored](const QString& name, const QVariant& fallback) {
-        return stored.value(name, fallback);
+    const auto lookUp = [&stored](const AutomationItem& item, const QVariant& fallback) {
+        return stored.row(item).value_or(fallback);
     };
     readItems(lookUp, now, dataLocation);
     QList<AutomationChange> changes;
@@ -213,8 +238,8 @@ QList<AutomationChange> changesSince(const StoredItems& stored, KOVADatabaseSett
     return changes;
 }
 
-// What the default database has from the start. 0 or, reported, the error number: also for an index that
-// could not be added, since nobody would add it later.
+// Fills the default database. 0 or, reported, the error number. An index that could not be added is an error
+// too, since nobody would add it later.
 int fillDefault(SuiteDatabase& database) {
     if (const int error = CheckTables(database, KOVADatabaseTables()))
         return error;

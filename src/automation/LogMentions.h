@@ -1,4 +1,4 @@
-// What the automation log says: entries whose texts name something that is about to go.
+// Finds entries of the automation log whose texts name something that is about to be removed.
 #pragma once
 
 #include <QList>
@@ -13,14 +13,14 @@ struct Settings;
 struct LogMention {
     double entry = 0; // its number in the log (KIndex)
     QString field;    // "ItemReference"
-    QString text;     // what stands there
+    QString text;     // of the field
 };
 
 // The database of a workstation's automation log; empty when none is chosen.
 QString AutomationLogPath(const Settings& values);
 
-// Entries of the log in the database that have a text which fits, the first such text of each, at most
-// `highest` of them. A database that cannot be read gives nothing, with a sentence in *why.
+// Entries of the log in the database that have a text which fits: the first such text of each, and at most
+// `highest` entries. None, with a sentence in *why, when the database cannot be read.
 QList<LogMention> FindInAutomationLog(const QString& path, const std::function<bool(const QString&)>& fits,
                                       int highest, QString* why = nullptr);
 

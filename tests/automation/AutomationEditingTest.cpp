@@ -9,8 +9,11 @@
 #include "databases/suite/DatabaseSettings.h"
 #include "databases/users/UsersDatabase.h"
 #include "jet/Database.h"
+#include "platform/Machine.h"
+#include "platform/host/LookOnly.h"
 #include "platform/profile/ProfileFile.h"
 #include "support/FileFaults.h"
+#include "support/FixedClock.h"
 #include "support/NoRoom.h"
 
 using namespace tolvex;
@@ -30,11 +33,13 @@ protected:
         EXPECT_EQ(ValidateKOVADatabaseTables(Path), 0);
     }
     QByteArray file() const { return machine.read(Path); }
-    // The window is opened, one change is made, and OK pressed, on another workstation.
-    void storeElsewhere(const char* item, const char* value) {
+    // On another workstation the window is opened, one change is made, and OK is pressed.
+    void storeElsewhere(const char* item, const char* value, const char* login = nullptr) {
         KOVADatabaseSettings theirs;
-        UsersState nobody(settings);
-        AutomationEditing other(theirs, settings, nobody);
+        UsersState others(settings);
+        ASSERT_TRUE(!login || OpenUserHistory(others));
+        others.currentLogin = login;
+        AutomationEditing other(theirs, settings, others);
         ASSERT_TRUE(other.open(Path));
         QString why;
         ASSERT_TRUE(SetAutomationItem(*FindAutomationItem(item), value, theirs, &why)) << why.toStdString();
@@ -221,13 +226,32 @@ TEST_F(AutomationEditingTest, EditsNothingThatCouldNotBeReadWhole) {
     EXPECT_EQ(file(), before);
 }
 
+// A row without a value is not an item without a row: it reads as 0, and not as a change of somebody else.
+TEST_F(AutomationEditingTest, ReadsARowWithoutAValueOnce) {
+    {
+        const auto database = OpenSuiteDatabase(Path);
+        const auto rows = database->open("Settings", RecordsetMode::Dynaset);
+        rows->addNew();
+        rows->set("Item", "KOVA.PreCueTime");
+        rows->update();
+    }
+    ASSERT_TRUE(editing.open(Path));
+    EXPECT_EQ(record.KOVA_PreCueTime, 0);
+    EXPECT_TRUE(editing.store());
+    EXPECT_TRUE(texts().isEmpty()) << texts().join('|').toStdString();
+    editing.close();
+    EXPECT_TRUE(rows(Path, "Settings").find("KOVA.PreCueTime,0") != std::string::npos);
+}
+
 TEST_F(AutomationEditingTest, StoresAsOneTransactionWithItsHistory) {
     ASSERT_EQ(OpenUsersDatabase(users, "C:\\DATA\\USERS\\USERS25.MDB"), 0);
     users.currentLogin = "ANN";
     ASSERT_TRUE(editing.open(Path));
     record.KOVA_PreCueTime = 33;
     ASSERT_TRUE(editing.store());
-    EXPECT_EQ(LastAutomationSave(users)->login, "ANN");
+    ASSERT_EQ(AutomationSaves(users).size(), 1);
+    EXPECT_EQ(AutomationSaves(users)[0].login, "ANN");
+    EXPECT_EQ(AutomationSaves(users)[0].computer, platform::ComputerName());
     editing.close();
     EXPECT_TRUE(rows(Path, "Settings").find("|KOVA.PreCueTime,33|") != std::string::npos);
     EXPECT_TRUE(rows(Path, "Settings").find("BeenSet,1") != std::string::npos);
@@ -280,6 +304,34 @@ TEST_F(AutomationEditingTest, AKillLeavesTheOldOrTheNewSettings) {
     EXPECT_LT(whole, operations);
 }
 
+// Only entries of the history that others made since the record was loaded: not older ones, and not our own.
+TEST_F(AutomationEditingTest, NamesWhoStoredAndWhen) {
+    FixedClock clock({{2024, 3, 4}, {14, 38, 33}});
+    ASSERT_EQ(OpenUsersDatabase(users, UsersDatabaseFile(settings)), 0);
+    users.currentLogin = "ANN";
+    ASSERT_TRUE(editing.open(Path));
+    ASSERT_TRUE(editing.store());
+    storeElsewhere("KOVA.PreCueTime", "50", "EVE");
+    ASSERT_TRUE(editing.open(Path));
+    ASSERT_TRUE(editing.store());
+    storeElsewhere("KOVA.PreCueTime", "51", "BOB");
+    clock.time = clock.time.addDays(1);
+    prompts.answers = {Answer::No, Answer::No};
+    record.KOVA_PreCueTime = 60;
+    EXPECT_FALSE(editing.store());
+    ASSERT_EQ(texts().size(), 1);
+    const QString day = QLocale::system().toString(QDate(2024, 3, 4), QLocale::ShortFormat);
+    EXPECT_TRUE(
+        texts()[0].contains("stored by BOB on " + platform::ComputerName() + " on " + day + " at 14:38:"))
+        << texts()[0].toStdString();
+    EXPECT_FALSE(texts()[0].contains("ANN") || texts()[0].contains("EVE")) << texts()[0].toStdString();
+    storeElsewhere("KOVA.PreCueTime", "52", "CID");
+    EXPECT_FALSE(editing.store());
+    EXPECT_TRUE(texts()[1].contains("stored by CID on " + platform::ComputerName() + " at 14:38:33"))
+        << texts()[1].toStdString();
+    EXPECT_FALSE(texts()[1].contains("BOB"));
+}
+
 TEST_F(AutomationEditingTest, TellsWhatOthersStoredBeforeItOverwritesIt) {
     ASSERT_TRUE(editing.open(Path));
     storeElsewhere("KOVA.PreCueTime", "50"); // and makes the table dense, which is no change
@@ -288,7 +340,8 @@ TEST_F(AutomationEditingTest, TellsWhatOthersStoredBeforeItOverwritesIt) {
     EXPECT_FALSE(editing.store());
     ASSERT_EQ(texts().size(), 1);
     EXPECT_TRUE(texts()[0].contains("KOVA.PreCueTime: \"50\", was \"20\"\n")) << texts()[0].toStdString();
-    EXPECT_EQ(texts()[0].count("was"), 1) << texts()[0].toStdString();
+    EXPECT_EQ(texts()[0].count(", was \""), 1) << texts()[0].toStdString();
+    EXPECT_TRUE(texts()[0].startsWith("Another workstation has changed settings of this database"));
     EXPECT_TRUE(rows(Path, "Settings").find("KOVA.PreCueTime,50") != std::string::npos);
 
     // Once told, it is not told again; what is stored while the question stands is.
@@ -313,6 +366,11 @@ TEST_F(AutomationEditingTest, RefusesWhatIsNotThereAnyMore) {
     machine.write("C:\\DATA\\SCHEDULE\\TEXT.MDB", "text");
     EXPECT_FALSE(editing.open("C:\\DATA\\SCHEDULE\\TEXT.MDB"));
     EXPECT_TRUE(texts().takeLast().contains("opening the database"));
+    machine.write("C:\\DATA\\SCHEDULE\\HALF.MDB", file().left(12 * 1024));
+    EXPECT_FALSE(editing.open("C:\\DATA\\SCHEDULE\\HALF.MDB"));
+    EXPECT_TRUE(texts().last().contains("There was a problem opening the ") &&
+                texts().last().contains("HALF"))
+        << texts().last().toStdString();
     make("C:\\DATA\\SCHEDULE\\ADS.MDB", AdvertsType); // has no settings
     EXPECT_FALSE(editing.open("C:\\DATA\\SCHEDULE\\ADS.MDB"));
     EXPECT_TRUE(texts().takeLast().contains("opening the K-OVA settings table"));
@@ -322,6 +380,15 @@ TEST_F(AutomationEditingTest, RefusesWhatIsNotThereAnyMore) {
         const jet::Database held = jet::Database::open(machine.host(Path).toStdString(), alone);
         EXPECT_FALSE(editing.open(Path));
         EXPECT_TRUE(texts().takeLast().contains("opening the database"));
+    }
+    prompts.forget();
+    {
+        const platform::LookOnly look;
+        ASSERT_TRUE(editing.open(Path));
+        EXPECT_EQ(editing.readOnlyReason(), "opened for reading only");
+        EXPECT_FALSE(editing.store());
+        EXPECT_TRUE(texts().takeLast().contains("storing the K-OVA settings and the error's description was "
+                                                "reported as : \n\n\"The database may not be changed: "));
     }
     prompts.forget();
     ASSERT_TRUE(editing.open(Path));

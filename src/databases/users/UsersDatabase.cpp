@@ -95,9 +95,9 @@ void openForTheRun(const QString& fileName, UsersState& state) {
     }
 }
 
-// Adds the event at the first free second from `time` on.
-void addEvent(SuiteRecordset& history, QDateTime time, const QString& loginName, qint32 action, qint32 status,
-              const QString& notes) {
+// Adds the event at the first free second from `time` on. Result: that second.
+QDateTime addEvent(SuiteRecordset& history, QDateTime time, const QString& loginName, qint32 action,
+                   qint32 status, const QString& notes) {
     const QString eventTime = QStringLiteral("EventTime");
     for (history.seek(time); !history.noMatch(); history.seek(time))
         time = time.addSecs(1);
@@ -110,7 +110,8 @@ void addEvent(SuiteRecordset& history, QDateTime time, const QString& loginName,
     for (;; time = time.addSecs(1)) {
         history.set(eventTime, time);
         try {
-            return history.update();
+            history.update();
+            return time;
         } catch (const DatabaseError& error) {
             // Another workstation was quicker.
             if (error.number != DuplicateKeyError)
@@ -210,6 +211,11 @@ void deletePreferences(SuiteDatabase& database, const QString& login) {
         rows->remove();
 }
 
+void readHistorySwitch(UsersState& state) {
+    state.InhibitUserHistory =
+        ReadRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("InhibitUserHistory"), 0) != 0;
+}
+
 } // namespace
 
 void UsersState::closeTables() {
@@ -240,14 +246,28 @@ qint16 OpenUsersDatabase(UsersState& state, const QString& fileName) {
     }
     if (today() > state.LastAccountProcess)
         ProcessUserAccounts(state, QStringLiteral("SYSTEM"));
-    state.InhibitUserHistory =
-        ReadRegistryLong(LocalMachineHive, TolvexKey, QStringLiteral("InhibitUserHistory"), 0) != 0;
+    readHistorySwitch(state);
     try {
         state.database->refresh();
     } catch (const DatabaseError& error) {
         KeepSilent(error); // it is open
     }
     return 0;
+}
+
+bool OpenUserHistory(UsersState& state) {
+    const QString file = UsersDatabaseFile(state.settings);
+    if (FileLength(file) <= 0)
+        return false;
+    CloseUsersDatabase(state);
+    try {
+        state.database = OpenSuiteDatabase(file);
+    } catch (const DatabaseError& error) {
+        KeepSilent(error, file);
+        return false;
+    }
+    readHistorySwitch(state);
+    return true;
 }
 
 void CloseUsersDatabase(UsersState& state) {
@@ -257,23 +277,25 @@ void CloseUsersDatabase(UsersState& state) {
     state.information.Path.clear();
 }
 
-void AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action, qint32 status,
-                           const QString& notes) {
+std::optional<QDateTime> AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action,
+                                               qint32 status, const QString& notes) {
     DebugLog(QStringLiteral("Started AddEventToUserHistory %1, %2, %3,%4")
                  .arg(loginName, QString::number(action), QString::number(status), notes),
              LogLevel);
     if (state.InhibitUserHistory || !state.database)
-        return;
+        return std::nullopt;
     // The suite counts events in whole seconds.
     QDateTime time = platform::clock().now();
     time.setTime(time.time().addMSecs(-time.time().msec()));
     try {
-        addEvent(*openTable(*state.database, QStringLiteral("UserHistory")), time, loginName, action, status,
-                 notes);
+        time = addEvent(*openTable(*state.database, QStringLiteral("UserHistory")), time, loginName, action,
+                        status, notes);
         state.database->refresh();
     } catch (const DatabaseError& error) {
         KeepSilent(error); // whatever is being logged goes on
+        return std::nullopt;
     }
+    return time;
 }
 
 qint16 ProcessUserAccounts(UsersState& state, const QString& by) {

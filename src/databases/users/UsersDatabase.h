@@ -44,12 +44,15 @@ QString UsersDatabaseFile(const Settings& settings);
 // file, and does the daily processing of accounts when it is due. Result: 0; -1 when the file could not be
 // made or opened; else an error number.
 qint16 OpenUsersDatabase(UsersState& state, const QString& fileName);
+// Opens the station's users database for its history alone, as a shell does: nothing is made, upgraded,
+// imported or processed. False when there is none, or it cannot be opened; that is not reported.
+bool OpenUserHistory(UsersState& state);
 void CloseUsersDatabase(UsersState& state);
 
-// Enters an event, at the next second that has none. A failure is never reported: what is being logged goes
-// on. Cost: one commit.
-void AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action, qint32 status,
-                           const QString& notes);
+// Enters an event at the next second that has none. A failure is never reported, since what is being logged
+// goes on. Result: the time under which it was entered, none when it was not. Cost: one commit.
+std::optional<QDateTime> AddEventToUserHistory(UsersState& state, const QString& loginName, qint32 action,
+                                               qint32 status, const QString& notes);
 
 // Actions and outcomes in the history.
 enum UserHistoryAction : qint32 { AccountDisabled = 21, AccountDeleted = 22, AutomationSettingsSaved = 129 };
