@@ -361,7 +361,7 @@ TEST(ColourButton, ChoosesByTheKeyboardAndShowsItsColourOnThePanel) {
     QTest::keyClick(ground, Qt::Key_Space);
     EXPECT_EQ(ground->colour(), 0x0000FF);
     EXPECT_EQ(prompts.colourInitials, (QList<qint32>{0xFFFFFF, 0xFFFFFF}));
-    EXPECT_EQ(ground->accessibleDescription(), "Color #FF0000");
+    EXPECT_EQ(ground->accessibleDescription(), "Colour #FF0000");
     EXPECT_EQ(panel->grab().toImage().pixelColor(1, 1), QColor(255, 0, 0));
     text->setColour(0x2020FF);
     EXPECT_TRUE(panel->toolTip().endsWith("hard to read")) << panel->toolTip().toStdString();

@@ -1,4 +1,4 @@
-// The values of this folder's tables, which are variants, and those of controls.
+// Converts between the values of this folder's tables, which are variants, and those of controls.
 #pragma once
 
 #include "ui/binding/Controls.h"

@@ -16,12 +16,15 @@
 #include "ui/binding/FormChanges.h"
 #include "ui/style/Colours.h"
 #include "ui/style/OpenForms.h"
+#include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
 #include "ui_frmKOVADatabaseSettings.h"
 
+#include <QFontDatabase>
 #include <QFontDialog>
 #include <QLocale>
 #include <QTabBar>
+#include <QToolButton>
 
 namespace tolvex {
 
@@ -32,16 +35,61 @@ using Kind = AutomationField::Kind;
 constexpr int LongestNumber = 10; // digits
 constexpr int ShownDigits = 5;    // of a box for a number that is not longer as a rule
 constexpr int StationPorts = 20;
-constexpr int FirstReadable = 6; // points, of a font
-constexpr int MiddleLightness = 128;
+constexpr qint32 Black = 0;
+constexpr qint32 White = 0xFFFFFF;
 
 QFont fontOf(const KOVADatabaseSettings& record) {
-    QFont font(record.KOVA_LogFont_FontName, qMax<int>(record.KOVA_LogFont_FontSize, FirstReadable));
+    QFont font(record.KOVA_LogFont_FontName, qMax<int>(record.KOVA_LogFont_FontSize, 1));
     font.setBold(record.KOVA_LogFont_FontBold);
     font.setItalic(record.KOVA_LogFont_FontItalic);
     font.setStrikeOut(record.KOVA_LogFont_FontStrikeThru);
     font.setUnderline(record.KOVA_LogFont_FontUnderLine);
     return font;
+}
+
+// Which parts of a font the user has changed in the dialog. It shows another font for one that is not
+// installed on this machine, and must not choose that for the user.
+class FontChanges {
+public:
+    explicit FontChanges(QFontDialog& dialog)
+        : last_(dialog.currentFont()) {
+        QObject::connect(&dialog, &QFontDialog::currentFontChanged, &dialog,
+                         [this](const QFont& now) { note(now); });
+    }
+    void takeInto(KOVADatabaseSettings& record) const {
+        if (family_)
+            record.KOVA_LogFont_FontName = last_.family();
+        if (size_)
+            record.KOVA_LogFont_FontSize = static_cast<qint16>(last_.pointSize());
+        if (style_) {
+            record.KOVA_LogFont_FontBold = last_.bold();
+            record.KOVA_LogFont_FontItalic = last_.italic();
+        }
+        if (effects_) {
+            record.KOVA_LogFont_FontStrikeThru = last_.strikeOut();
+            record.KOVA_LogFont_FontUnderLine = last_.underline();
+        }
+    }
+
+private:
+    void note(const QFont& now) {
+        family_ = family_ || now.family() != last_.family();
+        size_ = size_ || now.pointSize() != last_.pointSize();
+        style_ = style_ || now.bold() != last_.bold() || now.italic() != last_.italic();
+        effects_ = effects_ || now.strikeOut() != last_.strikeOut() || now.underline() != last_.underline();
+        last_ = now;
+    }
+
+    QFont last_;
+    bool family_ = false;
+    bool size_ = false;
+    bool style_ = false;
+    bool effects_ = false;
+};
+
+// Black or white, whichever is easier to read on a colour.
+qint32 readableOn(const QColor& ground) {
+    return Contrast(ground, Qt::black) < Contrast(ground, Qt::white) ? White : Black;
 }
 
 std::function<bool(const FormView&)> computerIs(std::initializer_list<int> choices) {
@@ -68,7 +116,12 @@ frmKOVADatabaseSettings::frmKOVADatabaseSettings(KOVADatabaseSettings& record, c
     showColours();
     connectButtons();
     addRules();
+    ui_->lblReadOnly->hide();
+    ui_->lblReadOnly->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
     ui_->tbsKOVA->setCurrentIndex(0);
+    // On a small screen the tab bar has arrows. The keys need none of them.
+    for (QToolButton* arrow : ui_->tbsKOVA->tabBar()->findChildren<QToolButton*>())
+        arrow->setFocusPolicy(Qt::NoFocus);
     ui_->tbsKOVA->setEnabled(false);
     ui_->cmdOK->setEnabled(false);
 }
@@ -98,11 +151,9 @@ void frmKOVADatabaseSettings::prepareBoxes() {
 }
 
 void frmKOVADatabaseSettings::showColours() {
-    // Only these paint their samples; they begin as the program looks.
-    for (ColourButton* button :
-         {ui_->cmdAutomationFore, ui_->cmdLiveAssistFore, ui_->cmdStandbyFore, ui_->cmdStatusFore})
-        button->setColour(SystemButtonText);
+    // These only paint their samples, and are not stored.
     ui_->cmdStatusback->setColour(SystemButtonFace);
+    ui_->cmdStatusFore->setColour(SystemButtonText);
     for (const AutomationPanel& panel : AutomationPanels()) {
         QWidget* sample = ControlNamed(this, QLatin1String(panel.panel));
         auto* ground = findChild<ColourButton*>(QLatin1String(panel.ground));
@@ -110,13 +161,12 @@ void frmKOVADatabaseSettings::showColours() {
             ShowColoursOn(sample, ground, findChild<ColourButton*>(QLatin1String(panel.text)));
             continue;
         }
-        // The players write these entries in their own color: here it is one that can be read.
+        // The players choose the colour of the text: here it is one that can be read.
         connect(ground, &ColourButton::colourChanged, sample, [sample, ground] {
             const QColor colour = ToColor(ground->colour(), ground->palette());
-            sample->setStyleSheet(QStringLiteral("background-color: %1; color: %2;")
-                                      .arg(colour.name(), colour.lightness() < MiddleLightness
-                                                              ? QStringLiteral("white")
-                                                              : QStringLiteral("black")));
+            sample->setStyleSheet(
+                QStringLiteral("background-color: %1; color: %2;")
+                    .arg(colour.name(), ToColor(readableOn(colour), ground->palette()).name()));
         });
     }
 }
@@ -192,8 +242,14 @@ void frmKOVADatabaseSettings::setDatabase(const QString& name, const QString& co
         return;
     }
     record_ = shown_;
+    const QString why = editing_.readOnlyReason();
+    ui_->lblReadOnly->setVisible(!why.isEmpty());
+    ui_->lblReadOnly->setText(
+        QStringLiteral("These settings can be read but not stored: the database is read-only (%1).")
+            .arg(why));
     ui_->tbsKOVA->setEnabled(true);
     ui_->cmdOK->setEnabled(true);
+    ui_->txtSegPreviewLength->setFocus();
     display();
 }
 
@@ -201,6 +257,14 @@ void frmKOVADatabaseSettings::display() {
     const AutomationEntries shown = ShowAutomationSettings(shown_);
     for (auto entry = shown.begin(); entry != shown.end(); ++entry)
         SetValueOf(ControlNamed(this, entry.key()), ToControl(entry.value()));
+    // Their colours are not stored either, and begin readable.
+    const std::pair<ColourButton*, const ColourButton*> modes[] = {
+        {ui_->cmdAutomationFore, ui_->cmdAutomationBack},
+        {ui_->cmdLiveAssistFore, ui_->cmdLiveAssistBack},
+        {ui_->cmdStandbyFore, ui_->cmdStandbyBack}};
+    for (const auto& [text, ground] : modes)
+        text->setColour(IsSystemColour(ground->colour()) ? SystemButtonText
+                                                         : readableOn(ToColor(ground->colour(), palette())));
     showFont();
     showFormat();
     showSamples();
@@ -217,8 +281,11 @@ void frmKOVADatabaseSettings::display() {
 
 void frmKOVADatabaseSettings::showFont() {
     ui_->pnlLogPreview->setFont(fontOf(shown_));
-    ui_->lblLogFont->setText(
-        QStringLiteral("%1, %2 points").arg(shown_.KOVA_LogFont_FontName).arg(shown_.KOVA_LogFont_FontSize));
+    QString text =
+        QStringLiteral("%1, %2 points").arg(shown_.KOVA_LogFont_FontName).arg(shown_.KOVA_LogFont_FontSize);
+    if (!QFontDatabase::hasFamily(shown_.KOVA_LogFont_FontName))
+        text += QStringLiteral(" (not installed here, so another font stands in for it)");
+    ui_->lblLogFont->setText(text);
 }
 
 void frmKOVADatabaseSettings::showFormat() {
@@ -288,17 +355,13 @@ void frmKOVADatabaseSettings::chooseFormat() {
 }
 
 void frmKOVADatabaseSettings::chooseFont() {
-    bool chosen = false;
-    const QFont font = QFontDialog::getFont(&chosen, fontOf(shown_), this, QStringLiteral("Font"),
-                                            QFontDialog::DontUseNativeDialog);
-    if (!chosen)
+    QFontDialog dialog(fontOf(shown_), this);
+    dialog.setOption(QFontDialog::DontUseNativeDialog);
+    dialog.setWindowTitle(QStringLiteral("Font"));
+    FontChanges changes(dialog);
+    if (dialog.exec() != QDialog::Accepted)
         return;
-    shown_.KOVA_LogFont_FontName = font.family();
-    shown_.KOVA_LogFont_FontSize = static_cast<qint16>(font.pointSize());
-    shown_.KOVA_LogFont_FontBold = font.bold();
-    shown_.KOVA_LogFont_FontItalic = font.italic();
-    shown_.KOVA_LogFont_FontStrikeThru = font.strikeOut();
-    shown_.KOVA_LogFont_FontUnderLine = font.underline();
+    changes.takeInto(shown_);
     showFont();
 }
 

@@ -1,5 +1,5 @@
-// Edits the settings of one automation database. It stays above other windows, and keeps the database open as
-// long as it is there; nothing is written before OK.
+// Edits the settings of one automation database. The window stays above others and keeps the database open
+// while it is there. Nothing is written before OK.
 #pragma once
 
 #include "automation/AutomationEditing.h"
@@ -20,13 +20,13 @@ class frmKOVADatabaseSettings : public QDialog {
     Q_OBJECT
 
 public:
-    // All three outlive the form. `record` gets what is loaded and what is stored.
+    // All three outlive the form. `record` becomes what is loaded, and then what is stored.
     frmKOVADatabaseSettings(KOVADatabaseSettings& record, const Settings& settings, UsersState& users,
                             QWidget* parent = nullptr);
     ~frmKOVADatabaseSettings() override;
 
-    // The database, a file by its full name or with `connect` one on a server. Tabs and OK stay disabled
-    // without it.
+    // Opens a database: a file by its full name, or with `connect` one on a server. Tabs and OK are disabled
+    // when that fails.
     void setDatabase(const QString& name, const QString& connect = {});
 
     QSize sizeHint() const override;
@@ -54,7 +54,7 @@ private:
 
     KOVADatabaseSettings& record_;
     const Settings& settings_;
-    KOVADatabaseSettings shown_; // font and audio format are changed here; the rest stands in the controls
+    KOVADatabaseSettings shown_; // as loaded, with the font and the format that the user chose
     AutomationEditing editing_;
     AutomationEntries loaded_;
     std::unique_ptr<Ui::frmKOVADatabaseSettings> ui_;

@@ -4,12 +4,14 @@
 #include "automation/AutomationSetup.h"
 #include "automation/forms/ControlVariants.h"
 #include "automation/forms/frmKOVADatabaseSettings.h"
+#include "core/report/Folders.h"
 #include "core/report/ProblemReport.h"
 #include "core/settings/Settings.h"
-#include "databases/forms/frmChooseDatabase.h"
+#include "core/settings/StoredSettings.h"
 #include "databases/suite/DatabaseInformation.h"
 #include "databases/suite/DatabaseKinds.h"
 #include "platform/Prompts.h"
+#include "platform/profile/ProfileFile.h"
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormChanges.h"
@@ -17,6 +19,7 @@
 #include "ui/style/FitForm.h"
 #include "ui/style/Monitors.h"
 #include "ui/style/OpenForms.h"
+#include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
 #include "ui_frmKOVASetup.h"
 
@@ -41,6 +44,7 @@ frmKOVASetup::frmKOVASetup(Settings& settings, KOVADatabaseSettings& automation,
     EnterForm(this);
     TakeDigits(ui_->txtReleaseTime, LongestTime);
     SetWidthInDigits(ui_->txtReleaseTime, LongestTime);
+    ui_->lblKOVADatabaseFault->setStyleSheet(QStringLiteral("color: %1;").arg(tokens().warningText.name()));
     showSettings();
     connect(ui_->cmdClearKOVADatabase, &QPushButton::clicked, this, [this] { setFileName({}); });
     connect(ui_->cmdSelectKOVADatabase, &QPushButton::clicked, this, &frmKOVASetup::choose);
@@ -79,6 +83,10 @@ QString frmKOVASetup::databasePath() const {
 
 void frmKOVASetup::setFileName(const QString& name) {
     ui_->lblKOVADatabaseFName->setText(name);
+    const bool isMissing = !name.trimmed().isEmpty() && FileLength(databasePath()) <= 0;
+    ui_->lblKOVADatabaseFault->setVisible(isMissing);
+    ui_->lblKOVADatabaseFault->setText(
+        isMissing ? QStringLiteral("This file is not in %1.").arg(AutomationFolder(settings_)) : QString());
     if (name.trimmed().isEmpty()) {
         showDescription({});
         return;
@@ -88,8 +96,8 @@ void frmKOVASetup::setFileName(const QString& name) {
     showDescription(information.Description + u' ');
 }
 
-// A database with a description can be configured. One that cannot be read has a blank, so that what is wrong
-// with it shows when its settings are opened.
+// A database with a description can be configured. The description of one that cannot be read is a blank, so
+// that Settings can be pressed and says what is wrong.
 void frmKOVASetup::showDescription(const QString& text) {
     ui_->lblKOVADatabaseDescription->setText(text);
     ui_->cmdKOVADBSettings->setEnabled(!text.isEmpty());
@@ -98,11 +106,35 @@ void frmKOVASetup::showDescription(const QString& text) {
 }
 
 void frmKOVASetup::choose() {
-    const QString name = ChooseDatabase(this, AutomationFolder(settings_), KOVAType);
+    const QString name = ChooseDatabase(this, AutomationFolder(settings_), KOVAType, this);
     if (name.isEmpty())
         return;
     setFileName(name);
     ValidateKOVADatabaseTables(databasePath());
+}
+
+bool frmKOVASetup::isOwn(const QString& fileName) const {
+    return fileName.compare(ui_->lblKOVADatabaseFName->text(), Qt::CaseInsensitive) == 0;
+}
+
+void frmKOVASetup::DatabaseDeleted(const QString& fileName, qint32 /*type*/) {
+    if (!isOwn(fileName))
+        return;
+    setFileName({});
+    ShowExclamation(
+        QStringLiteral("%1 was the automation database of this workstation. Choose another one and "
+                       "press OK in K-OVA Setup, or the player finds none.")
+            .arg(fileName));
+}
+
+void frmKOVASetup::DatabaseRenamed(const QString& from, const QString& to, qint32 /*type*/) {
+    if (!isOwn(from))
+        return;
+    setFileName(to);
+    ShowExclamation(
+        QStringLiteral("%1 was the automation database of this workstation. Press OK in K-OVA Setup "
+                       "to store its new name, %2, or the player does not find it.")
+            .arg(from, to));
 }
 
 void frmKOVASetup::showPlace(const QString& place) {
@@ -127,11 +159,16 @@ void frmKOVASetup::ok() {
                        QStringLiteral("This number has to lie between 0 and %1.").arg(INT16_MAX));
         return;
     }
+    Settings next = settings_;
     for (const AutomationKey& key : AutomationKeys())
-        SetAutomationKeyValue(settings_, key,
+        SetAutomationKeyValue(next, key,
                               FromControl(ValueOf(ControlNamed(this, QLatin1String(key.control)))));
-    if (const int error = StoreAutomationSetup(settings_))
-        ProblemReport(QStringLiteral("saving the K-OVA settings"), error);
+    // What is not in the file must not be in memory: the next save would bring it there.
+    if (const int error = StoreAutomationSetup(next)) {
+        ShowExclamation(ProfileErrorText(error, platform::ProfilePath(settings_.LocalIniFile)));
+        return;
+    }
+    settings_ = next;
     accept();
 }
 

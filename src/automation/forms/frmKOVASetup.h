@@ -1,6 +1,8 @@
 // The workstation's side of the automation player: its default database, and how it shares station control.
 #pragma once
 
+#include "databases/forms/frmChooseDatabase.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -16,7 +18,7 @@ struct Settings;
 struct UsersState;
 class FormChanges;
 
-class frmKOVASetup : public QDialog {
+class frmKOVASetup : public QDialog, private DatabaseChooserCaller {
     Q_OBJECT
 
 public:
@@ -32,6 +34,11 @@ public:
     Q_INVOKABLE void showPlace(const QString& place);
 
 private:
+    // The chooser changed the file of a database: this window follows its own one, and says so.
+    void DatabaseDeleted(const QString& fileName, qint32 type) override;
+    void DatabaseRenamed(const QString& from, const QString& to, qint32 type) override;
+    bool isOwn(const QString& fileName) const;
+
     void showSettings();
     QString databasePath() const;
     void setFileName(const QString& name);

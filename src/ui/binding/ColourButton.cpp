@@ -17,7 +17,8 @@ constexpr double ReadableContrast = 4.5;
 
 QString colourName(qint32 colour, const QPalette& palette) {
     const QString name = ToColor(colour, palette).name().toUpper();
-    return colour < 0 ? QStringLiteral("Color of the system, now ") + name : QStringLiteral("Color ") + name;
+    return IsSystemColour(colour) ? QStringLiteral("Colour of the system, now ") + name
+                                  : QStringLiteral("Colour ") + name;
 }
 
 } // namespace

@@ -7,7 +7,9 @@
 #include "automation/forms/frmKOVADatabaseSettings.h"
 #include "automation/forms/frmKOVASetup.h"
 #include "core/settings/Settings.h"
+#include "databases/suite/DatabaseSettings.h"
 #include "databases/users/UsersDatabase.h"
+#include "platform/host/LookOnly.h"
 #include "platform/profile/ProfileFile.h"
 #include "support/FixedClock.h"
 #include "ui/binding/ColourButton.h"
@@ -251,7 +253,14 @@ TEST_F(AutomationFormsTest, RefusesAtTheFieldAndWritesNothing) {
 TEST_F(AutomationFormsTest, ShowsWhatFollowsFromTheControls) {
     const FixedClock clock({{2024, 3, 5}, {9, 0}});
     make("C:\\DATA\\ADS.MDB", AdvertsType, "The clients");
+    {
+        const auto database = OpenSuiteDatabase(Path);
+        const auto rows = database->open("Settings", RecordsetMode::Dynaset);
+        PutDatabaseSetting(rows.get(), "KOVA.LogFont.FontName", "No such font", 0);
+    }
     openSettings();
+    EXPECT_EQ(form->focusWidget()->objectName(), "txtSegPreviewLength");
+    EXPECT_EQ(find<ColourButton>("cmdAutomationFore")->colour(), 0); // black can be read on pure green
     EXPECT_EQ(text("lblMusicSampleFilename"), "TL240305.LOG");
     auto* format = qobject_cast<QComboBox*>(reach("comboMusicFilenameFormat"));
     format->lineEdit()->selectAll();
@@ -279,16 +288,23 @@ TEST_F(AutomationFormsTest, ShowsWhatFollowsFromTheControls) {
     click("cmdSelectAudioFormat");
     EXPECT_TRUE(text("lblAudioFormat").contains("48.000 kHz") && text("lblAudioFormat").endsWith("Mono "))
         << text("lblAudioFormat").toStdString();
-    withNextWindow([](QWidget& dialog) {
-        auto* fonts = qobject_cast<QFontDialog*>(&dialog);
-        QFont font = fonts->currentFont();
-        font.setPointSize(20);
-        font.setItalic(true);
-        fonts->setCurrentFont(font);
-        QTest::keyClick(fonts, Qt::Key_Return);
-    });
-    click("cmdSelectLogFont");
-    EXPECT_EQ(find<QWidget>("pnlLogPreview")->font().pointSize(), 20);
+    // The dialog shows another font for one that is not installed: it stays, whatever else is chosen.
+    for (const int points : {12, 20}) {
+        withNextWindow([points](QWidget& dialog) {
+            auto* fonts = qobject_cast<QFontDialog*>(&dialog);
+            QFont font = fonts->currentFont();
+            font.setPointSize(points);
+            font.setItalic(points == 20);
+            fonts->setCurrentFont(font);
+            QTest::keyClick(fonts, Qt::Key_Return);
+        });
+        click("cmdSelectLogFont");
+        EXPECT_EQ(find<QWidget>("pnlLogPreview")->font().pointSize(), points);
+        EXPECT_EQ(text("lblLogFont"),
+                  QStringLiteral("No such font, %1 points (not installed here, so another "
+                                 "font stands in for it)")
+                      .arg(points));
+    }
     prompts.colours = {255, 0xFF0000};
     click("cmdStatusback"); // paints its sample and nothing else
     EXPECT_TRUE(find<QWidget>("pnlStatus")->styleSheet().contains("#ff0000"));
@@ -303,6 +319,8 @@ TEST_F(AutomationFormsTest, ShowsWhatFollowsFromTheControls) {
     EXPECT_EQ(now.SEGUE_VoiceLinkChannels, 1);
     EXPECT_EQ(now.KOVA_LogFont_FontSize, 20);
     EXPECT_TRUE(now.KOVA_LogFont_FontItalic);
+    EXPECT_EQ(now.KOVA_LogFont_FontName, "No such font");
+    EXPECT_TRUE(find<QWidget>("lblReadOnly")->isHidden());
     EXPECT_EQ(now.KOVA_LogBackColor, 0xFF0000);
     EXPECT_EQ(now.KOVA_LogForeColor, static_cast<qint32>(0x80000012)); // a system colour survives
     EXPECT_EQ(now.MUSIC_FilenameFormat, "d-mmm");
@@ -322,6 +340,12 @@ TEST_F(AutomationFormsTest, OpensADatabaseOnAServerAndNoneThatIsGone) {
     EXPECT_FALSE(form->isVisible()) << texts().join('|').toStdString();
     openSettings("kova", connect());
     EXPECT_EQ(typed("txtPrecueTime"), "33");
+    {
+        const platform::LookOnly look;
+        openSettings();
+        EXPECT_TRUE(find<QWidget>("lblReadOnly")->isVisible());
+        EXPECT_TRUE(text("lblReadOnly").contains("(opened for reading only)"));
+    }
     // And a file that goes while its settings are on the screen.
     openSettings();
     type("txtPrecueTime", "44");
@@ -376,6 +400,17 @@ TEST_F(AutomationFormsTest, SetsUpTheWorkstation) {
         "GetControlKLogStart=0\r\n");
     EXPECT_EQ(settings.DefaultDatabase, "OLD.MDB");
 
+    // A file that may not be written keeps the window open, and the settings as they were.
+    openSetup();
+    click("chkGenerateAdvertRecFiles");
+    {
+        const platform::LookOnly look;
+        click("cmdOK");
+    }
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_TRUE(texts().takeLast().contains("C:\\WINDOWS\\TOLVEX.INI was not changed: it "));
+    EXPECT_NE(settings.GenerateAdvertRecFiles, 0);
+
     openSetup();
     EXPECT_TRUE(on("chkAllowControl"));
     click("cmdClearKOVADatabase");
@@ -386,4 +421,34 @@ TEST_F(AutomationFormsTest, SetsUpTheWorkstation) {
     click("cmdCancel");
     EXPECT_EQ(machine.read("C:\\WINDOWS\\TOLVEX.INI"), before);
     EXPECT_EQ(settings.DefaultDatabase, "OLD.MDB");
+}
+
+// What the chooser does to the workstation's own database is followed; a file that is gone is told.
+TEST_F(AutomationFormsTest, FollowsItsOwnDatabase) {
+    settings.DefaultDatabase = "KOVA26.MDB";
+    qputenv("XDG_DATA_HOME", machine.path().toUtf8());
+    openSetup();
+    const auto inChooser = [this](const char* action) {
+        withNextWindow([action](QWidget& chooser) {
+            waitForRows(chooser);
+            chooser.findChild<QAction*>(action)->trigger();
+            QTest::keyClick(&chooser, Qt::Key_Escape);
+        });
+        click("cmdSelectKOVADatabase");
+    };
+    prompts.typed = {QString("NEW")};
+    inChooser("mnuRename");
+    EXPECT_EQ(text("lblKOVADatabaseFName"), "NEW.MDB");
+    EXPECT_EQ(text("lblKOVADatabaseDescription"), "The log ");
+    EXPECT_TRUE(texts().last().startsWith("KOVA26.MDB was the automation database of this workstation."));
+    EXPECT_TRUE(find<QWidget>("lblKOVADatabaseFault")->isHidden());
+    prompts.answers = {Answer::Yes, Answer::Yes};
+    inChooser("mnuDelete");
+    EXPECT_EQ(text("lblKOVADatabaseFName"), "");
+    EXPECT_TRUE(texts().last().startsWith("NEW.MDB was the automation database of this workstation."));
+    prompts.answers = {Answer::Yes}; // the changes are lost
+    click("cmdCancel");
+    openSetup();
+    EXPECT_EQ(text("lblKOVADatabaseFault"), "This file is not in C:\\DATA\\SCHEDULE.");
+    EXPECT_TRUE(find<QWidget>("lblKOVADatabaseFault")->isVisible());
 }
