@@ -2,6 +2,7 @@
 
 #include "audio/CartLists.h"
 #include "audio/CartStore.h"
+#include "automation/LogMentions.h"
 #include "core/report/Folders.h"
 #include "core/settings/SettingsLoader.h"
 #include "core/text/Numbers.h"
@@ -79,6 +80,8 @@ ConfigurationStatus LookAtConfiguration(Workstation& station) {
     status.linkMeshId = values.LinkMeshId;
     status.cartPlayers = values.TotalNumberCartPlayers;
     status.missing = CheckConfiguration(station).split(u'\n', Qt::SkipEmptyParts);
+    if (const QString log = AutomationLogPath(values); !log.isEmpty() && FileLength(log) <= 0)
+        status.missing << QStringLiteral("The automation database %1 could not be found").arg(log);
     for (int number = 1; number <= CartPartCount; ++number) {
         const CartPart& part = values.CartPartTable[number];
         const bool needed = number <= lastPart(values);

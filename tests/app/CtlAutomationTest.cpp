@@ -68,6 +68,10 @@ TEST_F(CtlAutomation, SetsItemsAsTheWindowWould) {
     EXPECT_EQ(item("KOVA.LogBackColor"), "0x8000000f");
     EXPECT_EQ(set("KOVA.Cart_Normal_Fade", "2.5").status, 0);
     EXPECT_EQ(item("KOVA.Cart_Normal_Fade"), "2.5");
+    EXPECT_EQ(set("ADVERTS.LogPath", "C:\\TOLVEX\\LOGS\\").status, 0); // mended as in the window
+    EXPECT_EQ(item("ADVERTS.LogPath"), "C:\\TOLVEX\\LOGS");
+    EXPECT_EQ(set("SEGUE.VoiceLinkChannels", "1").status, 0);
+    EXPECT_EQ(item("SEGUE.VoiceLinkChannels"), "1");
 
     const QByteArray before = read(onC("DATA/SCHEDULE/KOVA26.mdb"));
     const struct {
@@ -87,6 +91,11 @@ TEST_F(CtlAutomation, SetsItemsAsTheWindowWould) {
         {"SEGUE.VoiceEndCart", "8000", 3, "You must choose a valid cart number range"},
         {"KOVA.AutoRestartDelay", "32001", 3, "You must set the automatic restart delay"},
         {"KOVA.SCComputerPort", "5", 3, "it would be stored as \"0\""},
+        {"KOVA.LogFont.FontSize", "0", 2, "from 1 to 32767"},
+        {"KOVA.LogFont.FontName", " ", 2, "has to be the name of a font"},
+        {"SEGUE.VoiceLinkFormat", "77", 2, "Format 77 44.100 kHz"},
+        {"SEGUE.VoiceLinkChannels", "77", 2, "77 Channels"},
+        {"SEGUE.VoiceLinkKhz", "0", 2, "cannot be recorded here"},
     };
     for (const auto& each : refused) {
         const Result result = set(each.name, each.value);
@@ -100,6 +109,29 @@ TEST_F(CtlAutomation, SetsItemsAsTheWindowWould) {
     EXPECT_EQ(automation({"settings", "put", "A", "B"}).status, 2);
 }
 
+TEST_F(CtlAutomation, EntersTheHistoryAndSaysWhatIsMissing) {
+    automation({"choose", "KOVA26"});
+    EXPECT_EQ(automation({"settings", "set", "KOVA.PreCueTime", "30"}).status, 0); // there is no history yet
+    run({"db", "create", "C:\\DATA\\USERS\\USERS25", "--type", "0"});
+    EXPECT_EQ(run({"users", "history"}).out, "");
+    EXPECT_EQ(automation({"settings", "set", "KOVA.PreCueTime", "31"}).status, 0);
+    const QJsonArray history = run({"--json", "users", "history"}).json().array();
+    ASSERT_EQ(history.size(), 1);
+    EXPECT_EQ(history[0]["action"].toInt(), 129);
+    EXPECT_EQ(history[0]["status"].toInt(), 1);
+
+    const QString log = onC("DATA/SCHEDULE/KOVA26.mdb");
+    ASSERT_TRUE(QFile::copy(log, onC("DATA/SCHEDULE/HALF.MDB")));
+    QFile(onC("DATA/SCHEDULE/HALF.MDB")).resize(QFileInfo(log).size() - 1000);
+    const Result list = automation({"list"});
+    EXPECT_TRUE(list.err.contains("The end of C:\\DATA\\SCHEDULE\\HALF.MDB is missing"))
+        << list.err.toStdString();
+    EXPECT_FALSE(list.err.contains("KOVA26"));
+    EXPECT_FALSE(run({"status"}).out.contains("automation database"));
+    EXPECT_EQ(run({"db", "rename", log, "OTHER"}).status, 0);
+    EXPECT_TRUE(run({"status"}).out.contains("The automation database C:\\DATA\\SCHEDULE\\KOVA26.mdb could"));
+}
+
 TEST_F(CtlAutomation, CopiesRenamesAndDeletesDatabases) {
     const QString log = "C:\\DATA\\SCHEDULE\\KOVA26.mdb";
     EXPECT_EQ(run({"db", "copy", log, "backup"}).status, 2);
@@ -109,14 +141,17 @@ TEST_F(CtlAutomation, CopiesRenamesAndDeletesDatabases) {
         run({"--json", "db", "info", "C:\\DATA\\SCHEDULE\\SECOND.MDB"}).json()["description"].toString(),
         "Copy of Log");
     EXPECT_EQ(run({"db", "rename", log, "second"}).status, 3);
-    EXPECT_EQ(run({"db", "rename", log, "THIRD"}).status, 0);
+    EXPECT_EQ(run({"db", "rename", log, "THIRD.DAT"}).status, 0);
+    EXPECT_EQ(run({"db", "rename", "C:\\DATA\\SCHEDULE\\third.dat", "THIRD"}).status, 0);
     EXPECT_EQ(run({"db", "delete", log}).status, 1);
     const QString third = "C:\\DATA\\SCHEDULE\\THIRD.MDB";
-    EXPECT_EQ(run({"db", "delete", third}).status, 1); // the question's default is No
+    const Result kept = run({"db", "delete", third});
+    EXPECT_EQ(kept.status, 1); // the question's default is No
+    EXPECT_TRUE(kept.err.contains("delete this K-Ova V2.6 Database (Log)?")) << kept.err.toStdString();
     const Result deleted = shell("mkdir " + home() + "/share; XDG_DATA_HOME=" + home() +
                                  "/share \"$ctl\" --yes db delete '" + third + "'");
     EXPECT_EQ(deleted.status, 0);
-    EXPECT_TRUE(deleted.err.contains("lies in the trash")) << deleted.err.toStdString();
+    EXPECT_TRUE(deleted.err.contains("is now in the trash")) << deleted.err.toStdString();
     EXPECT_EQ(QDir(onC("DATA/SCHEDULE")).entryList(QDir::Files), QStringList{"SECOND.MDB"});
 }
 

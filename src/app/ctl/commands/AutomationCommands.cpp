@@ -6,11 +6,14 @@
 #include "automation/AutomationSetup.h"
 #include "core/report/Folders.h"
 #include "core/settings/Settings.h"
+#include "core/settings/StoredSettings.h"
 #include "core/text/PathNames.h"
 #include "databases/store/SuiteDatabase.h"
 #include "databases/suite/DatabaseInformation.h"
 #include "databases/suite/DatabaseKinds.h"
 #include "databases/suite/DatabaseList.h"
+#include "databases/users/UsersDatabase.h"
+#include "platform/profile/ProfileFile.h"
 
 #include <cctype>
 #include <optional>
@@ -19,7 +22,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// The exit status that says why the settings are not there, or nothing.
+// The exit status when the settings could not be read.
 std::optional<int> readSettings(const Call& call) {
     if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
@@ -50,11 +53,9 @@ int show(Call& call) {
 }
 
 int store(const Call& call) {
-    if (const int error = StoreAutomationSetup(call.station.settings))
-        return call.fail(QStringLiteral("%1 could not be written (error %2).")
-                             .arg(call.station.settings.LocalIniFile)
-                             .arg(error),
-                         error);
+    Settings& settings = call.station.settings;
+    if (const int error = StoreAutomationSetup(settings))
+        return call.fail(ProfileErrorText(error, platform::ProfilePath(settings.LocalIniFile)), error);
     return Done;
 }
 
@@ -64,14 +65,14 @@ int wrongType(const Call& call, const DatabaseInformation& found) {
                          .arg(found.Type));
 }
 
-// Makes a database the workstation's, brought up to date.
+// Brings a database up to date and makes it the workstation's.
 int chooseDatabase(const Call& call, const QString& given) {
     Settings& settings = call.station.settings;
     const QString name = WithDatabaseExtension(FileNameOf(given));
     const QString folder = AutomationFolder(settings);
     const QString path = folder + u'\\' + name;
     if (FileNameOf(given) != given && FolderOf(given).compare(folder, Qt::CaseInsensitive) != 0)
-        return call.wrong(QStringLiteral("The database has to lie in %1.").arg(folder));
+        return call.wrong(QStringLiteral("The database has to be in %1.").arg(folder));
     DatabaseInformation found;
     if (FileLength(path) <= 0)
         return call.no(QStringLiteral("There is no database %1.").arg(path));
@@ -127,6 +128,8 @@ int list(Call& call) {
         const ListedDatabase found = LookAtDatabase(path);
         if (found.error != 0)
             call.output.note(QStringLiteral("%1: %2 (error %3)").arg(path, found.errorText).arg(found.error));
+        if (found.isCutShort)
+            call.output.note(CutShortText(path));
         if (found.error != 0 || found.type != KOVAType)
             continue;
         const bool own = found.fileName.compare(settings.DefaultDatabase, Qt::CaseInsensitive) == 0;
@@ -194,6 +197,8 @@ int settingsOf(Call& call) {
     if (verb > 0 && !item)
         return call.wrong(QStringLiteral("There is no item %1.").arg(words.value(1)));
     KOVADatabaseSettings& record = call.station.automation;
+    if (verb == 2)
+        OpenUserHistory(call.station.users);
     AutomationEditing editing(record, settings, call.station.users);
     if (DatabaseInformation found; GetDatabaseInformation(path, &found, false) == 0 && found.Type != KOVAType)
         return wrongType(call, found);

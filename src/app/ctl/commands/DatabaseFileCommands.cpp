@@ -1,10 +1,11 @@
-// Database files copied, renamed and deleted by the rules of the window that chooses databases.
+// Copies, renames and deletes database files by the rules of the window that chooses databases.
 #include "app/ctl/Commands.h"
 
 #include "core/report/Folders.h"
 #include "core/text/PathNames.h"
 #include "databases/suite/DatabaseFiles.h"
 #include "databases/suite/DatabaseInformation.h"
+#include "databases/suite/DatabaseKinds.h"
 #include "databases/suite/DatabaseNames.h"
 #include "platform/Prompts.h"
 
@@ -14,7 +15,12 @@ namespace tolvex::ctl {
 
 namespace {
 
-// The exit status that says why there is nothing to work on, or nothing.
+// The file as it was named if it is there, else with the extension of databases.
+QString namedFile(const Call& call) {
+    return FileLength(call.path(0)) >= 0 ? call.path(0) : WithDatabaseExtension(call.path(0));
+}
+
+// The exit status when the file is not there.
 std::optional<int> missing(const Call& call, const QString& file) {
     if (FileLength(file) > 0)
         return std::nullopt;
@@ -27,7 +33,7 @@ int failure(const Call& call, const QString& what, const DatabaseError& error) {
 }
 
 int copy(Call& call) {
-    const QString from = WithDatabaseExtension(call.path(0));
+    const QString from = namedFile(call);
     if (const auto status = missing(call, from))
         return *status;
     if (const QString why = DatabaseNameFault(call.argument(1)); !why.isEmpty())
@@ -47,7 +53,7 @@ int copy(Call& call) {
 }
 
 int rename(Call& call) {
-    const QString from = WithDatabaseExtension(call.path(0));
+    const QString from = namedFile(call);
     if (const auto status = missing(call, from))
         return *status;
     const QString name = RenamedDatabase(call.argument(1));
@@ -66,21 +72,22 @@ int rename(Call& call) {
 }
 
 int remove(Call& call) {
-    const QString file = WithDatabaseExtension(call.path(0));
+    const QString file = namedFile(call);
     if (const auto status = missing(call, file))
         return *status;
     if (const QStringList users = ComputersUsing(file); !users.isEmpty())
         return call.fail(QStringLiteral("%1 is open on %2.").arg(file, users.join(QStringLiteral(", "))));
     DatabaseInformation information;
-    const QString description =
-        GetDatabaseInformation(file, &information, false) == 0 ? information.Description : QString();
-    for (const QString& question : DeletionQuestions(QStringLiteral("Database"), description))
+    const bool isKnown = GetDatabaseInformation(file, &information, false) == 0;
+    const DatabaseKind* kind = isKnown ? FindDatabaseKind(information.Type) : nullptr;
+    const QString title = QLatin1String(kind && kind->title ? kind->title : "Database");
+    for (const QString& question : DeletionQuestions(title, information.Description))
         if (platform::prompts().ask({question, platform::Icon::Question, platform::Buttons::YesNo,
                                      platform::Answer::No}) != platform::Answer::Yes)
             return No;
     try {
         if (RemoveDatabaseFile(file))
-            call.output.note(QStringLiteral("%1 lies in the trash.").arg(file));
+            call.output.note(QStringLiteral("%1 is now in the trash.").arg(file));
     } catch (const DatabaseError& error) {
         return failure(call, file, error);
     }
@@ -95,8 +102,8 @@ CommandRows DatabaseFileCommands() {
             {"db copy", "FILE NAME", "Copy a database that nobody has open, under a name beside it", copy}),
         Changing(
             {"db rename", "FILE NAME", "Give a database that nobody has open another file name", rename}),
-        Changing({"db delete", "FILE",
-                  "Delete a database that nobody has open, to the trash where there is one", remove}),
+        Changing({"db delete", "FILE", "Delete a database that nobody has open, to the trash if there is one",
+                  remove}),
     };
 }
 
