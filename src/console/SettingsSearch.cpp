@@ -4,6 +4,7 @@
 #include "console/ConsoleJobs.h"
 #include "core/settings/SettingsTable.h"
 
+#include <QSet>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -70,6 +71,10 @@ QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control, co
     QStringList widgets;
     QStringList names;
     QString property;
+    QString title;
+    const auto placeFor = [&inner](const QString& name) {
+        return inner.isEmpty() ? name : inner + u'/' + name;
+    };
     const auto isNaming = [&] {
         if (widgets.isEmpty())
             return false;
@@ -85,6 +90,14 @@ QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control, co
                 names.append(xml.attributes().value(QLatin1String("name")).toString());
             } else if (xml.name() == u"property") {
                 property = xml.attributes().value(QLatin1String("name")).toString();
+            } else if (xml.name() == u"string" && property == u"windowTitle") {
+                title = xml.readElementText();
+            } else if (xml.name() == u"cstring" && property == u"buddy") {
+                const QString field = xml.readElementText();
+                if (!entries.isEmpty() && entries.last().place == placeFor(names.last())) {
+                    entries.last().place = placeFor(field);
+                    entries.last().words += itemsOf(field).toLower();
+                }
             } else if (xml.name() == u"string" && isNaming()) {
                 QString text = xml.readElementText();
                 text.remove(u'&');
@@ -92,7 +105,7 @@ QList<SearchEntry> LabelEntries(const QByteArray& ui, const QString& control, co
                     text.chop(1);
                 if (!text.isEmpty() && text.size() <= LongestLabel && !isCommonButton(text))
                     entries.append({text, (text + itemsOf(names.last())).toLower(), control,
-                                    inner.isEmpty() ? names.last() : inner + u'/' + names.last()});
+                                    placeFor(names.last()), inner.isEmpty() ? QString() : title});
             }
         } else if (xml.isEndElement() && xml.name() == u"widget") {
             widgets.removeLast();
@@ -114,6 +127,14 @@ QList<SearchEntry> FindEntries(const QList<SearchEntry>& entries, const QString&
             found.append(entry);
     std::stable_partition(found.begin(), found.end(),
                           [&](const SearchEntry& entry) { return entry.words.startsWith(wanted); });
+    QSet<QString> places;
+    found.removeIf([&places](const SearchEntry& entry) {
+        const QString place = entry.control + u'/' + entry.place;
+        if (!entry.place.isEmpty() && places.contains(place))
+            return true;
+        places.insert(place);
+        return false;
+    });
     if (found.size() > limit)
         found.resize(limit);
     return found;

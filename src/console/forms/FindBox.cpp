@@ -56,9 +56,9 @@ void FindBox::search(const QString& query) {
     clear();
     const QList<SearchEntry> found = FindEntries(index_, query, LongestList);
     for (const SearchEntry& entry : found) {
-        const QString caption = formCaption(entry.control);
+        const QString window = entry.window.isEmpty() ? formCaption(entry.control) : entry.window;
         auto* item = new QListWidgetItem(
-            entry.text == caption ? caption : entry.text + QStringLiteral("  ·  ") + caption, this);
+            entry.text == window ? window : entry.text + QStringLiteral("  ·  ") + window, this);
         item->setData(ControlRole, entry.control);
         item->setData(PlaceRole, entry.place);
         item->setToolTip(item->text());

@@ -255,12 +255,16 @@ TEST(Console, SearchOpensTheTabOfASetting) {
     ASSERT_EQ(ValidateDatabase(path, KOVAType, true, &title), 0);
     ASSERT_EQ(ValidateKOVADatabaseTables(path), 0);
     console.settings.DefaultDatabase = QStringLiteral("KOVA26.MDB");
-    const auto search = [&console](const char* words) {
+    QStringList found;
+    const auto search = [&console, &found](const char* words) {
         console.form.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&console.form));
         QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
         auto* box = find<QLineEdit>(console.form, "txtFind");
         QTest::keyClicks(box, words);
+        found.clear();
+        for (int row = 0; row < find<QListWidget>(console.form, "listFound")->count(); ++row)
+            found += find<QListWidget>(console.form, "listFound")->item(row)->text();
         QTest::keyClick(box, Qt::Key_Return);
     };
     const auto shows = [](QWidget& window, const char* tabs) {
@@ -281,6 +285,8 @@ TEST(Console, SearchOpensTheTabOfASetting) {
     search("KOVA.PreCueTime");
     EXPECT_EQ(seen, "KAE Settings");
     EXPECT_EQ(focus, "txtPrecueTime");
+    // One line for its two labels and its name, with the window that has it.
+    EXPECT_EQ(found, QStringList{"Cue the next item when there is less than  ·  K-OVA Database Settings"});
     withForm("frmKOVASetup", [&](QWidget& window) {
         EXPECT_TRUE(
             QTest::qWaitFor([&] { return find<QTabWidget>(window, "tbsSettings")->currentIndex() == 1; }));
