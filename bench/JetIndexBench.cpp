@@ -1,5 +1,5 @@
-// Index trees by themselves, on pages in memory, then rows with their index entries in a file: inserts,
-// seeks, edits and deletes.
+// Index trees alone, on pages in memory, then rows with their index entries in a file: inserts, seeks, edits
+// and deletes.
 #include "jet/Database.h"
 #include "jet/Recordset.h"
 #include "jet/index/ExternalSort.h"
@@ -20,12 +20,12 @@ using namespace jet;
 
 namespace {
 
-// Any number to another one, all different.
+// A permutation: any number to a different one.
 std::uint32_t scattered(std::uint32_t number) {
     return number * 2654435761u;
 }
 
-// A Long column's key, or a Text column's of some 14 letters.
+// A Long column's key, or a Text column's of about 14 letters.
 void makeKey(bool text, std::uint32_t number, Bytes& key) {
     key.clear();
     if (text) {
@@ -129,7 +129,7 @@ void removeAndInsert(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 
-// Sorting and building, in memory and by way of a file.
+// Sorting and building, in memory and through a file.
 void build(benchmark::State& state, std::size_t memory) {
     constexpr std::uint32_t count = 1000000;
     for (auto _ : state) {
@@ -243,7 +243,7 @@ void insertRows(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * count);
 }
 
-// A table of a million rows in a file that the page cache holds whole, made once.
+// A table of a million rows in a file that fits in the page cache, made once.
 File& millionRows() {
     static std::unique_ptr<File> file;
     if (file == nullptr) {
@@ -271,15 +271,20 @@ void seekRows(benchmark::State& state, bool read) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 
-void walkRows(benchmark::State& state, const char16_t* index) {
-    Recordset set = Recordset::open(*millionRows(), u"Songs");
-    set.setIndex(index);
+// Reads the first field of row after row, again and again.
+void walk(benchmark::State& state, Recordset& set) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(set.value(0));
         set.moveNext();
         if (set.eof())
             set.moveFirst();
     }
+}
+
+void walkRows(benchmark::State& state, const char16_t* index) {
+    Recordset set = Recordset::open(*millionRows(), u"Songs");
+    set.setIndex(index);
+    walk(state, set);
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
 }
 
@@ -301,12 +306,7 @@ void walkShared(benchmark::State& state, bool withinReading) {
         std::optional<Reading> reading;
         if (withinReading)
             reading.emplace(database.pager());
-        for (auto _ : state) {
-            benchmark::DoNotOptimize(set.value(0));
-            set.moveNext();
-            if (set.eof())
-                set.moveFirst();
-        }
+        walk(state, set);
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()));
     std::filesystem::remove(path);

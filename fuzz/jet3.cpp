@@ -1,6 +1,6 @@
-// A file of the older format from outside: whatever its bytes are, reading it ends, and what comes of it is a
-// sound database. An input of a page or more is the file; a shorter one is damage to a good file: four bytes
-// each, an offset (of two) and the two bytes that stand there.
+// A file of the older format from outside: whatever its bytes are, reading it ends, and the result is a sound
+// database. An input of a page or more is the file; a shorter one is damage to a good file: four bytes each,
+// an offset (of two) and the two bytes to put there.
 #include "jet/Check.h"
 #include "jet/base/Error.h"
 #include "jet/jet3/Jet3Builder.h"
@@ -16,7 +16,7 @@ using namespace jet;
 constexpr std::size_t longest = 200 * Jet3File::PageSize3;
 
 Bytes damagedFile(const std::uint8_t* data, std::size_t size) {
-    static const Bytes sound = test::Jet3Builder().file;
+    static const Bytes sound = tests::Jet3Builder().file;
     Bytes file = sound;
     for (; size >= 4; size -= 4, data += 4) {
         const std::size_t at = Load16(data) % (file.size() - 1);

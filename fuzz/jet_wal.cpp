@@ -1,7 +1,7 @@
-// A write-ahead log as somebody may find it beside a database: recovered when nobody else is there, and
-// followed when another user has the file open. Whatever it holds, opening, reading and writing end with an
-// error or well. An input that begins with 01 is frames, each a page number and a page count of four bytes,
-// under right checksums; any other is the log itself.
+// Any write-ahead log beside a database: recovered if there is no other user, and followed if another user
+// has the file open. Whatever it holds, opening, reading and writing succeed or end with an error. An input
+// that begins with 01 is frames, each a page number and a page count of four bytes, under right checksums;
+// any other is the log itself.
 #include "jet/FaultyStorage.h"
 #include "jet/RawFile.h"
 #include "jet/base/LittleEndian.h"
@@ -12,7 +12,7 @@
 #include <span>
 
 using namespace jet;
-using namespace jet::test;
+using namespace jet::tests;
 
 namespace {
 
@@ -46,7 +46,7 @@ void use(FilePager& pager) {
         if (FilledWith(pager.read(2)) != 1)
             std::abort();
     } catch (const Error&) {
-        // As it should be.
+        // As expected.
     }
 }
 
@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FilePager pager(storage, Path, options);
         use(pager);
     } catch (const Error&) {
-        // As it should be.
+        // As expected.
     }
     try {
         FaultyStorage storage;
@@ -76,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         use(pager);
         use(other);
     } catch (const Error&) {
-        // As it should be.
+        // As expected.
     }
     return 0;
 }

@@ -1,6 +1,6 @@
-// A program's view of rows, one of which is current: a table in the order of one of its indexes, or what a
-// query selects. Moving, seeking, finding, adding, editing and removing rows under the names that programs
-// of the suite know.
+// A program's view of rows, one of which is current: a table in the order of one of its indexes, or the
+// result of a query. Moves, seeks, finds, adds, edits and removes rows under the names that programs of the
+// suite know.
 //
 // Values that were read stay as they are until the recordset moves, whatever others do; update() refuses to
 // overwrite what others have changed since edit().
@@ -25,13 +25,13 @@ SeekComparison ParseSeekComparison(std::string_view text);
 class Recordset {
 public:
     // Table: all rows of one table, in the order of its pages or of an index. Dynaset: the rows that a query
-    // selected, by their pointers: values are read when they are asked for, rows may be changed. Snapshot:
-    // the rows as they were when it was opened, all in memory, for reading.
+    // selected, by their pointers: values are read on request, rows may be changed. Snapshot: the rows as
+    // they were on opening, all in memory, read-only.
     enum class Kind { Table, Dynaset, Snapshot };
 
-    // Opens the table of this name or, unless the kind is Table, what a SELECT chooses. The first row is
-    // current, if there is one. The database outlives the recordset. Throws TableNotFound and what parsing
-    // and selecting throw.
+    // Opens the table of this name or, unless the kind is Table, the result of a SELECT. The first row, if
+    // any, is current. The database outlives the recordset. Throws TableNotFound and the errors of parsing
+    // and selecting.
     static Recordset open(Database& database, std::u16string_view source, Kind kind = Kind::Table);
     static Recordset open(const Catalog& catalog, std::u16string_view source, Kind kind = Kind::Table,
                           bool updatable = true);
@@ -46,7 +46,7 @@ public:
     // Whether rows can be added, edited and removed.
     bool updatable() const { return updatable_; }
 
-    // Fields are counted from 0, in the order in which they were asked for or are shown.
+    // Fields are counted from 0, in the order in which they were requested or are displayed.
     int fieldCount() const { return static_cast<int>(fields_.size()); }
     const Column& column(int field) const;
     // Declared size: characters of Text, bytes of Binary; 0 for all others.
@@ -54,20 +54,20 @@ public:
     // Position of a field; throws ItemNotFound with the name.
     int field(std::u16string_view name) const;
 
-    // Table kind only (others throw InvalidArgument): the index that orders the rows; an empty name goes back
-    // to the order of pages. Moves to the first row. Throws IndexNotFound.
+    // Table kind only (others throw InvalidArgument): the index that orders the rows; an empty name restores
+    // the order of pages. Moves to the first row. Throws IndexNotFound.
     void setIndex(std::u16string_view name);
     const std::u16string& index() const { return indexName_; }
-    // Goes to the first row (Less and LessOrEqual: the last row), in the order of the index, whose key
-    // compares so with the given values; fewer values than the index has fields compare the leading ones. If
-    // there is none noMatch() is true and no row is current. In a descending index "greater" means after.
-    // Throws NoIndexSet, TypeConversion. Cost: one page for each level of the index.
+    // Goes to the first row (Less and LessOrEqual: the last row), in index order, whose key compares in this
+    // way with the given values; fewer values than index fields compare the leading fields. If there is none,
+    // noMatch() is true and no row is current. In a descending index "greater" means after. Throws
+    // NoIndexSet, TypeConversion. Cost: one page per level of the index.
     void seek(SeekComparison comparison, std::span<const Value> values);
     void seek(SeekComparison comparison, const Value& value) { seek(comparison, {&value, 1}); }
 
-    // Goes to the first, last, next or previous row, from the current one, for which a predicate holds (what
-    // may follow WHERE). If there is none noMatch() is true and the current row stays. Throws what
-    // parsing and evaluating the predicate throw. Cost: one row after the other is looked at.
+    // Goes to the first, last, next or previous row, from the current one, that satisfies a predicate (the
+    // text after WHERE). If there is none, noMatch() is true and the current row stays. Throws the errors of
+    // parsing and evaluating the predicate. Cost: looks at one row after the other.
     void findFirst(std::u16string_view predicate);
     void findLast(std::u16string_view predicate);
     void findNext(std::u16string_view predicate);
@@ -75,8 +75,8 @@ public:
     // Whether the last seek() or find...() found nothing.
     bool noMatch() const { return noMatch_; }
 
-    // Cost in a shared file: a look for others' changes (a few system calls) for each move, unless a Reading
-    // of the pager stands around the walk. Moving gives up an edit that was not saved. first and last throw
+    // Cost in a shared file: a check for others' changes (a few system calls) per move, unless a Reading of
+    // the pager surrounds the walk. Moving discards an edit that was not saved. first and last throw
     // NoCurrentRecord if there are no rows, next at eof(), previous at bof(), and both after a seek() that
     // found nothing.
     void moveFirst();
@@ -85,7 +85,7 @@ public:
     void movePrevious();
     bool bof() const { return place_ == Place::Before || place_ == Place::Empty; }
     bool eof() const { return place_ == Place::Behind || place_ == Place::Empty; }
-    // Table: the number of rows. Otherwise the rows selected and added, less those removed, through here.
+    // Table: the number of rows. Otherwise the rows selected and added, minus those removed, by it.
     std::uint32_t recordCount() const;
 
     // The current row's value or, between addNew() or edit() and update(), the value set so far. Throws
@@ -100,17 +100,16 @@ public:
     // Both throw CannotUpdateReadOnly.
     void addNew();
     void edit();
-    // Saves the new or edited row; the row that was current stays current, and a row added where there was
-    // none becomes current. Throws what Table::insert() and update() throw, RecordChanged if others have
-    // changed the row since edit(), RecordDeleted. If it throws, the values set so far are kept for another
-    // try.
+    // Saves the new or edited row. The current row stays current; if there was
+    // none, the added row becomes current. Throws the errors of Table::insert()
+    // and update(), RecordChanged if others have changed the row since edit(),
+    // RecordDeleted. If it throws, the values set so far are kept for another try.
     void update();
     void cancelUpdate();
-    bool isEditing() const { return editing_ != Editing::No; }
     // Removes the current row. No row is current until the next move, which goes to its neighbour.
     void remove();
 
-    // Where the current row lies, to come back to it; throws NoCurrentRecord.
+    // Where the current row lies, for returning to it; throws NoCurrentRecord.
     RowPointer bookmark() const;
     // Throws NoCurrentRecord if that row is gone.
     void setBookmark(RowPointer at);
@@ -139,13 +138,13 @@ private:
 
     Kind kind_ = Kind::Table;
     bool updatable_ = true;
-    std::unique_ptr<Table> table_; // stays where it is when the recordset is moved
+    std::unique_ptr<Table> table_; // must not move when the recordset does
     std::vector<int> fields_;      // positions of the columns
     std::unique_ptr<RowCursor> order_;
     IndexRowCursor* indexOrder_ = nullptr; // order_, if it is one
     ListCursor* listOrder_ = nullptr;
     std::u16string indexName_;
-    std::vector<std::vector<Value>> snapshot_; // per row its fields
+    std::vector<std::vector<Value>> snapshot_; // per row, its fields
     Place place_ = Place::Empty;
     bool noMatch_ = false;
 
@@ -156,7 +155,7 @@ private:
     Editing editing_ = Editing::No;
     std::vector<Value> values_; // of the row being added or edited
     std::vector<bool> set_;     // which of them were set
-    std::vector<Value> longs_;  // long values as edit() met them
+    std::vector<Value> longs_;  // long values as edit() read them
     std::vector<FieldChange> changes_;
     Bytes key_;
     RowPointer lastModified_;

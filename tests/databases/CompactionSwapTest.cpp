@@ -1,5 +1,5 @@
-// The exchange of a database for its compacted copy: nothing is lost, whenever it ends and whoever else
-// writes, and the new file is to the system what the old one was.
+// Replaces a database with its compacted copy: nothing is lost, whenever it ends and whoever else writes, and
+// the new file has the old one's attributes.
 #include "DatabasesTest.h"
 
 #include "databases/compaction/CompactRepair.h"
@@ -25,21 +25,9 @@ protected:
     // A database with this many rows in its Settings.
     void makeFilled(int count) const {
         make(Path, 1, "Songs");
-        auto database = OpenSuiteDatabase(Path);
-        CheckTable(*database, SettingsTableSchema());
-        database->begin();
-        auto rows = database->open("Settings", RecordsetMode::Table);
-        for (int i = 0; i < count; ++i) {
-            rows->addNew();
-            rows->set("Item", QString::number(i));
-            rows->set("Value", QString(1500, u'v'));
-            rows->update();
-        }
-        rows.reset();
-        database->commit();
-        database->close();
+        fill(Path, count);
     }
-    // Without the lock of a dead process, which only a disk without links needs, and the next takes over.
+    // Without the lock of a dead process, used on disks without links only; the next one takes it over.
     static QStringList files() {
         QStringList names = platform::FolderNames("C:\\DATA");
         names.removeIf([](const QString& name) { return name.endsWith("-naming"); });
@@ -49,8 +37,8 @@ protected:
 
 } // namespace
 
-// Killed at any call to the system, refused it, or out of room from there on: the database is there under its
-// name before anybody opens it, whole, and after that nothing is left beside it but a backup.
+// After a kill or an error at any system call, or on a disk that is full from then on: the database exists
+// under its name before anybody opens it, complete, and afterwards nothing is left beside it except a backup.
 TEST_F(SwapTest, LeavesTheOldOrTheNewFileWhereverItEnds) {
     makeFilled(50);
     const QByteArray old = machine.read(Path);
@@ -87,8 +75,8 @@ TEST_F(SwapTest, LeavesTheOldOrTheNewFileWhereverItEnds) {
         }
 }
 
-// Four workstations add rows, opening the database for each, while it is compacted again and again. Whoever
-// is refused tries again; what was taken is there.
+// Four workstations add rows, opening the database for each, while it is compacted again and again. A refused
+// one tries again; accepted rows are there.
 TEST_F(SwapTest, LosesNoChangeOfAnother) {
     constexpr int Each = 40;
     makeFilled(1);
@@ -96,7 +84,7 @@ TEST_F(SwapTest, LosesNoChangeOfAnother) {
     const auto write = [&](int number) {
         gun.wait();
         for (int i = 0; i < Each; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(number * 3 + 2)); // lets a compaction in
+            std::this_thread::sleep_for(std::chrono::milliseconds(number * 3 + 2)); // for a compaction
             for (bool done = false; !done;) {
                 try {
                     const auto database = OpenSuiteDatabase(Path);
@@ -106,7 +94,7 @@ TEST_F(SwapTest, LosesNoChangeOfAnother) {
                     rows->update();
                     done = true;
                 } catch (const DatabaseError& error) {
-                    if (error.number != 3356) // the compaction has it
+                    if (error.number != 3356) // refused by the compaction
                         return false;
                 }
             }
@@ -124,7 +112,7 @@ TEST_F(SwapTest, LosesNoChangeOfAnother) {
         EXPECT_TRUE(writer->wentWell());
     EXPECT_TRUE(CompactRepairDatabase(Path, false, {}, true));
     EXPECT_EQ(OpenSuiteDatabase(Path)->open("Settings", RecordsetMode::Table)->recordCount(), 1 + 4 * Each);
-    EXPECT_GT(files().size(), 3); // some got through in between
+    EXPECT_GT(files().size(), 3); // some succeeded in between
     EXPECT_EQ(files().filter("SONGS").size(), files().size());
 }
 
@@ -172,7 +160,7 @@ TEST_F(SwapTest, FollowsALink) {
     EXPECT_EQ(rows("C:\\ELSEWHERE\\REAL.MDB", "Description"), "Songs,2.5999999,1");
     EXPECT_EQ(rows("C:\\DATA\\SONGS-0001.BAK", "Description"), "Songs,2.5999999,1");
     EXPECT_EQ(platform::FolderNames("C:\\ELSEWHERE"), QStringList{"REAL.MDB"});
-    // Who comes by the one name and who by the other are users of one file.
+    // Users of either name are users of one file.
     const auto one = OpenSuiteDatabase(Path);
     const auto other = OpenSuiteDatabase("C:\\ELSEWHERE\\REAL.MDB");
     CheckTable(*one, SettingsTableSchema());
@@ -185,7 +173,7 @@ TEST_F(SwapTest, RemovesTheCopiesOfTheDead) {
     const struct {
         const char* name;
         QByteArray bytes;
-        int hours; // since it was changed
+        int hours; // since its last change
     } copies[] = {{"MDB1A2B.TMP", part, 30},  {"mdb3.tmp", {}, 30},      {"MDB4.TMP", part, 2},
                   {"MDB5.TMP", "a text", 30}, {"MDBLONG.TMP", part, 30}, {"MDB6.TMP", part, 30}};
     for (const auto& copy : copies) {

@@ -1,4 +1,4 @@
-// Compacting and repairing files, and finding databases in folders.
+// Compacts and repairs files, and finds databases in folders.
 #include "DatabasesTest.h"
 
 #include "databases/compaction/CompactRepair.h"
@@ -16,22 +16,6 @@ const QString Path = QStringLiteral("C:\\DATA\\SONGS.MDB");
 
 class CompactionTest : public DatabasesTest {
 protected:
-    // Adds a table of rows, enough for several megabytes.
-    void fill(int count) const {
-        auto database = OpenSuiteDatabase(Path);
-        CheckTable(*database, SettingsTableSchema());
-        database->begin();
-        auto rows = database->open("Settings", RecordsetMode::Table);
-        for (int i = 0; i < count; ++i) {
-            rows->addNew();
-            rows->set("Item", QString::number(i));
-            rows->set("Value", QString(1500, u'v'));
-            rows->update();
-        }
-        rows.reset();
-        database->commit();
-        database->close();
-    }
     QStringList files() const { return platform::FolderNames("C:\\DATA"); }
 };
 
@@ -61,9 +45,9 @@ TEST_F(CompactionTest, KeepsTheOldFileUnderTheNextNumber) {
 
 TEST_F(CompactionTest, ChangesNothingUntilItIsDone) {
     make(Path, 1);
-    fill(1000);
+    fill(Path, 1000); // several megabytes
     const QByteArray old = machine.read(Path);
-    // No at the question, Cancel in the picker, no picker, a Stop on the way, and a database in use.
+    // No to the question, Cancel in the picker, no picker, a Stop during the work, and a database in use.
     prompts.answers = {Answer::No};
     EXPECT_FALSE(CompactRepairDatabase(Path, false, {}, false));
     EXPECT_FALSE(CompactRepairDatabase({}, false, {}, false));
@@ -86,7 +70,7 @@ TEST_F(CompactionTest, ChangesNothingUntilItIsDone) {
     }
     EXPECT_EQ(files(), QStringList{"SONGS.MDB"});
     EXPECT_EQ(machine.read(Path).mid(4096), old.mid(4096));
-    // And done.
+    // And success.
     prompts.files = {Path};
     prompts.answers = {Answer::Yes};
     EXPECT_TRUE(CompactRepairDatabase({}, true, "C:\\DATA", false));
@@ -95,7 +79,7 @@ TEST_F(CompactionTest, ChangesNothingUntilItIsDone) {
 
 TEST_F(CompactionTest, SavesADatabaseWithoutItsFirstPage) {
     make(Path, 14, "Log");
-    fill(100);
+    fill(Path, 100);
     QByteArray bytes = machine.read(Path);
     machine.write(Path, bytes.replace(0, 4096, QByteArray(4096, '\0')));
     DatabaseInformation information;
@@ -105,7 +89,7 @@ TEST_F(CompactionTest, SavesADatabaseWithoutItsFirstPage) {
     EXPECT_EQ(machine.read("C:\\DATA\\SONGS-0001.BAK"), bytes);
     EXPECT_EQ(OpenSuiteDatabase(Path)->open("Settings", RecordsetMode::Table)->recordCount(), 100);
 
-    // What is no database at all stays as it is.
+    // A file that is not a database stays as it is.
     const QByteArray text(100000, 'x');
     machine.write("C:\\DATA\\TEXT.MDB", text);
     prompts.answers = {Answer::Yes};
@@ -116,7 +100,7 @@ TEST_F(CompactionTest, SavesADatabaseWithoutItsFirstPage) {
 }
 
 TEST_F(CompactionTest, FindsDatabasesOfAKindAmongOthers) {
-    // One of each sort is made, the folder is filled with copies.
+    // One of each sort is made, and the folder is filled with copies.
     make("C:\\MADE\\1.MDB", 1);
     make("C:\\MADE\\14.MDB", 14);
     CreateSuiteDatabase("C:\\MADE\\BARE.MDB");

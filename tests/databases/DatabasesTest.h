@@ -1,4 +1,4 @@
-// A machine with databases on it, and what readers that are not ours make of them.
+// A machine with databases, and what independent readers see in them.
 #pragma once
 
 #include "TestPlaces.h"
@@ -15,13 +15,30 @@ namespace tolvex::tests {
 
 class DatabasesTest : public testing::Test {
 protected:
-    // Servers are found as the tests declare them, never as this machine does; the driver manager reads it
+    // Servers are those declared by the tests, never those of this machine; the driver manager reads the list
     // once.
     DatabasesTest() { qputenv("ODBCSYSINI", TOLVEX_ODBC_FOLDER); }
 
     // Makes a database of a kind with its Description row.
     void make(const QString& path, qint32 type, QString title = QStringLiteral("A title")) const {
         ASSERT_EQ(ValidateDatabase(path, type, true, &title), 0) << prompts.texts().join('|').toStdString();
+    }
+
+    // Adds a Settings table with this many long values.
+    static void fill(const QString& path, int count) {
+        auto database = OpenSuiteDatabase(path);
+        CheckTable(*database, SettingsTableSchema());
+        database->begin();
+        auto rows = database->open("Settings", RecordsetMode::Table);
+        for (int i = 0; i < count; ++i) {
+            rows->addNew();
+            rows->set("Item", QString::number(i));
+            rows->set("Value", QString(1500, u'v'));
+            rows->update();
+        }
+        rows.reset();
+        database->commit();
+        database->close();
     }
 
     // What a program of mdbtools prints about a database, without the line end.
@@ -32,7 +49,7 @@ protected:
         EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
         return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
     }
-    // Rows of a table without the heading, "|" between them; fractions as mdb-export has them ("2.5999999").
+    // Rows of a table without the heading, separated by "|"; fractions as in mdb-export ("2.5999999").
     std::string rows(const QString& path, const QString& table) const {
         return mdb("mdb-export", path, {QStringLiteral("-H"), QStringLiteral("-Q"), table})
             .replace(u'\n', u'|')

@@ -51,7 +51,7 @@ TEST_F(DatabaseTest, IsMadeBesideFilesOfOthers) {
     Database::create(path_).close();
     EXPECT_EQ(std::filesystem::file_size(beside), 16u);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2);
-    // What a dead maker left is taken over.
+    // The leavings of a dead maker are taken over.
     std::filesystem::rename(path_, beside);
     Database::create(path_).close();
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-namespace jet::test {
+namespace jet::tests {
 
 namespace {
-constexpr std::size_t Sector = 512; // what a disk writes whole or not at all
+constexpr std::size_t Sector = 512; // a disk writes it completely or not at all
 }
 
 class FaultyStorage::File final : public StorageFile {
@@ -208,7 +208,7 @@ void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& 
                     apply(write, content);
                 continue;
             }
-            // Each write, or each sector of it, gets there or not.
+            // Each write, or each sector of it, is kept or lost.
             const bool thisWrite = kept();
             for (std::size_t at = 0; at < write.bytes.size();) {
                 const std::uint64_t offset = write.offset + at;
@@ -225,4 +225,4 @@ void FaultyStorage::afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& 
     }
 }
 
-} // namespace jet::test
+} // namespace jet::tests

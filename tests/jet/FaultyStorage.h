@@ -1,6 +1,6 @@
-// Files in memory that behave as badly as the worst disk may: what was not flushed is lost at a power cut in
-// any part and any order, and any call can be made to fail. Storage of tests; several users may be open on
-// it.
+// Files in memory that behave as badly as the worst disk: a power cut
+// loses unflushed data in any part and any order, and any call can be
+// made to fail. Storage for tests; several users may be open on it.
 #pragma once
 
 #include "jet/base/Error.h"
@@ -12,9 +12,9 @@
 #include <set>
 #include <vector>
 
-namespace jet::test {
+namespace jet::tests {
 
-// Thrown by the call at which the power goes, and by every call after it.
+// Thrown by the call at which the power fails, and by every later call.
 struct PowerCut : Error {
     PowerCut()
         : Error(ErrorNumber::DiskIo, "no power") {}
@@ -38,17 +38,17 @@ public:
     void publish(const std::string& from, const std::string& to) override;
     bool link(const std::string& path, const std::string& second) override;
 
-    // Puts a file there, flushed.
+    // Adds a file, already flushed.
     void put(const std::string& path, const Bytes& content);
     Bytes get(const std::string& path) const { return names_.at(path)->content; }
     std::vector<std::string> names() const;
 
-    // Calls that change something on the disk, so far.
+    // Number of calls that changed something on the disk.
     int calls() const { return calls_; }
-    // The power goes, or the share, just before the call of this number (from 1) takes effect; a write may
-    // have got there in part. Afterwards nothing can be read, opened or locked either.
+    // Cuts the power, or the share, just before the call of this number (from 1) takes effect; a write may be
+    // partial. Afterwards nothing can be read, opened or locked either.
     void cutAt(int call) { cutAt_ = call; }
-    // The call of this number fails, and if `lasting` every one after it.
+    // Makes the call of this number fail, and if `lasting` every later one.
     void failAt(int call, ErrorNumber error, bool lasting) {
         failAt_ = call;
         error_ = error;
@@ -56,10 +56,10 @@ public:
     }
     // Whether files may have two names.
     void setLinks(bool links) { links_ = links; }
-    // Opening a file for writing, or making one, is refused.
+    // Refuses opening a file for writing, and making one.
     void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
 
-    // What is on the disk when the power comes back. Nothing unflushed kept, all of it, or by chance.
+    // The content of the disk when power returns. Unflushed data is lost, kept, or kept by chance.
     enum class Loss { Everything, Nothing, Random };
     void afterPowerCut(Loss loss, std::uint32_t seed, FaultyStorage& into) const;
 
@@ -94,8 +94,8 @@ private:
     void flushNames() { pendingNames_.clear(); }
 
     Names names_;
-    // Names as they were before each change since the last flush, oldest first: changes of names get to the
-    // disk in order.
+    // Names before each change since the last flush, oldest
+    // first: changes of names reach the disk in order.
     std::vector<Names> pendingNames_;
     int calls_ = 0;
     int cutAt_ = 0;
@@ -106,4 +106,4 @@ private:
     bool links_ = true;
 };
 
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,10 +1,12 @@
-// A fresh database in memory, and what tests ask of it.
+// A new database in memory, and queries of tests about it.
 #pragma once
 
 #include "jet/base/Error.h"
 #include "jet/pager/MemoryPager.h"
 #include "jet/table/CreateDatabase.h"
 #include "jet/table/TableDesign.h"
+
+#include <utility>
 
 namespace jet::tests {
 
@@ -22,15 +24,29 @@ struct NewDatabase {
     }
 };
 
-// The number of the error that a call throws; 0: none.
+// A field that allows empty text; `size` in characters.
+inline FieldDesign FieldOf(const char16_t* name, ColumnType type, int size = 0) {
+    FieldDesign design;
+    design.name = name;
+    design.type = type;
+    design.size = size;
+    design.allowZeroLength = true;
+    return design;
+}
+
+// The error that a call throws; 0: none.
 template<class Call>
-int ErrorOf(Call&& call) {
+ErrorNumber CodeOf(Call&& call) {
     try {
         call();
     } catch (const Error& error) {
-        return error.number();
+        return error.code();
     }
-    return 0;
+    return {};
+}
+template<class Call>
+int ErrorOf(Call&& call) {
+    return static_cast<int>(CodeOf(std::forward<Call>(call)));
 }
 
 } // namespace jet::tests

@@ -1,9 +1,10 @@
-// A database against a map in memory: rows come, change and go at random, in transactions that are committed
-// or rolled back, across sessions, through a cache much smaller than the file. After each batch every index
-// is walked both ways and the whole file is checked. TOLVEX_JET_BATCHES makes it run longer.
+// A database against a map in memory: random rows are added, changed and removed, in transactions that are
+// committed or rolled back, across sessions, through a cache much smaller than the file. After each batch
+// every index is walked both ways and the whole file is checked. TOLVEX_JET_BATCHES makes it run longer.
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
+#include "jet/NewDatabase.h"
 #include "jet/Recordset.h"
 #include "jet/base/Error.h"
 #include "jet/table/TableDesign.h"
@@ -15,7 +16,7 @@
 #include <cstdlib>
 #include <map>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 constexpr char Path[] = "/data/MODEL.MDB";
@@ -27,20 +28,12 @@ using Row = std::vector<Value>;
 using Model = std::map<std::int32_t, Row>;
 
 TableDesign tableDesign() {
-    const auto field = [](const char16_t* name, ColumnType type, int size = 0) {
-        FieldDesign design;
-        design.name = name;
-        design.type = type;
-        design.size = size;
-        design.allowZeroLength = true;
-        return design;
-    };
     TableDesign design;
     design.name = u"Model";
-    design.fields = {field(u"Id", ColumnType::Long),        field(u"Name", ColumnType::Text, 60),
-                     field(u"Code", ColumnType::Text, 255), field(u"When", ColumnType::DateTime),
-                     field(u"Flag", ColumnType::Boolean),   field(u"Amount", ColumnType::Currency),
-                     field(u"Note", ColumnType::Memo)};
+    design.fields = {FieldOf(u"Id", ColumnType::Long),        FieldOf(u"Name", ColumnType::Text, 60),
+                     FieldOf(u"Code", ColumnType::Text, 255), FieldOf(u"When", ColumnType::DateTime),
+                     FieldOf(u"Flag", ColumnType::Boolean),   FieldOf(u"Amount", ColumnType::Currency),
+                     FieldOf(u"Note", ColumnType::Memo)};
     design.indexes = {{.name = u"Main", .fields = {{u"Id"}}, .unique = true, .primary = true},
                       {.name = u"ByName", .fields = {{u"Name"}, {u"Id", true}}},
                       {.name = u"ByCode", .fields = {{u"Code"}}, .unique = true},
@@ -128,7 +121,7 @@ protected:
                     (!IsNull(row[Code]) && compare(other.second[Code], row[Code]) == 0));
         });
     }
-    // Saves, which must fail exactly if the row conflicts with another.
+    // Saves; this must fail exactly if the row conflicts with another.
     void save(Recordset& set, bool conflict) {
         try {
             set.update();
@@ -257,7 +250,7 @@ protected:
         }
     }
 
-    // The rows of an index are those of the model, in its order, and the same backwards.
+    // The rows of an index match the model, in its order, forwards and backwards.
     void walk(Recordset& set, const Order& order) {
         set.setIndex(order.index);
         std::vector<std::int32_t> ids;
@@ -328,4 +321,4 @@ TEST_P(RandomOperations, AgreeWithAMap) {
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomOperations, testing::Values(1u, 2u, 3u));
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,4 +1,4 @@
-// A database file of nothing but a header and a map of free pages, for tests of pages without tables.
+// A database file with only a header and a map of free pages, for tests of pages without tables.
 #pragma once
 
 #include "jet/base/Value.h"
@@ -8,7 +8,7 @@
 
 #include <cstring>
 
-namespace jet::test {
+namespace jet::tests {
 
 // Pages 0 and 1, then `pages` empty ones in use.
 inline Bytes RawFile(PageNumber pages = 2, const PageZero& header = {}) {
@@ -22,7 +22,7 @@ inline Bytes RawFile(PageNumber pages = 2, const PageZero& header = {}) {
     return image;
 }
 
-// Fills a page from its second byte on with a number, and tells which one it is; -1: torn.
+// Fills a page from its second byte on with a number, and reads that number back; -1: torn.
 inline void Fill(std::uint8_t* page, std::uint32_t value) {
     for (std::size_t at = 0; at < PageSize; at += 4)
         Store32(page + at, value);
@@ -35,4 +35,4 @@ inline std::int64_t FilledWith(const std::uint8_t* page) {
     return Load32(page);
 }
 
-} // namespace jet::test
+} // namespace jet::tests

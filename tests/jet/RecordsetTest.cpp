@@ -1,15 +1,16 @@
-// Recordsets as the programs of the suite use them: moving, seeking, finding, adding, editing and removing,
-// in a table and in what a query selects, with other users at work at the same time.
+// Recordsets as used by the suite's programs: moves, seeks, finds, adds, edits and removals, in a table and
+// in a query's result, with other users working at the same time.
 #include "jet/Recordset.h"
 
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
+#include "jet/NewDatabase.h"
 #include "jet/base/Error.h"
 #include "jet/table/TableDesign.h"
 
 #include <gtest/gtest.h>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 constexpr char Path[] = "/data/KOVA.MDB";
@@ -19,22 +20,14 @@ protected:
     RecordsetTest() {
         TableDesign design;
         design.name = u"Songs";
-        design.fields = {field(u"Id", ColumnType::Long), field(u"Title", ColumnType::Text, 20),
-                         field(u"Year", ColumnType::Integer), field(u"Note", ColumnType::Memo)};
+        design.fields = {FieldOf(u"Id", ColumnType::Long), FieldOf(u"Title", ColumnType::Text, 20),
+                         FieldOf(u"Year", ColumnType::Integer), FieldOf(u"Note", ColumnType::Memo)};
         design.fields.front().autonumber = true;
         design.indexes = {{.name = u"Main", .fields = {{u"Title"}}, .unique = true},
                           {.name = u"ByYear", .fields = {{u"Year", true}, {u"Title"}}, .ignoreNulls = true}};
         AppendTable(database_.catalog(), design);
     }
 
-    static FieldDesign field(const char16_t* name, ColumnType type, int size = 0) {
-        FieldDesign design;
-        design.name = name;
-        design.type = type;
-        design.size = size;
-        design.allowZeroLength = true;
-        return design;
-    }
     Recordset songs(Recordset::Kind kind = Recordset::Kind::Table) {
         return Recordset::open(database_, u"Songs", kind);
     }
@@ -62,14 +55,6 @@ protected:
         }
         return titles;
     }
-    static ErrorNumber errorOf(const std::function<void()>& call) {
-        try {
-            call();
-        } catch (const Error& error) {
-            return error.code();
-        }
-        return {};
-    }
 
     FaultyStorage storage_;
     Database database_ = Database::create(storage_, Path);
@@ -79,16 +64,16 @@ TEST_F(RecordsetTest, AnEmptyTableHasNeitherBeginningNorEnd) {
     Recordset set = songs();
     EXPECT_TRUE(set.bof() && set.eof());
     EXPECT_EQ(set.recordCount(), 0u);
-    EXPECT_EQ(errorOf([&] { set.moveFirst(); }), ErrorNumber::NoCurrentRecord);
-    EXPECT_EQ(errorOf([&] { set.moveNext(); }), ErrorNumber::NoCurrentRecord);
-    EXPECT_EQ(errorOf([&] { set.value(u"Title"); }), ErrorNumber::NoCurrentRecord);
-    EXPECT_EQ(errorOf([&] { set.edit(); }), ErrorNumber::NoCurrentRecord);
-    EXPECT_EQ(errorOf([&] { set.set(u"Title", u"x"); }), ErrorNumber::NoEdit);
-    EXPECT_EQ(errorOf([&] { set.update(); }), ErrorNumber::NoEdit);
-    EXPECT_EQ(errorOf([&] { set.seek(SeekComparison::Equal, u"x"); }), ErrorNumber::NoIndexSet);
-    EXPECT_EQ(errorOf([&] { set.setIndex(u"None"); }), ErrorNumber::IndexNotFound);
-    EXPECT_EQ(errorOf([&] { set.value(u"None"); }), ErrorNumber::ItemNotFound);
-    EXPECT_EQ(errorOf([&] { Recordset::open(database_, u"None"); }), ErrorNumber::TableNotFound);
+    EXPECT_EQ(CodeOf([&] { set.moveFirst(); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.moveNext(); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.value(u"Title"); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.edit(); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.set(u"Title", u"x"); }), ErrorNumber::NoEdit);
+    EXPECT_EQ(CodeOf([&] { set.update(); }), ErrorNumber::NoEdit);
+    EXPECT_EQ(CodeOf([&] { set.seek(SeekComparison::Equal, u"x"); }), ErrorNumber::NoIndexSet);
+    EXPECT_EQ(CodeOf([&] { set.setIndex(u"None"); }), ErrorNumber::IndexNotFound);
+    EXPECT_EQ(CodeOf([&] { set.value(u"None"); }), ErrorNumber::ItemNotFound);
+    EXPECT_EQ(CodeOf([&] { Recordset::open(database_, u"None"); }), ErrorNumber::TableNotFound);
     set.setIndex(u"main");
     set.seek(SeekComparison::Equal, u"x");
     EXPECT_TRUE(set.noMatch());
@@ -111,7 +96,7 @@ TEST_F(RecordsetTest, WalksInTheOrderOfTheTableAndOfItsIndexes) {
     EXPECT_EQ(all(set), "apple Apfel emil Émile Zoo ");
     EXPECT_EQ(all(set, true), "Zoo Émile emil Apfel apple ");
     EXPECT_TRUE(set.bof());
-    EXPECT_EQ(errorOf([&] { set.movePrevious(); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.movePrevious(); }), ErrorNumber::NoCurrentRecord);
     set.moveNext();
     EXPECT_EQ(title(set), "apple");
     set.setIndex(u"");
@@ -129,8 +114,8 @@ TEST_F(RecordsetTest, SeeksByAllComparisons) {
     set.setIndex(u"Main");
     EXPECT_EQ(seek("=", {u"APPLE  "}), "apple");
     EXPECT_EQ(seek("=", {u"app"}), "");
-    EXPECT_EQ(errorOf([&] { set.value(u"Title"); }), ErrorNumber::NoCurrentRecord);
-    EXPECT_EQ(errorOf([&] { set.moveNext(); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.value(u"Title"); }), ErrorNumber::NoCurrentRecord);
+    EXPECT_EQ(CodeOf([&] { set.moveNext(); }), ErrorNumber::NoCurrentRecord);
     EXPECT_EQ(seek("=", {u"\u4E2D"}), ""); // cannot be in an index
     EXPECT_EQ(seek(">", {u"emil"}), "Émile");
     EXPECT_EQ(seek(">=", {u"emil"}), "emil");
@@ -147,9 +132,9 @@ TEST_F(RecordsetTest, SeeksByAllComparisons) {
     EXPECT_EQ(seek(">", {1980.0}), "Zoo");
     EXPECT_EQ(seek("<", {1980}), "apple");
     EXPECT_EQ(seek("<=", {1980}), "Émile");
-    EXPECT_EQ(errorOf([&] { seek("=", {u"soon"}); }), ErrorNumber::TypeConversion);
-    EXPECT_EQ(errorOf([&] { seek("=", {1, u"a", 2}); }), ErrorNumber::InvalidArgument);
-    EXPECT_EQ(errorOf([&] { ParseSeekComparison("=="); }), ErrorNumber::InvalidArgument);
+    EXPECT_EQ(CodeOf([&] { seek("=", {u"soon"}); }), ErrorNumber::TypeConversion);
+    EXPECT_EQ(CodeOf([&] { seek("=", {1, u"a", 2}); }), ErrorNumber::InvalidArgument);
+    EXPECT_EQ(CodeOf([&] { ParseSeekComparison("=="); }), ErrorNumber::InvalidArgument);
 }
 
 TEST_F(RecordsetTest, EditsWhereItStands) {
@@ -169,31 +154,31 @@ TEST_F(RecordsetTest, EditsWhereItStands) {
     EXPECT_EQ(title(set), "Zoo");
     EXPECT_EQ(all(set), "Apfel apple Émile Yard Zoo ");
 
-    // A refused change leaves what was set, for another try.
+    // A refused change keeps the values, for another try.
     set.moveLast();
     set.edit();
     set.set(u"Title", u"APPLE");
-    EXPECT_EQ(errorOf([&] { set.update(); }), ErrorNumber::DuplicateKey);
+    EXPECT_EQ(CodeOf([&] { set.update(); }), ErrorNumber::DuplicateKey);
     set.set(u"Title", u"Zebra");
     set.update();
     EXPECT_EQ(all(set), "Apfel apple Émile Yard Zebra ");
-    // Moving gives an edit up.
+    // Moving discards an edit.
     set.moveFirst();
     set.edit();
     set.set(u"Title", u"Changed");
     set.moveNext();
-    EXPECT_EQ(errorOf([&] { set.update(); }), ErrorNumber::NoEdit);
+    EXPECT_EQ(CodeOf([&] { set.update(); }), ErrorNumber::NoEdit);
     EXPECT_EQ(all(set), "Apfel apple Émile Yard Zebra ");
-    // An autonumber that was not used is not given up.
+    // An unused autonumber is not lost.
     set.addNew();
     set.set(u"Title", u"apple");
-    EXPECT_EQ(errorOf([&] { set.update(); }), ErrorNumber::DuplicateKey);
+    EXPECT_EQ(CodeOf([&] { set.update(); }), ErrorNumber::DuplicateKey);
     EXPECT_EQ(set.value(u"Id"), Value());
     set.set(u"Title", u"Six");
     set.update();
     set.setBookmark(set.lastModified());
     EXPECT_EQ(set.value(u"Id"), Value(6));
-    EXPECT_EQ(errorOf([&] {
+    EXPECT_EQ(CodeOf([&] {
                   set.edit();
                   set.set(u"Year", u"long ago");
               }),
@@ -214,8 +199,8 @@ TEST_F(RecordsetTest, GoesOnFromARemovedRow) {
             const std::string third = title(set);
             set.setBookmark(second);
             set.remove();
-            EXPECT_EQ(errorOf([&] { set.value(u"Title"); }), ErrorNumber::RecordDeleted);
-            EXPECT_EQ(errorOf([&] { set.remove(); }), ErrorNumber::RecordDeleted);
+            EXPECT_EQ(CodeOf([&] { set.value(u"Title"); }), ErrorNumber::RecordDeleted);
+            EXPECT_EQ(CodeOf([&] { set.remove(); }), ErrorNumber::RecordDeleted);
             set.moveNext();
             EXPECT_EQ(title(set), third);
             set.movePrevious();
@@ -226,7 +211,7 @@ TEST_F(RecordsetTest, GoesOnFromARemovedRow) {
             }
             EXPECT_TRUE(set.bof() && set.eof());
             EXPECT_EQ(set.recordCount(), 0u);
-            EXPECT_EQ(errorOf([&] { set.setBookmark(second); }), ErrorNumber::NoCurrentRecord);
+            EXPECT_EQ(CodeOf([&] { set.setBookmark(second); }), ErrorNumber::NoCurrentRecord);
         }
 }
 
@@ -238,8 +223,8 @@ TEST_F(RecordsetTest, QueriesGiveDynasetsAndSnapshots) {
     EXPECT_EQ(all(dynaset), "Émile emil Apfel ");
     EXPECT_EQ(all(snapshot, true), "Apfel emil Émile ");
     EXPECT_EQ(dynaset.fieldCount(), 2);
-    EXPECT_EQ(errorOf([&] { dynaset.setIndex(u"Main"); }), ErrorNumber::InvalidArgument);
-    EXPECT_EQ(errorOf([&] { snapshot.addNew(); }), ErrorNumber::CannotUpdateReadOnly);
+    EXPECT_EQ(CodeOf([&] { dynaset.setIndex(u"Main"); }), ErrorNumber::InvalidArgument);
+    EXPECT_EQ(CodeOf([&] { snapshot.addNew(); }), ErrorNumber::CannotUpdateReadOnly);
     EXPECT_FALSE(snapshot.updatable());
 
     // A dynaset sees others' changes to its rows, and none of their new ones; a snapshot sees neither.
@@ -264,7 +249,7 @@ TEST_F(RecordsetTest, QueriesGiveDynasetsAndSnapshots) {
     dynaset.update();
     EXPECT_EQ(all(dynaset), "Emilia Birne Own ");
     EXPECT_EQ(
-        errorOf([&] { Recordset::open(database_, u"SELECT None FROM Songs", Recordset::Kind::Dynaset); }),
+        CodeOf([&] { Recordset::open(database_, u"SELECT None FROM Songs", Recordset::Kind::Dynaset); }),
         ErrorNumber::UnknownField);
 }
 
@@ -286,7 +271,7 @@ TEST_F(RecordsetTest, FindsByCriteria) {
         EXPECT_EQ(title(set), "apple");
         set.findPrevious(u"Title = 'Zoo'");
         EXPECT_EQ(title(set), "Zoo");
-        EXPECT_EQ(errorOf([&] { set.findFirst(u"Title ="); }), ErrorNumber::SyntaxError);
+        EXPECT_EQ(CodeOf([&] { set.findFirst(u"Title ="); }), ErrorNumber::SyntaxError);
     }
 }
 
@@ -305,31 +290,31 @@ TEST_F(RecordsetTest, RefusesToOverwriteWhatOthersChanged) {
     theirs.edit();
     theirs.set(u"Note", std::u16string(100, u'x'));
     theirs.update();
-    EXPECT_EQ(errorOf([&] { mine.update(); }), ErrorNumber::RecordChanged);
-    mine.edit(); // takes notice of it
+    EXPECT_EQ(CodeOf([&] { mine.update(); }), ErrorNumber::RecordChanged);
+    mine.edit(); // sees the change
     mine.set(u"Year", 2);
     mine.update();
     EXPECT_EQ(theirs.value(u"Note"), Value(std::u16string(100, u'x')));
 
-    // A memo alone, of the same length, in a place that was free again.
+    // Only a memo, of the same length, in a place that was free again.
     mine.edit();
     theirs.edit();
     theirs.set(u"Note", std::u16string(100, u'y'));
     theirs.update();
     mine.set(u"Year", 3);
-    EXPECT_EQ(errorOf([&] { mine.update(); }), ErrorNumber::RecordChanged);
+    EXPECT_EQ(CodeOf([&] { mine.update(); }), ErrorNumber::RecordChanged);
 
-    // Values stay as they were read until the recordset moves; a row that is gone says so.
+    // Values stay as read until the recordset moves; a removed row is reported.
     EXPECT_EQ(mine.value(u"Year"), Value(std::int16_t{3}));
     mine.cancelUpdate();
     EXPECT_EQ(mine.value(u"Year"), Value(std::int16_t{2}));
     theirs.remove();
     EXPECT_EQ(mine.value(u"Year"), Value(std::int16_t{2}));
-    EXPECT_EQ(errorOf([&] { mine.edit(); }), ErrorNumber::RecordDeleted);
-    EXPECT_EQ(errorOf([&] { mine.remove(); }), ErrorNumber::RecordDeleted);
+    EXPECT_EQ(CodeOf([&] { mine.edit(); }), ErrorNumber::RecordDeleted);
+    EXPECT_EQ(CodeOf([&] { mine.remove(); }), ErrorNumber::RecordDeleted);
     mine.movePrevious();
     EXPECT_EQ(title(mine), "Émile");
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

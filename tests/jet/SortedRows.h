@@ -1,4 +1,4 @@
-// All rows of a table as text, to be compared with those of another file.
+// All rows of a table as text, for comparison with those of another file.
 #pragma once
 
 #include "jet/transfer/Transfer.h"
@@ -9,7 +9,7 @@
 
 namespace jet::tests {
 
-// A line for each row, as an export writes it, in the order of their texts.
+// One line per row, as in an export, sorted as text.
 inline std::vector<std::string> SortedRows(const Table& table) {
     std::string text;
     ExportRows(Filter(table, std::nullopt), TextFormat::JsonLines,

@@ -1,6 +1,6 @@
-// A database with something of everything that can lie in one: tables of all kinds of columns and values,
-// moved and deleted rows, indexes of two levels, dropped columns, properties, and a relationship between two
-// tables.
+// A database with an example of everything: tables with all kinds of
+// columns and values, moved and deleted rows, indexes of two levels,
+// dropped columns, properties, and a relationship between two tables.
 #pragma once
 
 #include "jet/pager/MemoryPager.h"
@@ -10,7 +10,7 @@
 
 namespace jet::tests {
 
-// Adds a row to a table of the system; the other columns stay null.
+// Adds a row to a system table; the other columns stay null.
 inline void AddSystemRow(Pager& pager, PageNumber page,
                          std::initializer_list<std::pair<const char16_t*, Value>> fields) {
     Table table(pager, page);
@@ -20,9 +20,9 @@ inline void AddSystemRow(Pager& pager, PageNumber page,
     table.insert(row);
 }
 
-// Makes `column` of a table refer to the primary key of another, as another engine would: an index on each
-// side that names the other, rows in the catalogue, rights. The column has an index of the relationship's
-// name.
+// Makes `column` of a table refer to the primary key of another, as another
+// engine would: an index on each side that names the other, rows in the
+// catalogue, rights. The column's index has the relationship's name.
 inline void Relate(Catalog& catalog, const char16_t* name, const char16_t* table, const char16_t* column,
                    const char16_t* referenced, const char16_t* key) {
     Pager& pager = catalog.pager();

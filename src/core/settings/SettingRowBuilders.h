@@ -17,14 +17,20 @@ inline constexpr const char* WorkstationSetup = "frmLinkMeshSetup";
 inline constexpr const char* DisplayOptions = "frmDisplayOptions";
 inline constexpr const char* DateTimeSetup = "frmDateTimeSetup";
 
-constexpr SettingRow NumberRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
-                               qint32 fallback, const char* help) {
+constexpr SettingRow RowOfKind(SettingKind kind, SettingRow::At at, const char* section, const char* key,
+                               const char* help) {
     SettingRow row;
     row.section = section;
     row.key = key;
     row.kind = kind;
     row.help = help;
     row.at = at;
+    return row;
+}
+
+constexpr SettingRow NumberRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
+                               qint32 fallback, const char* help) {
+    SettingRow row = RowOfKind(kind, at, section, key, help);
     row.defaultNumber = fallback;
     if (kind == SettingKind::Flag)
         return row.range(-1, 1);
@@ -33,12 +39,7 @@ constexpr SettingRow NumberRow(SettingKind kind, SettingRow::At at, const char* 
 
 constexpr SettingRow TextRow(SettingKind kind, SettingRow::At at, const char* section, const char* key,
                              const char* fallback, const char* help) {
-    SettingRow row;
-    row.section = section;
-    row.key = key;
-    row.kind = kind;
-    row.help = help;
-    row.at = at;
+    SettingRow row = RowOfKind(kind, at, section, key, help);
     row.defaultText = fallback;
     return row;
 }

@@ -38,8 +38,8 @@ bool IndexTree::find(KeyView key, IndexPath& path) const {
     const Reading reading(*pager_);
     const std::uint8_t* page = Descend(*this, key, false, path);
     int offset = path.leaf().offset;
-    // Behind the end of a leaf the entry can only lie in the next one, and only if a node of someone else's
-    // making says more of its child than is in it.
+    // After the end of a leaf the entry can only be in the next one, and only if a node written by another
+    // engine has an entry above the last one of its child.
     for (PageNumber steps = 0; offset >= Used(page) && Next(page) != 0; ++steps) {
         const PageNumber next = Next(page);
         if (steps > pager_->pageCount())
@@ -52,16 +52,7 @@ bool IndexTree::find(KeyView key, IndexPath& path) const {
     return HoldsKey(page, offset, key);
 }
 
-bool IndexTree::containsOther(KeyView key, RowPointer row) const {
-    const Reading reading(*pager_);
-    IndexCursor cursor(*this);
-    for (bool more = cursor.seekFrom(key); more && cursor.matches(key); more = cursor.next())
-        if (cursor.row() != row && cursor.key().size() == key.size())
-            return true;
-    return false;
-}
-
-// Adds an entry to the leaf that the last one ended, if it is still one of this tree and the entry's place is
+// Adds an entry to the leaf of the last addition, if it still belongs to this tree and the entry's place is
 // between two of its entries, or at an end of the tree.
 bool IndexTree::insertNear(KeyView entry) {
     if (near_ == 0 || !pages_.contains(near_))
@@ -83,14 +74,14 @@ void IndexTree::insert(KeyView key, RowPointer row) {
     IndexPath path;
     const std::uint8_t* page = Descend(*this, entry.view(), false, path);
     const IndexPath::Step leaf = path.leaf();
-    near_ = leaf.offset >= Used(page) ? leaf.page : 0; // ascending keys come there again
+    near_ = leaf.offset >= Used(page) ? leaf.page : 0; // ascending keys will go there again
     if (HoldsEntry(page, leaf.offset, entry.view()))
         Damaged(leaf.page, "has an index entry for this row already");
     if (!Insert(pager_->edit(leaf.page), leaf.offset, entry.view()))
         IndexChange(*this, path).insert(entry.view());
 }
 
-// Behind the end of a leaf a node above may know better where the entry goes.
+// After the end of a leaf, the nodes above decide where the entry goes.
 void IndexTree::insertAt(IndexPath& place, KeyView key, RowPointer row) {
     const IndexPath::Step leaf = place.leaf();
     std::uint8_t* page = pager_->edit(leaf.page);

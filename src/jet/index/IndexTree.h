@@ -1,10 +1,10 @@
 // A tree of index entries on pages. An entry is a key (KeyEncoding.h) and the pointer of a row; entries are
-// ordered by their bytes, the pointer being part of them, so all are different although keys may be equal.
+// ordered by their bytes, including the pointer, so all are different although keys may be equal.
 //
-// A tree object holds no state but where the tree lies and, as a hint, the leaf that grew at its end: every
-// call works on the pages as they are, so several objects on one tree, and a rollback of the pager, do no
-// harm. Pages are checked as they are met; a page that does not hold what it should throws ReadVerification.
-// What changes the tree is called inside a Changing of the pager.
+// A tree object holds no state except where the tree lies and, as a hint, the leaf that grew at its end:
+// every call works on the pages as they are, so several objects on one tree, and a rollback of the pager, are
+// harmless. Pages are checked when they are read; an invalid page throws ReadVerification. Routines that
+// change the tree run inside a Changing of the pager.
 #pragma once
 
 #include "jet/index/IndexPage.h"
@@ -32,21 +32,18 @@ public:
     // Makes an empty tree: the root is written as an empty leaf and put into the map.
     void create();
 
-    // Whether some entry has exactly this key. Cost: one page for each level.
+    // Whether some entry has exactly this key. Cost: one page per level.
     bool contains(KeyView key) const;
-    // The same, and where an entry with this key would go, for insertAt().
+    // The same, and the place for an entry with this key, for insertAt().
     bool find(KeyView key, IndexPath& place) const;
-    // Whether an entry with this key belongs to another row than this one.
-    bool containsOther(KeyView key, RowPointer row) const;
 
-    // Adds an entry; Uniqueness is the caller's affair;
-    // an entry that is there already throws ReadVerification. Throws RecordTooLarge for a key above
-    // MaximumKeyLength. Cost: one page for each level, of which only the leaf is changed, in place, unless it
-    // has to be split.
+    // Adds an entry; uniqueness is the caller's business. An entry that already exists throws
+    // ReadVerification. Throws RecordTooLarge for a key above MaximumKeyLength. Cost: one page per level, of
+    // which only the leaf is changed, in place, unless it must be split.
     void insert(KeyView key, RowPointer row);
-    // The same for an entry whose key find() has not found; the tree was not changed since.
+    // The same for an entry whose key find() has not found; the tree must be unchanged since.
     void insertAt(IndexPath& place, KeyView key, RowPointer row);
-    // Takes an entry out; false if there is no such entry. Same cost.
+    // Removes an entry; false if there is none. Same cost.
     bool remove(KeyView key, RowPointer row);
 
 private:
@@ -56,21 +53,21 @@ private:
     PageNumber root_;
     PageNumber table_;
     UsageMap pages_;
-    PageNumber near_ = 0; // the leaf at the end of which an entry was added last
+    PageNumber near_ = 0; // the leaf at whose end an entry was last added
 };
 
-// A place among the entries of a tree. It holds a copy of its entry and finds its place again when the tree
-// was changed meanwhile, by whom ever: next() after the entry was removed goes to the one that followed it.
-// No memory is taken for a step once the longest key was met.
+// A place among the entries of a tree. It holds a copy of its entry and finds its place again if the tree has
+// changed meanwhile, by anyone: next() after the entry was removed goes to the one that followed it. A step
+// allocates no memory once the longest key was read.
 class IndexCursor {
 public:
     explicit IndexCursor(const IndexTree& tree)
         : tree_(tree) {}
 
-    // Each goes to an entry and says whether there is one; if not, the cursor has no entry.
+    // Each moves to an entry and returns whether there is one; if not, the cursor has no entry.
     bool first();
     bool last();
-    // The first entry whose key is not below `key`; with a key of leading columns: the first that begins with
+    // The first entry whose key is not below `key`; for a key of leading columns: the first that begins with
     // it or comes after.
     bool seekFrom(KeyView key);
     // The first entry whose key is above `key` and does not begin with it.
@@ -78,18 +75,18 @@ public:
     // The last entry whose key is below `key`, and the last one that is below it or begins with it.
     bool seekBefore(KeyView key);
     bool seekUpTo(KeyView key);
-    // To exactly this entry, or if there is none, between its neighbours (gives false): next() and previous()
-    // go on from there, key() and row() are as given.
+    // Moves to exactly this entry or, if there is none, between its neighbours (returns false): next() and
+    // previous() continue from there, key() and row() are as given.
     bool seekEntry(KeyView key, RowPointer row);
 
-    // To the neighbour. Without an entry they give false, and nothing moves. From the last (first) entry they
-    // give false, and the cursor has no entry any more.
+    // Moves to the neighbour. Without an entry they return false, and nothing moves. From the last (first)
+    // entry they return false, and the cursor has no entry any more.
     bool next();
     bool previous();
 
     // Whether it has an entry, or a place between entries.
     bool valid() const { return valid_; }
-    // Of the entry; until the next move.
+    // Of the entry; valid until the next move.
     KeyView key() const { return entry_.key(); }
     RowPointer row() const { return entry_.row(); }
     // Whether the entry's key begins with these bytes.
@@ -104,7 +101,7 @@ private:
 
     IndexTree tree_;
     indexpage::EntryBuffer entry_;
-    PageNumber page_ = 0; // where the entry lay when it was met; 0: not known
+    PageNumber page_ = 0; // where the entry was when it was read; 0: not known
     int offset_ = 0;
     std::uint64_t version_ = 0; // of the pager then; 0: the pager does not count
     bool valid_ = false;

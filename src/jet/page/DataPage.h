@@ -1,6 +1,6 @@
 // A page of rows: rows of a table, pieces of long values or usage maps. Rows are packed from the end of the
-// page downwards, a slot for each at its start; a slot keeps its number for life. These routines work on the
-// bytes of one page and do not know whose it is.
+// page downwards, with a slot for each at its start; a slot keeps its number for life. These routines work on
+// the bytes of one page and do not know its owner.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -13,15 +13,13 @@ namespace jet::datapage {
 
 inline constexpr int HeadLength = 14;
 inline constexpr int MaximumSlots = 255;
-// Most that one row can take on an empty page.
-inline constexpr int MaximumRow = static_cast<int>(PageSize) - HeadLength - 2;
 inline constexpr std::uint32_t LongValueOwner = 0x4C41564C; // "LVAL"
 
 struct Slot {
     int offset = 0;
     int length = 0;
-    bool hidden = false;  // no row for walks: deleted, or reached only through a pointer
-    bool pointer = false; // the bytes are a pointer to where the row was moved
+    bool hidden = false;  // walks skip it: deleted, or reached only through a pointer
+    bool pointer = false; // the bytes are a pointer to the row's new place
     bool deleted() const { return hidden && pointer; }
 };
 
@@ -30,7 +28,7 @@ void Format(std::uint8_t* page, std::uint32_t owner);
 
 // Checks head and slots of a page (kind, number of slots, offsets in order). Throws ReadVerification.
 void Check(const std::uint8_t* page, PageNumber number);
-// The same without an error.
+// The same without throwing.
 bool IsSound(const std::uint8_t* page);
 
 inline constexpr std::uint8_t DataType = 1; // the first byte
@@ -43,11 +41,11 @@ inline constexpr std::uint16_t PointerFlag = 0x4000;
 inline std::uint32_t Owner(const std::uint8_t* page) {
     return Load32(page + OwnerField);
 }
-// Slots that the page says it has: MaximumSlots at most on a sound one.
+// The page's own count of slots: at most MaximumSlots on a sound one.
 inline int ClaimedSlots(const std::uint8_t* page) {
     return Load16(page + CountField);
 }
-// Slots to walk over, whatever the page says.
+// Slots to visit, whatever the page says.
 inline int SlotCount(const std::uint8_t* page) {
     return std::min(ClaimedSlots(page), MaximumSlots);
 }
@@ -57,13 +55,13 @@ inline bool IsDataPage(const std::uint8_t* page) {
 int FreeBytes(const std::uint8_t* page);
 // The number of slots that the page's count of free bytes fits; the claimed one if none does.
 int SlotsByFreeSpace(const std::uint8_t* page);
-// Whether a new row of `length` bytes has room: Add() then stays on the page, whatever that holds.
+// Whether a new row of `length` bytes has room: Add() then stays within the page, whatever it holds.
 bool Fits(const std::uint8_t* page, int length);
 
 // Throws ReadVerification with what is wrong with a slot.
 [[noreturn]] void RefuseSlot(const std::uint8_t* page, PageNumber number, int row);
-// Where a row lies, checked against the page. Throws ReadVerification on a bad offset; a slot beyond the last
-// one is given as deleted.
+// Where a row lies, checked against the page. Throws ReadVerification on a bad offset; a slot after the last
+// one is reported as deleted.
 inline Slot Find(const std::uint8_t* page, PageNumber number, int row) {
     const int slots = ClaimedSlots(page);
     if (row >= slots && slots <= MaximumSlots)
@@ -82,7 +80,7 @@ inline std::span<const std::uint8_t> BytesOf(const std::uint8_t* page, const Slo
     return {page + slot.offset, static_cast<std::size_t>(slot.length)};
 }
 
-// Adds a row in a new slot. The caller has made sure that it fits. Gives the slot's number. `flags`:
+// Adds a row in a new slot. The caller has made sure that it fits. Returns the slot's number. `flags`:
 // HiddenFlag or 0.
 std::uint8_t Add(std::uint8_t* page, std::span<const std::uint8_t> bytes, std::uint16_t flags = 0);
 
@@ -92,7 +90,7 @@ bool CanReplace(const std::uint8_t* page, PageNumber number, int row, int length
 // ReadVerification, and changes nothing, if the page is not sound or has no such slot.
 void Replace(std::uint8_t* page, PageNumber number, int row, std::span<const std::uint8_t> bytes,
              std::uint16_t flags);
-// Removes a row: its bytes are taken back, its slot stays as a deleted one.
+// Removes a row: its bytes are reclaimed, its slot stays as a deleted one.
 void Remove(std::uint8_t* page, PageNumber number, int row);
 // Whether any slot is not deleted.
 bool HasRows(const std::uint8_t* page, PageNumber number);

@@ -46,14 +46,14 @@ std::span<const std::uint8_t> rowAt(Pager& pager, RowPointer at) {
     return datapage::BytesOf(page, slot);
 }
 
-// Where a piece of a chain says that the next one is.
+// Where a piece of a chain refers to the next one.
 RowPointer followingPiece(std::span<const std::uint8_t> piece, RowPointer at) {
     if (piece.size() <= PointerLength)
         Damaged(at.page, "row " + std::to_string(at.row) + " holds no piece of a long value");
     return LoadRowPointer(piece.data());
 }
 
-// The rows that a value lies in; none if it follows its definition.
+// The rows that hold a value; none if it follows its definition.
 std::vector<RowPointer> rowsOf(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page) {
     const Definition parsed = parse(definition, page);
     std::vector<RowPointer> rows;
@@ -129,13 +129,6 @@ std::span<const std::uint8_t> LongValueReader::next() {
     return piece;
 }
 
-void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page, Bytes& into) {
-    LongValueReader reader(pager, definition, page);
-    into.clear();
-    for (auto piece = reader.next(); !piece.empty(); piece = reader.next())
-        into.insert(into.end(), piece.begin(), piece.end());
-}
-
 void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row) {
     const std::size_t at = row.size();
     row.resize(at + LongValueDefinitionLength);
@@ -154,7 +147,7 @@ void LongValueStore::write(std::span<const std::uint8_t> data, std::uint8_t* def
     if (data.size() <= MaximumSingle)
         return putDefinition(definition, length | SingleKind, space_.put(data, 0), 0);
 
-    // Every piece but the last fills a page alone; the pages are taken in the order of reading.
+    // Every piece except the last fills a page alone; the pages are allocated in reading order.
     const std::size_t pieces = (data.size() + ChunkData - 1) / ChunkData;
     std::vector<PageNumber> pages;
     for (std::size_t piece = 0; piece < pieces; ++piece)
@@ -169,7 +162,7 @@ void LongValueStore::write(std::span<const std::uint8_t> data, std::uint8_t* def
         chunk.insert(chunk.end(), part.begin(), part.end());
         datapage::Add(pager_->edit(pages[piece]), chunk);
     }
-    // The first page and the definition carry the same stamp; the page's number serves, as no two values
+    // The first page and the definition carry the same stamp; the page's number is used, as no two values
     // share it.
     Store32(pager_->edit(pages.front()) + StampField, pages.front());
     if (pieces > 1)

@@ -1,5 +1,5 @@
-// Memo and OLE values. A row holds a definition of 12 bytes: the length and where the data is, which follows
-// at once (short values), lies in one row of a page of long values, or in a chain of such rows.
+// Memo and OLE values. A row holds a definition of 12 bytes: the length and the place of the data, which
+// follows directly (short values), lies in one row of a page of long values, or in a chain of such rows.
 #pragma once
 
 #include "jet/base/CircleGuard.h"
@@ -14,16 +14,16 @@ namespace jet {
 inline constexpr std::size_t MaximumInlineLength = 64;
 inline constexpr std::size_t LongValueDefinitionLength = 12;
 
-// A value that follows its definition at once; nothing for one that lies elsewhere or for a bad definition.
+// A value that directly follows its definition; nothing if it lies elsewhere or the definition is bad.
 std::optional<std::span<const std::uint8_t>> InlineValue(std::span<const std::uint8_t> definition);
 
-// Reads a long value piece by piece: nothing but the definition is read to begin with. The definition's bytes
-// must live as long as the reader. Throws ReadVerification on a bad definition, chain or page.
+// Reads a long value piece by piece: initially only the definition is read. The definition's bytes must
+// outlive the reader. Throws ReadVerification on a bad definition, chain or page.
 class LongValueReader {
 public:
     LongValueReader(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page);
     std::uint32_t size() const { return length_; }
-    // The row that the next piece lies in; page 0: in the definition itself, or there is none.
+    // The row of the next piece; page 0: it is in the definition itself, or there is none.
     RowPointer at() const { return at_; }
     // The next piece, valid until the next call or a change of pages; empty at the end.
     std::span<const std::uint8_t> next();
@@ -39,10 +39,7 @@ private:
     CircleGuard guard_;
 };
 
-// The whole value.
-void ReadLongValue(Pager& pager, std::span<const std::uint8_t> definition, PageNumber page, Bytes& into);
-
-// Appends a short value (up to MaximumInlineLength bytes) to a row: its definition and itself.
+// Appends a short value (up to MaximumInlineLength bytes) to a row: its definition and the data.
 void AppendInlineValue(std::span<const std::uint8_t> data, Bytes& row);
 
 // Stores the values of one column apart from their rows.

@@ -1,7 +1,6 @@
 #include "platform/host/FileLock.h"
 
 #include "platform/host/HostFiles.h"
-#include "platform/host/LookOnly.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/HostCalls.h"
 
@@ -24,7 +23,7 @@ QByteArray companionOf(const QString& path) {
 
 } // namespace
 
-// The locked file beside another one; removed with this object, still locked.
+// The locked file beside another one; removed with this object, while still locked.
 class FileLock::Companion {
 public:
     Companion(Descriptor file, QByteArray name)
@@ -34,8 +33,8 @@ public:
     Companion(const Companion&) = delete;
     Companion& operator=(const Companion&) = delete;
 
-    // One try; null without the lock. PermissionDenied in *error means that another one has it; other errors
-    // last.
+    // One try; null without the lock. PermissionDenied in *error means that another program holds it; other
+    // errors are permanent.
     static std::unique_ptr<Companion> lock(const QString& path, int* error);
 
 private:
@@ -50,14 +49,14 @@ std::unique_ptr<FileLock::Companion> FileLock::Companion::lock(const QString& pa
         *error = FileErrorFor(errno, path);
         return nullptr;
     }
-    // Another user of this machine may have to take over what a crash leaves behind.
+    // Another user of this machine may have to take over what a crash left behind.
     if (::fchmod(file.get(), 0666) != 0)
         errno = 0;
     *error = PermissionDenied;
     if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK || errno == EINTR)
             return nullptr;
-        // A file system without locks: go on as if alone rather than refuse every change.
+        // A file system without locks: continue as if alone rather than refuse every change.
         if (errno != ENOTSUP && errno != ENOSYS && errno != ENOLCK && errno != EINVAL) {
             *error = FileErrorFor(errno, path);
             return nullptr;
@@ -73,15 +72,9 @@ std::unique_ptr<FileLock::Companion> FileLock::Companion::lock(const QString& pa
 
 FileLock::FileLock(const QString& hostPath, int milliseconds) {
     using namespace std::chrono;
-    if (LookingOnly()) {
-        error_ = PathFileAccess;
+    const std::optional<QString> target = TargetOfChange(hostPath, &error_);
+    if (!target)
         return;
-    }
-    const std::optional<QString> target = FollowLinks(hostPath);
-    if (!target) {
-        error_ = PathNotFound;
-        return;
-    }
     const auto deadline = steady_clock::now() + milliseconds * 1ms;
     auto pause = 1ms;
     for (;;) {

@@ -1,6 +1,7 @@
 #include "platform/posix/HostCalls.h"
 
 #include "platform/host/HostFiles.h"
+#include "platform/host/LookOnly.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -61,6 +62,17 @@ int FileErrorFor(int systemError, const QString& hostPath) {
     default:
         return DeviceIoError;
     }
+}
+
+std::optional<QString> TargetOfChange(const QString& hostPath, int* error) {
+    if (LookingOnly()) {
+        *error = PathFileAccess;
+        return std::nullopt;
+    }
+    const std::optional<QString> target = FollowLinks(hostPath);
+    if (!target)
+        *error = PathNotFound;
+    return target;
 }
 
 int WriteFully(int descriptor, const char* bytes, qint64 length, qint64* written) {

@@ -1,15 +1,17 @@
-// What the sources of this room share: the calls by which bytes become lasting, and the error numbers that
-// calls of the system leave.
+// Shared by the sources of this room: the calls that make bytes durable, and the mapping of errno to the
+// run-time's error numbers.
 #pragma once
 
 #include <QString>
+
+#include <optional>
 
 #include <sys/stat.h>
 #include <sys/types.h>
 
 namespace tolvex::platform {
 
-// Tests put others in place, which fail or stop half-way.
+// Tests replace them with ones that fail or stop half-way.
 struct HostCalls {
     ssize_t (*write)(int, const void*, size_t);
     int (*flush)(int);
@@ -18,12 +20,16 @@ struct HostCalls {
 HostCalls& hostCalls();
 void RestoreHostCalls();
 
-// Writes all bytes at the file's position. 0 or errno, with what was written until then in *written.
+// Writes all bytes at the file's position. 0 or errno; *written gets the number written so far.
 int WriteFully(int descriptor, const char* bytes, qint64 length, qint64* written = nullptr);
 
-// The FileError for an errno that a call on `hostPath` left: a missing name in an existing folder is
-// FileNotFound, one below a missing folder PathNotFound.
+// The FileError for the errno of a call on `hostPath`: a missing name in an existing folder is FileNotFound,
+// one below a missing folder PathNotFound.
 int FileErrorFor(int systemError, const QString& hostPath);
+
+// The file that a change of `hostPath` reaches through its links. Nothing, with the FileError in *error, in
+// read-only mode and for a circle of links.
+std::optional<QString> TargetOfChange(const QString& hostPath, int* error);
 
 inline bool IsSameFile(const struct stat& one, const struct stat& other) {
     return one.st_ino == other.st_ino && one.st_dev == other.st_dev;

@@ -21,15 +21,15 @@ namespace {
 constexpr char besideStart[] = ".tolvex-";
 constexpr char besideEnd[] = ".new";
 
-// As many names as can be taken by files of dead writers that cannot be removed.
+// As many names as dead writers' files that cannot be removed may take.
 constexpr int mostNames = 1000;
 
-// On a share locks may be those of this machine alone. What was changed there within this time, in seconds,
-// may be another machine's at work.
+// On a share, locks may hold on this machine only. A file changed there within this time, in seconds, may
+// belong to a running writer on another machine.
 constexpr qint64 atRestOnShare = 24 * 60 * 60;
 
-// Keeps mode and owner of the file that is about to be replaced. A foreign owner cannot always be kept; then
-// the file is at least ours with the same rights.
+// Keeps mode and owner of the file that is replaced. A foreign owner cannot always be kept; then the file is
+// at least ours with the same rights.
 void takeOver(int descriptor, const struct stat& old) {
     if (::fchown(descriptor, old.st_uid, old.st_gid) != 0)
         errno = 0;
@@ -41,7 +41,7 @@ int flushFolder(const QString& folder) {
     const Descriptor descriptor(::open(HostName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor.open() || hostCalls().flush(descriptor.get()) == 0)
         return NoError;
-    // Network file systems that cannot flush a folder say so; they keep names by themselves.
+    // Network file systems that cannot flush a folder report it; they keep names durable by themselves.
     return errno == EINVAL || errno == EBADF || errno == ENOTSUP ? NoError : DeviceIoError;
 }
 
@@ -52,8 +52,8 @@ bool hasName(int descriptor, const QByteArray& name) {
            IsSameFile(ours, there);
 }
 
-// Whether nobody writes a file beside any more: its lock is free. On a file system without locks nobody
-// knows.
+// Whether the writer of a file beside is gone: its lock is free. On a file system without locks this is not
+// known.
 bool isAbandoned(const Descriptor& file, bool onShare) {
     struct stat info {};
     if (!file.open() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
@@ -79,7 +79,7 @@ void removeAbandoned(const QString& folder) {
 
 } // namespace
 
-// The file with the new bytes, until it has its name.
+// The file with the new bytes, until it is renamed.
 class Replacement::Beside {
 public:
     Beside(QByteArray name, Descriptor file, Descriptor alive)
@@ -93,9 +93,9 @@ public:
     Beside(const Beside&) = delete;
     Beside& operator=(const Beside&) = delete;
 
-    // Makes the file, under a short name of its own, so that a long file name leaves room for it. Null when
-    // that name is taken, by a file of a dead process of our number for instance, or when another writer took
-    // the file for abandoned before it was locked; *error is set where no other name would help.
+    // Makes the file under a short name of its own, so that a long file name leaves room for it. Null if that
+    // name is taken, for instance by a file of a dead process with our number, or if another writer took the
+    // file for abandoned before it was locked; *error is set if no other name would help.
     static std::unique_ptr<Beside> make(const QString& target, int* error);
 
     int descriptor() const { return file_.get(); }
@@ -149,15 +149,9 @@ int Replacement::Beside::place(const QString& target) {
 }
 
 Replacement::Replacement(const QString& hostPath) {
-    if (LookingOnly()) {
-        error_ = PathFileAccess;
+    const std::optional<QString> target = TargetOfChange(hostPath, &error_);
+    if (!target)
         return;
-    }
-    const std::optional<QString> target = FollowLinks(hostPath);
-    if (!target) {
-        error_ = PathNotFound;
-        return;
-    }
     target_ = *target;
     const QByteArray name = HostName(target_);
     struct stat old {};

@@ -1,6 +1,7 @@
 #include "ui/binding/FieldError.h"
 
 #include "ui/binding/Controls.h"
+#include "ui/binding/ShowControl.h"
 #include "ui/style/Style.h"
 #include "ui/style/TextBoxes.h"
 
@@ -24,7 +25,7 @@ void mark(QWidget* field, bool wrong) {
     field->style()->polish(field);
 }
 
-// Lives as long as its marks are seen.
+// Lives while its marks are visible.
 class ErrorMark : public QObject {
 public:
     ErrorMark(QWidget* field, const QString& message)
@@ -33,10 +34,8 @@ public:
         , description_(field->accessibleDescription()) {
         mark(field, true);
         field->setAccessibleDescription(message);
-        for (QWidget* page = field; page->parentWidget(); page = page->parentWidget())
-            if (auto* tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget()))
-                if (const int tab = tabs->indexOf(page); tab >= 0)
-                    markTab(tabs, tab);
+        for (const TabPlace& place : ShowTabsOf(field))
+            markTab(place.tabs, place.tab);
         for (QWidget* input : InputsOf(field->window()))
             WhenChanged(input, this, [this] { take(); });
     }
@@ -53,7 +52,6 @@ private:
     };
     void markTab(QTabWidget* tabs, int tab) {
         marked_.append({tabs, tab, tabs->tabIcon(tab), tabs->tabBar()->accessibleTabName(tab)});
-        tabs->setCurrentIndex(tab);
         tabs->setTabIcon(tab, LineIcon(QStringLiteral("exclamation"), &Tokens::error));
         tabs->tabBar()->setAccessibleTabName(tab, tabs->tabText(tab).remove(u'&') +
                                                       QStringLiteral(", a field is wrong"));

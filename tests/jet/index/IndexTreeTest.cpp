@@ -1,4 +1,4 @@
-// Index trees against a sorted set in memory, with the checker over the whole tree after each batch.
+// Index trees compared with a sorted set in memory; the checker visits the whole tree after each batch.
 #include "jet/base/Error.h"
 #include "jet/index/ExternalSort.h"
 #include "jet/index/IndexBuilder.h"
@@ -97,13 +97,13 @@ void expectSame(const IndexTree& tree, const Model& model) {
     ASSERT_FALSE(more);
 }
 
-// How the keys of a random test look.
+// The shape of the keys in a random test.
 struct Shape {
     const char* name;
     int shortest;
     int longest;
     int letters; // different bytes a key is made of
-    int shared;  // bytes that most keys begin with
+    int shared;  // bytes with which most keys begin
     int entries;
 };
 
@@ -113,7 +113,7 @@ void PrintTo(const Shape& shape, std::ostream* out) {
 
 class RandomTree : public testing::TestWithParam<Shape> {
 protected:
-    // No key is the beginning of another, as with real ones.
+    // No key is a prefix of another, as with real ones.
     Bytes key() {
         const Shape& shape = GetParam();
         Bytes bytes(random_() % 8 == 0 ? 0 : static_cast<std::size_t>(shape.shared), 0x55);
@@ -174,7 +174,7 @@ protected:
             }
         }
     }
-    // A cursor walks while entries come and go around it, its own among them.
+    // A cursor walks while entries around it, including its own, are added and removed.
     void walkWhileChanging(int steps) {
         IndexCursor cursor(tree_.tree);
         if (!cursor.seekFrom(key()) && !cursor.first())
@@ -282,30 +282,26 @@ TEST(IndexTree, AscendingKeysFillTheirLeaves) {
     for (std::uint32_t i = 0; i < 40000; ++i)
         tree->insert(longKey(i), {100 + i / 100, static_cast<std::uint8_t>(i % 100)});
     EXPECT_TRUE(faultsOf(tree.tree).empty());
-    // 9 bytes an entry, 5 of them in the prefix only once the page is full.
+    // 9 bytes an entry, 5 of them in the prefix only once the page is full
     EXPECT_LT(tree->pages().pages().size(), 40000u / 450);
-    // Taking them out from the front, one by one, frees page after page.
+    // Removing them from the front, one by one, frees page after page.
     for (std::uint32_t i = 0; i < 39999; ++i)
         ASSERT_TRUE(tree->remove(longKey(i), {100 + i / 100, static_cast<std::uint8_t>(i % 100)}));
     EXPECT_TRUE(faultsOf(tree.tree).empty());
     EXPECT_EQ(tree->pages().pages().size(), 1u);
 }
 
-TEST(IndexTree, TellsDuplicatesOfOthers) {
+TEST(IndexTree, RefusesWhatItHasAndWhatIsTooLong) {
     Tree tree;
     for (std::uint8_t row = 0; row < 3; ++row)
         tree->insert(longKey(5), {9, row});
     tree->insert(longKey(6), {9, 9});
-    EXPECT_TRUE(tree->containsOther(longKey(5), {9, 0}));
-    EXPECT_TRUE(tree->containsOther(longKey(6), {9, 8}));
-    EXPECT_FALSE(tree->containsOther(longKey(6), {9, 9}));
-    EXPECT_FALSE(tree->containsOther(longKey(7), {9, 9}));
     EXPECT_FALSE(tree->remove(longKey(6), {9, 8}));
     EXPECT_THROW(tree->insert(longKey(5), {9, 1}), Error);
     EXPECT_THROW(tree->insert(Bytes(1801, 1), {9, 1}), Error);
 }
 
-// A page that one index frees may serve another one of the same table next, with the very bytes at the very
+// A page that one index frees may next belong to another one of the same table, with the same bytes at the
 // place that a cursor remembers.
 TEST(IndexTree, ACursorKnowsThePagesOfItsIndex) {
     int met = 0;
@@ -331,7 +327,7 @@ TEST(IndexTree, ACursorKnowsThePagesOfItsIndex) {
         ASSERT_GT(firsts.size(), leaf);
         const std::uint32_t first = firsts[leaf];
         ASSERT_TRUE(cursor.seekFrom(longKey(first)));
-        // The cursor's leaf is freed before another one, and so given out as the second of them.
+        // The cursor's leaf is freed before another one, and so allocated as the second of them.
         const auto removeFrom = [&](std::uint32_t from, std::uint32_t to) {
             for (std::uint32_t i = from; i < to; ++i)
                 tree->remove(longKey(i), {100, static_cast<std::uint8_t>(i % 100)});
@@ -355,7 +351,7 @@ TEST(IndexTree, ACursorKnowsThePagesOfItsIndex) {
     EXPECT_GT(met, 0);
 }
 
-// Whatever is written over a page, reading, walking, changing and checking end with an answer or an error.
+// Whatever overwrites a page, reading, walking, changing and checking end with an answer or an error.
 TEST(IndexTree, DamagedPagesGiveErrors) {
     std::mt19937 random(5);
     for (int round = 0; round < 400; ++round) {

@@ -139,13 +139,13 @@ TEST(KeyEncoding, RefusesWhatHasNoPlaceInAnOrder) {
         EXPECT_EQ(error.code(), ErrorNumber::InvalidArgument);
         EXPECT_NE(std::string(error.what()).find("U+4E2D"), std::string::npos) << error.what();
     }
-    // Behind the part that an index looks at everything is welcome.
+    // After the part that an index uses, every character is accepted.
     EXPECT_NO_THROW(keyOf(ColumnType::Memo, std::u16string(255, u'a') + u"\u4E2D"));
     EXPECT_EQ(FindUnorderable(u"ab\u4E2D"), u'\u4E2D');
     EXPECT_EQ(FindUnorderable(u"Žižkov"), std::nullopt);
 }
 
-// Comparing without keys gives what the keys give, for short texts of telling characters and long random
+// Comparing without keys agrees with comparing keys, for short texts of critical characters and long random
 // ones.
 TEST(Collation, ComparesAsTheKeysDo) {
     const std::u16string letters = u"aAbÄäßsǼæ-' \u0301\u00AD1\u0001z€";

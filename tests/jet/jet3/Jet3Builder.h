@@ -1,4 +1,4 @@
-// A small file of the older format, made byte by byte: a catalogue, a table with every kind of row and value
+// A small file of the older format, built byte by byte: a catalogue, a table with every kind of row and value
 // that the format stores in its own way, and a query.
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace jet::test {
+namespace jet::tests {
 
 class Jet3Builder {
 public:
@@ -36,7 +36,7 @@ public:
     }
 
     std::uint8_t* at(PageNumber page) { return file.data() + page * Size; }
-    // A row as it lies on a page; gives its number. `flags`: of its slot.
+    // Adds a row to a page; returns its number. `flags`: of its slot.
     std::uint8_t addRow(PageNumber page, const Bytes& row, std::uint32_t flags = 0) {
         const std::uint32_t count = Load16(at(page) + 8);
         const std::uint32_t end = count == 0 ? Size : Load16(at(page) + 10 + 2 * (count - 1)) & 0x1FFF;
@@ -245,4 +245,4 @@ private:
     }
 };
 
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,4 +1,4 @@
-// Files of the older format: read, checked, and compacted into files of the present one.
+// Files of the older format: read, checked, and compacted to files of the present one.
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/Database.h"
@@ -13,7 +13,7 @@
 
 #include <functional>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 constexpr char Path[] = "OLD.MDB";
@@ -86,12 +86,12 @@ TEST_F(Jet3Test, TheCheckTellsWhatCannotBeRead) {
                                          "5 Songs row 1 lies outside its place\n"
                                          "7 Songs is no data page\n"
                                          "4 Songs says that the table has 7 rows instead of 3\n");
-    // A value that cannot be read is null, and its row is there.
+    // An unreadable value is null, and its row exists.
     EXPECT_EQ(rowsOf(database, u"Id").substr(0, 25), "1,0,\"\",,0\r\n4,4,Four,,1\r\n9");
 }
 
-// Rows whose notes are the same pieces, one of which leads back to itself, and an index of no column: however
-// often a piece is named it is read once.
+// Rows whose notes share the same pieces, one of which leads back to itself, and an index without columns: a
+// piece that is named often is read once.
 TEST_F(Jet3Test, DamageDoesNotMakeAFileLarger) {
     std::uint8_t* pieces = built_.at(Jet3Builder::LongValues);
     const auto startOf = [&](int row) { return Load16(pieces + 10 + 2 * row) & 0x1FFFu; };
@@ -136,4 +136,4 @@ TEST_F(Jet3Test, CompactionMakesAFileOfThePresentFormat) {
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,4 +1,4 @@
-// The integrity check: files of ours have no faults, and each kind of damage is found where it is.
+// The integrity check: our files have no faults, and each kind of damage is found in its place.
 #include "jet/Check.h"
 
 #include "jet/page/DataPage.h"
@@ -178,7 +178,7 @@ TEST_F(DamageTest, Counters) {
     expectFault(definition_.page, "instead of 1989");
 }
 
-// Each plants one fault into the definition, the rows or the catalogue, and says what has to be found.
+// Each plants one fault in the definition, the rows or the catalogue, and says what must be found.
 struct Planted {
     const char* name;
     std::function<void(Pager&, TableDefinition&)> plant;

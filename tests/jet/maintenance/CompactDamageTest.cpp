@@ -1,4 +1,4 @@
-// What compaction saves of each kind of damage, and that nothing it leaves out still hangs on to the rest.
+// What compaction rescues from each kind of damage, and that nothing left out remains linked to the rest.
 #include "jet/WholeDatabase.h"
 
 #include "jet/Check.h"
@@ -19,9 +19,9 @@ namespace {
 
 class CompactDamageTest : public testing::Test {
 protected:
-    // Compacts what source_ holds by now; the new file has no fault.
+    // Compacts the current content of source_; the new file has no fault.
     void compact() {
-        test::FaultyStorage storage;
+        tests::FaultyStorage storage;
         const auto file = storage.open("b.mdb", Storage::Open::CreateNew);
         NewFile target(*file, PageZero());
         CompactPages(source_, target,
@@ -39,7 +39,7 @@ protected:
     Catalog source() { return Catalog(source_); }
     CatalogObject object(const char16_t* table) { return source().findTable(table).value(); }
     std::uint8_t* page(PageNumber number) { return source_.edit(number); }
-    // The bytes of a row where it lies.
+    // The bytes of a row in place.
     std::uint8_t* row(RowPointer at) {
         return page(at.page) + datapage::Find(source_.read(at.page), at.page, at.row).offset;
     }
@@ -71,8 +71,8 @@ TEST_F(CompactDamageTest, OfASoundFileNothingIsLost) {
     EXPECT_EQ(made().table(u"Shows").definition().logicalIndexes.size(), 3u);
 }
 
-// The table that others refer to is lost: their side of the relationship goes, its rows, its object, all
-// rights.
+// A table that others refer to is lost: their side of the relationship is removed, with its rows, its object
+// and all rights.
 TEST_F(CompactDamageTest, ALostTableTakesItsRelationshipsAlong) {
     page(static_cast<PageNumber>(object(u"Shows").id))[0] = 0;
     compact();
@@ -86,7 +86,7 @@ TEST_F(CompactDamageTest, ALostTableTakesItsRelationshipsAlong) {
     DropTable(*std::make_unique<Catalog>(*made_), u"Carts"); // nothing needs it any more
 }
 
-// One side has forgotten the other: the primary key that the relationship uses stays.
+// One side has lost its reference to the other: the primary key that the relationship uses stays.
 TEST_F(CompactDamageTest, HalfARelationshipEndsOnBothSides) {
     redefine(u"Carts", [](TableDefinition& in) {
         for (LogicalIndex& index : in.logicalIndexes)
@@ -101,8 +101,8 @@ TEST_F(CompactDamageTest, HalfARelationshipEndsOnBothSides) {
     EXPECT_EQ(rowsOf(u"Shows"), 12u);
 }
 
-// Bits of the list of pages are gone, or the list itself: the pages are known by their heads, and those that
-// were freed do not count.
+// Bits of the list of pages are lost, or the list itself: the pages are identified by their heads, and freed
+// ones do not count.
 TEST_F(CompactDamageTest, PagesThatNoListNamesAreFound) {
     const std::uint32_t rows = source().table(u"Carts").rowCount();
     const RowPointer map = source().table(u"Carts").definition().ownedMap;
@@ -121,7 +121,7 @@ TEST_F(CompactDamageTest, PagesThatNoListNamesAreFound) {
     EXPECT_EQ(rowsOf(u"Shows"), 12u);
 }
 
-// The number of rows of a page is damaged: its free space still tells it, on the catalogue's page as on
+// The number of rows of a page is damaged: its free space determines it, on the catalogue's page as on
 // others.
 TEST_F(CompactDamageTest, RowsAreCountedByTheFreeSpace) {
     Store16(page(firstRow(u"Shows").page) + datapage::CountField, 3);
@@ -133,8 +133,8 @@ TEST_F(CompactDamageTest, RowsAreCountedByTheFreeSpace) {
     EXPECT_EQ(rowsOf(u"Log"), 100u);
 }
 
-// A bit of its place makes a row look deleted: the counts of the tables tell. The table that the catalogue
-// has lost is found, and the rows that are missing are told.
+// A wrong bit makes a row look deleted: the counts of the tables reveal it. The table missing in the
+// catalogue is found, and the missing rows are reported.
 TEST_F(CompactDamageTest, RowsThatLookDeletedAreMissed) {
     const auto takeAway = [this](RowPointer at) {
         std::uint8_t* place = page(at.page) + datapage::CountField + 2 + 2 * std::size_t{at.row};
@@ -149,7 +149,7 @@ TEST_F(CompactDamageTest, RowsThatLookDeletedAreMissed) {
     EXPECT_EQ(rowsOf(u"Recovered"), 100u);
 }
 
-// A row of the catalogue cannot be read: its table is found and gets a name. One with a wrong number is found
+// A row of the catalogue is unreadable: its table is found and gets a name. One with a wrong number is found
 // again.
 TEST_F(CompactDamageTest, TablesThatNoObjectNamesAreFound) {
     Store16(row(object(u"Log").row), 0xFFFF); // the number of columns
@@ -184,7 +184,7 @@ TEST_F(CompactDamageTest, TwoTablesOfANameAreBothKept) {
     EXPECT_EQ(rowsOf(u"shows 2"), 139u);
 }
 
-// Standard objects and all rights are gone with a page: every object has some again.
+// Standard objects and all rights are lost with a page: every object gets some again.
 TEST_F(CompactDamageTest, StandardObjectsAndRightsComeBack) {
     const auto objects = source().objects();
     const auto container = std::find_if(objects.begin(), objects.end(), [](const CatalogObject& one) {
@@ -208,7 +208,7 @@ TEST_F(CompactDamageTest, StandardObjectsAndRightsComeBack) {
     EXPECT_EQ(count[made().findTable(u"Carts")->id], 2);
 }
 
-// A text that cannot be ordered keeps its place in the index, with the key that the old one has; without that
+// A text that cannot be ordered keeps its place in the index, with its key from the old one; if that fails
 // the index is left out, never the text.
 TEST_F(CompactDamageTest, TextsWithoutAPlaceKeepTheirKeys) {
     const Table shows = source().table(u"Shows");
@@ -218,7 +218,7 @@ TEST_F(CompactDamageTest, TextsWithoutAPlaceKeepTheirKeys) {
     const std::u16string text{0x4E00, 0x4E01, 0x4E02};
     const Column& title = shows.definition().columns[1];
     const auto bytes = view.bytes(title);
-    ASSERT_EQ(bytes.size(), 8u); // squeezed, of "Show 1"
+    ASSERT_EQ(bytes.size(), 8u); // compressed, of "Show 1"
     for (std::size_t i = 0; i < 4; ++i)
         Store16(const_cast<std::uint8_t*>(bytes.data()) + 2 * i, text[i % 3]);
     const Bytes damaged = source_.image();
@@ -241,7 +241,7 @@ TEST_F(CompactDamageTest, TextsWithoutAPlaceKeepTheirKeys) {
     EXPECT_EQ(rowsOf(u"Shows"), 12u);
 }
 
-// The order of a column is none of those known here: the order of the old index is kept.
+// The sort order of a column is unknown: the order of the old index is kept.
 TEST_F(CompactDamageTest, AnIndexInAnotherOrderIsTakenOver) {
     redefine(u"Carts", [](TableDefinition& in) { in.columns[1].language = 0x041F; });
     const auto keysOf = [](const Table& table) {
@@ -257,7 +257,7 @@ TEST_F(CompactDamageTest, AnIndexInAnotherOrderIsTakenOver) {
     EXPECT_EQ(keysOf(made().table(u"Carts")), before);
 }
 
-// The key of a row is null where the index demands a value: the row is worth more than the demand.
+// The key of a row is null although the index requires a value: keeping the row is more important.
 TEST_F(CompactDamageTest, RowsWithoutTheirKeyStay) {
     const Table log = source().table(u"Log");
     RowPointer at = firstRow(u"Log");
@@ -270,7 +270,7 @@ TEST_F(CompactDamageTest, RowsWithoutTheirKeyStay) {
     EXPECT_TRUE(made().table(u"Log").definition().realIndexes[0].isUnique());
 }
 
-// Two rows share the pieces of a long value: one has it, and the new file is not larger by that.
+// Two rows share the pieces of a long value: one keeps it, and the new file is not larger because of that.
 TEST_F(CompactDamageTest, PiecesOfLongValuesAreCopiedOnce) {
     const Table carts = source().table(u"Carts");
     const auto notes = static_cast<std::size_t>(column(carts, u"Notes"));
@@ -293,7 +293,7 @@ TEST_F(CompactDamageTest, PiecesOfLongValuesAreCopiedOnce) {
     EXPECT_LT(made_->pageCount(), source_.pageCount());
 }
 
-// A column says that it is smaller than its values: it grows. A value that no column can hold is lost.
+// A column declares a size smaller than its values: it grows. A value that no column can hold is lost.
 TEST_F(CompactDamageTest, ColumnsGrowToTheirValues) {
     redefine(u"Carts", [](TableDefinition& in) { in.columns[1].size = 10; });
     redefine(u"Shows", [](TableDefinition& in) { in.columns[1].size = 0; });
@@ -303,7 +303,7 @@ TEST_F(CompactDamageTest, ColumnsGrowToTheirValues) {
     EXPECT_EQ(made().table(u"Shows").definition().columns[1].size, 510);
 }
 
-// Two columns of one place in the row, of a table that dropped one: neither can be trusted, the rest can.
+// Two columns with one place in the row, in a table that dropped one: neither is reliable, the rest is.
 TEST_F(CompactDamageTest, ColumnsInOnePlaceAreLeftOut) {
     redefine(u"Carts", [](TableDefinition& in) {
         in.columns[static_cast<std::size_t>(in.findColumn(u"Price"))].fixedOffset =

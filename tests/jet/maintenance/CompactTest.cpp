@@ -1,5 +1,5 @@
-// Compaction keeps everything, saves what it can of damaged files, and leaves either a whole new file or
-// none.
+// Compaction keeps everything, rescues as much as possible from damaged files, and leaves either a complete
+// new file or none.
 #include "jet/Compact.h"
 
 #include "jet/Check.h"
@@ -19,7 +19,7 @@
 namespace jet {
 namespace {
 
-using test::FaultyStorage;
+using tests::FaultyStorage;
 
 const std::string source = "a.mdb";
 const std::string target = "b.mdb";
@@ -105,14 +105,14 @@ TEST_F(CompactOwnTest, LeavesNothingOver) {
     RowPointer at;
     Value id;
     std::int32_t before = 1000;
-    for (RowView row; table.next(at, row);) { // the primary key descends
+    for (RowView row; table.next(at, row);) { // the primary key is descending
         table.value(row, 0, id);
         ASSERT_LT(std::get<std::int32_t>(id), before);
         before = std::get<std::int32_t>(id);
     }
     for (PageNumber page = 0; page < pager.pageCount(); ++page)
         ASSERT_FALSE(FreeMap(pager, {1, 0}).isFree(page));
-    // Again: nothing is left to gain.
+    // Again: there is nothing left to gain.
     FaultyStorage again;
     again.put(source, small);
     compact(again);
@@ -138,7 +138,7 @@ TEST_F(CompactOwnTest, RowsComeInTheOrderOfTheirKeys) {
         ExternalSort entries(memory);
         for (const auto& [one, where] : expected)
             entries.add(one, where);
-        entries.add(key, {99999, 0}); // not there
+        entries.add(key, {99999, 0}); // missing
         entries.sort();
         OrderedRows rows(table, entries, memory);
         for (const auto& [one, where] : expected) {
@@ -155,7 +155,7 @@ TEST_F(CompactOwnTest, RowsComeInTheOrderOfTheirKeys) {
     }
 }
 
-// The disk fails at every call in turn, or the power goes: the source stays, and no half file remains.
+// The disk fails at every call in turn, or the power fails: the source stays, and no partial file remains.
 TEST_F(CompactOwnTest, FailsWhole) {
     FaultyStorage counted;
     counted.put(source, image_);
@@ -190,7 +190,7 @@ TEST_F(CompactOwnTest, SavesWhatCanBeRead) {
     ASSERT_GT(rows.size(), 5u);
     const std::size_t all = rowsOf(image_)[u"Log"].size();
 
-    // A page of rows is gone, an index is rubbish, a memo leads astray.
+    // A page of rows is missing, an index is garbage, a memo points nowhere.
     Bytes damaged = image_;
     const auto at = [&](PageNumber page) { return damaged.data() + std::size_t{page} * PageSize; };
     const std::size_t lostRows = static_cast<std::size_t>(datapage::SlotCount(at(rows[1])));
@@ -212,8 +212,8 @@ TEST_F(CompactOwnTest, SavesWhatCanBeRead) {
     }));
 }
 
-// Rows lie in their order but for some that took the place of others, which is met on the way: what was
-// copied until then is taken back, and what is damaged is told once.
+// Rows are in order except some that took the place of others, which is discovered during the copy: the
+// copied part is taken back, and damage is reported once.
 TEST(CompactTest, BeginsAnewWhenRowsLieOutOfOrder) {
     FaultyStorage storage;
     Database database = Database::create(storage, source);
@@ -268,7 +268,7 @@ TEST(CompactTest, BeginsAnewWhenRowsLieOutOfOrder) {
         EXPECT_FALSE(FreeMap(pager, {1, 0}).isFree(page)) << page;
 }
 
-// Keys that are there twice are met when all rows have been copied already: then everything begins anew.
+// Duplicate keys are found after all rows have been copied: then everything starts again.
 TEST_F(CompactOwnTest, LeavesOutRowsWithEqualKeys) {
     MemoryPager pager(image_);
     TableDefinition log = definition(image_);

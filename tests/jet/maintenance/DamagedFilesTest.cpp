@@ -1,5 +1,5 @@
 // Whatever is damaged in a file after its first page: the check and compaction end within bounds, compaction
-// succeeds, and the file it makes has no fault. TOLVEX_DAMAGED_FILES=20000 tries that many.
+// succeeds, and its new file has no fault. TOLVEX_DAMAGED_FILES=20000 tests that many.
 #include "jet/WholeDatabase.h"
 #include "jet/maintenance/RandomDamage.h"
 
@@ -27,7 +27,7 @@ TEST(DamagedFilesTest, AreSavedWithoutFaults) {
     }
 }
 
-// Rows of each table of the user as text.
+// Rows of each user table as text.
 std::map<std::u16string, std::string> contentOf(Pager& pager) {
     const Catalog catalog(pager);
     std::map<std::u16string, std::string> content;
@@ -39,12 +39,12 @@ std::map<std::u16string, std::string> contentOf(Pager& pager) {
     return content;
 }
 
-// Each byte of each definition in turn: all other tables are saved whole, and if it is one of the system's,
-// all.
+// Each byte of each definition in turn: all other tables are rescued completely, and if it is one of the
+// system's, all.
 TEST(DamagedFilesTest, ABrokenDefinitionCostsNoOtherTable) {
     const Bytes sound = WholeDatabase();
     MemoryPager pager(sound);
-    test::FaultyStorage storage;
+    tests::FaultyStorage storage;
     const auto compacted = [&](Pager& from, const std::string& name) {
         const auto target = storage.open(name, Storage::Open::CreateNew);
         NewFile made(*target, PageZero());

@@ -1,5 +1,5 @@
-// Files damaged at random, but each time in the same way for one seed, and what must hold of them all the
-// same.
+// Files with random damage, reproducible by seed, and the
+// conditions that must still hold.
 #pragma once
 
 #include "jet/Check.h"
@@ -17,7 +17,7 @@
 
 namespace jet::tests {
 
-// Counts the pages that are read.
+// Counts page reads.
 class CountingPager final : public Pager {
 public:
     explicit CountingPager(const Bytes& image)
@@ -41,8 +41,8 @@ inline std::uint32_t Below(std::mt19937& random, std::size_t limit) {
     return static_cast<std::uint32_t>(random() % limit);
 }
 
-// One thing that goes wrong with a file, on a page after the first. Most pages hold rows, so that those of
-// other kinds are chosen as often by themselves.
+// One random fault in a file, on a page after the first. Most pages hold rows, so pages of other kinds are
+// chosen separately just as often.
 inline void Damage(Bytes& file, std::mt19937& random) {
     const std::size_t pages = file.size() / PageSize;
     std::size_t page = 1 + Below(random, pages - 1);
@@ -77,7 +77,7 @@ inline void Damage(Bytes& file, std::mt19937& random) {
     }
 }
 
-// One for each line; harmless ones are left out.
+// One per line; harmless ones are left out.
 inline std::string FaultsOf(Pager& pager) {
     std::string text;
     CheckDatabase(pager, [&](const Fault& fault) {
@@ -88,19 +88,19 @@ inline std::string FaultsOf(Pager& pager) {
     return text;
 }
 
-// Damages a file, checks and compacts it; the bounds are in pages read, and the new file has no fault.
+// Damages a file, checks and compacts it; the bounds count page reads, and the new file has no fault.
 inline void TryDamage(const Bytes& sound, unsigned seed) {
     std::mt19937 random(seed);
     Bytes file = sound;
     for (unsigned hits = 1 + Below(random, 3); hits > 0; --hits)
         Damage(file, random);
-    // Pages read for each page that there is, by the check and by two passes of compaction.
+    // Page reads per page, by the check and by two passes of compaction.
     const std::uint64_t most = 3000 * (file.size() / PageSize);
     CountingPager source(file);
     FaultsOf(source);
     EXPECT_LT(source.reads, most);
     source.reads = 0;
-    test::FaultyStorage storage;
+    tests::FaultyStorage storage;
     const auto target = storage.open("b.mdb", Storage::Open::CreateNew);
     NewFile made(*target, PageZero());
     std::string losses;

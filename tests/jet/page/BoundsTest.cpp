@@ -1,5 +1,5 @@
-// Numbers of a damaged page that would lead beyond it, or round for ever: each is met with an error where it
-// is read, and what is sound beside it goes on.
+// Numbers of a damaged page that would lead beyond it, or in circles: each causes an error where it is read,
+// and sound neighbours keep working.
 #include "jet/NewDatabase.h"
 
 #include "jet/Check.h"
@@ -42,7 +42,7 @@ protected:
         const std::uint8_t* bytes = database_.pager.read(page);
         return Bytes(bytes, bytes + PageSize);
     }
-    // Writes a changed definition over the one of the table.
+    // Overwrites the table's definition with a changed one.
     void redefine(const std::function<void(TableDefinition&)>& change) {
         TableDefinition definition = log().definition();
         change(definition);
@@ -61,7 +61,7 @@ struct BadDefinition {
 
 class DefinitionBoundsTest : public BoundsTest, public testing::WithParamInterface<BadDefinition> {};
 
-// A broken definition is told with its page and what is wrong; the other tables open as before.
+// A broken definition is reported with its page and the fault; the other tables open as before.
 TEST_P(DefinitionBoundsTest, IsRefusedByItselfAlone) {
     AppendTable(database_.catalog, {u"Other", {{u"Id", ColumnType::Long}}, {}, {}});
     const CatalogObject object = *database_.catalog.findTable(u"Log");
@@ -106,13 +106,13 @@ TEST_F(BoundsTest, CountsOfADefinitionAreLimited) {
         EXPECT_EQ(ErrorOf([&] { log(); }), Damage) << count;
         std::copy(sound.begin(), sound.end(), edit(page));
     }
-    Store32(edit(page) + 4, page); // a page that is followed by itself
+    Store32(edit(page) + 4, page); // a page followed by itself
     Store32(edit(page) + 8, 0x10000);
     EXPECT_EQ(ErrorOf([&] { log(); }), Damage);
 }
 
-// A row of another object cannot be read: tables that are found open all the same, and no second one is made
-// of a name that may be there.
+// A row of another object is unreadable: tables that are found open all the same, and no duplicate is made of
+// a name that may exist.
 TEST_F(BoundsTest, ADamagedObjectHidesNoOther) {
     AppendTable(database_.catalog, {u"Other", {{u"Id", ColumnType::Long}}, {}, {}});
     const RowPointer row = database_.catalog.findTable(u"Other")->row;
@@ -128,7 +128,7 @@ TEST_F(BoundsTest, ADamagedObjectHidesNoOther) {
               Damage);
 }
 
-// Rows are never put on a page whose slots lead beyond it, nor on one of another owner.
+// Rows are never put on a page whose slots lead beyond it, or that belongs to another owner.
 TEST_F(BoundsTest, NewRowsKeepOffDamagedPages) {
     const int slots = datapage::SlotCount(database_.pager.read(last_.page));
     Store16(edit(last_.page) + datapage::HeadLength + 2 * (slots - 1), 0x1FFF);
@@ -171,7 +171,7 @@ TEST_F(BoundsTest, LongValuesThatRunInACircleEnd) {
     EXPECT_EQ(ErrorOf([&] { table.remove(at); }), Damage);
 }
 
-// Two leaves that lead to each other, the first of them out of order inside: 5, 1, 2, 5, ...
+// Two leaves that lead to each other, the first of them unordered: 5, 1, 2, 5, ...
 TEST_F(BoundsTest, WalksAlongAnIndexEnd) {
     using namespace indexpage;
     const IndexTree tree = log().index(0);
@@ -200,7 +200,7 @@ TEST_F(BoundsTest, WalksAlongAnIndexEnd) {
     }
 }
 
-// A node whose entries are shorter than a row pointer overflows: the entries are refused, not cut.
+// A node with entries shorter than a row pointer overflows: the entries are refused, not cut.
 TEST_F(BoundsTest, ShortEntriesAreNotSplit) {
     using namespace indexpage;
     const IndexTree tree = log().index(0);

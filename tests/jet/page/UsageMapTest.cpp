@@ -1,4 +1,4 @@
-// Sets of pages against std::set, through all the forms a map takes as the file grows.
+// Sets of pages compared with std::set, through all the forms of a map as the file grows.
 #include "jet/page/UsageMap.h"
 
 #include "jet/base/Error.h"
@@ -21,7 +21,7 @@ RowPointer newMap(MemoryPager& pager) {
     return {page, datapage::Add(pager.edit(page), Bytes(UsageMapRowLength, 0))};
 }
 
-// A file of `pages` pages, all in use, as the engine leaves it.
+// A file of `pages` pages, all in use, in the engine's layout.
 Bytes fileWithFreeMap(PageNumber pages) {
     Bytes image(pages * PageSize, 0);
     std::uint8_t* page = image.data() + PageSize;
@@ -34,7 +34,7 @@ Bytes fileWithFreeMap(PageNumber pages) {
     return image;
 }
 
-// Wherever the file ends.
+// For any end of the file.
 std::vector<PageNumber> pagesOf(const UsageMap& map) {
     std::vector<PageNumber> pages;
     for (PageNumber page = map.next(0); page != 0; page = map.next(page + 1))
@@ -82,8 +82,8 @@ TEST(JetUsageMap, WindowOfAnInlineMapFollowsItsPages) {
     EXPECT_EQ(pagesOf(map), (std::vector<PageNumber>{99990, 100001, 100300}));
 }
 
-// A list that names pages beyond the end of the file ends with an error there, however far it goes on: 17
-// times the same bitmap would be half a million pages, and a first page near 2^32 begins again at 0.
+// A list with pages beyond the end of the file ends with an error there, however long it is: 17 times the
+// same bitmap would be half a million pages, and a first page near 2^32 wraps around to 0.
 TEST(JetUsageMap, EndsWithTheFile) {
     MemoryPager pager(10);
     const RowPointer row = newMap(pager);
@@ -115,7 +115,7 @@ TEST(JetFreeMap, GrowsWithTheFileAndGivesBackWhatWasFreed) {
     const auto rowLength = [&] { return datapage::Find(pager.read(1), 1, 0).length; };
     const auto bitOf = [&](PageNumber page) { return FreeMap(pager, {1, 0}).isFree(page); };
 
-    // The lengths that the engine gives the map at these sizes.
+    // The engine's lengths of the map at these sizes.
     for (PageNumber next = 16; next < 512; ++next)
         EXPECT_EQ(pager.allocate(), next);
     EXPECT_EQ(rowLength(), 69);
@@ -136,7 +136,7 @@ TEST(JetFreeMap, GrowsWithTheFileAndGivesBackWhatWasFreed) {
         EXPECT_EQ(freed.erase(pager.allocate()), 1u);
     EXPECT_EQ(pager.pageCount(), 746u);
 
-    // Beyond what fits on its page the map gets pages of its own, which are not free themselves.
+    // When it outgrows its page the map gets pages of its own, which are not free themselves.
     std::set<PageNumber> given;
     while (pager.pageCount() < 66000)
         EXPECT_TRUE(given.insert(pager.allocate()).second);

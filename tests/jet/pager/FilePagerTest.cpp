@@ -2,13 +2,14 @@
 #include "jet/pager/FilePager.h"
 
 #include "jet/FaultyStorage.h"
+#include "jet/NewDatabase.h"
 #include "jet/RawFile.h"
 #include "jet/pager/Sharing.h"
 #include "jet/pager/WriteAheadLog.h"
 
 #include <gtest/gtest.h>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 constexpr char Path[] = "/data/SONGS.MDB";
@@ -35,19 +36,11 @@ protected:
     std::uint32_t onDisk(PageNumber page) const {
         return Load32(storage_.get(Path).data() + page * PageSize);
     }
-    static ErrorNumber errorOf(const std::function<void()>& call) {
-        try {
-            call();
-        } catch (const Error& error) {
-            return error.code();
-        }
-        return {};
-    }
 
     FaultyStorage storage_;
 };
 
-// The counters of users who have written a lot are above 01FF; only one below 0100 tells of an unfinished
+// The counters of users who have written a lot are above 01FF; only one below 0100 indicates an unfinished
 // write.
 TEST_F(FilePagerTest, CommitCountersTellWhetherAWriterDied) {
     constexpr std::size_t counters = 0xE00;
@@ -100,7 +93,7 @@ TEST_F(FilePagerTest, RollbackUndoesPagesAllocationsAndWhatWasSpilled) {
     change(false);
     EXPECT_EQ(FilledWith(pager.read(2)), 1);
     EXPECT_EQ(pager.pageCount(), 4u);
-    EXPECT_EQ(errorOf([&] { pager.read(4); }), ErrorNumber::ReadVerification);
+    EXPECT_EQ(CodeOf([&] { pager.read(4); }), ErrorNumber::ReadVerification);
     change(true);
     pager.close();
     EXPECT_EQ(storage_.get(Path).size(), 1004u * PageSize);
@@ -155,7 +148,7 @@ TEST_F(FilePagerTest, APlainInnerChangeGivenUpSpoilsTheTransaction) {
             const Changing inner(pager);
             Fill(pager.edit(2), 1);
         }
-        EXPECT_EQ(errorOf([&] { outer.commit(); }), ErrorNumber::InvalidArgument);
+        EXPECT_EQ(CodeOf([&] { outer.commit(); }), ErrorNumber::InvalidArgument);
     }
     EXPECT_EQ(FilledWith(pager.read(2)), 0);
     fill(pager, 2, 2);
@@ -165,7 +158,7 @@ TEST_F(FilePagerTest, APlainInnerChangeGivenUpSpoilsTheTransaction) {
 TEST_F(FilePagerTest, AnOperationSeesOneStateWhileOthersCommit) {
     FilePager reader(storage_, Path, {});
     OpenOptions eager = impatient();
-    eager.logPages = 1; // wants to write the file at every commit
+    eager.logPages = 1; // tries to write the file at every commit
     FilePager writer(storage_, Path, eager);
     fill(writer, 2, 1);
     fill(writer, 3, 1);
@@ -191,8 +184,8 @@ TEST_F(FilePagerTest, OneTransactionAtATime) {
     FilePager second(storage_, Path, impatient());
     {
         const Changing running(first);
-        EXPECT_EQ(errorOf([&] { fill(second, 2, 1); }), ErrorNumber::RecordLocked);
-        EXPECT_EQ(FilledWith(second.read(2)), 0); // reading goes on
+        EXPECT_EQ(CodeOf([&] { fill(second, 2, 1); }), ErrorNumber::RecordLocked);
+        EXPECT_EQ(FilledWith(second.read(2)), 0); // reading continues
     }
     fill(second, 2, 1);
     EXPECT_EQ(FilledWith(first.read(2)), 1);
@@ -201,12 +194,12 @@ TEST_F(FilePagerTest, OneTransactionAtATime) {
 TEST_F(FilePagerTest, ExclusiveUseExcludesAndIsExcluded) {
     {
         const FilePager one(storage_, Path, exclusive());
-        EXPECT_EQ(errorOf([&] { FilePager(storage_, Path, impatient()); }), ErrorNumber::FileLocked);
+        EXPECT_EQ(CodeOf([&] { FilePager(storage_, Path, impatient()); }), ErrorNumber::FileLocked);
     }
     const FilePager shared(storage_, Path, {});
     OpenOptions options = exclusive();
     options.lockWait = std::chrono::milliseconds(0);
-    EXPECT_EQ(errorOf([&] { FilePager(storage_, Path, options); }), ErrorNumber::CannotStart);
+    EXPECT_EQ(CodeOf([&] { FilePager(storage_, Path, options); }), ErrorNumber::CannotStart);
 }
 
 TEST_F(FilePagerTest, AProgramThatDoesNotKnowTheLogIsNotWrittenUnder) {
@@ -215,9 +208,9 @@ TEST_F(FilePagerTest, AProgramThatDoesNotKnowTheLogIsNotWrittenUnder) {
     ASSERT_TRUE(lockFile->lock(0x10000001, 1, true, false));
     FilePager pager(storage_, Path, {});
     EXPECT_EQ(FilledWith(pager.read(2)), 0);
-    EXPECT_EQ(errorOf([&] { fill(pager, 2, 1); }), ErrorNumber::FileLocked);
-    EXPECT_EQ(errorOf([&] { FilePager(storage_, Path, exclusive()); }), ErrorNumber::CannotStart);
-    // What it writes is seen after a refresh.
+    EXPECT_EQ(CodeOf([&] { fill(pager, 2, 1); }), ErrorNumber::FileLocked);
+    EXPECT_EQ(CodeOf([&] { FilePager(storage_, Path, exclusive()); }), ErrorNumber::CannotStart);
+    // A refresh shows what it writes.
     const auto file = storage_.open(Path, Storage::Open::ReadWrite);
     Bytes page(PageSize);
     Fill(page.data(), 5);
@@ -258,7 +251,7 @@ TEST_P(ReadOnlyTest, ReadsAndSaysWhyItCannotWrite) {
     FilePager pager(storage_, Path, options);
     EXPECT_EQ(FilledWith(pager.read(2)), 77);
     EXPECT_FALSE(pager.readOnlyReason().empty());
-    EXPECT_EQ(errorOf([&] { fill(pager, 2, 1); }), ErrorNumber::CannotUpdateReadOnly);
+    EXPECT_EQ(CodeOf([&] { fill(pager, 2, 1); }), ErrorNumber::CannotUpdateReadOnly);
     pager.close();
     EXPECT_EQ(storage_.get(Path), image);
 }
@@ -278,7 +271,7 @@ TEST_F(FilePagerTest, RefusesWhatIsNoDatabaseAndAWrongPassword) {
     header.created.days = 42329.94;
     const Bytes locked = RawFile(2, header);
     storage_.put(Path, locked);
-    EXPECT_EQ(errorOf([&] { FilePager(storage_, Path, {}); }), ErrorNumber::InvalidPassword);
+    EXPECT_EQ(CodeOf([&] { FilePager(storage_, Path, {}); }), ErrorNumber::InvalidPassword);
     OpenOptions options;
     options.password = header.password;
     EXPECT_EQ(FilePager(storage_, Path, options).header().password, header.password);
@@ -287,9 +280,9 @@ TEST_F(FilePagerTest, RefusesWhatIsNoDatabaseAndAWrongPassword) {
     for (const Bytes& bytes :
          {Bytes{}, Bytes(100), Bytes(8192), later, Bytes(locked.begin(), locked.begin() + 3000)}) {
         storage_.put(Path, bytes);
-        EXPECT_EQ(errorOf([&] { FilePager(storage_, Path, {}); }), ErrorNumber::Unrecognised);
+        EXPECT_EQ(CodeOf([&] { FilePager(storage_, Path, {}); }), ErrorNumber::Unrecognised);
     }
-    EXPECT_EQ(errorOf([&] { FilePager(storage_, "/data/NONE.MDB", {}); }), ErrorNumber::FileNotFound);
+    EXPECT_EQ(CodeOf([&] { FilePager(storage_, "/data/NONE.MDB", {}); }), ErrorNumber::FileNotFound);
     EXPECT_EQ(storage_.names(), std::vector<std::string>{Path});
 }
 
@@ -303,7 +296,7 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     Bytes restored = RawFile();
     restored[0xE02] = 9; // another program has written since
     const Bytes log = after.get(WriteAheadLog::PathFor(Path));
-    for (const char* aside : {"-unused", "-unused2"}) { // and what was kept before stays
+    for (const char* aside : {"-unused", "-unused2"}) { // and earlier ones stay
         after.put(Path, restored);
         after.put(WriteAheadLog::PathFor(Path), log);
         FilePager pager(after, Path, {});
@@ -316,7 +309,7 @@ TEST_F(FilePagerTest, ALogOfAnotherFileIsKeptAside) {
     EXPECT_EQ(after.get(WriteAheadLog::PathFor(Path) + "-unused"), log);
 }
 
-// A log is made by the first commit, and by a large transaction long before it.
+// The first commit makes a log, and a large transaction makes one long before that.
 TEST_F(FilePagerTest, PagesOfARunningTransactionAreNotThereForOthers) {
     OpenOptions small;
     small.cachePages = 256;
@@ -332,8 +325,8 @@ TEST_F(FilePagerTest, PagesOfARunningTransactionAreNotThereForOthers) {
     EXPECT_EQ(FilledWith(reader.read(403)), 1);
 }
 
-// Another user's transaction keeps the log from the file: what is committed is safe all the same when close()
-// returns, and if it cannot be made so, close() says it.
+// Another user's transaction prevents writing the log to the file: committed data is durable anyway when
+// close() returns, and if that fails, close() reports it.
 TEST_F(FilePagerTest, ALeavingUserFlushesItsCommits) {
     for (const bool works : {true, false}) {
         FaultyStorage storage, after;
@@ -344,8 +337,8 @@ TEST_F(FilePagerTest, ALeavingUserFlushesItsCommits) {
         const Changing running(other);
         if (!works)
             storage.failAt(storage.calls() + 1, ErrorNumber::DiskIo, true);
-        EXPECT_EQ(errorOf([&] { first.close(); }), works ? ErrorNumber{} : ErrorNumber::DiskIo);
-        EXPECT_EQ(errorOf([&] { first.close(); }), ErrorNumber{}) << "closed once and for all";
+        EXPECT_EQ(CodeOf([&] { first.close(); }), works ? ErrorNumber{} : ErrorNumber::DiskIo);
+        EXPECT_EQ(CodeOf([&] { first.close(); }), ErrorNumber{}) << "closed once and for all";
         storage.failAt(0, ErrorNumber::DiskIo, false);
         storage.afterPowerCut(FaultyStorage::Loss::Everything, 0, after);
         FilePager again(after, Path, {});
@@ -353,15 +346,15 @@ TEST_F(FilePagerTest, ALeavingUserFlushesItsCommits) {
     }
 }
 
-// A flush that failed may not be said to have worked the second time, though the system says so.
+// A failed flush must not be reported as successful the second time, even if the system does.
 TEST_F(FilePagerTest, AFailedFlushStaysFailed) {
     FilePager pager(storage_, Path, {});
     fill(pager, 2, 7);
     storage_.failAt(storage_.calls() + 1, ErrorNumber::DiskIo, false);
-    EXPECT_EQ(errorOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
-    EXPECT_EQ(errorOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
+    EXPECT_EQ(CodeOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
+    EXPECT_EQ(CodeOf([&] { pager.flush(); }), ErrorNumber::DiskIo);
     EXPECT_EQ(FilledWith(pager.read(2)), 7);
-    EXPECT_EQ(errorOf([&] { pager.close(); }), ErrorNumber::DiskIo);
+    EXPECT_EQ(CodeOf([&] { pager.close(); }), ErrorNumber::DiskIo);
     FilePager again(storage_, Path, {});
     EXPECT_EQ(FilledWith(again.read(2)), 7);
 }
@@ -378,7 +371,7 @@ TEST_F(FilePagerTest, AClosedOneSaysSo) {
     for (const std::function<void()>& call : std::initializer_list<std::function<void()>>{
              [&] { pager.read(2); }, [&] { pager.pageCount(); }, [&] { fill(pager, 2, 1); },
              [&] { pager.flush(); }, [&] { pager.refresh(); }})
-        EXPECT_EQ(errorOf(call), ErrorNumber::InvalidArgument);
+        EXPECT_EQ(CodeOf(call), ErrorNumber::InvalidArgument);
 }
 
 TEST_F(FilePagerTest, TheCacheStaysWithinItsLimit) {
@@ -386,7 +379,7 @@ TEST_F(FilePagerTest, TheCacheStaysWithinItsLimit) {
     OpenOptions small = exclusive();
     small.cachePages = 256;
     FilePager pager(storage_, Path, small);
-    // A page read again and again stays while a hundred others go by.
+    // A page that is read again and again stays while a hundred others are evicted.
     for (PageNumber page = 2; page < 3000; ++page) {
         const std::uint8_t* kept = pager.read(2);
         for (PageNumber other = page; other < page + 100 && other < 3000; ++other)
@@ -396,4 +389,4 @@ TEST_F(FilePagerTest, TheCacheStaysWithinItsLimit) {
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,5 +1,5 @@
-// A disk that runs full in the middle of things, made by the limit that the system sets to the size of files:
-// every call that needs room fails with a clear error, and nothing is lost by it.
+// A disk that fills up in the middle of work, simulated by the system's limit on file sizes: every call that
+// needs room fails with a clear error, and nothing is lost.
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/Database.h"
@@ -15,7 +15,7 @@
 
 #include <unistd.h>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 using tolvex::tests::NoRoom;
@@ -89,7 +89,7 @@ TEST_F(FullDiskTest, ATransactionThatDoesNotFitLeavesNothing) {
             const NoRoom room(200000);
             expectFull([&] { addRows(database, count); });
             expectRows(database, rows);
-            addRows(database, 1); // for which there is room
+            addRows(database, 1); // which fits
             expectRows(database, ++rows);
         }
         addRows(database, count);
@@ -138,4 +138,4 @@ TEST_F(FullDiskTest, ACompactionOrANewFileIsThereWholeOrNotAtAll) {
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

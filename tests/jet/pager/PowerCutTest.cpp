@@ -1,6 +1,6 @@
-// Cuts the power (or takes the share away) before every single call to the disk of a session, lets the disk
-// keep any part of what was not flushed, and opens the file again; and makes every single call fail.
-// TOLVEX_POWER_CUTS=<n> tries n random losses at each point instead of a few.
+// Cuts the power (or the share) before every single disk call of a session, keeps a random part of the
+// unflushed data, and opens the file again; and makes every single call fail. TOLVEX_POWER_CUTS=<n> tries n
+// random losses at each point instead of a few.
 #include "jet/Check.h"
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 constexpr char Path[] = "/data/SONGS.MDB";
@@ -22,7 +22,7 @@ std::uint32_t losses() {
     return wanted == nullptr ? 3 : static_cast<std::uint32_t>(std::max(1, std::atoi(wanted)));
 }
 
-// A session that does all that the storage can do, and says which states it went through.
+// A session that uses everything in the storage, and records its states.
 class Session {
 public:
     static constexpr int NoFile = -1;
@@ -34,9 +34,9 @@ public:
     virtual ~Session() = default;
     virtual void run() = 0;
 
-    int commits = NoFile;            // number of the state that the last commit led to
-    int flushed = NoFile;            // the one that was safe when a flush or close returned
-    std::vector<std::string> states; // what the file holds in each
+    int commits = NoFile;            // number of the state after the last commit
+    int flushed = NoFile;            // the state that was durable when a flush or close returned
+    std::vector<std::string> states; // the file's content in each
 
     static OpenOptions options(bool exclusive) {
         OpenOptions options;
@@ -56,7 +56,7 @@ protected:
     FaultyStorage& storage_;
 };
 
-// Pages without tables: shared and exclusive, large and given up, freed and flushed.
+// Pages without tables: shared and exclusive, large and rolled back, freed and flushed.
 class PageSession final : public Session {
 public:
     explicit PageSession(FaultyStorage& storage)
@@ -97,7 +97,7 @@ public:
     static std::string contentOf(FaultyStorage& storage) {
         FilePager pager(storage, Path, options(false));
         std::string found = content(pager);
-        Changing change(pager); // it can be worked with, too
+        Changing change(pager); // it can be used, too
         Fill(pager.edit(pager.allocate()), 1);
         change.commit();
         pager.close();
@@ -105,7 +105,7 @@ public:
     }
 
 private:
-    // A number for all used pages together.
+    // One number for all used pages together.
     static std::string content(FilePager& pager) {
         const Reading reading(pager);
         std::uint64_t sum = 14695981039346656037u;
@@ -119,7 +119,7 @@ private:
         }
         return std::to_string(sum);
     }
-    // One transaction over pages old and new.
+    // One transaction over old and new pages.
     void change(FilePager& pager, std::uint32_t value, int pages) {
         Changing changing(pager);
         Fill(pager.edit(2), value);
@@ -155,7 +155,7 @@ private:
     PageNumber last_ = 0;
 };
 
-// A database from its making on: tables, rows, long values, indexes that split, changes of the design.
+// A database from its creation on: tables, rows, long values, indexes that split, design changes.
 class TableSession final : public Session {
 public:
     using Session::Session;
@@ -252,7 +252,7 @@ private:
     }
 };
 
-// The session without faults: how many calls it makes, and the states it goes through.
+// The session without faults: its number of calls, and its states.
 template<class Kind>
 struct Reference {
     int calls = 0;
@@ -268,7 +268,7 @@ struct Reference {
         EXPECT_GT(calls, 50);
     }
 
-    // Which committed state a file is in; -2: none.
+    // The committed state of a file; -2: none.
     int stateOf(FaultyStorage& storage) const {
         const std::string found = Kind::contentOf(storage);
         if (found.empty())
@@ -303,7 +303,7 @@ TYPED_TEST(PowerCut, AtEveryCallOfASession) {
             } catch (const Error&) {
                 told = true;
             }
-            // Only the lock file, on which nothing depends, may stay behind in silence.
+            // Only the lock file, on which nothing depends, may silently stay.
             EXPECT_TRUE(told || session.flushed == session.commits) << "cut " << cut;
             FaultyStorage after;
             storage.afterPowerCut(loss == 0   ? FaultyStorage::Loss::Everything
@@ -319,7 +319,7 @@ TYPED_TEST(PowerCut, AtEveryCallOfASession) {
     }
 }
 
-// The power goes again while the file is recovered.
+// The power fails again during recovery.
 TYPED_TEST(PowerCut, AtEveryCallOfARecovery) {
     const Reference<TypeParam> reference;
     for (int cut = 10; cut <= reference.calls; cut += 7) {
@@ -341,7 +341,7 @@ TYPED_TEST(PowerCut, AtEveryCallOfARecovery) {
             once.afterPowerCut(FaultyStorage::Loss::Random, static_cast<std::uint32_t>(second), twice);
             const int state = reference.stateOf(twice);
             ASSERT_GE(state, session.flushed) << "cuts " << cut << ", " << second;
-            // What was recovered once is on the disk, or is recovered again.
+            // Recovered data is on the disk, or is recovered again.
             firstState = second == 1 ? state : firstState;
             ASSERT_EQ(state, firstState) << "cuts " << cut << ", " << second;
             if (once.calls() < second)
@@ -350,7 +350,7 @@ TYPED_TEST(PowerCut, AtEveryCallOfARecovery) {
     }
 }
 
-// Every call fails once, or from then on: what was committed stays, the rest is not there at all.
+// Every call fails once, or from then on: committed data stays, the rest is completely absent.
 TYPED_TEST(PowerCut, EveryCallFails) {
     const Reference<TypeParam> reference;
     for (const bool lasting : {false, true}) {
@@ -375,4 +375,4 @@ TYPED_TEST(PowerCut, EveryCallFails) {
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

@@ -19,7 +19,7 @@
 #include <thread>
 #include <unistd.h>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 using Random = std::mt19937;
@@ -29,7 +29,7 @@ int rounds(int usual) {
     return wanted == nullptr ? usual : std::max(1, std::atoi(wanted));
 }
 
-// A child process doing `work`, which may tell numbers to its parent.
+// A child process that runs `work`, which can send numbers to its parent.
 class Child {
 public:
     using Tell = std::function<void(std::int32_t)>;
@@ -59,7 +59,7 @@ public:
     Child& operator=(const Child&) = delete;
 
     void kill() const { ::kill(id_, SIGKILL); }
-    // What the child told, up to its end. `clean`: it has to end by itself without an error.
+    // The numbers from the child, up to its end. `clean`: it must end by itself without an error.
     std::vector<std::int32_t> end(bool clean) const {
         std::vector<std::int32_t> told;
         std::int32_t number = 0;
@@ -108,7 +108,7 @@ protected:
         return std::get<std::int32_t>(set.value(field));
     }
     static std::size_t noteLength(std::int32_t credit) { return static_cast<std::size_t>(credit % 9000 + 1); }
-    // Credit and debit always balance, and the note is as long as the credit says.
+    // Credit and debit always balance, and the note has the length given by the credit.
     static void fill(Recordset& set, std::int32_t credit) {
         set.set(u"Credit", credit);
         set.set(u"Debit", -credit);
@@ -134,7 +134,7 @@ protected:
         set.update();
         transaction.commit();
     }
-    // Every row is whole; gives their credits by id.
+    // Every row is complete; returns their credits by id.
     static std::map<std::int32_t, std::int32_t> readAll(Database& database) {
         std::map<std::int32_t, std::int32_t> all;
         const Reading reading(database.pager());
@@ -224,7 +224,7 @@ TEST_F(ProcessesTest, KilledOnesLoseNothingAndLockNothing) {
     Random random(7);
     std::int32_t counted = 0;
     for (int round = 0; round < rounds(20); ++round) {
-        // In every other round somebody else has the file open and goes on.
+        // In every other round another process has the file open and continues.
         std::optional<Database> other;
         if (round % 2 == 0)
             other.emplace(Database::open(path_));
@@ -270,4 +270,4 @@ TEST_F(ProcessesTest, KilledOnesLoseNothingAndLockNothing) {
 }
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

@@ -1,5 +1,5 @@
-// Compaction in place: whatever call to the disk is the last one, or fails, there is one whole database under
-// the name, and nothing is left beside it once it was opened again.
+// Compaction in place: whichever disk call is the last one, or fails, there is one complete database under
+// the name, and nothing is left beside it after it was opened again.
 #include "jet/CompactInPlace.h"
 #include "jet/Database.h"
 #include "jet/FaultyStorage.h"
@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-namespace jet::test {
+namespace jet::tests {
 namespace {
 
 const std::string Path = "/data/SONGS.MDB";
@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(rowsOf(storage, Path), rows_);
         return calls;
     }
-    // After an interruption: opening gives the database and tidies up.
+    // After an interruption: opening finds the database and cleans up.
     void expectWhole(FaultyStorage& storage) const {
         ASSERT_TRUE(storage.exists(Path));
         EXPECT_EQ(rowsOf(storage, Path), rows_);
@@ -71,7 +71,7 @@ protected:
         }
         EXPECT_EQ(names, (std::vector<std::string>{backupName(1), Path}));
         EXPECT_EQ(storage.get(backupName(1)), (FaultyStorage::Bytes{1, 2, 3}));
-        // And it can be done again.
+        // And it can be repeated.
         compact(storage);
         EXPECT_EQ(rowsOf(storage, Path), rows_);
     }
@@ -91,7 +91,7 @@ TEST_P(SwapTest, AtEveryCallThePowerGoes) {
             storage.cutAt(cut);
             try {
                 compact(storage);
-                EXPECT_EQ(cut, calls); // only the note may stay behind in silence
+                EXPECT_EQ(cut, calls); // only the note may silently stay
             } catch (const Error&) {
                 EXPECT_LT(cut, calls);
             }
@@ -149,4 +149,4 @@ INSTANTIATE_TEST_SUITE_P(Disks, SwapTest, testing::Bool(), [](const auto& links)
 });
 
 } // namespace
-} // namespace jet::test
+} // namespace jet::tests

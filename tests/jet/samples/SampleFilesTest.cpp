@@ -1,6 +1,6 @@
-// The engine's own files, whatever folder of them there is: each is read as an independent reader reads it,
-// or refused with a reason; those of the present format keep everything when they are rewritten, changed and
-// compacted.
+// The engine's own files, from any folder: each is read as an independent
+// reader reads it, or refused with a reason; those of the present format
+// keep everything when they are rewritten, changed and compacted.
 #include "jet/NewDatabase.h"
 #include "jet/SortedRows.h"
 #include "jet/maintenance/RandomDamage.h"
@@ -70,7 +70,7 @@ std::string faultsOf(Pager& pager) {
     return text;
 }
 
-// Every row has its entries and no more, in every index of every table, with the keys that we would give it.
+// Every row has exactly its entries, in every index of every table, with the keys that we would build.
 void expectSound(Pager& pager) {
     const Catalog catalog(pager);
     for (const CatalogObject& object : catalog.objects()) {
@@ -118,7 +118,7 @@ std::map<std::u16string, std::vector<std::string>> rowsOf(const Bytes& image) {
     return all;
 }
 
-// Every second row goes, the others get a longer text where they have one, and those that went come back.
+// Every second row is removed, the others get a longer text if they have one, and the removed ones return.
 void changeRows(Table& table) {
     std::vector<std::vector<Value>> removed;
     std::vector<Value> values;
@@ -176,7 +176,7 @@ TEST_P(ChangeableSample, ItsDefinitionsAreWrittenAsTheyWereRead) {
         const TableDefinition definition = ReadTableDefinition(pager, page);
         const std::size_t length = EncodeTableDefinition(definition).size();
         WriteTableDefinition(pager, definition);
-        // What lies beyond the end of the definition is undefined.
+        // The bytes after the end of the definition are undefined.
         const std::size_t at = page * PageSize, end = std::min<std::size_t>(length, PageSize);
         EXPECT_EQ(std::memcmp(before.data() + at, pager.read(page), end), 0) << ToUtf8(object.name);
         EXPECT_EQ(EncodeTableDefinition(ReadTableDefinition(pager, page)), EncodeTableDefinition(definition));
@@ -222,7 +222,7 @@ TEST_P(ChangeableSample, ItsTablesCanBeChanged) {
 TEST_P(ChangeableSample, ItsRelationshipsHoldTheirTablesAndColumns) {
     MemoryPager pager(GetParam().bytes());
     Catalog catalog(pager);
-    // Those between tables of the user; the engine has some of its own.
+    // Those between user tables; the engine has some of its own.
     std::vector<RelationshipColumn> pairs = catalog.relationships();
     std::erase_if(pairs, [&](const RelationshipColumn& pair) {
         const auto table = catalog.findTable(pair.table);
@@ -252,7 +252,7 @@ TEST_P(ChangeableSample, ItsRelationshipsHoldTheirTablesAndColumns) {
 }
 
 TEST_P(ChangeableSample, CompactionKeepsItsRows) {
-    test::FaultyStorage storage;
+    tests::FaultyStorage storage;
     storage.put("a.mdb", GetParam().bytes());
     CompactDatabase(storage, "a.mdb", "b.mdb", GetParam().header->password,
                     [](const Fault& loss) { ADD_FAILURE() << "page " << loss.page << ": " << loss.reason; });

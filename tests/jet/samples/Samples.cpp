@@ -16,11 +16,11 @@ namespace jet::tests {
 
 namespace {
 
-// Between fields and after rows: characters that no text of a database holds.
+// Between fields and after rows: characters that occur in no text of a database.
 constexpr char fieldEnd = '\x1F';
 constexpr char rowEnd = '\x1E';
 
-// Outside of these days the other reader's calendar does not hold.
+// Outside these days the other reader's calendar is wrong.
 constexpr double firstDay = 2;
 constexpr double lastDay = 2958465; // 31 December 9999
 
@@ -40,7 +40,7 @@ std::vector<Sample> findSamples() {
             const Bytes bytes = sample.bytes();
             sample.header = DecodePageZero({bytes.data(), std::min<std::size_t>(bytes.size(), PageSize)});
         } catch (const Error&) {
-            // To be refused when it is opened, too.
+            // Opening must refuse it, too.
         }
         samples.push_back(sample);
     }
@@ -81,7 +81,7 @@ std::string dateText(Date date) {
     return text;
 }
 
-// A value as the other reader writes it; nothing for one that it writes in a way of its own.
+// A value in the other reader's form; nothing if it writes such values differently.
 std::optional<std::string> written(const Value& value) {
     if (IsNull(value))
         return "NULL";
@@ -114,7 +114,7 @@ std::string quoted(const std::string& text) {
     return out + '\'';
 }
 
-// The rows of a table as the other reader has them, field by field; nothing when it fails.
+// The rows of a table from the other reader, field by field; nothing if it fails.
 std::optional<std::vector<std::vector<std::string>>> exported(const Sample& sample,
                                                               const std::string& table) {
     const std::string command =
@@ -215,7 +215,7 @@ std::optional<TwoReadings> ReadTwice(const Sample& sample, const Catalog& catalo
                     line += row[place] + '|';
             lines.push_back(line);
         }
-        // Rows that were moved come at other places in the two readers' walks.
+        // The two readers visit moved rows at different places.
         std::sort(lines.begin(), lines.end());
         return lines;
     };

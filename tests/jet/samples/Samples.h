@@ -16,28 +16,28 @@ struct Sample {
     std::string path;
     std::optional<PageZero> header; // nothing: no database of a known version
 
-    std::string name() const; // of letters and digits
+    std::string name() const; // consists of letters and digits
     Bytes bytes() const;
     bool isJet3() const { return header && header->version == PageZero::Jet3; }
-    // Of the present format, so that it can be changed: neither encrypted nor in an order unknown here.
+    // Whether it has the present format and can be changed: neither encrypted nor in an unknown sort order.
     bool canBeChanged() const;
 };
 
-// Shown when a test of the file fails.
+// Shown if a test of the file fails.
 void PrintTo(const Sample& sample, std::ostream* out);
 
-// In the order of their names; none when no folder is named.
+// Sorted by name; none if no folder is named.
 const std::vector<Sample>& Samples();
 
-// A sample opened for reading, with its own password, out of a copy in memory.
+// A sample opened for reading, with its own password, from a copy in memory.
 struct OpenSample {
     explicit OpenSample(const Sample& sample);
-    test::FaultyStorage storage;
+    tests::FaultyStorage storage;
     std::optional<Database> database;
 };
 
-// All rows of a table as an independent reader (mdb-export) has them and as we have them, sorted, with the
-// columns that both write in the same way. Nothing when that reader cannot read the table.
+// All rows of a table from an independent reader (mdb-export) and from us, sorted, with the columns that both
+// write alike. Nothing if that reader cannot read the table.
 struct TwoReadings {
     std::vector<std::string> theirs;
     std::vector<std::string> ours;

@@ -1,5 +1,5 @@
-// What SELECT, UPDATE and DELETE choose from a table: the same rows with an index and without, the same order
-// as comparing values gives, all changes or none.
+// Which rows SELECT, UPDATE and DELETE select: the same with an index and without, in the order of comparing
+// values, all changes or none.
 #include "jet/sql/Filter.h"
 #include "jet/Database.h"
 #include "jet/base/Error.h"
@@ -91,7 +91,7 @@ protected:
     Catalog catalog_{pager_};
 };
 
-// Random predicates over indexed columns: an index must not lose a row or bring one that does not belong.
+// Random predicates over indexed columns: an index must neither lose a row nor add a wrong one.
 TEST_F(FilterTest, IndexAndWalkAgree) {
     const std::vector<std::u16string> fields = {u"Number", u"Title", u"Plays", u"Length",
                                                 u"Live",   u"Added", u"Fee"};
@@ -181,9 +181,9 @@ TEST_F(FilterTest, SortsAsValuesCompare) {
     EXPECT_GT(second.size(), 20u);
 }
 
-// Texts of letters, accents, signs that hardly count and such that do not count at all: what begins like
-// another in one way need not do so in its key. The same rows stand in a table with indexes and in one
-// without.
+// Texts of letters, accents, and signs that hardly count or do not
+// count: two texts that begin alike in one way may have keys that do
+// not. The same rows are in a table with indexes and in one without.
 TEST_F(FilterTest, IndexesServeLikeAndOrder) {
     const std::vector<FieldDesign> fields = {{u"Id", ColumnType::Long},
                                              {u"Name", ColumnType::Text, 40, false, false, true},
@@ -275,7 +275,7 @@ TEST_F(FilterTest, ChangesRows) {
     EXPECT_EQ(errorOf(u"SELECT * FROM Carts"), 3001);
 }
 
-// An UPDATE that fails half-way leaves every row as it was.
+// An UPDATE that fails half-way leaves every row unchanged.
 TEST(ExecuteTest, LeavesNothingHalfDone) {
     const auto folder =
         std::filesystem::temp_directory_path() / ("tolvex-execute-test-" + std::to_string(::getpid()));

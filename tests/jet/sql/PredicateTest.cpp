@@ -1,5 +1,5 @@
-// What a WHERE chooses, over rows in memory: three-valued logic, kinds, LIKE, dates, and the errors that
-// programs tell apart.
+// What a WHERE selects, over rows in memory: three-valued logic, kinds, LIKE, dates, and the errors that
+// programs distinguish.
 #include "jet/sql/Predicate.h"
 #include "jet/base/Error.h"
 #include "jet/text/Collation.h"
@@ -78,7 +78,7 @@ TEST_F(PredicateTest, ChoosesRows) {
         EXPECT_EQ(ask(yes), Truth::True) << ToUtf8(yes);
 }
 
-// A comparison with null is neither true nor false, and neither is what depends on it.
+// A comparison with null is neither true nor false, and neither is anything derived from it.
 TEST_F(PredicateTest, NullIsUnknown) {
     for (const char16_t* unknown :
          {u"Missing = 'x'", u"NOT Missing = 'x'", u"Missing = NULL", u"NULL", u"Missing LIKE '*'",
@@ -160,7 +160,7 @@ TEST(SqlTest, ReadsStatements) {
         EXPECT_THROW(sql::ParseStatement(bad), Error) << ToUtf8(bad);
 }
 
-// A character of a pattern stands for what is equal to it as a text, but a blank for itself only.
+// A character of a pattern matches its equals in text order, but a blank only itself.
 TEST(LikeTest, ComparesEveryPairOfCharacters) {
     for (char16_t a = 0; a < 0x180; ++a) {
         if (std::u16string_view(u"*?#[").find(a) != std::u16string_view::npos)

@@ -1,4 +1,4 @@
-// A new database is the engine's own, byte by byte, but for bytes that mean nothing and are zero here.
+// A new database equals the engine's own, byte by byte, except meaningless bytes, which are zero here.
 #include "jet/table/CreateDatabase.h"
 
 #include "jet/base/Pager.h"

@@ -1,4 +1,4 @@
-// Tables, fields and indexes that come, go and change their names, on empty and on filled tables.
+// Tables, fields and indexes that are added, dropped and renamed, on empty and on filled tables.
 #include "jet/NewDatabase.h"
 
 #include "jet/index/IndexIntegrity.h"
@@ -73,7 +73,7 @@ TEST(JetTableDesign, ADefinitionMaySpanPagesAndGoAgain) {
               }),
               3626);
 
-    // What is left after most fields are gone still reads right, and takes fewer pages.
+    // After most fields are dropped the rest still reads correctly, and takes fewer pages.
     for (std::size_t i = 254; i > 40; --i)
         DropField(database.catalog, u"Wide", design.fields[i].name);
     EXPECT_LT(DefinitionPages(database.pager, page).size(), 4u);
@@ -119,7 +119,7 @@ TEST(JetTableDesign, ChangesAFilledTable) {
     table.insert(next);
     EXPECT_EQ(next[3], Value(std::int32_t{2001}));
 
-    // Indexes are built from the rows; one that cannot be leaves no trace.
+    // Indexes are built from the rows; a failed one leaves no trace.
     EXPECT_EQ(ErrorOf([&] { AppendIndex(catalog, u"Stock", {u"ByCode", {{u"Code"}}, true}); }), 3022);
     EXPECT_EQ(ErrorOf([&] { AppendIndex(catalog, u"Stock", {u"ByName", {{u"Name"}}, true, true}); }), 3058);
     EXPECT_EQ(catalog.table(u"Stock").definition().realIndexes.size(), 0u);
@@ -207,7 +207,7 @@ TEST(JetTableDesign, ADescriptionMakesTheSameTable) {
     for (std::size_t i = 0; i < a.realIndexes.size(); ++i)
         EXPECT_EQ(a.realIndexes[i].flags, b.realIndexes[i].flags);
 
-    // The owner and the users get what the container of tables hands down.
+    // The owner and the users get the rights that the container of tables passes on.
     const Table permissions(database.pager, Catalog::PermissionsPage);
     int found = 0;
     RowPointer at;

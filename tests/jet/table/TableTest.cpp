@@ -1,4 +1,4 @@
-// Rows through every kind of column, every form of long value and every move, against what was put in.
+// Rows with every kind of column and of long value, and every kind of move, compared with their input.
 #include "jet/NewDatabase.h"
 
 #include "jet/Check.h"
@@ -23,25 +23,16 @@ namespace {
 using T = ColumnType;
 using Row = std::vector<Value>;
 
-FieldDesign field(const char16_t* name, T type, int size = 0) {
-    FieldDesign design;
-    design.name = name;
-    design.type = type;
-    design.size = size;
-    design.allowZeroLength = true;
-    return design;
-}
-
 // A column of every kind, numbered, with a primary key, a composite index and one that ignores nulls.
 TableDesign everyKind() {
     TableDesign design;
     design.name = u"Every";
     design.fields = {
-        field(u"Id", T::Long),         field(u"Flag", T::Boolean),       field(u"Byte", T::Byte),
-        field(u"Integer", T::Integer), field(u"Currency", T::Currency),  field(u"Single", T::Single),
-        field(u"Double", T::Double),   field(u"Time", T::DateTime),      field(u"Text", T::Text, 50),
-        field(u"Memo", T::Memo),       field(u"Binary", T::Binary, 100), field(u"Ole", T::Ole),
-        field(u"Guid", T::Guid),       field(u"Numeric", T::Numeric)};
+        FieldOf(u"Id", T::Long),         FieldOf(u"Flag", T::Boolean),       FieldOf(u"Byte", T::Byte),
+        FieldOf(u"Integer", T::Integer), FieldOf(u"Currency", T::Currency),  FieldOf(u"Single", T::Single),
+        FieldOf(u"Double", T::Double),   FieldOf(u"Time", T::DateTime),      FieldOf(u"Text", T::Text, 50),
+        FieldOf(u"Memo", T::Memo),       FieldOf(u"Binary", T::Binary, 100), FieldOf(u"Ole", T::Ole),
+        FieldOf(u"Guid", T::Guid),       FieldOf(u"Numeric", T::Numeric)};
     design.fields[0].autonumber = true;
     design.indexes = {{u"PrimaryKey", {{u"Id"}}, true, true},
                       {u"ByText", {{u"Text"}, {u"Time", true}}},
@@ -106,7 +97,7 @@ Value randomValue(T type, std::mt19937& random) {
     }
 }
 
-// The table holds exactly these rows, forwards and backwards, and its indexes an entry for each.
+// The table holds exactly these rows, forwards and backwards, and its indexes one entry for each.
 void expectRows(const Table& table, const std::map<RowPointer, Row>& model) {
     EXPECT_EQ(table.rowCount(), model.size());
     std::vector<RowPointer> forwards, backwards;
@@ -180,7 +171,7 @@ TEST(JetTable, HoldsWhatWasPutInThroughAnyOrderOfChanges) {
             }
         }
         expectRows(table, model);
-        // All that rows took is given back with the last of them.
+        // The last row frees everything that rows used.
         for (const auto& [at, row] : model)
             table.remove(at);
         expectRows(table, {});
@@ -215,8 +206,8 @@ TEST(JetTable, KeepsLongValuesOfEveryForm) {
     AppendTable(database.catalog, everyKind());
     Table table = database.catalog.table(u"Every");
     std::mt19937 random(5);
-    // In the row, in one piece, in a chain, and the bounds between them; texts are stored squeezed up to
-    // 1024.
+    // In the row, in one piece, in a chain, and the limits
+    // between them; texts up to 1024 are compressed.
     const std::size_t lengths[] = {0,    1,    2,    3,    32,   62,   63,   64,   65,    1024,   1025,
                                    1900, 1901, 3798, 3799, 3800, 3801, 4072, 4073, 12216, 200000, 0};
     Row row(table.definition().columns.size());
@@ -233,11 +224,11 @@ TEST(JetTable, KeepsLongValuesOfEveryForm) {
         }
     EXPECT_EQ(database.usedPages(), before);
 
-    // A row that keeps many short ones gives them pages of their own rather than be too long.
+    // A row with many short ones puts them on pages of their own rather than become too long.
     TableDesign wide;
     wide.name = u"Wide";
     for (int i = 0; i < 80; ++i)
-        wide.fields.push_back(field((u"M" + ToUtf16(std::to_string(i))).c_str(), T::Ole));
+        wide.fields.push_back(FieldOf((u"M" + ToUtf16(std::to_string(i))).c_str(), T::Ole));
     AppendTable(database.catalog, wide);
     Table table2 = database.catalog.table(u"Wide");
     Row many;
@@ -254,7 +245,7 @@ TEST(JetTable, RefusesARowBeforeAnythingIsChanged) {
     design.fields[TextColumn].allowZeroLength = false;
     design.indexes.push_back({u"Unique", {{u"Integer"}}, true});
     for (int i = 0; i < 10; ++i)
-        design.fields.push_back(field((u"Long" + ToUtf16(std::to_string(i))).c_str(), T::Text, 255));
+        design.fields.push_back(FieldOf((u"Long" + ToUtf16(std::to_string(i))).c_str(), T::Text, 255));
     AppendTable(database.catalog, design);
     Table table = database.catalog.table(u"Every");
     Row good(table.definition().columns.size());
@@ -298,7 +289,7 @@ TEST(JetTable, RefusesARowBeforeAnythingIsChanged) {
     EXPECT_EQ(ErrorOf([&] { table.update(at, std::array{FieldChange{0, Value()}}); }), 3058);
     EXPECT_EQ(database.pager.image(), image);
 
-    // Values of other kinds are converted; unique keys that are null throughout do not meet each other.
+    // Values of other kinds are converted; unique keys that are all null do not conflict.
     Row converted = good;
     converted[0] = std::u16string(u" 3 ");
     converted[3] = Value();
@@ -312,8 +303,8 @@ TEST(JetTable, RefusesARowBeforeAnythingIsChanged) {
     EXPECT_EQ(converted[TextColumn], Value(std::u16string(u"-12")));
 }
 
-// Statements of other engines make Numeric columns that are not fixed and say a size of 9 bytes; their values
-// have all 17.
+// Statements of other engines make Numeric columns in the variable part with a declared size of 9 bytes;
+// their values have all 17.
 TEST(JetTable, ReadsANumericOfVariablePlace) {
     NewDatabase database;
     const PageNumber page = AppendTable(
@@ -346,7 +337,7 @@ TEST(JetTable, ReadsANumericOfVariablePlace) {
     EXPECT_TRUE(table.index(0).contains(key));
     CheckDatabase(database.pager, [](const Fault& fault) { EXPECT_TRUE(fault.harmless) << fault.reason; });
 
-    price.type = ColumnType::Long; // a fixed kind in a place of its own size, too, or not at all
+    price.type = ColumnType::Long; // a fixed kind in a place of its own size, or not at all
     EXPECT_NE(FaultOfDefinition(definition), "");
 }
 
@@ -363,7 +354,7 @@ TEST(JetTable, WalksOnBehindADamagedPage) {
         pages.insert(table.insert(row).page);
     }
     ASSERT_GT(pages.size(), 4u);
-    // One is of another kind; others say that they have more slots than a row pointer can name.
+    // One is of another kind; others claim more slots than a row pointer can name.
     int lost = 0;
     auto bad = std::next(pages.begin());
     for (const std::size_t byte : {0u, 13u, 12u}) {
@@ -374,7 +365,7 @@ TEST(JetTable, WalksOnBehindADamagedPage) {
         else
             page[byte] = 9;
     }
-    // The list of pages goes on beyond the end of the file: the walk says so and does not move any more.
+    // The list of pages continues beyond the end of the file: the walk reports it and stops moving.
     UsageMap(database.pager, table.definition().ownedMap).add(database.pager.pageCount() + 100);
     for (const bool forwards : {true, false}) {
         int rows = 0, faults = 0;

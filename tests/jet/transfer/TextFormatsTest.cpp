@@ -1,4 +1,4 @@
-// Values, CSV and JSON lines as text and back: what goes out comes back the same, and what is damaged is
+// Values, CSV and JSON lines as text and back: exported values come back unchanged, and damaged ones are
 // refused.
 #include "jet/base/Error.h"
 #include "jet/record/ValueText.h"

@@ -1,9 +1,10 @@
-// Rows out and in, and files that other programs read: every type with its extremes, accents, long memos and
-// indexes of three levels, compared with what mdbtools makes of the same file.
+// Export and import of rows, and files that other programs read: every type with its extremes, accents, long
+// memos and indexes of three levels, compared with the output of mdbtools for the same file.
 #include "jet/transfer/Transfer.h"
 
 #include "jet/Check.h"
 #include "jet/Database.h"
+#include "jet/NewDatabase.h"
 #include "jet/base/Error.h"
 #include "jet/record/ValueText.h"
 #include "jet/sql/Execute.h"
@@ -23,6 +24,8 @@
 namespace jet {
 namespace {
 
+using tests::FieldOf;
+
 std::string exportTable(Catalog& catalog, std::u16string_view name, TextFormat format) {
     const Table table = FindTable(catalog, name);
     std::string text;
@@ -30,15 +33,19 @@ std::string exportTable(Catalog& catalog, std::u16string_view name, TextFormat f
     return text;
 }
 
-std::uint32_t importText(Catalog& catalog, std::u16string_view name, TextFormat format,
-                         const std::string& text) {
-    std::size_t at = 0;
-    TextInput input([&](char* into, std::size_t length) {
+// Delivers a text to a TextInput.
+auto pieces(const std::string& text) {
+    return [&text, at = std::size_t{0}](char* into, std::size_t length) mutable {
         const std::size_t n = std::min(length, text.size() - at);
         std::copy_n(text.data() + at, n, into);
         at += n;
         return n;
-    });
+    };
+}
+
+std::uint32_t importText(Catalog& catalog, std::u16string_view name, TextFormat format,
+                         const std::string& text) {
+    TextInput input(pieces(text));
     Table table = FindTable(catalog, name);
     return ImportRows(table, format, input);
 }
@@ -54,13 +61,7 @@ std::string run(const std::string& command) {
 }
 
 std::vector<std::vector<std::string>> parseCsv(const std::string& text) {
-    std::size_t at = 0;
-    TextInput input([&](char* into, std::size_t length) {
-        const std::size_t n = std::min(length, text.size() - at);
-        std::copy_n(text.data() + at, n, into);
-        at += n;
-        return n;
-    });
+    TextInput input(pieces(text));
     CsvReader reader(input);
     std::vector<std::vector<std::string>> rows;
     for (std::vector<CsvField> fields; reader.next(fields);) {
@@ -96,20 +97,15 @@ protected:
         std::filesystem::remove_all(folder_);
         std::filesystem::create_directories(folder_);
         database_.emplace(Database::create(file_));
-        const auto field = [](const char16_t* name, ColumnType type, int size = 0) {
-            FieldDesign design{name, type, size};
-            design.allowZeroLength = true;
-            return design;
-        };
         AppendTable(catalog(),
                     {u"Every Type",
-                     {field(u"Key", ColumnType::Long), field(u"Flag", ColumnType::Boolean),
-                      field(u"Byte", ColumnType::Byte), field(u"Integer", ColumnType::Integer),
-                      field(u"Money", ColumnType::Currency), field(u"Single", ColumnType::Single),
-                      field(u"Double", ColumnType::Double), field(u"Date", ColumnType::DateTime),
-                      field(u"Text", ColumnType::Text, 255), field(u"Memo", ColumnType::Memo),
-                      field(u"Binary", ColumnType::Binary, 20), field(u"Ole", ColumnType::Ole),
-                      field(u"Guid", ColumnType::Guid)},
+                     {FieldOf(u"Key", ColumnType::Long), FieldOf(u"Flag", ColumnType::Boolean),
+                      FieldOf(u"Byte", ColumnType::Byte), FieldOf(u"Integer", ColumnType::Integer),
+                      FieldOf(u"Money", ColumnType::Currency), FieldOf(u"Single", ColumnType::Single),
+                      FieldOf(u"Double", ColumnType::Double), FieldOf(u"Date", ColumnType::DateTime),
+                      FieldOf(u"Text", ColumnType::Text, 255), FieldOf(u"Memo", ColumnType::Memo),
+                      FieldOf(u"Binary", ColumnType::Binary, 20), FieldOf(u"Ole", ColumnType::Ole),
+                      FieldOf(u"Guid", ColumnType::Guid)},
                      {{u"Main", {{u"Key"}}, true, true}, {u"ByText", {{u"Text"}, {u"Double", true}}}},
                      {}});
     }
@@ -228,12 +224,12 @@ TEST_F(TransferTest, AnotherReaderAgrees) {
             const std::string& name = mine[0][i];
             const std::string& a = mine[row][i];
             const std::string& b = theirs[row][i];
-            if (row == 0 || a.empty() || a == "<null>") // the other reader does not tell them apart
+            if (row == 0 || a.empty() || a == "<null>") // the other reader does not distinguish them
                 EXPECT_EQ(a.empty() ? "<null>" : a, b.empty() ? "<null>" : b);
             else if (name == "Binary" || name == "Ole")
                 EXPECT_EQ(hexOf(a), b) << name;
             else if (name == "Guid")
-                EXPECT_EQ(hexOf(base64Of(a)).erase(48, 2), b); // it leaves the last hyphen out
+                EXPECT_EQ(hexOf(base64Of(a)).erase(48, 2), b); // it omits the last hyphen
             else if (name == "Money" || name == "Single" || name == "Double")
                 EXPECT_NEAR(std::stod(a), std::stod(b), std::abs(std::stod(a)) * 1e-6) << name;
             else
@@ -242,7 +238,7 @@ TEST_F(TransferTest, AnotherReaderAgrees) {
     }
 }
 
-// Indexes of three levels, written one by one in no order, read through by another reader.
+// Indexes of three levels, written one by one in random order, read by another reader.
 TEST_F(TransferTest, AnotherReaderReadsDeepIndexes) {
     AppendTable(catalog(), {u"Deep",
                             {{u"Key", ColumnType::Text, 200}, {u"No", ColumnType::Long}},

@@ -1,4 +1,4 @@
-// The commands of the station: listing, making, changing and sending them.
+// The commands of the station: lists, makes, changes and sends them.
 #include "app/ctl/Commands.h"
 
 #include "core/report/Folders.h"
@@ -24,7 +24,7 @@ using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
 
-// The folder of commands, or the exit status that says why there is none.
+// The folder of commands, or the exit status if there is none.
 std::optional<CommandFolder> openFolder(Call& call, int& status) {
     if (!call.session.read()) {
         status = call.fail(QStringLiteral("No local ini file was chosen."));
@@ -35,6 +35,16 @@ std::optional<CommandFolder> openFolder(Call& call, int& status) {
         return std::nullopt;
     }
     return CommandFolder(call.station.settings.DataLocation);
+}
+
+// The folder if it has the command that the first argument names, or the exit status if it does not.
+std::optional<CommandFolder> openFolderOfCommand(Call& call, int& status) {
+    auto folder = openFolder(call, status);
+    if (folder && !folder->has(call.argument(0))) {
+        status = call.no(QStringLiteral("There is no command \"%1\".").arg(call.argument(0)));
+        folder.reset();
+    }
+    return folder;
 }
 
 // "tcp" and "udp" are one type in the file.
@@ -110,11 +120,9 @@ int list(Call& call) {
 
 int show(Call& call) {
     int status = Done;
-    const auto folder = openFolder(call, status);
+    const auto folder = openFolderOfCommand(call, status);
     if (!folder)
         return status;
-    if (!folder->has(call.argument(0)))
-        return call.no(QStringLiteral("There is no command \"%1\".").arg(call.argument(0)));
     QString why;
     const auto command = folder->read(call.argument(0), &why);
     if (!command)
@@ -171,13 +179,13 @@ const std::vector<Option> fieldOptions = {
 
 std::vector<Option> editOptions() {
     std::vector<Option> options = fieldOptions;
-    options.insert(options.end(), {{"--new-connection", nullptr, "do not use a connection that is open"},
+    options.insert(options.end(), {{"--new-connection", nullptr, "do not use an open connection"},
                                    {"--close", nullptr, "do not leave the connection open"},
                                    {"--name", "NAME", "give the command another name"}});
     return options;
 }
 
-// A value by its word; a sentence where there is none.
+// A value by its word; a sentence if there is none.
 QString takeWord(std::span<const NamedValue> values, const QString& word, const char* what, qint32& value) {
     const NamedValue* row = FindWord(values, word);
     if (!row)
@@ -187,7 +195,7 @@ QString takeWord(std::span<const NamedValue> values, const QString& word, const 
     return {};
 }
 
-// Takes "host:port"; the host may stand in brackets.
+// Parses "host:port"; the host may be in brackets.
 QString takeHost(const QString& given, qint32 protocol, CommandFields& fields) {
     const qsizetype colon = given.lastIndexOf(u':');
     if (colon < 1)
@@ -204,7 +212,7 @@ QString takeHost(const QString& given, qint32 protocol, CommandFields& fields) {
     return {};
 }
 
-// All of standard input, as far as a command can hold it.
+// All of standard input, up to the limit of a command.
 QByteArray readStandardInput() {
     QByteArray bytes;
     char piece[65536];
@@ -247,7 +255,7 @@ QString takeText(const Call& call, CommandFields& fields) {
     return {};
 }
 
-// Takes the options into the fields; a sentence about the first that is wrong.
+// Stores the options in the fields; a sentence about the first that is wrong.
 QString takeFields(const Call& call, CommandFields& fields) {
     const int types = int(call.has("--serial")) + int(call.has("--tcp")) + int(call.has("--udp")) +
                       int(call.has("--external"));
@@ -286,7 +294,7 @@ QString takeFields(const Call& call, CommandFields& fields) {
     return wrong.isEmpty() ? takeText(call, fields) : wrong;
 }
 
-// Checks the fields as the editor does and asks what it asks. The exit status where the command is refused.
+// Checks the fields and asks questions as the editor does. The exit status if the command is refused.
 std::optional<int> check(const Call& call, const CommandFields& fields) {
     bool emptyIsRight = false;
     for (auto fault = CheckCommand(fields); fault; fault = CheckCommand(fields, emptyIsRight)) {
@@ -323,12 +331,10 @@ int add(Call& call) {
 
 int edit(Call& call) {
     int status = Done;
-    const auto folder = openFolder(call, status);
+    const auto folder = openFolderOfCommand(call, status);
     if (!folder)
         return status;
     const QString name = call.argument(0);
-    if (!folder->has(name))
-        return call.no(QStringLiteral("There is no command \"%1\".").arg(name));
     QString why;
     const auto before = folder->read(name, &why);
     if (!before)
@@ -349,12 +355,10 @@ int edit(Call& call) {
 
 int remove(Call& call) {
     int status = Done;
-    const auto folder = openFolder(call, status);
+    const auto folder = openFolderOfCommand(call, status);
     if (!folder)
         return status;
     const QString name = call.argument(0);
-    if (!folder->has(name))
-        return call.no(QStringLiteral("There is no command \"%1\".").arg(name));
     QString why;
     for (const CommandUse& use : UsesOfCommand(call.station, name, &why))
         call.output.note(QStringLiteral("%1 names it: %2").arg(use.where, use.text));
@@ -373,7 +377,7 @@ int remove(Call& call) {
 
 // ---- run
 
-// What happened to a command, as one record.
+// The result of a command, as one record.
 class Outcome {
 public:
     void take(const CommandEvent& event) {
@@ -456,11 +460,11 @@ CommandRows CommandCommands() {
         {"commands list", "", "List the commands of the station", list},
         {"commands show", "NAME", "Show a command; control characters as escapes", show},
         Changing({"commands add", "NAME", "Make a command", add, fieldOptions}),
-        Changing({"commands edit", "NAME", "Change a command; what is not named stays", edit, editOptions()}),
-        Changing({"commands delete", "NAME", "Delete a command; tells first what names it", remove}),
+        Changing({"commands edit", "NAME", "Change a command; other fields stay", edit, editOptions()}),
+        Changing({"commands delete", "NAME", "Delete a command, after listing what names it", remove}),
         Changing({"commands run",
                   "NAME",
-                  "Send a command for real; a connection that it leaves open ends with this program",
+                  "Really send a command; a connection that it leaves open ends with this program",
                   run,
                   {{"--answer", nullptr, "wait three seconds for an answer and show it"}}}),
     };
