@@ -1,5 +1,5 @@
-// What automatic configuration costs: everything made on an empty machine, everything found made already, and
-// the search for an existing system.
+// The cost of automatic configuration: making everything on an empty machine, finding everything already
+// made, and the search for an existing system.
 #include "console/AutoConfiguration.h"
 #include "console/SearchDrives.h"
 #include "platform/paths/Paths.h"

@@ -1,4 +1,4 @@
-// The least that a program with the toolkit's core costs: what tolvexctl is measured against.
+// The minimum cost of a program with the toolkit's core: what tolvexctl is measured against.
 #include <QCoreApplication>
 
 int main(int argc, char** argv) {

@@ -1,6 +1,6 @@
 // The audiowall at its largest, 99,999 carts in 11 lists of 30 MB together: reading every cart as a search
-// does, beside reading the same bytes in one plain loop; decoding alone; and looking for the notes of every
-// cart in a folder that holds 5,000 of them.
+// does, compared with reading the same bytes in one plain loop; decoding alone; and looking for the notes of
+// every cart in a folder that holds 5,000 of them.
 #include "FullWall.h"
 
 #include "audio/CartNotes.h"
@@ -65,8 +65,8 @@ void readEveryCart() {
         benchmark::DoNotOptimize(ReadCart(wall().carts, cart));
 }
 
-// Both in turn, so that what else the machine does meets both alike; "ratio" is how many plain loops one
-// reading of the wall takes.
+// Both in turn, so that other load on the machine affects both alike; "ratio" is the time of one reading of
+// the wall in plain loops.
 void everyCartOfAFullWall(benchmark::State& state) {
     double ours = 0;
     double plain = 0;

@@ -1,9 +1,9 @@
-// Searching a full audiowall for a word that is nowhere in it: the whole program beside grep and ripgrep on
-// the same lists, and, with notes, beside one plain loop over the notes; what the pauses for a window's
-// events cost, and how long the longest stretch between two of them is.
+// Searching a full audiowall for a word that does not occur: the whole program compared with grep and ripgrep
+// on the same lists and, with notes, with one plain loop over the notes; the cost of the pauses for a
+// window's events, and the longest stretch between two of them.
 //
-// All that is compared runs in turn, so that what else the machine does meets all alike. "ours/grep" and so
-// on are ratios of whole times; below 1 ours is the quicker one.
+// All candidates run in turn, so that other load on the machine affects all alike. "ours/grep" and so on are
+// ratios of total times; below 1 ours is faster.
 #include "FullWall.h"
 
 #include "audio/CartNotes.h"
@@ -40,7 +40,7 @@ std::string hostPath(const QString& path) {
     return platform::HostPath(path).toStdString();
 }
 
-// The carts of a part that have notes, and then others of that many names.
+// The carts of a part that have notes, and then the same number of other names.
 std::vector<qint32> notesOf(int part, std::mt19937& random) {
     const qint32 first = (part - 1) * CartsInPart + 1;
     const qint32 last = part == CartPartCount ? HighestCart : part * CartsInPart;
@@ -100,8 +100,8 @@ Wall& wall() {
     return instance;
 }
 
-// Runs a program to its end, its output thrown away. False when there is no such program or it failed;
-// finding nothing is no failure.
+// Runs a program to its end, discarding its output. False if there is no such program or it failed; finding
+// nothing is not a failure.
 bool run(std::vector<std::string> words) {
     std::vector<char*> arguments(words.size() + 1);
     std::transform(words.begin(), words.end(), arguments.begin(),
@@ -170,12 +170,12 @@ void wholeProgramWithNotes(benchmark::State& state) {
         state.SetIterationTime(seconds);
     }
     state.counters["ours/plain"] = ours / all;
-    state.counters["ours/searched"] = ours / searched; // beside reading only those of carts in their folder
+    state.counters["ours/searched"] = ours / searched; // only those of carts in their folder
 }
 BENCHMARK(wholeProgramWithNotes)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2);
 
-// A search as a window runs it: "yields" is its time beside the same search in one go, "longest_ms" the
-// longest that events ever waited, and so the longest that Stop takes.
+// A search as a window runs it: "yields" is its time relative to the same search without pauses, "longest_ms"
+// the longest wait of events, and so of Stop.
 void searchWithPauses(benchmark::State& state) {
     const bool notes = state.range(0) != 0;
     double ours = 0;

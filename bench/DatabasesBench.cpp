@@ -1,4 +1,4 @@
-// What start-up and the automation forms ask of databases.
+// The database work of start-up and the automation forms.
 #include "automation/AutomationSchema.h"
 #include "automation/AutomationStore.h"
 #include "core/settings/Settings.h"
@@ -90,7 +90,7 @@ void LoadAutomationSettings(benchmark::State& state) {
 }
 BENCHMARK(LoadAutomationSettings)->Unit(benchmark::kMillisecond);
 
-// Many in one second: each steps over those before it.
+// Many in one second: each moves past those before it.
 void AddHistoryEvent(benchmark::State& state) {
     prepare();
     const Settings settings;

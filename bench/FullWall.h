@@ -18,7 +18,7 @@ inline QByteArray cartBytes(int cart) {
     return QByteArray(EncodeCartRecord(record).data(), CartListRecordLength);
 }
 
-// Makes the lists in the folders given for their parts, and tells the settings.
+// Makes the lists in the folders of their parts, and updates the settings.
 inline void makeFullWall(CartStore& carts, QString (*folderOf)(int part)) {
     carts.settings.NoCarts = HighestCart;
     QByteArray list;

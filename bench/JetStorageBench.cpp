@@ -1,4 +1,4 @@
-// What the floor of the database engine costs by itself: reading cached pages, transactions, brackets in a
+// The cost of the database engine's lowest layers alone: reading cached pages, transactions, brackets in a
 // shared file, opening.
 #include "jet/Database.h"
 #include "jet/table/TableDesign.h"
@@ -84,7 +84,7 @@ BENCHMARK_F(Storage, ReadOperationShared)(benchmark::State& state) {
     readOperation(state, open(false), first_);
 }
 
-// Four pages change, as they do when a row is added.
+// Changes four pages, like adding a row.
 void commitFour(benchmark::State& state, Database database, PageNumber first, bool flush) {
     for (auto _ : state) {
         Changing change(database.pager());

@@ -1,5 +1,5 @@
-// Whole tables and files: scan, export beside mdb-export, compaction beside a copy of the file, making a
-// file, reading one setting, and the integrity check.
+// Whole tables and files: scan, export compared with mdb-export, compaction compared with a copy of the file,
+// making a file, reading one setting, and the integrity check.
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/Database.h"
@@ -32,15 +32,15 @@ std::string inFolder(const char* name) {
     return (folder() / name).string();
 }
 
-// Two tables, both called "Log" and with two indexes. Small: number, text, date and memo, what most tables of
-// the suite look like. Wide: the 44 fields of an automation log.
+// Two tables, both called "Log" and with two indexes. Small: number, text, date and memo, like most tables of
+// the suite. Wide: the 44 fields of an automation log.
 enum class Kind { Small, Wide };
 
 std::int32_t rowCount(Kind kind) {
     return kind == Kind::Small ? 200000 : 40000;
 }
 
-// The fields of a wide row behind the first four, five kinds in turn.
+// The fields of a wide row after the first four, five kinds in turn.
 constexpr int MoreFields = 40;
 constexpr ColumnType moreKinds[] = {ColumnType::Long, ColumnType::Text, ColumnType::Integer,
                                     ColumnType::Boolean, ColumnType::Single};
@@ -102,7 +102,7 @@ void ScanTable(benchmark::State& state, Kind kind) {
     const Table table = database.catalog().table(u"Log");
     std::vector<Value> values;
     for (auto _ : state) {
-        const Reading reading(database.pager()); // one look at the locks instead of one a row
+        const Reading reading(database.pager()); // checks the locks once instead of once per row
         RowPointer at;
         for (RowView row; table.next(at, row);)
             table.values(row, values);
@@ -139,7 +139,7 @@ BENCHMARK_CAPTURE(selectAll, InIndexOrder, u"SELECT * FROM Log ORDER BY Title DE
 BENCHMARK_CAPTURE(selectAll, BeginningLike, u"SELECT * FROM Log WHERE Title LIKE 'some title 12*'")
     ->Unit(benchmark::kMillisecond);
 
-// Opens the file, too, as mdb-export below does. Both write to /dev/null.
+// Opens the file, too, like mdb-export below. Both write to /dev/null.
 void ExportCsv(benchmark::State& state, Kind kind) {
     logFile(kind);
     for (auto _ : state) {
@@ -181,7 +181,7 @@ void Compaction(benchmark::State& state, Kind kind) {
 BENCHMARK_CAPTURE(Compaction, Small, Kind::Small)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(Compaction, Wide, Kind::Wide)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-// A copy that is on the disk when it is done, as the compacted file is.
+// A copy that is on the disk when it ends, like the compacted file.
 void PlainCopy(benchmark::State& state, Kind kind) {
     const std::string target = inFolder("copy.mdb");
     const std::string command = "cp " + logFile(kind) + " " + target + " && sync " + target;
@@ -271,7 +271,7 @@ void CreateAndOpen(benchmark::State& state) {
 }
 BENCHMARK(CreateAndOpen)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
-// What every program of the suite does at its start: open, one look-up in a settings table, close.
+// The start of every program of the suite: open, one look-up in a settings table, close.
 void ReadOneSetting(benchmark::State& state) {
     const std::string path = inFolder("settings.mdb");
     {

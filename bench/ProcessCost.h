@@ -1,4 +1,4 @@
-// What a program costs from its start to its end, as a process of its own: the time and the largest memory.
+// The cost of a program from start to end, as a process of its own: the time and the largest memory.
 #pragma once
 
 #include <sys/resource.h>
@@ -34,7 +34,7 @@ inline Cost runOnce(const char* program, const char* word) {
     return {took.count(), usage.ru_maxrss};
 }
 
-// The middle time and the largest memory of several runs.
+// The median time and the largest memory of several runs.
 inline Cost middle(const char* program, const char* word) {
     std::vector<double> times;
     Cost cost;

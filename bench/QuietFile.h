@@ -1,5 +1,5 @@
-// A settings file as programs mostly find it: left alone for a while. One that was changed a moment ago is
-// compared at each read.
+// A settings file in its usual state: unchanged for a while. One changed a moment ago is compared at each
+// read.
 #pragma once
 
 #include "platform/paths/Paths.h"

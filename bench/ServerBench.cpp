@@ -1,5 +1,5 @@
-// The server's remote control beside a bare echo loop over the same kind of sockets: commands answered a
-// second, time from command to reply, and what the server costs while nobody talks to it.
+// The server's remote control compared with a bare echo loop over the same kind of sockets: commands answered
+// per second, time from command to reply, and the cost of an idle server.
 #include "network/server/RemoteControl.h"
 #include "platform/paths/Paths.h"
 
@@ -29,7 +29,7 @@ using Microseconds = std::chrono::duration<double, std::micro>;
 
 constexpr int roundTrips = 10000;
 
-// A peer in a thread of its own that sends a command and waits for the end of the reply, again and again.
+// A peer in a thread of its own that repeatedly sends a command and waits for the end of the reply.
 std::vector<double> talk(quint16 port, const char* command, std::size_t length, bool greeted) {
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
@@ -87,7 +87,7 @@ double at(const std::vector<double>& times, double part) {
     return times.empty() ? 0 : times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
 }
 
-// What a server that only sends back what it gets would do.
+// A server that only echoes its input.
 std::vector<double> measureBare() {
     QTcpServer server;
     server.listen(QHostAddress::LocalHost);

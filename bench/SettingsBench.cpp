@@ -1,5 +1,5 @@
-// Loading all settings of a workstation from a full ini file, and saving them: what happens at each start and
-// at each OK of a form.
+// Loading all settings of a workstation from a full ini file, and saving them: done at each start and at each
+// OK of a form.
 #include "QuietFile.h"
 
 #include "core/exchange/SettingsDocument.h"

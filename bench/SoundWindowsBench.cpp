@@ -1,5 +1,5 @@
-// The sound windows: opening one beside a dialog with as many widgets of the same classes and nothing behind
-// them, OK beside the bare replacement of a file of that size, and the samples for one step of a slider.
+// The sound windows: opening one compared with a dialog of as many widgets of the same classes without logic,
+// OK compared with the bare replacement of a file of that size, and the samples for one step of a slider.
 #include "audio/AudioSetup.h"
 #include "audio/AudiowallSetup.h"
 #include "audio/forms/CartView.h"

@@ -1,5 +1,5 @@
-// Process start to the console ready, on a configured station, beside a bare main window program: the time
-// and the largest memory of each, and their ratio. Each run is a process of its own.
+// Process start to the console ready, on a configured station, compared with a bare main window program: the
+// time and the largest memory of each, and their ratio. Each run is a process of its own.
 #include "ProcessCost.h"
 
 #include "console/forms/frmConfigure.h"

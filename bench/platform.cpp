@@ -1,4 +1,4 @@
-// What asking the machine costs: paths, records, replacing a file.
+// The cost of asking the machine: paths, records, replacing a file.
 #include "platform/devices/WaveDevices.h"
 #include "platform/files/Files.h"
 #include "platform/host/HostFiles.h"
@@ -34,7 +34,7 @@ private:
 void resolve(benchmark::State& state, const QString& path) {
     const Machine machine(1000);
     HostPath(path);
-    // A folder at rest, as nearly all of them are: one that changed just now is listed at each look.
+    // A folder at rest, like nearly all of them: one that changed just now is listed each time.
     QThread::msleep(50);
     for (auto _ : state)
         benchmark::DoNotOptimize(HostPath(path));
@@ -52,7 +52,7 @@ BENCHMARK(PathAsSpelled);
 BENCHMARK(PathInAnotherCase);
 BENCHMARK(PathOfAMissingFile);
 
-// A search of one drive, thread and all: 69 files, none of them there.
+// A search of one drive, including its thread: 69 files, none of them existing.
 void SearchADrive(benchmark::State& state) {
     const Machine machine(1000);
     QThread::msleep(50);

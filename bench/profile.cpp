@@ -1,5 +1,5 @@
-// What the stores cost: reading a key of an unchanged ini file, loading and saving a workstation's worth of
-// keys, and the sizes that no station has.
+// The cost of the stores: reading a key of an unchanged ini file, loading and saving a workstation's worth of
+// keys, and sizes that no station has.
 #include "platform/host/HostFiles.h"
 #include "platform/host/Replacement.h"
 #include "platform/paths/Paths.h"
@@ -102,7 +102,7 @@ void ParseFiftyMegabytes(benchmark::State& state) {
 }
 BENCHMARK(ParseFiftyMegabytes)->Unit(benchmark::kMillisecond);
 
-// As the argument says: keys in one section, put there one after the other as one group.
+// By the argument: keys in one section, added one after the other in one group.
 void PutNewKeys(benchmark::State& state) {
     for (auto _ : state) {
         ProfileDocument document;

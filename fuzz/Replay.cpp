@@ -1,5 +1,5 @@
-// Replays a fuzz target's seed corpus where no fuzzer is linked: every seed whole, cut at many lengths, and
-// with bytes damaged in a repeatable way. A crash or a hang fails the test; there is nothing else to compare.
+// Replays a fuzz target's seed corpus if no fuzzer is linked: every seed whole, cut at many lengths, and with
+// bytes damaged reproducibly. A crash or a hang fails the test; nothing else is compared.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -17,7 +17,7 @@ namespace {
 #define TOLVEX_VARIANTS 400
 #endif
 
-// Cuts and damages tried for each seed; large seeds get fewer so that the whole replay stays short.
+// Cuts and damages tried per seed; large seeds get fewer so that the whole replay stays short.
 constexpr std::size_t maxVariants = TOLVEX_VARIANTS;
 
 void tryBytes(const std::vector<std::uint8_t>& bytes) {

@@ -1,4 +1,4 @@
-// What a target holds to be true of every input: a breach ends the run where the fuzzer sees it.
+// A condition that must hold for every input: a violation ends the run, where the fuzzer sees it.
 #pragma once
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// Cart records and list files of any content: every 300 bytes decode, and what they decode to comes through
-// the file form unchanged; a list of any length opens, keeps its whole records, and reads.
+// Cart records and list files of any content: every 300 bytes decode, and the decoded record survives the
+// file form unchanged; a list of any length opens, keeps its whole records, and can be read.
 #include "audio/CartStore.h"
 #include "audio/Hotlist.h"
 #include "platform/files/Files.h"
@@ -20,7 +20,7 @@ void check(bool holds) {
         std::abort();
 }
 
-// Bit by bit, as not-a-numbers are not equal to themselves.
+// Bit by bit, as NaNs do not equal themselves.
 void checkRecord(const char* bytes) {
     const CartRecord record = DecodeCartRecord(bytes);
     for (const QString* const line : {&record.Line1, &record.Line2, &record.Line3})

@@ -1,6 +1,6 @@
-// Searching a cart list of any content, for any text: it finds what a plain and slow search finds, and does
-// no more than that. The input: flags, the lines to look at, the cart to begin at, the length of the text,
-// the text, the list.
+// Searches a cart list of any content for any text: it finds what a plain and slow search finds, and does no
+// more than that. The input: flags, the lines to search, the first cart, the length of the text, the text,
+// the list.
 #include "Require.h"
 #include "audio/PlainSearch.h"
 #include "platform/paths/Paths.h"
@@ -34,7 +34,7 @@ CartQuery queryOf(const QByteArray& head, const QByteArray& text) {
     return query;
 }
 
-// Without emptying the file first: some file systems then write it to the disk when it is closed.
+// Without emptying the file first: otherwise some file systems write it to the disk on closing.
 void put(const QString& path, const QByteArray& bytes) {
     QFile file(platform::HostPath(path));
     require(file.open(QIODevice::ReadWrite) && file.write(bytes) == bytes.size() &&

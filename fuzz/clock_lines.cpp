@@ -1,5 +1,5 @@
-// Whatever a receiver sends, in whatever pieces: the same lines come of it, each of its kind by its length
-// alone, and a time that the clock would be set by is a time.
+// Whatever a receiver sends, in whatever pieces: the same lines result, each of a kind determined by its
+// length alone, and a time that would set the clock is valid.
 #include "Require.h"
 
 #include "network/clock/ClockLines.h"

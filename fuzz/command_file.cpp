@@ -1,6 +1,6 @@
 // Command files of any content: a whole header reads and is written back byte for byte; its text can be shown
-// and typed again; what the editor makes of it is refused with a sentence or stored without loss; settings
-// are taken or refused with a reason.
+// and typed again; the editor's result is refused with a sentence or stored without loss; settings are
+// accepted or refused with a reason.
 #include "Require.h"
 
 #include "network/commands/CommandRules.h"

@@ -1,5 +1,5 @@
-// Lines pasted from the clipboard, where anything may stand: what is read is copied as a text that reads as
-// the same lines, and a text that is refused says why.
+// Lines pasted from the clipboard, which may hold anything: accepted lines are copied as a text that reads as
+// the same lines, and a refused text comes with a reason.
 #include "Require.h"
 
 #include "hardware/LineRows.h"

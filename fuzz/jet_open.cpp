@@ -1,6 +1,6 @@
-// A database file from outside: opening it, reading everything in it, checking it, saving what can be read
-// and changing it must end, whatever the bytes are. An input of a page or more is the file; a shorter one is
-// damage to a sound file: four bytes each, an offset and the byte that stands there.
+// A database file from outside: opening it, reading everything in it, checking it, salvaging it and changing
+// it must end, whatever the bytes are. An input of a page or more is the file; a shorter one is damage to a
+// sound file: four bytes each, an offset and the byte to put there.
 #include "jet/Check.h"
 #include "jet/Compact.h"
 #include "jet/WholeDatabase.h"
@@ -20,7 +20,7 @@ namespace {
 
 using namespace jet;
 
-// The longest file looked at; longer ones find nothing new.
+// The longest file tried; longer ones find nothing new.
 constexpr std::size_t longest = 100 * PageSize;
 
 class MemoryFile final : public StorageFile {
@@ -65,11 +65,11 @@ void attempt(Step step) {
     try {
         step();
     } catch (const Error&) {
-        // what a damaged file is answered with
+        // the answer to a damaged file
     }
 }
 
-// Changes of every kind; what a damaged file does not allow is refused.
+// Changes of every kind; a damaged file may refuse them.
 void change(Pager& pager) {
     Catalog catalog(pager);
     for (const char16_t* statement : {u"INSERT INTO Carts (Number, Notes) VALUES (900, 'a memo')",
@@ -84,7 +84,7 @@ void change(Pager& pager) {
     attempt([&] { AppendTable(catalog, {u"Four", {{u"a", ColumnType::Memo}}, {}, {}}); });
 }
 
-// What a compaction makes has no fault.
+// The result of a compaction has no fault.
 void requireSound(const Bytes& file) {
     MemoryPager pager(file);
     CheckDatabase(pager, [](const Fault& fault) {

@@ -1,5 +1,5 @@
 // Statements run one after the other on a sound database: each does what it says or throws, and the file is
-// sound afterwards. The input is text, a statement a line.
+// sound afterwards. The input is text, one statement per line.
 #include "jet/Check.h"
 #include "jet/base/Error.h"
 #include "jet/pager/MemoryPager.h"

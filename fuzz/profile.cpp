@@ -1,4 +1,4 @@
-// Any bytes as a profile file, and a few changes to it: nothing may be lost, and a change reads back.
+// Any bytes as a profile file, and a few changes to it: nothing is lost, and a change reads back.
 #include "Require.h"
 
 #include "platform/profile/ProfileDocument.h"

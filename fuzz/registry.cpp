@@ -1,4 +1,4 @@
-// Any bytes as a registry store: nothing is lost, and a value that is written reads back.
+// Any bytes as a registry store: nothing is lost, and a written value reads back.
 #include "Require.h"
 
 #include "platform/registry/RegistryDocument.h"

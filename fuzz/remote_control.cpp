@@ -1,5 +1,5 @@
-// Whatever a remote control peer sends, in arrivals whose lengths it chooses: the buffer stays within its
-// bound as long as its owner closes a peer that passes it, and a command is text without line ends.
+// Any bytes from a remote control peer, in pieces of any length: the buffer stays within its bound if its
+// owner closes a peer that exceeds it, and a command is text without line ends.
 #include "Require.h"
 
 #include "network/server/RemoteCommands.h"

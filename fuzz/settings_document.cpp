@@ -20,7 +20,7 @@ namespace {
 void readText(const QString& text) {
     require(std::isfinite(LeadingNumber(text)));
     if (const std::optional<double> date = ParseDate(text)) {
-        // What is written of it reads back as the same second.
+        // Its written form reads back as the same second.
         const QString written = DateText(FromSerialDate(*date));
         const std::optional<double> again = ParseDate(written);
         require(again && std::abs(*again - *date) < 1.0 / 86400);
@@ -33,7 +33,7 @@ void readText(const QString& text) {
     }
 }
 
-// What was taken over is exported and taken over by another station, with the same result.
+// The imported settings are exported and imported by another station, with the same result.
 void takeOver(const QByteArray& bytes, const QString& station, ImportPlan plan) {
     if (!plan.usable() || plan.files.isEmpty())
         return;

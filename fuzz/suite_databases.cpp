@@ -1,7 +1,7 @@
-// Whole databases of the suite, damaged, as start-up, validation, the users database, the automation settings
-// and compaction meet them: each ends with an answer or an error, and what compaction makes has no fault. The
-// first byte of an input says which database and which routines; then come damages of four bytes: a page,
-// where in it (of its first 256 bytes in steps of one, after that of sixteen), and what stands there.
+// Whole databases of the suite, damaged, in start-up, validation, the users database, the automation settings
+// and compaction: each ends with an answer or an error, and the compacted file has no fault. The first byte
+// of an input selects the database and the routines; then follow damages of four bytes: a page, a place in it
+// (its first 256 bytes in steps of one, after that of sixteen), and the byte to put there.
 #include "Require.h"
 
 #include "automation/AutomationSchema.h"
@@ -81,7 +81,7 @@ struct Station {
         require(file.open(QIODevice::ReadOnly));
         return file.readAll();
     }
-    // Nothing is there but this file.
+    // The folder holds only this file.
     void put(const QString& path, const QByteArray& bytes) const {
         QDir drive(platform::HostPath(QStringLiteral("C:\\DATA")));
         for (const QString& name : drive.entryList(QDir::Files))
@@ -146,7 +146,7 @@ void useAutomation(const QString& path) {
         LoadKOVASettings(*database, record, {});
         SaveKOVASettings(*database, record, {});
     } catch (const DatabaseError&) {
-        // what a damaged file is answered with
+        // the answer to a damaged file
     }
     ChangeDatabaseDescription(path, QStringLiteral("Another"), {});
 }

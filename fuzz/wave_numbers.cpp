@@ -1,5 +1,5 @@
 // The list of remembered wave devices, which a user may edit: what is read from it can be written and read
-// again, and numbering devices by it keeps within its bounds.
+// again, and numbering devices by it stays within its bounds.
 #include "platform/devices/WaveNumbers.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// A path from a settings file, whatever it holds, must stay below the root it names, and mean the same when
+// A path from a settings file, whatever it holds, must stay below the root it names, and mean the same after
 // it is written out and split again.
 #include "Require.h"
 

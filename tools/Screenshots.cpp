@@ -61,7 +61,7 @@ void write(const QString& windowsPath, const QByteArray& bytes) {
         file.write(bytes);
 }
 
-// Who has which number on the network.
+// The owners of numbers on the network.
 QByteArray terminals() {
     constexpr const char* names[][2] = {
         {"Studio 1", "STUDIO1"}, {"Studio 2", "STUDIO2"}, {"News", ""}, {"Production", ""}};
@@ -123,7 +123,7 @@ void save(QWidget& form, const char* name) {
     QCoreApplication::processEvents();
     const QString path = folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png");
     QPixmap picture = form.grab();
-    // The edge that a window manager would draw.
+    // The frame that a window manager would draw.
     QPainter painter(&picture);
     painter.setPen(tokens().line);
     painter.drawRect(form.rect().adjusted(0, 0, -1, -1));
@@ -137,7 +137,7 @@ void saveForm(Workstation& station, const char* form, const char* name) {
     save(*dialog, name);
 }
 
-// The list of commands, the editor on a command that was tried, and the server.
+// The list of commands, the editor on a tested command, and the server.
 void saveCommands(Workstation& station) {
     const CommandFolder commands(station.settings.DataLocation);
     CommandRecord command;
@@ -256,7 +256,7 @@ void makeDevices() {
                              {{QStringLiteral("Desk, Record Bus"), QStringLiteral("rec"), 0, formats, true}});
 }
 
-// The automation player's windows, on a database with a few settings of a station's own.
+// The automation player's windows, on a database with a few settings of the station's own.
 void saveAutomation(Workstation& station) {
     const QString databases = AutomationFolder(station.settings);
     for (const auto& [name, title] : {std::pair("NIGHT", "Night and weekend log"), {"SPORT", "Sport log"}}) {

@@ -24,7 +24,7 @@ namespace {
 
 using platform::Answer;
 
-// What is asked, by the begin of its text, the picture of it (null: none), and the button that is pressed.
+// A question, by the start of its text, the picture of it (null: none), and the button to press.
 struct Step {
     const char* text;
     const char* picture;

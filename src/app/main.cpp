@@ -32,7 +32,7 @@ void tellScreens(ScreenFacts& facts) {
         facts.MonitorWidths.append(monitors.Monitor(i)->Width);
 }
 
-// The command line as it was typed. What the shell took apart is put together again with single blanks.
+// The command line as typed. Arguments separated by the shell are joined with single blanks.
 QString typedCommandLine(const QStringList& arguments) {
     return arguments.mid(1).join(u' ');
 }

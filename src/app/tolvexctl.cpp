@@ -48,7 +48,7 @@ int run(const CommandLine& line) {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList given = QCoreApplication::arguments().mid(1);
-    // For the build, which installs the page, and for the shells, which complete words.
+    // For the build, which installs the page, and for shells, which complete words.
     if (given == QStringList{QStringLiteral("--print-manual-page")})
         return print(ManualPage()), Done;
     if (given.value(0) == QLatin1String("--complete"))

@@ -59,14 +59,14 @@ void setLocations(Settings& settings, const QString& data, const CartPaths& cart
     }
 }
 
-// Configures for these locations. Where that does not begin the workstation keeps the ones it had.
+// Configures for these locations. If it cannot begin, the workstation keeps its old ones.
 InstallOutcome installIn(Workstation& station, const QString& data, const CartPaths& carts) {
     CreateDataDirectories(data);
     const QString dataBefore = station.settings.DataLocation;
     CartPaths cartsBefore;
     for (int part = 1; part <= CartPartCount; ++part)
         cartsBefore[part] = station.settings.CartPartTable[part].Location;
-    // A wall that was found alone keeps the data where they are.
+    // If only an audiowall was found, the data stays where it is.
     setLocations(station.settings, data.isEmpty() ? dataBefore : data, carts);
     if (AutoInstall(station))
         return InstallOutcome::Configured;
@@ -74,7 +74,7 @@ InstallOutcome installIn(Workstation& station, const QString& data, const CartPa
     return InstallOutcome::Failed;
 }
 
-// Saves the local ini file; false, reported, when it could not be written.
+// Saves the local ini file; false, after a report, if it could not be written.
 bool save(Workstation& station) {
     const int error = SaveLocalSettings(station.settings, station.settings.LocalIniFile);
     if (error != platform::ProfileOk)
@@ -86,8 +86,8 @@ bool save(Workstation& station) {
     return error == platform::ProfileOk;
 }
 
-// What was saved is loaded with everything else; where it could not be, loading would bring the old locations
-// back.
+// Saved settings are loaded with everything else; if saving
+// failed, loading would restore the old locations.
 void load(Workstation& station, bool saved) {
     if (saved)
         LoadAllSettings(station);
@@ -156,7 +156,7 @@ void setDefaults(Settings& values) {
     values.Format = 1;
 }
 
-// What could not be made is named first: the closing message ends every run, as it always did.
+// Failures are named first: the closing message ends every run, as it always did.
 void tellTheEnd(Workstation& station) {
     QStringList missing;
     for (const InstalledItem& item : MissingItems(station))

@@ -40,7 +40,7 @@ QString inFolder(const QString& folder, const QString& name) {
     return folder + u'\\' + name;
 }
 
-// The file that belongs to a set's name; empty when there is none to delete.
+// The file of a set by its name; empty if there is none to delete.
 QString fileOf(const QString& name) {
     if (name.contains(u'\\') || name.contains(u'/'))
         return name;
@@ -55,7 +55,7 @@ QString fileOf(const QString& name) {
 
 QList<ConfigurationSet> ListSets(const QString& registryKey, const QString& defaultIni) {
     QString list = readList(registryKey);
-    QString unnamed; // what a set without a name is called; empty: by its file
+    QString unnamed; // the name of a set without one; empty: its file name
     if (list.isEmpty() && !defaultIni.isEmpty()) {
         unnamed = QStringLiteral("Standard Configuration");
         writeList(registryKey, defaultIni);

@@ -11,7 +11,7 @@ namespace {
 using platform::DriveType;
 
 constexpr const char* systemIni = "\\TLVX_SYS.INI";
-// Folders of a drive that hold the system ini file, in the order in which they are looked at.
+// Folders of a drive that may hold the system ini file, in search order.
 constexpr const char* dataFolders[] = {"", "\\TOLVEX\\SYSTEM", "\\SYSTEM"};
 // The same for the cart lists; %1 is the number of the part.
 constexpr const char* cartFolders[] = {
@@ -21,9 +21,9 @@ QString numbered(const char* folder, int part) {
     return QString::fromLatin1(folder).replace(QLatin1String("%1"), QString::number(part));
 }
 
-// A file that tells of a system, and the folder it stands in.
+// A file that indicates a system, and its folder.
 struct Sign {
-    int part = 0; // 0: the system ini file, and so the data path
+    int part = 0; // 0: the system ini file, which gives the data path
     QString folder;
     QString file;
 };
@@ -42,7 +42,7 @@ QList<Sign> signsOn(const QString& drive) {
     return signs;
 }
 
-// One pass over drives; later finds take the place of earlier ones. True when anything was found.
+// One pass over drives; later finds replace earlier ones. True if anything was found.
 bool searchDrives(const QString& letters, const SetupSearch& search, ExistingSetup& setup) {
     QList<Sign> signs;
     for (const QChar letter : letters)

@@ -28,8 +28,8 @@ InstalledItem file(const QString& what, const QString& path, qint64 length = 1) 
     return {what, path, FileLength(path) >= length};
 }
 
-// The default database that configuration makes, or the one of its kind that it found. Where a default is
-// named, none is made: one that is not there is not missing from the configuration.
+// The default database that configuration makes, or the one of its kind that it found. If a default is named,
+// none is made: its absence is no fault of the configuration.
 QList<InstalledItem> automationDatabase(const Settings& settings) {
     const QString ours = QStringLiteral("KOVA26.MDB");
     const QString folder = settings.DataLocation + QStringLiteral("\\SCHEDULE\\");

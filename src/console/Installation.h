@@ -1,4 +1,4 @@
-// What automatic configuration leaves on a machine, item by item, as it is there now.
+// The items that automatic configuration makes on a machine, and their present state.
 #pragma once
 
 #include <QList>
@@ -14,11 +14,11 @@ struct InstalledItem {
     bool present = false; // complete, as far as its length tells
 };
 
-// Of the locations that the settings hold. Cost: a few file lengths and two reads of the local ini file;
-// where no default automation database is set, each database of its folder is opened.
+// For the locations in the settings. Cost: a few file lengths and two reads of the local ini file; if no
+// default automation database is set, each database of its folder is opened.
 QList<InstalledItem> LookAtInstallation(Workstation& station);
 
-// Those that are not present.
+// Those that are missing.
 QList<InstalledItem> MissingItems(Workstation& station);
 
 } // namespace tolvex

@@ -1,4 +1,4 @@
-// The name of the operating system as the about box shows it.
+// The name of the operating system for the about box.
 #pragma once
 
 #include "platform/Machine.h"

@@ -16,7 +16,7 @@ qint64 typeOfDrive(const QString& root) {
     return static_cast<qint64>(type);
 }
 
-// The letters of all drives of a type, by the answers for their roots.
+// The letters of all drives of a type, according to the answers for their roots.
 QString lettersOf(const DriveAsker::Answers& types, DriveType type) {
     QString letters;
     for (auto answer = types.begin(); answer != types.end(); ++answer)

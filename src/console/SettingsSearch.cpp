@@ -13,7 +13,7 @@ namespace tolvex {
 
 namespace {
 
-// Longer texts explain; they name nothing.
+// Longer texts are explanations, not names.
 constexpr qsizetype LongestLabel = 90;
 
 // Widgets whose text names a setting or a choice.
@@ -22,13 +22,13 @@ bool namesSomething(QStringView widgetClass) {
            widgetClass == u"QPushButton" || widgetClass == u"QGroupBox";
 }
 
-// Fields, which are named for people who cannot see their labels.
+// Fields, which have names for screen readers.
 bool isField(QStringView widgetClass) {
     return widgetClass == u"QLineEdit" || widgetClass == u"QComboBox" ||
            widgetClass == u"tolvex::ColourButton";
 }
 
-// The names that a control's value has in a database, which engineers know.
+// The names of a control's value in a database, which engineers know.
 QString itemsOf(const QString& control) {
     QString items;
     for (const AutomationField& field : AutomationFields())
@@ -37,12 +37,12 @@ QString itemsOf(const QString& control) {
     return items;
 }
 
-// Buttons that every form has say nothing about what it holds.
+// Buttons that every form has.
 bool isCommonButton(const QString& text) {
     return text == u"OK" || text == u"Cancel" || text == u"Done" || text == u"Browse..." || text == u"Test";
 }
 
-// The control of a row; of several, the first.
+// The control of a row; if there are several, the first.
 QString placeOf(const SettingRow& row) {
     const QString control = QString::fromLatin1(row.control).section(u' ', 0, 0);
     return row.count && control.endsWith(u'_') ? control + u'1' : control;

@@ -16,8 +16,8 @@ namespace tolvex {
 
 namespace {
 
-// A folder whose name the ini file cannot hold would have another name there; it is not made, and that is
-// said.
+// A folder whose name the ini file cannot hold would have another name there; it is not made, and the user is
+// told.
 bool mayBeMade(const QString& location) {
     const QString fault = StoredTextFault(location);
     if (!fault.isEmpty())

@@ -10,12 +10,12 @@ namespace tolvex {
 
 namespace {
 
-// Which of the check's lines (by a piece of their text) is mended where, and what is said when it does not
-// come.
+// Where each finding of the check (identified by a piece of its text) can be corrected, and the line shown if
+// it is absent.
 struct Row {
     const char* finding;
     const char* control;
-    const char* done; // empty: another row of the same matter says it
+    const char* done; // empty: another row of the same subject has it
 };
 constexpr Row rows[] = {
     {"The Data Location", "cmdFileLocations", "Data location found"},

@@ -1,5 +1,5 @@
-// The state of the configuration for the eye: what the configuration check finds, in words that a person
-// reads at a glance, each with the console's control that leads to its form.
+// The state of the configuration at a glance: the findings of the configuration check in short sentences,
+// each with the console's control that opens the form to correct it.
 #pragma once
 
 #include <QList>
@@ -25,7 +25,7 @@ struct WorkstationGlance {
     QStringList done;
 };
 
-// From the settings as they are; runs CheckConfiguration, so it asks the file system for each location once.
+// From the current settings; runs CheckConfiguration, so it asks the file system for each location once.
 WorkstationGlance LookAtWorkstation(Workstation& station);
 
 } // namespace tolvex

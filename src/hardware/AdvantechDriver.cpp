@@ -18,7 +18,7 @@ namespace tolvex {
 
 namespace {
 
-// The library's entries and records, as its maker's manual gives them. Long numbers have 32 bits.
+// The library's functions and records, from its maker's manual. Long numbers have 32 bits.
 extern "C" {
 struct FeaturesQuestion {
     void* buffer;
@@ -74,7 +74,7 @@ public:
     }
     qint32 close(qint32 handle) override { return close_(&handle); }
     QString errorText(qint32 error) override {
-        std::array<char, 4 * MessageSize> text{}; // the library is not told how much there is
+        std::array<char, 4 * MessageSize> text{}; // the library does not know its size
         message_(error, text.data());
         return platform::FromCodePage(
             text.data(), static_cast<qsizetype>(qstrnlen(text.data(), static_cast<uint>(MessageSize - 1))));

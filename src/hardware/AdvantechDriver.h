@@ -1,5 +1,5 @@
-// What is asked of the driver of Advantech cards: five operations behind one interface. The real one is the
-// maker's library "adsapi32", loaded at run time where it is installed; tests supply another.
+// The driver of Advantech cards: five operations behind one interface. The real one is the maker's library
+// "adsapi32", loaded at run time if it is installed; tests supply another.
 #pragma once
 
 #include <QString>
@@ -9,11 +9,11 @@
 
 namespace tolvex {
 
-// What a board says of itself.
+// A board's description of itself.
 struct BoardFeatures {
     qint32 board = 0; // the maker's number of its kind
     qint32 maximumInputs = 0;
-    qint32 maximumOutputs = 0; // digital channels, both
+    qint32 maximumOutputs = 0; // digital channels, for both
 };
 
 // Modes of a board's ports, from port 0 on. 0: eight inputs; 1: eight outputs; 3 and 4: four of each.
@@ -22,7 +22,7 @@ using PortModes = std::array<qint16, 10>;
 class AdvantechDriver {
 public:
     virtual ~AdvantechDriver() = default;
-    // Each gives 0, or an error number of the driver that errorText knows.
+    // Each returns 0, or an error number of the driver that errorText knows.
     virtual qint32 open(qint32 device, qint32& handle) = 0;
     virtual qint32 features(qint32 handle, BoardFeatures& features) = 0;
     virtual qint32 portModes(qint32 handle, PortModes& modes) = 0;
@@ -31,16 +31,16 @@ public:
     virtual QString errorText(qint32 error) = 0;
 };
 
-// The driver of this machine: the installed library, loaded by its name when it is first asked for and again
-// until it is there; null while it is not installed or lacks one of its operations. Cost of a miss: one
-// search of the system's library folders.
+// The driver of this machine: the installed library, loaded by its name on first use, with a new attempt at
+// each call until it is found; null while it is not installed or lacks one of its operations. Cost of a miss:
+// one search of the system's library folders.
 AdvantechDriver* advantechDriver();
 
-// A library by its name or host path; null when it cannot be loaded or lacks an operation.
+// A library by its name or host path; null if it cannot be loaded or lacks an operation.
 std::unique_ptr<AdvantechDriver> LoadAdvantechDriver(const QString& library);
 
-// Tests put another driver in place (not owned), or none by a routine that gives null. Gives the source that
-// was in force.
+// Tests install another driver (not owned), or none by a routine that returns null. Returns the previous
+// source.
 using DriverSource = AdvantechDriver* (*)();
 DriverSource SetAdvantechDriver(DriverSource source);
 

@@ -11,7 +11,7 @@ namespace tolvex {
 
 namespace {
 
-constexpr int FileNotFoundError = 53; // the run-time's number for a library that is not there
+constexpr int FileNotFoundError = 53; // the run-time's number for a missing library
 
 constexpr char connecting[] =
     "There was a problem connecting to the Advantech Card, and the error message was:";

@@ -1,5 +1,5 @@
 // How many lines a card has. An Advantech card is asked through its driver, which can fail in several ways;
-// what it fails with is told to the user once for each thing that the user does.
+// each failure is shown to the user once per user action.
 #pragma once
 
 #include "hardware/HardwareCards.h"
@@ -13,11 +13,11 @@ namespace tolvex {
 class DriverReports {
 public:
     void hold() { held_ = true; }
-    // Shows what waits, and goes on showing at once.
+    // Shows what is held, and stops holding.
     void show();
     // Whether anything failed since the last clear().
     bool any() const { return !told_.isEmpty() || !waiting_.isEmpty(); }
-    // A new action begins: what was told before is told again when it happens again.
+    // Begins a new action: earlier failures are shown again if they happen again.
     void clear();
     void add(const QString& message);
 
@@ -31,12 +31,12 @@ struct LineCounts {
     qint16 total = 0; // 0 to 32767, all three
     qint16 inputs = 0;
     qint16 outputs = 0;
-    bool good = false;    // false: the lines cannot be shown; also for a type that nothing is known of
-    bool answered = true; // false: the driver failed at some step, also where the counts are good
+    bool good = false;    // false: the lines cannot be shown; also for an unknown type
+    bool answered = true; // false: the driver failed at some step, even if the counts are good
 };
 
-// The counts of a card type; an Advantech card is asked by its device number. Where its driver does not tell,
-// 32 lines, 16 inputs and 16 outputs stand in.
+// The counts of a card type; an Advantech card is asked by its device number. If its driver fails, the
+// defaults are 32 lines, 16 inputs and 16 outputs.
 LineCounts GetCardLineCounts(qint32 cardType, qint16 baseAddress, DriverReports& reports);
 
 } // namespace tolvex

@@ -19,7 +19,7 @@ QString sectionOf(int card) {
     return QStringLiteral("Hardware%1").arg(card);
 }
 
-// The nine keys of a line, in the order in which they are written.
+// The nine keys of a line, in the order of writing.
 struct LineKeys {
     QString type;
     QString activeLow;
@@ -66,7 +66,7 @@ public:
         for (int number = 1; number <= LinesPerCard; ++number) {
             HardwareLine& line = card.Lines[number];
             line = {};
-            // Counts that stand in say nothing of how many lines the board has: all of them are read.
+            // Default counts do not limit the board: all lines are read.
             if (number <= card.NumberLines || !card.Answered)
                 readLine(LineKeys(number), card, number, line);
         }

@@ -1,6 +1,6 @@
-// What a line can stand for: one row for each action code with its names, its parameters, the description
-// that a line gets by itself and the rule that fills its parameters when it is chosen. The grid, the shell
-// and the tests read these rows; reading them is enough to know what the file holds.
+// The actions of a line: one row per action code with its names, its parameters, the default description of a
+// line and the rule that fills its parameters when it is chosen. The grid, the shell and the tests use these
+// rows; they fully describe what the file holds.
 #pragma once
 
 #include "core/text/Choices.h"
@@ -12,17 +12,17 @@
 
 namespace tolvex {
 
-// Lines that something is offered on; they add up.
+// Lines on which something is offered; they can be combined.
 enum LineKinds : unsigned { OnNone = 0, OnInputs = 1, OnOutputs = 2, OnBoth = 3 };
 inline LineKinds KindOf(const HardwareLine& line) {
     return line.isOutput() ? OnOutputs : OnInputs;
 }
 
-// A value of a parameter that has a name.
+// A parameter value with a name.
 struct ParameterValue {
     qint32 value;
-    const char* listed;          // in the list; null: no list offers it
-    const char* shown = nullptr; // in the grid, where that differs
+    const char* listed;          // in the list; null: not in any list
+    const char* shown = nullptr; // in the grid, if different
     unsigned on = OnBoth;
 
     const char* inGrid() const { return shown ? shown : listed; }
@@ -32,36 +32,36 @@ struct Parameter {
     enum class Kind {
         None,
         Named,    // one of `values`
-        Numbered, // the list offers 1 to `last`; any number is shown
+        Numbered, // the list offers 1 to `last`; any number is displayed
         Typed,    // any number, in a text box
     };
     Kind kind = Kind::None;
-    const char* prefix = "";                  // stands before the number
+    const char* prefix = "";                  // precedes the number
     qint32 last = 0;                          // of Numbered
     std::span<const ParameterValue> values{}; // of Named, in the order of the list
-    const char* otherwise = "";               // shown for a value that none of them has
+    const char* otherwise = "";               // displayed for any other value
 };
 
-// What choosing an action does to the first parameter of each line of a block. A counter runs through the
-// block from 1; at a line where it is above `wrapAbove` it falls back to `wrapTo` first.
+// The effect of choosing an action on the first parameter of each line of a block. A counter counts the
+// block's lines from 1; when it exceeds `wrapAbove` it restarts at `wrapTo`.
 struct DefaultRule {
-    enum class Fill { Nothing, Counter, One }; // what a parameter that is 0 becomes
+    enum class Fill { Nothing, Counter, One }; // the new value of a parameter that is 0
     bool clear = false;                        // all four parameters to 0
-    int wrapAbove = 0;                         // 0: it never falls back
+    int wrapAbove = 0;                         // 0: it never restarts
     int wrapTo = 1;
     Fill fill = Fill::Nothing;
-    qint32 highest = 0; // a parameter above it becomes 1 first; 0: none does
+    qint32 highest = 0; // a parameter above it first becomes 1; 0: no limit
 };
 
 struct ActionRow {
     qint32 code;
     const char* name;       // in the grid
-    const char* outputName; // in the grid on an output, where that differs
-    const char* listName;   // in the list, where that differs from the grid
+    const char* outputName; // in the grid on an output, if different
+    const char* listName;   // in the list, if different from the grid
     Parameter first;
     Parameter second;
-    // The description a line without one gets: %1 and %2 are the first two parameters, %4 to %6 the texts of
-    // those columns of the grid.
+    // The default description of a line: %1 and %2 are the first two parameters, %4 to %6 the texts of those
+    // columns of the grid.
     const char* description;
     DefaultRule rule;
 
@@ -72,17 +72,17 @@ struct ActionRow {
 };
 
 std::span<const ActionRow> LineActions();
-// Null for a code that is not known.
+// Null for an unknown code.
 const ActionRow* FindLineAction(qint32 code);
 
-// The codes that the list of an input or an output offers, in its order. The first is "Not in use".
+// The codes in the list of an input or an output, in order. The first is "Not in use".
 std::span<const qint32> OfferedActions(LineKinds kind);
 
 Choices ActionChoices(LineKinds kind);
-// What the list of a parameter offers on a line of that kind; empty for None and Typed.
+// What the list of a parameter offers on such a line; empty for None and Typed.
 Choices ParameterChoices(const Parameter& parameter, LineKinds kind);
 
-// How the grid shows a value of a parameter.
+// The text in the grid for a value of a parameter.
 QString ParameterText(const Parameter& parameter, qint32 value, LineKinds kind);
 
 } // namespace tolvex

@@ -12,7 +12,7 @@ constexpr LineColumnRow columns[] = {
 };
 static_assert(std::size(columns) == LineColumnCount);
 
-// What stands for a code that is not known.
+// The text for an unknown code.
 const ActionRow& shownAs(const ActionRow* row) {
     return row ? *row : LineActions().front();
 }

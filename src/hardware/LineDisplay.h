@@ -1,4 +1,4 @@
-// How a line is shown: its columns in words, and from words back to the codes.
+// Converts a line to words, column by column, and words back to codes.
 #pragma once
 
 #include "hardware/LineActions.h"
@@ -29,7 +29,7 @@ std::span<const LineColumnRow> LineColumns();
 // The texts of a line's columns from its type on; Info 3 and Info 4 are always empty.
 struct LineTexts {
     QString type;        // "Input" or "Output"
-    QString logic;       // "Y" on a line with flipped logic
+    QString logic;       // "Y" on a line with inverted logic
     QString description; // trimmed
     QString action;
     QString info1;
@@ -37,16 +37,16 @@ struct LineTexts {
 };
 LineTexts TextsOf(const HardwareLine& line);
 
-// The description that a line gets when it has none: empty for "Not in use" and unknown actions.
+// The default description of a line: empty for "Not in use" and unknown actions.
 QString DefaultDescription(const HardwareLine& line);
 
-// Shows one line: gives it its default description, in the table, when it has none.
+// The texts of one line. A line without a description gets its default one, in the table.
 LineTexts GetGridinfo(HardwareLine& line);
 
-// Codes by their words, without regard to case: an action offered on such a line or known from the file, and
-// a value that a parameter's list offers, shows, or that is a number in it. Nothing, with the words that fit
-// in *expected, when there is no such one. A value that no list offers is taken as a number only where
-// `anyNumber` is set.
+// Codes by their words, without regard to case: an action offered on such a line or
+// known from the file, and a value that a parameter's list offers, shows, or that
+// is a number in it. Nothing, with the valid words in *expected, if there is none.
+// A value outside the list is accepted as a number only if `anyNumber` is set.
 std::optional<qint32> ActionByName(const QString& name, LineKinds kind, QString* expected);
 std::optional<qint32> ParameterByText(const Parameter& parameter, const QString& text, LineKinds kind,
                                       bool anyNumber, QString* expected);

@@ -47,7 +47,7 @@ CellEditor parameterEditor(const HardwareLine& line, int number) {
     case Parameter::Kind::None:
         if (row)
             break;
-        // An action that is not known has parameters too: its list has no entries.
+        // An unknown action has parameters too: its list has no entries.
         [[fallthrough]];
     default:
         editor.kind = CellEditor::Kind::List;

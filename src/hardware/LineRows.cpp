@@ -28,7 +28,7 @@ constexpr const char* headings[] = {"Line", "Type",   "L",      "Description", "
                                     "Code", "Data 1", "Data 2", "Data 3",      "Data 4", "Color"};
 static_assert(std::size(headings) == CellCount);
 
-// One line: a description is a value of an ini file.
+// One line of text: a description is a value of an ini file.
 QString withoutControls(QString text) {
     for (QChar& c : text)
         if (c < u' ')
@@ -36,7 +36,7 @@ QString withoutControls(QString text) {
     return text.trimmed();
 }
 
-// A cell that could be taken for something else is quoted, as spreadsheets do.
+// Quotes a cell that could be misread, as spreadsheets do.
 QString toCell(const QString& shown) {
     QString text = withoutControls(shown);
     if (text.startsWith(u'"'))
@@ -51,7 +51,7 @@ QString fromCell(const QString& cell) {
     return text.mid(1, text.size() - 2).replace(QLatin1String("\"\""), QLatin1String("\""));
 }
 
-// Where each cell stands in the rows of a text.
+// The position of each cell in the rows of a text.
 using Places = std::array<int, CellCount>;
 
 std::optional<Places> placesOf(const QStringList& heading) {
@@ -78,7 +78,7 @@ public:
         return place < 0 || place >= cells_.size() ? QString() : fromCell(cells_[place]);
     }
 
-    // An empty text, or why not.
+    // An empty text, or the reason against it.
     QString read(HardwareLine& line) const {
         const QString type = cell(Type);
         if (type.compare(QLatin1String("Output"), Qt::CaseInsensitive) == 0)

@@ -25,7 +25,7 @@ public:
         std::vector<CatalogObject> objects;
         context_.faults.setTable(u"MSysObjects");
         const bool readable = context_.faults.guard(Catalog::ObjectsPage, [&] {
-            // What is damaged in the catalogue's own rows is reported with its table.
+            // Damage in the catalogue's own rows is reported with its table.
             objects =
                 ReadObjects(Table(context_.pager, Catalog::ObjectsPage), [](PageNumber, const Error&) {});
         });

@@ -10,7 +10,7 @@ namespace jet {
 
 namespace {
 
-// Takes away what was begun unless it is completed.
+// Removes what was begun unless it is completed.
 class Target {
 public:
     Target(Storage& storage, const std::string& path)
@@ -24,7 +24,7 @@ public:
         try {
             storage_.remove(path_);
         } catch (const Error&) {
-            // What made the compaction fail is the error to be told.
+            // The error that made the compaction fail is the one to report.
         }
     }
     Target(const Target&) = delete;

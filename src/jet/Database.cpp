@@ -13,7 +13,7 @@ namespace jet {
 
 namespace {
 
-// A file of the older format, whole.
+// A file of the older format, as a whole.
 struct Older {
     std::unique_ptr<StorageFile> file;
     std::unique_ptr<Sharing> sharing; // of exclusive use; others read it as it is, and never write
@@ -32,7 +32,7 @@ std::unique_ptr<StorageFile> openOlder(Storage& storage, const std::string& path
     return storage.open(path, Storage::Open::ReadOnly);
 }
 
-// Nothing when it is none.
+// Nothing if it is not one.
 std::optional<Older> readOlder(Storage& storage, const std::string& path, const OpenOptions& options) {
     bool writable = options.exclusive;
     Older older{openOlder(storage, path, writable), nullptr, Bytes(Jet3File::PageSize3)};
@@ -60,7 +60,7 @@ std::optional<Older> readOlder(Storage& storage, const std::string& path, const 
 
 struct Database::Parts {
     std::string path;
-    std::unique_ptr<FilePager> file;    // either this
+    std::unique_ptr<FilePager> file;    // either this,
     std::unique_ptr<MemoryPager> older; // or a copy of a file of the older format, with the rest
     Older olderFile;
     PageZero olderHeader;
@@ -197,7 +197,7 @@ Transaction::~Transaction() {
         if (!done_ && database_.transactionDepth() > 0)
             database_.rollback();
     } catch (...) {
-        done_ = true; // the database was closed meanwhile, and its transaction with it
+        done_ = true; // the database was closed meanwhile, with its transaction
     }
 }
 

@@ -1,4 +1,4 @@
-// One open database: the face of the engine. Tables and their rows are reached through catalog().
+// One open database: the interface of the engine. Tables and their rows are reached through catalog().
 #pragma once
 
 #include "jet/jet3/Jet3Import.h"
@@ -9,11 +9,11 @@ namespace jet {
 
 class Database {
 public:
-    // Opens a file (Jet 4, or Jet 3 for reading, which is read into memory as a whole). Throws FileNotFound,
+    // Opens a file (Jet 4, or read-only Jet 3, which is read into memory as a whole). Throws FileNotFound,
     // Unrecognised, InvalidPassword, FileLocked, CannotOpenFile.
     static Database open(const std::string& path, const OpenOptions& options = {});
     static Database open(Storage& storage, const std::string& path, const OpenOptions& options = {});
-    // Makes a new, empty database (General order, code page 1252) and opens it. The file appears whole and
+    // Makes a new, empty database (General order, code page 1252) and opens it. The file appears complete and
     // flushed or not at all. Throws DatabaseExists.
     static Database create(const std::string& path, const OpenOptions& options = {});
     static Database create(Storage& storage, const std::string& path, const OpenOptions& options = {});
@@ -26,16 +26,16 @@ public:
     Pager& pager();
     const PageZero& header() const;
     const std::string& path() const;
-    // Empty: may be changed. Otherwise why not.
+    // Empty: may be changed. Otherwise the reason why not.
     const std::string& readOnlyReason() const;
-    // Opened exclusively, a file that may be written is held alone: nobody else can open it.
+    // Whether the file was opened exclusively and for writing: nobody else can open it.
     bool isHeldAlone() const;
-    // What was found in a Jet 3 file; null for any other.
+    // The findings about a Jet 3 file; null for any other.
     const Jet3Contents* olderContents() const;
 
-    // Transactions nest: an inner rollback undoes the inner changes only. Outside of one each call that
-    // changes something is a transaction of its own. Others wait while one runs, so keep it short. Throws
-    // CannotUpdateReadOnly, RecordLocked (another program's transaction lasts too long).
+    // Transactions nest: an inner rollback undoes only the inner changes. Outside a transaction each call
+    // that changes something is one of its own. Other programs wait while one runs, so keep it short. Throws
+    // CannotUpdateReadOnly, RecordLocked (another program's transaction takes too long).
     void beginTransaction();
     void commit();
     void rollback();
@@ -43,11 +43,11 @@ public:
 
     // Returns when everything committed so far survives a power cut.
     void flush();
-    // Of a file that is held alone: brings everything into it and removes the write-ahead log.
+    // For an exclusively opened file: brings everything into it and removes the write-ahead log.
     void emptyLog();
-    // Takes notice of what other programs have written since the last operation.
+    // Reads what other programs have written since the last operation.
     void refresh();
-    // Brings everything into the file and closes it; throws when that fails, with nothing lost.
+    // Brings everything into the file and closes it; if that fails it throws, and nothing is lost.
     void close();
 
 private:

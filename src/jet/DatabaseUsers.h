@@ -1,4 +1,4 @@
-// Who has a database open, without opening it: for those who want to say whom they wait for.
+// Who has a database open, without opening it: for telling a user whom they are waiting for.
 #pragma once
 
 #include "jet/Storage.h"
@@ -9,13 +9,13 @@ namespace jet {
 
 struct DatabaseUsers {
     bool any = false;
-    // Computers by the lock file, of this engine and of others; none are known of a user who holds the
-    // database alone, or in a folder that takes no lock file.
+    // Computers in the lock file, of this engine and of others; empty if a user holds the database
+    // exclusively, or if its folder accepts no lock file.
     std::vector<std::string> computers;
 };
 
-// Counts whatever the caller itself has open, too. Takes no lock. Throws FileNotFound, CannotOpenFile. Cost:
-// opens the two files and asks for some locks.
+// Also counts what the caller itself has open. Takes no lock. Throws FileNotFound, CannotOpenFile. Cost:
+// opens the two files and queries some locks.
 DatabaseUsers FindDatabaseUsers(Storage& storage, const std::string& path);
 
 } // namespace jet

@@ -1,4 +1,4 @@
-// What a database is made of: making a new one, and its tables, fields and indexes.
+// The design of a database: makes a new one, and its tables, fields and indexes.
 #pragma once
 
 #include "jet/table/CreateDatabase.h" // IWYU pragma: export

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int MostDrafts = 1000; // of one database at the same time
 
-// Another stem than the database's, so that its lock file is another one, and no ".MDB" that searches find.
+// A stem unlike the database's, so that its lock file differs, and not ".MDB", so that searches skip it.
 std::string nameBeside(const std::string& path, int number) {
     const auto slash = path.rfind('/');
     const auto dot = path.rfind('.');
@@ -23,11 +23,11 @@ std::string nameBeside(const std::string& path, int number) {
            (number == 1 ? std::string() : std::to_string(number)) + ".TMP";
 }
 
-// What a dead maker left: a file that was only begun, or a database. Files of others may have the name, too.
+// What a dead process left: a file that was only begun, or a database. Other files may have such a name, too.
 bool isLeftDraft(StorageFile& file) {
     std::array<char, 4> start{};
     const std::size_t length = file.read(0, start.data(), start.size());
-    // A power cut may leave zeros of what was being written.
+    // A power cut may leave zeros in place of what was being written.
     return length == 0 || (length == start.size() && start[0] == 0 && start[1] <= 1 && start[2] == 0);
 }
 
@@ -49,7 +49,7 @@ Draft::Draft(Storage& storage, const std::string& path)
     }
 }
 
-// False: a living process has it, it is no draft, or it may not be written.
+// False: a living process has it, it is not a draft, or it may not be written.
 bool Draft::take(const std::string& beside) {
     for (;;) {
         const bool isThere = storage_.exists(beside);
@@ -58,7 +58,7 @@ bool Draft::take(const std::string& beside) {
             file = storage_.open(beside, isThere ? Storage::Open::ReadWrite : Storage::Open::CreateNew);
         } catch (const Error& error) {
             if (error.code() == (isThere ? ErrorNumber::FileNotFound : ErrorNumber::DatabaseExists))
-                continue; // it went or came in between
+                continue; // removed or added in between
             if (isThere && error.code() == ErrorNumber::CannotOpenFile)
                 return false;
             throw;
@@ -89,12 +89,12 @@ Draft::~Draft() {
         storage_.remove(WriteAheadLog::PathFor(beside_));
         storage_.remove(beside_);
     } catch (const Error&) {
-        // The next who makes this database takes it over.
+        // The next attempt to make this database takes it over.
     }
 }
 
 void Draft::publish() {
-    storage_.remove(WriteAheadLog::PathFor(beside_)); // empty, if it could not be removed when it was closed
+    storage_.remove(WriteAheadLog::PathFor(beside_)); // empty, if it could not be removed on closing
     storage_.publish(beside_, path_);
     beside_.clear();
 }
@@ -105,7 +105,7 @@ void Draft::removeEmpty(Storage& storage, const std::string& path) {
         file = storage.open(path, Storage::Open::ReadWrite);
     } catch (const Error& error) {
         if (error.code() == ErrorNumber::FileNotFound)
-            return; // another has removed it
+            return; // another program has removed it
         throw;
     }
     if (!Sharing::lockDraft(*file, true))

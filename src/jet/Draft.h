@@ -1,6 +1,6 @@
-// A database file that is being made. It lies beside the place it is made for, under a name of its own, until
-// it is whole; then it gets its name, unless another has taken that meanwhile. So nobody ever meets a
-// half-made database, and of several who make one at the same time one succeeds and the others learn of it.
+// A database file under construction. It lies beside its future place, under a name of its own, until it is
+// complete; then it gets its name, unless another file has taken that meanwhile. So nobody ever sees a
+// partial database, and if several programs make one at the same time one succeeds and the others are told.
 //
 //     Draft draft(storage, path);
 //     {
@@ -10,8 +10,8 @@
 //     }
 //     draft.publish();
 //
-// The living know each other by a lock on their drafts; one that a dead process left is taken over by the
-// next.
+// A lock on each draft shows that its process lives; the
+// next program takes over the draft of a dead one.
 #pragma once
 
 #include "jet/base/Storage.h"
@@ -20,22 +20,22 @@ namespace jet {
 
 class Draft {
 public:
-    // Begins with an empty database. Throws DatabaseExists when `path` is there, and what making a file
-    // throws. The storage outlives the draft.
+    // Begins with an empty database. Throws DatabaseExists if `path` exists, and the errors of making a file.
+    // The storage outlives the draft.
     Draft(Storage& storage, const std::string& path);
-    // Takes away what was not published.
+    // Removes a draft that was not published.
     ~Draft();
     Draft(const Draft&) = delete;
     Draft& operator=(const Draft&) = delete;
 
-    // Where it lies. Whoever opens it there closes it before publish().
+    // Its path. Whoever opens it there must close it before publish().
     const std::string& path() const { return beside_; }
-    // Gives it its name; a power cut after that loses none of it. Throws DatabaseExists when another was
-    // quicker, whose file stays.
+    // Gives it its name, durably. Throws DatabaseExists if
+    // another program was faster; that file stays.
     void publish();
 
-    // Removes a file of no length from a place where a database is to be made; one that another has made
-    // there meanwhile stays.
+    // Removes a file of length 0 from a place where a database is to be made; a database that another program
+    // has made there meanwhile stays.
     static void removeEmpty(Storage& storage, const std::string& path);
 
 private:

@@ -1,4 +1,4 @@
-// Statements that change rows, and conditions that rows meet or do not.
+// Statements that change rows, and predicates on rows.
 #pragma once
 
 #include "jet/sql/Execute.h"   // IWYU pragma: export

@@ -13,7 +13,7 @@ namespace jet {
 
 namespace {
 
-// A row of a snapshot as a predicate sees it.
+// A row of a snapshot, as a predicate sees it.
 class StoredRow final : public RowValues {
 public:
     StoredRow(const Table& table, const std::vector<int>& fields)
@@ -117,7 +117,7 @@ void Recordset::fillSnapshot(const Filter& filter) {
     setOrder(std::make_unique<ListCursor>(nullptr, std::move(rows)));
 }
 
-// Takes an order and goes to its first row.
+// Takes a cursor and goes to its first row.
 void Recordset::setOrder(std::unique_ptr<RowCursor> order) {
     leave();
     order_ = std::move(order);
@@ -169,7 +169,7 @@ void Recordset::setIndex(std::u16string_view name) {
     indexName_ = name;
 }
 
-// What a move gives up.
+// The state that a move discards.
 void Recordset::leave() {
     loaded_ = false;
     editing_ = Editing::No;
@@ -184,7 +184,7 @@ void Recordset::seek(SeekComparison comparison, std::span<const Value> values) {
     try {
         indexOrder_->encode(values, key_);
     } catch (const Error&) {
-        // No row of the index has a text that cannot be ordered.
+        // In the index, no row has a text that cannot be ordered.
         const bool text = std::any_of(values.begin(), values.end(), [](const Value& value) {
             const auto* held = std::get_if<std::u16string>(&value);
             return held != nullptr && FindUnorderable(*held);
@@ -239,7 +239,7 @@ void Recordset::movePrevious() {
     move(&RowCursor::previous, Place::Before, Place::Behind, &RowCursor::last);
 }
 
-// One step towards `end`; from the other end it leads to the first row on the way.
+// One step towards `end`; from beyond the other end it leads to the first row on the way.
 void Recordset::move(Step step, Place end, Place otherEnd, Step enter) {
     leave();
     if (place_ == Place::Empty || place_ == Place::Nowhere || place_ == end)
@@ -249,12 +249,12 @@ void Recordset::move(Step step, Place end, Place otherEnd, Step enter) {
         place_ = Place::On;
     else
         place_ = order_->first() ? end : Place::Empty;
-    // In a shared file every operation looks for others' changes; whoever walks mostly wants the row, too.
+    // In a shared file every operation checks for others' changes; a walk usually also reads the row.
     if (place_ == Place::On && kind_ != Kind::Snapshot) {
         try {
             loadRow();
         } catch (const Error&) {
-            // Told when a value is asked for: one can walk on after a damaged row.
+            // Thrown when a value is requested: a walk can continue past a damaged row.
         }
     }
 }
@@ -330,7 +330,7 @@ void Recordset::setBookmark(RowPointer at) {
 
 // ---- Reading
 
-// Copies the current row, which is read from the copy until the recordset moves.
+// Copies the current row; it is read from the copy until the recordset moves.
 void Recordset::loadRow() {
     if (loaded_)
         return;
@@ -358,8 +358,8 @@ Value Recordset::value(int field) {
     return storedValue(column);
 }
 
-// A column of the loaded row. What lies outside of the row may have been freed by others since it was loaded,
-// so that a long value is taken from the row as it is now.
+// A column of the loaded row. Others may have freed its long values since it was loaded, so a long value is
+// read from the current state of the row.
 Value Recordset::storedValue(std::size_t column) {
     Value value;
     if (!table_->definition().columns[column].isLong()) {
@@ -434,7 +434,7 @@ void Recordset::saveNew() {
     try {
         lastModified_ = table_->insert(values_);
     } catch (const Error&) {
-        // What the table has filled in, an autonumber, is given anew at the next try.
+        // An autonumber that the table filled in is assigned again at the next try.
         for (std::size_t i = 0; i < values_.size(); ++i)
             if (!set_[i])
                 values_[i] = Value{};
@@ -459,8 +459,8 @@ void Recordset::saveChanged() {
     order_->moveTo(at);
 }
 
-// Throws if the row is not what edit() met. A long value may have been replaced in its old place, so that it
-// is compared by itself.
+// Throws if the row differs from what edit() read. A long value may have been replaced in place, so it is
+// compared separately.
 void Recordset::checkUnchanged(RowPointer at) {
     RowView row;
     if (!table_->fetch(at, row))

@@ -1,4 +1,4 @@
-// Reading what can be read of a damaged database.
+// Reads what is readable in a damaged database.
 #pragma once
 
 #include "jet/table/Salvage.h" // IWYU pragma: export

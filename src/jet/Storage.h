@@ -1,4 +1,4 @@
-// Where database files lie: the machine's disks, or what a program puts in their place.
+// Where database files lie: the machine's disks, or a program's replacement.
 #pragma once
 
 #include "jet/base/Storage.h" // IWYU pragma: export

@@ -1,4 +1,4 @@
-// Rows out of a database as text and back in.
+// Exports rows of a database as text and imports them.
 #pragma once
 
 #include "jet/transfer/Transfer.h" // IWYU pragma: export

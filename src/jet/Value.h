@@ -1,4 +1,4 @@
-// The values that fields hold, and how they become one another.
+// The values of fields, and conversions between them.
 #pragma once
 
 #include "jet/base/Convert.h" // IWYU pragma: export

@@ -13,7 +13,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// Between two looks at the events a wait rests this long: short enough for a click to feel immediate.
+// A wait checks for events this often: short enough for a click to feel immediate.
 constexpr double restSeconds = 0.01;
 
 class MachineClock : public Clock {
@@ -26,7 +26,7 @@ public:
         prompts().processEvents();
         for (;;) {
             const double left = seconds - Seconds(std::chrono::steady_clock::now() - begin).count();
-            if (!(left > 0)) // NaN, too
+            if (!(left > 0)) // also NaN
                 return;
             std::this_thread::sleep_for(Seconds(std::min(left, restSeconds)));
             prompts().processEvents();

@@ -11,7 +11,7 @@ constexpr char16_t high[32] = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-// The byte of a unit, or -1.
+// The byte for a UTF-16 unit, or -1.
 int byteOf(char16_t unit) {
     if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
         return unit;
@@ -49,7 +49,7 @@ QByteArray ToCodePage(const QString& text) {
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
         bytes += toByte(c.unicode());
-        // A character outside the first plane is two units but one '?'.
+        // A character outside the first plane has two units but becomes one '?'.
         if (c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
             ++i;
     }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int longestName = 128;
 
-// What a program of the suite is shown by the last version of the system that it was made for.
+// The version that a program of the suite sees on the newest system it was made for.
 SystemVersion version{10, 0, 19045, 2, {}};
 quint64 memory = 0; // 0: the machine's
 

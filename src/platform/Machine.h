@@ -5,8 +5,8 @@
 
 namespace tolvex::platform {
 
-// The operating system version record. Off Windows it tells the version that the suite's programs are shown
-// there: platform 2 (the professional line), 10.0.
+// The operating system version record. Off Windows it is the version that the suite's programs see there:
+// platform 2 (the professional line), 10.0.
 struct SystemVersion {
     quint32 major = 0;
     quint32 minor = 0;
@@ -15,14 +15,14 @@ struct SystemVersion {
     QString service;
 };
 SystemVersion OperatingSystem();
-// Tests put another version in place; nothing else may.
+// For tests only: replaces the version.
 void SetOperatingSystem(const SystemVersion& version);
 
-// At most 128 characters; the part of the host name before its first point, upper-cased as the platform shows
-// it.
+// The part of the host name before its first point, in upper case as the platform shows it, at most 128
+// characters.
 QString ComputerName();
 
-// Bytes of physical memory; tests may put another figure in place, 0 brings the machine's back.
+// Bytes of physical memory. Tests may set another figure; 0 restores the machine's.
 quint64 PhysicalMemory();
 void SetPhysicalMemory(quint64 bytes);
 

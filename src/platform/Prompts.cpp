@@ -13,7 +13,7 @@ Answer firstButton(Buttons buttons) {
     return buttons == Buttons::Ok || buttons == Buttons::OkCancel ? Answer::Ok : Answer::Yes;
 }
 
-// Nobody is there to answer: every question gets its default, every chooser is cancelled.
+// For unattended runs: every question gets its default and every chooser is cancelled.
 class SilentPrompts : public Prompts {
 public:
     Answer ask(const Message& message) override {

@@ -1,6 +1,6 @@
-// Everything that the program asks or tells its user goes through this one interface: the window program
-// installs Qt dialogs, the command line a terminal, tests a script that answers and records. Logic below the
-// windows also reports its progress and opens the few forms it depends on here.
+// The one interface through which the program asks and informs its user: the window program installs Qt
+// dialogs, the command line a terminal, tests a script that answers and records. Logic below the windows also
+// reports its progress and opens the few forms it needs here.
 #pragma once
 
 #include <QDateTime>
@@ -23,7 +23,7 @@ struct Message {
     QString text;
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
-    // What Enter answers, and what an unattended run takes. Unset: the first button.
+    // What Enter answers, and what an unattended run answers. Unset: the first button.
     std::optional<Answer> defaultAnswer = std::nullopt;
     QString title = {};   // empty: the application's title
     QString toolTip = {}; // of the box, where there is a mouse
@@ -46,11 +46,11 @@ struct WaveFormat {
     qint32 rate = 44100; // hertz
 };
 
-// Progress of a long job, shown from begin to its destruction.
+// Progress of a long job, shown until it is destroyed.
 class Progress {
 public:
     virtual ~Progress() = default;
-    // `done` of `total` steps (bytes, files, ...); total 0: not known yet. False when the user pressed Stop.
+    // `done` of `total` steps (bytes, files, ...); total 0: not known yet. False after the user pressed Stop.
     virtual bool step(qint64 done, qint64 total, const QString& what = {}) = 0;
 };
 
@@ -58,7 +58,7 @@ class Prompts {
 public:
     virtual ~Prompts() = default;
 
-    // Shows a message and gives the answer; closing the box by Escape is Cancel, or No where there is no
+    // Shows a message and returns the answer. Closing the box by Escape answers Cancel, or No if there is no
     // Cancel.
     virtual Answer ask(const Message& message) = 0;
     // Nothing on Cancel. Paths are Windows paths.
@@ -68,36 +68,36 @@ public:
                                            const QString& initial) = 0;
     // Colours are blue-green-red integers.
     virtual std::optional<qint32> pickColour(qint32 initial) = 0;
-    // The choosers of audio formats and printers are windows: without any, they are cancelled.
+    // The choosers of audio formats and printers are windows; without windows they are cancelled.
     virtual std::optional<WaveFormat> pickWaveFormat(const WaveFormat& /*initial*/) { return std::nullopt; }
-    // Lets the user choose printer, copies and range; false on Cancel. Where there are no windows nobody
-    // prints.
+    // Lets the user choose printer, copies and range. False on Cancel, and in programs without windows, which
+    // never print.
     virtual bool pickPrinter(QPrinter& /*printer*/, bool /*withSelection*/) { return false; }
     virtual std::unique_ptr<Progress> beginProgress(const QString& title, bool canStop) = 0;
 
     virtual Pointer pointer() const = 0;
     virtual void setPointer(Pointer pointer) = 0;
 
-    // The splash form: its status line (shows the form when it is hidden), and taking it away.
+    // The splash form: sets its status line (showing the form if hidden), and removes it.
     virtual void splash(const QString& status) = 0;
     virtual void hideSplash() = 0;
-    // The update notice; returns when the user closed it.
+    // The update notice; returns after the user closed it.
     virtual void showUpdateNotice(const QString& file, const QString& caption) = 0;
-    // The configuration set chooser: the chosen local ini file, empty on Cancel.
+    // The configuration set chooser: returns the chosen local ini file, empty on Cancel.
     virtual QString chooseConfigurationSet(const QString& registryKey, const QString& defaultIni) = 0;
-    // Opens an address or document with the program the system has for it.
+    // Opens an address or document with the system's program for it.
     virtual void openAddress(const QString& address) = 0;
 
     // Lets pending events run; every wait calls it in its loop.
     virtual void processEvents() = 0;
 };
 
-// The prompts in force. Until somebody installs others they are silent ones: every question gets its default.
+// The installed prompts. Until others are installed they are silent: every question gets its default.
 Prompts& prompts();
-// Installs other prompts (not owned); null brings the silent ones back. Gives the ones that were in force.
+// Installs other prompts (not owned); null restores the silent ones. Returns those that were installed.
 Prompts* setPrompts(Prompts* prompts);
 
-// Keeps the pointer as it found it, whatever happens between.
+// Restores the mouse pointer when it goes out of scope.
 class PointerKeeper {
 public:
     explicit PointerKeeper(Pointer pointer)

@@ -1,15 +1,15 @@
-// Time that only runs forward, for what is remembered for a while: how long pages, listings and the like are
-// taken for true without asking the disk again.
+// Time that only runs forward, for what is cached for a while: how long pages, listings and the like are used
+// without asking the disk again.
 #pragma once
 
 #include <chrono>
 
 namespace tolvex::platform {
 
-// To some four milliseconds. No system call.
+// Accurate to about four milliseconds. No system call.
 std::chrono::milliseconds SteadyTime();
 
-// Puts that time forward; tests only, in place of waiting.
+// Moves that time forward; for tests, in place of waiting.
 void SkipAhead(std::chrono::milliseconds time);
 
 } // namespace tolvex::platform

@@ -1,4 +1,4 @@
-// The few bare questions that the files beside this one ask the operating system.
+// The few questions that the files beside this one ask the operating system.
 #pragma once
 
 #include <QString>
@@ -8,18 +8,18 @@
 
 namespace tolvex::platform {
 
-// The host's name in full; empty when the system has none.
+// The full host name; empty if the system has none.
 QString SystemName();
 
-// Bytes of physical memory; 0 when the system does not say.
+// Bytes of physical memory; 0 if the system does not say.
 quint64 SystemMemory();
 
-// Time since some moment, which only runs forward: to some four milliseconds, without a system call.
+// Time since an arbitrary moment; only runs forward. Accurate to about four milliseconds, no system call.
 std::chrono::milliseconds SystemUptime();
 
-// Sets the clock to a time since 1970. No error, or why the system refuses.
+// Sets the clock to a time since 1970. No error, or the reason why the system refuses.
 std::error_code SetSystemClock(std::chrono::milliseconds time);
-// Whether a program keeps the clock in step with other computers.
+// Whether a program keeps the clock synchronised with other computers.
 bool SystemClockKeptInStep();
 
 // Whether standard input, or standard error, is a terminal.

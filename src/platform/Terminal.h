@@ -7,12 +7,12 @@
 
 namespace tolvex::platform {
 
-// Whether somebody sits at standard input who can be asked.
+// Whether a user at standard input can be asked.
 bool HasTerminal();
-// Whether standard error is shown on a terminal, where a line may be written over.
+// Whether standard error is a terminal, where a line can be overwritten.
 bool ErrorsAreShown();
 
-// Writes a prompt to standard error and reads one line; nothing at the end of input.
+// Writes a prompt to standard error and reads one line. Nothing at the end of input.
 std::optional<QString> AskTerminal(const QString& prompt);
 
 } // namespace tolvex::platform

@@ -17,7 +17,7 @@ const QString service = QStringLiteral("org.freedesktop.timedate1");
 const QString path = QStringLiteral("/org/freedesktop/timedate1");
 const QString connectionName = QStringLiteral("tolvex-time");
 
-// A user who is asked for a password takes his time.
+// A user who is asked for a password needs time.
 constexpr int askingMilliseconds = 120'000;
 constexpr int plainMilliseconds = 10'000;
 
@@ -59,7 +59,7 @@ ClockRefusal refusalOf(const QDBusError& error) {
 void SetSystemTime(const QDateTime& time, bool mayAsk, const Clock::SetDone& done) {
     if (!time.isValid() || time.toMSecsSinceEpoch() < 0)
         return done({NoRightToSetClock, QStringLiteral("There is no such time")});
-    // A connection of its own: one that is kept would be of no use after the bus was started anew.
+    // A connection of its own: a shared one would be dead after the bus is restarted.
     const QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName);
     if (!bus.isConnected()) {
         QDBusConnection::disconnectFromBus(connectionName);

@@ -14,7 +14,7 @@ namespace tolvex {
 
 namespace {
 
-// Number of the last part that carts are in.
+// Number of the last part that holds carts.
 int lastPart(const Settings& settings) {
     return std::clamp(PartOfCart(settings.NoCarts), 0, CartPartCount);
 }

@@ -1,4 +1,4 @@
-// What a configuration still lacks.
+// Finds what a configuration still lacks.
 #pragma once
 
 #include <QList>
@@ -9,18 +9,18 @@ namespace tolvex {
 
 struct Workstation;
 
-// The lines that say what is missing, each on a line of its own behind an empty one; empty when all is well.
-// Tests the folders of the audiowall that were not checked yet and notes their state.
+// What is missing, each item on a line of its own after an empty one; empty if nothing is missing. Tests the
+// audiowall folders that were not checked yet and notes their state.
 QString CheckConfiguration(Workstation& station);
 
 struct LocationStatus {
     int part = 0;
     QString path;
     QString state; // "available", "missing", "not set", "not needed"
-    QString list;  // of an available one that is needed: CartListFacts::state; otherwise empty
+    QString list;  // for an available one that is needed: CartListFacts::state; otherwise empty
 };
 
-// The configuration in a few facts, as the settings hold them.
+// The configuration in a few facts, from the settings.
 struct ConfigurationStatus {
     QString localIni;
     QString configName;
@@ -30,7 +30,7 @@ struct ConfigurationStatus {
     qint32 cartPlayers = 0;
     QStringList missing; // the lines of CheckConfiguration
     QList<LocationStatus> locations;
-    QStringList listFaults; // of torn and short cart lists, a sentence each
+    QStringList listFaults; // about torn and short cart lists, a sentence each
 };
 ConfigurationStatus LookAtConfiguration(Workstation& station);
 

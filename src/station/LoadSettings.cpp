@@ -21,7 +21,7 @@ void showUpdateNotice(Settings& values) {
     QDateTime changed = platform::FileModified(file);
     if (!changed.isValid() || values.AutoConfigInProgress || values.LastOneWas < 0)
         return;
-    // The ini file holds whole seconds; a fraction would show the notice again at each start.
+    // The ini file holds whole seconds; with a fraction the notice would appear at each start.
     changed.setTime(QTime(changed.time().hour(), changed.time().minute(), changed.time().second()));
     if (SerialDate(changed) <= values.LastOneWas)
         return;
@@ -36,7 +36,7 @@ void numberCartListChannels(Settings& values) {
         values.CartPartTable[part].FileNumber = part + below;
 }
 
-// The local settings, with those of the audio as `loadAudio` takes them.
+// The local settings, with the audio settings as `loadAudio` loads them.
 bool loadLocal(Workstation& station,
                void (*loadAudio)(CartStore& carts, const QString& iniPath, const QString& registryRoot)) {
     if (!InitialiseProgram(station))

@@ -8,7 +8,7 @@
 namespace tolvex {
 
 LinkMeshServerSetup ServerSetupOf(Workstation& station) {
-    DriverReports reports; // nobody asked about the cards: a driver that fails is told by their own form
+    DriverReports reports; // not shown: the hardware form reports driver failures
     ReadHardwareSettings(station.cards, station.settings.LocalIniFile, reports);
     LinkMeshServerSetup setup;
     setup.dataLocation = station.settings.DataLocation;

@@ -1,5 +1,5 @@
-// What start-up has to know of the screens. The window program fills it before InitialiseProgram; without a
-// screen it tells one of ordinary size.
+// What start-up needs to know about the screens. The window program fills it before InitialiseProgram; the
+// defaults describe an ordinary screen.
 #pragma once
 
 #include <QList>
@@ -7,12 +7,12 @@
 namespace tolvex {
 
 struct ScreenFacts {
-    // Pixels, but for the first two.
+    // In pixels, except the first two.
     double TwipsPerPixelX = 15; // 1440 twips an inch, 96 pixels an inch
     double TwipsPerPixelY = 15;
     int PrimaryWidth = 1024;
     int PrimaryHeight = 768;
-    int WorkAreaBottom = 768; // lower edge of what the task bar leaves of the primary screen
+    int WorkAreaBottom = 768; // lower edge of the primary screen's work area, without the task bar
     int DesktopWidth = 1024;  // all screens together
     QList<int> MonitorWidths = {1024};
 };

@@ -29,8 +29,8 @@ bool Session::begin(bool firstInstance) {
     if (!CheckDataEngine(true) || !firstInstance)
         return false;
     platform::prompts().splash(QStringLiteral("Starting Tolvex Configuration"));
-    // From here on the end saves what was loaded; after a cancelled choice of the set there is nothing to
-    // save.
+    // From here on the end of the session saves what was loaded; after a cancelled choice of the set there is
+    // nothing to save.
     begun_ = true;
     if (!InitialiseProgram(station_))
         return false;
@@ -71,7 +71,7 @@ void Session::end() {
 }
 
 bool Session::read() {
-    // It comes first: what is said of an interrupted import is about the local ini file that it chooses.
+    // This comes first: the report on an interrupted import concerns the local ini file chosen here.
     if (!InitialiseProgram(station_))
         return false;
     mendInterruptedImport();
@@ -94,7 +94,7 @@ void Session::openUsersDatabase() {
         OpenUsersDatabase(station_.users, UsersDatabaseFile(station_.settings));
 }
 
-// A command that only reads can only say that the files may not belong together.
+// A read-only command can only warn that the files may not belong together.
 void Session::mendInterruptedImport() {
     const QString localIni = station_.settings.LocalIniFile;
     if (!ImportWasInterrupted(localIni))

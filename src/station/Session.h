@@ -1,4 +1,4 @@
-// One run of a program over a workstation: what is opened, saved and closed, in this order for the window and
+// One run of a program on a workstation: opens, saves and closes everything, in this order for the window and
 // for the shell.
 #pragma once
 
@@ -15,25 +15,25 @@ public:
     Session& operator=(const Session&) = delete;
 
     // The window's start up to the local settings: the data engine, the choice of the local ini file, an
-    // import that was cut short, the settings. False when the program is to end: what there was to say has
-    // been said. `firstInstance` false: another copy is running, and this one ends without a word.
+    // interrupted import, the settings. False if the program must end; the user has been told why.
+    // `firstInstance` false: another copy is running, and this one ends silently.
     bool begin(bool firstInstance);
-    // The rest of it: the name of the configuration, the settings of the station, the shared lists, the users
-    // database. It stays open for the run: whatever writes history finds it so.
+    // The rest of the start: the name of the configuration, the settings of the station, the shared lists,
+    // the users database, which stays open for the run so that history can be written.
     void load();
-    // Once the file locations have changed: the files of the station from there.
+    // Call after the file locations changed: opens the station's files at the new location.
     void reload();
-    // Whether begin() came so far that end() saves.
+    // Whether begin() got far enough for end() to save.
     bool begun() const { return begun_; }
     // The window's end: saves the local settings, closes everything, and starts the program that the command
     // line names for it. Does nothing before begin().
     void end();
 
-    // The shell's start: the settings of the workstation and of its station, as the window has them. Makes
-    // and changes nothing, but for an import that was cut short: a command that changes something begins with
-    // files that belong together. False when no local ini file was chosen.
+    // The shell's start: the same settings of the workstation and its station as in the window. Makes and
+    // changes nothing, except after an interrupted import: a command that changes something must start with
+    // files that belong together. False if no local ini file was chosen.
     bool read();
-    // Closes what is open. The settings stay.
+    // Closes everything that is open. The settings stay.
     void close();
 
 private:

@@ -18,7 +18,7 @@ struct LogSource {
     const char* shortName;
     const char* name;
 };
-// By log item type; the types above have no name.
+// By log item type; higher types have no name.
 constexpr LogSource logSources[] = {
     {"Srce", "Source"},    {"Time", "Ab. Time"},   {"Cart", "Cart"},        {"Link", "R. Link"},
     {"Ad", "Ad. Break"},   {"Hdwr", "Hardware"},   {"RWF", "R.W. Frame"},   {"Song", "Rotaweave"},
@@ -52,7 +52,7 @@ void warnOfLowScreen(const ScreenFacts& screen) {
     WriteRegistryLong(LocalMachineHive, TolvexV2Key, name, 1, 0);
 }
 
-// Several screens are told apart on the versions that were tried with them, and on no later one.
+// Several screens are supported on the versions tested with them, and on no later one.
 bool knowsSeveralMonitors(const platform::SystemVersion& version) {
     return version.platform == 1 ? version.minor == 10 : version.platform == 2 && version.major == 5;
 }
@@ -67,7 +67,7 @@ void measureScreens(const ScreenFacts& screen, Settings& values) {
     if (values.MultiMonitorAllowed) {
         const QList<int>& monitors = screen.MonitorWidths;
         values.MonitorCount = static_cast<qint16>(monitors.size());
-        // A window that spans more than two screens helps nobody.
+        // A window that spans more than two screens is not useful.
         width = monitors.size() < 3 ? screen.DesktopWidth : monitors[0] + monitors[1];
     }
     values.ScreenWidthTwips = twips(width, screen.TwipsPerPixelX);

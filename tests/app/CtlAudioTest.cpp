@@ -79,7 +79,7 @@ TEST_F(CtlAudio, PlaysATestToneAndMeasuresALevel) {
 
 TEST_F(CtlAudio, PutsNumbersRightAfterDevicesHaveMoved) {
     EXPECT_EQ(hear("audio players 2 --manual desk phones").status, 0);
-    QFile::remove(home() + "/wavedevices.txt"); // the numbers are given anew
+    QFile::remove(home() + "/wavedevices.txt"); // the numbers are assigned again
     sound.declare({"phones", "new", "desk"}, {"line"});
     EXPECT_EQ(hear("--json status").json().object()["movedDevices"].toArray().toVariantList().value(0),
               "Player 1 was 'The desk', which is now number 2; number 0 is now 'The phones'");
@@ -90,7 +90,7 @@ TEST_F(CtlAudio, PutsNumbersRightAfterDevicesHaveMoved) {
 }
 
 TEST_F(CtlAudio, SetsTheAudiowall) {
-    EXPECT_EQ(run({"audiowall", "size", "500"}).status, 3); // there is no place for it
+    EXPECT_EQ(run({"audiowall", "size", "500"}).status, 3); // there is no location for it
     EXPECT_EQ(run({"audiowall", "jump", "5", "100", "News"}).status, 0);
     EXPECT_EQ(stored("AudioWall", "NumberCartJumpButtons"), "5");
     EXPECT_EQ(stored("AudioWall", "JumpDescription5"), "News");

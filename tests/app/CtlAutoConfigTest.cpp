@@ -20,7 +20,7 @@ protected:
         names.sort();
         return names;
     }
-    // What a station has on a machine where one local folder holds it all.
+    // The files of a station on a machine where one local folder holds everything.
     static QStringList everything() {
         QStringList names = {"TOLVEX/AUDIO/Audwall.ini",          "TOLVEX/AUDIO/GLIC.Lst",
                              "TOLVEX/SYSTEM/SCHEDULE/KOVA26.MDB", "TOLVEX/SYSTEM/Terminal.Lst",
@@ -97,14 +97,14 @@ TEST_F(CtlAutoConfig, CompletesWhatAKillInterrupted) {
     for (const char* seconds : {"0.004", "0.008", "0.012", "0.02", "0.04"})
         shell(QString("timeout -s KILL %1 $ctl autoconfig local </dev/null").arg(seconds));
     EXPECT_EQ(configure(), 0);
-    // What a kill left half written lies beside under a name of its own, if at all.
+    // A partial file left by a kill, if any, lies beside under a name of its own.
     for (const QString& file : everything())
         EXPECT_TRUE(QFile::exists(onC(file))) << file.toStdString();
     EXPECT_EQ(run({"status"}).status, 0);
 }
 
 TEST_F(CtlAutoConfig, TellsWhatAFullDiskLeftUndoneAndCompletesItLater) {
-    // No file grows beyond 100 KB: neither the cart lists nor the databases fit.
+    // No file can exceed 100 KB: neither the cart lists nor the databases fit.
     const Result full = shell("trap '' XFSZ; ulimit -f 100; $ctl --quiet autoconfig local </dev/null");
     EXPECT_EQ(full.status, 3);
     EXPECT_TRUE(full.err.contains("This could not be made:"));
@@ -129,7 +129,7 @@ TEST_F(CtlAutoConfig, ChangesNothingWithoutAPlaceOrWithoutConsent) {
     EXPECT_EQ(result.status, 3);
     EXPECT_TRUE(result.err.contains("C:\\TOLVEX\\AUDIO"));
     EXPECT_FALSE(QFile::exists(onC("WINDOWS/TOLVEX.INI")));
-    // Network drives that are not there.
+    // Network drives that do not exist.
     EXPECT_EQ(run({"--yes", "autoconfig", "network"}).status, 3);
     EXPECT_FALSE(QFile::exists(onC("WINDOWS/TOLVEX.INI")));
     for (const char* drive : {"m:", "u:"})

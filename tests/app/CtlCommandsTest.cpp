@@ -23,7 +23,7 @@ protected:
     QJsonObject shown(const QString& name) const {
         return run({"--json", "commands", "show", name}).json().object();
     }
-    // Runs the program with the test's own event loop going on, for a device or peer in the test.
+    // Runs the program while the test's own event loop runs, for a device or peer in the test.
     Result runBeside(const QStringList& words) const {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -82,7 +82,7 @@ TEST_F(CtlCommands, MakeChangeAndDeleteCommands) {
               (QJsonObject{{"name", "All"}, {"type", "tcp"}, {"leaveOpen", true}, {"useExisting", false}}));
     EXPECT_TRUE(run({"commands", "list"}).out.contains("External Command  Start    n/a            n/a"));
 
-    // What is not named stays; an empty text is asked about.
+    // Options that are left out change nothing; an empty text is questioned.
     EXPECT_EQ(run({"commands", "edit", "all", "--use-existing", "--close", "--name", "Everything"}).status,
               0);
     EXPECT_EQ(file("Everything").mid(1024), bytes);

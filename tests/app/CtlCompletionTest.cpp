@@ -12,7 +12,7 @@ protected:
         write(onC("DATA/NOTES.TXT"), "x");
         write(onC("DATA/USERS/FOUND.MDB"), "x");
     }
-    // The candidates, without what they are, and directives.
+    // The candidates, without descriptions, and directives.
     QStringList complete(const QStringList& words) const {
         QStringList values;
         for (const QString& line : QString(run(QStringList{"--complete"} + words).out).split('\n'))
@@ -20,7 +20,7 @@ protected:
                 values += line.section('\t', 0, 0);
         return values;
     }
-    // What bash is told for a line that it took apart into these words, as shell text.
+    // What bash gets for a line that it split into these words, as shell text.
     QByteArray bash(const QString& typed, const QString& words) const {
         const QString script = "source '" TOLVEX_SOURCE_DIR "/packaging/completions/tolvexctl.bash';"
                                "PATH='" TOLVEX_BIN_DIR "':$PATH; COMP_LINE=$1; COMP_POINT=${#1}; shift;"

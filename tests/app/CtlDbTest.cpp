@@ -1,4 +1,4 @@
-// The database commands of tolvexctl, run as a user runs them.
+// The database commands of tolvexctl, as a user runs them.
 #include "TestPlaces.h"
 #include "app/RunCtl.h"
 
@@ -64,7 +64,7 @@ TEST_F(CtlDb, TellsTheDesign) {
     EXPECT_EQ(db("query", {"SELECT"}).status, 3);
 }
 
-// An index of a table names a column that is not there. The others are listed and read; what fails says why.
+// An index of a table names a missing column. The others are listed and read; failures give the reason.
 TEST_F(CtlDb, TellsABrokenTableAndListsTheOthers) {
     const QString log = onC("D/LOG.MDB");
     ASSERT_EQ(run({"db", "create", log, "--type", "14"}).status, 0);
@@ -97,7 +97,7 @@ TEST_F(CtlDb, TellsABrokenTableAndListsTheOthers) {
     EXPECT_EQ(run({"db", "tables", log}).status, 0);
 }
 
-// The index of the settings cannot be read: no item is missing, and the command fails with the reason.
+// The index of the settings is unreadable: no item is missing, and the command fails with the reason.
 TEST_F(CtlDb, ASilentRoutinesErrorIsHeard) {
     db("import", {"Settings"}, "Item,Value\na,1\n");
     EXPECT_EQ(db("settings", {"get", "a"}).out, "1\n");
@@ -110,10 +110,10 @@ TEST_F(CtlDb, ASilentRoutinesErrorIsHeard) {
     EXPECT_EQ(got.status, 3);
     EXPECT_TRUE(got.err.contains("is no index page") && got.err.contains("3428")) << got.err.toStdString();
 
-    // A search passes over what it cannot read, and says so.
+    // A search skips what it cannot read, and says so.
     EXPECT_EQ(run({"db", "create", onC("D/GOOD.MDB"), "--type", "1"}).status, 0);
     QByteArray other = read(onC("D/GOOD.MDB"));
-    // A column of the description, behind its length.
+    // A column of the description, after its length.
     other.replace(other.lastIndexOf(QByteArray("\x08\0T\0y\0p\0e\0\x83", 11)) + 2, 1, "H");
     write(onC("D/OTHER.MDB"), other);
     QByteArray broken = read(onC("D/GOOD.MDB"));

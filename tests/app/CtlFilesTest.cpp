@@ -1,4 +1,4 @@
-// What a FILE means, and settings carried from one workstation to another.
+// The meaning of a FILE, and settings carried from one workstation to another.
 #include "RunCtl.h"
 
 #include <QJsonArray>
@@ -99,7 +99,7 @@ TEST_F(Ctl, SaysThatAnImportWasCutShortAndTheNextOneUndoesIt) {
     EXPECT_EQ(run({"settings", "export", "a.json"}).status, 0);
     const QString ini = onC("WINDOWS/TOLVEX.INI");
     write(onC("WINDOWS/OLD.bak"), "[Old]\r\n");
-    const QString hash = "4b2a3a66b9c4ba7bd5a9ad0b2ff3e0be"; // of no file: ours has to be asked for
+    const QString hash = "4b2a3a66b9c4ba7bd5a9ad0b2ff3e0be"; // of no file: confirms that ours is requested
     const Result sum = shell("sha256sum < '" + ini + "'");
     write(ini + ".import",
           R"({"format":"tolvex-interrupted-change","files":[{"path":"C:\\WINDOWS\\TOLVEX.INI",)"

@@ -1,4 +1,4 @@
-// "carts find": what scripts and people get of the search, and what is refused.
+// "carts find": the output for scripts and people, and refusals.
 #include "RunCtl.h"
 
 #include "audio/CartRecord.h"

@@ -57,7 +57,7 @@ TEST_F(Ctl, SetsHardwareLinesByWords) {
     EXPECT_FALSE(read(onC("WINDOWS/tolvex.ini")).contains("Hardware1"));
     for (const char* address : {"xyz", "100", "1G"})
         EXPECT_EQ(run({"hardware", "card", "3", "advantech", address}).status, 2) << address;
-    // No driver here: the card is taken all the same, and what is wrong is told once.
+    // No driver here: the card is stored all the same, and the fault is reported once.
     const Result advantech = run({"hardware", "card", "3", "advantech", "0x1F"});
     EXPECT_EQ(advantech.status, 0);
     EXPECT_EQ(advantech.err.count("Calling the Advantech Driver"), 1);
@@ -86,7 +86,7 @@ TEST_F(Ctl, HardwareTextsAreStoredWholeOrRefused) {
     EXPECT_EQ(read(), "'Go'");
 }
 
-// Another card is set while an Advantech card's driver is away.
+// Another card is changed while an Advantech card's driver is missing.
 TEST_F(Ctl, AnAbsentHardwareDriverCostsNoLines) {
     run({"profile", "set", "tolvex.ini", "FileLocations", "Data", "C:\\DATA"});
     const QString file = "tolvex.ini";

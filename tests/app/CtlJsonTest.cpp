@@ -1,4 +1,4 @@
-// With --json a script gets one document whatever becomes of the command.
+// With --json a script gets exactly one document, whatever happens to the command.
 #include "RunCtl.h"
 
 #include "app/ctl/Commands.h"
@@ -25,7 +25,7 @@ TEST_F(Ctl, GivesADocumentForEachCommandThatIsRefusedOrFails) {
         QStringList words = QString(command.words).split(' ');
         for (int n = command.fewest(); n > 0; --n)
             words << "x";
-        if (words == QStringList{"serve"}) // would not end by itself
+        if (words == QStringList{"serve"}) // would not end on its own
             words << "--seconds"
                   << "1"
                   << "--port"
@@ -55,14 +55,14 @@ TEST_F(Ctl, TellsInItsDocumentWhatFailedAndTheNumberOfTheError) {
     const Result unwritable = run({"--json", "profile", "set", folder_.filePath("no/x.ini"), "s", "k", "v"});
     EXPECT_EQ(unwritable.status, 3);
     EXPECT_EQ(unwritable.json()["error"]["number"].toInt(), 3);
-    // What the system itself says of a failure, in a box or on standard error.
+    // The system's own messages about a failure, in a box or on standard error.
     write(folder_.filePath("bad.mdb"), QByteArray(8192, 'x'));
     const Result bad = run({"--json", "db", "info", folder_.filePath("bad.mdb")});
     EXPECT_EQ(bad.status, 3);
     EXPECT_TRUE(errorText(bad).contains("bad.mdb could not be read")) << bad.out.toStdString();
     EXPECT_EQ(run({"--json", "db", "tables", folder_.filePath("bad.mdb")}).json()["error"]["number"].toInt(),
               3343);
-    // What the command had to give comes with its error.
+    // The command's partial output comes with its error.
     write(
         folder_.filePath("x.json"),
         R"({"format":"tolvex-settings","version":1,"settings":{"local":{"Audio":{"KHz":1.5,"Channels":1}}}})");

@@ -1,5 +1,5 @@
-// Commands that read leave the machine as they found it: every byte, time and name in its folder, whatever
-// state its files are in, and they answer just as well where nothing may be written.
+// Commands that read leave the machine unchanged: every byte, time and name in its folder, whatever state its
+// files are in, and they answer just as well if nothing may be written.
 #include "RunCtl.h"
 
 #include "app/ctl/Commands.h"
@@ -30,7 +30,7 @@ QByteArray cart(const QString& line1) {
     return QByteArray(EncodeCartRecord(record).data(), recordLength);
 }
 
-// What a user can see of a file or folder, its contents included.
+// Everything a user can see of a file or folder, including its contents.
 using Snapshot = std::map<QString, QString>;
 
 Snapshot snapshotOf(const QString& root) {
@@ -117,7 +117,7 @@ const Reading readings[] = {
     {{"automation", "list"}, 0},
     {{"automation", "settings", "list"}, 0},
     {{"automation", "settings", "C:\\DB\\LOG.mdb", "get", "KOVA.PreCueTime"}, 0},
-    {{"audio", "devices"}, -1}, // as the machine has some or none
+    {{"audio", "devices"}, -1}, // whether the machine has any or not
     {{"audio", "show"}, 0},
     {{"audio", "formats"}, 0},
     {{"audio", "formats", "1"}, 0},
@@ -134,7 +134,7 @@ const Reading readings[] = {
     {{"terminals", "list"}, 0},
     {{"commands", "list"}, 0},
     {{"commands", "show", "Door"}, 0},
-    {{"ports", "list"}, -1}, // as the machine has some or none
+    {{"ports", "list"}, -1}, // whether the machine has any or not
     {{"remote", "access"}, 0},
     {{"clock", "test"}, 1},        // none is fitted
     {{"clock", "watch", "16"}, 3}, // on a port that is not there
@@ -154,7 +154,7 @@ const Reading readings[] = {
 
 class CtlReading : public Ctl {
 protected:
-    // A station whose files were met by an interrupted copy, a program that died, and an older version.
+    // A station with files from an interrupted copy, a program that died, and an older version.
     void SetUp() override {
         ASSERT_EQ(run({"--yes", "--quiet", "autoconfig", "local"}).status, 0);
         ASSERT_EQ(run({"registry", "set", "Software\\Norvane\\Tolvex", "Path", "C:\\TOLVEX"}).status, 0);
@@ -177,13 +177,13 @@ protected:
         dieWriting(onC("DB/LOG.mdb"));
         dieWriting(onC("TOLVEX/SYSTEM/USERS/USERS25.MDB"));
         ASSERT_EQ(::chmod(QFile::encodeName(list(5)).constData(), 0444), 0);
-        // Others must be able to come in and look.
+        // Others must be able to read it.
         ASSERT_EQ(::chmod(QFile::encodeName(folder_.path()).constData(), 0755), 0);
     }
 
     QString list(int part) const { return onC(QStringLiteral("TOLVEX/AUDIO/Carts%1.lst").arg(part)); }
 
-    // A program that added a row and was killed: what it committed is in its log only.
+    // A program that added a row and was killed: its commit is only in its log.
     static void dieWriting(const QString& database) {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -208,7 +208,7 @@ protected:
     }
 };
 
-// A command that reads and is not in the table above would not be tried.
+// A reading command missing in the table above would not be tested.
 TEST_F(CtlReading, EveryReadingCommandIsTried) {
     ctl::Output output(false, true);
     Workstation station;
@@ -233,18 +233,18 @@ TEST_F(CtlReading, NothingChanges) {
         ASSERT_TRUE(changed.isEmpty()) << reading.words.join(' ').toStdString() << ":\n"
                                        << changed.toStdString();
     }
-    // The log of the program that died counts, and is there for whoever may bring it into the file.
+    // The log of the program that died is valid, and stays for a program that may bring it into the file.
     EXPECT_EQ(run({"db", "settings", "C:\\DB\\LOG.mdb", "get", "Late"}).out, "1\n");
     EXPECT_TRUE(run({"users", "list"}).out.contains("LATE"));
     EXPECT_TRUE(QFile::exists(onC("DB/LOG.mdb-redo")));
-    // Nobody is asked whether a damaged database is to be repaired on the way.
+    // Nobody is asked whether to repair a damaged database in passing.
     const Result damaged = run({"--yes", "db", "info", "C:\\DB\\DAMAGED.mdb"});
     EXPECT_TRUE(damaged.err.contains("Unrecognised database format")) << damaged.err.toStdString();
     EXPECT_FALSE(damaged.err.contains("compacting")) << damaged.err.toStdString();
 }
 
-// Nor does a command that changes something change what it was not asked to: an older audiowall waits for the
-// window, with its lists as they are.
+// A command that changes something also changes only what it was asked to: an older audiowall waits for the
+// window, with its lists unchanged.
 TEST_F(CtlReading, AChangeChangesNothingElse) {
     for (const QStringList& words : {QStringList{"settings", "set", "Display", "ShowClock", "0"},
                                      {"settings", "export", folder_.filePath("all.json")}}) {
@@ -254,7 +254,7 @@ TEST_F(CtlReading, AChangeChangesNothingElse) {
     }
 }
 
-// A machine of which nothing may be written gives the same answers.
+// A read-only machine gives the same answers.
 TEST_F(CtlReading, AMachineThatMayNotBeWrittenIsReadAllTheSame) {
     const auto setWritable = [this](const char* rights) {
         EXPECT_EQ(start("chmod", {"-R", rights, home()}).status, 0);
@@ -280,7 +280,7 @@ TEST_F(CtlReading, TornAndShortListsAreReportedInWords) {
     for (int part = 1; part <= 7; ++part)
         EXPECT_EQ(locations[part - 1]["list"], states[part - 1]) << part;
     EXPECT_EQ(locations[10]["list"], "");
-    // To the suite a cart that its list does not hold yet is an empty one.
+    // To the suite a cart beyond the end of its list is an empty one.
     const Result beyond = run({"--json", "carts", "show", "900"});
     EXPECT_EQ(beyond.json()["empty"], true);
     EXPECT_EQ(beyond.json()["status"], 62);

@@ -1,4 +1,4 @@
-// The report for whoever is asked for help, and the check for monitoring systems.
+// The report for supporters, and the check for monitoring systems.
 #include "RunCtl.h"
 
 #include <QDirIterator>

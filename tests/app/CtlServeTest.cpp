@@ -13,7 +13,7 @@ namespace tolvex::tests {
 using CtlServe = RunningCtl;
 
 TEST_F(CtlServe, ServesUntilItIsAskedToEnd) {
-    // What a service manager would listen on.
+    // A socket on which a service manager would listen.
     const QByteArray socketPath = folder_.filePath("notify").toUtf8();
     const int manager = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     struct sockaddr_un address {};
@@ -83,7 +83,7 @@ TEST_F(CtlServe, WhoMayConnectIsSetFromTheShell) {
     EXPECT_EQ(end(), 0);
 }
 
-// The server has the radio clock's port open: nobody else tests it meanwhile.
+// The server has the radio clock's port open: nobody else can test it meanwhile.
 TEST_F(CtlServe, HoldsThePortOfTheRadioClock) {
     ClockReceiver receiver(PseudoTerminal::Hold::Free);
     ASSERT_TRUE(QFile::link(receiver.device.path(), home() + "/dosdevices/com2"));

@@ -64,7 +64,7 @@ TEST_F(CtlServers, ThatCannotBeReachedAreNamed) {
     EXPECT_EQ(run({"db", "find", "--type", "14", "--connect", "DSN=none"}).status, 3);
 }
 
-// Ctrl+C ends a command that waits for a server, at once.
+// Ctrl+C ends a command that is waiting for a server, at once.
 TEST_F(CtlServers, ThatHangCanBeLeft) {
     const TdsServer server(folder_.path());
     server.hang();

@@ -1,4 +1,4 @@
-// The stores from a shell: ini files, registry, settings, status, carts. What a script gets, and what stays.
+// The stores from a shell: ini files, registry, settings, status, carts: output and unchanged data.
 #include "RunCtl.h"
 
 #include "audio/CartRecord.h"
@@ -31,7 +31,7 @@ TEST_F(Ctl, EditsAnyIniFileByEitherKindOfPath) {
               QJsonArray({QJsonObject{{"key", "Volume"}}}));
     EXPECT_EQ(run({"--json", "profile", "keys", host, "Nothing"}).json().array(), QJsonArray());
 
-    // What would not read back is refused, and what reads back otherwise is told.
+    // Values that would not read back are refused, and those that read back differently are reported.
     for (const QStringList& names : {QStringList{"s]", "k", "v"},
                                      {"s", "a=b", "v"},
                                      {"s", ";k", "v"},
@@ -54,7 +54,7 @@ TEST_F(Ctl, SaysWhyAFileCannotBeWritten) {
     }
 }
 
-// The suite's own writers are silent about a full disk; a script must learn of it.
+// The suite's own writers ignore a full disk; a script must be told.
 TEST_F(Ctl, AFullDiskIsAFailureAndLosesNothing) {
     const QString host = folder_.filePath("x.ini");
     write(host, "[s]\r\nk=1\r\n");

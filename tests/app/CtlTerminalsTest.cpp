@@ -34,7 +34,7 @@ TEST_F(Ctl, ChoosesAndNamesWorkstations) {
     EXPECT_EQ(recordOf(list, 3).mid(30, 30).trimmed(), computer);
     EXPECT_EQ(run({"profile", "get", "tolvex.ini", "LinkMesh", "LinkMeshId"}).out, "3\n");
 
-    // A workstation holds one number: the old one becomes free, all others stay as they are.
+    // A workstation has one number: the old one becomes free, all others stay unchanged.
     list.replace(4 * RecordLength + 30, 7, "STUDIO5");
     write(onC("DATA/Terminal.Lst"), list);
     EXPECT_EQ(run({"terminals", "rename", "3", " Old news "}).status, 0);

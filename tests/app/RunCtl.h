@@ -21,7 +21,7 @@ protected:
         QJsonDocument json() const { return QJsonDocument::fromJson(out); }
     };
 
-    // `input`: standard input, which is no terminal.
+    // `input`: standard input, which is not a terminal.
     Result run(const QStringList& words, const QByteArray& input = {}) const {
         return start(QStringLiteral(TOLVEX_BIN_DIR "/tolvexctl"), words, input);
     }

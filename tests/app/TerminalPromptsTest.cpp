@@ -1,4 +1,4 @@
-// Questions of a shell: who answers them, and with what.
+// Questions in a shell: who answers them, and how.
 #include "support/MachineFolder.h"
 
 #include "app/ctl/TerminalPrompts.h"
@@ -18,7 +18,7 @@ using Answers = TerminalPrompts::Answers;
 
 namespace {
 
-// Standard input for the life of a test: a terminal at which `typed` was typed, or a file.
+// Standard input during a test: a terminal on which `typed` was typed, or a file.
 class Input {
 public:
     Input()
@@ -87,7 +87,7 @@ TEST(TerminalPrompts, AskWhoeverSitsAtTheTerminal) {
     TerminalPrompts prompts(Answers::Ask, true);
     {
         const Input somebody("perhaps\nn\n\nCAN\nC:\\X\n\n0xff0000\n");
-        EXPECT_EQ(prompts.ask(question(Buttons::YesNo)), Answer::No); // asked again after a word that is none
+        EXPECT_EQ(prompts.ask(question(Buttons::YesNo)), Answer::No); // asked again after an invalid word
         EXPECT_EQ(prompts.ask(question(Buttons::YesNo, Answer::No)), Answer::No);
         EXPECT_EQ(prompts.ask(question(Buttons::YesNoCancel)), Answer::Cancel);
         EXPECT_EQ(prompts.pickFolder("Folder", {}), "C:\\X");
@@ -98,7 +98,7 @@ TEST(TerminalPrompts, AskWhoeverSitsAtTheTerminal) {
         TestMachine machine;
         machine.write("C:\\EDIT.EXE", "program");
         FileQuestion question;
-        question.fileName = "*.EXE"; // not a file that can be taken
+        question.fileName = "*.EXE"; // not a usable file name
         const Input somebody("C:\\GONE.EXE\nC:\\EDIT.EXE\n\n");
         EXPECT_EQ(prompts.pickFile(question), "C:\\EDIT.EXE");
         EXPECT_EQ(prompts.pickFile(question), std::nullopt);

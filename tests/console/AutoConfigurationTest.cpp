@@ -1,4 +1,4 @@
-// From a machine that has nothing to a configured workstation, and again over one that has everything.
+// From an empty machine to a configured workstation, and again on one that is complete.
 #include "console/AutoConfiguration.h"
 
 #include "console/Installation.h"
@@ -38,7 +38,7 @@ class AutoConfigurationTest : public StationTest {
 protected:
     AutoConfigurationTest() { start(); }
 
-    // A start of the program: everything is loaded as it is in the files, nobody chooses an editor.
+    // A start of the program: everything is loaded from the files, and no editor is chosen.
     void start() {
         begin();
         prompts.forget();
@@ -84,7 +84,7 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
     EXPECT_EQ(editor.title + '|' + editor.filter + '|' + editor.fileName + '|' + editor.defaultExtension,
               QString("Select Audio Editor Program|Programs|*.EXE *.COM *.BAT *.PIF|*.EXE|EXE"));
 
-    // As the next start of any program finds it.
+    // The state at the next start of any program.
     start();
     EXPECT_TRUE(MissingItems(station).isEmpty());
     EXPECT_EQ(CheckConfiguration(station), QString());
@@ -205,7 +205,7 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
         EXPECT_TRUE(prompts.answers.empty());
         return exits;
     };
-    // Nothing is there, and the network drives neither.
+    // Nothing exists, including the network drives.
     EXPECT_FALSE(run(LookForSetup, {Answer::Cancel}));
     EXPECT_EQ(prompts.texts(), QStringList{connectQuestion});
     EXPECT_EQ(prompts.asked[0].defaultAnswer, Answer::No);
@@ -214,7 +214,7 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
     EXPECT_EQ(prompts.texts(), (QStringList{searchQuestion, networkQuestion}));
     EXPECT_EQ(prompts.asked[1].title, QString("Tolvex Automatic Network Configuration"));
 
-    // The default locations cannot be made: nothing is saved, and the settings stay as they were.
+    // The default locations cannot be made: nothing is saved, and the settings stay unchanged.
     station.settings.DataLocation = "C:\\BEFORE";
     prompts.answers = {Answer::Yes};
     EXPECT_FALSE(DefaultNetworkInstall(station));
@@ -229,7 +229,7 @@ TEST_F(AutoConfigurationTest, WithoutAFindTheDefaultsAreOffered) {
     EXPECT_EQ(prompts.texts(),
               (QStringList{connectQuestion, networkQuestion} + installing + QStringList{exitQuestion}));
     EXPECT_EQ(locations(), QString("M: U:"));
-    machine.removeDrive(u'M'); // carts alone, which is not enough to go by on their own
+    machine.removeDrive(u'M'); // carts alone, which do not suffice
     EXPECT_FALSE(run(LookForSetup, {Answer::No, Answer::No, Answer::Yes, Answer::No}));
     EXPECT_EQ(prompts.texts().mid(1),
               (QStringList{connectQuestion, localQuestion} + installing + QStringList{exitQuestion}));
@@ -251,7 +251,7 @@ TEST_F(AutoConfigurationTest, AnAudiowallFoundAloneKeepsTheDataWhereTheyAre) {
     machine.write("C:\\AUDIO\\Carts1.lst", QByteArray(300, 'x'));
     prompts.answers = {Answer::Yes};
     EXPECT_EQ(ConfigureFromSearch(station, false), InstallOutcome::Configured);
-    // There is no data location at all: nothing is made in the root of a drive, and that is told.
+    // There is no data location at all: nothing is made in the root of a drive, and the user is told.
     EXPECT_TRUE(prompts.texts()[0].startsWith("Tolvex data has been found in: \n\n \n\nand"));
     EXPECT_TRUE(prompts.texts().end()[-2].contains("Data location: not set"));
     for (const char* file : {"C:\\Terminal.Lst", "C:\\SCHEDULE", "C:\\USERS"})
@@ -283,9 +283,9 @@ TEST_F(AutoConfigurationTest, WhatCannotBeMadeIsNamedAndStopsNothingElse) {
                       "Please see that the disks are connected and have room, and configure again: what was "
                       "made is kept."));
     EXPECT_EQ(machine.read("C:\\TOLVEX\\SYSTEM\\SCHEDULE"), "a file");
-    EXPECT_EQ(stored("LinkMesh", "LinkMeshId"), QString("5")); // no list says that it is another one
+    EXPECT_EQ(stored("LinkMesh", "LinkMeshId"), QString("5")); // no list says otherwise
 
-    // An ini file that cannot be written: the locations asked for are built all the same.
+    // An ini file that cannot be written: the requested locations are built all the same.
     QFile::remove(machine.host("C:\\WINDOWS\\TOLVEX.INI"));
     QDir().rename(machine.host("C:\\TOLVEX"), machine.host("C:\\") + "/OLD");
     machine.makeFolder("C:\\WINDOWS\\TOLVEX.INI");

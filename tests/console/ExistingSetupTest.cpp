@@ -1,4 +1,4 @@
-// Where a system is looked for, which of several finds counts, and what the user is asked about it.
+// Where the search looks for a system, which of several finds counts, and the question to the user.
 #include "console/ExistingSetup.h"
 
 #include "console/SearchDrives.h"
@@ -89,14 +89,14 @@ TEST(ExistingSetup, TheLastFindCountsAndTheNetworkComesFirst) {
     EXPECT_EQ(find({"E:\\TLVX_SYS.INI", "D:\\TLVX_SYS.INI"}).dataPath, QString("E:"));
     EXPECT_EQ(find({"m:\\TLVX_SYS.INI", "u:\\TLVX_SYS.INI"}).dataPath, QString("u:"));
 
-    // Data on the network: local drives are not looked at.
+    // Data on the network: local drives are not searched.
     Drives network{{"m:\\SYSTEM\\TLVX_SYS.INI", "C:\\TLVX_SYS.INI", "C:\\Carts1.LST"}};
     ExistingSetup setup = FindExistingSetup(false, network.search());
     EXPECT_EQ(setup.dataPath, QString("m:\\SYSTEM"));
     EXPECT_EQ(setup.cartPaths[1], QString());
     EXPECT_EQ(network.asked.size(), 2 * 69);
 
-    // Carts alone on the network: local drives add the data, and their lists take the place of the others.
+    // Carts alone on the network: local drives supply the data, and their lists replace the others.
     const QStringList both = {"u:\\AUDIO1\\Carts1.LST", "u:\\AUDIO2\\Carts2.LST", "D:\\AUDIO\\Carts2.LST",
                               "C:\\TOLVEX\\SYSTEM\\TLVX_SYS.INI"};
     setup = find(both);
@@ -124,7 +124,7 @@ TEST(ExistingSetup, GapsAreFilledAndEachPlaceIsListedOnce) {
     const struct {
         QMap<int, QString> found;
         QStringList filled;
-        QString list; // as the question shows it
+        QString list; // as in the question
     } cases[] = {
         {{{3, "C:\\A"}, {7, "C:\\B"}},
          {"C:\\B", "C:\\B", "C:\\A", "C:\\A", "C:\\A", "C:\\A", "C:\\B", "C:\\B", "C:\\B", "C:\\B", "C:\\B"},
@@ -133,7 +133,7 @@ TEST(ExistingSetup, GapsAreFilledAndEachPlaceIsListedOnce) {
         {{{11, "D:\\AUDIO"}}, QStringList(11, "D:\\AUDIO"), ">D:\\AUDIO"},
         {{{1, "u:\\AUDIO1"}, {2, "u:"}, {10, "u:\\AUDIO10"}, {11, "U:\\AUDIO1"}},
          QStringList{"u:\\AUDIO1"} + QStringList(8, "u:") + QStringList{"u:\\AUDIO10", "U:\\AUDIO1"},
-         // "u:" is part of what is listed, in another case it is not.
+         // "u:" is part of a listed path; in another case it is not.
          ">u:\\AUDIO1\n>u:\\AUDIO10\n>U:\\AUDIO1"},
     };
     for (const auto& each : cases) {

@@ -1,6 +1,6 @@
-// Automatic configuration that is interrupted at any of its file operations, or meets a disk that is full or
-// broken from there on, and then runs again: everything comes to be there, and nothing that was there is
-// lost.
+// Automatic configuration that is interrupted at any of its file
+// operations, or meets a disk that is full or broken from then on, and then
+// runs again: everything is completed, and nothing that existed is lost.
 #include "console/AutoConfiguration.h"
 
 #include "console/Installation.h"
@@ -27,7 +27,7 @@ const QByteArray defaultDatabase = "[KOVA]\r\nDefaultDatabase=KOVA26.MDB\r\n";
 const QByteArray usedTerminals =
     QByteArray("Studio 1").leftJustified(30) + QByteArray("OTHERPC").leftJustified(30) + QByteArray(68, '\0');
 
-// A machine of a station whose carts and workstations are known, but that was never configured itself.
+// A machine with known carts and workstations that was never configured itself.
 struct Station {
     Station() {
         machine.write("C:\\WINDOWS\\TOLVEX.INI", "; by hand\r\n[Other]\r\nKey=1\r\n");
@@ -51,7 +51,7 @@ struct Station {
     ScriptedPrompts prompts;
 };
 
-// Sections of a file, and rows of a table, stand in the order in which they were first written.
+// The order of a file's sections and a table's rows is the order of their first writing.
 QByteArray inOrder(const QByteArray& text, char separator) {
     QList<QByteArray> parts = text.split(separator);
     std::sort(parts.begin(), parts.end());
@@ -78,8 +78,8 @@ QByteArray databaseText(const QString& hostPath) {
     return text;
 }
 
-// What a machine holds, by path; without what an interrupted writer left beside the file it was to change,
-// and without backups, which hold what there was to back up at their time.
+// The contents of a machine, by path; without files that an interrupted writer left beside its target, and
+// without backups, which depend on the moment.
 QMap<QString, QByteArray> contents(const TestMachine& machine) {
     QMap<QString, QByteArray> files;
     QDirIterator each(machine.path() + "/drive_c", QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
@@ -100,8 +100,8 @@ QMap<QString, QByteArray> contents(const TestMachine& machine) {
     return files;
 }
 
-// A fault at each third operation from `first` on. Every operation is a place to be killed at; of the others
-// a third is enough, and each row a test of its own, so that they run side by side.
+// A fault at every third operation from `first` on. A kill is tested at every operation; for the others a
+// third is enough, and each row is a test of its own, so that they run in parallel.
 struct Faults {
     const char* name;
     Fault fault;
@@ -137,18 +137,18 @@ TEST_P(InterruptedInstallTest, CompletesWhenItRunsAgain) {
         Station install;
         const FaultyRun run = RunWithFault([&] { return install.configure(); }, fault, at);
         ASSERT_TRUE(fault == Fault::Kill ? run.killed : run.result >= 0);
-        // The default database is whole or not there, at any moment.
+        // The default database is complete or missing, at any moment.
         const QString log = QStringLiteral("/drive_c/TOLVEX/SYSTEM/SCHEDULE/KOVA26.MDB");
         const bool made = QFile::exists(install.machine.path() + log);
         EXPECT_TRUE(!made || databaseText(install.machine.path() + log) == whole.value(log));
-        // What it says is so.
+        // Its report is true.
         for (const QString& path : run.result == Complete ? whole.keys() : QStringList())
             EXPECT_TRUE(QFile::exists(install.machine.path() + path)) << path.toStdString();
         EXPECT_EQ(install.configure(), Complete) << install.prompts.texts().join("\n").toStdString();
         const auto now = contents(install.machine);
         EXPECT_EQ(now.keys(), whole.keys());
-        // A database that is found is left alone: one that was made just before the interruption is nobody's
-        // default.
+        // A database that is found is left alone: one made just before the interruption is not recognised as
+        // the default.
         const QString ini = QStringLiteral("/drive_c/WINDOWS/TOLVEX.INI");
         auto expected = whole;
         if (made && !now.value(ini).contains(defaultDatabase))

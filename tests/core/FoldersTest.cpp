@@ -106,11 +106,11 @@ TEST_F(Folders, FoldersOfADataLocation) {
         EXPECT_TRUE(machine.exists(QStringLiteral("C:\\SYSTEM\\") + QLatin1String(name))) << name;
     EXPECT_TRUE(prompts.asked.isEmpty());
 
-    // A data location that cannot hold a folder ends at the first one.
+    // A data location that cannot hold folders: stops at the first one.
     CreateDataDirectories(QStringLiteral("Q:\\SYSTEM"));
     EXPECT_EQ(prompts.asked.size(), 1);
     prompts.forget();
-    // A folder that cannot be made does not stop those behind it.
+    // A folder that cannot be made does not prevent those after it.
     machine.addShare(QStringLiteral("S"), QStringLiteral("X"));
     machine.link(QStringLiteral("unc/S/X/Commands"), QStringLiteral("/nowhere/at/all"));
     CreateDataDirectories(QStringLiteral("\\\\S\\X"));

@@ -35,7 +35,7 @@ TEST_F(Reports, AProblemReportNamesTheActionAndTheError) {
     EXPECT_EQ(prompts.asked.size(), 2);
     EXPECT_EQ(prompts.asked[1].icon, platform::Icon::Exclamation);
     EXPECT_EQ(prompts.pointer(), Pointer::Wait);
-    // The description stands in only where the run-time has no text.
+    // The description is used only if the run-time has no text.
     EXPECT_TRUE(ProblemReport(QStringLiteral("x"), 3044, true, QStringLiteral(" not a valid path "))
                     .contains("\"not a valid path\" (3044)"));
     EXPECT_TRUE(ProblemReport(QStringLiteral("x"), 76, true, QStringLiteral("mine"))
@@ -115,7 +115,7 @@ TEST_F(Reports, RegistryValuesOfAnotherTypeOrLengthReadAsTheDefault) {
 TEST_F(Reports, TheDataEngineMustBeThereAndNewEnough) {
     const QString engine = QStringLiteral("Software\\Microsoft\\DataAccess");
     QString version = QStringLiteral("?");
-    EXPECT_TRUE(CheckDataEngine(true)); // the engine that this program brings
+    EXPECT_TRUE(CheckDataEngine(true)); // the engine in this program
     DeleteRegistryValue(LocalMachineHive, engine, QStringLiteral("FullInstallVer"));
     EXPECT_FALSE(CheckDataEngine(true, &version));
     EXPECT_EQ(version, QString());

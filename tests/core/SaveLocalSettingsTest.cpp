@@ -17,8 +17,8 @@ namespace {
 
 const QString ini = QStringLiteral("C:\\WINDOWS\\TOLVEX.INI");
 
-// A file as the suite's own programs leave it, with what others put there: a comment, unknown sections and
-// keys, older keys, another spelling, blank lines, a section that comes twice.
+// A file as left by the suite's own programs, with additions of others: a comment, unknown sections and keys,
+// older keys, another spelling, blank lines, a duplicate section.
 const QByteArray full =
     "; studio 1, do not touch\r\n"
     "[General]\r\nConfigName=Studio 1\r\n\r\n"
@@ -72,7 +72,7 @@ QByteArray withAudioEnd() {
     return file.insert(file.indexOf(before) + before.size(), audioEnd);
 }
 
-// Every local row, as start-up loads them but for the search for devices.
+// Every local row, loaded as at start-up except the search for devices.
 Settings loadAll() {
     Settings settings;
     settings.RecordingSoundCard = 1;
@@ -115,7 +115,7 @@ TEST(SaveLocalSettings, ANewFileHoldsTheKeysInTheOrderOfSaving) {
                                  "Carts1=\r\nCarts2=D:\\X\r\n"))
         << saved.left(200).toStdString();
     EXPECT_EQ(settings.CartPartTable[2].Location, "D:\\X");
-    // Devices given out automatically are not kept; the sections stand in the order in which they came up.
+    // Automatically assigned devices are not saved; the sections are in the order of their first use.
     EXPECT_FALSE(saved.contains("SoundCardNumber"));
     QByteArrayList sections;
     for (const QByteArray& line : saved.split('\n'))
@@ -191,7 +191,7 @@ TEST(SaveLocalSettings, APathThatIsEmptyOrCannotBeWrittenLosesNothing) {
     EXPECT_FALSE(machine.exists(QStringLiteral("C:\\missing")));
 }
 
-// A process that saves two configurations in turn is killed again and again: the file is always one of them.
+// Kills a process that saves two configurations in turn, many times: the file is always one of them.
 TEST(SaveLocalSettings, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
     tests::TestMachine machine;
     machine.write(ini, withAudioEnd());
@@ -217,7 +217,7 @@ TEST(SaveLocalSettings, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
         const QByteArray left = machine.read(ini);
         ASSERT_TRUE(left == first || left == second) << left.toStdString();
     }
-    // And the next save goes through.
+    // And the next save succeeds.
     machine.use();
     EXPECT_EQ(save(0), platform::ProfileOk);
     EXPECT_EQ(machine.read(ini), first);

@@ -50,7 +50,7 @@ class SettingsImport : public ::testing::Test {
 protected:
     void TearDown() override { platform::RestoreHostCalls(); }
 
-    // The document of the station whose files these are.
+    // The document of the station with these files.
     static QByteArray exportFrom(TestMachine& machine, const QByteArray& localFile) {
         machine.use();
         machine.write(local, localFile);
@@ -68,8 +68,8 @@ protected:
                "[CartPlayers]\r\nAutomaticPlayerAssignment=0\r\nSoundCardNumber2=5\r\n"
                "[Other]\r\nKey=1\r\n");
     }
-    // What the station in force reads of its local file; `tidied`: as it would be stored. (A location loses
-    // one backslash each time.)
+    // What the current station reads from its local file; `tidied`: in stored form. (A location loses one
+    // backslash each time.)
     static QStringList readBy(bool tidied) {
         Settings values = LoadFrom({ini, {}, {}});
         QStringList all;
@@ -84,7 +84,7 @@ protected:
         }
         return all;
     }
-    // Files of a station that has other locations.
+    // Files of a station with other locations.
     void configureB() {
         b.use();
         b.write(local, "[Other]\r\nKeep=1\r\n[FileLocations]\r\nData=C:\\OLD\r\nLogs=C:\\OLD\\LOGS\r\nCarts1="
@@ -129,7 +129,7 @@ TEST_F(SettingsImport, ADocumentHoldsWhatIsStoredBelowItsFileAndNothingElse) {
     EXPECT_EQ(exported["files"].toObject(),
               object(R"({"local": "C:\\WINDOWS\\TOLVEX.INI", "system": "C:\\TOLVEX\\TLVX_SYS.INI",
                          "audiowall": "C:\\WALL\\Audwall.ini"})"));
-    // Devices of automatic assignment belong to one machine.
+    // Automatically assigned devices belong to one machine.
     const QByteArray automatic = exportFrom(a, "[CartPlayers]\r\nSoundCardNumber2=5\r\n");
     EXPECT_EQ(object(automatic)["settings"].toObject(), QJsonObject());
 }
@@ -205,7 +205,7 @@ TEST_F(SettingsImport, AStationFileThatWasNamedStaysTheStationsFile) {
     EXPECT_EQ(both.backups.size(), 1);
 }
 
-// Whatever a file holds, its export is taken over, and the other station then reads what the first one reads.
+// Whatever a file holds, its export is imported, and the other station then reads what the first one reads.
 TEST_F(SettingsImport, TakesOverEachOfItsOwnExports) {
     const QByteArrayList odd = {"150",
                                 "-5",
@@ -234,7 +234,7 @@ TEST_F(SettingsImport, TakesOverEachOfItsOwnExports) {
                     file += QByteArray("[") + row.section + "]\r\n" +
                             SettingKey(row, row.count ? 2 : 0).toLatin1() + '=' + text + "\r\n";
             }
-        // Sections that come again are not read, so each key goes into its own.
+        // Repeated sections are not read, so each key goes into its own.
         platform::ForgetProfiles();
         a.use();
         a.write(local, "[CartPlayers]\r\nAutomaticPlayerAssignment=0\r\n");
@@ -384,7 +384,7 @@ TEST_F(SettingsImport, CutShortAnywhereItIsUndoneByTheNextStart) {
             reset();
             const FaultyRun run = RunWithFault(job, fault, at);
             EXPECT_FALSE(run.result == 0 && ImportWasInterrupted(ini));
-            const bool complete = filesOfB() == after; // though the record may be there still
+            const bool complete = filesOfB() == after; // the record may still exist
             undone += !UndoInterruptedImport(ini).isEmpty();
             EXPECT_EQ(filesOfB(), run.result == 0 || complete ? after : before);
             EXPECT_FALSE(b.exists(record));
@@ -404,7 +404,7 @@ TEST_F(SettingsImport, AnImportAtWorkIsNotTakenForAnInterruptedOne) {
         EXPECT_TRUE(b.exists(record));
     }
     EXPECT_TRUE(ImportWasInterrupted(ini));
-    // A file that is not a record of ours stays for whoever can read it.
+    // A file that is not our record stays for whoever can read it.
     b.write(record, "?");
     EXPECT_TRUE(UndoInterruptedImport(ini).contains("TOLVEX.INI.import names the files"))
         << UndoInterruptedImport(ini).toStdString();
@@ -414,7 +414,7 @@ TEST_F(SettingsImport, AnImportAtWorkIsNotTakenForAnInterruptedOne) {
 TEST_F(SettingsImport, UndoingLeavesWhatAnotherProgramWroteSince) {
     const QByteArray moved = exportOfA();
     configureB();
-    // Dies with two files changed: the third one's name never changes.
+    // Dies after two files changed: the third one's name never changes.
     ImportPlan plan = PlanImport(moved, ini, {});
     const QMap<QString, QByteArray> before = filesOfB();
     const auto job = [&plan] {

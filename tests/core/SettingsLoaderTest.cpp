@@ -100,7 +100,7 @@ TEST_F(SettingsLoader, TheRegistryFormHasItsOwnKeysAndNames) {
     put("\\CartPlayers", "SoundCardNumber2", 7);
     put("\\Cart Players", "KeyboardEject", 1);
     put("\\Cart Players", "MouseEject", 0);
-    put("\\CartPlayers", "EditPlayer", 4); // the key without the blank is another one
+    put("\\CartPlayers", "EditPlayer", 4); // the key without the blank is a different one
     put("\\Audiowall\\Settings", "MaintainLegacyCartList", 0);
     WriteRegistryString(LocalMachineHive, root + QStringLiteral("\\File Locations"),
                         QStringLiteral("CartLocation11"), QStringLiteral("D:\\WALL"), {});
@@ -115,7 +115,7 @@ TEST_F(SettingsLoader, TheRegistryFormHasItsOwnKeysAndNames) {
     EXPECT_EQ(settings.PlayerFadeFirePercent, 65);
     EXPECT_EQ(settings.MaintainLegacyCartList, 0);
     EXPECT_EQ(settings.CartPartTable[11].Location, "D:\\WALL");
-    // Without a registry form the setting stays as it is.
+    // Without a registry form the setting stays unchanged.
     settings.ShowClock = 9;
     LoadRows(DisplayRows, registry, settings);
     EXPECT_EQ(settings.ShowClock, 9);
@@ -140,7 +140,7 @@ TEST_F(SettingsLoader, DatesLoseTheHalfOfTheDayAndWhatIsNoDateChangesNothing) {
     EXPECT_EQ(ParseDate(DateText(evening)), SerialDate(evening));
 }
 
-// Whatever stands in the file, loading ends and leaves values that saving can write.
+// Whatever the file holds, loading ends and leaves values that saving can write.
 TEST_F(SettingsLoader, BadFilesLeaveDefaults) {
     QByteArray manyKeys("[Audio]\r\n");
     for (int i = 0; i < 100000; ++i)
@@ -154,7 +154,7 @@ TEST_F(SettingsLoader, BadFilesLeaveDefaults) {
         EXPECT_EQ(loaded("FileLocations", "Data", content), "") << content.size();
     }
     EXPECT_EQ(loaded("Audio", "KHz", QByteArray("[Audio]\0\r\nKHz=22050\0junk", 25)), "22050");
-    // A text is cut at what the suite's readers take.
+    // A text is cut at the limit of the suite's readers.
     EXPECT_EQ(loaded("FileLocations", "Data", "[FileLocations]\nData=C:\\" + QByteArray(4000, 'D')).size(),
               254);
     EXPECT_EQ(

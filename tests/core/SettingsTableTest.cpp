@@ -14,7 +14,7 @@ using namespace tolvex;
 
 namespace {
 
-// The texts between quotes of a source file, but for those in comments.
+// The quoted texts of a source file, except those in comments.
 QSet<QString> textsIn(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
@@ -26,13 +26,13 @@ QSet<QString> textsIn(const QString& path) {
     return texts;
 }
 
-// Words that are keys and something else too: they count only beside the name of their section.
+// Words that are keys and have another meaning too: they count only beside the name of their section.
 bool isPlainWord(const QString& key) {
     static const QRegularExpression pattern(QStringLiteral("^[A-Z][a-z]*$"));
     return pattern.match(key).hasMatch();
 }
 
-// Where keys may be named: by the rows themselves.
+// Where keys may be named: in the rows themselves.
 constexpr const char* rowFiles[] = {"src/core/settings/LocalSettings.cpp",
                                     "src/core/settings/AudioSettings.cpp"};
 
@@ -58,7 +58,7 @@ TEST(SettingsTable, EveryKeyIsDeclaredOnceAndFoundInAnyCase) {
         EXPECT_FALSE(FindSetting(QStringLiteral("FileLocations"), QLatin1String(key))) << key;
 }
 
-// The page is made from the rows: TOLVEX_WRITE_DOCS=1 writes it anew.
+// The page is generated from the rows: TOLVEX_WRITE_DOCS=1 rewrites it.
 TEST(SettingsTable, TheReferencePageTellsWhatTheRowsSay) {
     QFile page(QStringLiteral(TOLVEX_SOURCE_DIR "/docs/settings.md"));
     if (qEnvironmentVariableIsSet("TOLVEX_WRITE_DOCS")) {
@@ -97,7 +97,7 @@ TEST(SettingsTable, NothingButTheRowsNamesAKey) {
     EXPECT_GT(seen, 300);
 }
 
-// The value of a place is the order of a new file; two keys of one place would come in any order.
+// The places determine the order of a new file; two keys with one place would have a random order.
 TEST(SettingsTable, EachSavedKeyHasAPlaceOfItsOwn) {
     QSet<int> places;
     for (const SettingGroup& group : AllSettings())
@@ -111,7 +111,7 @@ TEST(SettingsTable, EachSavedKeyHasAPlaceOfItsOwn) {
     EXPECT_GT(places.size(), 80);
 }
 
-// The controls that rows name are there, in each form whose design is.
+// The controls named by rows exist, in each form that has a design.
 TEST(SettingsTable, TheControlsOfRowsAreInTheirForms) {
     int looked = 0;
     QDirIterator designs(QStringLiteral(TOLVEX_SOURCE_DIR "/src"), {"frm*.ui"}, QDir::Files,

@@ -50,7 +50,7 @@ TEST_F(StoredSettings, ListsEveryDeclaredSettingWithItsDefault) {
     EXPECT_EQ(byKey[QStringLiteral("Audiowall/NoCarts")].value, "12000");
     EXPECT_TRUE(byKey.contains(QStringLiteral("AudioWall/JumpDescription3")));
     EXPECT_FALSE(byKey.contains(QStringLiteral("AudioWall/JumpDescription4")));
-    // What stands when nothing is set could be set.
+    // Every default is a value that could be set.
     for (const StoredSetting& setting : std::as_const(byKey))
         if (setting.place.row->kind != SettingKind::Date) {
             QString why;
@@ -123,7 +123,7 @@ TEST_F(StoredSettings, FlagsAndLocationsAreStoredInOneForm) {
         << stored.toStdString();
 }
 
-// Other programs read the folders of the schedules and logs as they are stored.
+// Other programs read the stored folders of schedules and logs.
 TEST_F(StoredSettings, KeysThatFollowFromALocationChangeWithIt) {
     machine.write(QStringLiteral("C:\\WINDOWS\\TOLVEX.INI"),
                   "[FileLocations]\r\nData=C:\\OLD\r\nLogs=C:\\OLD\\LOGS\r\nSampleEditor=C:\\E.EXE\r\n");

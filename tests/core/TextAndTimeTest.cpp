@@ -83,7 +83,7 @@ TEST(TimeText, LayoutsRoundingsAndBlankFields) {
         {3725.25, 2, "01:02:05"},
         {3725.25, 3, "62:05"},
         {3725.25, 4, "01:02"},
-        // Roundings: to the nearest, cut, up.
+        // Rounding: to the nearest, down, up.
         {59.5, 3, "01:00"},
         {59.9, 13, "00:59"},
         {59.01, 23, "01:00"},

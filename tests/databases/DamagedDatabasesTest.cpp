@@ -1,4 +1,4 @@
-// Damaged databases at start-up: nothing ends the program, the database is named, and what is sound goes on.
+// Damaged databases at start-up: the program survives, the database is named, and sound parts keep working.
 #include "databases/DatabasesTest.h"
 #include "databases/compaction/CompactRepair.h"
 #include "databases/jet/JetDatabase.h"
@@ -58,7 +58,7 @@ protected:
 TEST_F(DamagedDatabasesTest, ABrokenTableIsNamedAndClosesNoOther) {
     const jet::PageNumber page = definitionOf(u"UserPreferences");
     const qsizetype start = page * qsizetype{jet::PageSize};
-    // The first column of the first tree of keys: behind its stamp, 1923.
+    // The first column of the first tree of keys: after its stamp, 1923.
     const qsizetype stamp = sound_.indexOf(QByteArray("\x83\x07\x00\x00", 4), start);
     ASSERT_LT(stamp, start + qsizetype{jet::PageSize});
     damage(page, static_cast<std::size_t>(stamp - start) + 4, 77);
@@ -81,10 +81,10 @@ TEST_F(DamagedDatabasesTest, ABrokenTableIsNamedAndClosesNoOther) {
         CompactRepairDatabase(users, false, {}, true, [&](const jet::Fault& loss) { lost += loss.reason; }));
     EXPECT_EQ(lost, "lost index 'Main', which names a column that is not there");
     EXPECT_EQ(faults(), "");
-    EXPECT_EQ(OpenUsersDatabase(state, users), 0); // which makes the index anew
+    EXPECT_EQ(OpenUsersDatabase(state, users), 0); // rebuilds the index
 }
 
-// A page of the catalogue is not listed any more: its tables seem missing, and must not be made a second
+// A page of the catalogue is missing from its list: its tables seem missing, and must not be made a second
 // time.
 TEST_F(DamagedDatabasesTest, TablesThatCannotBeFoundAreNotMadeAnew) {
     jet::PageNumber last = 0;
@@ -111,7 +111,7 @@ TEST_F(DamagedDatabasesTest, TablesThatCannotBeFoundAreNotMadeAnew) {
     EXPECT_NE(rows(users, QStringLiteral("UserHistory")).find("ANN"), std::string::npos);
 }
 
-// The index of the settings is broken: the user sees the defaults and no message, but who asks hears why.
+// The index of the settings is broken: the user sees the defaults, and the caller gets the reason.
 TEST_F(DamagedDatabasesTest, ErrorsThatNobodySeesCanBeHeard) {
     jet::PageNumber root = 0;
     {

@@ -52,7 +52,7 @@ public:
 
 } // namespace
 
-// Where no trash can be made a database goes for good, and not into whatever folder the program runs in.
+// If no trash can be made a database is deleted for good, and not moved to the program's current folder.
 TEST_F(DatabaseFilesTest, RemovesForGoodWhereThereIsNoTrash) {
     machine.write("C:\\file", "x");
     qputenv("XDG_DATA_HOME", (machine.host("C:\\file") + "/share").toUtf8());
@@ -64,7 +64,7 @@ TEST_F(DatabaseFilesTest, RemovesForGoodWhereThereIsNoTrash) {
     EXPECT_FALSE(machine.exists(Log));
 }
 
-// What a user has committed lies in a log beside the file until the last one leaves.
+// A user's commits lie in a log beside the file until the last user leaves.
 TEST_F(DatabaseFilesTest, TouchesNoDatabaseThatIsOpen) {
     auto open = OpenSuiteDatabase(Log);
     open->execute("UPDATE [Description] SET [Description]='Changed'");
@@ -88,7 +88,7 @@ TEST_F(DatabaseFilesTest, CopiesRenamesAndRemovesWholeFiles) {
     EXPECT_TRUE(CopyDatabase(Log, "C:\\D\\COPY.MDB", goOn));
     EXPECT_EQ(rows("C:\\D\\COPY.MDB", "Description"), "Copy of The log,2.5999999,14");
     EXPECT_EQ(errorOf([] { CopyDatabaseFile(Log, "C:\\D\\COPY.MDB", goOn); }).number, 58);
-    // Stopped, or without room, a copy leaves nothing.
+    // After a stop, or without room, a copy leaves nothing.
     EXPECT_FALSE(CopyDatabase(Log, "C:\\D\\HALF.MDB", [](qint64, qint64) { return false; }));
     {
         const NoRoom full(4096);

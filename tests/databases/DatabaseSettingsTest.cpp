@@ -17,7 +17,7 @@ namespace {
 
 const QString Path = QStringLiteral("C:\\DATA\\A.MDB");
 
-// The same answers are expected of every kind of recordset.
+// Every kind of recordset must give the same answers.
 enum class Kept { FileTable, FileDynaset, Server, Wire };
 
 class DatabaseSettingsTest : public ServerTest, public testing::WithParamInterface<Kept> {
@@ -83,7 +83,7 @@ TEST_P(DatabaseSettingsTest, StoresValuesAsTheEngineWritesThem) {
     EXPECT_EQ(get("Single"), "2.6");
     EXPECT_EQ(get("Empty"), "");
     EXPECT_EQ(get("Memo"), QString(3000, u'\u00e9'));
-    EXPECT_EQ(get("flag "), get("Flag")); // a trailing blank does not tell names apart
+    EXPECT_EQ(get("flag "), get("Flag")); // a trailing blank in a name is ignored
 }
 
 TEST_P(DatabaseSettingsTest, CutsLongNames) {
@@ -130,7 +130,7 @@ TEST_F(DatabaseInformationTest, TellsWhatADatabaseSays) {
     EXPECT_EQ(information.FileName, "A.mdb");
     EXPECT_EQ(information.Path, "C:\\DATA");
     EXPECT_EQ(information.EngineVersion, "4.0");
-    EXPECT_EQ(information.LastAccessed, 0); // the fields are not there
+    EXPECT_EQ(information.LastAccessed, 0); // the fields are missing
     {
         auto database = OpenSuiteDatabase(Path);
         for (const char* field : {"LastAccessed", "LastAccessedSoftware", "LastBackup"})
@@ -161,7 +161,7 @@ TEST_F(DatabaseInformationTest, TellsMissingEmptyAndForeignDatabasesApart) {
     EXPECT_TRUE(texts().last().startsWith("There was a problem C:\\BARE.MDB\n\nopening the description "
                                           "information in the database and"));
 
-    // A table without a row is an answer.
+    // A table without a row is a valid answer.
     make("C:\\NOROW.MDB", 1);
     {
         auto database = OpenSuiteDatabase("C:\\NOROW.MDB");

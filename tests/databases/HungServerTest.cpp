@@ -1,4 +1,4 @@
-// Servers that do not answer, that break connections, and that others have furnished.
+// Servers that do not answer, that break connections, and that others have set up.
 #include "ServerTest.h"
 
 #include "databases/odbc/ServerSession.h"
@@ -16,14 +16,14 @@ protected:
     HungServerTest()
         : ServerTest(Way::Wire) {
         serverPatience().rest = std::chrono::milliseconds(0);
-        serverPatience().unseen = std::chrono::minutes(1); // however slow this machine is
+        serverPatience().unseen = std::chrono::minutes(1); // even if this machine is slow
         makeOnServer("Log", KOVAType);
         database = openOnServer("Log");
         EXPECT_EQ(ValidateSettingsTable(*database), 0);
     }
     ~HungServerTest() override { serverPatience() = {}; }
 
-    // What an operation throws.
+    // The error that an operation throws.
     static DatabaseError errorOf(const std::function<void()>& operation) {
         try {
             operation();
@@ -39,8 +39,8 @@ protected:
 
 } // namespace
 
-// The user sees that it waits, and may stop it; what had been asked for fails, and the next try works when
-// the server does.
+// The user sees that it waits, and may stop it; the request then fails, and the next try works once the
+// server does.
 TEST_F(HungServerTest, CanBeLeft) {
     wire->hang();
     serverPatience().unseen = std::chrono::milliseconds(50);
@@ -56,7 +56,7 @@ TEST_F(HungServerTest, CanBeLeft) {
     prompts.progressGoesOn = {false};
     error = errorOf([&] { database->open("Settings", RecordsetMode::Dynaset); });
     EXPECT_EQ(error.number, ServerCallFailed);
-    // This connection was given up with what it was asked.
+    // This connection was given up with its request.
     EXPECT_EQ(errorOf([&] { database->table("Settings"); }).number, ServerCallFailed);
     EXPECT_EQ(prompts.progressTitles.size(), 2);
     database.reset();
@@ -64,7 +64,7 @@ TEST_F(HungServerTest, CanBeLeft) {
     EXPECT_TRUE(openOnServer("Log")->table("Settings"));
 }
 
-// Nobody has to stop it: there are limits, and a server that was given up is left alone for a while.
+// A stop is not required: there are limits, and a server that was given up is left alone for a while.
 TEST_F(HungServerTest, IsGivenUp) {
     wire->hang();
     serverPatience() = {std::chrono::milliseconds(300), std::chrono::milliseconds(200),
@@ -84,7 +84,7 @@ TEST_F(HungServerTest, IsGivenUp) {
     EXPECT_TRUE(error.text.contains("within 0.3 seconds")) << error.text.toStdString();
 }
 
-// A connection that broke while nothing ran on it is made anew, and nobody learns of it.
+// A connection that broke while idle is reopened, unnoticed by the user.
 TEST_F(HungServerTest, MayBreakAnIdleConnection) {
     auto rows = database->open("Settings", RecordsetMode::Dynaset);
     for (const char* value : {"1", "2", ""}) { // a new row, another value, no row
@@ -99,8 +99,8 @@ TEST_F(HungServerTest, MayBreakAnIdleConnection) {
     EXPECT_EQ(texts(), QStringList{});
 }
 
-// Whether a change was made when the connection broke is not known: it is neither made twice nor told as a
-// failure.
+// It is unknown whether a change was made when the connection broke: it is neither made twice nor reported as
+// a failure.
 TEST_F(HungServerTest, MayLoseAnyAnswer) {
     for (int n = 1; n <= 10; ++n) {
         SCOPED_TRACE(n);
@@ -117,7 +117,7 @@ TEST_F(HungServerTest, MayLoseAnyAnswer) {
     EXPECT_EQ(texts(), QStringList{});
 }
 
-// What others did while the connection was broken is theirs.
+// Changes by others while the connection was broken are respected.
 TEST_F(HungServerTest, DoesNotTakeTheRowsOfOthersForItsOwn) {
     const auto other = [&](const char* value) {
         wire->breakConnections();
@@ -137,7 +137,7 @@ TEST_F(HungServerTest, DoesNotTakeTheRowsOfOthersForItsOwn) {
     EXPECT_EQ(errorOf([&] { known->update(); }).number, RecordChangedError);
 }
 
-// In a transaction it is an error, and nothing of what was begun is there.
+// In a transaction it is an error, and no partial change remains.
 TEST_F(HungServerTest, UndoesABrokenTransaction) {
     const auto rows = database->open("Settings", RecordsetMode::Dynaset);
     database->begin();
@@ -151,7 +151,7 @@ TEST_F(HungServerTest, UndoesABrokenTransaction) {
     EXPECT_EQ(PutDatabaseSetting(rows.get(), "D", "4", ""), 0);
     EXPECT_EQ(openOnServer("Log")->open("Settings", RecordsetMode::Dynaset)->recordCount(), 1);
 
-    // What is asked after it is asked for the first time: a row that others removed is not ours to remove.
+    // A later request is a first attempt: a row that others removed is not ours to remove.
     database->begin();
     wire->breakConnections();
     EXPECT_EQ(PutDatabaseSetting(rows.get(), "E", "5", ""), ServerCallFailed);
@@ -161,7 +161,7 @@ TEST_F(HungServerTest, UndoesABrokenTransaction) {
     EXPECT_EQ(errorOf([&] { rows->remove(); }).number, RecordDeletedError);
 }
 
-// Primary keys have the names that whoever made the table gave them.
+// Primary keys have the names given by whoever made the table.
 TEST_F(HungServerTest, HasKeysOfAnyName) {
     database->execute(
         "CREATE TABLE [UserPreferences] ([LoginName] NVARCHAR(20) NULL, [Name] NVARCHAR(255) NULL, "
@@ -176,13 +176,13 @@ TEST_F(HungServerTest, HasKeysOfAnyName) {
     EXPECT_EQ(database->table("UserPreferences")->indexes, QStringList{"PK__UserPref__3214EC07"});
     const auto rows = database->open("UserPreferences", RecordsetMode::Dynaset);
     EXPECT_TRUE(rows->updatable());
-    // An index over some of its fields is another one, as is one that lets values be there twice.
+    // An index over some of its fields is a different one, and so is one that allows duplicates.
     const Table more{"UserPreferences",
                      {{"LoginName", FieldKind::Text, 20}, {"Name", FieldKind::Text, 255}},
                      {{"ByName", {"Name"}, true}, {"Both", {"Name", "LoginName"}}}};
     EXPECT_EQ(CheckTable(*database, more), 0);
     EXPECT_EQ(database->table("UserPreferences")->indexes.size(), 3);
-    // One over other fields is another key.
+    // One over other fields is a different key.
     const Table other{"Settings",
                       {{"Item", FieldKind::Text, 250}, {"Value", FieldKind::Memo}},
                       {{"Other", {"Item", "Value"}, true}, {"Third", {"Item"}, true}}};

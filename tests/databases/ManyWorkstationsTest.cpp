@@ -1,5 +1,5 @@
-// Several workstations that start at the same moment on a station without databases: each opens the one
-// database that one of them makes, and nobody's events are lost.
+// Several workstations start at the same moment on a station without databases: each opens the one database
+// that one of them makes, and no event is lost.
 #include "DatabasesTest.h"
 
 #include "core/settings/Settings.h"
@@ -23,7 +23,7 @@ const QString Users = QStringLiteral("C:\\DATA\\USERS\\USERS25.MDB");
 
 class ManyWorkstationsTest : public DatabasesTest, public testing::WithParamInterface<DiskAbilities> {
 protected:
-    // Runs `work`, which gets the number of its workstation, in all of them at once.
+    // Runs `work` with the workstation's number in all of them at once.
     void atOnce(const std::function<bool(int)>& work) const {
         const StartingGun gun;
         std::vector<std::unique_ptr<OtherWorkstation>> all;
@@ -60,7 +60,7 @@ std::string nameOf(const testing::TestParamInfo<DiskAbilities>& disk) {
 TEST_P(ManyWorkstationsTest, OpenTheUsersDatabaseThatOneOfThemMakes) {
     const PlainDisk disk(GetParam());
     for (int round = 0; round < 10 && !HasFailure(); ++round) {
-        machine.write(Users, {}); // a file of no length is one to be made
+        machine.write(Users, {}); // a file of length 0 must be filled
         if (round % 2 == 0)
             platform::RemoveFile(Users);
         atOnce([&](int number) {

@@ -1,4 +1,4 @@
-// Connect strings as people write them.
+// Connect strings in the forms that people write.
 #include "databases/odbc/OdbcConnectString.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ TEST(OdbcConnectString, NamesTheDatabaseOnce) {
         {"ODBC;database=Old;DSN=P;Database = {O;ld} ;Y", "Songs", "DSN=P;Y;Database=Songs"},
         {"ODBC;DSN=P", "a;UID=sa", "DSN=P;Database={a;UID=sa};"},
         {"ODBC;DSN=P", "a}b", "DSN=P;Database={a}}b};"},
-        {"ODBC;PWD={a", "x", "PWD={a;Database=x"}, // an open brace: as it stands
+        {"ODBC;PWD={a", "x", "PWD={a;Database=x"}, // an open brace: kept as it stands
     };
     for (const auto& each : cases)
         EXPECT_EQ(DatabaseAttributes(each.connect, each.name).toStdString(), each.expected);

@@ -41,13 +41,13 @@ TEST_P(EveryWayTest, MakesAndDescribesDatabasesOfAnyName) {
         const QString name = QString::fromUtf8(each);
         SCOPED_TRACE(each);
         if (wire && name.contains("};"))
-            continue; // that driver knows no doubled braces
+            continue; // that driver does not support doubled braces
         DatabaseInformation information;
         information.Description = "kept";
         EXPECT_EQ(GetDatabaseInformation(name, &information, true, connect()), -1);
         EXPECT_EQ(information.Description, "kept");
         QString title = "  Title of " + name + "  ";
-        EXPECT_EQ(ValidateDatabase(name, 14, false, &title, connect()), 0); // a server is not asked about
+        EXPECT_EQ(ValidateDatabase(name, 14, false, &title, connect()), 0); // a server causes no question
         EXPECT_EQ(GetDatabaseInformation(name, &information, true, connect()), 0);
         EXPECT_EQ(information.FullName, name);
         EXPECT_EQ(information.Path, name);
@@ -96,7 +96,7 @@ TEST_P(EveryWayTest, LeavesAsItIsWhatADatabaseSays) {
     EXPECT_EQ(information.LastAccessedSoftware, "");
     EXPECT_EQ(information.LastBackup, "never");
 
-    // A table without a row is an answer; a database without the table is none of the suite's.
+    // A table without a row is a valid answer; a database without the table does not belong to the suite.
     openOnServer("A")->execute("DELETE FROM [Description]");
     EXPECT_EQ(GetDatabaseInformation("A", &information, false, connect()), 0);
     EXPECT_EQ(information.Description, "");
@@ -115,11 +115,11 @@ TEST_P(EveryWayTest, FindsDatabasesOfAKind) {
         makeOnServer(name, KOVAType);
     makeOnServer("Adverts", AdvertsType);
     ConnectToServer(connect())->execute("CREATE DATABASE \"Foreign\"");
-    // Not databases at all, but there: passed over.
+    // Not databases at all, but present: skipped.
     QFile(folder.filePath("Broken.db")).open(QIODevice::WriteOnly);
     QString first = "before";
     EXPECT_EQ(FindDatabaseOfType({}, KOVAType, &first, 0, connect()), 3);
-    EXPECT_EQ(first, ""); // on a server the count alone is told
+    EXPECT_EQ(first, ""); // for a server only the count is returned
     EXPECT_EQ(FindDatabaseOfType({}, KOVAType, &first, 2, connect()), 2);
     EXPECT_EQ(FindDatabaseOfType({}, AdvertsType, &first, 0, connect()), 1);
     EXPECT_EQ(FindDatabaseOfType({}, QuillType, &first, 0, connect()), 0);
@@ -131,7 +131,7 @@ TEST_P(EveryWayTest, BringsTablesUpToDate) {
     makeOnServer("Users", UsersDatabaseType);
     EXPECT_EQ(ValidateUsersDatabaseTables("Users", connect()), 0);
     {
-        // What is there is kept: a narrow field, a field of its own, a row.
+        // Existing things stay: a narrow field, a field of its own, a row.
         const auto database = openOnServer("Users");
         database->execute("DROP TABLE [UserPreferences]");
         database->createTable("UserPreferences", {"Own", FieldKind::Long}, true);
@@ -141,7 +141,7 @@ TEST_P(EveryWayTest, BringsTablesUpToDate) {
     EXPECT_EQ(ValidateUsersDatabaseTables("Users", connect()), 0);
     EXPECT_TRUE(texts().last().startsWith(
         "There was a problem adding the index 'Main' to the UserPreferences table"));
-    EXPECT_TRUE(texts().last().contains("#515")); // that row has no `Name`, and a key takes no nulls
+    EXPECT_TRUE(texts().last().contains("#515")); // that row has no `Name`, and a key allows no nulls
     const auto database = openOnServer("Users");
     const auto preferences = database->table("userpreferences");
     EXPECT_EQ(preferences->fields, (QStringList{"Own", "LoginName", "Name", "Preference"}));
@@ -194,7 +194,7 @@ TEST_P(EveryWayTest, KeepsEveryKindOfValue) {
             rows->set(table.fields[i].name, values[i]);
         rows->update();
     }
-    // Both as they were saved and as another connection reads them.
+    // As saved here and as another connection reads them.
     for (int turn = 0; turn < 2; ++turn) {
         for (std::size_t i = 0; i < std::size(values); ++i)
             EXPECT_EQ(rows->value(table.fields[i].name), values[i]) << i;
@@ -246,9 +246,9 @@ TEST_P(EveryWayTest, GivesTheNumbersThatTheSuiteKnows) {
     EXPECT_EQ(errorOf([&] { database->execute("SELECT 'unclosed"); }), ServerCallFailed);
     EXPECT_EQ(errorOf([&] { database->createTable("T", {"A", FieldKind::Long}, true); }), 3010);
     EXPECT_EQ(errorOf([&] { database->appendField("T", {"N", FieldKind::Long}, true); }), 3191);
-    EXPECT_EQ(errorOf([&] { database->appendIndex("T", {"Main", {"N"}}); }), 0); // the key is "TMain" there
+    EXPECT_EQ(errorOf([&] { database->appendIndex("T", {"Main", {"N"}}); }), 0); // "TMain" there
     EXPECT_EQ(errorOf([&] { database->appendIndex("T", {"Main", {"N"}}); }), 3284);
-    // The values of a row that is refused are kept for another try.
+    // The values of a refused row are kept for another try.
     rows->addNew();
     rows->set("A", "ONE ");
     EXPECT_EQ(errorOf([&] { rows->update(); }), DuplicateKeyError);
@@ -276,7 +276,7 @@ TEST_P(EveryWayTest, DoesNotOverwriteWhatOthersDid) {
     rows->set("Value", "mine");
     EXPECT_EQ(PutDatabaseSetting(theirs.get(), "A", "theirs", ""), 0);
     EXPECT_EQ(errorOf([&] { rows->update(); }), 3197);
-    rows->edit(); // reads it anew
+    rows->edit(); // reads it again
     EXPECT_EQ(rows->value("Value"), "theirs");
     rows->set("Value", "mine");
     rows->update();
@@ -313,11 +313,11 @@ TEST_P(EveryWayTest, WritesOnlyWhereItMay) {
         EXPECT_EQ(texts().size(), isTold ? 0 : 1);
         EXPECT_EQ(GetDatabaseSetting(rows.get(), "A", "none"), "none");
     }
-    // Without a unique index rows cannot be told apart.
+    // Without a unique index rows cannot be identified.
     const auto database = openOnServer("Log");
     database->createTable("Bare", {"A", FieldKind::Long}, true);
     EXPECT_FALSE(database->open("Bare", RecordsetMode::Table)->updatable());
-    // A table that is another owner's for this user.
+    // A table that belongs to another owner.
     QString title;
     EXPECT_EQ(ValidateDatabase("Theirs", 1, true, &title, connect("Deny=Description")), 0);
     EXPECT_EQ(
@@ -371,8 +371,8 @@ protected:
 
 } // namespace
 
-// The connection breaks, or the server undoes the transaction, at the first, the second, ... statement:
-// nothing is ever half done.
+// The connection breaks, or the server rolls back the transaction, at the first, the second, ... statement:
+// nothing is ever partially done.
 TEST_P(BrokenServerTest, LeavesNothingHalfDone) {
     const QString fault = QLatin1String(std::get<const char*>(GetParam()));
     const bool isLost = fault == "LoseAfter";

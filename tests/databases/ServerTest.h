@@ -1,5 +1,5 @@
-// A SQL server of a test's own: a folder, reached through the real driver manager, with the driver that lies
-// in tests/databases/server/ or over the wire.
+// A SQL server of a test's own: a folder, reached through the real driver manager, with the driver in
+// tests/databases/server/ or over the wire.
 #pragma once
 
 #include "databases/DatabasesTest.h"
@@ -21,7 +21,7 @@ protected:
         if (way == Way::Wire)
             wire.emplace(folder.path());
     }
-    // `more`: attributes behind those that lead to the server.
+    // `more`: attributes after those that lead to the server.
     QString connect(const QString& more = {}) const {
         return wire ? wire->connect(more)
                     : QStringLiteral("ODBC;DRIVER={Test Server};Server=%1;%2").arg(folder.path(), more);

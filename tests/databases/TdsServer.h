@@ -34,20 +34,20 @@ public:
             .arg(port_, more);
     }
 
-    // It goes on being connected and does not answer.
+    // It stays connected and does not answer.
     void hang() const {
         signal(SIGSTOP);
-        siginfo_t stopped{}; // all its threads
+        siginfo_t stopped{}; // of all its threads
         EXPECT_EQ(::waitid(P_PID, static_cast<id_t>(process_.processId()), &stopped, WSTOPPED), 0);
     }
     void wake() const { signal(SIGCONT); }
-    // Gives how many there were.
+    // Returns how many there were.
     int breakConnections() {
         signal(SIGUSR1);
         return whatItSays().toInt();
     }
-    // The connection that is about to get the n-th answer from now breaks: what was asked has been done.
-    // None for 0.
+    // The connection that would get the n-th answer from
+    // now breaks: its request has been done. 0 means none.
     void loseAnswer(int n) {
         sigval value{};
         value.sival_int = n;

@@ -1,4 +1,4 @@
-// The users database: made, shared, tidied daily, filled from an older file.
+// The users database: made, shared, cleaned up daily, filled from an older file.
 #include "DatabasesTest.h"
 
 #include "core/settings/Settings.h"
@@ -74,7 +74,7 @@ public:
         for (auto& pipe : pipes_)
             EXPECT_EQ(::pipe(pipe.data()), 0);
     }
-    // `side`: 0 for one process, 1 for the other. False: the other one does not come.
+    // `side`: 0 for one process, 1 for the other. False: the other one does not arrive.
     bool meet(std::size_t side) const {
         constexpr int Patience = 60000; // milliseconds
         char mark = 0;
@@ -95,7 +95,7 @@ TEST_F(UsersDatabaseTest, IsMadeFromNothing) {
     CloseUsersDatabase(state);
     EXPECT_EQ(state.information.FullName, "");
     EXPECT_EQ(rows(Path, "Description"), "Users Database,2.51,0");
-    // The first run is over, today's processing done, and no groups without an older file.
+    // The first run is over, today's processing done, and there are no groups without an older file.
     EXPECT_EQ(rows(Path, "Settings"), "FirstRun,1|LastAccountProcess,45371");
     EXPECT_EQ(rows(Path, "UserGroups"), "");
     EXPECT_EQ(mdb("mdb-tables", Path, {"-1"}).split('\n').join(' ').toStdString(),
@@ -127,8 +127,8 @@ TEST_F(UsersDatabaseTest, TakesEventsOfTwoWorkstationsInOneSecond) {
     AddEventToUserHistory(state, "ANN", 129, 1, "no database");
 }
 
-// Two processes with the database open all the while: what one enters the other sees at once, and so does a
-// program with another engine, though nobody has closed the file.
+// Two processes keep the database open: each sees at once what the other adds, and so does a program with
+// another engine, although nobody has closed the file.
 TEST_F(UsersDatabaseTest, ServesTwoProcessesAtOnce) {
     constexpr int Each = 5;
     const Meeting meeting;
@@ -143,7 +143,7 @@ TEST_F(UsersDatabaseTest, ServesTwoProcessesAtOnce) {
     CloseUsersDatabase(state);
     const OtherWorkstation other([&] { return work(1, "BOB") && meeting.meet(1); });
     EXPECT_TRUE(work(0, "ANN")) << texts().join('|').toStdString();
-    state.database->refresh(); // the last one may have met a reader
+    state.database->refresh(); // a reader may have blocked the last one
     const QStringList seen = QString::fromStdString(rows(Path, "UserHistory")).split('|');
     EXPECT_EQ(seen.size(), 2 * Each);
     EXPECT_EQ(seen.filter("BOB").size(), Each);
@@ -267,11 +267,11 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
     EXPECT_EQ(TransformPassword(column("Users", "Password").first(), true), "SECRET");
     EXPECT_NE(column("Users", "Password").first(), "SECRET");
 
-    // The offer is made once only.
+    // The offer is made only once.
     prompts.forget();
     open();
     EXPECT_TRUE(prompts.asked.isEmpty());
-    // By hand: No leads to the picker, Cancel ends it.
+    // Manually: No leads to the picker, Cancel ends it.
     prompts.answers = {Answer::No, Answer::Cancel};
     prompts.files = {std::nullopt};
     MakeDefaultGroupsAndImport(state, false);
@@ -279,8 +279,8 @@ TEST_F(UsersDatabaseTest, ImportsAnOlderFileOnTheFirstRun) {
     EXPECT_EQ(prompts.fileQuestions.size(), 1);
 }
 
-// Whatever there is room for, an attempt says what is wrong, leaves a sound file or none, and does not stand
-// in the way of the next.
+// With any amount of room, an attempt reports what is wrong, leaves a sound file or none, and does not block
+// the next.
 TEST_F(UsersDatabaseTest, AFullDiskLosesNothing) {
     const auto expectSound = [&] {
         if (!machine.exists(Path))

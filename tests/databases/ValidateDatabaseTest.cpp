@@ -66,7 +66,7 @@ TEST_F(ValidateDatabaseTest, AsksBeforeItMakesAFile) {
     EXPECT_EQ(prompts.textPrompts, QStringList{"Please enter a suitable description for this database"});
     EXPECT_EQ(rows(Path, "Description"), "News songs,2.5999999,1");
 
-    // What is there stays, whatever is asked for now.
+    // Existing things stay, whatever is requested now.
     title = QStringLiteral("Other");
     EXPECT_EQ(ValidateDatabase("C:\\DATA\\NEW", 14, false, &title), 0);
     EXPECT_EQ(rows(Path, "Description"), "News songs,2.5999999,1");
@@ -181,14 +181,14 @@ TEST_F(ValidateDatabaseTest, BringsTablesUpToDateAndKeepsTheRest) {
         row->update();
         row.reset();
         EXPECT_EQ(CheckTable(*database, songs), 0);
-        // An index that cannot be added is told and passed over. The primary one fails on the row that has
-        // no number.
+        // An index that cannot be added is reported and skipped. The primary one fails because of the row
+        // without a number.
         EXPECT_EQ(texts().size(), 2);
         EXPECT_TRUE(texts()[0].startsWith("There was a problem adding the index 'Main' to the Songs table"));
         EXPECT_TRUE(texts()[1].startsWith("There was a problem adding the index 'Bad' to the Songs table"));
         EXPECT_EQ(database->table("Songs")->fields, (QStringList{"Title", "Mine", "Number", "Notes", "Any"}));
         EXPECT_EQ(database->table("Songs")->indexes, QStringList{"ByTitle"});
-        // One that is there does not keep those after it from being added.
+        // An existing one does not prevent the addition of those after it.
         EXPECT_EQ(CheckTable(*database,
                              {"Songs", {songs.fields[1]}, {{"ByTitle", {"Title"}}, {"ByNotes", {"Any"}}}}),
                   0);
@@ -200,7 +200,7 @@ TEST_F(ValidateDatabaseTest, BringsTablesUpToDateAndKeepsTheRest) {
         rows->edit();
         rows->set("Notes", QString());
         rows->set("Any", QString(""));
-        rows->update(); // empty texts are allowed in fields that the check made
+        rows->update(); // empty texts are allowed in fields made by the check
         database->close();
     }
     EXPECT_EQ(ValidateDatabaseTables("C:\\DATA\\NONE.MDB", {}), 3024);

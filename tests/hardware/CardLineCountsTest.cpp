@@ -1,4 +1,4 @@
-// How many lines a card has: what is asked of the driver, and what is told when it fails.
+// How many lines a card has: the calls to the driver, and the reports of its failures.
 #include "hardware/CardLineCounts.h"
 #include "TestPlaces.h"
 #include "hardware/FakeDriver.h"
@@ -60,10 +60,10 @@ TEST(CardLineCounts, AskABoardForItsChannelsOrPorts) {
         qint16 inputs;
         qint16 outputs;
     };
-    // Counts beyond 16 bits and below 0 are held to them.
+    // Counts beyond 16 bits and below 0 are clamped.
     driver.addFixed(4, -1, 40000);
     EXPECT_EQ(countsOf(CardAdvantech, 4), (Counts{true, 32767, 0, 32767}));
-    // The fourth port is beyond those that are counted; mode 2 adds to neither, and all three to the total.
+    // The fourth port is not counted; mode 2 adds to neither count, all three to the total.
     for (const Case& c : {Case{{0, 1, 0, 0}, 16, 8}, Case{{3, 4, 1, 1}, 8, 16}, Case{{2, 9, -1, 0}, 0, 0}}) {
         for (const qint32 board : {6, 8, 9, 39}) {
             FakeDriver::Board& ports = driver.boards[5];
@@ -94,7 +94,7 @@ TEST(CardLineCounts, EachFailureHasItsMessageAndLeavesUsableCounts) {
         EXPECT_EQ(countsOf(CardAdvantech, c.device), c.counts) << c.failing;
         ASSERT_EQ(prompts.texts(), QStringList{c.message});
         EXPECT_EQ(prompts.asked[0].icon, platform::Icon::Exclamation);
-        // What was opened is closed.
+        // Every opened device is closed.
         EXPECT_EQ(driver.calls.count("close"), driver.calls.count("features"));
     }
     {
@@ -127,7 +127,7 @@ TEST(CardLineCounts, FailuresAreToldOnceForEachAction) {
 
 TEST(AdvantechDriver, LoadsALibraryThatHasAllOperations) {
     EXPECT_EQ(LoadAdvantechDriver("no-such-library"), nullptr);
-    // A library, but not one of a driver.
+    // A library, but not a driver's.
     EXPECT_EQ(LoadAdvantechDriver("libm.so.6"), nullptr);
     const auto driver = LoadAdvantechDriver(TOLVEX_ADSAPI);
     ASSERT_NE(driver, nullptr);

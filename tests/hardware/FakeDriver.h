@@ -1,5 +1,5 @@
-// A driver of a test's own: boards by device number, each step of a call able to fail. Installed for its
-// life.
+// A driver of a test's own: boards by device number, where each step of a call can fail. Installed while it
+// lives.
 #pragma once
 
 #include "hardware/AdvantechDriver.h"
@@ -25,7 +25,7 @@ public:
     FakeDriver(const FakeDriver&) = delete;
     FakeDriver& operator=(const FakeDriver&) = delete;
 
-    QMap<qint32, Board> boards; // a device that is not here does not open
+    QMap<qint32, Board> boards; // a missing device does not open
     QString failing;            // "features", "portModes" or "close"
     QStringList calls;          // "open 3", "features", ...
 
@@ -62,7 +62,7 @@ private:
     DriverSource before_;
 };
 
-// No driver at all, for a test's life.
+// No driver at all, during a test.
 struct NoDriver {
     NoDriver()
         : before(SetAdvantechDriver([]() -> AdvantechDriver* { return nullptr; })) {}

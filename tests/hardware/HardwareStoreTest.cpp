@@ -1,4 +1,4 @@
-// The card table in the ini file: keys and their order, what goes and what stays, and all of it or nothing.
+// The card table in the ini file: keys and their order, what is removed and what stays, all of it or nothing.
 #include "hardware/HardwareStore.h"
 
 #include "support/QtPrinters.h"
@@ -82,7 +82,7 @@ TEST(HardwareStore, WritesKeysInOrderAndReadsThemBack) {
 }
 
 TEST(HardwareStore, KeepsWhatIsNotItsOwnAndDropsWhatIsNotInUse) {
-    // Line 9 is beyond the controller's eight, line 2 is not in use, line 101 is no line of any card.
+    // Line 9 is beyond the controller's eight, line 2 is not in use, line 101 exists on no card.
     const QByteArray head = "; station 4\r\n[Audio]\r\nKHz=44100\r\n[Hardware1]\r\nCARDTYPE=3\r\n; wiring\r\n"
                             "BaseAddress=1\r\nNote=kept\r\n" +
                             lineKeys(1, "0", "Button", "1", "4");
@@ -93,13 +93,13 @@ TEST(HardwareStore, KeepsWhatIsNotItsOwnAndDropsWhatIsNotInUse) {
     EXPECT_EQ(station.cards[1].Lines[9].Action, 0);
     EXPECT_EQ(station.cards[1].Lines[9].LineType, 0);
     EXPECT_EQ(station.cards[2].CardType, 6);
-    // A type that is not known keeps its section as it is; a disabled card loses its own.
+    // An unknown type keeps its section unchanged; a disabled card loses its own.
     EXPECT_EQ(station.saved(), head + tail);
     station.cards[1].CardType = CardDisabled;
     EXPECT_EQ(station.saved(),
               "; station 4\r\n[Audio]\r\nKHz=44100\r\n; wiring\r\n[Hardware2]\r\nCardType=6\r\n"
               "Action1=1\r\n");
-    // An input that is not in use comes back as an output.
+    // An unused input reads back as an output.
     EXPECT_EQ(station.cards[1].Lines[2].LineType, 0);
 }
 
@@ -136,7 +136,7 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
         return bytes;
     };
     {
-        // The card says which lines are inputs, whatever the file says, and how many it has.
+        // The card determines which lines are inputs, whatever the file says, and how many there are.
         Station station(stored(5, {1, 40, 64, 65}).replace("LineType1=0", "LineType1=1"));
         EXPECT_TRUE(station.prompts.asked.isEmpty());
         EXPECT_EQ(station.cards[1].Lines[40].LineType, 0);
@@ -157,7 +157,7 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
         EXPECT_EQ(station.prompts.asked.size(), 2) << failing;
         if (!away)
             continue;
-        // What is set meanwhile is stored, without a type that nobody knows.
+        // Changes made meanwhile are stored, without unknown types.
         EXPECT_EQ(station.cards[1].Lines[16].LineType, 0);
         EXPECT_EQ(station.cards[1].Lines[17].LineType, 1);
         station.cards[1].Lines[17].Action = 0;
@@ -174,7 +174,7 @@ TEST(HardwareStore, AnAdvantechCardKeepsItsKeysWhileItsDriverFails) {
     driver.failing = "portModes";
     const QByteArray byPort = stored(6, {1, 40});
     EXPECT_EQ(Station(byPort).saved(), byPort);
-    // Away while the table is read, back when it is written.
+    // Missing while the table is read, present when it is written.
     driver.failing.clear();
     {
         std::optional<NoDriver> none(std::in_place);
@@ -216,7 +216,7 @@ TEST(HardwareStore, ADescriptionIsReadAsItWasSet) {
     }
 }
 
-// All three sections go down as one replacement of the file.
+// All three sections are written as one replacement of the file.
 TEST(HardwareStore, AFailureAtAnyStepLeavesTheOldFileOrTheNewOne) {
     const QByteArray old =
         "[Hardware1]\r\nCardType=3\r\nBaseAddress=1\r\n" + lineKeys(1, "0", "Old", "1", "4");

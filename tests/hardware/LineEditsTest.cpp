@@ -1,5 +1,5 @@
-// Changes of a block of lines: numbering up and down, rules of each action, groups of eight, fixed types, and
-// what the dialog does with a card as a whole.
+// Changes to a block of lines: numbering up and down, rules of each action, groups of eight, fixed types, and
+// the dialog's operations on a card as a whole.
 #include "support/QtPrinters.h"
 
 #include "hardware/CardSetup.h"
@@ -32,7 +32,7 @@ QList<qint32> firstData(const HardwareCard& card, int first, int last) {
 struct Rule {
     qint32 action;
     qint32 before;
-    QList<qint32> after; // of lines 1 to 12, handled from the first on
+    QList<qint32> after; // of lines 1 to 12, processed from the first on
 };
 
 class DefaultRules : public testing::TestWithParam<Rule> {};
@@ -194,7 +194,7 @@ TEST(CardSetup, SaysFromWhichDeviceTheLinesCame) {
 TEST(LineEdits, ALineIsSetOnlyWhereItBelongs) {
     HardwareCard card;
     card.Lines[2].LineType = 1;
-    card.Lines[2].Description = QString(300, u'x'); // as some other program left it
+    card.Lines[2].Description = QString(300, u'x'); // as left by another program
     const CardLines joystick{card, *FindCardType(CardJoystick), 4};
     HardwareLine line = card.Lines[2];
     line.Action = 2;
@@ -209,7 +209,7 @@ TEST(LineEdits, ALineIsSetOnlyWhereItBelongs) {
     EXPECT_EQ(card.Lines[1].Action, 0);
     EXPECT_EQ(SetLine({card, *FindCardType(CardRS232), 8}, 8, line), "");
     EXPECT_EQ(card.Lines[8].Description, "Lamp");
-    // Of a range, all or none.
+    // For a range, all or none.
     EXPECT_NE(SetDescription(joystick, {3, 4, 5}, "Desk"), "");
     EXPECT_EQ(card.Lines[3].Description, "");
     EXPECT_EQ(SetDescription(joystick, {3, 4}, "Desk"), "");

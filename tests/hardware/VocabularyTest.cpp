@@ -1,5 +1,5 @@
-// The whole vocabulary: what each list offers, in its order, what is stored for it, how it is shown, and the
-// way back from the words.
+// The whole vocabulary: what each list offers, in order, what is stored for it, how it is shown, and the way
+// back from the words.
 #include "support/QtPrinters.h"
 
 #include "hardware/HardwareStore.h"
@@ -146,8 +146,8 @@ TEST(Vocabulary, LinesAreShownAndDescribed) {
     }
 }
 
-// Every action and every value that a list offers: chosen, written, read again, shown, and found by its
-// words.
+// Every action and every listed value: chosen, written,
+// read again, shown, and found by its words.
 TEST(Vocabulary, EveryChoiceSurvivesTheFileAndItsWords) {
     TestMachine machine;
     HardwareCardTable cards;

@@ -1,6 +1,6 @@
-// The house rule: every include points to a lower floor; folders and rooms of one floor do not know each
-// other (but for rows that say so), nobody looks past the face of the engine, and no files include each other
-// in a circle.
+// The house rule: every include points to a lower floor; folders and rooms of one floor do not include each
+// other (except where rows say so), nobody looks past the face of the engine, and there are no circular
+// includes.
 #include "TestPlaces.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Folders from the ground up. The rooms of a folder stand on it or below it, as `rooms` says.
+// Folders from the ground up. The rooms of a folder are on its floor or below, according to `rooms`.
 const std::map<std::string, int> floors = {
     {"platform", 0}, {"jet", 0},     {"core", 1},     {"ui", 2},      {"databases", 3}, {"automation", 4},
     {"audio", 4},    {"network", 4}, {"hardware", 4}, {"station", 5}, {"console", 6},   {"app", 7},
@@ -69,14 +69,14 @@ std::string folderOf(const std::string& file) {
     return file.substr(0, file.find('/'));
 }
 
-// The room of a file below its folder, "" if it lies in none; a room within a room is one more.
+// The room of a file below its folder, "" if it is in none; a room within a room counts as one more.
 std::string roomOf(const std::string& file) {
     const std::size_t first = file.find('/');
     const std::size_t last = file.rfind('/');
     return first == last ? std::string() : file.substr(first + 1, last - first - 1);
 }
 
-// Every source file below src/, by its path from there, with the project files it includes.
+// Every source file below src/, by its path from there, with the project files that it includes.
 Includes readIncludes(const fs::path& root) {
     Includes includes;
     const std::regex line(R"rx(^\s*#\s*include\s*"([^"]+)")rx");
@@ -111,7 +111,7 @@ bool mayInclude(const std::string& from, const std::string& to) {
     const std::string folder = folderOf(from);
     const std::string target = folderOf(to);
     if (roomOf(to) == "posix" && (folder != target || roomOf(from) != "posix"))
-        return false; // its headers are its own: what it does is declared in other rooms
+        return false; // its headers are its own: other rooms declare what it does
     if (folder == target) {
         const auto& all = rooms.at(folder);
         return roomOf(from) == roomOf(to) || all.at(roomOf(to)) < all.at(roomOf(from));
@@ -132,7 +132,7 @@ std::vector<std::string> faults(const Includes& includes) {
             if (!hasFloor(target) || !mayInclude(file, target))
                 found.push_back(file + " includes " + target);
     }
-    // Circles: take away what includes nothing that is left, until nothing more goes.
+    // Circles: repeatedly removes files that include nothing that is left.
     Includes left = includes;
     for (bool removed = true; removed;) {
         removed = false;
@@ -175,11 +175,11 @@ TEST(Floors, AnUpwardArrowAndACircleAreFound) {
             .empty());
 }
 
-// Only the rooms posix/ ask the system for anything, so that no type or number of it leaves through a header
-// of another room; and the engine knows no Qt.
+// Only the rooms posix/ make system calls, so that no system type or number leaves through a header of
+// another room; and the engine does not use Qt.
 TEST(Floors, SystemHeadersStandInPosixOnly) {
     const fs::path root = fs::path(TOLVEX_SOURCE_DIR) / "src";
-    // Headers of the language have no ending; Qt's begin with Q. The rest is the system's, but for two
+    // Headers of the language have no extension; Qt's begin with Q. The rest is the system's, except two
     // libraries.
     const std::regex system(
         R"rx(#\s*include\s*<(?!(sql|sqlext|chm_lib)\.h>)([^Q>][^>]*[./][^>]*|cerrno|csignal)>|\berrno\b|\b(_WIN32|Q_OS_\w+)\b)rx");

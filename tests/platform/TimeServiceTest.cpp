@@ -1,4 +1,4 @@
-// Setting the system's clock by way of its time service, on a bus of the test's own, so that no clock moves.
+// Sets the system's clock through its time service, on a bus of the test's own, so that no clock moves.
 #include "platform/Clock.h"
 #include "support/WaitFor.h"
 #include "support/WithoutRights.h"
@@ -18,7 +18,7 @@ namespace {
 
 const QDateTime moment = QDateTime::fromSecsSinceEpoch(1735689600);
 
-// The time service as the tests want it.
+// A time service with the behaviour that the tests want.
 class FakeService : public QDBusVirtualObject {
 public:
     QString introspect(const QString&) const override { return {}; }
@@ -61,7 +61,7 @@ private:
 
 } // namespace
 
-// First of all, as a process that has used a bus cannot be doubled.
+// This comes first, as a process that has used a bus cannot fork.
 TEST(SystemClock, IsNotSetByThoseWhoMayNot) {
     EXPECT_TRUE(PassesWithoutRights([] {
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus");

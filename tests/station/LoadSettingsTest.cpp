@@ -57,7 +57,7 @@ TEST_F(LoadSettings, AllSettingsInTheirOrder) {
     EXPECT_TRUE(prompts.asked.isEmpty());
     EXPECT_EQ(CheckConfiguration(station), QString());
 
-    // A load and a save: the file holds every key afterwards, and another load and save change nothing.
+    // A load and a save: the file then holds every key, and another load and save change nothing.
     EXPECT_EQ(SaveLocalSettings(station.settings, station.settings.LocalIniFile), platform::ProfileOk);
     const QByteArray saved = machine.read(localIni);
     begin();
@@ -183,7 +183,7 @@ TEST_F(LoadSettings, WhatIsMissingIsNamedLineByLine) {
               "LinkMesh ID No has not been set\nthe Default Audio Format has not been set");
 
     begin();
-    // Locations are tested once; parts that share one share its state, and parts without carts do not count.
+    // Each location is tested once; parts that share one share its state; parts without carts are ignored.
     configure();
     LoadAllSettings(station);
     station.settings.NoCarts = 2500;

@@ -48,7 +48,7 @@ TEST_F(SessionTest, SavesAndClosesWhatItOpened) {
         return platform::ProfileInteger("AudioWall", "CartMinimumWidth", 0, "TOLVEX.INI");
     };
     EXPECT_EQ(stored(), 3210);
-    // It has ended: nothing is saved once more.
+    // It has ended: it does not save again.
     station.settings.CartMinimumWidth = 99;
     session.end();
     EXPECT_EQ(stored(), 3210);
@@ -84,7 +84,7 @@ TEST_F(SessionTest, AnotherCopyOrACancelledChoiceSavesNothing) {
     EXPECT_EQ(platform::FolderNames("C:\\WINDOWS").filter(".ini", Qt::CaseInsensitive), QStringList());
 }
 
-// Nothing is shared: what one has open and knows is unknown to the other.
+// Nothing is shared: each is independent of the other's open files and settings.
 TEST_F(SessionTest, TwoWorkstationsKnowNothingOfEachOther) {
     configure("A.INI", "D:");
     configure("B.INI", "E:");

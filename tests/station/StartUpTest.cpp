@@ -35,7 +35,7 @@ TEST_F(StartUpTest, SwitchesAreFoundAnywhereInTheCommandLine) {
     EXPECT_EQ(station.settings.DebugLevel, 0);
     EXPECT_EQ(RunByProgram(station.startUp), QString());
 
-    // A letter that grows when it is upper-cased moves nothing.
+    // A letter that becomes longer in upper case moves nothing.
     EXPECT_TRUE(start("ß /RUNBY= straße.exe "));
     EXPECT_EQ(RunByProgram(station.startUp), QString::fromUtf8("straße.exe"));
 }

@@ -1,5 +1,5 @@
-// What the tests of start-up and loading start from: a machine of their own, prompts by script, a clock that
-// stands still, no sound devices, and a workstation of which nothing is known yet.
+// Common start of the tests of start-up and loading: a machine of their own, scripted prompts, a stopped
+// clock, no sound devices, and an empty workstation.
 #pragma once
 
 #include "platform/devices/WaveDevices.h"
@@ -20,7 +20,7 @@ protected:
     StationTest() { platform::SetWaveDevices({}, {}); }
     ~StationTest() override { platform::SetOperatingSystem({10, 0, 0, 2, {}}); }
 
-    // As a new start of the program has it.
+    // As at a new start of the program.
     void begin() { held_.emplace(); }
 
     TestMachine machine;

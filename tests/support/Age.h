@@ -13,7 +13,7 @@
 
 namespace tolvex::tests {
 
-// Gives what lies at a host path a time of change an hour ago.
+// Sets the time of change at a host path to an hour ago.
 inline void LetAge(const QString& hostPath) {
     const struct timespec hourAgo { std::time(nullptr) - 3600, 0 };
     const struct timespec times[2] = {hourAgo, hourAgo};

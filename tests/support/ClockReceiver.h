@@ -24,7 +24,7 @@ public:
     int level = 4;
     bool isMute = false;
     QByteArray requests; // letters that were asked in full
-    // How an answer goes onto the line.
+    // How an answer is sent on the line.
     std::function<void(const QByteArray&)> answer = [this](const QByteArray& line) { device.send(line); };
 
     static QByteArray timeLine(const QDateTime& time, char status) {

@@ -25,15 +25,15 @@ struct Plan {
     int at = 0;
     int operations = 0;
 };
-// Shared with the process that runs the job; null where none does.
+// Shared with the process that runs the job; null in all others.
 Plan* plan = nullptr;
 
 tolvex::tests::DiskAbilities disk;
 
 enum class Kind { TakesRoom, Other };
 
-// Counts an operation. 0, or the error it is to fail with; does not return where the process dies, after
-// `half` of it was done.
+// Counts an operation. Returns 0, or the error for it to fail with; does not return if the process dies,
+// after `half` of it was done.
 template<typename Half>
 int meet(Kind kind, Half half) {
     if (!plan)
@@ -98,7 +98,7 @@ int ftruncate(int file, off_t length) noexcept {
     return guarded(meet(Kind::Other), [&] { return int(::syscall(SYS_ftruncate, file, length)); });
 }
 
-// Nothing that a process has written goes with it: flushing is counted, and the disk spared.
+// A process's writes survive its death: flushing is counted, and the disk spared.
 int fsync(int) {
     return guarded(meet(Kind::Other), [] { return 0; });
 }

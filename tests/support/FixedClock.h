@@ -1,4 +1,4 @@
-// A clock of a test's own: stands still until the test or a wait moves it. Installed for its life.
+// A clock of a test's own: stands still until the test or a wait moves it. Installed while it lives.
 #pragma once
 
 #include "platform/Clock.h"
@@ -16,9 +16,9 @@ public:
     FixedClock& operator=(const FixedClock&) = delete;
 
     QDateTime time;
-    platform::ClockRefusal refusal; // what an attempt to set it gets
-    QList<bool> attempts;           // whether the user could have been asked, for each
-    double slept = 0;               // seconds, in all
+    platform::ClockRefusal refusal; // the result of an attempt to set it
+    QList<bool> attempts;           // for each, whether the user could have been asked
+    double slept = 0;               // total seconds
 
     QDateTime now() const override { return time; }
     void sleep(double seconds) override {

@@ -1,5 +1,5 @@
-// A machine of a test's own: a temporary machine folder in force from construction to destruction, with
-// drive C: and any others the test declares. Everything in it goes with it.
+// A machine of a test's own: a temporary machine folder that is current while the object lives, with drive C:
+// and any others that the test declares. Its contents are deleted with it.
 //
 //     TestMachine machine;
 //     machine.addDrive(u'M', DriveType::Remote);
@@ -24,14 +24,14 @@ public:
     TestMachine(const TestMachine&) = delete;
     TestMachine& operator=(const TestMachine&) = delete;
 
-    // Puts the machine in force again, as a new start of the program finds it: nothing remembered.
+    // Makes the machine current again, as at a new start of the program: without caches.
     void use() {
         QString why;
         if (!folder_.isValid() || !platform::SetMachineFolder(folder_.path(), &why))
             throw std::runtime_error(("No machine folder: " + why).toStdString());
     }
 
-    // Host paths, for what only the host can do.
+    // Host paths, for operations of the host only.
     QString path() const { return folder_.path(); }
     QString host(const QString& windowsPath) const { return platform::HostPath(windowsPath); }
 
@@ -63,7 +63,7 @@ public:
             throw std::runtime_error(("Not written: " + windowsPath).toStdString());
     }
     void makeFolder(const QString& windowsPath) { QDir().mkpath(host(windowsPath)); }
-    // Empty when it is missing; exists() tells the two apart.
+    // Empty if it is missing; use exists() to distinguish.
     QByteArray read(const QString& windowsPath) const {
         QFile file(host(windowsPath));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();

@@ -1,4 +1,4 @@
-// A disk without room: files end at a limit that the system sets.
+// A disk without room: the system limits the size of files.
 #pragma once
 
 #include <csignal>
@@ -7,7 +7,7 @@
 
 namespace tolvex::tests {
 
-// Files of this process end here while the object lives.
+// While the object lives, files of this process cannot grow beyond this.
 class NoRoom {
 public:
     explicit NoRoom(std::uintmax_t bytes) {

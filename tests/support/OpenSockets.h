@@ -1,4 +1,4 @@
-// How many sockets this process has open. Its other files come and go: the threads that ask drives have some.
+// The number of sockets this process has open. Its other files vary: the threads that ask drives have some.
 #pragma once
 
 #include <QDir>

@@ -12,7 +12,7 @@ namespace tolvex::tests {
 
 class OtherWorkstation {
 public:
-    // `work` gives true when all went well.
+    // `work` returns true on success.
     explicit OtherWorkstation(const std::function<bool()>& work)
         : id_(::fork()) {
         if (id_ == 0)
@@ -29,7 +29,7 @@ private:
     pid_t id_;
 };
 
-// Lets processes that are made while it lives begin at the same moment.
+// Makes processes created while it lives start at the same moment.
 class StartingGun {
 public:
     StartingGun() { EXPECT_EQ(::pipe(ends_), 0); }
@@ -37,7 +37,7 @@ public:
     StartingGun(const StartingGun&) = delete;
     StartingGun& operator=(const StartingGun&) = delete;
 
-    // In a process: returns when it is fired.
+    // In a process: returns when it is released.
     void wait() const {
         ::close(ends_[1]);
         char none = 0;

@@ -1,5 +1,5 @@
-// A serial device of a test's own: a pair of pseudo terminals. The program opens the one as a port; the test
-// is the device at the other end.
+// A serial device of a test's own: a pair of pseudo terminals. The program opens one as a port; the test is
+// the device at the other end.
 //
 //     PseudoTerminal device;
 //     machine.link("com1", device.path());
@@ -27,7 +27,7 @@ namespace tolvex::tests {
 
 class PseudoTerminal {
 public:
-    // A program of its own would see that this one has the port open: for such a test it is not held.
+    // Another program would see that this one has the port open: such a test does not hold it.
     enum class Hold { Open, Free };
     explicit PseudoTerminal(Hold hold = Hold::Open)
         : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
@@ -65,9 +65,9 @@ public:
                 done += count;
         }
     }
-    // The device takes nothing any more, or takes again.
+    // The device stops accepting bytes, or accepts them again.
     void setDeaf(bool deaf) { notifier_->setEnabled(!deaf); }
-    // Pulls the device out.
+    // Unplugs the device.
     void unplug() {
         notifier_.reset();
         timer_.stop();
@@ -77,7 +77,7 @@ public:
             ::close(master_);
         slave_ = master_ = -1;
     }
-    // How the program has set the line.
+    // The line settings made by the program.
     struct termios line() const {
         struct termios settings {};
         ::tcgetattr(slave_, &settings);

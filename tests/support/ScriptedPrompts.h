@@ -1,12 +1,12 @@
-// Prompts of a test: answers by script and writes down what was asked and shown. Installed for its life.
+// Prompts of a test: answer by script and record what was asked and shown. Installed while they live.
 //
 //     ScriptedPrompts prompts;
 //     prompts.answers = {Answer::Yes, Answer::Cancel};
 //     ...
 //     EXPECT_EQ(prompts.texts(), QStringList{"Do you wish ..."});
 //
-// A question beyond the script fails the test and gets its default answer; so does a chooser beyond its
-// script, with Cancel. A plain message (Ok alone) needs no answer.
+// A question beyond the script fails the test and gets its default answer; a chooser beyond its script fails
+// too, with Cancel. A plain message (only Ok) needs no answer.
 #pragma once
 
 #include "platform/Prompts.h"
@@ -38,7 +38,7 @@ public:
     std::deque<QString> configurationSets;
     std::deque<bool> progressGoesOn;     // answers of steps; true when it runs out
     std::function<void()> whileWaiting;  // runs in each processEvents
-    std::function<void()> beforeAnswers; // runs before each answer, as another program would
+    std::function<void()> beforeAnswers; // runs before each answer, like another program
 
     // What happened.
     QList<platform::Message> asked;
@@ -47,7 +47,7 @@ public:
     QStringList textPrompts;
     QList<qint32> colourInitials;
     QStringList progressTitles;
-    QStringList splashes; // status lines; a null text where it was hidden
+    QStringList splashes; // status lines; null when it was hidden
     QStringList notices;  // "<file>|<caption>"
     QStringList setChoices;
     QStringList addresses;

@@ -1,5 +1,5 @@
-// Sound devices of a test's own, declared to the real sound system: outputs that write what is played into a
-// file, inputs that read what is recorded from one. In force until destruction.
+// Sound devices of a test's own, declared to the real sound system: outputs that write to a file, inputs that
+// read from one. They exist while the object lives.
 #pragma once
 
 #include "platform/devices/WaveDevices.h"
@@ -24,7 +24,7 @@ public:
     SoundDevices& operator=(const SoundDevices&) = delete;
 
     // Outputs "The <name>" write 16-bit frames to played(name); inputs read recorded(name).
-    // `more` is declared as it stands.
+    // `more` is added to the declaration unchanged.
     void declare(const QStringList& outputs, const QStringList& inputs = {}, const QString& more = {}) {
         QString text =
             QStringLiteral("pcm.null { type null hint { show on description \"Nothing\" } }\n") + more;
@@ -50,7 +50,7 @@ public:
     QString played(const QString& name) const { return folder_.filePath(name + ".played"); }
     QString recorded(const QString& name) const { return folder_.filePath(name + ".recorded"); }
 
-    // Stereo samples that were played so far.
+    // The stereo samples played so far.
     std::vector<qint16> samplesOf(const QString& name) const {
         QFile file(played(name));
         const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -59,7 +59,7 @@ public:
             std::memcpy(samples.data(), bytes.constData(), samples.size() * 2);
         return samples;
     }
-    // What an input gives: a tone in both sides, in parts of full scale.
+    // The sound at an input: a tone in both channels, as a fraction of full scale.
     void record(const QString& name, double left, double right, int frames = 44100) const {
         QByteArray bytes;
         for (int i = 0; i < frames; ++i)

@@ -1,4 +1,4 @@
-// A clock whose time passes only when the test lets it, and which runs steps that were put off until then.
+// A clock whose time passes only when the test moves it, and which runs delayed calls at their time.
 #pragma once
 
 #include "support/FixedClock.h"
@@ -15,13 +15,13 @@ class VirtualClock : public FixedClock {
 public:
     using FixedClock::FixedClock;
 
-    // Milliseconds that passed since the start, whatever the clock was set to meanwhile.
+    // Milliseconds since the start, independent of setting the clock.
     qint64 passed = 0;
 
     void after(int milliseconds, QObject* context, std::function<void()> work) override {
         steps_.push_back({passed + milliseconds, context, std::move(work)});
     }
-    // Goes to the time of the next step and runs it; false where it lies beyond `end`, which is then reached.
+    // Moves to the time of the next call and runs it; false if that is after `end`, which is then reached.
     bool step(qint64 end) {
         const auto next = std::min_element(steps_.begin(), steps_.end(),
                                            [](const Step& a, const Step& b) { return a.due < b.due; });

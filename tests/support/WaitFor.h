@@ -1,4 +1,4 @@
-// Waiting with the event loop running, as the program waits.
+// Waits with the event loop running, as the program does.
 #pragma once
 
 #include <QCoreApplication>
@@ -9,7 +9,7 @@
 
 namespace tolvex::tests {
 
-// Runs events until the condition holds; false when it does not within `milliseconds`.
+// Runs events until the condition holds; false if it does not within `milliseconds`.
 template<typename Condition>
 bool waitFor(Condition condition, int milliseconds = 10000) {
     const QDeadlineTimer end(milliseconds);
@@ -22,7 +22,7 @@ bool waitFor(Condition condition, int milliseconds = 10000) {
     return true;
 }
 
-// Runs events for a while, for what must not happen.
+// Runs events for a while, for things that must not happen.
 inline void runEvents(int milliseconds) {
     waitFor([] { return false; }, milliseconds);
 }

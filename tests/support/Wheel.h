@@ -1,4 +1,4 @@
-// The mouse wheel, turned over a widget as a user does it.
+// Turns the mouse wheel over a widget as a user does.
 #pragma once
 
 #include <QApplication>
@@ -13,7 +13,7 @@ inline void RollWheel(QWidget* over, bool up = false) {
     const QPointF at(over->rect().center());
     QWheelEvent wheel(at, over->mapToGlobal(at), {}, QPoint(0, up ? 120 : -120), Qt::NoButton, {},
                       Qt::NoScrollPhase, false);
-    QSpontaneKeyEvent::setSpontaneous(&wheel); // others do not go on to the parent
+    QSpontaneKeyEvent::setSpontaneous(&wheel); // others are not passed on to the parent
     qApp->notify(over, &wheel);
 }
 

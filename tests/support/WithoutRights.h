@@ -1,4 +1,4 @@
-// The tests' user often may do everything; checks of missing rights run as somebody else.
+// The tests' user often has all rights; checks of missing rights run as somebody else.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@ namespace tolvex::tests {
 
 inline constexpr uid_t nobody = 65534;
 
-// Runs a test's checks in a process of its own without the rights of root. True when none failed there.
+// Runs a test's checks in a process of its own without root's rights. True if none failed there.
 template<class Checks>
 bool PassesWithoutRights(Checks checks) {
     const pid_t child = ::fork();

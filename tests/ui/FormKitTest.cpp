@@ -1,5 +1,5 @@
 // The kit for forms, driven by keyboard and mouse: fields that fill and take a record, rules that say why a
-// control cannot be used, errors that are shown at their field, changes that are asked about, boxes of
+// control is disabled, errors that are shown at their field, questions about unsaved changes, boxes of
 // digits, colours.
 #include "support/MachineFolder.h"
 #include "support/QtPrinters.h"
@@ -192,7 +192,7 @@ TEST(FormBinding, NamesTheFirstNumberThatDoesNotFit) {
     EXPECT_EQ(binding.wrong()->control, form.get<QLineEdit>("txtSeconds"));
 }
 
-// The settings bring their rows; those that their form fills in a way of its own are left to it.
+// The settings have their own rows; a form fills some of them in its own way.
 TEST(SettingBinding, BindsTheRowsThatNameTheFormAndItsControl) {
     QWidget form;
     form.setObjectName("frmDateTimeSetup");
@@ -288,7 +288,7 @@ TEST(FitForm, LeavesRoomForAnErrorMark) {
 TEST(FormChanges, CountWhatCanBeUsedAndAskOnce) {
     ScriptedPrompts prompts;
     Form form;
-    // The editor of a cell is no field of the form.
+    // The editor of a cell is not a field of the form.
     auto* grid = form.add<QTableWidget>(form.first, "grid");
     auto* editor = new QLineEdit(grid->viewport());
     FormChanges changes(&form, "chkTicked sldSpeed");

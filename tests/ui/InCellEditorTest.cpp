@@ -1,4 +1,4 @@
-// An editor over the cells of any grid: it is closed or open, and what is open ends once.
+// An editor over the cells of any grid: it is closed or open, and an open one ends exactly once.
 #include "ui/binding/InCellEditor.h"
 #include "ui/binding/OptionList.h"
 
@@ -58,7 +58,7 @@ TEST(InCellEditor, EndsOnceByCommitOrByDrop) {
     EXPECT_TRUE(grid.hasFocus());
     grid.editor.commit();
     EXPECT_EQ(grid.ended, (QStringList{"stored One", "dropped"}));
-    // A key that opened it replaces the text.
+    // The key that opened it replaces the text.
     const QKeyEvent key(QEvent::KeyPress, Qt::Key_X, {}, "x");
     grid.openText(2, &key);
     QTest::keyClicks(grid.box, "y");
@@ -81,10 +81,10 @@ TEST(InCellEditor, AListTellsEachChoiceAndEndsWithTheLast) {
     grid.editor.openList(grid.list, grid.model()->index(0, 0), choices, 2);
     EXPECT_EQ(grid.list->currentText(), "Right");
     grid.editor.commit();
-    grid.list->view()->window()->close(); // late news of a list that is gone
+    grid.list->view()->window()->close(); // a late event of a list that is gone
     QCoreApplication::processEvents();
     EXPECT_EQ(grid.ended, (QStringList{"list", "list"}));
-    // Closed by somebody else, as a click outside does.
+    // Closed from outside, for instance by a click.
     grid.editor.openList(grid.list, grid.model()->index(1, 0), choices, 2);
     grid.list->view()->window()->hide();
     EXPECT_TRUE(QTest::qWaitFor([&grid] { return !grid.editor.isOpen(); }));

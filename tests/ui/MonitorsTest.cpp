@@ -8,7 +8,7 @@ using namespace tolvex;
 
 namespace {
 
-// Screens as declared; handles are 1, 2, ... None declared: a system without support for several.
+// Declared screens; handles are 1, 2, ... None declared: a system without support for several.
 class DeclaredScreens : public MonitorSystem {
 public:
     explicit DeclaredScreens(QList<QRect> screens)
@@ -52,7 +52,7 @@ TEST(Monitors, ListsEachMonitorOnceFromTheVirtualOrigin) {
     EXPECT_FALSE(two.Monitor(0));
     EXPECT_FALSE(two.Monitor(3));
 
-    // A monitor left of and above the primary is met first.
+    // A monitor left of and above the primary is found first.
     const clsMonitors left = monitors({QRect(0, 0, 1280, 1024), QRect(-1280, -200, 1280, 1024)});
     ASSERT_EQ(left.Count(), 2);
     EXPECT_EQ(left.Monitor(1)->Left, -1280);
@@ -74,7 +74,7 @@ TEST(Monitors, CentresAFormOnItsOwnersMonitor) {
     form.resize(401, 300);
     screens.CenterFormOnMonitor(&form, &owner);
     EXPECT_EQ(form.pos(), QPoint(-1000 + 299, 250));
-    // Larger than the monitor: the cut is towards zero.
+    // Larger than the monitor: truncates towards zero.
     form.resize(1003, 300);
     screens.CenterFormOnMonitor(&form, &owner);
     EXPECT_EQ(form.x(), -1000 - 1);

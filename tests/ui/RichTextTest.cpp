@@ -76,7 +76,7 @@ TEST(RichText, DamagedFilesGiveWhatIsThere) {
     EXPECT_EQ(plain("{\\rtf1 a}tail}}"), QStringLiteral("a"));
     EXPECT_EQ(plain("{\\rtf1 a\\bin99999999 b"), QStringLiteral("a"));
     EXPECT_EQ(plain("{\\rtf1 \\fs99999999999999 x\\'zz\\u}"), QStringLiteral("x") + QChar(0));
-    // Deeper than it goes: the text inside is dropped, the text behind it is not.
+    // Nested beyond the limit: the text inside is dropped, the text after it is not.
     const QByteArray deep = "{\\rtf1 a" + QByteArray(5000, '{') + "x" + QByteArray(5000, '}') + "b}";
     EXPECT_EQ(plain(deep), QStringLiteral("ab"));
     EXPECT_FALSE(IsRichText("plain"));

@@ -1,4 +1,4 @@
-// What is drawn can be seen and told apart in light and dark, and the wheel changes nothing in passing.
+// Everything is visible and distinct in light and dark, and the wheel changes nothing in passing.
 #include "support/Wheel.h"
 
 #include "ui/style/Colours.h"
@@ -109,7 +109,7 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
     EXPECT_EQ(number->value(), 1);
     EXPECT_EQ(slider->value(), 1);
     EXPECT_EQ(tabs->currentIndex(), 1);
-    // With the focus each is turned by the wheel as ever.
+    // With the focus the wheel turns each as usual.
     list->setFocus();
     EXPECT_EQ(roll(list), 0);
     EXPECT_EQ(list->currentIndex(), 2);
@@ -122,6 +122,6 @@ TEST(WheelGuard, AFieldWithoutTheFocusKeepsItsValueAndItsFormScrolls) {
     tabs->setFocus();
     roll(tabs);
     EXPECT_EQ(tabs->currentIndex(), 2);
-    // A scroll bar is no field.
+    // A scroll bar is not a field.
     EXPECT_GT(roll(area.verticalScrollBar()), 0);
 }

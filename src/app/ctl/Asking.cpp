@@ -9,7 +9,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// Runs the routine of the command; what the databases kept to themselves makes it fail.
+// Runs the routine of the command; errors that the databases kept silent make it fail.
 int run(Call& call) {
     SilentErrors silent;
     QString why;

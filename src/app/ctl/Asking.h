@@ -1,4 +1,4 @@
-// Running commands: what every call shares, and commands that ask other commands, for a report, for the
+// Runs commands: what every call shares, and commands that ask other commands, for a report or for the
 // completion of words.
 #pragma once
 
@@ -6,25 +6,25 @@
 
 namespace tolvex::ctl {
 
-// Puts the machine folder in force that the options name, and takes the ini files that they name. False, with
-// a sentence in *why, when one cannot be used.
+// Makes the machine folder of the options current, and uses the ini files that they name. False, with a
+// sentence in *why, if one cannot be used.
 bool SettleMachine(const CommandLine& line, StartUp& startUp, QString* why);
 
-// Settles the machine and runs the command. One that changes nothing only looks at the machine. Gives its
-// exit status.
+// Prepares the machine and runs the command, in read-only mode if it changes nothing. Returns its exit
+// status.
 int RunCommand(const CommandLine& line, Call& call);
 
-// How the output of a command ends that had this exit status.
+// The ending of a command's output for this exit status.
 Output::Ending EndingOf(int status);
 
-// What a command answers.
+// The answer of a command.
 struct Answer {
     int status = Failed;
-    QJsonDocument document; // what it writes with --json
+    QJsonDocument document; // its output with --json
 };
 
 // Runs a command that changes nothing, on a workstation of its own with the ini files of `startUp` in the
-// machine folder that is in force. Nothing is written or asked.
+// current machine folder. Nothing is written or asked.
 Answer Ask(const QStringList& words, const StartUp& startUp);
 
 } // namespace tolvex::ctl

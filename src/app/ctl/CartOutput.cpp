@@ -9,7 +9,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// Times are stored with the precision of a 32-bit float; thousandths are what they mean.
+// Times are stored as 32-bit floats; they are meant to a thousandth.
 double seconds(float value) {
     return std::isfinite(value) ? std::round(static_cast<double>(value) * 1000) / 1000 : 0;
 }
@@ -23,8 +23,8 @@ QString withoutBlanks(QString line) {
 } // namespace
 
 const QString NoIniChosen = QStringLiteral("No local ini file was chosen.");
-const QString NoCartListOpens = QStringLiteral(
-    "No cart list could be opened; \"tolvexctl carts locations\" tells which folders are missing.");
+const QString NoCartListOpens =
+    QStringLiteral("No cart list could be opened; \"tolvexctl carts locations\" lists the missing folders.");
 
 std::optional<qint32> CartNumber(const QString& text) {
     bool good = false;

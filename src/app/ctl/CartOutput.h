@@ -1,4 +1,4 @@
-// What the commands of the audiowall share: how a cart is written, and opening a list for reading.
+// Shared by the commands of the audiowall: writing a cart, and opening a list for reading.
 #pragma once
 
 #include "app/ctl/Command.h"
@@ -9,20 +9,20 @@
 
 namespace tolvex::ctl {
 
-// What a command fails with when settings or lists are not there.
+// The status if settings or lists are missing.
 extern const QString NoIniChosen;
 extern const QString NoCartListOpens;
 
-// A cart number given as an argument; nothing unless it is one from 1 to HighestCart.
+// A cart number given as an argument; nothing unless it is from 1 to HighestCart.
 std::optional<qint32> CartNumber(const QString& text);
-// What a command says of any other.
+// The message for any other argument.
 QString NoCartNumber(const QString& text);
 
-// A cart in JSON, and the columns that people see of it.
+// A cart in JSON, and the columns for people.
 QJsonObject CartAsJson(qint32 number, const CartRecord& cart, qint16 status);
 const Columns& CartColumns();
 
-// Opens the list of a part for reading. False, with a note, when it cannot be opened.
+// Opens the list of a part for reading. False, with a note, if it cannot be opened.
 bool OpenForReading(const Call& call, const CartListFacts& list);
 
 // The row of "carts find".

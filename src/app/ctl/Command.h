@@ -1,5 +1,5 @@
 // One command of tolvexctl as a row: its words, its arguments, its options, its help and the routine that
-// does it. Parsing, help, the manual page and the shell completion all work from these rows.
+// runs it. Parsing, help, the manual page and the shell completion all use these rows.
 //
 // A subject has a file of its own with its rows and their routines ("ProfileCommands.cpp"); Commands.cpp
 // joins them.
@@ -19,7 +19,7 @@ namespace tolvex::ctl {
 
 // Exit status of every command.
 enum Exit : int {
-    Done = 0,  // or: the answer is yes
+    Done = 0,  // also: the answer is yes
     No = 1,    // the answer is no: not configured, nothing found, check failed
     Usage = 2, // wrong usage
     Failed = 3 // standard error says why
@@ -31,11 +31,11 @@ struct Option {
     const char* help = "";
 };
 
-// A command as it was called.
+// A command with its actual arguments.
 struct Call;
 
-// Where a name without a folder lies: in the Windows folder, for ini files, as it does for the suite, or in
-// the folder that the shell is in.
+// The folder of a bare file name: the Windows folder, for ini files as in the suite, or the shell's current
+// folder.
 enum class BareFile { WindowsFolder, ShellFolder };
 
 struct Command {
@@ -44,8 +44,8 @@ struct Command {
     const char* help;      // what it does, a phrase without a full stop
     int (*run)(Call& call);
     std::vector<Option> options = {};
-    // Whether a call changes anything; null: none does. While a call that does not change anything runs, the
-    // machine is only looked at (platform/LookOnly.h), whatever the routine uses.
+    // Whether a call changes anything; null: none does. A call that changes nothing runs in read-only mode
+    // (platform/host/LookOnly.h), whatever the routine uses.
     bool (*changes)(const Call& call) = nullptr;
     BareFile bareFile = BareFile::ShellFolder; // for the arguments FILE, FOLDER and A.INI
 
@@ -60,7 +60,7 @@ struct Call {
     Workstation& station; // of the session
     QStringList arguments;
     QMap<QString, QString> options; // by name; a flag's value is empty
-    QStringList paths = {};         // of the arguments that name files, at the same numbers
+    QStringList paths = {};         // of the arguments that name files, at the same positions
 
     bool has(const char* option) const { return options.contains(QLatin1String(option)); }
     QString option(const char* name) const { return options.value(QLatin1String(name)); }
@@ -70,8 +70,8 @@ struct Call {
     // An argument that names a file (ResolveFiles), as a path of the suite.
     QString path(int number) const { return paths.value(number); }
 
-    // Each writes one sentence to standard error and gives the exit status that goes with it; `number` is the
-    // error that was met, 0 for none.
+    // Each writes one sentence to standard error and returns the matching exit status; `number` is the error
+    // number, 0 for none.
     int no(const QString& why) const { return end(why, 0, No); }
     int wrong(const QString& expected) const { return end(expected, 0, Usage); }
     int fail(const QString& why, int number = 0) const { return end(why, number, Failed); }
@@ -80,22 +80,22 @@ private:
     int end(const QString& why, int number, Exit status) const;
 };
 
-// The row of a command that changes something: in all calls, or in those that `when` names.
+// The row of a command that changes something: in all calls, or in those that `when` selects.
 Command Changing(
     Command row, bool (*when)(const Call& call) = [](const Call&) { return true; });
 
-// Notes what is wrong with a cart list, a sentence, and what mends it.
+// Notes a fault of a cart list, as a sentence, and its remedy.
 void NoteListFault(const Call& call, const QString& fault);
 
 // The row of a command whose FILE is an ini file.
 Command ForIniFiles(Command row);
 
-// What a user gave for a FILE, as a path of the suite: one with a drive, a share or "\" stays as it is, any
-// other is a path of this system. Nothing, with a sentence in *why, when no drive of the machine leads to it.
+// A user's FILE as a path of the suite: one with a drive, a share or "\" stays as it is, any other is a path
+// of this system. Nothing, with a sentence in *why, if no drive of the machine leads to it.
 std::optional<QString> FileArgument(const QString& given, BareFile bare, QString* why);
 
 // Fills the paths of a call from the arguments that its command declares as files. False, with a sentence in
-// *why, when one cannot be reached.
+// *why, if one cannot be reached.
 bool ResolveFiles(Call& call, QString* why);
 
 } // namespace tolvex::ctl

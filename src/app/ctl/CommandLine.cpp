@@ -15,7 +15,7 @@ const Command* findCommand(const QStringList& words) {
     return nullptr;
 }
 
-// Whether commands begin with these words and go on.
+// Whether longer commands begin with these words.
 bool isGroup(const QStringList& words) {
     const QString start = words.join(u' ') + u' ';
     return std::any_of(AllCommands().begin(), AllCommands().end(), [&start](const Command& command) {
@@ -75,7 +75,7 @@ QString takeOption(const QStringList& given, qsizetype& at, CommandLine& line) {
     return {};
 }
 
-// A word in place of an option or argument: of the command, as long as it goes on.
+// A word that is not an option: of the command while it continues, else an argument.
 void takeWord(const QString& word, CommandLine& line) {
     if (line.command || (!line.words.isEmpty() && !isGroup(line.words))) {
         line.arguments += word;
@@ -122,8 +122,8 @@ const std::vector<Option>& GlobalOptions() {
         {"--yes", nullptr, "answer Yes to every question"},
         {"--no", nullptr, "answer No to every question"},
         {"--quiet", nullptr, "no notes on standard error"},
-        {"--help", nullptr, "tell how a command is used"},
-        {"--version", nullptr, "tell the version of the program"},
+        {"--help", nullptr, "show how a command is used"},
+        {"--version", nullptr, "show the version of the program"},
     };
     return options;
 }
@@ -152,7 +152,7 @@ CommandLine ParseCommandLine(const QStringList& given) {
         else
             takeWord(given[at], line);
     }
-    // Words that are not understood are answered in the form that was asked for, wherever that stands.
+    // Errors in the words are reported in the requested form, wherever that option is.
     if (!line.problem.isEmpty() && given.contains(QLatin1String("--json")))
         line.options[QStringLiteral("--json")] = QString();
     if (line.problem.isEmpty())
@@ -166,7 +166,7 @@ QString NearestMatch(const QString& word, const QStringList& candidates) {
     QString nearest;
     qsizetype best = std::max<qsizetype>(2, word.size() / 3) + 1;
     for (const QString& candidate : candidates) {
-        // Edit distance, row by row; a candidate much longer or shorter cannot be near.
+        // Edit distance, row by row; a candidate of very different length cannot be close.
         if (qAbs(candidate.size() - word.size()) >= best)
             continue;
         std::vector<qsizetype> row(static_cast<size_t>(candidate.size()) + 1);

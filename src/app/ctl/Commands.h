@@ -32,7 +32,7 @@ CommandRows ServeCommands();
 CommandRows ClockCommands();
 CommandRows ReportCommands();
 
-// In the order in which the help lists them.
+// In the order of the help.
 const CommandRows& AllCommands();
 
 } // namespace tolvex::ctl

@@ -10,19 +10,19 @@ namespace tolvex::ctl {
 
 namespace {
 
-// Where the candidates for an argument come from.
+// The source of candidates for an argument.
 struct Source {
-    const char* commands;     // begin with these words
+    const char* commands;     // beginning with these words
     const char* argument;     // or value of an option
-    const char* asked;        // the command that lists them; words in capitals are arguments given before
+    const char* asked;        // the command that lists them; words in capitals are earlier arguments
     const char* member;       // of its records; null: the names of the members of its one record
-    const char* about = "";   // the member that says what a candidate is
-    const char* choices = ""; // in place of a command: the candidates themselves, with "|" between them
+    const char* about = "";   // the member that describes a candidate
+    const char* choices = ""; // instead of a command: the candidates themselves, separated by "|"
 };
 
 constexpr char listedByKind[] = "0|1|2|4|11|14|19";
 
-// The first row that fits counts.
+// The first matching row counts.
 constexpr Source sources[] = {
     {"settings", "SECTION", "settings list", "section"},
     {"settings", "KEY", "settings list SECTION", "key", "help"},
@@ -51,7 +51,7 @@ constexpr Source sources[] = {
     {"hardware card", "TYPE", nullptr, nullptr, "", "disabled|rs232|advantech|joystick"},
 };
 
-// The line that is being typed, up to its last word.
+// The line being typed, up to its last word.
 struct Line {
     CommandLine given;
     QString word; // the last one, or the value in "--option=value"
@@ -75,8 +75,8 @@ QString bare(QString name) {
     return name.remove(u'[').remove(u']');
 }
 
-// The names of the arguments that were given, in order, and after them those that may come next: more than
-// one where an argument may be left out.
+// The names of the given arguments, in order, and after them those that may come next: several if an argument
+// is optional.
 struct Aligned {
     QStringList given;
     QStringList next;
@@ -101,7 +101,7 @@ Aligned align(const Line& line) {
     return aligned;
 }
 
-// The words of the command that is asked; empty when an argument that it takes is not there yet.
+// The words of the command to ask; empty if one of its arguments is still missing.
 QStringList askedWords(const Line& line, const Source& source) {
     const QStringList names = align(line).given;
     QStringList words;
@@ -135,7 +135,7 @@ void offerFrom(Line& line, const Source& source) {
                        textOf(value[QLatin1String(source.about)]));
 }
 
-// Drives, and what lies in the folder of a path that has begun.
+// Drives, and the contents of the folder of a partial path.
 void offerPaths(Line& line, bool foldersOnly) {
     const qsizetype end = line.word.lastIndexOf(u'\\') + 1;
     if (end == 0)
@@ -213,7 +213,7 @@ QStringList Complete(const QStringList& words) {
     line.word = before.isEmpty() ? QString() : before.takeLast();
     QString why;
     const bool ended = before.contains(QLatin1String("--"));
-    // The value of an option is its own word or stands after "=".
+    // The value of an option is its own word or follows "=".
     QString optionName = before.isEmpty() || ended ? QString() : before.last();
     QString prefix;
     if (!ended && line.word.startsWith(QLatin1String("--")) && line.word.contains(u'=')) {
@@ -225,7 +225,7 @@ QStringList Complete(const QStringList& words) {
     line.given = ParseCommandLine(asksValue && prefix.isEmpty() ? before.mid(0, before.size() - 1) : before);
     const Option* option = asksValue ? FindOption(optionName, line.given.command) : nullptr;
     if (asksValue && prefix.isEmpty() && !(option && option->value)) {
-        option = nullptr; // a flag: what follows is a word of its own
+        option = nullptr; // a flag: a separate word follows
         line.given = ParseCommandLine(before);
     }
     if (!ended && !option && line.word.startsWith(u'-')) {

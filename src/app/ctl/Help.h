@@ -1,5 +1,5 @@
-// What tolvexctl says of itself on the terminal, from the rows of its commands. The manual page (Manual.h)
-// and the completion of words (Completion.h) come from the same rows.
+// The help texts of tolvexctl, from the rows of its commands. The manual page (Manual.h) and the completion
+// of words (Completion.h) use the same rows.
 #pragma once
 
 #include <QString>

@@ -8,7 +8,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// A term and what it stands for.
+// A term and its meaning.
 struct Entry {
     const char* term;
     const char* text;
@@ -35,7 +35,7 @@ constexpr Entry exitStatus[] = {
 };
 
 constexpr Entry environment[] = {
-    {"TOLVEX_HOME", "the machine folder, where --home is not given"},
+    {"TOLVEX_HOME", "the machine folder, if --home is not given"},
     {"XDG_DATA_HOME",
      "holds the machine folder \"tolvex\" where neither is given; ~/.local/share without it"},
     {"ALSA_CONFIG_PATH", "the sound system's own configuration: which wave devices there are"},
@@ -58,8 +58,8 @@ constexpr Entry examples[] = {
     {"tolvexctl db query 'C:\\TOLVEX\\SYSTEM\\USERS\\USERS25.MDB' 'SELECT * FROM Users'", "ask a database"},
 };
 
-// Text for the man macros: hyphens and backslashes that are meant as such, and no line that begins with a
-// request.
+// Text for the man macros: real hyphens and backslashes,
+// and no line that begins with a request.
 QString escaped(QString text) {
     text.replace(u'\\', QLatin1String("\\e")).replace(u'-', QLatin1String("\\-"));
     return text.startsWith(u'.') || text.startsWith(u'\'') ? QLatin1String("\\&") + text : text;

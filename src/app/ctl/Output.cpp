@@ -24,7 +24,7 @@ QString cellText(const QJsonValue& value) {
     return value.toString();
 }
 
-// Text of files and databases may hold anything; a terminal must not obey it.
+// Text of files and databases may contain anything, including control sequences for a terminal.
 QString harmless(QString text) {
     for (QChar& c : text)
         if (c.category() == QChar::Other_Control)

@@ -1,4 +1,4 @@
-// What a command writes: aligned columns for people or one JSON document, from the same records.
+// The output of a command: aligned columns for people or one JSON document, from the same records.
 #pragma once
 
 #include <QJsonArray>
@@ -12,7 +12,7 @@
 
 namespace tolvex::ctl {
 
-// A member of a record that people see too, by its JSON key.
+// A member of a record that is also a column for people, by its JSON key.
 struct Column {
     const char* key;
     const char* heading;
@@ -31,9 +31,9 @@ public:
 
     bool json() const { return json_; }
 
-    // With JSON the document is written when the command has ended, so that one that failed after all can say
-    // so: its document is {"error": {"text": ..., "number": ...}}, with "details" that hold what it had to
-    // give.
+    // JSON documents are written when the command ends, so that one that
+    // failed late can report it: its document is {"error": {"text": ...,
+    // "number": ...}}, with "details" that hold its partial output.
     //
     // Records of one kind, an array in JSON; people see the columns. Members that are arrays or objects are
     // joined by commas.
@@ -42,27 +42,27 @@ public:
     void record(const QJsonObject& record, const Columns& columns);
     // One value: people see it alone, as it is.
     void value(const char* key, const QJsonValue& value);
-    // A line of text outside records, as it is. Several JSON documents make no document: only commands that
-    // say that they write one document a line use it with --json.
+    // A line of text outside records, as it is. Several JSON documents are not one document: only commands
+    // that declare one document per line use it with --json.
     void line(const QByteArray& text);
-    // A line about something that has just happened, for whoever follows it: it is written at once.
+    // A line about a current event, for someone who follows it: written at once.
     void event(const QByteArray& text);
-    // Part of a document that is made piece by piece, as it is.
+    // Part of a document that is written piece by piece, as it is.
     void piece(std::string_view bytes);
 
-    // A sentence for people on standard error: why a command failed, what the system asks or tells.
+    // A sentence for people on standard error: why a command failed, what the system asks or reports.
     void say(const QString& sentence) const;
-    // The same for what is good to know; not with --quiet.
+    // The same for useful notes; not with --quiet.
     void note(const QString& sentence) const;
 
-    // Why a command ends without success, for its document, and the number of the error that it met, 0 for
-    // none. Several sentences are kept.
+    // Why a command ends without success, for its document, and the error number, 0 for none. Several
+    // sentences are kept.
     void setError(const QString& sentence, int number);
 
     enum class Ending { Done, No, Failed };
-    // Writes all of it out: for a command that had nothing to give, {"done": true} or its error. `shown` is
-    // what the system told the user last, for a command that left it at that. False when standard output did
-    // not take everything.
+    // Writes everything: for a command without output, {"done": true} or its error. `shown` is the system's
+    // last message to the user, used if the command added none of its own. False if standard output did not
+    // accept everything.
     bool finish(Ending ending, const QString& shown);
     // The document that finish() writes with JSON.
     QJsonDocument ended(Ending ending, const QString& shown) const;
@@ -73,7 +73,7 @@ private:
     bool json_;
     bool quiet_;
     bool kept_ = false;
-    bool written_ = false; // standard output has something that is not the document
+    bool written_ = false; // standard output has something besides the document
     std::optional<QJsonDocument> document_;
     QStringList errors_;
     int errorNumber_ = 0;

@@ -6,7 +6,7 @@
 
 namespace tolvex::ctl {
 
-// Reads the settings of the workstation. False when no local ini file was chosen; *status is then the exit
+// Reads the settings of the workstation. False if no local ini file was chosen; *status is then the exit
 // status.
 inline bool ReadForSetup(Call& call, int* status) {
     const bool read = call.session.read();
@@ -15,7 +15,7 @@ inline bool ReadForSetup(Call& call, int* status) {
     return read;
 }
 
-// A value that was refused is wrong usage, with the text that the window shows.
+// A refused value is wrong usage, with the window's message.
 inline int EndSetup(const Call& call, const SetupOutcome& outcome) {
     if (outcome.stored())
         return Done;

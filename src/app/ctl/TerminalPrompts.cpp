@@ -44,7 +44,7 @@ void say(const QString& text) {
     std::fputs((text + u'\n').toLocal8Bit().constData(), stderr);
 }
 
-// One line that is written over, a few times a second.
+// One line that is overwritten, a few times a second.
 class TerminalProgress : public platform::Progress {
 public:
     explicit TerminalProgress(const QString& title)
@@ -99,7 +99,7 @@ Answer TerminalPrompts::ask(const platform::Message& message) {
         lastMessage_ = message.text;
         return buttons[0].answer;
     }
-    // The second button stands for No, whether it says No or Cancel.
+    // The second button means no, whether it is labelled No or Cancel.
     if (answers_ != Answers::Ask)
         return buttons[answers_ == Answers::Yes ? 0 : 1].answer;
     const Answer byDefault = message.defaultAnswer.value_or(buttons[0].answer);
@@ -112,7 +112,7 @@ Answer TerminalPrompts::ask(const platform::Message& message) {
     for (;;) {
         const auto line = platform::AskTerminal(words.join(u'/') + QLatin1String("? "));
         if (!line)
-            return buttons.back().answer; // as closing the box
+            return buttons.back().answer; // like closing the box
         const QString given = line->trimmed().toLower();
         if (given.isEmpty())
             return byDefault;
@@ -135,7 +135,7 @@ std::optional<QString> TerminalPrompts::path(const QString& prompt, const QStrin
 }
 
 std::optional<QString> TerminalPrompts::pickFile(const platform::FileQuestion& question) {
-    // A pattern does not name a file to begin with.
+    // A pattern is not a proposal for a file name.
     const QString start = question.fileName.contains(u'*') ? QString() : question.fileName;
     std::optional<QString> given = path(question.title, start);
     while (given && question.mustExist && !platform::FileExists(*given)) {
@@ -166,7 +166,7 @@ std::optional<qint32> TerminalPrompts::pickColour(qint32 initial) {
     return good ? std::optional(static_cast<qint32>(colour)) : std::nullopt;
 }
 
-// No command records audio; the format of a station is chosen where it can be heard.
+// No command records audio; a station chooses its format where it can be heard.
 std::optional<platform::WaveFormat> TerminalPrompts::pickWaveFormat(const platform::WaveFormat&) {
     return std::nullopt;
 }

@@ -1,5 +1,5 @@
-// The prompts of a shell: messages go to standard error, questions to whoever sits at the terminal. With
-// nobody there, or told what to answer, every question has its answer at once.
+// The prompts of a shell: messages go to standard error, questions to the user at the terminal. Without a
+// terminal, or with an option that answers, every question is answered at once.
 #pragma once
 
 #include "platform/Prompts.h"
@@ -29,7 +29,7 @@ public:
     void openAddress(const QString& address) override;
     void processEvents() override;
 
-    // The message that was shown last, questions aside.
+    // The last message that was shown, except questions.
     const QString& lastMessage() const { return lastMessage_; }
 
 private:

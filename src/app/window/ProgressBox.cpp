@@ -9,7 +9,7 @@ namespace {
 
 constexpr int Steps = 1000;
 constexpr qint64 ShowEvery = 50;       // milliseconds; a job may report a thousand times more often
-constexpr qint64 EnoughToJudge = 2000; // before that the time left is a guess
+constexpr qint64 EnoughToJudge = 2000; // before this the time left is a guess
 
 bool isInput(QEvent::Type type) {
     switch (type) {
@@ -43,7 +43,7 @@ ProgressBox::ProgressBox(const QString& title, bool canStop, QWidget* parent)
         box_.setCancelButtonText(QStringLiteral("&Stop"));
     else
         box_.setCancelButton(nullptr);
-    // The bar shows how far the job is; a number on it would be hard to read on either colour.
+    // The bar shows the progress; a number on it would be hard to read on either colour.
     box_.findChild<QProgressBar*>()->setTextVisible(false);
     clock_.start();
     QCoreApplication::instance()->installEventFilter(this);

@@ -1,4 +1,4 @@
-// The box of a long job: what, how far, how long yet, Stop. It appears only when the job takes longer than a
+// The box of a long job: what, how far, time left, Stop. It appears only if the job takes longer than a
 // moment; until then no key and no click reaches the form that is busy with it.
 #pragma once
 

@@ -67,7 +67,7 @@ constexpr MarkRow markRows[] = {
     {platform::Icon::Information, "information", &Tokens::accent},
 };
 
-// "Programs|*.EXE;*.COM|All|*.*" as Qt's choosers take it; names match in either case.
+// "Programs|*.EXE;*.COM|All|*.*" in the form of Qt's choosers; names match in either case.
 QString filterOf(const QString& filter) {
     const QStringList parts = filter.split(u'|');
     QStringList filters;
@@ -117,7 +117,7 @@ Answer QtPrompts::ask(const platform::Message& message) {
     for (const AnswerRow& row : answerRows)
         if (message.defaultAnswer == row.answer)
             box.setDefaultButton(row.button);
-    // The wait pointer over a question would tell the user to wait for himself.
+    // A wait pointer over a question would be misleading.
     const platform::PointerKeeper pointer(platform::Pointer::Default);
     const int pressed = box.exec();
     for (const AnswerRow& row : answerRows)

@@ -13,7 +13,7 @@ struct Settings;
 
 class QtPrompts : public platform::Prompts {
 public:
-    // The splash form tells what the settings know of the system; they outlive the prompts.
+    // The splash form shows information from the settings; they outlive the prompts.
     explicit QtPrompts(const Settings& settings);
     ~QtPrompts() override;
 

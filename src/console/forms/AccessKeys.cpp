@@ -17,7 +17,7 @@ bool marks(const QString& caption, QChar key) {
     return !sequence.isEmpty() && sequence[0].key() == static_cast<Qt::Key>(key.toUpper().unicode());
 }
 
-// Buttons in reading order, whatever the order of their making.
+// Buttons in reading order, independent of their creation.
 QList<QAbstractButton*> buttonsFor(const QMainWindow* window, QChar key) {
     QList<QAbstractButton*> buttons;
     for (QAbstractButton* button : window->findChildren<QAbstractButton*>())

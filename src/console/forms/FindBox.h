@@ -1,4 +1,4 @@
-// The console's search box: lists the settings whose words are typed and tells which one was chosen.
+// The console's search box: lists the settings that match the typed words and reports the chosen one.
 #pragma once
 
 #include "console/SettingsSearch.h"
@@ -9,7 +9,7 @@ class QLineEdit;
 
 namespace tolvex {
 
-// The list hangs under a line edit of the same window; the first search fills the index.
+// The list drops from a line edit of the same window; the first search fills the index.
 class FindBox : public QListWidget {
     Q_OBJECT
 

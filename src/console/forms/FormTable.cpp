@@ -22,7 +22,7 @@
 
 #include <QFile>
 
-// Resources of a static library must be asked for, outside any namespace.
+// Resources of a static library must be initialised explicitly, outside any namespace.
 static void initDesigns() {
     Q_INIT_RESOURCE(designs);
 }

@@ -1,5 +1,5 @@
 // The forms that the console can open and the routines that it can start, by name. A job whose form has no
-// row here cannot be opened yet: its button says so.
+// row here cannot be opened yet, and its button says so.
 #pragma once
 
 #include <QString>
@@ -13,16 +13,16 @@ struct Workstation;
 
 bool FormExists(const QString& form);
 
-// A new form, not shown; null when there is none of that name.
+// A new form, not shown; null if there is none of that name.
 QDialog* MakeForm(const QString& form, Workstation& station, QWidget* owner);
 
-// A routine behind a button that opens no form. True: the user asked to exit.
+// A routine of a button that opens no form. True: the user asked to exit.
 using ConsoleRoutine = bool (*)(Workstation& station, QWidget* console);
 
-// Null when there is none of that name.
+// Null if there is none of that name.
 ConsoleRoutine FindRoutine(const QString& name);
 
-// The bytes of a form's design, for the search; empty when it has none.
+// The bytes of a form's design, for the search; empty if it has none.
 QByteArray FormDesign(const QString& form);
 
 } // namespace tolvex

@@ -1,5 +1,5 @@
-// A button of the console: icon, caption and one quiet line that tells its present state, drawn as a card. It
-// is an ordinary push button to keyboards and screen readers.
+// A button of the console: icon, caption and one quiet line with its present state, drawn as a card. For
+// keyboards and screen readers it is an ordinary push button.
 #pragma once
 
 #include <QPushButton>
@@ -14,7 +14,7 @@ public:
 
     // The quiet line.
     void setAbout(const QString& about);
-    // Whether the job needs attention: the card stands out, and its line is what is missing.
+    // Whether the job needs attention: the card is highlighted, and its line says what is missing.
     void setAttention(bool attention);
 
     QSize sizeHint() const override;

@@ -1,5 +1,5 @@
-// The workstation at a glance, beside the console's buttons: what it is, what is still to do with a way to
-// the form that mends it, and what is done. It replaces no message and no check of the system.
+// The workstation at a glance, beside the console's buttons: what it is, what is still to do with a link to
+// the form for it, and what is done. It replaces no message and no check of the system.
 #pragma once
 
 #include <QScrollArea>
@@ -18,7 +18,7 @@ public:
     void showGlance(const WorkstationGlance& glance);
 
 signals:
-    // The user wants to mend something: the console's control that opens the form.
+    // The user wants to correct something: the console's control that opens the form.
     void jobWanted(const QString& control);
 
 private:

@@ -34,14 +34,14 @@ const QString LookForSetup = QStringLiteral("LookForSetup");
 const QString FindCart = QStringLiteral("FindCart");
 const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
 
-// A "Tolvex.ini" shorter than this is a machine that was never configured.
+// A "Tolvex.ini" shorter than this means that the machine was never configured.
 constexpr qint64 ShortestConfiguration = 10;
 
 QString notYet(const QString& what) {
     return what + QStringLiteral(" is not part of this version yet.");
 }
 
-// Which menu entries do what a button does.
+// Menu entries and the buttons that they stand for.
 struct MenuRow {
     const char* action;
     const char* control;
@@ -206,7 +206,7 @@ void frmConfigure::startJob(const ConsoleJob& job) {
     runRoutine(FindRoutine(QString::fromLatin1(job.form)));
 }
 
-// A routine lets events run while it shows how far it is: the console answers none of them until it is done.
+// A routine lets events run while it shows progress: the console ignores them until it is done.
 void frmConfigure::runRoutine(ConsoleRoutine routine) {
     if (std::exchange(waiting_, true))
         return;
@@ -246,7 +246,7 @@ void frmConfigure::openForm(const ConsoleJob& job) {
     UpdateEnabledButtons();
 }
 
-// What was searched for, once the form is there.
+// Shows what was searched for, after the form is open.
 void frmConfigure::showPlace(QDialog* form) {
     const QString place = std::exchange(place_, {});
     if (place.isEmpty())
@@ -259,7 +259,7 @@ void frmConfigure::showPlace(QDialog* form) {
     });
 }
 
-// From the search and the panel: the tab of a job, and its form where it can be opened.
+// From the search and the panel: shows the tab of a job, and its form if it can be opened.
 void frmConfigure::showJob(const QString& control) {
     const ConsoleJob* job = FindConsoleJob(control);
     if (!job)
@@ -303,8 +303,8 @@ bool frmConfigure::eventFilter(QObject* watched, QEvent* event) {
         if (widget && widget->window() == this && isEnabled() && focusWidget() != ui_->txtFind) {
             if (press && handleKey(key))
                 return true;
-            // Alt and a letter come as plain keys too, so that letters marked twice are reached in turn
-            // either way.
+            // Alt with a letter is handled like the plain key, so that letters marked twice are reached in
+            // turn either way.
             if (!press && key->modifiers() == Qt::AltModifier && !key->text().isEmpty()) {
                 key->accept();
                 return true;
@@ -350,7 +350,7 @@ void frmConfigure::exitCheck() {
 }
 
 void frmConfigure::toggleOption(QAction* action, const QString& value) {
-    // The click has inverted the mark already.
+    // The click has already inverted the mark.
     WriteRegistryLong(LocalMachineHive, TolvexKey, value, action->isChecked() ? -1 : 0, 0);
 }
 

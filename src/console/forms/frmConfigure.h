@@ -1,6 +1,6 @@
-// The console: a tab strip of buttons, a menu bar, a status bar, and the workstation at a glance. Its load is
-// the program's start, its closing the program's end; every job of the program starts from a button or menu
-// entry here.
+// The console: a tab strip of buttons, a menu bar, a status bar, and the
+// workstation at a glance. Loading it starts the program, closing it
+// ends the program; every job starts from a button or menu entry here.
 #pragma once
 
 #include "console/forms/FormTable.h"
@@ -31,9 +31,9 @@ public:
     explicit frmConfigure(Workstation& station, QWidget* parent = nullptr);
     ~frmConfigure() override;
 
-    // Everything from the check of the data engine to the console being ready, not yet shown. False when the
-    // program is to end: what there was to say has been said. `firstInstance` false: another copy is running,
-    // and this one ends without a word.
+    // Everything from the check of the data engine to the console being ready, not yet shown. False if the
+    // program must end; the user has been told why. `firstInstance` false: another copy is running, and this
+    // one ends silently.
     bool load(bool firstInstance = true);
 
     void UpdateEnabledButtons();
@@ -67,8 +67,8 @@ private:
     std::unique_ptr<Ui::frmConfigure> ui_;
     QLabel* status_ = nullptr;
     QString helpFile_;
-    QString place_;        // that was searched for, in the form that opens next
-    bool waiting_ = false; // a waited form is open, or a routine runs
+    QString place_;        // what was searched for, in the form that opens next
+    bool waiting_ = false; // a waited form is open, or a routine is running
     bool exitRequested_ = false;
 };
 

@@ -19,7 +19,7 @@ frmDateTimeSetup::frmDateTimeSetup(Settings& settings, QWidget* parent)
     ui_->comboRadioClock->addItems({QStringLiteral("Not fitted"), QStringLiteral("Com Port 1"),
                                     QStringLiteral("Com Port 2"), QStringLiteral("Com Port 3"),
                                     QStringLiteral("Com Port 4")});
-    // A port beyond the list, from a hand-edited file, selects nothing and stays.
+    // A port outside the list, from a hand-edited file, selects nothing and stays.
     BindSettings(binding_, this, settings_);
     binding_.fill();
     connect(ui_->cmdTestRadioClock, &QPushButton::clicked, this, &frmDateTimeSetup::testClock);

@@ -1,4 +1,4 @@
-// On which port the radio clock hangs.
+// Selects the port of the radio clock.
 #pragma once
 
 #include "ui/binding/FormBinding.h"

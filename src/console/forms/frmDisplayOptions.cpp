@@ -25,7 +25,7 @@ frmDisplayOptions::frmDisplayOptions(Settings& settings, QWidget* parent)
     BindSettings(binding_, this, settings_);
     binding_.fill();
     applyColours();
-    // Taken at once, whatever becomes of the form afterwards.
+    // Stored at once, even if the form is cancelled afterwards.
     const auto change = [this](ColourButton* button, qint32 Settings::*colour) {
         connect(button, &ColourButton::colourChanged, this, [this, colour](qint32 chosen) {
             settings_.*colour = chosen;
@@ -45,8 +45,8 @@ void frmDisplayOptions::showEvent(QShowEvent* event) {
     platform::prompts().setPointer(platform::Pointer::Default);
 }
 
-// The form and everything on it; where the stored colours are the system's own, the program's style stays as
-// it is.
+// The form and everything on it; if the stored colours are the system's own, the program's style stays as it
+// is.
 void frmDisplayOptions::applyColours() {
     setStyleSheet({});
     QString rules;

@@ -1,4 +1,4 @@
-// Colours of the suite's windows, the information window and how carts are clicked. Colours chosen show on
+// Colours of the suite's windows, the information window and how carts are clicked. Chosen colours show on
 // this form at once.
 #pragma once
 

@@ -46,7 +46,7 @@ frmFileLocations::frmFileLocations(Settings& settings, QWidget* parent)
         prepare(box(part));
         connect(browse(part), &QPushButton::clicked, this, [this, part] { pick(box(part)); });
     }
-    // The text is read again: the signal of a typed letter still tells its lower case.
+    // The text is read again: the signal of a typed letter still carries it in lower case.
     const auto useOneLocation = [this] {
         if (ui_->chkUseOneCartLocation->isChecked())
             for (int part = 2; part <= CartPartCount; ++part)
@@ -127,7 +127,7 @@ void frmFileLocations::pick(QLineEdit* line) {
         fill(line, chosen);
 }
 
-// Says at the form which folders are not there yet; nothing is refused.
+// Shows on the form which folders do not exist yet; nothing is refused.
 void frmFileLocations::lookAtFolders() {
     QStringList missing;
     const auto look = [&missing](QLineEdit* line) {

@@ -1,6 +1,6 @@
-// Where data and carts live: the data location and one location for each of the eleven parts of the
-// audiowall. It edits text only, no file is moved; on Done it stores the paths and makes sure that the
-// folders exist.
+// The folders of data and carts: the data location and one location for each of the eleven parts of the
+// audiowall. It edits text only, no file is moved; Done stores the paths and makes sure that the folders
+// exist.
 #pragma once
 
 #include <QDialog>
@@ -27,7 +27,7 @@ public:
     ~frmFileLocations() override;
 
     // The store: an ini file, or a registry key of the local machine. Setting one reads the values from it at
-    // once; Done writes to each that is not empty. They start as the local ini file and empty.
+    // once; Done writes to each that is not empty. Initially the local ini file and empty.
     void setIniFile(const QString& file);
     void setReg_Path(const QString& key);
 
@@ -44,7 +44,7 @@ private:
     std::unique_ptr<Ui::frmFileLocations> ui_;
     QString iniFile_;
     QString regPath_;
-    QTimer look_; // folders are looked at when typing rests
+    QTimer look_; // folders are checked when typing pauses
 };
 
 } // namespace tolvex

@@ -1,5 +1,5 @@
 // The chooser of configuration sets at start-up: lists the sets, lets the user copy, rename and delete them,
-// and puts the chosen file into the setting LocalIniFile (empty on Cancel).
+// and stores the chosen file in the setting LocalIniFile (empty on Cancel).
 #pragma once
 
 #include <QMainWindow>
@@ -21,9 +21,9 @@ public:
     frmMultiConfig(const QString& registryKey, const QString& defaultIni, QWidget* parent = nullptr);
     ~frmMultiConfig() override;
 
-    // Shows the form and returns when the user chose or cancelled.
+    // Shows the form and returns after the user chose or cancelled.
     void exec();
-    // The file of the set that the user chose; empty when the user cancelled.
+    // The file of the chosen set; empty if the user cancelled.
     QString chosen() const { return chosen_; }
     // Refills the list, keeping the selection.
     void UpdateDisplay();

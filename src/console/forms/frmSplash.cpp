@@ -46,7 +46,7 @@ frmSplash::frmSplash(const platform::SystemVersion& system, QWidget* parent)
 
 frmSplash::~frmSplash() = default;
 
-// A station's own picture takes the place of the program's mark.
+// A station's own picture replaces the program's logo.
 void frmSplash::showLogo() {
     const QString file = platform::ApplicationFile(QStringLiteral("LOGO.BMP"));
     if (FileLength(file) <= 0)

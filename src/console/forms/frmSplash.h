@@ -17,7 +17,7 @@ class frmSplash : public QDialog {
     Q_OBJECT
 
 public:
-    // Names the system that the program runs on, where it is known.
+    // Shows the name of the operating system, if it is known.
     explicit frmSplash(const platform::SystemVersion& system, QWidget* parent = nullptr);
     ~frmSplash() override;
 

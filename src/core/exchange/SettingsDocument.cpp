@@ -19,7 +19,7 @@ const QString formatName = QStringLiteral("tolvex-settings");
 constexpr int formatVersion = 1;
 // Far more than all declared settings with the most jump buttons there can be.
 constexpr qsizetype longestDocument = 64 * 1024 * 1024;
-// Longer values wrap when another program reads them.
+// Longer values are wrapped when another program reads them.
 constexpr qsizetype longestStoredText = 65535;
 const QString storedName = QStringLiteral("stored");
 
@@ -62,7 +62,7 @@ std::optional<QString> textOf(const QJsonValue& value, SettingKind kind) {
     return std::nullopt;
 }
 
-// The typed value, where it stands for all that the file holds and would be taken back.
+// The typed value, if it fully represents the file's text and would be accepted back.
 QJsonValue exportedValue(const StoredSetting& setting) {
     const SettingRow& row = *setting.place.row;
     QJsonValue typed = typedValue(setting);
@@ -75,7 +75,7 @@ QJsonValue exportedValue(const StoredSetting& setting) {
     return QJsonObject{{storedName, setting.stored.value_or(QString())}};
 }
 
-// The sections of one file. Derived keys are marked by what they hold; an import works them out anew.
+// The sections of one file. Derived keys are marked by what they hold; an import recalculates them.
 QJsonObject sectionsOf(SettingsFile kind, const QString& file, const QList<StoredSetting>& settings,
                        const Settings& values) {
     QJsonObject sections;
@@ -98,7 +98,7 @@ QJsonObject sectionsOf(SettingsFile kind, const QString& file, const QList<Store
     return sections;
 }
 
-// Whether a file can hold a text as it stands: one line of its characters.
+// Whether a file can hold a text as it is: one line of its characters.
 bool isStorable(const QString& text) {
     return text.size() <= longestStoredText && !text.contains(u'\r') && !text.contains(u'\n') &&
            !text.contains(QChar(0)) && platform::FromCodePage(platform::ToCodePage(text)) == text;
@@ -114,7 +114,7 @@ QString wrongFormat(const QJsonObject& all) {
     return {};
 }
 
-// The settings below the name of one file.
+// The settings under the name of one file.
 void readFile(const FileName& name, const QJsonValue& value, SettingsDocument& document) {
     const QString damaged = QStringLiteral("The document is damaged: \"%1\" is not a group of settings");
     if (!value.isObject() && !value.isUndefined())

@@ -22,7 +22,7 @@ QString recordOf(const QString& localIni) {
     return ProfilePath(localIni) + QStringLiteral(".import");
 }
 
-// A text that the reader would trim or take quotes off is written in quotes of its own.
+// A text that the reader would trim or unquote is written in quotes of its own.
 QString writtenForm(const QString& text) {
     const bool enclosed =
         text.size() > 1 && text.front() == text.back() && (text.front() == u'"' || text.front() == u'\'');
@@ -59,7 +59,7 @@ private:
     QList<StoredChange> derivedChanges_;
 };
 
-// One entry of the document: known, and storable for its kind.
+// One entry of the document that is known and can be stored.
 void Planner::take(const DocumentEntry& entry) {
     const QString name = shownName(entry.section, entry.key);
     const SettingPlace place = FindSetting(entry.section, entry.key);
@@ -81,9 +81,9 @@ void Planner::take(const DocumentEntry& entry) {
         plan_.remarks << name + QStringLiteral(": ") + why;
 }
 
-// The local entries into a record, so that locations and counts are those that will be in force.
+// Applies the local entries to a record, so that locations and counts are those that the import will set.
 void Planner::putLocalEntries(Settings& values) {
-    // Of a file that cannot be there, so that every setting has its default.
+    // Of a file that cannot exist, so that every setting has its default.
     const Settings unstored = LoadFrom({localIni_ + u'?', {}, {}});
     for (const SettingGroup& group : AllSettings()) {
         if (group.file != SettingsFile::Local)
@@ -98,7 +98,7 @@ void Planner::putLocalEntries(Settings& values) {
                     PutEntry(row, text->first, text->second, values);
                     ++text;
                 } else if (text->first <= SettingCount(row, unstored)) {
-                    // From a workstation that stores no count of its own, as it has the usual one.
+                    // The document has no count because that workstation uses the default.
                     plan_.remarks << name + QStringLiteral(": its number is above the last one here; it is "
                                                            "taken as it stands");
                     ++text;
@@ -154,7 +154,7 @@ void Planner::planFile(SettingsFile kind, const QString& path) {
     plan_.files.append(file);
 }
 
-// The folders above a file that are missing. Refused when they cannot be made.
+// The missing parent folders of a file. Refused if they cannot be made.
 void Planner::planFolders(const QString& path) {
     const QString fault = LocationFault(path);
     if (!fault.isEmpty() || platform::HostPath(path).isEmpty()) {

@@ -1,7 +1,7 @@
-// The daily debug file: "c:\Debugfiles\<program>.<yyyymmdd>.log". Every line is opened for, written and
-// closed at once, so that the log survives a crash; nothing about it ever stops the program. Off unless
-// /DEBUG was given (DebugLevel, Settings.h). Every floor writes to it, so it is found without being passed
-// on, as the prompts and the clock are.
+// The daily debug file: "c:\Debugfiles\<program>.<yyyymmdd>.log". Each line
+// opens, writes and closes the file, so that the log survives a crash; a failure
+// never stops the program. Off unless /DEBUG was given (DebugLevel, Settings.h).
+// Every floor writes to it, so it is global, like the prompts and the clock.
 #pragma once
 
 #include <QString>
@@ -10,8 +10,8 @@ namespace tolvex {
 
 enum class DebugIndent {
     Keep = 0,
-    Deeper = 1,    // this line as it is, those after it one step in
-    Shallower = 2, // this line and those after it one step out
+    Deeper = 1,    // this line as it is, later ones one step in
+    Shallower = 2, // this line and later ones one step out
     Reset = 3      // back to the left edge
 };
 
@@ -28,14 +28,14 @@ public:
     // Whether a line of a level is written. -1 counts as 5.
     bool wants(qint32 level) const;
 
-    qint16 steps = 0; // by which lines are indented
+    qint16 steps = 0; // indentation of lines
 
 private:
     const qint32& level_;
     DebugLogging* before_;
 };
 
-// Writes "hh:nn:ss extra text", the text indented by four blanks a step. Cost when off: one comparison.
+// Writes "hh:nn:ss extra text", the text indented by four blanks per step. Cost when off: one comparison.
 void DebugLog(const QString& text, qint32 level = -1, DebugIndent indent = DebugIndent::Keep,
               const QString& extra = {});
 

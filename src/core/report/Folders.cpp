@@ -20,13 +20,13 @@ bool isShare(const QString& path) {
     return path.startsWith(QLatin1String("\\\\"));
 }
 
-// Of this drive alone: another one may be a share whose server is gone, and would hold us.
+// Asks this drive only: another one may be a share whose server is gone, which would block.
 bool driveExists(QChar letter) {
     return letter.unicode() < 128 && letter.isLetter() &&
            platform::FolderExists(letter + QStringLiteral(":\\"));
 }
 
-// FileError number; every folder from the drive's root down, those that are there already included.
+// FileError number. Makes every folder from the drive's root down, including existing ones.
 int makeFoldersOnDrive(QString path) {
     if (!path.endsWith(u'\\'))
         path += u'\\';
@@ -41,7 +41,7 @@ int makeFoldersOnDrive(QString path) {
         const int error = platform::MakeFolder(folder);
         if (error != FileError::NoError && error != FileError::PathFileAccess)
             return error;
-        // Something else of that name cannot be entered.
+        // Anything else of that name cannot be entered.
         if (!platform::FolderExists(folder))
             return FileError::PathNotFound;
     }

@@ -5,12 +5,12 @@
 
 namespace tolvex {
 
-// Text that the run-time has for an error number; empty when it has none.
+// The run-time's text for an error number; empty if it has none.
 QString ErrorText(int errorNumber);
 
-// Reports that something went wrong and gives the report. `action` reads as the end of a sentence: "opening
-// the database". `errorNumber` 0: no error is known. `description` stands in where the run-time has no text
-// for the number. Shown in an exclamation box unless `quiet`; the mouse pointer is left as found.
+// Reports that something went wrong and returns the report. `action` reads as the end of a sentence: "opening
+// the database". `errorNumber` 0: no known error. `description` is used if the run-time has no text for the
+// number. Shown in an exclamation box unless `quiet`; the mouse pointer is left as found.
 QString ProblemReport(const QString& action, int errorNumber = 0, bool quiet = false,
                       const QString& description = {});
 

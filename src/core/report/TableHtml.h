@@ -1,4 +1,4 @@
-// Tables in HTML, as they are printed.
+// Tables in HTML for printing.
 #pragma once
 
 #include <QStringList>
@@ -10,7 +10,7 @@ struct PrintedColumn {
     int width; // percent of the page
 };
 
-// A table whose heading comes again on each page. Each row has one cell for each column.
+// A table whose heading is repeated on each page. Each row has one cell per column.
 QString TableHtml(const QList<PrintedColumn>& columns, const QList<QStringList>& rows);
 
 } // namespace tolvex

@@ -7,7 +7,7 @@ namespace tolvex {
 
 namespace {
 
-// Below the registry root. The first two differ by a blank, and both are in use.
+// Below the registry root. The first two differ by a blank; both are in use.
 constexpr const char* Players = "\\CartPlayers";
 constexpr const char* PlayerOptions = "\\Cart Players";
 constexpr const char* AudioOptions = "\\Audio Settings";
@@ -42,8 +42,8 @@ QString audioEditorHeld(const Settings& values, int) {
     return values.AudioEditor;
 }
 
-// Devices that were given out automatically are not stored, so that a card that comes and goes shifts
-// nothing.
+// Automatically assigned devices are not stored, so that a
+// card that comes and goes shifts nothing.
 std::optional<QString> soundCardNumber(const Settings& values, int index) {
     if (values.AutomaticPlayerAssignment)
         return std::nullopt;
@@ -51,15 +51,16 @@ std::optional<QString> soundCardNumber(const Settings& values, int index) {
 }
 
 // Older programs of the suite start the editor by its short path. The platform has none for a program that is
-// not there at the moment (a drive that is not connected); the full one then stands, so that nothing is lost.
+// currently missing (a disconnected drive); the full path is then kept, so that nothing is lost.
 std::optional<QString> sampleEditor(const Settings& values, int) {
     const QString shortPath = MakeShortPath(values.AudioEditor);
     return shortPath.isEmpty() ? values.AudioEditor : shortPath;
 }
 
 constexpr SettingRow playerAssignment[] = {
-    Flag<&Settings::AutomaticPlayerAssignment>("CartPlayers", "AutomaticPlayerAssignment", 1,
-                                               "Sound devices are given to the cart players automatically.")
+    Flag<&Settings::AutomaticPlayerAssignment>(
+        "CartPlayers", "AutomaticPlayerAssignment", 1,
+        "Sound devices are assigned to the cart players automatically.")
         .registry(Players)
         .setIn(AudioSetup, "optCartPlayerAutoMode")
         .saved(702),
@@ -146,7 +147,7 @@ constexpr SettingRow player[] = {
         .saved(212),
     Number<&Settings::PlayerFadeFirePercent>(
         "Audio", "PlayerFadeFirePercent", 65,
-        "Percent of full volume, faded to which a cart lets the next one start.")
+        "A fading cart starts the next one at this percentage of full volume.")
         .range(0, 100)
         .older("Audio", "FadeFire", true)
         .registry(PlayerOptions)
@@ -258,7 +259,7 @@ constexpr SettingRow audio[] = {
         .setIn(AudioSetup, "chkMaintainLegacy")
         .saved(806),
     Flag<&Settings::UseIndividualCartListFiles>("Audio", "UseIndividualCartListFiles", 0,
-                                                "Keep what is known of a cart in a file of its own too.")
+                                                "Also keep the data of each cart in a file of its own.")
         .registry(WallSettings)
         .setIn(AudioSetup, "chkUseIndividualCartFiles")
         .saved(807),
@@ -281,7 +282,7 @@ constexpr SettingRow cartDisplay[] = {
         .setIn(AudiowallSetup, "cmdChangeSelectedTextColor")
         .saved(1003),
     Colour<&Settings::CartPlayedRecentColor>("Audio", "CartPlayedRecentColor", 0xFF,
-                                             "Highlight of carts played not long ago.")
+                                             "Highlight of recently played carts.")
         .registry(Wall)
         .setIn(AudiowallSetup, "cmdHighlightColor")
         .saved(1004),
@@ -400,12 +401,12 @@ constexpr SettingRow audiowallFile[] = {
     Text<&Settings::PictureFileExtension>("Audiowall", "PictureFileExtension", "JPG",
                                           "Extension of the pictures of carts: JPG or BMP.")
         .setIn(AudiowallSetup, "comboPictureType"),
-    Text<&Settings::AudiowallVersion>("Audiowall", "Version", "0.0", "Version of the audiowall's form."),
+    Text<&Settings::AudiowallVersion>("Audiowall", "Version", "0.0", "Version of the audiowall's format."),
     Flag<&Settings::AskBeforeProcess>("CDRipping", "AskBeforeProcess", 0,
                                       "Ask before ripped audio is compressed or normalised.")
         .setIn(RippingSettings, "chkAskFirst"),
     Number<&Settings::NormaliseAudioPercent>("CDRipping", "NormaliseAudioPercent", 63,
-                                             "Level that ripped audio is normalised to; 0 for not at all.")
+                                             "Level to which ripped audio is normalised; 0 for none.")
         .range(0, 100)
         .setIn(RippingSettings, "txtNormaliseLevel"),
     Flag<&Settings::AutoTopAudio>("CDRipping", "AutoTopAudio", 1,
@@ -415,7 +416,7 @@ constexpr SettingRow audiowallFile[] = {
         .setIn(RippingSettings, "chkAllowCDDB"),
     Text<&Settings::ServerAddress>("CDDB", "ServerAddress", "gnudb.gnudb.org", "Server of CD titles.")
         .setIn(RippingSettings, "comboCDDBServer"),
-    Text<&Settings::EmailAddress>("CDDB", "EmailAddress", "", "E-mail address that is told to the server.")
+    Text<&Settings::EmailAddress>("CDDB", "EmailAddress", "", "E-mail address sent to the server.")
         .setIn(RippingSettings, "txtCDDBEmailAddress"),
     Flag<&Settings::AllowSubmit>("CDDB", "AllowSubmit", 0, "Users may submit CD titles.")
         .setIn(RippingSettings, "chkAllowSubmissions"),

@@ -39,12 +39,12 @@ constexpr SettingRow workstation[] = {
         .setIn(FileLocations, "txtDataLocation")
         .saved(101),
     Number<&Settings::LinkMeshId>("LinkMesh", "LinkMeshId", 0,
-                                  "Number of this workstation; 0 when none has been chosen.")
+                                  "Number of this workstation; 0 if none is chosen.")
         .range(0, INT16_MAX)
         .setIn(WorkstationSetup, "grdTerminals")
         .saved(601),
     Word<&Settings::RadioClockComPort>("DateTimeSettings", "RadioClockComPort", 0,
-                                       "Serial port of the radio clock; 0 when none is fitted.")
+                                       "Serial port of the radio clock; 0 if none is fitted.")
         .range(0, 4)
         .older("LinkMesh", "UseRadioClock")
         .on(DateTimeSetup, "comboRadioClock")
@@ -89,7 +89,7 @@ constexpr SettingRow audioWallSize[] = {
 
 constexpr SettingRow jumpButtonRows[] = {
     NumberRow(SettingKind::Number, jumpButton<&JumpCartButton::Cart>, "AudioWall", "JumpCartNumber", 0,
-              "Cart that the jump button leads to; 0 when it is blank.")
+              "Cart of the jump button; 0 if it is blank.")
         .range(0, INT32_MAX)
         .older("Carts", "ShortCut_No")
         .each(jumpButtons, INT16_MAX)
@@ -123,7 +123,7 @@ constexpr SettingRow audioWall[] = {
         .range(0, INT32_MAX)
         .setIn(AudiowallSetup, "txtAudiowallUpdateInterval")
         .saved(409),
-    Flag<&Settings::SearchCartNotes>("AudioWall", "SearchCartNotes", 0, "A search looks at the notes too.")
+    Flag<&Settings::SearchCartNotes>("AudioWall", "SearchCartNotes", 0, "A search includes the notes.")
         .setIn(AudiowallSetup, "chkSearchCartNotes")
         .saved(410),
     Flag<&Settings::SearchCartsFromStart>("AudioWall", "SearchCartsFromStart", 1,
@@ -224,7 +224,7 @@ constexpr SettingRow automationControl[] = {
 
 constexpr SettingRow transfer[] = {
     Text<&Settings::OPALDirectory>("OPALTransfers", "Directory", "",
-                                   "Folder of the transport lists; empty when transfers are off.")
+                                   "Folder of the transport lists; empty if transfers are off.")
         .readInto(1024)
         .setIn(TransferSetup, "lblDirectory"),
     Text<&Settings::OPALDefault>("OPALTransfers", "Default", "",

@@ -11,7 +11,7 @@ namespace tolvex {
 
 namespace {
 
-// Rows that are saved in turn: one plain row, or neighbours that share an index and go entry by entry.
+// Rows saved in turn: one plain row, or neighbours that share an index and are saved entry by entry.
 using SavedBlock = std::vector<const SettingRow*>;
 
 std::vector<SavedBlock> savedBlocks() {
@@ -52,7 +52,7 @@ int SaveLocalSettings(Settings& values, const QString& iniFile) {
             for (const SettingRow* row : block)
                 put(batch, *row, indexed ? index : 0, values);
     }
-    // After their texts were taken: a location loses one backslash a save, not one here and one there.
+    // After their texts were read: a location loses one backslash per save, not one here and one there.
     values.DataLocation = TidyLocation(values.DataLocation);
     for (CartPart& part : values.CartPartTable)
         part.Location = TidyLocation(part.Location);

@@ -49,7 +49,7 @@ std::optional<QString> checkNumber(const SettingRow& row, const QString& value, 
     if (*number < row.lowest || *number > row.highest)
         return refuse(
             why, QStringLiteral("%1 lies outside %2 to %3").arg(*number).arg(row.lowest).arg(row.highest));
-    // A flag like any other but for its kind.
+    // Checked like any other flag.
     return QString::number(row.kind == SettingKind::NumberText ? std::abs(*number) : *number);
 }
 
@@ -64,7 +64,7 @@ std::optional<QString> checkText(const SettingRow& row, const QString& value, QS
         fault = LocationFault(text);
     if (!fault.isEmpty())
         return refuse(why, fault);
-    // A reader takes one pair of enclosing quotes off.
+    // A reader removes one pair of enclosing quotes.
     if (text.size() > 1 && text.front() == text.back() && (text.front() == u'"' || text.front() == u'\''))
         return refuse(why, QStringLiteral("the text cannot be enclosed in quotes"));
     return text.isNull() ? QStringLiteral("") : text;

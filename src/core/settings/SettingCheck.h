@@ -1,17 +1,17 @@
-// What may be stored for a setting.
+// Checks what may be stored for a setting.
 #pragma once
 
 #include "core/settings/SettingsTable.h"
 
 namespace tolvex {
 
-// The text that stores `value` for a row, or nothing, with the end of a sentence in *why, when its kind or
+// The text that stores `value` for a row, or nothing, with the end of a sentence in *why, if its kind or
 // range forbids it. Flags may be given as 0, 1, -1, true, false, on, off, yes, no and are stored as 0 or 1;
-// colours in hexadecimal (0x00FF00). Locations are tidied (core/PathNames.h).
+// colours in hexadecimal (0x00FF00). Locations are tidied (core/text/PathNames.h).
 std::optional<QString> CheckSettingValue(const SettingRow& row, const QString& value, QString* why);
 
-// What forbids a text as the value of any key: characters that an ini file cannot hold. The end of a
-// sentence; empty when nothing does.
+// Why a text cannot be the value of any key: it has characters that an ini file cannot hold. The end of a
+// sentence; empty if it can.
 QString StoredTextFault(const QString& text);
 
 } // namespace tolvex

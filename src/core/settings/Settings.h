@@ -1,9 +1,9 @@
-// The settings: everything that is known of this workstation while the program runs. The loaders fill the
-// record, the dialogs change it, SaveLocalSettings writes it. Members carry the names that the settings have
-// in the files; which key of which file each one comes from is told once, in SettingsTable.h.
+// The settings: everything known about this workstation while the program runs. The loaders fill the record,
+// the dialogs change it, SaveLocalSettings writes it. Members are named after their settings in the files;
+// SettingsTable.h declares which key of which file each one comes from.
 //
 // Flags are 16-bit: 0 is off, any other value is on. Colours are blue-green-red integers; with the top bit
-// set they name a colour of the system. Measures of forms are in twips. Paths carry no trailing backslash.
+// set they name a system colour. Measures of forms are in twips. Paths have no trailing backslash.
 #pragma once
 
 #include "platform/Machine.h"
@@ -18,7 +18,7 @@ namespace tolvex {
 inline constexpr int CartPlayerCount = 6;
 inline constexpr int CartPartCount = 11;
 
-// A fixed table whose entries are numbered from 1, as its owners and its keys number them.
+// A fixed table with entries numbered from 1, as in its owners and keys.
 template<typename Entry, int entryCount>
 class NumberedTable {
 public:
@@ -41,17 +41,17 @@ struct CartPlayer {
     qint32 State = 0;
 };
 
-// What is known of a folder of the audiowall.
+// What is known about a folder of the audiowall.
 enum CartPartState : qint32 { NotChecked = 0, Available = 1, Unavailable = 2 };
 
 // One part of the audiowall. Parts 1 to 10 hold 1000 carts each, Part 11 all carts above 10000.
 struct CartPart {
     QString Location; // its folder
     QString ListPath; // Location + "\" + ListName
-    QString ListName; // "Carts<n>.lst" once a list was opened
+    QString ListName; // "Carts<n>.lst" after a list was opened
     qint16 IsOpen = 0;
     qint32 State = NotChecked;
-    qint16 FileNumber = 0; // channel of the open list; 0 or less: none taken
+    qint16 FileNumber = 0; // channel of the open list; 0 or less: none
 };
 
 struct JumpCartButton {

@@ -83,7 +83,7 @@ QString iniText(const SettingRow& row, int index, const QString& file, QString f
     return entry.text(row.section, row.key, fallback);
 }
 
-// A date is written with a 24-hour clock, so what other programs put behind it counts for nothing. A text
+// A date is written with a 24-hour clock, so anything that other programs add after it is ignored. A text
 // that is not a date leaves the value as it is.
 void putDate(const SettingRef& ref, const QString& text) {
     const QString plain = text.toUpper().remove(QStringLiteral("AM")).remove(QStringLiteral("PM"));

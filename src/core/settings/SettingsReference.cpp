@@ -17,7 +17,7 @@ constexpr FileHeading headings[] = {
     {SettingsFile::System, "System ini file",
      "`TLVX_SYS.INI` in the data location, or the file named with `/SI:`; shared by the whole station."},
     {SettingsFile::Audiowall, "Audiowall ini file",
-     "`Audwall.ini` in the folder of the first part of the audiowall; it goes with the audio."},
+     "`Audwall.ini` in the folder of the first part of the audiowall; it belongs to the audio."},
 };
 
 QString code(const QString& text) {
@@ -94,17 +94,18 @@ QString SettingsReference() {
         "# Settings\n\n"
         "Every key of the suite's ini files that this program reads into its settings or writes from them. "
         "The page is\n"
-        "made from the table that the program works from; `tolvexctl settings list` shows the values of a "
+        "generated from the program's own table; `tolvexctl settings list` shows the values of a "
         "workstation.\n\n"
-        "- `<n>` stands for a number from 1 upward, with no blank before it.\n"
+        "- `<n>` is a number from 1 up, without a blank before it.\n"
         "- Flags are stored as 0 or 1; -1, or any other number, counts as on. Colours are decimal numbers "
         "with blue in the\n"
         "  high byte; with the top bit set they name a colour of the system.\n"
-        "- The range is what `tolvexctl settings set` accepts. Loading takes what the file holds.\n"
-        "- An older key, where there is one, is read first, and its value is the default of the key. Only "
+        "- `tolvexctl settings set` enforces the range; loading accepts any value in the file.\n"
+        "- An older key, if there is one, is read first, and its value is the default of the key. Only "
         "the key is written.\n"
-        "- The registry form, below `Software\\Norvane\\Tolvex v2` of the local machine, counts only where "
-        "no ini file is used.\n");
+        "- The registry form, below `Software\\Norvane\\Tolvex v2` of the local machine, is used only "
+        "without "
+        "an ini file.\n");
     for (const FileHeading& heading : headings) {
         page += QStringLiteral("\n## %1\n\n%2\n\n")
                     .arg(QLatin1String(heading.heading), QLatin1String(heading.about));

@@ -1,12 +1,12 @@
-// Every key of the suite's ini files that belongs to the global settings, declared once, as a row: where it
+// Declares every key of the suite's ini files that belongs to the global settings once, as a row: where it
 // lies, what it holds, its default, the older key it replaces, the member it fills, its place in a saved
-// file, the form and control it is set in. Loading, saving, export, import, search, forms, the settings
-// commands of the shell and the reference page in docs/settings.md all work from these rows; nothing else
-// names a key.
+// file, the form and control that set it. Loading, saving, export, import, search, forms, the settings
+// commands of the shell and the reference page in docs/settings.md all use these rows; nothing else names a
+// key.
 //
 // A row whose key carries an index ("Carts1" to "Carts11") has a count; its entries are numbered from 1 and
-// the number follows the key with no blank. Key names match without regard to case, so a row has one
-// spelling: the one that is written into a file that lacks the key.
+// the number follows the key without a blank. Key names match without regard to case, so a row has one
+// spelling: the one written into a file that lacks the key.
 #pragma once
 
 #include "core/settings/Settings.h"
@@ -28,7 +28,7 @@ enum class SettingKind {
     Flag,       // 0 off, any other value on; stored without its sign
     Word,       // 16-bit number
     Number,     // 32-bit number
-    NumberText, // read as text: its leading number, rounded; a flag to those who use it, and stored like one
+    NumberText, // read as text: its leading number, rounded; used and stored like a flag
     Colour,     // blue-green-red integer
     Text,
     Path, // a data or cart location; stored as TidyLocation has it
@@ -51,14 +51,14 @@ struct SettingRow {
     const char* help = nullptr;
     At at = nullptr;       // null: the key is written and never read
     Count count = nullptr; // null: no index
-    int highestIndex = 0;  // that an entry can ever have
+    int highestIndex = 0;  // the highest that an entry can have
 
-    // Where the user sets it: a form and its control, or several radio buttons with a blank between, of which
-    // the value says which is chosen. The controls of an index have its number behind the name.
+    // Where the user sets it: a form and its control, or several radio buttons separated by blanks, where the
+    // value selects one. The controls of an indexed row have the number appended.
     const char* form = nullptr;
     const char* control = nullptr;
-    bool bound = false;    // the control shows the value as it is; else the form has a way of its own
-    qint32 firstEntry = 0; // what the first entry of a bound list, or the first radio button, stands for
+    bool bound = false;    // the control shows the value itself; else the form handles it in its own way
+    qint32 firstEntry = 0; // the value of the first entry of a bound list, or of the first radio button
 
     // Its place among the keys that SaveLocalSettings writes, and so in a new file; 0: it is not saved there.
     int savePosition = 0;
@@ -66,28 +66,28 @@ struct SettingRow {
     qint32 defaultNumber = 0;
     const char* defaultText = "";
     NumberDefault numberDefault =
-        nullptr; // a default that depends on other settings, in place of the constant
+        nullptr; // a default that depends on other settings, instead of the constant
     TextDefault textDefault = nullptr;
-    const char* defaultNote = nullptr; // says what such a default is
+    const char* defaultNote = nullptr; // describes such a default
 
-    // What may be set; `held` says that a loaded value outside is moved to the nearer end.
+    // The range that may be set; `held` means that a loaded value outside it is moved to the nearer end.
     qint32 lowest = INT32_MIN;
     qint32 highest = INT32_MAX;
     bool held = false;
     bool absolute = false; // a value loses its sign when it is loaded and when it is stored
     int longest = 0;       // characters of a text; 0: no limit but the buffer
-    int buffer = 255;      // of a read, its ending zero included
+    int buffer = 255;      // of a read, with its terminating zero
 
-    // The key of older versions whose value, where there is one, is the default of this one.
+    // The key of older versions; its value, if there is one, is the default of this key.
     const char* oldSection = nullptr;
     const char* oldKey = nullptr;
-    bool oldIsFraction = false; // it holds a text such as "0.65", for 65 percent
+    bool oldIsFraction = false; // it holds a text such as "0.65" for 65 percent
 
-    // Where the value lies when there is no ini file: below the settings' registry root.
+    // Where the value lies if there is no ini file: below the settings' registry root.
     const char* subkey = nullptr;
     const char* valueName = nullptr;
 
-    // What is saved in place of the member's value; nothing: the key is removed.
+    // What is saved instead of the member's value; nothing: the key is removed.
     Written written = nullptr;
 
     constexpr SettingRow setIn(const char* itsForm, const char* itsControl = nullptr) const {
@@ -195,12 +195,12 @@ const SettingRow& RowOf() {
     static const SettingRow& row = RowAt(EntryField<table, field>);
     return row;
 }
-// Keys that follow from the data location, with no member of their own.
+// Keys derived from the data location, without a member of their own.
 extern const SettingRow& SchedulesRow;
 extern const SettingRow& LogsRow;
 
-// The rows in groups, each loaded as a whole and in order; which group comes when, and what happens between
-// two of them, is the loaders' business.
+// The rows in groups, each loaded as a whole and in order; the loaders decide which group comes when, and
+// what happens between two of them.
 //
 // Local ini file.
 extern const SettingRows ConfigNameRows;
@@ -216,13 +216,13 @@ extern const SettingRows AutomationControlRows;
 extern const SettingRows PlayerAssignmentRows; // AutomaticPlayerAssignment, TotalNumberCartPlayers
 extern const SettingRows SoundCardRows;        // SoundCardNumber<n>: a player's device in manual mode
 extern const SettingRows PlayerColourRows;     // BackColor<n>, ForeColor<n>
-extern const SettingRows PlayerRows;           // Instant needs TotalNumberCartPlayers as it is held
+extern const SettingRows PlayerRows;           // Instant needs the current TotalNumberCartPlayers
 extern const SettingRows VolumeRows;           // UsePlayerDucking, GeneralVolume
 extern const SettingRows SweptVolumeRows;      // not loaded while UsePlayerDucking is on
-extern const SettingRows AudioRows;            // DuckAudioVolume needs GeneralVolume as it is held
+extern const SettingRows AudioRows;            // DuckAudioVolume needs the current GeneralVolume
 extern const SettingRows CartDisplayRows;
-extern const SettingRows RecordingRows; // RecordingSoundCard; the value held is its default
-extern const SettingRows LocationRows;  // AudioEditor, whose default is the value held; Carts<n>
+extern const SettingRows RecordingRows; // RecordingSoundCard; the current value is its default
+extern const SettingRows LocationRows;  // AudioEditor, whose default is the current value; Carts<n>
 // Audwall.ini.
 extern const SettingRows AudiowallFileRows;
 extern const SettingRows AudiowallLocatedRows; // read only when the first part has a location
@@ -238,8 +238,8 @@ struct SettingGroup {
 };
 const std::vector<SettingGroup>& AllSettings();
 
-// The row of a key and the index in it (0 for a row without one); names match without regard to case. Null
-// when no row declares that key. An index may lie above the number of entries that there are now.
+// The row of a key and the index in it (0 for a row without one); names match without regard to case. Null if
+// no row declares that key. An index may be above the current number of entries.
 struct SettingPlace {
     const SettingRow* row = nullptr;
     int index = 0;
@@ -248,7 +248,7 @@ struct SettingPlace {
 };
 SettingPlace FindSetting(const QString& section, const QString& key);
 
-// Key name of an entry: with its number behind it when the row is indexed.
+// Key name of an entry: with its number appended if the row is indexed.
 QString SettingKey(const SettingRow& row, int index);
 
 // Number of entries; 1 for a row without an index.

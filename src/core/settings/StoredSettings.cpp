@@ -45,7 +45,7 @@ QString AudiowallIniIn(const QString& firstPart) {
 }
 
 SettingsFiles FilesInForce(const Settings& values) {
-    // Without a data location and a name of its own the station's file would lie in the root of some drive.
+    // Without a data location and a name of its own, the station's file would lie in the root of some drive.
     const bool nowhere = values.DataLocation.trimmed().isEmpty() && values.SystemIniFile == u"\\TLVX_SYS.INI";
     return {values.LocalIniFile, nowhere ? QString() : values.SystemIniFile,
             AudiowallIniIn(values.CartPartTable[1].Location)};

@@ -1,5 +1,5 @@
-// The declared settings as they are stored in files, whether or not they are the ones in force: listing,
-// changing one, and comparing two workstations.
+// The declared settings as they are stored in files, whether or not those files are in use: lists them,
+// changes one, and compares two workstations.
 #pragma once
 
 #include "core/settings/SettingsTable.h"
@@ -7,7 +7,7 @@
 
 namespace tolvex {
 
-// The three files that settings lie in; an empty path: that file is left out.
+// The three files of the settings; an empty path leaves that file out.
 struct SettingsFiles {
     QString local;
     QString system;
@@ -15,15 +15,15 @@ struct SettingsFiles {
     const QString& of(SettingsFile file) const;
 };
 
-// Where the station's file lies for a data location, and the audiowall's for the folder of its first part;
-// empty when the location is.
+// The path of the station's file in a data location, and of the audiowall's in the folder of its first part;
+// empty if the location is.
 QString SystemIniIn(const QString& dataLocation);
 QString AudiowallIniIn(const QString& firstPart);
 
-// What has to be done first for a file that no location leads to: "set the data location".
+// What must be done first for a file that no location leads to: "set the data location".
 QString WhatMakesFileKnown(SettingsFile file);
 
-// Those of a workstation, as its settings name them.
+// Those of a workstation, from its settings.
 SettingsFiles FilesInForce(const Settings& values);
 
 using platform::ProfilePath;
@@ -31,42 +31,42 @@ using platform::ProfilePath;
 struct StoredSetting {
     SettingPlace place;
     QString key;          // with its number
-    QString value;        // as it is loaded; the default where the file has none
-    QString defaultValue; // with the other settings as the files have them
-    // The text in the file, without the quotes around it; for a key that only has its older form, the value.
-    // Nothing when neither is there.
+    QString value;        // as it is loaded; the default if the file has none
+    QString defaultValue; // given the other settings in the files
+    // The text in the file, without the quotes around it; for a key that has only its older form, the value.
+    // Nothing if neither exists.
     std::optional<QString> stored;
 };
 
 // Every declared setting that is read, file by file.
 QList<StoredSetting> ReadStoredSettings(const SettingsFiles& files);
 
-// The settings of these files in a record of their own.
+// Loads the settings of these files into a record of their own.
 Settings LoadFrom(const SettingsFiles& files);
 
-// The text of a declared key, without the quotes around it; nothing when it is not in the file.
+// The text of a declared key, without the quotes around it; nothing if the file lacks it.
 std::optional<QString> StoredTextOf(const SettingRow& row, int index, const QString& file);
 
-// A key to be written.
+// A key to write.
 struct StoredChange {
     const SettingRow* row = nullptr;
     QString key; // with its number
     QString text;
 };
 
-// What has to become of the derived keys of a local ini file when the settings they follow from change. A key
-// that is not in the file stays out of it, unless it is one of `wanted`.
+// The changes to the derived keys of a local ini file that follow from changed settings. A key that is not in
+// the file is not added, unless it is one of `wanted`.
 QList<StoredChange> DerivedChanges(const QString& localIni, const Settings& before, const Settings& after,
                                    const QList<const SettingRow*>& wanted = {});
 
 // Changes one setting in its file, and the derived keys in it that follow from it. False, with a sentence in
-// *why that names the setting, when the key is not declared, not to be set by hand, or the value is refused
-// or cannot be written; then *error is the number of the write that failed, 0 when it was not tried.
+// *why that names the setting, if the key is not declared or not to be set by hand, or the value is refused
+// or cannot be written; *error is then the number of the failed write, 0 if none was tried.
 bool SetStoredSetting(const SettingsFiles& files, const QString& section, const QString& key,
                       const QString& value, QString* why, int* error = nullptr);
 
-// What differs between the local settings of two workstations: the declared keys whose values are not the
-// same, one of them perhaps by default.
+// The differences between the local settings of two workstations: the declared keys with different values,
+// one of which may be a default.
 struct SettingDifference {
     QString section;
     QString key;
@@ -75,7 +75,7 @@ struct SettingDifference {
 };
 QList<SettingDifference> DiffSettings(const QString& firstIni, const QString& secondIni);
 
-// What a failed write to a settings file means, as a sentence.
+// The meaning of a failed write to a settings file, as a sentence.
 QString ProfileErrorText(int error, const QString& file);
 
 } // namespace tolvex

@@ -11,7 +11,7 @@ namespace {
 const QString key = QStringLiteral("Software\\Microsoft\\DataAccess");
 constexpr double oldestUsable = 2.5;
 
-// Where the components can be got.
+// Where to get the components.
 const QString downloadPage = QStringLiteral("https://www.microsoft.com/download");
 
 QString installedVersion() {

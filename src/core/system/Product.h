@@ -1,4 +1,4 @@
-// What the program says of itself: in the about box, message titles and on the command line.
+// The program's own names and texts: in the about box, message titles and on the command line.
 #pragma once
 
 #include <QString>

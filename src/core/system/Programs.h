@@ -14,8 +14,8 @@ enum StartWait : int {
 };
 
 // Starts a program in a normal window; the wait pointer shows until the routine returns. A wait for the end
-// goes in steps of `timeout` milliseconds with events running between. False, with a reason in *why, when the
-// program could not be started.
+// goes in steps of `timeout` milliseconds with events between. False, with a reason in *why, if the program
+// could not be started.
 bool StartProgram(const QString& path, const QString& arguments, int waitMode = NoWait, int timeout = 100,
                   QString* why = nullptr);
 

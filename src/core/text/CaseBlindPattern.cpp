@@ -23,7 +23,7 @@ CaseBlindPattern::CaseBlindPattern(const QString& text) {
         return;
     for (const char byte : bytes)
         text_ += static_cast<char>(lower(byte));
-    // A shorter skip than is allowed costs time only.
+    // A skip shorter than allowed only costs time.
     const auto skip = [](qsizetype length) {
         return static_cast<quint16>(std::min<qsizetype>(length, std::numeric_limits<quint16>::max()));
     };

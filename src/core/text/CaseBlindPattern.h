@@ -1,8 +1,8 @@
-// A text that is looked for, without regard to case, in bytes of code page 1252: lines of carts, notes.
+// Searches bytes of code page 1252, such as the lines and notes of carts, for a text without regard to case.
 //
-// Case is compared byte by byte through LowerCaseBytes, so nothing is converted to another kind of text. The
-// search is Horspool's: it looks at the byte under the end of the text and skips on as far as that byte
-// allows.
+// Case is compared byte by byte through LowerCaseBytes, without any
+// conversion. The search is Horspool's: it looks at the byte under
+// the end of the text and skips on as far as that byte allows.
 #pragma once
 
 #include <QByteArray>
@@ -15,18 +15,18 @@ namespace tolvex {
 
 class CaseBlindPattern {
 public:
-    // A text with a character that the code page lacks is found nowhere.
+    // A text with a character that the code page lacks is never found.
     explicit CaseBlindPattern(const QString& text);
 
-    // An empty text is found nowhere. Cost: for 150 bytes some 50 nanoseconds with a text of five letters.
+    // An empty text is never found. Cost: about 50 nanoseconds for 150 bytes and a text of five letters.
     bool isIn(std::string_view bytes) const;
 
-    // The text in lower case, in bytes; empty for one that is found nowhere.
+    // The text in lower case, in bytes; empty for a text that is never found.
     const QByteArray& lowerCase() const { return text_; }
 
 private:
     QByteArray text_;
-    // By the byte under the end of the text: how far on the text may begin next. 0 for the text's last byte.
+    // By the byte under the end of the text: the distance to the next possible match; 0 for its last byte.
     std::array<quint16, 256> skip_{};
     quint16 skipAfterLast_ = 1;
 };

@@ -1,4 +1,4 @@
-// What a list offers: texts, and the values that they stand for.
+// The entries of a list: texts, and the values they stand for.
 #pragma once
 
 #include <QList>

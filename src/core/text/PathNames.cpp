@@ -14,7 +14,7 @@ qsizetype lastSeparator(const QString& path) {
     return std::max(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/'));
 }
 
-// Names that stand for a device in every folder, whatever extension follows.
+// Names that mean a device in every folder, with any extension.
 bool isDeviceName(const QString& name) {
     const QString stem = name.section(u'.', 0, 0).trimmed().toUpper();
     if (stem.size() == 4 && (stem.startsWith(u"COM") || stem.startsWith(u"LPT")))

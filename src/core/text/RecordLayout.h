@@ -1,5 +1,5 @@
-// Layouts of the suite's fixed records: one table of fields for each record, and both directions work from
-// it. A layout is a constant; whether its fields cover each byte exactly once is known when it is compiled.
+// Layouts of the suite's fixed records: one table of fields per record, which serves both directions. A
+// layout is a constant; the compiler checks that its fields cover each byte exactly once.
 //
 //     constexpr RecordLayout<128, TerminalRecord, TextField<TerminalRecord>, ...> layout{...};
 //     static_assert(layout.coversEachByteOnce());
@@ -18,7 +18,7 @@
 
 namespace tolvex {
 
-// Text into a field of fixed size: what is too long is cut, what is too short padded with blanks.
+// Text into a field of fixed size: cut if too long, padded with blanks if too short.
 inline void EncodeFixedText(const QString& text, char* field, int size) {
     const QByteArray bytes = platform::ToCodePage(text.left(size));
     const auto used = std::min<qsizetype>(bytes.size(), size);
@@ -87,7 +87,7 @@ struct TextField {
 template<typename Record>
 TextField(int, int, QString Record::*) -> TextField<Record>;
 
-// Bytes that are dropped on reading and written as zeros.
+// Bytes that are ignored on reading and written as zeros.
 template<typename Record>
 struct DroppedField {
     int offset;
@@ -136,7 +136,7 @@ private:
     std::tuple<Fields...> fields_;
 };
 
-// A layout of so many bytes; the record and the kinds of fields follow from the arguments.
+// A layout of so many bytes; the record and the kinds of fields are deduced from the arguments.
 template<int length, typename Record, typename... Fields>
 constexpr auto MakeRecordLayout(Fields... fields) {
     return RecordLayout<length, Record, Fields...>(fields...);

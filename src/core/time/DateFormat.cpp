@@ -6,7 +6,7 @@ namespace tolvex {
 
 namespace {
 
-// A letter of the language, and the longest run of it that means something.
+// A letter of the format language, and its longest meaningful run.
 struct Letter {
     char16_t letter;
     int longest;
@@ -79,7 +79,7 @@ private:
         int length = 0;
         while (length < longest && at_ + length < format_.size() && format_[at_ + length].toLower() == low)
             ++length;
-        // Three of a year are two and one; a time is all five or none.
+        // A run of three "y" is two and one; a time is all five or none.
         if (low == u'y' && length == 3)
             length = 2;
         if (low == u't' && length < longest)

@@ -10,7 +10,7 @@ namespace {
 
 const QDate dayZero(1899, 12, 30);
 constexpr double secondsADay = 86400;
-// The years 100 and 9999: dates of the suite lie between.
+// The years 100 and 9999: the range of dates in the suite.
 constexpr double firstDay = -657434;
 constexpr double lastDay = 2958465;
 

@@ -1,5 +1,5 @@
-// Dates as the suite counts and writes them: a serial day count with the time of day as its fraction, day 1
-// being 31 December 1899, and the text "dd mmm yyyy hh:nn:ss" with English month names.
+// Dates as the suite counts and writes them: a serial day count with the time of day as its fraction, where
+// day 1 is 31 December 1899, and the text "dd mmm yyyy hh:nn:ss" with English month names.
 #pragma once
 
 #include <QDateTime>
@@ -18,8 +18,8 @@ QString DateText(const QDateTime& time);
 // The system's short form of a date.
 QString ShortDate(const QDate& date);
 
-// A date with or without a time, in any case and with any blanks: "5 mar 2024 22:10:00", "2024-03-05",
-// "05/03/2024 22:10" (the day stands first). Nothing for anything else, a bare number among it.
+// Parses a date with or without a time, in any case and with any blanks: "5 mar 2024 22:10:00", "2024-03-05",
+// "05/03/2024 22:10" (day first). Nothing for anything else, including a bare number.
 std::optional<double> ParseDate(const QString& text);
 
 } // namespace tolvex

@@ -10,16 +10,16 @@ struct DayTime {
     float Seconds = 0; // since midnight
 };
 
-// Now; with `wholeHours` the seconds are cut to the hour.
+// Now; with `wholeHours` the seconds are truncated to the hour.
 DayTime CurrentDayTime(bool wholeHours = false);
 
 // Carries into the day in both directions, so that the seconds stay within 0 to 86400.
 DayTime AddSeconds(const DayTime& time, double seconds);
 
-// The difference to now, in seconds; below 0 for a time to come.
+// Now minus this time, in seconds; negative for a time in the future.
 double SecondsSince(const DayTime& time);
 
-// Waits; events run meanwhile.
+// Waits while events run.
 void Sleep(double seconds);
 
 } // namespace tolvex

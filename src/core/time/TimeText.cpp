@@ -68,7 +68,7 @@ QString SecondsToTime(double seconds, int format) {
         const qint64 unit = hundredthsIn.at(static_cast<std::size_t>(part));
         const qint64 value = rest / unit;
         rest %= unit;
-        // Below the minute a field is no longer a leading one when it is the last that counts whole units.
+        // Below the minute a field is no longer a leading one if it is the last that counts whole units.
         const bool isLead = part < layout.last && part < Seconds;
         reached = reached || outside || value > 0 || !isLead || !blanking;
         if (!reached && dropping)
@@ -100,7 +100,7 @@ double TimeToSeconds(const QString& text, int format) {
             clock = text.left(point);
         }
     }
-    // Fields are told from the right, so that dropped leading ones do no harm.
+    // Fields are counted from the right, so that dropped leading ones do no harm.
     const QStringList fields = clock.split(u':');
     const int last = layout.last == Hundredths ? Seconds : layout.last;
     int part = last - static_cast<int>(fields.size()) + 1;

@@ -2,7 +2,7 @@
 //   last digit: 0 "mm:ss.hh", 1 "hh:mm:ss.hh", 2 "hh:mm:ss", 3 "mm:ss", 4 "hh:mm"
 //   tens digit, where the layout has no hundredths: 0 rounds to the nearest second, 1 cuts the fraction, 2
 //   rounds any fraction up
-//   from 101: a leading field that the time is too short to reach is blank; from 200: it goes, with its
+//   from 101: a leading field that the time does not reach is blank; from 200: it is dropped, with its
 //   separator
 // The first field of a layout without hours takes all the minutes. Hundredths are rounded to the nearest.
 #pragma once
@@ -11,10 +11,10 @@
 
 namespace tolvex {
 
-// Seconds below 0 or from 86400 upward give "--" in each field.
+// Seconds below 0 or from 86400 up give "--" in each field.
 QString SecondsToTime(double seconds, int format);
 
-// The other way; blank and dropped leading fields count as 0. -1 when the text is no time of that layout.
+// Parses the text; blank and dropped leading fields count as 0. -1 if the text is not a time of that layout.
 double TimeToSeconds(const QString& text, int format);
 
 } // namespace tolvex

@@ -44,7 +44,7 @@ QString backupName(const QString& name, int number) {
     return PathWithoutExtension(name) + QStringLiteral("-%1.BAK").arg(number, 4, 10, QLatin1Char('0'));
 }
 
-// A name that is free. Nothing is made under it yet: what is made is noted before.
+// A free name. Nothing is made under it yet: files are noted before they are made.
 QString temporaryName(const QString& folder) {
     constexpr quint32 numbers = 0x10000;
     QString name;
@@ -56,7 +56,7 @@ QString temporaryName(const QString& folder) {
     return name;
 }
 
-// A file whose first page is no database's is read once more under a page of a new database. Throws
+// If a file's first page is not a database's, it is read once more under a page of a new database. Throws
 // DatabaseError, or CompactionStopped.
 void compact(const QString& name, platform::Progress* progress, const jet::OnLoss& lost) {
     const std::string path = EnginePath(name);

@@ -11,8 +11,8 @@ namespace tolvex {
 
 namespace {
 
-constexpr std::uint64_t StepBytes = 256 * 1024; // written between two looks at the Stop button
-// Definitions of the system's tables, which every database has in pages 2 to 5, begin so.
+constexpr std::uint64_t StepBytes = 256 * 1024; // written between checks of the Stop button
+// The definitions of the system tables, in pages 2 to 5 of every database, begin with these bytes.
 constexpr std::uint8_t DefinitionPage[] = {0x02, 0x01};
 constexpr jet::PageNumber systemPages[] = {2, 3, 4, 5};
 
@@ -44,7 +44,7 @@ private:
     std::unique_ptr<StorageFile> file_;
 };
 
-// The source under another first page.
+// The source with another first page.
 class PatchedFile final : public PassingFile {
 public:
     PatchedFile(std::unique_ptr<StorageFile> file, const jet::Bytes& firstPage)
@@ -62,7 +62,7 @@ private:
     const jet::Bytes& firstPage_;
 };
 
-// The target: what is written to it is the progress.
+// The target: writing to it is the progress.
 class CountedFile final : public PassingFile {
 public:
     CountedFile(std::unique_ptr<StorageFile> file, platform::Progress& progress, std::uint64_t expected)
@@ -109,7 +109,7 @@ bool CompactionStorage::replaceFirstPage() {
 
 std::unique_ptr<jet::StorageFile> CompactionStorage::open(const std::string& path, Open how) {
     auto file = files_.open(path, how);
-    // Opened for reading, it is copied as it is.
+    // A source opened for reading only is copied as it is.
     if (path == source_ && how == Open::ReadWrite && !firstPage_.empty())
         return std::make_unique<PatchedFile>(std::move(file), firstPage_);
     if (how == Open::CreateNew && progress_) {

@@ -1,5 +1,5 @@
-// The files of a compaction as the engine meets them: it lets the user see how far the job is and stop it,
-// and can put a sound first page before a file whose own one is destroyed.
+// The files of a compaction as the engine sees them: shows the user the progress and a Stop, and can put a
+// sound first page before a file whose own one is destroyed.
 #pragma once
 
 #include "jet/Storage.h"
@@ -8,7 +8,7 @@
 
 namespace tolvex {
 
-// Thrown through the engine, which takes away what it began.
+// Thrown through the engine, which removes what it began.
 struct CompactionStopped {};
 
 class CompactionStorage final : public jet::Storage {
@@ -16,7 +16,7 @@ public:
     // `source`: the host path of the file to compact. `progress` may be null.
     CompactionStorage(const std::string& source, platform::Progress* progress);
 
-    // Has the source read from now on with the first page of a new database. False: what follows the first
+    // From now on, the source is read with the first page of a new database. False: what follows the first
     // page does not look like a database either.
     bool replaceFirstPage();
 

@@ -38,9 +38,9 @@ void RemoveDeadCopies(const QString& folder) {
             if (isDead(*file) && file->isNow(host))
                 jet::MachineStorage().remove(host);
         } catch (const jet::Error&) {
-            // One that may not be looked at or removed stays.
+            // Files that cannot be inspected or removed stay.
         } catch (const DatabaseError&) {
-            // Nor one that is gone.
+            // Also one that is already gone.
         }
     }
 }

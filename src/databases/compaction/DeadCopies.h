@@ -1,14 +1,14 @@
-// Unfinished copies of databases that compactions left which died: "MDB1A2F.TMP" and the like. A compaction
-// of this program is tidied up when its database is opened next (jet/Swap.h); these are of other programs, or
-// of databases that are no more.
+// Unfinished copies of databases ("MDB1A2F.TMP" and the like) from compactions that died. A compaction of
+// this program is cleaned up when its database is opened next (jet/pager/Swap.h); these are of other
+// programs, or of databases that no longer exist.
 #pragma once
 
 #include <QString>
 
 namespace tolvex {
 
-// Removes those of a folder that begin as a database does, or as one that is not whole, that nobody holds a
-// lock on, and that have not changed for a day. Errors are ignored.
+// Removes those in a folder that begin like a database, or like a partial one, that nobody has locked, and
+// that have not changed for a day. Errors are ignored.
 void RemoveDeadCopies(const QString& folder);
 
 } // namespace tolvex

@@ -1,4 +1,4 @@
-// What compaction could not save of a damaged database, as a text for people: by table, with the pages.
+// What compaction could not rescue from a damaged database, as readable text: by table, with the pages.
 #pragma once
 
 #include "jet/Check.h"
@@ -14,7 +14,7 @@ class LossReport {
 public:
     void add(const jet::Fault& loss);
     bool isEmpty() const { return count_ == 0; }
-    // At most 10,000 losses are told one by one; the others are counted.
+    // At most 10,000 losses are listed one by one; the others are counted.
     QString text() const;
 
 private:

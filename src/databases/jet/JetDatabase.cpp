@@ -17,8 +17,8 @@ namespace tolvex {
 
 namespace {
 
-// Runs operations of the engine on one database; their errors go on as DatabaseErrors, and one of damage
-// names the file.
+// Runs operations of the engine on one database; rethrows their errors as DatabaseErrors, and names the file
+// in those of damage.
 class OnEngine {
 public:
     explicit OnEngine(QString path)
@@ -191,7 +191,7 @@ public:
                 if (database_.transactionDepth() == 0)
                     database_.flush();
             } catch (const jet::Error& error) {
-                // Whose transaction is running brings everything into the file after it.
+                // A running transaction brings everything into the file when it ends.
                 if (error.code() != jet::ErrorNumber::RecordLocked)
                     throw;
             }
@@ -207,7 +207,7 @@ private:
     const OnEngine onEngine;
 };
 
-// Nothing for a number that stands for no day.
+// Nothing for a number that is not a day.
 QVariant dateOf(double days) {
     const QDateTime date = FromSerialDate(days);
     return date.isValid() ? QVariant(date) : QVariant();

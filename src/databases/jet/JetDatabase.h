@@ -1,5 +1,5 @@
-// Database files behind the face of SuiteDatabase: the one place that talks to the engine. Paths of the suite
-// become paths of this machine here, and the engine's errors become DatabaseErrors.
+// Database files behind the interface SuiteDatabase: the one place that talks to the engine. It converts
+// paths of the suite to paths of this machine, and the engine's errors to DatabaseErrors.
 #pragma once
 
 #include "databases/store/SuiteDatabase.h"
@@ -10,15 +10,15 @@ namespace tolvex {
 
 std::unique_ptr<SuiteDatabase> OpenJetDatabase(const QString& path);
 
-// The path on this machine, in the encoding of the engine. Throws DatabaseError when its drive or folder is
-// not there.
+// The path on this machine, in the engine's encoding.
+// Throws DatabaseError if its drive or folder is missing.
 std::string EnginePath(const QString& path);
 
 // `path`: the database as the suite names it, which the error then names instead of the path on this machine.
 DatabaseError FromEngine(const jet::Error& error, const QString& path = {});
 
-// Values as the suite has them and as the engine does. Both throw TypeMismatchError for what the other does
-// not know.
+// Conversion of values between the suite and the engine. Both throw TypeMismatchError for values that the
+// other side lacks.
 QVariant ToVariant(const jet::Value& value);
 jet::Value ToEngineValue(const QVariant& value);
 

@@ -11,7 +11,7 @@ const QString MainIndex = QStringLiteral("Main");
 constexpr int DefaultTextSize = 255;
 
 struct TableName {
-    QString owner; // empty: not said
+    QString owner; // empty: not specified
     QString table;
 };
 
@@ -26,7 +26,7 @@ bool same(const QString& first, const QString& second) {
     return first.compare(second, Qt::CaseInsensitive) == 0;
 }
 
-// The type as a statement declares it, of what the catalogue says.
+// The type as a statement declares it, from the catalogue's description.
 QString declared(QString type, int size) {
     type = type.section(u' ', 0, 0); // without "identity"
     const bool hasSize = type.contains(QStringLiteral("char"), Qt::CaseInsensitive) ||

@@ -24,7 +24,7 @@ QString withoutPrefix(const QString& connect) {
     return trimmed.startsWith(Prefix, Qt::CaseInsensitive) ? trimmed.mid(Prefix.size()) : trimmed;
 }
 
-// Where the attribute that starts at `start` ends: at a semicolon outside of braces, or with the text.
+// Where the attribute that starts at `start` ends: at a semicolon outside braces, or at the end of the text.
 qsizetype endOfAttribute(const QString& text, qsizetype start) {
     qsizetype at = start;
     while (at < text.size() && text[at] != u';' && text[at] != u'=')

@@ -1,23 +1,23 @@
-// Connect strings of servers as the suite's settings hold them: "ODBC;" and then attributes,
-// "DRIVER={...};SERVER=...;UID=...". Values may stand in braces, a closing brace in them doubled.
+// Connect strings of servers as in the suite's settings: "ODBC;" and then attributes,
+// "DRIVER={...};SERVER=...;UID=...". Values may be in braces, with closing braces doubled.
 #pragma once
 
 #include <QString>
 
 namespace tolvex {
 
-// What is handed to the driver manager for a server: the string without its leading "ODBC;".
+// The string for the driver manager to connect to a server: without the leading "ODBC;".
 QString ServerAttributes(const QString& connect);
 
-// The same for one database on it: with ";Database=" and the name, in braces where the name needs them. A
-// database that the string names by itself gives way, since drivers take the first of two.
+// The same for one database on it: with ";Database=" and the name, in braces if the name needs them. A
+// database in the string itself is dropped, since drivers take the first of two.
 QString DatabaseAttributes(const QString& connect, const QString& database);
 
-// What a user knows the server by: its data source, or its address, or its driver; "ODBC" when there is none
-// of them.
+// The user's name for the server: its data source, or its address, or its driver; "ODBC" if it has none of
+// them.
 QString ServerName(const QString& connect);
 
-// The string as it may be shown and logged: a password in it becomes "***".
+// The string for display and logs: a password in it becomes "***".
 QString ShownConnect(const QString& connect);
 
 } // namespace tolvex

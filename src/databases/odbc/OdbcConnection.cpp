@@ -9,7 +9,7 @@ namespace {
 constexpr SQLSMALLINT MostRecords = 10; // of one failed call
 constexpr int DeadlockVictim = 1205;
 
-// A number where an attribute wants a pointer.
+// A number for an attribute that takes a pointer.
 SQLPOINTER asPointer(SQLULEN number) {
     return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr): the interface's way
 }
@@ -70,7 +70,7 @@ void OdbcConnection::connect() {
     if (!SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, asPointer(SQL_OV_ODBC3), 0)) ||
         !SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_)))
         throw NotConnected(server_, diagnosticsOf(SQL_HANDLE_ENV, environment_));
-    // A driver without these limits has its own.
+    // A driver without these limits uses its own.
     SQLSetConnectAttrW(connection_, SQL_ATTR_LOGIN_TIMEOUT, asPointer(LoginSeconds), SQL_IS_UINTEGER);
     SQLSetConnectAttrW(connection_, SQL_ATTR_CONNECTION_TIMEOUT, asPointer(StatementSeconds),
                        SQL_IS_UINTEGER);
@@ -120,7 +120,7 @@ void OdbcConnection::end(SQLSMALLINT how) {
     try {
         setAutomaticCommit(true);
     } catch (const DatabaseError&) {
-        lost_ = true; // the transaction has ended as it was to; the connection cannot be used any more
+        lost_ = true; // the transaction has ended as intended; the connection is unusable
     }
 }
 
@@ -135,12 +135,12 @@ void OdbcConnection::rollback() {
         end(SQL_ROLLBACK);
         return;
     }
-    SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK); // so that the manager lets go of it
+    SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK); // makes the manager release it
     inTransaction_ = false;
 }
 
-// Drivers know more than they say: FreeTDS gives an "unknown error" for a connection that broke while nothing
-// ran on it.
+// Drivers know more than they report: FreeTDS gives an "unknown error" for a connection that broke while it
+// was idle.
 bool OdbcConnection::isDead() const {
     SQLUINTEGER dead = SQL_CD_FALSE;
     return SQL_SUCCEEDED(
@@ -160,7 +160,7 @@ OdbcTransaction::~OdbcTransaction() {
         if (own_)
             connection_.rollback();
     } catch (const DatabaseError&) {
-        // The failure that came before is on its way.
+        // The earlier failure is being thrown.
     }
 }
 

@@ -1,8 +1,8 @@
-// A connection to a server through the driver manager: unixODBC, or the platform's own. Nothing is ever asked
-// of the user: a connect string that says too little fails.
+// A connection to a server through the driver manager: unixODBC, or the platform's own. The user is never
+// asked: an incomplete connect string fails.
 //
-// Waits are bounded, so that a dead server does not hold the program: LoginSeconds to connect,
-// StatementSeconds for each statement, both asked of the driver, which keeps to them as well as it can.
+// Waits are bounded, so that a dead server does not block the program: LoginSeconds to connect,
+// StatementSeconds for each statement. The driver enforces both as well as it can.
 #pragma once
 
 #include "databases/odbc/OdbcError.h"
@@ -15,7 +15,7 @@ namespace tolvex {
 inline constexpr unsigned LoginSeconds = 10;
 inline constexpr unsigned StatementSeconds = 30;
 
-// Text as the driver manager takes and gives it: UTF-16.
+// Text for and from the driver manager: UTF-16.
 inline SQLWCHAR* ServerText(const QString& text) {
     static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
     return reinterpret_cast<SQLWCHAR*>(const_cast<ushort*>(text.utf16()));
@@ -23,31 +23,31 @@ inline SQLWCHAR* ServerText(const QString& text) {
 
 class OdbcConnection {
 public:
-    // `attributes`: see OdbcConnectString.h. `server`: its name for a report. Throws NotConnected.
+    // `attributes`: see OdbcConnectString.h. `server`: its name in reports. Throws NotConnected.
     OdbcConnection(const QString& attributes, const QString& server);
-    ~OdbcConnection(); // undoes what was not committed
+    ~OdbcConnection(); // rolls back what was not committed
     OdbcConnection(const OdbcConnection&) = delete;
     OdbcConnection& operator=(const OdbcConnection&) = delete;
 
     SQLHDBC handle() const { return connection_; }
     bool readOnly() const { return readOnly_; }
-    // What makes "_" and "%" in a name of the catalogue stand for themselves.
+    // The escape character for "_" and "%" in catalogue names.
     const QString& searchEscape() const { return searchEscape_; }
 
-    // Outside of a transaction each statement stands for itself. Throw DatabaseError; commit() also when the
-    // server has undone the transaction before, to end a deadlock.
+    // Outside a transaction each statement is its own. These throw DatabaseError; commit() also if the server
+    // has rolled the transaction back before, to end a deadlock.
     bool inTransaction() const { return inTransaction_; }
     void begin();
     void commit();
-    // Nothing to do when the connection is lost: the server has done it then.
+    // Does nothing if the connection is lost: the server has then rolled back.
     void rollback();
 
     // Throws the error of a failed call on a statement of this connection, and remembers a lost connection.
     [[noreturn]] void fail(SQLSMALLINT kind, SQLHANDLE handle);
 
-    // Connects anew when the connection proved lost and no transaction was running on it: what was begun in
-    // one must not go on as if it were whole. False when there was no need or it must not be. Throws
-    // NotConnected.
+    // Reconnects if the connection is lost and no transaction was running
+    // on it: a partial transaction must not continue as if it were whole.
+    // False if it is not necessary or not allowed. Throws NotConnected.
     bool reconnect();
 
 private:
@@ -65,14 +65,14 @@ private:
     SQLHDBC connection_ = SQL_NULL_HDBC;
     bool connected_ = false;
     bool inTransaction_ = false;
-    bool undone_ = false; // the transaction, by the server
+    bool undone_ = false; // the server has rolled the transaction back
     bool lost_ = false;
     bool readOnly_ = false;
     QString searchEscape_;
 };
 
-// A transaction for the time of a block: its own, unless the connection is in one already. Undone unless
-// committed.
+// A transaction for a scope: its own, unless the connection
+// is already in one. Rolled back unless committed.
 class OdbcTransaction {
 public:
     explicit OdbcTransaction(OdbcConnection& connection)

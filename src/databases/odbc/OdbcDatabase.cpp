@@ -43,7 +43,7 @@ public:
         }
         return shape;
     }
-    // A server's texts may always have no length.
+    // A server's texts may always be empty.
     void createTable(const QString& name, const Field& first, bool) override {
         execute(QStringLiteral("CREATE TABLE %1 (%2)").arg(BracketedTable(name), declaration(first)));
     }

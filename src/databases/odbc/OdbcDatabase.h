@@ -1,5 +1,5 @@
-// Databases on a server behind the face of SuiteDatabase, and the server itself. What the server must offer
-// is in docs/databases.md.
+// Databases on a server behind the interface SuiteDatabase, and the server itself. docs/databases.md says
+// what the server must offer.
 #pragma once
 
 #include "databases/store/SuiteDatabase.h"

@@ -10,7 +10,7 @@ namespace {
 
 using jet::ErrorNumber;
 
-// What a SQL server's own numbers mean to the suite.
+// A SQL server's own error numbers and their numbers in the suite.
 constexpr struct {
     int native;
     int number;
@@ -37,7 +37,7 @@ constexpr struct {
     {8152, static_cast<int>(ErrorNumber::FieldTooSmall)}, // text would be cut
 };
 
-// What the standard's states mean where the number is not known.
+// The standard's states, for numbers that are not known.
 constexpr struct {
     const char* state;
     ErrorNumber number;
@@ -70,7 +70,7 @@ QString sentenceFor(int number) {
     }
 }
 
-// All that was said, each text once.
+// All messages, each text once.
 QString saidBy(const QList<OdbcDiagnostic>& records) {
     QStringList texts;
     for (const OdbcDiagnostic& record : records) {
@@ -88,8 +88,8 @@ bool hasClass(const QList<OdbcDiagnostic>& records, const QString& wanted) {
                        [&](const OdbcDiagnostic& record) { return record.state.startsWith(wanted); });
 }
 
-// Numbers of a server that has undone the transaction: to end a deadlock, because another changed the same
-// row, in a trigger. FreeTDS gives a state of another class with them.
+// Errors after which the server has rolled the transaction back: to end a deadlock, because another changed
+// the same row, in a trigger. FreeTDS reports a state of another class with them.
 constexpr int undoneNumbers[] = {1205, 3960, 3609};
 
 DatabaseError withSentence(int number, const QString& sentence, const QList<OdbcDiagnostic>& records) {

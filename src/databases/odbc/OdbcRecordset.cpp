@@ -16,7 +16,7 @@ using jet::ErrorNumber;
     throw FromEngine(jet::Error(number, detail.toStdString()));
 }
 
-// A row in memory as a criterion sees it.
+// A row in memory, as a predicate sees it.
 class MemoryRow final : public jet::RowValues {
 public:
     explicit MemoryRow(const std::vector<jet::Value>& row)
@@ -168,7 +168,7 @@ void OdbcRecordset::set(const QString& field, const QVariant& value) {
     set_[number] = true;
 }
 
-// When it throws, the values set so far are kept for another try.
+// If it throws, the values set so far are kept for another try.
 void OdbcRecordset::update() {
     if (editing_ == Editing::Adding)
         saveNew();

@@ -1,9 +1,9 @@
-// The rows of a table on a server, or of what a statement selects, one of which is current. No table mode: a
-// server has no order of an index to seek in.
+// The rows of a table on a server, or of a query's result, one of which is current. There is no table mode: a
+// server has no index order to seek in.
 //
-// All rows are read when it opens, with one statement, and moving and finding look at them in memory, so that
-// criteria mean here what they mean in a file. What others write later shows in a recordset opened later;
-// edit() reads its row anew, and update() refuses to overwrite what others changed since.
+// One statement reads all rows when the recordset opens, and moving and finding look at them in memory, so
+// that predicates mean the same as in a file. Later changes by others show in a recordset opened later;
+// edit() reads its row again, and update() refuses to overwrite what others changed since.
 #pragma once
 
 #include "databases/odbc/OdbcRows.h"
@@ -13,9 +13,9 @@ namespace tolvex {
 
 class OdbcRecordset final : public SuiteRecordset {
 public:
-    // Of a table. It can be changed when it has a unique index and the server lets it.
+    // Of a table. It can be changed if it has a unique index and the server permits it.
     OdbcRecordset(std::shared_ptr<ServerSession> session, const OdbcTable& table);
-    // Of a statement; for reading.
+    // Of a statement; read-only.
     OdbcRecordset(std::shared_ptr<ServerSession> session, const QString& statement);
 
     QString name() const override { return source_.table; }

@@ -46,7 +46,7 @@ void bindValues(OdbcStatement& statement, const OdbcRowSource& source, const Odb
             statement.bind(values[i], source.columns[static_cast<qsizetype>(i)].type);
 }
 
-// `hint`: stands behind the table's name.
+// `hint` follows the table's name.
 OdbcRow readAgain(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& known,
                   const char* hint) {
     QStringList fields;
@@ -63,7 +63,7 @@ OdbcRow readAgain(OdbcConnection& connection, const OdbcRowSource& source, const
     return readRow(statement, source.columns);
 }
 
-// Whether the row with the key of `values` is there with all that was set.
+// Whether the row with the key of `values` exists with all values that were set.
 bool isThere(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& values,
              const std::vector<bool>& set) {
     try {
@@ -122,7 +122,7 @@ void InsertRow(OdbcConnection& connection, const OdbcRowSource& source, const Od
 void ChangeRow(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& before,
                const OdbcRow& values, const std::vector<bool>& set, bool again) {
     const QStringList fields = namesOf(source, set);
-    // The row is held against others from the look at it to the change.
+    // The row is locked from the check to the change.
     OdbcTransaction transaction(connection);
     if (readAgain(connection, source, before, " WITH (UPDLOCK)") != before) {
         if (again && isThere(connection, source, values, set))

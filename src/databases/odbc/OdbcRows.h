@@ -1,5 +1,5 @@
-// Rows of a table on a server, or of what a statement selects: reading them, and the statements that add,
-// change and remove one. Names stand in brackets, values are bound. Each owns all that it needs, so that it
+// Rows of a table on a server, or of a query's result: reads them, and makes the statements that add, change
+// and remove one. Names are in brackets, values are bound. Each object owns everything it needs, so that it
 // can run in the thread of a ServerSession. Everything throws DatabaseError.
 #pragma once
 
@@ -11,11 +11,11 @@ namespace tolvex {
 
 using OdbcRow = std::vector<jet::Value>;
 
-// Where rows are, and what tells them apart.
+// Where rows are, and what identifies them.
 struct OdbcRowSource {
     QString table;
     QList<OdbcColumn> columns;
-    std::vector<std::size_t> key; // positions of its columns; empty: rows cannot be told apart
+    std::vector<std::size_t> key; // positions of its columns; empty: rows cannot be identified
 };
 
 struct OdbcRows {
@@ -23,19 +23,19 @@ struct OdbcRows {
     std::vector<OdbcRow> rows;
 };
 
-// All rows that a statement gives.
+// All rows that a statement returns.
 OdbcRows ReadRows(OdbcConnection& connection, const QString& statement);
 
 // A row as it is now, by its key. Throws RecordDeleted.
 OdbcRow ReadRowAgain(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& known);
 
-// The following change a row. `again`: they were begun before on a connection that was lost, and may have
-// been done.
+// These change a row. `again`: they were begun before on a
+// connection that was lost, and may already be done.
 
-// `values` with the columns in `set` given, the others left to the server.
+// `values` has the columns in `set`; the server fills the others.
 void InsertRow(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& values,
                const std::vector<bool>& set, bool again);
-// Nothing that others did is overwritten: throws RecordChanged when the row is not `before` any more.
+// Never overwrites changes of others: throws RecordChanged if the row no longer equals `before`.
 void ChangeRow(OdbcConnection& connection, const OdbcRowSource& source, const OdbcRow& before,
                const OdbcRow& values, const std::vector<bool>& set, bool again);
 // Throws RecordDeleted.

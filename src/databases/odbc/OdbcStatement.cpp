@@ -10,7 +10,7 @@ namespace {
 
 using jet::ColumnType;
 
-constexpr int LongestText = 4000;  // characters that a column with a declared size can have
+constexpr int LongestText = 4000;  // characters of a column with a declared size
 constexpr SQLULEN TimeDigits = 23; // "2024-03-05 22:10:00.000"
 constexpr int TimeDecimals = 3;
 constexpr int NanosecondsInMillisecond = 1000000;
@@ -44,7 +44,7 @@ constexpr struct {
     {SQL_LONGVARBINARY, ColumnType::Ole},
 };
 
-// The kind that a null of a column is given as.
+// The kind used for a null of a column.
 SQLSMALLINT serverKind(ColumnType type) {
     if (type == ColumnType::Text || type == ColumnType::Memo)
         return SQL_WVARCHAR;
@@ -54,7 +54,7 @@ SQLSMALLINT serverKind(ColumnType type) {
     return SQL_WVARCHAR;
 }
 
-// What a driver knows and the list does not reads as text.
+// Types of a driver that are not in the list read as text.
 OdbcColumn describe(const QString& name, SQLSMALLINT kind, SQLULEN size) {
     OdbcColumn column{name, ColumnType::Text, 0};
     for (const auto& known : kinds)
@@ -62,7 +62,7 @@ OdbcColumn describe(const QString& name, SQLSMALLINT kind, SQLULEN size) {
             column.type = known.type;
     if (column.type != ColumnType::Text)
         return column;
-    // A text without limit is told as one of no characters, or of very many.
+    // A text without a limit is reported with zero characters, or very many.
     if (size == 0 || size > 2 * LongestText)
         column.type = ColumnType::Memo;
     else
@@ -95,7 +95,7 @@ OdbcStatement::OdbcStatement(OdbcConnection& connection)
     : connection_(connection) {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.handle(), &statement_)))
         connection.fail(SQL_HANDLE_DBC, connection.handle());
-    // A driver without this limit has its own.
+    // A driver without this limit uses its own.
     SQLSetStmtAttrW(statement_, SQL_ATTR_QUERY_TIMEOUT,
                     reinterpret_cast<SQLPOINTER>(SQLULEN{StatementSeconds}), SQL_IS_UINTEGER);
 }
@@ -214,7 +214,7 @@ bool OdbcStatement::fetch() {
     return result != SQL_NO_DATA;
 }
 
-// A value of a size that is known; null when it is null.
+// A value of a known size; null if it is null.
 template<typename Held>
 jet::Value OdbcStatement::fixed(int column, SQLSMALLINT kind) {
     Held held{};
@@ -230,7 +230,7 @@ jet::Value OdbcStatement::fixed(int column, SQLSMALLINT kind) {
         return held;
 }
 
-// A value of any length, piece by piece; false when it is null.
+// A value of any length, piece by piece; false if it is null.
 template<typename Element, typename Whole>
 bool OdbcStatement::pieces(int column, SQLSMALLINT kind, Whole& whole) {
     std::array<Element, 2048> piece{};

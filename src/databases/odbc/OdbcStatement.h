@@ -1,9 +1,9 @@
-// One statement on a connection: its parameters, its execution, the rows it gives. Values are the engine's:
-// BIT is a flag and never null, whole numbers are of their size, MONEY, DECIMAL and BIGINT are doubles, all
+// One statement on a connection: its parameters, its execution, the rows it returns. Values are the engine's:
+// BIT is a flag and never null, whole numbers keep their size, MONEY, DECIMAL and BIGINT are doubles, all
 // kinds of text are text, dates and times are dates.
 //
-// A server of the common kind serves one statement at a time on a connection: read all rows, or drop the
-// statement, before the next one. Everything throws DatabaseError.
+// A typical server handles one statement at a time on a connection: read all rows, or drop the statement,
+// before the next one. Everything throws DatabaseError.
 #pragma once
 
 #include "databases/odbc/OdbcConnection.h"
@@ -13,11 +13,11 @@
 
 namespace tolvex {
 
-// A column of what a statement gives.
+// A column of a result.
 struct OdbcColumn {
     QString name;
     jet::ColumnType type = jet::ColumnType::Text;
-    int size = 0; // characters of a Text; 0: none was declared, or another kind
+    int size = 0; // characters of a Text; 0: none declared, or another kind
 };
 
 class OdbcStatement {
@@ -27,22 +27,22 @@ public:
     OdbcStatement(const OdbcStatement&) = delete;
     OdbcStatement& operator=(const OdbcStatement&) = delete;
 
-    // The statement's values stand as "?" in it and are given in their order. `type`: of the column that the
-    // value is for, which a null needs. TypeMismatchError for kinds that no schema has.
+    // The statement has "?" for its values, which are given in order. `type`: of the column for the value,
+    // which a null needs. TypeMismatchError for kinds that no schema has.
     void prepare(const QString& text);
     void bind(const jet::Value& value, jet::ColumnType type);
-    // Runs what was prepared; gives the number of rows that it changed.
+    // Runs the prepared statement; returns the number of rows that it changed.
     qint64 execute();
     // Runs a statement without values.
     void execute(const QString& text);
-    // The catalogue: columns of tables, the rows as the standard has them. `schema` empty: of any schema.
+    // The catalogue: columns of tables, with the standard's row layout. `schema` empty: of any schema.
     void columnsOf(const QString& schema, const QString& table);
     // Indexes of one table.
     void indexesOf(const QString& schema, const QString& table);
 
-    // What the rows are made of.
+    // The columns of the result.
     QList<OdbcColumn> columns();
-    // Goes to the next row; false when there is none.
+    // Moves to the next row; false if there is none.
     bool fetch();
     // A value of the row, by its number from 1; ask in rising order and once each.
     jet::Value value(int column, jet::ColumnType type);
@@ -66,7 +66,7 @@ private:
 
     OdbcConnection& connection_;
     SQLHSTMT statement_ = SQL_NULL_HSTMT;
-    std::deque<Parameter> parameters_; // stay where they are until execute()
+    std::deque<Parameter> parameters_; // must not move until execute()
 };
 
 } // namespace tolvex

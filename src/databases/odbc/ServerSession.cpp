@@ -18,8 +18,8 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-constexpr milliseconds Pause{30};           // between two looks at the user's Stop
-constexpr milliseconds Disconnecting{3000}; // longer than that is not waited for
+constexpr milliseconds Pause{30};           // interval for checking the user's Stop
+constexpr milliseconds Disconnecting{3000}; // maximum wait
 
 // Servers that were given up, and when.
 QHash<QString, Clock::time_point>& givenUp() {
@@ -46,12 +46,12 @@ struct ServerSession::Talk {
     std::condition_variable asked;
     std::condition_variable answered;
     std::deque<std::shared_ptr<Task>> tasks;
-    bool over = false;  // the session has gone
-    bool ended = false; // the thread has
+    bool over = false;  // the session is gone
+    bool ended = false; // the thread is gone
     bool abandoned = false;
     std::unique_ptr<OdbcConnection> connection; // of the thread
 
-    // The thread's life.
+    // The body of the thread.
     void work() {
         std::unique_lock lock(mutex);
         for (;;) {
@@ -67,7 +67,7 @@ struct ServerSession::Talk {
             } catch (...) {
                 failure = std::current_exception();
             }
-            task->work = nullptr; // what it owned goes here, where it was used
+            task->work = nullptr; // what it owned is destroyed here, where it was used
             lock.lock();
             task->failure = failure;
             task->done = true;

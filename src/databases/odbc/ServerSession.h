@@ -1,7 +1,7 @@
-// A connection to a server that may never answer. Every call is made in a thread of the session's own; the
-// caller waits with its events running, the user sees how long it takes and may stop it. A call that is
-// stopped, or takes longer than it may, is given up: the thread is left behind with the connection, and lets
-// go of both when the driver returns.
+// A connection to a server that may never answer. Every call runs in the session's own thread; the caller
+// waits with its events running, the user sees how long it takes and may stop it. A call that is stopped or
+// takes too long is given up: the thread is left behind with the connection, and releases both when the
+// driver returns.
 #pragma once
 
 #include "databases/odbc/OdbcConnection.h"
@@ -18,29 +18,29 @@ namespace tolvex {
 struct ServerPatience {
     std::chrono::milliseconds connecting{15000};
     std::chrono::milliseconds answering{35000};
-    std::chrono::milliseconds unseen{300}; // before the user is shown that it waits
-    std::chrono::milliseconds rest{3000};  // after it was given up, before it is asked again
+    std::chrono::milliseconds unseen{300}; // before the user sees that it waits
+    std::chrono::milliseconds rest{3000};  // between giving it up and asking it again
 };
 ServerPatience& serverPatience();
 
 class ServerSession {
 public:
-    // Connects: `attributes` as for OdbcConnection. `server`: its name, for people. `place`: what tells it
-    // from others; one that was given up a moment ago is not asked again yet, so that work on many of its
-    // databases ends at once. Throws ConnectionFailed.
+    // Connects: `attributes` as for OdbcConnection. `server`: its name, for people. `place`: identifies it; a
+    // server that was given up a moment ago is not asked again yet, so that work on many of its databases
+    // ends at once. Throws ConnectionFailed.
     ServerSession(const QString& attributes, const QString& server, const QString& place);
     // Disconnects, in the thread.
     ~ServerSession();
     ServerSession(const ServerSession&) = delete;
     ServerSession& operator=(const ServerSession&) = delete;
 
-    // Nothing on the server can be changed by this connection.
+    // This connection can change nothing on the server.
     bool readOnly() const { return readOnly_; }
 
-    // Runs `job` with the connection, and gives what it gives or throws what it throws. It is called in the
-    // thread and must own all it uses, since the caller may go before it ends. When the connection proves
-    // lost outside of a transaction, it is made anew and the job is run once more, with `again` true: what it
-    // changes may have been changed already. Throws ServerCallFailed when the server is given up.
+    // Runs `job` with the connection, and returns or throws what it does. It runs in the thread and must own
+    // everything it uses, since the caller may go before it ends. If the connection proves lost outside a
+    // transaction, it is reopened and the job runs once more, with `again` true: its changes may have been
+    // made already. Throws ServerCallFailed if the server is given up.
     template<typename Job>
     auto run(Job job) {
         using Result = std::invoke_result_t<Job, OdbcConnection&, bool>;

@@ -8,7 +8,7 @@ namespace tolvex {
 
 namespace {
 
-// A box has room for so many lines.
+// A box has room for this many lines.
 constexpr std::size_t mostLines = 10;
 
 } // namespace

@@ -1,4 +1,4 @@
-// Reporting what a database operation threw.
+// Reports errors that a database operation threw.
 #pragma once
 
 #include "databases/store/SuiteDatabase.h"
@@ -8,14 +8,14 @@
 
 namespace tolvex {
 
-// Reports the error through the one error report and gives its number.
+// Reports the error through the one error report and returns its number.
 int Report(const QString& action, const DatabaseError& error);
 
-// Takes the error of a routine that says nothing of it to the user, and gives its number. `database`: its
-// name, where the error may not say it.
+// Records the error of a routine that reports nothing to the user, and returns its number. `database`: its
+// name, in case the error lacks it.
 int KeepSilent(const DatabaseError& error, const QString& database = {});
 
-// While one lives, it takes down the errors that routines keep to themselves, for a shell that says them all.
+// While one lives, it collects the errors that routines keep silent, for a shell that prints them all.
 class SilentErrors {
 public:
     SilentErrors();
@@ -37,8 +37,8 @@ private:
 // While one lives, reports wait; they are shown when it ends. A message box waits for its user: put this
 // around a transaction, so that no other workstation waits for the box.
 //
-// With `summary`, a phrase as ProblemReport takes it, more than one report becomes one report of it that
-// lists what each said: put this around work over many databases, so that nobody has to close a box for each.
+// With `summary`, a phrase for ProblemReport, several reports become one that lists them all: put this around
+// work on many databases, so that nobody has to close a box for each.
 class HeldReports {
 public:
     explicit HeldReports(const QString& summary = {});

@@ -7,7 +7,7 @@ namespace tolvex {
 
 namespace {
 
-// One table's changes appear to others together, and none is lost when a later one fails.
+// The changes to one table become visible together, and none is lost if a later one fails.
 class TableChange {
 public:
     explicit TableChange(SuiteDatabase& database)
@@ -17,7 +17,7 @@ public:
             if (begun_)
                 database_.rollback();
         } catch (const DatabaseError&) {
-            // The failure that came before was reported.
+            // The earlier failure was reported.
         }
     }
     TableChange(const TableChange&) = delete;
@@ -55,7 +55,7 @@ int addFields(SuiteDatabase& database, TableChange& change, const QString& table
             shape.fields += QLatin1String(field.name);
         } catch (const DatabaseError& error) {
             if (error.number == FieldExistsError)
-                continue; // another workstation was quicker
+                continue; // another workstation was faster
             return Report(QStringLiteral("adding the %1 field").arg(QLatin1String(field.name)), error);
         }
     }
@@ -80,7 +80,7 @@ void addIndexes(SuiteDatabase& database, TableChange& change, const Table& table
     }
 }
 
-// A table with its first field alone, or the one that another workstation has made meanwhile.
+// A table with only its first field, or the one that another workstation has made meanwhile.
 SuiteDatabase::Shape createOrFind(SuiteDatabase& database, const QString& name, const Field& first) {
     try {
         database.createTable(name, first, true);

@@ -1,5 +1,5 @@
-// Schemas as data: what tables of the suite's databases are made of. A schema is a list of tables, a table a
-// list of fields and indexes; the checker adds what is absent and never changes what is there.
+// Schemas as data: the structure of tables in the suite's databases. A schema is a list of tables, a table a
+// list of fields and indexes; the checker adds what is missing and never changes what exists.
 #pragma once
 
 #include <QString>
@@ -26,7 +26,7 @@ enum class FieldKind : int {
 struct Field {
     const char* name;
     FieldKind kind;
-    int size = 0; // characters of a Text; 0: the engine's own default, the most it can hold (255)
+    int size = 0; // characters of a Text; 0: the engine's default and maximum (255)
 };
 
 struct Index {
@@ -45,25 +45,25 @@ struct Table {
 // The table of private settings, which all schemas have.
 const Table& SettingsTableSchema();
 
-// Makes sure that a table has every declared field and index: missing ones are added, behind those that are
-// there; whatever else the table holds stays. An index that cannot be added is reported and passed over.
-// Result: 0 or, reported, the error number of the step that failed; what was added before it stays.
+// Makes sure that a table has every declared field and index: missing ones are added after existing ones;
+// whatever else the table holds stays. An index that cannot be added is reported and skipped. Result: 0 or,
+// reported, the error number of the step that failed; earlier additions stay.
 int CheckTable(SuiteDatabase& database, const Table& table);
 
-// Adds the missing ones of these fields to a table that is there. Result as CheckTable.
+// Adds the missing ones of these fields to an existing table. Result as CheckTable.
 int CheckFields(SuiteDatabase& database, const QString& table, std::span<const Field> fields,
                 bool allowZeroLength);
 
-// The check of the table of private settings alone.
+// Checks only the table of private settings.
 int ValidateSettingsTable(SuiteDatabase& database);
 
 using TableList = std::span<const Table* const>;
 
-// Checks tables in their order. Stops at the first failure and gives its error number; tables before it are
-// up to date.
+// Checks tables in order. Stops at the first failure and returns its error number; tables before it are up to
+// date.
 int CheckTables(SuiteDatabase& database, TableList tables);
 
-// The same for a database that is opened for it, a file or with `connect` one on a server, and closed again.
+// The same for a file or, with `connect`, a database on a server, which is opened and closed for it.
 int ValidateDatabaseTables(const QString& databaseName, TableList tables, const QString& connect = {});
 
 } // namespace tolvex

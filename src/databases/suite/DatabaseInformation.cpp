@@ -17,7 +17,7 @@ namespace {
 
 constexpr qint16 Missing = -1;
 constexpr int LogLevel = 5;
-constexpr int LongestDescription = 255; // where the field does not say
+constexpr int LongestDescription = 255; // if the field does not say
 
 void log(const QString& text) {
     DebugLog(text, LogLevel);
@@ -27,7 +27,7 @@ QString trueOrFalse(bool flag) {
     return flag ? QStringLiteral("True") : QStringLiteral("False");
 }
 
-// Whether the server has the database; what fails is reported.
+// Whether the server has the database; failures are reported.
 bool isOnServer(const QString& name, const QString& connect) {
     std::unique_ptr<DatabaseServer> server;
     try {
@@ -47,8 +47,8 @@ bool isOnServer(const QString& name, const QString& connect) {
     return false;
 }
 
-// Opens the database, a file that is not recognised after a repair, where files may be changed. Null with
-// *error set; -1 in its number when the repair failed.
+// Opens the database; an unrecognised file is repaired first, if files may be changed. Null with *error set;
+// -1 in its number if the repair failed.
 std::unique_ptr<SuiteDatabase> openRepairing(const QString& name, const QString& connect, bool silent,
                                              DatabaseError* error) {
     for (bool repaired = false;; repaired = true) {
@@ -67,8 +67,8 @@ std::unique_ptr<SuiteDatabase> openRepairing(const QString& name, const QString&
     }
 }
 
-// The text of a field of the current row, nothing when it is null. A field that the table lacks reads as
-// null, unless it is one that every database has.
+// The text of a field of the current row, nothing if it is null. A field that the table lacks reads as null,
+// unless it is one that every database has.
 QVariant optionalField(SuiteRecordset& row, const char* field) {
     try {
         return row.value(QLatin1String(field));
@@ -88,7 +88,7 @@ void readRow(SuiteRecordset& row, DatabaseInformation& information) {
     information.LastBackup = optionalField(row, "LastBackup").toString();
 }
 
-// Reads everything that the database itself tells. Result: 0 or the error number.
+// Reads everything that the database says about itself. Result: 0 or the error number.
 int readDatabase(SuiteDatabase& database, const QString& name, DatabaseInformation& information,
                  bool reportErrors) {
     std::unique_ptr<SuiteRecordset> row;

@@ -6,7 +6,7 @@
 namespace tolvex {
 
 struct DatabaseInformation {
-    QString FullName; // as used, with ".mdb" added for a file
+    QString FullName; // as used, with ".mdb" appended for a file
     QString FileName; // its name part
     QString Connect;  // empty for a file
     QString Description;
@@ -20,15 +20,15 @@ struct DatabaseInformation {
     bool IsServer = false;
 };
 
-// Reads it. `databaseName`: a path (".mdb" is added if absent) or, with an ODBC connect string in `connect`,
-// a name on a server. A file that the engine does not recognise is compacted, keeping the old one, and tried
-// once more. Result: 0; -1 for a missing file or server database, a failed connection or a failed repair;
-// else the engine's error number. An empty Description table gives 0 and no description. *information is
-// untouched when the result is -1.
+// Reads it. `databaseName`: a path (".mdb" is appended if absent) or, with an ODBC connect string in
+// `connect`, a name on a server. A file that the engine does not recognise is compacted, keeping the old one,
+// and tried once more. Result: 0; -1 for a missing file or server database, a failed connection or a failed
+// repair; else the engine's error number. An empty Description table gives 0 and no description. *information
+// is untouched if the result is -1.
 qint16 GetDatabaseInformation(const QString& databaseName, DatabaseInformation* information,
                               bool reportErrors, const QString& connect = {});
 
-// Changes the description, cut to the size of its field; reports what fails. Result: -1 (true) or 0.
+// Changes the description, cut to the size of its field; reports failures. Result: -1 (true) or 0.
 qint16 ChangeDatabaseDescription(const QString& databaseName, const QString& newDescription,
                                  const QString& connect = {});
 

@@ -1,5 +1,5 @@
-// The kinds of databases of the suite. The number in a database's description tells them apart; its file name
-// never does.
+// The kinds of databases of the suite. The number in a database's description identifies its kind; its file
+// name never does.
 #pragma once
 
 #include <QtGlobal>
@@ -21,12 +21,12 @@ enum DatabaseType : qint32 {
 struct DatabaseKind {
     qint32 type;
     float version;     // stamped at creation; 0: none
-    const char* word;  // by which the chooser's callers know it; null: the chooser does not know it
+    const char* word;  // the chooser's callers use it; null: the chooser does not offer this kind
     const char* title; // used by the chooser
 };
 
 std::span<const DatabaseKind> DatabaseKinds();
-// Null for a type that is not known.
+// Null for an unknown type.
 const DatabaseKind* FindDatabaseKind(qint32 type);
 
 } // namespace tolvex

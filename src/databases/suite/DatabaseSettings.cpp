@@ -24,7 +24,7 @@ void useMainIndex(SuiteRecordset& recordset) {
     try {
         recordset.setIndex(MainIndex);
     } catch (const DatabaseError& error) {
-        // Tables that came from a server carry their name in front.
+        // Tables imported from a server have its prefix in their names.
         try {
             recordset.setIndex(recordset.name() + MainIndex);
         } catch (const DatabaseError&) {
@@ -33,7 +33,7 @@ void useMainIndex(SuiteRecordset& recordset) {
     }
 }
 
-// Makes the item's row the current one; false when there is none.
+// Moves to the item's row; false if there is none.
 bool locate(SuiteRecordset& recordset, const QString& item) {
     if (recordset.tableMode()) {
         useMainIndex(recordset);

@@ -23,7 +23,7 @@ DatabaseTransaction::~DatabaseTransaction() {
         if (database_)
             database_->rollback();
     } catch (const DatabaseError&) {
-        // What made the transaction fail was told.
+        // The error that made the transaction fail was already thrown.
     }
 }
 

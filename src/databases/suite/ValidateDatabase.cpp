@@ -25,7 +25,7 @@ constexpr qint16 Declined = -1;
 const QString OpeningDatabase = QStringLiteral("Opening Database");
 const QString DescriptionTable = QStringLiteral("Description");
 
-// The fields that every database has; the other three of the table are left to the programs that write them.
+// The fields that every database has; the programs that write the other three of the table add them.
 constexpr Field descriptionFields[] = {{"Description", FieldKind::Text, LongestTitle},
                                        {"Version", FieldKind::Single},
                                        {"Type", FieldKind::Long}};
@@ -34,7 +34,7 @@ void log(const QString& text) {
     DebugLog(text, LogLevel);
 }
 
-// A title that the Description row could not hold, found before anything is made. 0, or reported.
+// Finds a title that is too long for the Description row before anything is made. 0, or reported.
 int checkTitle(const QString& title) {
     if (title.trimmed().size() <= LongestTitle)
         return 0;
@@ -77,7 +77,7 @@ int checkDescriptionTable(SuiteDatabase& database) {
         try {
             database.createTable(DescriptionTable, descriptionFields[0], false);
         } catch (const DatabaseError& error) {
-            if (error.number != TableExistsError) // another workstation was quicker
+            if (error.number != TableExistsError) // another workstation was faster
                 return Report(QStringLiteral("creating the Description Table"), error);
         }
     }
@@ -88,12 +88,12 @@ int checkDescriptionTable(SuiteDatabase& database) {
         if (!database.table(DescriptionTable)->has(main))
             database.appendIndex(DescriptionTable, main);
     } catch (const DatabaseError& error) {
-        KeepSilent(error); // a database without this index serves as well
+        KeepSilent(error); // a database without this index works as well
     }
     return 0;
 }
 
-// Tries the two names under which the table may be open to the user. `name` gets the one that works.
+// Tries the two names under which the table may be accessible to the user. `name` gets the one that works.
 std::unique_ptr<SuiteRecordset> openDescription(SuiteDatabase& database, bool onServer, QString* name) {
     log(QStringLiteral("Opening 'Description' table"));
     *name = DescriptionTable;
@@ -118,7 +118,7 @@ QString titleFor(bool silentMode, QString* title) {
     return title->trimmed();
 }
 
-// Adds the row, unless another workstation has done so since.
+// Adds the row, unless another workstation has added it meanwhile.
 void describe(SuiteDatabase& database, const QString& table, qint32 type, const QString& title) {
     DatabaseTransaction transaction(database);
     const auto rows = database.open(table, RecordsetMode::Table);
@@ -172,8 +172,8 @@ struct NotMade {
     int error; // reported
 };
 
-// Makes a file that is missing with everything that it is to have. Nothing when there is one, which another
-// workstation may have made just now; else 0, -1 when the user declined, or, reported, the error number.
+// Makes a missing file with all its content. Nothing if it exists, perhaps just made by another workstation;
+// else 0, -1 if the user declined, or, reported, the error number.
 std::optional<int> createFile(const QString& path, bool silentMode, const QString& title,
                               const DatabaseContents& contents) {
     const qint64 length = FileLength(path);

@@ -1,4 +1,4 @@
-// Making sure that a database exists, opens, and says what it is.
+// Makes sure that a database exists, opens, and has a description.
 #pragma once
 
 #include <QString>
@@ -9,20 +9,20 @@ namespace tolvex {
 
 class SuiteDatabase;
 
-// Characters of the Description field, where the title of a database stands.
+// Characters of the Description field, which holds the title of a database.
 constexpr int LongestTitle = 200;
 
-// Puts into a database what it is to have. 0 or, reported, the number of the error.
+// Fills a new database with its content. 0 or, reported, the number of the error.
 using DatabaseContents = std::function<int(SuiteDatabase&)>;
 
 // Makes sure that the database exists and has a filled Description table; creates what is missing and changes
-// nothing that is there. `databaseName`: a path (".mdb" is added if absent) or, with an ODBC connect string
-// in `connect`, a name on a server. `silentMode`: nothing is asked of the user. *title: the description of a
-// database that has none; asked for when it is empty, and set to what is stored. A file of no bytes is made
-// anew. A new file gets its name when it is whole: with its description and with `contents`, which is called
-// for a new file only; when that fails there is no file. Of several workstations that make a file at the same
-// time one does, and the others find it. Result: 0; -1 when the user declined; else, reported, the number of
-// the error.
+// nothing that exists. `databaseName`: a path (".mdb" is appended if absent) or, with an ODBC connect string
+// in `connect`, a name on a server. `silentMode`: the user is asked nothing. *title: the description for a
+// database that has none; asked for if empty, and set to what is stored. A file of no bytes is made anew. A
+// new file gets its name when it is complete: with its description and with `contents`, which is called for a
+// new file only; if that fails there is no file. If several workstations make a file at the same time one
+// succeeds, and the others find it. Result: 0; -1 if the user declined; else, reported, the number of the
+// error.
 qint16 ValidateDatabase(const QString& databaseName, qint32 type, bool silentMode, QString* title,
                         const QString& connect = {}, const DatabaseContents& contents = {});
 

@@ -19,7 +19,7 @@ using platform::Answer;
 using platform::Buttons;
 using platform::Icon;
 
-// Fields that are taken over as they are.
+// Fields that are copied unchanged.
 constexpr struct {
     const char* older;
     const char* field;
@@ -28,7 +28,7 @@ constexpr struct {
     {"Address", "Address"},   {"Access1", "GroupNumber"},
 };
 
-// Which bits of the older rights give which right; any of the bits does.
+// The bits of the older rights for each right; any of the bits grants it.
 constexpr struct {
     const char* older;
     int bits;
@@ -55,7 +55,7 @@ void makeGroups(SuiteDatabase& database) {
     }
 }
 
-// One account of the older file into the Users table.
+// Adds one account of the older file to the Users table.
 void importRow(SuiteRecordset& from, SuiteRecordset& users, const QString& login) {
     users.seek(login);
     if (users.noMatch()) {
@@ -77,7 +77,7 @@ void importRow(SuiteRecordset& from, SuiteRecordset& users, const QString& login
     users.update();
 }
 
-// The file to import from as the user wants it; empty: none.
+// The file that the user wants to import from; empty: none.
 QString chooseFile(const Settings& settings, bool silent) {
     QString name = OlderUsersFile(settings);
     if (!name.isEmpty() && !silent) {

@@ -71,7 +71,7 @@ const Table& UserGroupsSchema() {
 
 const Table& UserHistorySchema() {
     using enum FieldKind;
-    // One row a second at most: writers step to the next free second.
+    // At most one row per second: writers move to the next free second.
     static const Table table{"UserHistory",
                              {{"EventTime", DateTime},
                               {"LoginName", Text, 20},

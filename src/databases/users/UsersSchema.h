@@ -10,14 +10,14 @@ const Table& UserGroupsSchema();
 const Table& UserHistorySchema();
 const Table& UserPreferencesSchema();
 
-// All tables but that of the description, in the order in which they are checked.
+// All tables except the description's, in the order in which they are checked.
 TableList UsersDatabaseTables();
 
-// Brings all tables of a users database, a file or with `connect` one on a server, up to date. Result: 0 or,
-// reported, the error number of the first failure.
+// Brings all tables of a users database, a file or, with `connect`, one on a server, up to date. Result: 0
+// or, reported, the error number of the first failure.
 qint16 ValidateUsersDatabaseTables(const QString& databaseName, const QString& connect = {});
 
-// A group of users that every new users database has.
+// A group of users in every new users database.
 struct UserGroup {
     int number;
     const char* name;

@@ -10,7 +10,7 @@ namespace tolvex {
 
 namespace {
 
-// The device whose lines are shown, and the one that Apply sets where that is another.
+// The device whose lines are shown, and the one that Apply will set if it differs.
 QString originOf(const QString& address, const LineCounts& counts) {
     const qint16 shown = DeviceWhileTyping(address);
     const std::optional<qint16> set = DeviceNumber(address);
@@ -78,7 +78,7 @@ void CardPage::load(DriverReports& reports) {
     markStored();
 }
 
-// A type that the list does not offer is the card's own.
+// A type that the list does not offer stays the card's own.
 qint32 CardPage::selectedType() const {
     const QVariant value = ui_->CardTypeList->currentData();
     return value.isValid() ? value.toInt() : card_.CardType;
@@ -107,7 +107,7 @@ void CardPage::addressChanged() {
         showLines(*loading_);
         return;
     }
-    // What the driver says of a number that is half typed is told when it is typed.
+    // Report driver errors when the field is left, not for each keystroke.
     reports_.clear();
     reports_.hold();
     showLines(reports_);
@@ -133,7 +133,7 @@ void CardPage::showLines(DriverReports& reports) {
     emit edited();
 }
 
-// A choice that Apply would refuse, or a device that does not answer, is told at the field.
+// A choice that Apply would refuse, or a device that does not answer, is reported at the field.
 void CardPage::markAddress() {
     const CardTypeRow* row = FindCardType(selectedType());
     const bool address = row && row->usesAddress;

@@ -1,4 +1,4 @@
-// One card of the hardware form: its type, where it is attached, and the grid of its lines.
+// One card of the hardware form: its type, its connection, and the grid of its lines.
 #pragma once
 
 #include "hardware/CardSetup.h"
@@ -22,23 +22,23 @@ class CardPage : public QWidget {
     Q_OBJECT
 
 public:
-    // `number` is the card's, 1 to 3; the table outlives the page. Shows nothing before load().
+    // `number` is the card's, 1 to 3; the table outlives the page. Empty until load().
     CardPage(HardwareCardTable& cards, int number, QWidget* parent = nullptr);
     ~CardPage() override;
 
-    // Shows the card as the table has it. The driver may be asked several times.
+    // Shows the card's state in the table. May ask the driver several times.
     void load(DriverReports& reports);
-    // What the controls say now, for Apply.
+    // The current state of the controls, for Apply.
     CardChoice choice() const;
     ListedCard listed() const;
     bool onlyInUse() const;
 
-    // Whether anything differs from what was marked as stored last.
+    // Whether anything differs from what was last marked as stored.
     bool isChanged() const;
     void markStored();
 
     void finishEditing();
-    // The field that says where the card is attached; of a card that has none, its type.
+    // The field for the card's connection; its type if it has none.
     QWidget* fieldOfCard() const;
     void focusGrid();
 
@@ -57,8 +57,8 @@ private:
     HardwareCard& card_;
     LineUsageModel* model_;
     DriverReports* loading_ = nullptr; // while load() runs
-    DriverReports reports_;            // of what the user does
-    bool answered_ = true;             // the driver did, the last time it was asked
+    DriverReports reports_;            // during user actions
+    bool answered_ = true;             // the driver's last call succeeded
 
     EnableRules* rules_;
     FormChanges* changes_; // of type, address and port

@@ -22,11 +22,11 @@ namespace tolvex {
 
 namespace {
 
-// Widths are told for smaller letters than ours: 15 twips a pixel there.
+// The given widths are for smaller letters than ours: 15 twips a pixel there.
 constexpr int TwipsPerPixel = 12;
 constexpr int SelectedOfDescription = 20;
 constexpr int MostUndone = 100;
-// What the size asks for.
+// Used to calculate the size.
 constexpr int FewestRowsShown = 12;
 constexpr int WidestDescription = 480; // pixels
 
@@ -80,7 +80,7 @@ LineGrid::LineGrid(QWidget* parent)
 void LineGrid::setLines(LineUsageModel* model) {
     model_ = model;
     setModel(model);
-    // As wide as told, and never narrower than what stands in it.
+    // As wide as given, and never narrower than the content.
     const QFontMetrics metrics(font());
     const QStringList widest = {"100", "Output", "Y", {}, "ZQS - Group Active", {}, {}, {}, {}};
     for (int column = 0; column < LineColumnCount; ++column) {
@@ -95,7 +95,7 @@ void LineGrid::setLines(LineUsageModel* model) {
         columnsWidth_ += columnWidth(column);
 }
 
-// Room beyond the told widths goes to the descriptions.
+// Room beyond the given widths goes to the descriptions.
 void LineGrid::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     fillWidth();
@@ -127,7 +127,7 @@ void LineGrid::showLines() {
     updateGeometry();
 }
 
-// The columns that can have something in them, and all rows, but not so few that an empty grid looks lost.
+// The columns that can have content, and all rows, but enough that an empty grid does not look lost.
 QSize LineGrid::sizeHint() const {
     const int rows = qMax(model_->rowCount(), FewestRowsShown);
     const int descriptions =
@@ -150,7 +150,7 @@ void LineGrid::hideRows() {
     viewport()->update();
 }
 
-// An Info column is there while a line on show has something in it or something to choose.
+// An Info column is visible while a visible line has content or choices in it.
 void LineGrid::hideEmptyColumns() {
     for (const int column : {ColumnInfo1, ColumnInfo2, ColumnInfo3, ColumnInfo4}) {
         bool used = false;
@@ -195,13 +195,13 @@ LineNumbers LineGrid::selectedLines() const {
     for (int row = top; row <= bottom; ++row)
         if (!isRowHidden(row))
             lines.append(row + 1);
-    // The cursor stands at the end of a selection: one whose end is its top was made upwards.
+    // The cursor is at the end of a selection: if it is at the top, the selection was made upwards.
     if (current.row() == top)
         std::reverse(lines.begin(), lines.end());
     return lines;
 }
 
-// Selections keep to the column in which they began.
+// Selections stay in the column where they began.
 void LineGrid::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags flags) {
     const int column = pressedColumn_ >= 0 ? pressedColumn_ : currentIndex().column();
     if (column < 0) {
@@ -250,7 +250,7 @@ void LineGrid::mouseReleaseEvent(QMouseEvent* event) {
     editCell();
 }
 
-// The second click of two quick ones is a click like the first.
+// Treats a double click as two clicks.
 void LineGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     mousePressEvent(event);
 }
@@ -305,8 +305,8 @@ void LineGrid::editCell(const QKeyEvent* key) {
     }
 }
 
-// From the lines as they were when the list opened, so that a key that leads past an entry leaves nothing of
-// it.
+// Starts from the lines as they were when the list opened, so that moving past an entry by key leaves no
+// trace.
 void LineGrid::choose(qint32 value) {
     card().Lines = before_;
     if (tag_ == 0)
@@ -367,7 +367,7 @@ void LineGrid::pasteLines() {
     LineNumbers over = selectedLines();
     if (over.isEmpty() || !type_)
         return;
-    // From the top of the selection on, over the lines that can be seen.
+    // From the top of the selection down, over the visible lines.
     int line = *std::min_element(over.begin(), over.end());
     over.clear();
     for (; line <= model_->rowCount(); ++line)

@@ -1,6 +1,6 @@
-// The grid of a card's lines. One column over several rows can be selected, upwards or downwards, and is
-// edited at once: a click on a cell, or F2 on the keyboard, changes the cell's lines or opens the editor over
-// it, a list or a text box.
+// The grid of a card's lines. The user can select one column over several rows, upwards or downwards, and
+// edit it at once: a click on a cell, or F2, changes the cell's lines or opens the editor over it, a list or
+// a text box.
 #pragma once
 
 #include "hardware/LineEdits.h"
@@ -19,22 +19,22 @@ public:
     explicit LineGrid(QWidget* parent = nullptr);
 
     void setLines(LineUsageModel* model);
-    // The type whose lines are shown; null for one that nothing is known of. What was changed under another
-    // cannot be undone.
+    // The type whose lines are shown; null for an unknown
+    // one. Clears the undo history.
     void setCardType(const CardTypeRow* type);
     // Shows the lines as they are in the table now.
     void showLines();
-    // Hides lines that stand for nothing, as they are now.
+    // Hides lines that are currently unused.
     void showOnlyLinesInUse(bool on);
-    // What stands in the middle while there are no rows to show.
+    // The message in the middle while there are no rows.
     void setEmptyText(const QString& text);
 
-    // The selected lines that can be seen, from the current line to the other end of the selection.
+    // The selected visible lines, from the current line to the other end of the selection.
     LineNumbers selectedLines() const;
     void copyLines();
     void pasteLines();
     void clearLines(); // "Not in use"
-    void undo();       // takes the last change back, up to that of the type
+    void undo();       // reverts the last change; stops at a change of type
 
     // Stores what is being typed and closes the editor.
     void finishEditing() { editor_.commit(); }
@@ -60,11 +60,11 @@ private:
 
     HardwareCard& card() const;
     CardLines lines() const;
-    // Changes the lines or opens the editor of the current cell. `key` is what opened it, null for none.
+    // Changes the lines or opens the editor of the current cell. `key` opened it, null for none.
     void editCell(const QKeyEvent* key = nullptr);
     void storeText(QWidget* box);
     void choose(qint32 value);
-    // Between the two the lines change; what differs can be undone.
+    // Lines change between the two; any difference can be undone.
     void beginChange() { before_ = card().Lines; }
     void endChange();
     void takeBack(const Lines& lines);
@@ -81,11 +81,11 @@ private:
     OptionList* ListOptions_;
     QString emptyText_;
     bool onlyInUse_ = false;
-    int descriptionWidth_ = 0; // as told
-    int columnsWidth_ = 0;     // of the others that are ever used
+    int descriptionWidth_ = 0; // as given
+    int columnsWidth_ = 0;     // of all other columns that are ever used
     int pressedColumn_ = -1;
-    // What is being edited: these lines, and what a choice or a number means: -1 nothing, 0 the action, 1 to
-    // 4 that parameter.
+    // What is being edited: these lines, and the meaning of a choice or a number: -1 nothing, 0 the action, 1
+    // to 4 that parameter.
     LineNumbers lines_;
     int tag_ = -1;
     Lines before_;      // as they were when the change began

@@ -65,7 +65,7 @@ QVariant LineUsageModel::data(const QModelIndex& index, int role) const {
         return static_cast<int>((column >= ColumnDescription ? Qt::AlignLeft : Qt::AlignHCenter) |
                                 Qt::AlignVCenter);
     case Qt::ForegroundRole:
-        // What stands for nothing steps back.
+        // Unused lines are dimmed.
         if (column == ColumnLine || (column == ColumnAction && card_.Lines[index.row() + 1].Action == 0))
             return QBrush(tokens().quiet);
         return {};

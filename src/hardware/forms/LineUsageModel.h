@@ -16,9 +16,9 @@ public:
     explicit LineUsageModel(HardwareCard& card, QObject* parent = nullptr);
 
     HardwareCard& card() const { return card_; }
-    // How many lines are shown, 0 to 100. Row i is line i + 1.
+    // The number of visible lines, 0 to 100. Row i is line i + 1.
     void setLines(int lines);
-    // Decodes all lines anew; those without a description get their default one, in the table.
+    // Decodes all lines again; those without a description get their default one, in the table.
     void UpdateGridDisplay();
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -35,7 +35,7 @@ void frmHardwareManager::UnloadManager() {
 }
 
 void frmHardwareManager::backToMinimised() {
-    // Once the window system has finished what it is doing.
+    // After the window system has finished what it is doing.
     if (isVisible() && !isMinimized())
         QTimer::singleShot(0, this, [this] {
             if (isVisible() && !isMinimized())

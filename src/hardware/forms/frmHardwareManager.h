@@ -9,7 +9,7 @@ class frmHardwareManager : public QWidget {
     Q_OBJECT
 
 public:
-    // The one form is made and shown, or taken away. Either does nothing when it was done before.
+    // Creates and shows the one form, or removes it. Calling either again does nothing.
     static void LoadManager();
     static void UnloadManager();
 

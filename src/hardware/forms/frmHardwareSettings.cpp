@@ -96,7 +96,7 @@ void frmHardwareSettings::apply() {
     showChanges();
 }
 
-// After an earlier Apply the form closes even when this one finds something wrong.
+// After an earlier Apply the form closes even if this one finds a fault.
 void frmHardwareSettings::ok() {
     apply();
     if (ui_->cmdApply->property("tag").toInt() != 0)

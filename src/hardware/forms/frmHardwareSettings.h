@@ -1,5 +1,5 @@
-// What the lines of the hardware cards do: one tab for each card. Apply writes the whole table to the local
-// ini file, OK applies and closes, Cancel closes without writing.
+// Assigns actions to the lines of the hardware cards: one tab per card. Apply writes the whole table to the
+// local ini file, OK applies and closes, Cancel closes without writing.
 #pragma once
 
 #include "hardware/HardwareCards.h"
@@ -20,15 +20,15 @@ class frmHardwareSettings : public QDialog {
     Q_OBJECT
 
 public:
-    // Reads the table from the local ini file. The driver's failures are told once. Table and settings
+    // Reads the table from the local ini file. Each driver failure is reported once. Table and settings
     // outlive the form.
     frmHardwareSettings(HardwareCardTable& cards, const Settings& settings, QWidget* parent = nullptr);
     ~frmHardwareSettings() override;
 
-    // Cancel, Escape and the window's own close button: asks while there are changes that were not applied.
+    // Cancel, Escape and the window's own close button: asks if there are changes that were not applied.
     void reject() override;
 
-    // The list for the wiring cabinet, as it is printed.
+    // The list for the wiring cabinet, in print layout.
     QString listHtml() const;
 
 protected:

@@ -1,6 +1,6 @@
-// Tells when a walk along pointers of a file runs in a circle. Remembers one place at a time, and twice as
-// many steps later another one (Brent's method), so a circle is told at the latest when three times its way
-// was gone.
+// Detects when a walk along pointers of a file runs in a circle. Remembers one place at a time, and after
+// twice as many steps another one (Brent's method), so a circle is detected after at most three times its
+// length.
 #pragma once
 
 #include "jet/base/RowPointer.h"

@@ -92,7 +92,7 @@ double toNumber(const Value& value) {
 
 template<class T>
 T toWhole(double number) {
-    number = std::nearbyint(number); // to even, the mode that programs start with
+    number = std::nearbyint(number); // to even, the rounding mode of a new process
     if (!(number >= static_cast<double>(std::numeric_limits<T>::min()) &&
           number <= static_cast<double>(std::numeric_limits<T>::max())))
         fail();
@@ -117,7 +117,7 @@ std::u16string toText(const Value& value) {
     if (std::holds_alternative<Bytes>(value) || std::holds_alternative<Date>(value))
         fail();
     char text[40];
-    // As many digits as the kind can tell apart.
+    // As many digits as the kind can distinguish.
     const int digits = std::holds_alternative<float>(value) ? 7 : 15;
     const int length = std::snprintf(text, sizeof text, "%.*g", digits, toNumber(value));
     return std::u16string(text, text + length);

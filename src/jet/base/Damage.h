@@ -1,4 +1,4 @@
-// The one way to say that a page does not hold what it should.
+// The one way to report that a page does not hold what it should.
 #pragma once
 
 #include "jet/base/Error.h"

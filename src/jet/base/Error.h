@@ -35,7 +35,7 @@ enum class ErrorNumber : int {
     RecordLocked = 3260,     // locked by another user
     FileLocked = 3356,       // database opened by another user, cannot be used exclusively
     SyntaxError = 3075,      // in a query expression
-    UnknownField = 3061,     // too few parameters: the name of no field
+    UnknownField = 3061,     // too few parameters: the name is not a field
     DataTypeMismatch = 3464, // in criteria expression
     TypeConversion = 3421,
     FileNotFound = 3024,
@@ -60,7 +60,7 @@ public:
     explicit Error(ErrorNumber number, const std::string& detail = {});
     ErrorNumber code() const noexcept { return code_; }
     int number() const noexcept { return static_cast<int>(code_); }
-    // What it says beyond the engine's sentence; empty: nothing.
+    // Details beyond the engine's sentence; may be empty.
     std::string detail() const;
 
 private:

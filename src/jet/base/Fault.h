@@ -1,4 +1,4 @@
-// What is wrong in a database, as the check, a compaction and the reader of older files tell it.
+// A fault in a database, as reported by the check, a compaction and the reader of older files.
 #pragma once
 
 #include "jet/base/Error.h"
@@ -10,13 +10,13 @@ namespace jet {
 
 struct Fault {
     PageNumber page = 0;
-    std::u16string table;  // empty: of no table
+    std::u16string table;  // empty: not of a table
     std::string reason;    // what is wrong with the page, as the end of a sentence: "page 12 ..."
-    bool harmless = false; // only a remark: nothing is lost or wrong by it
+    bool harmless = false; // only a remark: it causes no loss and no error
 };
 
-// The fault that a reader met. Readers name the page themselves ("page 12: reason"), which is more exact than
-// `page`, where they were begun.
+// The fault that a reader found. Readers name the page themselves ("page 12: reason"), which is more exact
+// than `page`, where they began.
 Fault FaultOf(const Error& error, PageNumber page, const std::u16string& table);
 
 } // namespace jet

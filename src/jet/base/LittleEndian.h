@@ -1,4 +1,4 @@
-// Numbers as they lie in pages: little-endian, at any alignment. The caller has checked the room.
+// Numbers in pages: little-endian, at any alignment. The caller has checked the bounds.
 #pragma once
 
 #include <cstdint>

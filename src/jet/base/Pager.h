@@ -1,9 +1,9 @@
-// Pages of one open database as the layers above see them: cached, changed inside a transaction, allocated
-// and freed. Tables, rows, long values, indexes and usage maps work on this interface and never on the file.
+// The pages of one open database, as the layers above see them: cached, changed in transactions, allocated
+// and freed. Tables, rows, long values, indexes and usage maps never use the file directly.
 //
-// Every operation that reads more than one page stands inside a Reading, every operation that changes pages
-// inside a Changing: these make it see one state of the file, and leave all of its changes or none. Both
-// nest, and cost next to nothing when nested or when the file is not shared.
+// Every operation that reads more than one page runs inside a Reading, every operation that changes pages
+// inside a Changing: a Reading sees one state of the file, a Changing leaves all of its changes or none. Both
+// nest, and cost almost nothing if nested or if the file is not shared.
 #pragma once
 
 #include <cstdint>
@@ -21,31 +21,31 @@ public:
     // version(), or until 100 other pages have been read: copy what must live longer. Throws ReadVerification
     // for a page beyond the end.
     virtual const std::uint8_t* read(PageNumber page) = 0;
-    // The bytes of a page for changing; the page belongs to the running transaction from now on. Same life as
+    // The bytes of a page for changing; from now on the page belongs to the running transaction. Valid as for
     // read(): writing through the pointer after another edit() may be lost.
     virtual std::uint8_t* edit(PageNumber page) = 0;
-    // A new page, zeroed, taken from the free map or appended, and ready for edit(). The caller sets the
-    // owner's map.
+    // A new page, zeroed, from the free map or appended, and ready for edit(). The caller sets the owner's
+    // map.
     virtual PageNumber allocate() = 0;
-    // Gives a page back to the free map. The caller has cleared the owner's map.
+    // Returns a page to the free map. The caller has cleared the owner's map.
     virtual void release(PageNumber page) = 0;
     virtual PageNumber pageCount() = 0;
-    // Grows with every edit() and whenever a rollback or another program's change may have altered pages:
-    // what was worked out from pages is still true while the number is the same.
+    // Increases with every edit() and whenever a rollback or another program's change may have altered pages:
+    // anything derived from pages is still true while the number is the same.
     virtual std::uint64_t version() { return 0; }
 
-    // The brackets behind Reading and Changing.
+    // Used by Reading and Changing.
     virtual void beginReading() {}
     virtual void endReading() noexcept {}
-    // `undoable`: a nested change that is rolled back is undone page by page and the outer one goes on;
-    // otherwise the outer transaction can then only be rolled back as well. Undoable ones cost a copy of each
-    // page at its first change.
+    // `undoable`: if this nested change is rolled back it is undone page by page, and the outer one
+    // continues; otherwise the outer transaction must be rolled back as well. An undoable one costs a copy of
+    // each page at its first change.
     virtual void beginChange(bool undoable) { static_cast<void>(undoable); }
     virtual void commitChange() {}
     virtual void rollbackChange() noexcept {}
 };
 
-// The operation in this scope sees one state of the file, the newest when it began.
+// The operation in this scope sees one state of the file, the newest at its beginning.
 class Reading {
 public:
     explicit Reading(Pager& pager)
@@ -60,7 +60,7 @@ private:
     Pager& pager_;
 };
 
-// The changes of this scope are one transaction, or join the one that runs. Without commit() they are rolled
+// The changes in this scope are one transaction, or join the running one. Without commit() they are rolled
 // back. The constructor and commit() throw (CannotUpdateReadOnly, RecordLocked, DiskFull, DiskIo).
 class Changing {
 public:

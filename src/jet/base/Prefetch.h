@@ -1,5 +1,5 @@
-// Asking for memory before it is needed, where many places of a large area are looked at one after the other:
-// the processor then waits for them together.
+// Requests memory before it is needed, when many places of a large area are read one after the other: the
+// processor then waits for them together.
 #pragma once
 
 namespace jet {

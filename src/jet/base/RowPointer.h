@@ -1,4 +1,4 @@
-// Where a row lies: its page and its slot there. The slot never changes while the row lives.
+// The address of a row: its page and its slot there. The slot never changes while the row lives.
 #pragma once
 
 #include "jet/base/LittleEndian.h"

@@ -1,4 +1,4 @@
-// A set of rows of a file, as jobs over a whole database keep one of those that they met.
+// A set of rows of a file, for jobs over a whole database that remember which rows they have seen.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -11,7 +11,7 @@ namespace jet {
 // Memory grows with the number of pages that hold one.
 class RowSet {
 public:
-    // False: it was there.
+    // False: it was already in the set.
     bool add(RowPointer at) {
         auto&& bit = pages_[at.page][at.row];
         const bool fresh = !bit;
@@ -22,7 +22,7 @@ public:
         const auto page = pages_.find(at.page);
         return page != pages_.end() && page->second[at.row];
     }
-    // Calls `visit` for the rows that are here and not there.
+    // Calls `visit` for the rows that are in this set and not in the other.
     template<typename Visit>
     void forEachNotIn(const RowSet& there, Visit visit) const {
         for (const auto& [page, rows] : pages_) {

@@ -6,8 +6,8 @@ namespace {
 
 constexpr char32_t Replacement = 0xFFFD;
 
-// The code point at `i`, moved past it; a broken sequence gives the replacement character and moves by one
-// byte.
+// The code point at `i`, which moves past it; an invalid sequence returns the replacement character and moves
+// by one byte.
 char32_t decodeUtf8(std::string_view text, std::size_t& i) {
     const auto lead = static_cast<unsigned char>(text[i++]);
     if (lead < 0x80)

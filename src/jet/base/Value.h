@@ -24,7 +24,7 @@ enum class ColumnType : std::uint8_t {
     Memo = 12,
     Guid = 15,
     Numeric = 16,
-    Private = 17, // bytes of another program's own tables
+    Private = 17, // bytes in another program's own tables
 };
 
 struct Currency {
@@ -33,8 +33,7 @@ struct Currency {
 };
 
 struct Date {
-    double days =
-        0; // since 1899-12-30 00:00; before that day the fraction still counts forward from midnight
+    double days = 0; // since 1899-12-30 00:00; also before that day the fraction counts forward from midnight
     bool operator==(const Date&) const = default;
 };
 

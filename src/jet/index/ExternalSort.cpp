@@ -21,12 +21,12 @@ constexpr std::size_t ChunkLength = 65536;
 constexpr std::size_t LengthField = 2; // before each entry in the file
 constexpr std::size_t LeastBuffer = 4096;
 constexpr std::size_t MostBuffer = std::size_t{1} << 18;
-constexpr std::size_t Ahead = 8;           // entries asked for beforehand when they lie scattered in memory
-constexpr std::size_t WorthCounting = 256; // fewer places are sorted by comparing
+constexpr std::size_t Ahead = 8;           // entries prefetched when they lie scattered in memory
+constexpr std::size_t WorthCounting = 256; // with fewer, sorting compares them
 
 static_assert(LeastBuffer >= LengthField + MaximumEntry);
 
-// The first bytes of an entry as a number that orders like them; zeros where it is shorter.
+// The first bytes of an entry as a number with the same order; zeros if it is shorter.
 std::uint64_t headOf(KeyView entry) {
     std::uint8_t bytes[8] = {};
     std::memcpy(bytes, entry.data(), std::min(entry.size(), sizeof bytes));
@@ -36,14 +36,14 @@ std::uint64_t headOf(KeyView entry) {
     return head;
 }
 
-// Begin and end of an entry, which may lie on two lines of the processor's cache.
+// Begin and end of an entry, which may lie on two cache lines.
 void prefetch(KeyView entry) {
     Prefetch(entry.data());
     Prefetch(entry.data() + entry.size() - 1);
 }
 
-// Places in the order of their heads: counted byte by byte from the lowest up, bytes that are all alike left
-// out.
+// Positions in the order of their heads: a radix sort from the lowest byte up that skips bytes in which all
+// heads agree.
 template<typename Place>
 void sortByHeads(std::vector<Place>& places, std::vector<Place>& spare) {
     constexpr std::size_t Bytes = sizeof(std::uint64_t);
@@ -125,7 +125,7 @@ private:
     }
 
     StorageFile* file_ = nullptr;
-    std::uint64_t at_; // in the file: what is not in the buffer yet
+    std::uint64_t at_; // in the file: of what is not in the buffer yet
     std::uint64_t end_;
     Bytes buffer_;
     std::size_t filled_ = 0;
@@ -166,7 +166,7 @@ void ExternalSort::expect(std::uint64_t entries) {
 
 void ExternalSort::add(KeyView key, RowPointer row) {
     const std::size_t length = key.size() + RowLength;
-    // Sorting takes a second set of places.
+    // Sorting needs a second array of positions.
     if (!places_.empty() && used_ + length + 2 * sizeof(Place) * (places_.size() + 1) > memory_)
         spill();
     std::uint8_t* at = room(length);
@@ -183,8 +183,8 @@ void ExternalSort::add(KeyView key, RowPointer row) {
     ++size_;
 }
 
-// Keys of one index often begin alike; what they have in common does not order them, so the heads are taken
-// after it.
+// Keys of one index often begin alike; the common prefix
+// does not order them, so the heads begin after it.
 void ExternalSort::sortPlaces() {
     if (inOrder_)
         return;
@@ -207,7 +207,7 @@ void ExternalSort::sortPlaces() {
     }
 }
 
-// Writes the entries in memory to the file as a run.
+// Writes the entries in memory to the file as a sorted run.
 void ExternalSort::spill() {
     sortPlaces();
     if (file_ == nullptr)

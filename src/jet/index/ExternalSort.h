@@ -1,6 +1,6 @@
-// Index entries that come in any order and are given back in theirs. Up to a limit they are sorted in memory;
-// beyond it sorted runs go to a temporary file and are merged from there, so that memory stays flat however
-// many there are. The file has no name: it is gone with the sorter, or with the program, however that ends.
+// Sorts index entries that come in any order. Up to a limit they are sorted in memory; beyond it sorted runs
+// go to a temporary file and are merged from there, so that memory is bounded. The file has no name: it
+// disappears with the sorter, or with the program, however that ends.
 #pragma once
 
 #include "jet/index/IndexPage.h"
@@ -15,22 +15,22 @@ class ExternalSort {
 public:
     static constexpr std::size_t DefaultMemory = std::size_t{64} << 20;
 
-    // `memory`: bytes that entries and their order may take before a run is written out; the merge reads
-    // through buffers of as much in all, but at least 4 KB a run.
+    // `memory`: bytes for entries and their order before a run is written out; the merge's read buffers use
+    // the same amount in total, but at least 4 KB per run.
     explicit ExternalSort(std::size_t memory = DefaultMemory);
     ExternalSort(ExternalSort&&) noexcept;
     ExternalSort& operator=(ExternalSort&&) noexcept;
     ~ExternalSort();
 
-    // How many entries are to come, as far as is known: saves making room again and again.
+    // The expected number of entries, if known: avoids repeated reallocation.
     void expect(std::uint64_t entries);
-    // Throws RecordTooLarge for a key that is too long, and what writing a file throws.
+    // Throws RecordTooLarge for a key that is too long, and the errors of writing a file.
     void add(KeyView key, RowPointer row);
-    // To be called once, when all were added. Cost: linear in the number of entries as a rule.
+    // Call once, after all were added. Cost: usually linear in the number of entries.
     void sort();
-    // After sort(): goes to the first entry, then to the next one; false: there is none.
+    // After sort(): moves to the first entry, then to the next one; false: there is none.
     bool next();
-    // The entry: its key and the row's pointer. Until the next call of next().
+    // The entry: its key and the row's pointer. Valid until the next call of next().
     KeyView entry() const { return entry_; }
     KeyView key() const { return entry_.first(entry_.size() - indexpage::RowLength); }
     RowPointer row() const;
@@ -40,7 +40,7 @@ public:
 private:
     class Run;
     struct Place {
-        std::uint64_t head;   // bytes of the entry that order most of them
+        std::uint64_t head;   // bytes of the entry that decide most comparisons
         std::uint32_t at;     // in the chunks
         std::uint32_t length; // of the entry
     };
@@ -57,8 +57,8 @@ private:
     std::size_t used_ = 0; // bytes of the chunks
     std::vector<Place> places_;
     std::vector<Place> spare_;
-    std::size_t common_ = 0; // bytes that all of them begin with
-    bool inOrder_ = true;    // as they came
+    std::size_t common_ = 0; // length of the prefix common to all of them
+    bool inOrder_ = true;    // they arrived in order
     std::size_t given_ = 0;
 
     // Entries in the file.

@@ -24,7 +24,7 @@ bool IndexBuilder::add(KeyView entry) {
     leaf_.add(entry);
     if (leaf_.bytes.size() <= Capacity || Fits(leaf_, {0, leaf_.count()}, true))
         return isNew;
-    // The entry begins the next leaf.
+    // The entry starts the next leaf.
     leaf_.removeLast();
     const PageNumber page = page_ != 0 ? page_ : allocate();
     page_ = allocate();
@@ -59,8 +59,8 @@ void IndexBuilder::writeLeaf(PageNumber page, PageNumber next) {
         children_.addReference(leaf_[leaf_.count() - 1], page);
 }
 
-// Makes the nodes above children_, which become the children of the next level. False: there was but one, the
-// root.
+// Builds the nodes above children_, which become the children of the next level. False: there was only one,
+// the root.
 bool IndexBuilder::buildLevel(int level) {
     Entries parents;
     const std::size_t count = children_.count();
@@ -68,7 +68,7 @@ bool IndexBuilder::buildLevel(int level) {
     PageNumber previous = 0;
     PageNumber page = root ? tree_.root() : allocate();
     for (std::size_t first = 0; first < count;) {
-        // As many children as fit, the last of them without an entry; but no node has a single child.
+        // As many children as fit, the last of them without an entry; but no node has only one child.
         std::size_t taken = 2;
         while (first + taken < count && Fits(children_, {first, taken}, false))
             ++taken;

@@ -1,20 +1,20 @@
-// Making a whole tree at once: from below, out of entries in order. Much faster than entry by entry, and the
-// tree is as small as can be. What a new index on a filled table and a compacted file are made with.
+// Builds a whole tree at once: bottom up, from sorted entries. Much faster than entry by entry, and the tree
+// is as small as possible. Used for a new index on a filled table and for compacted files.
 #pragma once
 
 #include "jet/index/IndexTree.h"
 
 namespace jet {
 
-// Fills an empty tree with entries that come in order: every leaf is full.
+// Fills an empty tree with sorted entries: every leaf is full.
 class IndexBuilder {
 public:
     // The tree was just created or cleared.
     explicit IndexBuilder(const IndexTree& tree);
-    // `entry`: key and row pointer. False: its key is that of the entry before. Throws ReadVerification if
-    // the entry is not above that one.
+    // `entry`: key and row pointer. False: its key equals that of the previous entry. Throws ReadVerification
+    // if the entry is not above that one.
     bool add(KeyView entry);
-    // Writes what is left. To be called once; nothing can be added afterwards.
+    // Writes the rest. Call once; nothing can be added afterwards.
     void finish();
 
     std::uint32_t entryCount() const { return entries_; }

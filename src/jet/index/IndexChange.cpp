@@ -10,8 +10,8 @@ using namespace indexpage;
 
 namespace {
 
-// Where a page's entries part when they are split: groups that fit a page each, the last of which stays. Of
-// each group of a node but the last, the last entry goes up and its child becomes the group's tail.
+// Where a page's entries are split: into groups that fit a page each, the last of which stays. For each group
+// of a node except the last, the last entry moves up and its child becomes the group's tail.
 void partEntries(const Entries& entries, Range range, bool leaf, bool last, bool appended,
                  std::vector<Range>& groups) {
     const std::size_t kept = leaf || last ? range.count : range.count - 1;
@@ -50,7 +50,7 @@ void IndexChange::free(PageNumber page) {
     pager().release(page);
 }
 
-// Takes a page out of the list of its level.
+// Unlinks a page from the list of its level.
 void IndexChange::unlink(PageNumber page) {
     const Head head = ReadHead(read(page));
     if (head.previous != 0) {
@@ -69,8 +69,8 @@ void IndexChange::insert(KeyView entry) {
     insertAll(path_.depth - 1, added);
 }
 
-// Adds entries, which follow each other, at the place of a step. The path ends there afterwards and may be
-// another one if the page was split.
+// Adds consecutive entries at the place of a step. The path ends there afterwards and may be another one if
+// the page was split.
 void IndexChange::insertAll(int depth, const Entries& added) {
     const Step at = step(depth);
     const std::uint8_t* page = read(at.page);
@@ -88,7 +88,7 @@ void IndexChange::insertAll(int depth, const Entries& added) {
     layOut(depth, entries, appended);
 }
 
-// Writes these entries in place of those of a page, over as many new pages on its left as they need.
+// Writes these entries in place of a page's own, using as many new pages on its left as necessary.
 void IndexChange::layOut(int depth, const Entries& entries, bool appended) {
     const bool leaf = IsLeaf(read(step(depth).page));
     std::vector<Range> groups;
@@ -130,7 +130,7 @@ void IndexChange::layOut(int depth, const Entries& entries, bool appended) {
         insertAll(depth - 1, references);
 }
 
-// Puts the root's content on a new page, the only child of the root from now on.
+// Moves the root's content to a new page, which becomes the root's only child.
 void IndexChange::moveRootDown() {
     if (path_.depth >= IndexPath::MaximumDepth)
         Damaged(tree_.root(), "is the root of an index with too many levels");
@@ -161,7 +161,7 @@ void IndexChange::dropLeaf() {
     dropChild(path_.depth - 2);
 }
 
-// Takes out the reference to a child that is gone, at the place of a step.
+// Removes the reference to a child that is gone, at the place of a step.
 void IndexChange::dropChild(int depth) {
     const Step at = step(depth);
     const std::uint8_t* page = read(at.page);
@@ -192,7 +192,7 @@ void IndexChange::resolveLoneTail(int depth) {
         joinLeft(depth);
     else
         joinRight(depth);
-    // A parent that was split on the way has entries.
+    // A parent that was split has entries.
     if (IsEmpty(read(parent)))
         resolveLoneTail(depth - 1);
 }
@@ -208,7 +208,7 @@ void IndexChange::joinLeft(int depth) {
     CopyEntry(parent, up.page, place, entry);
     std::uint8_t* changed = pager().edit(up.page);
     Remove(changed, place);
-    // What referred to the node stands where the reference to its neighbour was.
+    // The place that referred to the node now refers to its neighbour.
     up.offset = IsEmpty(changed) ? 0 : place;
     SetChild(changed, up.offset, left);
     unlink(node);
@@ -261,8 +261,8 @@ void IndexChange::replaceRoot(PageNumber child) {
     free(child);
 }
 
-// After `entry` was removed from the end of a leaf: the one node entry that is equal to it, if there is one,
-// becomes the entry that is now the last below it.
+// After `entry` was removed from the end of a leaf: if a node has an entry equal to it, that becomes the
+// entry that is now the last below it.
 void IndexChange::fixSeparator(KeyView entry) {
     PageNumber number = tree_.root();
     for (path_.depth = 0; path_.depth < IndexPath::MaximumDepth;) {

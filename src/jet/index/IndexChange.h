@@ -1,5 +1,5 @@
-// Changes of an index tree that reach beyond one page: splitting pages that overflow, taking out pages that
-// became empty, and keeping what the nodes say of their children true. Two rules hold after each:
+// Changes of an index tree that affect more than one page: splits pages that overflow, removes pages that
+// became empty, and keeps the entries of nodes true. Two rules hold after each change:
 //
 // - a node's entry is the last entry of the child's subtree, and the rightmost child has none;
 // - no node is left with its rightmost child alone.
@@ -15,7 +15,7 @@ public:
         : tree_(tree)
         , path_(path) {}
 
-    // Adds an entry at the end of the path, where it has no room in place.
+    // Adds an entry at the end of the path, in a page where it does not fit.
     void insert(KeyView entry);
     // Completes the removal of `entry` from the leaf at the end of the path, whose last entry it was.
     void entryRemoved(KeyView entry);

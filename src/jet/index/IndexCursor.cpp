@@ -31,7 +31,7 @@ bool IndexCursor::take(const std::uint8_t* leaf, PageNumber number, int offset) 
 }
 
 // Takes the entry at a place of a leaf, or the first one of the leaves after it. `ascending`: the walk comes
-// from an entry and must get to one above it, so that a walk in a circle ends.
+// from an entry and must reach one above it, so that a walk in a circle ends.
 bool IndexCursor::forward(PageNumber number, int offset, bool ascending) {
     const std::uint8_t* leaf = page(number);
     for (PageNumber steps = 0; offset >= Used(leaf); ++steps) {
@@ -117,8 +117,8 @@ bool IndexCursor::seekEntry(KeyView key, RowPointer row) {
     return found;
 }
 
-// Whether the entry lies where it was met. If pages were changed since, its page may have been freed and may
-// serve another index of the table, so that the map is asked first.
+// Whether the entry is still at its old place. If pages were changed since, its page may have been freed and
+// may belong to another index of the table, so the map is checked first.
 bool IndexCursor::stillThere() {
     if (version_ != 0 && version_ == tree_.pager().version())
         return true;

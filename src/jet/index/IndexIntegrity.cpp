@@ -24,7 +24,7 @@ public:
     std::vector<PageNumber> run() {
         Bytes last;
         walk(tree_.root(), 0, last);
-        // Others write no levels into nodes.
+        // Other engines write no levels into nodes.
         for (const Node& node : nodes_)
             if (node.level != 0 && node.level != leafDepth_ - node.depth)
                 fault(node.page, "has another level in the index than its place says");
@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    // The page of a level that was met last.
+    // The page of a level that was visited last.
     struct Edge {
         PageNumber page = 0;
         PageNumber next = 0;
@@ -50,7 +50,7 @@ private:
 
     void fault(PageNumber page, const std::string& reason) { report_({page, reason}); }
 
-    // Walks over a page and what is below it. `last` becomes the last entry there; it is empty if there is
+    // Visits a page and everything below it. `last` becomes the last entry there; it is empty if there is
     // none.
     void walk(PageNumber number, int depth, Bytes& last) {
         last.clear();
@@ -91,7 +91,7 @@ private:
         if (edges_.size() <= at)
             edges_.resize(at + 1);
         Edge& edge = edges_[at];
-        // Nodes need not be linked.
+        // Nodes may be unlinked.
         const bool linked = head.leaf || edge.next != 0 || head.previous != 0;
         if (linked && (head.previous != edge.page || (edge.page != 0 && edge.next != number)))
             fault(number, "is not linked with the index page before it");

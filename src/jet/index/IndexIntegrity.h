@@ -1,4 +1,4 @@
-// The integrity of one index tree.
+// Checks the integrity of one index tree.
 #pragma once
 
 #include "jet/index/IndexTree.h"
@@ -14,10 +14,10 @@ struct IndexFault {
     std::string reason;
 };
 
-// Walks a whole tree and reports everything that does not hold: kinds and owners of pages, levels, free
-// bytes, marks and prefixes, the order of entries, separators equal to the last entry below them, neighbours,
-// and that the map lists exactly the tree's pages. `visit` gets every entry that can be read, in order; it
-// may be empty. Gives the pages of the tree. Bounded by the number of pages, whatever they hold.
+// Walks a whole tree and reports every violation: kinds and owners of pages, levels, free bytes, marks and
+// prefixes, the order of entries, separators equal to the last entry below them, neighbours, and that the map
+// lists exactly the tree's pages. `visit` gets every readable entry, in order; it may be empty. Returns the
+// pages of the tree. Bounded by the number of pages, whatever they hold.
 std::vector<PageNumber> CheckIndex(const IndexTree& tree, const std::function<void(IndexFault)>& report,
                                    const std::function<void(KeyView key, RowPointer row)>& visit);
 

@@ -41,14 +41,14 @@ std::uint64_t loadHighFirst64(const std::uint8_t* at) {
     return static_cast<std::uint64_t>(loadHighFirst(at)) << 32 | loadHighFirst(at + 4);
 }
 
-// The first 8 bytes of a key; zeros where it is shorter.
+// The first 8 bytes of a key; zeros if it is shorter.
 std::uint64_t headOf(KeyView key) {
     std::uint8_t bytes[8] = {};
     std::copy_n(key.begin(), std::min<std::size_t>(key.size(), sizeof bytes), bytes);
     return loadHighFirst64(bytes);
 }
 
-// The mask is worked on in words of 64 bits; the last one has 5 bytes.
+// The mask is processed in words of 64 bits; the last one has 5 bytes.
 constexpr unsigned LastWord = MaskLength / 8;
 constexpr unsigned LastBytes = MaskLength % 8;
 
@@ -74,7 +74,7 @@ void setMark(std::uint8_t* page, int offset) {
     page[MaskField + offset / 8] = static_cast<std::uint8_t>(page[MaskField + offset / 8] | 1 << offset % 8);
 }
 
-// The bits of a word from this one up, and up to this one; only the place in its word counts.
+// The bits of a word from this one up, and up to this one; only the position within its word counts.
 constexpr std::uint64_t bitsFrom(int bit) {
     return ~std::uint64_t{0} << (static_cast<unsigned>(bit) % 64);
 }
@@ -147,9 +147,9 @@ int markUpTo(const std::uint8_t* page, int bit) {
     return static_cast<int>(word * 64) + 63 - std::countl_zero(bits);
 }
 
-// In a large tree hardly a page is in the processor's cache, and a search waits for memory at each of its
-// steps. Asking for the whole mask and for the entries that its first steps look at beforehand makes it wait
-// once: seeks among a million entries are twice as fast.
+// In a large tree hardly any page is in the processor's cache, and a search waits for memory at each of its
+// steps. Prefetching the whole mask and the entries of the first steps makes it wait once: seeks among a
+// million entries are twice as fast.
 void fetchAhead(const std::uint8_t* page, int used) {
     constexpr int line = 64;
     constexpr int places = 16;
@@ -163,7 +163,7 @@ void setUsed(std::uint8_t* page, int used) {
     Store16(page + FreeField, static_cast<std::uint32_t>(Capacity - used));
 }
 
-// Bytes of the rest in [offset, end) that are compared: in nodes the child's number is not.
+// Bytes of the rest in [offset, end) that are compared: in nodes without the child's number.
 int comparedLength(bool leaf, int offset, int end) {
     return leaf ? end - offset : std::max(end - offset - ChildLength, 0);
 }
@@ -174,7 +174,7 @@ void checkLength(PageNumber number, std::size_t length) {
         Damaged(number, "has an index entry of " + std::to_string(length) + " bytes");
 }
 
-// The bytes that the first and the last of a range of entries begin with alike; it never takes in the last
+// The length of the common prefix of the first and the last of a range of entries; it never includes the last
 // byte of a row pointer, so that no rest is empty.
 std::size_t commonPrefix(const Entries& entries, Range range, bool leaf) {
     if (range.count < 2)
@@ -291,7 +291,7 @@ void Check(const std::uint8_t* page, PageNumber number, PageNumber table) {
     if (used == 0)
         return;
     if (!hasMark(page, used))
-        Damaged(number, "has no mark behind its last index entry");
+        Damaged(number, "has no mark after its last index entry");
     const int prefix = Prefix(page);
     if (prefix >= used || (!IsLeaf(page) && End(page, prefix) - prefix < ChildLength))
         Damaged(number, "has an index prefix longer than its first entry");
@@ -345,7 +345,7 @@ int Find(const std::uint8_t* page, KeyView target, bool past) {
         return past ? high : low;
     target = target.subspan(shared);
 
-    // Most entries part within their first 8 bytes, which compare as one number.
+    // Most entries differ within their first 8 bytes, which compare as one number.
     const bool leaf = IsLeaf(page);
     const std::uint64_t head = headOf(target);
     while (low < high) {

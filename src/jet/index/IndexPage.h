@@ -1,11 +1,11 @@
 // One page of an index tree: a leaf, or a node above other pages. These routines work on the bytes of a page
 // and do not know the tree.
 //
-// The bytes that all entries of a page begin with may be stored once, as the start of the first entry: the
-// prefix. What follows the prefix is then, for every entry alike, the entry without the prefix. All offsets
-// here are offsets of such rests, counted from the start of the entry bytes; the first one lies at
-// prefix(page), and used(page) is after the last one. A mark in the mask stands where a rest ends. Finding,
-// adding and removing an entry work on these bytes in place.
+// The bytes with which all entries of a page begin may be stored once, as the start of the first entry: the
+// prefix. After the prefix follow the entries, each without the prefix: the rests. All offsets here are
+// offsets of rests, counted from the start of the entry bytes; the first one lies at prefix(page), and
+// used(page) is after the last one. A mark in the mask marks the end of each rest. Finding, adding and
+// removing an entry work on these bytes in place.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -23,10 +23,10 @@ inline constexpr int Capacity = 3616; // bytes of entries
 inline constexpr int RowLength = 4;   // of the row pointer at the end of an entry
 inline constexpr int ChildLength = 4; // of the page number that follows it in a node
 
-// Longest entry of a leaf: two of them, with their children, fit a node. Longer ones of others are not read.
+// Longest entry of a leaf: two of them, with their children, fit a node. Longer ones from others are refused.
 inline constexpr std::size_t MaximumEntry = 1804;
 
-// An entry, or a part of one, without memory of its own.
+// An entry, or a part of one, that does not own its memory.
 struct EntryBuffer {
     std::uint8_t bytes[MaximumEntry + ChildLength];
     std::size_t size = 0;
@@ -40,12 +40,12 @@ struct EntryBuffer {
     RowPointer row() const;
 };
 
-// Writes a leaf's entry, as many bytes as key and row pointer have. Throws RecordTooLarge, and writes
-// nothing, for one longer than MaximumEntry.
+// Writes a leaf's entry: key and row pointer. Throws RecordTooLarge, and writes nothing, for one longer than
+// MaximumEntry.
 void WriteEntry(KeyView key, RowPointer row, std::uint8_t* into);
 // The order of entries; below 0, 0 or above.
 int CompareEntries(KeyView a, KeyView b);
-// How many bytes they begin with alike.
+// The length of their common prefix.
 std::size_t SharedLength(KeyView a, KeyView b);
 // The row pointer at the end of a leaf's entry.
 RowPointer RowOf(KeyView entry);
@@ -70,8 +70,8 @@ void SetNext(std::uint8_t* page, PageNumber next);
 void SetPrevious(std::uint8_t* page, PageNumber previous);
 void SetTail(std::uint8_t* page, PageNumber tail);
 
-// What makes the routines below safe: kind and owner of the page, its free bytes, its prefix and the mark
-// after its last entry. Throws ReadVerification.
+// The preconditions of the routines below: kind and owner of the page, its free bytes, its prefix and the
+// mark after its last entry. Throws ReadVerification.
 void Check(const std::uint8_t* page, PageNumber number, PageNumber table);
 
 int Prefix(const std::uint8_t* page);
@@ -79,7 +79,7 @@ int Used(const std::uint8_t* page);
 inline bool IsEmpty(const std::uint8_t* page) {
     return Used(page) == 0;
 }
-// Where the rest that begins at `offset` ends; where the last rest before `offset` begins.
+// The end of the rest that begins at `offset`; the start of the last rest before `offset`.
 int End(const std::uint8_t* page, int offset);
 int Before(const std::uint8_t* page, int offset);
 
@@ -87,17 +87,17 @@ int Before(const std::uint8_t* page, int offset);
 int CountEntries(const std::uint8_t* page);
 int CountMarks(const std::uint8_t* page);
 
-// The offset of the first entry that is not below `target`, or used(page). Of nodes the child's number does
-// not take part. `past`: entries that begin with the target are below it. Cost: logarithmic.
+// The offset of the first entry that is not below `target`, or used(page). In nodes the child's number is
+// ignored. `past`: entries that begin with the target count as below it. Cost: logarithmic.
 int Find(const std::uint8_t* page, KeyView target, bool past);
 
-// Copies the entry at `offset`, of a node without the child's number, into `into`. Throws
-// ReadVerification for an entry too short or too long to be one.
+// Copies the entry at `offset`, in a node without the child's number, to `into`. Throws ReadVerification for
+// an entry of invalid length.
 void CopyEntry(const std::uint8_t* page, PageNumber number, int offset, EntryBuffer& into);
-// The order of the entry at `offset` and another; below 0, 0 or above. Of nodes the child's number does not
-// take part.
+// The order of the entry at `offset` and another; below 0, 0 or above. In nodes the child's number is
+// ignored.
 int CompareEntry(const std::uint8_t* page, int offset, KeyView entry);
-// Whether the entry at `offset` is exactly this one. Any number may be asked for.
+// Whether the entry at `offset` is exactly this one. Any offset is allowed.
 bool HoldsEntry(const std::uint8_t* page, int offset, KeyView entry);
 // Whether the key of the leaf entry at `offset`, which may be used(page), is exactly this one.
 bool HoldsKey(const std::uint8_t* page, int offset, KeyView key);
@@ -105,12 +105,12 @@ bool HoldsKey(const std::uint8_t* page, int offset, KeyView key);
 PageNumber Child(const std::uint8_t* page, PageNumber number, int offset);
 void SetChild(std::uint8_t* page, int offset, PageNumber child);
 
-// Adds an entry, whole, at the offset that Find() gave. False, and nothing is changed, if it does not fit or
-// does not share the page's prefix.
+// Adds a complete entry at the offset that Find() returned. False, with nothing changed, if it does not fit
+// or does not share the page's prefix.
 bool Insert(std::uint8_t* page, int offset, KeyView entry);
 void Remove(std::uint8_t* page, int offset);
 
-// Whole entries, of nodes with the children's numbers, one after the other: of pages that are laid out anew.
+// Complete entries, in nodes with the children's numbers, one after the other: for rewriting pages.
 struct Entries {
     Bytes bytes;
     std::vector<std::uint32_t> ends;
@@ -136,11 +136,11 @@ struct Range {
     std::size_t count = 0;
 };
 
-// Appends the entries of a page that lie in [from, to). Throws ReadVerification as CopyEntry() does.
+// Appends the entries of a page that lie in [from, to). Throws ReadVerification like CopyEntry().
 void ReadEntries(const std::uint8_t* page, PageNumber number, int from, int to, Entries& into);
 // Whether a range of entries fits one page, whole or without a prefix.
 bool Fits(const Entries& entries, Range range, bool leaf);
-// Writes a range of entries that fits onto an empty page: whole if they fit so, else without their prefix.
+// Writes a range of entries that fits to an empty page: in full if possible, else without their prefix.
 void WriteEntries(std::uint8_t* page, const Entries& entries, Range range);
 
 } // namespace indexpage

@@ -33,7 +33,7 @@ void invertFrom(Bytes& bytes, std::size_t start) {
         bytes[i] = static_cast<std::uint8_t>(~bytes[i]);
 }
 
-// Numbers that order as the values do: with the sign bit turned over negative ones come before the others.
+// Numbers with the same order as the values: with the sign bit inverted, negative ones come first.
 template<typename Signed>
 auto orderOf(Signed number) {
     using Unsigned = std::make_unsigned_t<Signed>;
@@ -58,7 +58,7 @@ std::uint64_t orderOf(double number) {
     return orderOfFloat<std::uint64_t>(number);
 }
 
-// The whole code of a number: the highest byte comes first.
+// The code of a number: highest byte first.
 template<typename Unsigned>
 void appendCode(bool ascending, Unsigned order, Bytes& into) {
     std::uint8_t bytes[1 + sizeof(Unsigned)] = {ascending ? ValueAscending : ValueDescending};
@@ -69,7 +69,7 @@ void appendCode(bool ascending, Unsigned order, Bytes& into) {
     into.insert(into.end(), bytes, bytes + sizeof bytes);
 }
 
-// Makes the code of a text out of its ascending key, which was appended after a mark at `start`.
+// Turns the ascending key of a text, which was appended after a mark at `start`, into its code.
 void finishText(bool ascending, std::size_t start, Bytes& into) {
     if (ascending)
         return;
@@ -77,8 +77,8 @@ void finishText(bool ascending, std::size_t start, Bytes& into) {
     into.push_back(0);
 }
 
-// Segments of 8 bytes, each followed by a byte that says that more come or how many of the 8 count.
-// Descending inverts all but the marks of segments that are not the last.
+// Segments of 8 bytes, each followed by a byte: more follow, or how many of the 8 count. Descending inverts
+// everything except the marks of segments that are not the last.
 void appendBinary(std::span<const std::uint8_t> data, bool ascending, Bytes& into) {
     const auto flip = [ascending](std::uint8_t byte) {
         return ascending ? byte : static_cast<std::uint8_t>(~byte);
@@ -93,7 +93,7 @@ void appendBinary(std::span<const std::uint8_t> data, bool ascending, Bytes& int
     } while (at < data.size());
 }
 
-// The bytes in the order in which the number is written.
+// The bytes in the order of the number's written form.
 void appendGuid(const Guid& guid, bool ascending, Bytes& into) {
     constexpr std::uint8_t Written[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     std::uint8_t bytes[16];
@@ -102,7 +102,7 @@ void appendGuid(const Guid& guid, bool ascending, Bytes& into) {
     appendBinary(bytes, ascending, into);
 }
 
-// A byte for the sign, which stays as it is in a descending index, then the magnitude.
+// A sign byte, which is not inverted in a descending index, then the magnitude.
 void appendNumeric(const Numeric& number, bool ascending, Bytes& into) {
     into.push_back(number.negative ? 0x00 : 0xFF);
     const std::size_t start = into.size();
@@ -113,7 +113,7 @@ void appendNumeric(const Numeric& number, bool ascending, Bytes& into) {
         invertFrom(into, start);
 }
 
-// Never null: a null one is stored as false.
+// Never null: null is stored as false.
 void appendBoolean(bool value, bool ascending, Bytes& into) {
     appendCode(ascending, static_cast<std::uint8_t>(value ? 0x00 : 0xFF), into);
 }
@@ -165,7 +165,7 @@ void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into)
 
 namespace {
 
-// The same for a column of a row. Numbers and plain texts do not become values on the way. Says whether it is
+// The same for a column of a row, without making values of numbers and plain texts. Returns whether it is
 // null.
 bool appendStoredKey(Pager& pager, const RowView& row, const Column& column, bool ascending, Bytes& into) {
     if (column.type == ColumnType::Boolean) {

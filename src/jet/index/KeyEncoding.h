@@ -1,6 +1,6 @@
-// Index keys: the values of an index's columns as one string of bytes, such that comparing bytes orders rows
-// as the index does. Each column's code begins with a byte that tells null from a value and is the start of
-// no other code, so the key of the leading columns is a prefix of the whole key.
+// Index keys: the values of an index's columns as one byte string, such that comparing bytes orders rows as
+// the index does. Each column's code begins with a byte that distinguishes null from a value and is never a
+// prefix of another code, so the key of the leading columns is a prefix of the whole key.
 #pragma once
 
 #include "jet/record/Row.h"
@@ -9,38 +9,38 @@
 
 namespace jet {
 
-// Longest key of one row that a tree takes: two entries must fit one inner page.
+// Longest key that a tree accepts: two entries must fit one inner page.
 inline constexpr std::size_t MaximumKeyLength = 1800;
 
 // Appends the code of one value, which is null or of the column type's own kind (see Value.h). Throws
 // DataTypeMismatch for a value of another kind, InvalidArgument for a type that cannot be indexed (OLE and
-// other programs' own), for a number that is none, or for a text that cannot be ordered (Collation.h).
+// other programs' own), for NaN, or for a text that cannot be ordered (Collation.h).
 void AppendKey(ColumnType type, bool ascending, const Value& value, Bytes& into);
 
-// Appends what the codes of all texts that begin with this one, in whatever case, have in common after their
-// first byte.
+// Appends the common part, after the first byte, of the codes of all texts that begin with this one,
+// regardless of case.
 void AppendTextStart(bool ascending, std::u16string_view text, Bytes& into);
 
-// Whether the order of a column's values is known here: false for texts of another language or a later
-// order, and for types that are never indexed. A table with an index on such a column can only be read.
+// Whether the order of a column's values is known: false for texts of another language or a later order, and
+// for types that are never indexed. A table with an index on such a column is read-only.
 bool IsOrderKnown(const Column& column);
 
-// What an index makes of a row.
+// How the key of a row came out.
 enum class KeyKind {
     Plain,
-    AllNull, // all its columns are null: no entry if the index ignores nulls; never a duplicate of another
+    AllNull, // all its columns are null: no entry if the index ignores nulls; never a duplicate
     HasNull, // some are
 };
 
-// Makes the keys of one index. Cheap to make and to copy; holds no reference to the table's definition.
+// Builds the keys of one index. Cheap to make and to copy; holds no reference to the table's definition.
 class KeyEncoder {
 public:
     KeyEncoder() = default;
     // Throws ReadVerification if the index names a column that the table does not have.
     KeyEncoder(const TableDefinition& table, const RealIndex& index);
 
-    // One column of the key: where its value stands among the values of a row (the order of
-    // TableDefinition::columns), and how it is coded.
+    // One column of the key: the position of its value among the values of a row (the order of
+    // TableDefinition::columns), and its coding.
     struct Part {
         int column = 0;
         ColumnType type = ColumnType::Long;
@@ -48,14 +48,14 @@ public:
     };
     std::span<const Part> parts() const { return parts_; }
 
-    // Replaces `key` by the key of a row. Throws as AppendKey() does, or RecordTooLarge above
-    // MaximumKeyLength.
+    // Replaces `key` by the key of a row. Throws like
+    // AppendKey(), or RecordTooLarge above MaximumKeyLength.
     KeyKind encodeRow(std::span<const Value> row, Bytes& key) const;
-    // The same for a row as it is stored; `columns`: those of the table's definition. Throws ReadVerification
-    // for bytes that are no value, too. Cost: no memory is taken for numbers and plain texts.
+    // The same for a row as stored; `columns`: those of the table's definition. Also throws ReadVerification
+    // for bytes that are not a valid value. Cost: no memory is allocated for numbers and plain texts.
     KeyKind encodeStored(Pager& pager, const RowView& row, std::span<const Column> columns, Bytes& key) const;
-    // Replaces `key` by the key of values given in the order of the index's columns. With fewer values than
-    // columns it is the prefix that all keys with these values begin with.
+    // Replaces `key` by the key of values in the order of the index's columns. With fewer values than columns
+    // it is the prefix of all keys with these values.
     void encodeLeading(std::span<const Value> values, Bytes& key) const;
     // Whether it is the key of rows in which all columns are null.
     bool isAllNull(std::span<const std::uint8_t> key) const;

@@ -33,7 +33,7 @@ constexpr std::size_t LogicalIndexLength = 20;
 constexpr std::size_t InlineMapHead = 5;
 constexpr std::size_t BitmapHead = 4;
 
-// Takes pieces one after the other, each checked against the end.
+// Reads fields one after the other, each checked against the end.
 class Pieces {
 public:
     Pieces(std::span<const std::uint8_t> bytes, PageNumber page)
@@ -66,7 +66,7 @@ void addBits(std::span<const std::uint8_t> bits, std::size_t first, std::size_t 
 } // namespace
 
 std::u16string FromCodePage1252(std::span<const std::uint8_t> bytes) {
-    // 80h to 9Fh; those without a character keep their number.
+    // 80h to 9Fh; undefined ones keep their number.
     static constexpr char16_t upper[] = {
         0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
         0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

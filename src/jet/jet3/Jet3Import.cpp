@@ -92,7 +92,7 @@ TableDesign designOf(const TableDefinition& from, const std::u16string& name) {
     return design;
 }
 
-// One table on its way.
+// One table during its import.
 class TableImport {
 public:
     TableImport(const Jet3File& file, const Found& found, Catalog& catalog, Jet3Contents& contents)
@@ -145,7 +145,7 @@ private:
                   false);
     }
 
-    // Makes an index if the rows allow it: texts may be ordered otherwise here, and then not be unique.
+    // Makes an index if the rows allow it: texts are ordered differently here and may not be unique.
     void addIndex(const LogicalIndex& logical) {
         const RealIndex& real = from_.realIndexes[logical.real];
         IndexDesign index;

@@ -1,4 +1,4 @@
-// Opening a file of the older format: its tables become an image of the present format in memory, which is
+// Opens a file of the older format: converts its tables to an image of the present format in memory, which is
 // read like any other database.
 #pragma once
 
@@ -11,13 +11,13 @@
 
 namespace jet {
 
-// What was found in the file.
+// The findings about the file.
 struct Jet3Contents {
     std::uint32_t pages = 0; // of 2048 bytes
     std::uint32_t tables = 0;
     std::uint64_t rows = 0;
-    // What could not be read. Harmless: what is not taken over (queries, relationships) or not as it was (an
-    // index that is not unique in the order of this format).
+    // Everything that could not be read. Harmless: things not converted (queries, relationships) or changed
+    // (an index that is not unique in the order of this format).
     std::vector<Fault> faults;
 };
 
@@ -26,8 +26,8 @@ struct Jet3Import {
     Jet3Contents contents;
 };
 
-// Reads all user tables of a file, given as its bytes. Throws Unrecognised or, if even the catalogue cannot
-// be read, ReadVerification. Cost: memory of up to some three times the file.
+// Reads all user tables of a file, given as its bytes. Throws Unrecognised or, if even the catalogue is
+// unreadable, ReadVerification. Cost: memory of up to about three times the file.
 Jet3Import ImportJet3(std::span<const std::uint8_t> file);
 
 } // namespace jet

@@ -28,7 +28,7 @@ void checkNames(CheckContext& context, const std::vector<CatalogObject>& objects
     }
 }
 
-// Everything hangs below the root, which has no row.
+// Everything lies below the root, which has no row.
 void checkParents(CheckContext& context, const std::vector<CatalogObject>& objects) {
     std::set<std::int32_t> ids{rootId};
     for (const CatalogObject& object : objects)
@@ -72,7 +72,7 @@ void checkPermissions(CheckContext& context, const Catalog& catalog,
     WalkReadable(table, visit, [](PageNumber, const Error&) {});
 }
 
-// Says of each table whether it has a column; its definition is read once.
+// Whether a table has a column; each table's definition is read once.
 class Columns {
 public:
     Columns(Pager& pager, const std::vector<CatalogObject>& objects)
@@ -92,7 +92,7 @@ public:
     }
 
 private:
-    // Nothing if it cannot be read, which is reported with the table.
+    // Nothing if it is unreadable, which is reported with the table.
     const std::optional<TableDefinition>& definitionOf(PageNumber page) {
         const auto added = definitions_.try_emplace(page);
         std::optional<TableDefinition>& definition = added.first->second;

@@ -1,4 +1,4 @@
-// The integrity of the catalogue: names, permissions, properties and relationships.
+// Checks the integrity of the catalogue: names, permissions, properties and relationships.
 #pragma once
 
 #include "jet/maintenance/CheckContext.h"
@@ -6,7 +6,7 @@
 
 namespace jet {
 
-// `objects`: those that can be read.
+// `objects`: the readable ones.
 void CheckCatalog(CheckContext& context, const Catalog& catalog, const std::vector<CatalogObject>& objects);
 
 } // namespace jet

@@ -1,4 +1,4 @@
-// What all parts of the integrity check share: pages with their owners, and the checks of maps and data pages
+// Shared by all parts of the integrity check: pages with their owners, and the checks of maps and data pages
 // that tables, long-value columns and indexes have in common.
 #pragma once
 
@@ -18,23 +18,23 @@ public:
     FaultSink faults;
     PageLedger ledger;
 
-    // Pages of an owner, as its map lists them and the ledger grants them.
+    // Pages of an owner, as listed in its map and granted by the ledger.
     struct Owned {
         std::vector<PageNumber> pages;
         PageLedger::Owner owner = PageLedger::Nobody;
     };
-    // Claims the page of a map and its bitmap pages. Gives the pages that the map lists; nothing if it cannot
-    // be read. `definition`: the page that points to the map.
+    // Claims the page of a map and its bitmap pages. Returns the pages that the map lists; nothing if it is
+    // unreadable. `definition`: the page that points to the map.
     std::vector<PageNumber> readMap(RowPointer map, PageNumber definition, const std::string& name);
-    // Claims the pages of an owner, and checks that its map of pages with room lists no others.
+    // Claims the pages of an owner, and checks that its map of pages with room lists only these.
     Owned claimMaps(RowPointer ownedMap, RowPointer freeMap, PageNumber definition, const std::string& name);
 
-    // Kind, owner field, slots and free bytes of a data page. False: its slots cannot be trusted.
+    // Checks kind, owner field, slots and free bytes of a data page. False: its slots cannot be trusted.
     bool checkDataPage(PageNumber page, std::uint32_t owner);
 
 private:
     PageLedger::Owner mapOwner_;
-    RowSet maps_; // maps that have an owner already
+    RowSet maps_; // maps that already have an owner
 };
 
 } // namespace jet

@@ -26,7 +26,7 @@ public:
         for (const PageNumber page : pages) {
             const std::size_t used = std::min(left, PageSize - pageHead);
             left -= used;
-            // As much again as the head stays unused on every page.
+            // A space as large as the head stays unused on every page.
             const std::size_t room = PageSize - pageHead - used;
             const std::size_t free = room > pageHead ? room - pageHead : 0;
             const std::size_t said = Load16(context_.pager.read(page) + freeField);

@@ -1,4 +1,4 @@
-// The integrity of a table's definition: the pages it lies on, its columns and its indexes.
+// Checks the integrity of a table's definition: its pages, its columns and its indexes.
 #pragma once
 
 #include "jet/maintenance/CheckContext.h"

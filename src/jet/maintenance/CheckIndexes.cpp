@@ -16,7 +16,7 @@ std::string rowText(RowPointer at) {
 } // namespace
 
 void IndexesCheck::Sum::add(std::span<const std::uint8_t> key, RowPointer row) {
-    // FNV-1a over the key, then mixed once more with the row so that sums of neighbours do not cancel out.
+    // FNV-1a over the key, then mixed again with the row so that sums of neighbours do not cancel out.
     std::uint64_t hash = 0xCBF29CE484222325;
     for (const std::uint8_t byte : key)
         hash = (hash ^ byte) * 0x100000001B3;
@@ -109,7 +109,7 @@ void IndexesCheck::checkTree(Index& index) {
         locate(index, tree);
 }
 
-// The tree and the rows differ: finds the entries and rows that have no counterpart.
+// The tree and the rows differ: finds the entries and rows without a counterpart.
 void IndexesCheck::locate(Index& index, const IndexTree& tree) {
     std::uint64_t found = 0;
     const auto fault = [&](RowPointer at, const std::string& reason) {

@@ -1,5 +1,5 @@
-// The indexes of one table against its rows: each tree by itself, and that it holds exactly one entry with
-// the right key for every row.
+// Checks the indexes of one table against its rows: each tree by itself, and that it holds exactly one entry
+// with the right key for every row.
 #pragma once
 
 #include "jet/index/IndexTree.h"
@@ -13,14 +13,14 @@ class IndexesCheck {
 public:
     IndexesCheck(CheckContext& context, const Table& table);
 
-    // Takes in the keys of a row. Throws what reading its columns throws.
+    // Adds the keys of a row. Throws the errors of reading its columns.
     void addRow(RowPointer at, const RowView& row);
-    // Walks over the trees when all rows were added.
+    // Walks over the trees after all rows were added.
     void run();
 
 private:
-    // A sum over entries that does not depend on their order, so that rows and tree can be compared without
-    // keeping either in memory.
+    // A sum over entries, independent of their order, so that rows and tree can be compared without keeping
+    // either in memory.
     struct Sum {
         std::uint64_t entries = 0;
         std::uint64_t hashes = 0;
@@ -34,7 +34,7 @@ private:
         bool comparable = true; // its keys can be built here
         Sum rows;
     };
-    // The key of a row; false: the index has no entry for it, or `index` is not comparable (any more).
+    // The key of a row; false: the index has no entry for it, or `index` is not (or no longer) comparable.
     bool keyOf(Index& index, RowPointer at, const RowView& row);
     void checkTree(Index& index);
     void locate(Index& index, const IndexTree& tree);

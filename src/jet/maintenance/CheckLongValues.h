@@ -1,4 +1,4 @@
-// The integrity of the long values of one Memo or OLE column.
+// Checks the integrity of the long values of one Memo or OLE column.
 #pragma once
 
 #include "jet/maintenance/CheckContext.h"
@@ -8,14 +8,14 @@ namespace jet {
 
 class LongValueCheck {
 public:
-    // Claims the column's pages and checks them as pages.
+    // Claims the column's pages and checks their structure.
     LongValueCheck(CheckContext& context, const TableDefinition& definition, const Column& column);
 
     const Column& column() const { return *column_; }
-    // A row's value: its definition, where its pieces lie, its length, and that nobody else uses them. Each
-    // piece is read once, however many rows name it. Throws what reading it throws.
+    // Checks a row's value: its definition, where its pieces lie, its length, and that nothing else uses
+    // them. Each piece is read once, however many rows name it. Throws the errors of reading it.
     void check(const RowView& row);
-    // Pieces that no row uses.
+    // Reports pieces that no row uses.
     void finish();
 
 private:

@@ -1,4 +1,4 @@
-// The integrity of one table: its maps, rows, long values and indexes.
+// Checks the integrity of one table: its maps, rows, long values and indexes.
 #pragma once
 
 #include "jet/maintenance/CheckIndexes.h"
@@ -25,8 +25,8 @@ private:
     CheckContext::Owned pages_;
     std::vector<LongValueCheck> longValues_;
     IndexesCheck indexes_;
-    RowSet moved_;   // rows reached through a pointer only
-    RowSet targets_; // rows that a pointer leads to
+    RowSet moved_;   // rows reached only through a pointer
+    RowSet targets_; // rows that a pointer refers to
     std::uint64_t rows_ = 0;
     Bytes copy_;
     Value value_;

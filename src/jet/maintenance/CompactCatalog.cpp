@@ -10,10 +10,10 @@ namespace jet {
 
 namespace {
 
-constexpr std::int32_t RootId = 0x0F000000; // everything hangs below it; it has no row
+constexpr std::int32_t RootId = 0x0F000000; // everything lies below it; it has no row
 constexpr std::int32_t DatabasesContainer = 0x0F000002;
 
-// Where an object belongs that hangs below none that is there.
+// The parent of an object whose own parent does not exist.
 std::int32_t usualParent(std::int16_t kind) {
     switch (kind) {
     case CatalogObject::ContainerKind:
@@ -54,7 +54,7 @@ CompactCatalog::CompactCatalog(const Table& objects, const Table& permissions, c
     , relationshipsTable_(relationships)
     , empty_(empty)
     , lost_(lost)
-    // What is damaged is told when the rows are copied.
+    // Damage is reported when the rows are copied.
     , objects_(ReadObjects(objects, [this](PageNumber, const Error&) { damaged_ = true; }))
     , relationships_(lost) {}
 
@@ -99,7 +99,7 @@ void CompactCatalog::keepObjects() {
         newIds_[object.id] = object.id;
         kept_[object.row].object = object;
     }
-    // A standard object whose number was damaged is known by its name.
+    // A standard object with a damaged number is identified by its name.
     for (const CatalogObject& standard : Catalog(empty_).objects()) {
         const auto isIt = [&](const auto& one) {
             return one.second.object.kind == standard.kind && SameName(one.second.object.name, standard.name);
@@ -154,7 +154,7 @@ void CompactCatalog::giveNames() {
     }
 }
 
-// What the rows of the kept objects have otherwise than before.
+// Changes to the rows of the kept objects.
 void CompactCatalog::noteChanges() {
     const std::size_t id = columnOf(objectsTable_, u"Id"), parent = columnOf(objectsTable_, u"ParentId"),
                       name = columnOf(objectsTable_, u"Name"), type = columnOf(objectsTable_, u"Type"),
@@ -241,7 +241,7 @@ void CompactCatalog::addStandardObjects(Pager& target) {
         copyFresh(target, Catalog::ObjectsPage, standard.row, owner);
 }
 
-// The owner's security identifier, as this file stores it; empty if nothing says it.
+// The owner's security identifier as stored in this file; empty if nothing states it.
 Bytes CompactCatalog::administrator() const {
     for (const auto& [row, kept] : kept_)
         if (kept.object.kind == CatalogObject::DatabaseKind)
@@ -268,8 +268,8 @@ void CompactCatalog::copyFresh(Pager& target, PageNumber table, RowPointer row, 
     to.insert(added);
 }
 
-// Objects that have lost all their rights get those that they would have if they were new: standard ones
-// first, as the others inherit from them.
+// Objects that have lost all their rights get those of new ones: standard objects first, as the others
+// inherit from them.
 void CompactCatalog::addRights(Pager& target) {
     const Bytes owner = administrator();
     const Table rights(empty_, Catalog::PermissionsPage);

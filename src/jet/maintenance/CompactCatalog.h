@@ -1,6 +1,6 @@
-// The catalogue on its way into a new file: which objects go over, with which numbers and names, whose rights
-// go with them, and which relationships still hold. Of a sound file everything goes over, and only the tables
-// have new numbers.
+// Transfers the catalogue to a new file: decides which objects are kept, with which numbers and names, which
+// rights are kept with them, and which relationships still hold. From a sound file everything is kept, and
+// only the tables have new numbers.
 #pragma once
 
 #include "jet/maintenance/CompactRelationships.h"
@@ -10,29 +10,29 @@ namespace jet {
 
 class CompactCatalog {
 public:
-    // The catalogue's tables in the old file, and those of an empty database, whose objects no file is
-    // without. All outlive this.
+    // The catalogue's tables in the old file, and those of an empty database, whose objects every file has.
+    // All outlive this.
     CompactCatalog(const Table& objects, const Table& permissions, const Table& queries,
                    const Table& relationships, Pager& empty, const OnLoss& lost);
 
-    // The objects of the old file that can be read.
+    // The readable objects of the old file.
     const std::vector<CatalogObject>& objects() const { return objects_; }
-    // Whether something of them cannot, or there are fewer rows than the catalogue counts.
+    // Whether some of them are unreadable, or there are fewer rows than the catalogue counts.
     bool isDamaged() const { return damaged_ || objects_.size() < objectsTable_.definition().rowCount; }
 
-    // A table was copied; `definition`: the new one, whose relationships name pages of the old file. Tables
-    // that are not added are lost.
+    // Call after copying a table; `definition`: the new one, whose relationships name pages of the old file.
+    // Tables that are not added are lost.
     void add(const CatalogObject& object, TableDefinition definition);
-    // Decides on everything else when all tables were added. Before the system tables are copied.
+    // Decides on everything else. Call after all tables were added and before the system tables are copied.
     void settle();
-    // What becomes of the rows of a system table.
+    // The changes to the rows of a system table.
     RowChange changeOf(PageNumber systemTable);
-    // Completes the new file: relationships between tables, standard objects and rights that were lost.
-    // `rightsLost`: some were lost already when they were copied.
+    // Completes the new file: relationships between tables, and standard objects and rights that were lost.
+    // `rightsLost`: some were already lost during copying.
     void complete(Pager& target, bool rightsLost);
 
 private:
-    // An object that goes over.
+    // An object that is kept.
     struct Kept {
         CatalogObject object;                               // as it will be
         std::vector<std::pair<std::size_t, Value>> changes; // of the columns of its row
@@ -58,12 +58,12 @@ private:
     bool damaged_ = false;
     std::vector<CatalogObject> objects_;
     std::map<RowPointer, Kept> kept_;             // by their rows
-    std::vector<CatalogObject> missing_;          // standard objects that are made anew
-    std::map<std::int32_t, std::int32_t> newIds_; // of everything that is kept
+    std::vector<CatalogObject> missing_;          // standard objects that are recreated
+    std::map<std::int32_t, std::int32_t> newIds_; // of all kept objects
     CompactRelationships relationships_;
     std::set<std::int32_t> withRights_; // new Ids
     bool rightsLost_ = false;
-    Value id_; // of the row that is being changed
+    Value id_; // of the row being changed
 };
 
 } // namespace jet

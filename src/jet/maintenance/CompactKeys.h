@@ -1,6 +1,6 @@
-// The keys that rows have in the indexes of a new file. Most are made from the row. Texts with characters of
-// no known place, columns in another order, and numbers that are none have keys only in the old index: these
-// are looked up there, once it is known which are wanted.
+// The keys of rows in the indexes of a new file. Most are built from the row. Texts with characters of
+// unknown order, columns in another order, and NaN have keys only in the old index: these are looked up
+// there, once it is known which are needed.
 #pragma once
 
 #include "jet/index/KeyEncoding.h"
@@ -22,15 +22,15 @@ public:
 
     // Before each pass.
     void begin();
-    // Makes the key of a row, which lies at `at` in the old table and is read through `pager` as it is there
-    // or as it will be; what is damaged of it counts as null. False: it has no entry, or its key is missing
-    // yet.
+    // Builds the key of a row, which lies at `at` in the old table and is
+    // read through `pager` in its old or its new form; damaged columns
+    // count as null. False: it has no entry, or its key is still missing.
     bool make(Pager& pager, RowPointer at, const RowView& row, std::size_t index, Bytes& key);
-    // Whether keys were asked for that must be looked up.
+    // Whether requested keys must be looked up.
     bool areMissing() const;
     // Looks them up. An index that lacks one is left out of the new table: the numbers of indexes may change.
     void lookUpMissing();
-    // After the last pass: an index that demands values, but met rows without, gives that up.
+    // After the last pass: an index that requires values, but found rows without, drops that requirement.
     void relax();
 
 private:
@@ -38,9 +38,9 @@ private:
         std::size_t old = 0; // its number in the old table
         KeyEncoder encoder;
         bool orderKnown = true;
-        bool metNull = false;             // where it demands values
+        bool metNull = false;             // for an index that requires values
         std::map<RowPointer, Bytes> kept; // keys of the old index
-        std::set<RowPointer> missing;     // rows whose keys are to be looked up
+        std::set<RowPointer> missing;     // rows whose keys must be looked up
     };
     KeyKind makeOfValues(Pager& pager, const RowView& row, const Index& index, Bytes& key);
     void leaveOut(std::size_t index);

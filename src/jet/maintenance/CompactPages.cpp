@@ -57,14 +57,14 @@ public:
     }
 
 private:
-    // A table of the user on its way.
+    // A user table during its transfer.
     struct Moving {
         Table table;
-        std::optional<CatalogObject> object; // nothing: no row of the catalogue names it
+        std::optional<CatalogObject> object; // nothing: no catalogue row names it
         PageNumber to;
     };
 
-    // Their definitions get the pages that they have in every file.
+    // Their definitions have the same pages in every file.
     std::vector<Table> openSystemTables() {
         std::vector<Table> tables;
         for (const SystemTable& table : systemTables) {
@@ -75,7 +75,7 @@ private:
     }
 
     void openTables() {
-        std::vector<CatalogObject> astray; // that name no definition
+        std::vector<CatalogObject> astray; // those that name no definition
         for (const CatalogObject& object : catalog_.objects()) {
             const auto page = static_cast<PageNumber>(object.id);
             if (!object.isTable() || (isSystemTable(page) && taken_.insert(page).second))
@@ -107,7 +107,7 @@ private:
         constexpr std::uint8_t definitionType = 2;
         return page < source_.pageCount() && source_.read(page)[0] == definitionType;
     }
-    // An object of a damaged kind: only tables have numbers that are pages of a definition.
+    // An object of a damaged kind: only tables have definition pages as their numbers.
     bool seemsTable(const CatalogObject& object) {
         const auto page = static_cast<PageNumber>(object.id);
         return !object.isTable() && isDefinitionPage(page) && tables_.isDefinition(page) &&
@@ -119,8 +119,8 @@ private:
             moving_.push_back({std::move(*table), object, target_.allocate()});
     }
 
-    // Definitions that no object names: a single one belongs to the single object that is astray; others get
-    // names of their own.
+    // Definitions that no object names: a single one belongs to the single object without a definition;
+    // others get names of their own.
     void recover(std::vector<CatalogObject>& astray) {
         for (const Moving& moving : moving_) {
             const PageNumber page = moving.table.definition().page;
@@ -139,7 +139,7 @@ private:
         }
     }
 
-    // A table that was copied, or nothing of it.
+    // Copies a table completely or not at all.
     struct Copied {
         std::vector<Fault> losses;
         OnLoss lose = [this](const Fault& fault) { losses.push_back(fault); };

@@ -1,5 +1,5 @@
-// Compaction between pagers: all that can be read of the tables and objects of one database, made anew in
-// another.
+// Compaction between pagers: recreates all readable tables
+// and objects of one database in another.
 #pragma once
 
 #include "jet/base/Fault.h"
@@ -10,7 +10,7 @@
 namespace jet {
 
 struct CompactResult {
-    std::uint32_t tables = 0; // those of the system included
+    std::uint32_t tables = 0; // including system tables
     std::uint64_t rows = 0;
     std::uint64_t losses = 0;
 };
@@ -18,7 +18,7 @@ struct CompactResult {
 // Reports what could not be saved: a table, a row, or a column of one, with the page of the source.
 using OnLoss = std::function<void(const Fault&)>;
 
-// `target`: a NewFile or one like it, of which pages 0 and 1 are made.
+// `target`: a NewFile or similar, with pages 0 and 1 made.
 CompactResult CompactPages(Pager& source, Pager& target, const OnLoss& lost);
 
 } // namespace jet

@@ -8,8 +8,8 @@ namespace {
 
 using Role = LogicalIndex::Role;
 
-// Takes an index by name out of a table that is copied already, with its tree if no other uses that. One that
-// was not made for a relationship stays, for itself.
+// Removes an index by name from a table that is already copied, with its tree if no other index uses it. One
+// that was not made for a relationship stays as an independent index.
 void removeSide(Pager& target, TableDefinition& definition, std::size_t position) {
     auto& logical = definition.logicalIndexes;
     if (logical[position].kind != LogicalIndex::Kind::Foreign) {
@@ -48,7 +48,7 @@ bool CompactRelationships::hasColumn(const std::vector<CatalogObject>& objects, 
     });
 }
 
-// The index on the other side of a relationship, if the two name each other; null: they do not.
+// The index on the other side of a relationship, if the two name each other; null if not.
 const LogicalIndex* CompactRelationships::partnerOf(const Side& side, const LogicalIndex& index) const {
     for (const Side& other : sides_) {
         if (other.page != index.otherTable)
@@ -81,7 +81,7 @@ void CompactRelationships::settle(const Table& table, const std::vector<CatalogO
                        false});
 }
 
-// One of which no row can be found is kept as long as all rows can be read.
+// One without any row is kept if all rows are readable.
 bool CompactRelationships::holds(const std::u16string& name) const {
     return broken_.count(name) == 0 && (named_.count(name) != 0 || !damaged_);
 }
@@ -93,7 +93,7 @@ bool CompactRelationships::isBroken(const Side& side, const LogicalIndex& index)
 
 void CompactRelationships::write(Pager& target, const std::map<std::int32_t, std::int32_t>& newPages) {
     const auto isRelated = [](const LogicalIndex& index) { return index.role != Role::None; };
-    std::vector<std::vector<std::size_t>> broken; // all are looked at before the first is changed
+    std::vector<std::vector<std::size_t>> broken; // all are examined before the first is changed
     for (const Side& side : sides_) {
         auto& of = broken.emplace_back();
         const auto& indexes = side.definition.logicalIndexes;

@@ -1,6 +1,6 @@
-// Relationships between the tables that go into a new file. One holds if all its tables and columns are
-// there, and, where the engine enforces it, if the indexes of its two sides name each other. Of one that does
-// not hold any more nothing stays behind.
+// Relationships between the tables of a new file. One holds if all its tables and columns exist and, if the
+// engine enforces it, the indexes of its two sides name each other. One that no longer holds is removed
+// completely.
 #pragma once
 
 #include "jet/maintenance/CompactPages.h"
@@ -16,16 +16,16 @@ public:
     explicit CompactRelationships(const OnLoss& lost)
         : lost_(lost) {}
 
-    // A table that was copied. `page`: of its definition in the old file, by which the relationships of
+    // Adds a copied table. `page`: of its definition in the old file, by which the relationships of
     // `definition`, the new one, still name the tables.
     void add(PageNumber page, std::u16string name, TableDefinition definition);
-    // Finds out which hold, when all tables were added. `table`: MSysRelationships; `objects`: of the old
-    // file.
+    // Determines which ones hold, after all tables were added. `table`: MSysRelationships; `objects`: of the
+    // old file.
     void settle(const Table& table, const std::vector<CatalogObject>& objects);
     // Whether the relationship of this name is kept.
     bool holds(const std::u16string& name) const;
-    // Writes the definitions with the tables' new pages, by those that they had, and without sides that are
-    // left.
+    // Writes the definitions with the tables' new pages in
+    // place of the old ones, and without removed sides.
     void write(Pager& target, const std::map<std::int32_t, std::int32_t>& newPages);
 
 private:
@@ -43,7 +43,7 @@ private:
     std::vector<Side> sides_;
     std::set<std::u16string> named_;  // by rows
     std::set<std::u16string> broken_; // that do not hold
-    bool damaged_ = false;            // some rows cannot be read
+    bool damaged_ = false;            // some rows are unreadable
 };
 
 } // namespace jet

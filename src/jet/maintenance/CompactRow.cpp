@@ -39,7 +39,7 @@ void RowCopier::begin() {
     }
 }
 
-// False: the row stays behind.
+// False: the row is left out.
 bool RowCopier::take(RowPointer at, const RowView& row) {
     row_.assign(row.all().begin(), row.all().end());
     copy_.moveTo(row_, row.page(), definition_.variableColumns > 0);
@@ -54,7 +54,7 @@ const RowView* RowCopier::preview(RowPointer at, const RowView& row) {
         return &row;
     if (!take(at, row))
         return nullptr;
-    // What is damaged stays as it is: who makes a key of it finds that out.
+    // Damage stays as it is: building a key from it will detect it.
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         const auto none = [&](PageNumber, const Error&) { fields_[i] = {}; };
         if (fields_[i].stored != nullptr)
@@ -80,7 +80,7 @@ std::optional<std::span<const std::uint8_t>> RowCopier::copy(RowPointer at, cons
     return std::nullopt;
 }
 
-// Builds the row of what it has of each column. False: it is too long.
+// Builds the row from its fields. False: it is too long.
 bool RowCopier::encode() {
     try {
         encoder_.encode(fields_, {}, encoded_);
@@ -92,7 +92,7 @@ bool RowCopier::encode() {
     }
 }
 
-// Checks the columns and moves the long values; what is damaged is not of the row any more.
+// Checks the columns and moves the long values; drops damaged ones from the row.
 void RowCopier::checkColumns(RowPointer at) {
     const auto guard = [&](std::size_t index, auto step) {
         const auto lost = [&](PageNumber, const Error& error) {
@@ -113,7 +113,7 @@ void RowCopier::checkColumns(RowPointer at) {
         guard(one.column, [&] { one.store != nullptr ? moveLongValue(one) : checkColumn(one.column); });
 }
 
-// Throws ReadVerification if the column's bytes are no value of its kind.
+// Throws ReadVerification if the column's bytes are not a value of its kind.
 void RowCopier::checkColumn(std::size_t index) {
     const Column& column = definition_.columns[index];
     const auto bytes = copy_.bytes(column);
@@ -135,7 +135,7 @@ void RowCopier::checkColumn(std::size_t index) {
     longest_[index] = std::max(longest_[index], length);
 }
 
-// Reads a value of which no piece belongs to another one.
+// Reads a value none of whose pieces belongs to another one.
 void RowCopier::readLongValue(Watched& watched, std::span<const std::uint8_t> definition) {
     LongValueReader reader(source_, definition, copy_.page());
     longValue_.clear();
@@ -148,8 +148,8 @@ void RowCopier::readLongValue(Watched& watched, std::span<const std::uint8_t> de
     }
 }
 
-// Stores a long value in the new file and puts its new definition into the copy of the row, where it is as
-// long as the old one was.
+// Stores a long value in the new file and puts its new definition, which has the old one's length, into the
+// copy of the row.
 void RowCopier::moveLongValue(Watched& watched) {
     const Column& column = definition_.columns[watched.column];
     const auto definition = copy_.bytes(column);
@@ -173,7 +173,7 @@ void RowCopier::moveLongValue(Watched& watched) {
     moved_.push_back(&watched);
 }
 
-// Removes the long values of a row that is not stored after all.
+// Removes the long values of a row that is finally not stored.
 void RowCopier::takeBack() {
     for (const Watched* one : moved_)
         one->store->remove(copy_.bytes(definition_.columns[one->column]), copy_.page());

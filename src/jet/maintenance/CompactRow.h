@@ -1,5 +1,5 @@
-// The rows of one table on their way into a new file: what can be read of each, with its long values stored
-// anew.
+// Transfers the rows of one table to a new file: the readable part of each, with its long values stored
+// again.
 #pragma once
 
 #include "jet/base/RowSet.h"
@@ -11,8 +11,8 @@
 
 namespace jet {
 
-// Decides on a row of a system table: false leaves it behind. `fields` is what the new row has of each
-// column; it may be pointed to other values, which must live until the table is copied.
+// Decides on a row of a system table: false leaves it out. `fields` holds the new row's value for each
+// column; it may be redirected to other values, which must live until the table is copied.
 using RowChange = std::function<bool(RowPointer at, const RowView& row, std::span<RowEncoder::Field> fields)>;
 
 class RowCopier {
@@ -21,18 +21,18 @@ public:
     RowCopier(Pager& source, Pager& target, TableDefinition& definition, const RowChange& change,
               TableLosses& losses);
 
-    // Before each pass: nothing of an earlier one is there any more.
+    // Before each pass: discards the state of an earlier one.
     void begin();
-    // The row as it will be but for the places of its long values, until the next call; null: it stays
-    // behind.
+    // The final row except for the places of its long values, valid until the next call; null: it is left
+    // out.
     const RowView* preview(RowPointer at, const RowView& row);
-    // The bytes of the new row, whose long values are stored; nothing: it stays behind. Until the next call.
+    // The bytes of the new row, with stored long values; nothing: left out. Valid until the next call.
     std::optional<std::span<const std::uint8_t>> copy(RowPointer at, const RowView& row);
-    // After the last pass: texts that are longer than their column make it longer.
+    // After the last pass: lengthens columns that are shorter than their texts.
     void fitColumns();
 
 private:
-    // Columns whose bytes are looked at one by one: all but the fixed numbers of rows that are long enough.
+    // Columns whose bytes are checked one by one: all except the fixed numbers of rows that are long enough.
     struct Watched {
         std::size_t column;
         std::unique_ptr<LongValueStore> store; // of a long one
@@ -54,16 +54,16 @@ private:
     TableLosses& losses_;
     RowEncoder encoder_;
     int fixedLength_;
-    bool hasGaps_; // columns were dropped: their data stays behind
+    bool hasGaps_; // columns were dropped: their data is left out
     std::vector<Watched> watched_;
     std::vector<std::size_t> longest_; // bytes of the longest text or binary value, by column
 
     // Of the row that is being copied.
     Bytes row_;
     RowView copy_;                          // of row_
-    std::vector<RowEncoder::Field> fields_; // what the new row has of each column: all of copy_, as a rule
+    std::vector<RowEncoder::Field> fields_; // the new row's value for each column: usually all of copy_
     bool altered_ = false;                  // not all of it
-    std::vector<const Watched*> moved_;     // whose long values are stored already
+    std::vector<const Watched*> moved_;     // those whose long values are already stored
     Bytes encoded_;
     RowView changed_; // of encoded_
     Bytes longValue_;

@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-constexpr std::uint8_t LastSlot = 254; // a walk from there goes to the next page
+constexpr std::uint8_t LastSlot = 254; // stepping on from there goes to the next page
 
 } // namespace
 
@@ -69,7 +69,7 @@ std::uint64_t TableCompaction::run() {
     return count_;
 }
 
-// Copies the rows and makes the indexes. False: keys must be looked up, or a damaged file holds the same key
+// Copies the rows and builds the indexes. False: keys must be looked up, or a damaged file has the same key
 // twice in a unique index.
 bool TableCompaction::copy() {
     begin();
@@ -84,7 +84,7 @@ bool TableCompaction::copy() {
     return !keys_.areMissing() && distinct_ && buildIndexes();
 }
 
-// The primary key gives the rows their order.
+// Rows are ordered by the primary key.
 void TableCompaction::chooseOrder() {
     const LogicalIndex* primary = definition_.primaryKey();
     const bool ordered = primary != nullptr && !definition_.realIndexes[primary->real].ignoresNulls();
@@ -123,13 +123,13 @@ void TableCompaction::discard() {
     }
 }
 
-// Makes the key that a row of the source will have in an index. False: none.
+// Builds the key that a row of the source will have in an index. False: none.
 bool TableCompaction::makeNewKey(RowPointer at, const RowView& row, std::size_t index) {
     const RowView* made = rows_.preview(at, row);
     return made != nullptr && keys_.make(source_, at, *made, index, key_);
 }
 
-// Puts the keys that the rows of the source will have, with their places there, into order.
+// Sorts the keys that the rows of the source will have, with their places there.
 void TableCompaction::sortRows(std::size_t index, ExternalSort& entries) {
     walk([&](RowPointer at, const RowView& row) {
         if ((left_.empty() || left_.count(at) == 0) && makeNewKey(at, row, index))
@@ -145,8 +145,8 @@ void TableCompaction::walk(Visit visit) {
     });
 }
 
-// One of the rows with equal keys must go for the other to keep its unique index: the first one stays. False:
-// there are none to be found.
+// Of two rows with equal keys one must go for the unique index to stay: the first one is kept. False: no such
+// rows were found.
 bool TableCompaction::findDuplicates() {
     const std::size_t before = left_.size();
     for (std::size_t i = 0; i < keys_.count(); ++i) {
@@ -168,7 +168,7 @@ bool TableCompaction::findDuplicates() {
     return left_.size() > before;
 }
 
-// Rows that are different where they lie, but not as far as they can be copied.
+// Rows that differ where they are stored, but not in the part that can be copied.
 void TableCompaction::giveUpUniqueness() {
     RealIndex& index = definition_.realIndexes[repeated_];
     losses_.ofTable("has rows with the same key in " + definition_.nameOfIndex(repeated_) +
@@ -176,7 +176,7 @@ void TableCompaction::giveUpUniqueness() {
     index.flags &= static_cast<std::uint8_t>(~RealIndex::Unique);
 }
 
-// Whether the rows seem to lie in their order already, as far as some of them tell.
+// Whether a sample suggests that the rows are already in order.
 bool TableCompaction::liesInOrder() {
     constexpr PageNumber Samples = 64;
     Bytes before;
@@ -199,8 +199,8 @@ bool TableCompaction::liesInOrder() {
     return true;
 }
 
-// Copies the rows in one walk, without sorting their keys. False: one did not lie in its order, and all is to
-// be done again.
+// Copies the rows in one walk, without sorting their keys. False: one was out of order, and everything must
+// be redone.
 bool TableCompaction::copyWhileInOrder() {
     constexpr std::size_t MostHeld = 1000;
     const auto order = static_cast<std::size_t>(order_);
@@ -245,7 +245,7 @@ void TableCompaction::copyAsTheyLie() {
     });
 }
 
-// False: the row stays behind.
+// False: the row is left out.
 bool TableCompaction::copyRow(RowPointer at, const RowView& row, RowPointer& stored) {
     const auto bytes = rows_.copy(at, row);
     if (!bytes)
@@ -256,7 +256,7 @@ bool TableCompaction::copyRow(RowPointer at, const RowView& row, RowPointer& sto
     return true;
 }
 
-// Keeps the keys of a new row for the indexes that are made when all rows are there.
+// Keeps the keys of a new row for the indexes that are built after all rows.
 void TableCompaction::addKeys(RowPointer at, std::span<const std::uint8_t> bytes, RowPointer stored) {
     if (trees_.size() == (order_ < 0 ? 0 : 1))
         return;
@@ -283,7 +283,7 @@ void TableCompaction::flushPage() {
     UsageMap free(target_, definition_.freeMap);
     const PageNumber before = free.next(0);
     if (before != 0)
-        free.remove(before); // it was full when this one was begun
+        free.remove(before); // it was full when this one began
     free.add(page_.number);
 }
 

@@ -1,4 +1,4 @@
-// One table on its way into a new file.
+// Transfers one table to a new file.
 #pragma once
 
 #include "jet/index/ExternalSort.h"
@@ -8,12 +8,12 @@
 
 namespace jet {
 
-// Rows for usage maps, on pages that all tables share.
+// Rows for usage maps, on pages shared by all tables.
 class MapPages {
 public:
     explicit MapPages(Pager& pager)
         : pager_(pager) {}
-    // Takes a page for the maps to come.
+    // Allocates a page for future maps.
     void reserve();
     // An empty map.
     RowPointer add();
@@ -25,23 +25,23 @@ private:
 
 class TableCompaction {
 public:
-    // Bytes of memory that the keys of one table take while they are sorted.
+    // Bytes of memory for sorting the keys of one table.
     static constexpr std::size_t SortMemory = std::size_t{64} << 20;
 
-    // `to`: the page that the definition gets. `lost` gets what could not be saved. `change`: of a system
-    // table, else empty. All arguments outlive this.
+    // `to`: the page for the definition. `lost` gets what could not be saved. `change`: for a system table,
+    // else empty. All arguments outlive this.
     TableCompaction(Pager& source, const Table& from, Pager& target, PageNumber to, MapPages& maps,
                     const RowChange& change, const OnLoss& lost);
 
-    // Copies everything. Gives the number of rows.
+    // Copies everything. Returns the number of rows.
     std::uint64_t run();
-    // Takes back everything but the definition's page and the maps.
+    // Removes everything except the definition's page and the maps.
     void discard();
-    // Of the new table, when it was copied.
+    // Of the new table, after copying.
     const TableDefinition& definition() const { return definition_; }
 
 private:
-    // A page of rows being filled.
+    // A page being filled with rows.
     struct Page {
         PageNumber number = 0;
         std::uint8_t bytes[PageSize];
@@ -83,8 +83,8 @@ private:
     RowCopier rows_;
 
     std::vector<Tree> trees_;   // of each index
-    int order_ = -1;            // the index whose order the rows get; -1: none
-    std::set<RowPointer> left_; // rows that do not go over
+    int order_ = -1;            // the index that orders the rows; -1: none
+    std::set<RowPointer> left_; // rows that are left out
     bool distinct_ = true;      // no unique index got the same key twice
     std::size_t repeated_ = 0;  // otherwise: the last one that did
     Page page_;

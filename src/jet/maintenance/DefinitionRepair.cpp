@@ -34,11 +34,11 @@ public:
         for (Column& column : definition_.columns)
             if ((column.type == ColumnType::Text || column.type == ColumnType::Binary) && !column.isFixed() &&
                 (column.size == 0 || column.size > LongestValue))
-                column.size = LongestValue; // as much as any of them can hold
+                column.size = LongestValue; // the most that any of them can hold
     }
 
 private:
-    // A count that several columns are beyond is wrong itself; one that one column is beyond is right.
+    // A count that several columns exceed is wrong itself; one that a single column exceeds is right.
     template<typename NumberOf>
     void repairCount(std::uint16_t& count, NumberOf numberOf) {
         int highest = -1;
@@ -52,7 +52,7 @@ private:
             count = static_cast<std::uint16_t>(highest + 1);
     }
 
-    // A single column that leaves a gap is broken, too, though no other has its place.
+    // A single column that leaves a gap is also broken, even if no other has its place.
     bool isSound() {
         const auto& columns = definition_.columns;
         for (auto one = columns.begin(); one != columns.end(); ++one)
@@ -75,7 +75,7 @@ private:
         return columns;
     }
 
-    // Calls `visit(column, fixed offset, variable index)` with the place that each column has by its kind.
+    // Calls `visit(column, fixed offset, variable index)` with the place of each column by its kind.
     template<typename Visit>
     static void forEachPlace(const std::vector<Column*>& columns, Visit visit) {
         int offset = 0;
@@ -92,7 +92,7 @@ private:
         return column.isFixed() ? column.type == ColumnType::Boolean || column.fixedOffset == offset
                                 : column.variableIndex == variable;
     }
-    // How many columns lie elsewhere than their kinds say; -1: they are not numbered 0, 1, 2, ...
+    // How many columns are not at the places of their kinds; -1: they are not numbered 0, 1, 2, ...
     int misplaced() {
         const std::vector<Column*> columns = numbered();
         int count = columns.empty() ? -1 : 0;
@@ -102,7 +102,7 @@ private:
         return count;
     }
 
-    // One broken number or place of a table from which no column was dropped.
+    // Repairs one wrong number or place in a table from which no column was dropped.
     void repairPlaces() {
         if (definition_.columns.size() != definition_.columnNumbers)
             return;
@@ -200,7 +200,7 @@ void RepairDefinition(TableDefinition& definition, const std::function<void(cons
 
 std::u16string NamesBeside::next(std::u16string_view name,
                                  const std::function<bool(std::u16string_view)>& isTaken) {
-    constexpr std::size_t longest = 55; // of 64, which a name can be
+    constexpr std::size_t longest = 55; // of 64, the limit of a name
     for (;;) {
         std::u16string other(name.substr(0, longest));
         other += ToUtf16(' ' + std::to_string(++number_));

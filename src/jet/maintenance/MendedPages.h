@@ -1,5 +1,5 @@
-// The pages of a damaged database for compaction: one whose number of rows is damaged, and nothing else of
-// it, reads as it was. Its free space tells the number, so that no row is lost for the sake of two bytes.
+// The pages of a damaged database for compaction: a page on which only the number of rows is damaged reads as
+// it was. Its free space determines the number, so that no row is lost because of two bytes.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -13,7 +13,7 @@ namespace jet {
 
 class MendedPages final : public Pager {
 public:
-    // `source` outlives this. Its pages do not change meanwhile.
+    // `source` outlives this. Its pages must not change meanwhile.
     explicit MendedPages(Pager& source)
         : source_(source)
         , looked_(source.pageCount()) {}

@@ -1,4 +1,4 @@
-// What the integrity check remembers while it runs: whose each page is, and which rows were met.
+// The memory of an integrity check: who owns each page, and which rows were visited.
 #pragma once
 
 #include "jet/base/Fault.h"
@@ -9,21 +9,21 @@
 
 namespace jet {
 
-// Takes faults and counts them.
+// Receives faults and counts them.
 class FaultSink {
 public:
     explicit FaultSink(const std::function<void(const Fault&)>& report)
         : report_(report) {}
-    // Whose pages and rows are looked at from now on.
+    // The table whose pages and rows are checked from now on.
     void setTable(std::u16string table) { table_ = std::move(table); }
     const std::u16string& table() const { return table_; }
     void fault(PageNumber page, const std::string& reason) { give({page, table_, reason, false}); }
     void remark(PageNumber page, const std::string& reason) { give({page, table_, reason, true}); }
-    // Damage that a reader met: `page` is where it was looking.
+    // Damage that a reader found: `page` is where it was reading.
     void damage(PageNumber page, const Error& error);
     std::uint64_t count() const { return count_; }
 
-    // Runs `step` and turns damage that it meets into a fault. False: there was some.
+    // Runs `step` and turns damage that it finds into a fault. False: there was some.
     template<typename Step>
     bool guard(PageNumber page, Step step) {
         try {
@@ -57,10 +57,10 @@ public:
         , owners_(pages, Nobody) {}
 
     PageNumber pages() const { return static_cast<PageNumber>(owners_.size()); }
-    // A new owner, of the table that is looked at. `shared`: its pages may be claimed again by owners of the
-    // same name (usage maps of several tables lie on one page).
+    // A new owner, of the table being checked. `shared`: owners of the same name may claim its pages again
+    // (usage maps of several tables lie on one page).
     Owner add(const std::string& name, bool shared = false);
-    // Notes that a page is this owner's. False, and a fault: it lies beyond the end or is another's.
+    // Claims a page for this owner. False, and a fault: it lies beyond the end or belongs to another.
     bool claim(PageNumber page, Owner owner);
     bool isOwn(PageNumber page, Owner owner) const { return page < pages() && owners_[page] == owner; }
     bool isClaimed(PageNumber page) const { return owners_[page] != Nobody; }

@@ -1,4 +1,4 @@
-// What a compaction could not save of one table.
+// What a compaction could not save from one table.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -10,10 +10,10 @@
 
 namespace jet {
 
-// Rows may be read and copied more than once until the table is as it shall be; each loss is told once.
+// Rows may be read and copied more than once until the table is final; each loss is reported once.
 class TableLosses {
 public:
-    // `page`: what is lost of the table as a whole is told of this one. `lost` outlives this.
+    // `page`: losses of the table as a whole are reported with this one. `lost` outlives this.
     TableLosses(PageNumber page, std::u16string table, const OnLoss& lost)
         : page_(page)
         , table_(std::move(table))
@@ -22,7 +22,7 @@ public:
     void ofTable(const std::string& reason) { add(page_, reason); }
     void ofPage(PageNumber page, const std::string& reason) { add(page, reason); }
 
-    // Keeps losses back until it is known whether this pass is the last one; release() tells them or forgets
+    // Holds losses back until it is known whether this pass is the last one; release() reports or discards
     // them.
     void hold() { holding_ = true; }
     std::size_t held() const { return held_.size(); }
@@ -49,7 +49,7 @@ private:
     bool holding_ = false;
 };
 
-// How a row is named where it lies: "row 7".
+// The name of a row by its place: "row 7".
 inline std::string RowText(RowPointer at) {
     return "row " + std::to_string(at.row);
 }

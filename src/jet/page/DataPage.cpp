@@ -22,7 +22,7 @@ void setSlot(std::uint8_t* page, int row, int offset, std::uint16_t flags) {
     Store16(slotAt(page, row), static_cast<std::uint32_t>(offset) | flags);
 }
 
-// The first slot whose row lies where it cannot; -1: there is none. With too many slots none can be trusted.
+// The first slot with an impossible offset; -1: none. If there are too many slots none can be trusted.
 int firstMisplaced(const std::uint8_t* page) {
     const int slots = ClaimedSlots(page);
     if (slots > MaximumSlots)
@@ -72,7 +72,7 @@ int SlotsByFreeSpace(const std::uint8_t* page) {
     const int claimed = ClaimedSlots(page), free = Load16(page + FreeField);
     int end = static_cast<int>(PageSize);
     for (int slots = 0; end >= HeadLength + 2 * slots; ++slots) {
-        // The free bytes may be what is damaged: no row is given up for them that lies where it can.
+        // The free bytes may be what is damaged: a row at a possible offset is not sacrificed for them.
         if (end - HeadLength - 2 * slots == free && (slots >= claimed || firstMisplaced(page) >= 0))
             return slots;
         const int offset = offsetOf(page, slots);

@@ -30,11 +30,11 @@ constexpr std::size_t BuildAt = 0x6A;
 constexpr std::size_t LanguageAt = 0x6E;
 constexpr std::size_t SortVersionAt = 0x71;
 constexpr std::size_t CreatedAt = 0x72;
-// Behind it.
+// After it.
 constexpr std::size_t ConstantAt = 0x98; // 1620, then the text "4.0"
 constexpr std::size_t CommitsAt = 0xE00;
 
-// The same of Jet 3.
+// The same for Jet 3.
 constexpr std::size_t Jet3PageSize = 2048;
 constexpr std::size_t Jet3MaskedLength = 126;
 constexpr std::size_t Jet3LanguageAt = 0x3A;
@@ -43,7 +43,7 @@ constexpr std::size_t Jet3CommitsAt = 0x600;
 
 constexpr std::size_t CommitPairs = 256;
 
-// Hides the password: the whole days of the creation date, over and over.
+// The mask of the password: the whole days of the creation date, repeated.
 void maskPassword(std::uint8_t* password, double created) {
     const bool sane = created > -2147483648.0 && created < 2147483648.0;
     const auto days = static_cast<std::uint32_t>(sane ? static_cast<std::int32_t>(created) : 0);
@@ -51,7 +51,7 @@ void maskPassword(std::uint8_t* password, double created) {
         password[i] = static_cast<std::uint8_t>(password[i] ^ days >> i % 4 * 8);
 }
 
-// Each pair counts a user's writes, in 16 bits from 0100h up; it is below that while a write is not finished.
+// Each pair counts a user's writes, in 16 bits from 0100h up; it is below that during a write.
 bool clean(const std::uint8_t* commits) {
     constexpr std::uint16_t leastCount = 0x0100;
     for (std::size_t pair = 0; pair < CommitPairs; ++pair)

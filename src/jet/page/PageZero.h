@@ -1,5 +1,5 @@
-// The first page of a database file: what kind of file it is, its order and code page, its password, where
-// the catalogue begins, and the commit bytes of its users.
+// The first page of a database file: its format, its sort order and code page, its password, where the
+// catalogue begins, and the commit bytes of its users.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -39,22 +39,22 @@ struct PageZero {
     std::uint32_t build = 0x261C;
     std::uint8_t sortVersion = 0; // 0: General, the order known here
     Date created;
-    // Both versions.
+    // In both versions.
     std::uint16_t codePage = 1252;
     std::uint16_t language = 0x0409;
     std::uint32_t databaseKey = 0; // not 0: pages are encrypted with it
     std::u16string password;
-    // Whether each pair of commit bytes says that no writer died.
+    // Whether all pairs of commit bytes show that no writer died.
     bool cleanlyClosed = true;
 
     bool hasKnownOrder() const { return language == 0x0409 && sortVersion == 0; }
 };
 
-// Reads the first page of a file (Jet 3: its first 2048 bytes). Throws Unrecognised if this is no database of
-// a known version.
+// Reads the first page of a file (Jet 3: its first 2048 bytes). Throws Unrecognised if this is not a database
+// of a known version.
 PageZero DecodePageZero(std::span<const std::uint8_t> page);
 
-// A whole first page of a new Jet 4 file, PageSize bytes, with commit bytes that were never used.
+// A complete first page of a new Jet 4 file, PageSize bytes, with unused commit bytes.
 void EncodePageZero(const PageZero& header, std::span<std::uint8_t> page);
 
 // Decodes an encrypted page n > 0 in place, or encodes it.

@@ -7,8 +7,8 @@ namespace jet {
 
 namespace {
 
-constexpr int WorthOffering = 128; // a page with less room is not looked at for rows
-constexpr int Candidates = 4;      // pages looked at for room before a new one is taken
+constexpr int WorthOffering = 128; // pages with less room are not tried
+constexpr int Candidates = 4;      // pages tried before a new one is allocated
 
 } // namespace
 
@@ -22,7 +22,7 @@ RowPointer RowSpace::put(std::span<const std::uint8_t> row, std::uint16_t flags)
     const int length = static_cast<int>(row.size());
     PageNumber page = roomy_;
     if (page == 0 || page >= pager_->pageCount() || !fits(page, length)) {
-        // Others are tried in turn, so that not the same few are looked at again and again.
+        // Others are tried in turn, so that the search does not always try the same few.
         PageNumber candidate = free_.next(page + 1);
         page = 0;
         for (int tried = 0; tried < Candidates; ++tried) {

@@ -1,5 +1,5 @@
-// Where the rows of one owner go: a table's rows, or the long values of one column. Finds a page with room,
-// takes new pages and gives empty ones back, and keeps the owner's two maps.
+// Decides where the rows of one owner go: a table's rows, or the long values of one column. Finds a page with
+// room, allocates new pages and frees empty ones, and keeps the owner's two maps.
 #pragma once
 
 #include "jet/page/UsageMap.h"
@@ -10,8 +10,8 @@ namespace jet {
 
 class RowSpace {
 public:
-    // `owner`: what the pages carry in their heads, a definition page or datapage::LongValueOwner. Remembers
-    // nothing but the page that had room last, which it checks before it is used.
+    // `owner`: the owner in the heads of the pages, a definition page or datapage::LongValueOwner. Remembers
+    // only the page that had room last, and checks it before use.
     RowSpace(Pager& pager, std::uint32_t owner, RowPointer ownedMap, RowPointer freeMap)
         : pager_(&pager)
         , owner_(owner)
@@ -21,12 +21,12 @@ public:
     // Stores a row on some page. `flags`: of its slot (DataPage.h). Cost: the page that had room last, or up
     // to four others; then a new one.
     RowPointer put(std::span<const std::uint8_t> row, std::uint16_t flags);
-    // A new, empty page of the owner, which is not offered to others' rows.
+    // A new, empty page of the owner, which is not offered for other rows.
     PageNumber newPage();
-    // Removes a row. The page is freed when it was the last one. Throws ReadVerification if the page is not
-    // the owner's.
+    // Removes a row. Frees the page if it was the last one. Throws ReadVerification if the page does not
+    // belong to the owner.
     void remove(RowPointer at);
-    // Offers a page with enough room for rows to come.
+    // Offers a page with enough room for future rows.
     void noteRoom(PageNumber page);
 
 private:

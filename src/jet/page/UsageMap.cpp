@@ -19,7 +19,7 @@ constexpr std::uint8_t BitmapType = 5;
 constexpr PageNumber BitmapHead = 4;
 constexpr PageNumber PagesPerBitmap = (PageSize - BitmapHead) * 8;
 
-// A stretch of bits in memory: bit i stands for page first + i.
+// A range of bits in memory: bit i stands for page first + i.
 struct Bits {
     const std::uint8_t* at = nullptr;
     PageNumber first = 0;
@@ -29,7 +29,7 @@ struct Bits {
         return page >= first && page - first < count &&
                (at[(page - first) / 8] >> (page - first) % 8 & 1) != 0;
     }
-    // The lowest set bit's page that is not below `from`; 0: none.
+    // The lowest page with a set bit, from `from` on; 0: none.
     PageNumber next(PageNumber from) const {
         from = std::max(from, PageNumber{1}); // page 0 is in no map
         PageNumber bit = from > first ? from - first : 0;
@@ -45,7 +45,7 @@ struct Bits {
         }
         return 0;
     }
-    // The highest set bit's page that is below `before`; 0: none.
+    // The highest page with a set bit below `before`; 0: none.
     PageNumber previous(PageNumber before) const {
         PageNumber bit = before > first ? std::min(before - first, count) : 0;
         while (bit > 0) {
@@ -59,7 +59,7 @@ struct Bits {
     }
 };
 
-// A map's row as it lies on its page.
+// A map's row on its page.
 struct MapRow {
     const std::uint8_t* at = nullptr;
     int length = 0;
@@ -81,7 +81,7 @@ MapRow readRow(Pager& pager, RowPointer row) {
     if (slot.hidden || slot.pointer || slot.length < InlineHead || page[slot.offset] > ByReference)
         Damaged(row.page, "row " + std::to_string(row.row) + " is no usage map");
     const MapRow map{page + slot.offset, slot.length, slot.offset};
-    // So no page that a bit stands for is beyond what a page number holds.
+    // So no bit stands for a page above the highest page number.
     if (map.isInline() && map.bits().first > MaximumPages)
         Damaged(row.page, "row " + std::to_string(row.row) + " is the usage map of pages that no file has");
     return map;
@@ -97,7 +97,7 @@ Bits readBitmap(Pager& pager, const MapRow& row, PageNumber index) {
     return {page + BitmapHead, index * PagesPerBitmap, PagesPerBitmap};
 }
 
-// The stretch of the map that holds the bit of `page`; empty if the map does not reach it.
+// The range of the map that holds the bit of `page`; empty if the map does not reach it.
 Bits stretchOf(Pager& pager, const MapRow& row, PageNumber page) {
     if (row.isInline())
         return row.bits();
@@ -105,7 +105,7 @@ Bits stretchOf(Pager& pager, const MapRow& row, PageNumber page) {
     return index < row.entries() ? readBitmap(pager, row, index) : Bits{};
 }
 
-// Calls `visit(Bits)` for each stretch that may have set bits, lowest first, until it gives a page.
+// Calls `visit(Bits)` for each range that may have set bits, lowest first, until it returns a page.
 template<typename Visit>
 PageNumber firstOf(Pager& pager, RowPointer row, PageNumber from, Visit visit) {
     const MapRow map = readRow(pager, row);
@@ -130,7 +130,7 @@ void writeBit(Pager& pager, RowPointer row, PageNumber page, bool value) {
         setBit(pager.edit(row.page) + map.offset + InlineHead, bit, value);
     } else {
         const PageNumber index = page / PagesPerBitmap;
-        readBitmap(pager, map, index); // throws if it is none
+        readBitmap(pager, map, index); // throws if it is not one
         setBit(pager.edit(map.entry(index)) + BitmapHead, page % PagesPerBitmap, value);
     }
 }
@@ -286,11 +286,11 @@ void FreeMap::release(PageNumber page) {
     MapRow map = readRow(*pager_, row_);
     const PageNumber index = page / PagesPerBitmap;
     if (map.isInline() && page - map.bits().first >= map.bits().count)
-        return; // a file made elsewhere whose map is too short: the page is found by compaction
+        return; // another engine's file whose map is too short: compaction will reclaim the page
     if (!map.isInline() && index >= map.entries())
         throw Error(ErrorNumber::FileTooLarge);
     if (!map.isInline() && map.entry(index) == 0) {
-        // No page of this stretch was ever free, so it has no bitmap: this page becomes it.
+        // No page of this range was ever free, so it has no bitmap: this page becomes it.
         formatBitmap(pager_->edit(page), 0);
         setEntry(*pager_, row_, index, page);
         return;
@@ -299,8 +299,8 @@ void FreeMap::release(PageNumber page) {
 }
 
 void FreeMap::markUsed(PageNumber page, const std::function<PageNumber()>& append) {
-    // Pages that lie beyond what the map covers are free; when it is lengthened, those that are in the file
-    // already have been given away before and stay so.
+    // Pages beyond the end of the map count as free; when it is lengthened, those already in the file are in
+    // use and stay so.
     const auto clearInFile = [this](std::uint8_t* bits, PageNumber first, PageNumber from, PageNumber count) {
         const PageNumber end = std::min(pager_->pageCount(), first + count);
         for (PageNumber one = std::max(first, from); one < end; ++one)

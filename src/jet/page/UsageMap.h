@@ -1,5 +1,5 @@
-// Sets of pages kept in the file: which pages a table, an index or a long-value column owns, which of them
-// have room, and which pages of the file are free. A map is one row on a data page, either a bitmap by itself
+// Sets of pages stored in the file: which pages a table, an index or a long-value column owns, which of them
+// have room, and which pages of the file are free. A map is one row on a data page, either a bitmap itself
 // (inline) or a list of bitmap pages (by reference).
 #pragma once
 
@@ -15,8 +15,8 @@ namespace jet {
 inline constexpr int UsageMapRowLength = 69;
 
 // The map of a table, an index or a column. Holds no state of its own: each call works on the map's pages, so
-// several objects on one map and a rollback of the pager do no harm. Every call throws ReadVerification when
-// the row is no map.
+// several objects on one map and a rollback of the pager are harmless. Every call throws ReadVerification if
+// the row is not a map.
 class UsageMap {
 public:
     UsageMap(Pager& pager, RowPointer row)
@@ -25,22 +25,22 @@ public:
 
     RowPointer row() const { return row_; }
     bool contains(PageNumber page) const;
-    // Adds a page; nothing happens if it is there. A map that cannot reach the page is moved or turned into
-    // one by reference, for which pages are allocated.
+    // Adds a page; does nothing if it is already there. A map that cannot reach the page is moved or
+    // converted to one by reference, for which pages are allocated.
     void add(PageNumber page);
     void remove(PageNumber page);
-    // The lowest page of the map that is not below `from`; 0 if there is none. Pages of a scan: next(0), then
-    // next(page + 1).
+    // The lowest page of the map from `from` on; 0 if there is none. A scan calls next(0), then next(page +
+    // 1).
     PageNumber next(PageNumber from) const;
-    // The highest page of the map that is below `before`; 0 if there is none.
+    // The highest page of the map below `before`; 0 if there is none.
     PageNumber previous(PageNumber before) const;
     // All of them. Throws ReadVerification if one lies beyond the end of the file.
     std::vector<PageNumber> pages() const;
     // Bitmap pages of a map by reference: they belong to no map.
     std::vector<PageNumber> bitmapPages() const;
-    // Removes all pages from the map and frees its bitmap pages. The pages themselves are the caller's.
+    // Removes all pages from the map and frees its bitmap pages. The caller frees the pages themselves.
     void clear();
-    // The same, and the pages are freed.
+    // The same, and frees the pages.
     void release();
 
 private:
@@ -50,24 +50,24 @@ private:
     RowPointer row_;
 };
 
-// The map of the file's free pages: bit set = free. The pager's allocate() and release() are made of it. It
-// changes pages only by Pager::edit() and reads by Pager::read(), so it follows the pager's transactions.
+// The map of the file's free pages: bit set = free. The pager's allocate() and release() use it. It changes
+// pages only by Pager::edit() and reads by Pager::read(), so it follows the pager's transactions.
 class FreeMap {
 public:
-    // `row`: where the header says that the map is (row 0 of page 1).
+    // `row`: the map's place in the header (row 0 of page 1).
     FreeMap(Pager& pager, RowPointer row)
         : pager_(&pager)
         , row_(row) {}
 
-    // Takes a free page out of the map, or else a new page at the end of the file, for which `append` is
-    // called: it lengthens the file by one page and gives the page's number. The bytes of the page are not
-    // touched. `append` is called again for bitmap pages when the map outgrows its page.
+    // Takes a free page from the map, or else a new page at the end of the file, for which `append` is
+    // called: it lengthens the file by one page and returns the page's number. The bytes of the page are not
+    // touched. `append` is called again for bitmap pages if the map outgrows its page.
     PageNumber allocate(const std::function<PageNumber()>& append);
     // Marks a page free. Throws ReadVerification if it is free already or lies beyond the file.
     void release(PageNumber page);
     bool isFree(PageNumber page) const;
-    // Forget what is remembered about the lowest free page. To be called after a rollback or a change by
-    // others.
+    // Forgets the lowest free page. Call after a rollback
+    // or a change by others.
     void forget() { lowest_ = 0; }
 
 private:
@@ -76,7 +76,7 @@ private:
 
     Pager* pager_;
     RowPointer row_;
-    PageNumber lowest_ = 0; // no page below this one is free
+    PageNumber lowest_ = 0; // no lower page is free
 };
 
 } // namespace jet

@@ -14,10 +14,10 @@ namespace jet {
 namespace {
 
 constexpr std::size_t LeastCache = 256;
-// Pages edited last, which stay as they are when a large transaction's pages are put into the log: code above
+// Pages edited last, which stay in the cache when the pages of a large transaction go to the log: code above
 // may still write through their pointers.
 constexpr std::size_t RecentEdits = 16;
-// How long a commit waits for readers to let it empty a log that has become long; it tries again at the next.
+// How long a commit waits for readers before emptying a long log; the next one tries again.
 constexpr Sharing::Wait BriefWait{20};
 
 } // namespace
@@ -52,19 +52,19 @@ struct FilePager::Impl {
     LoggedFile& stored = user.file();
     FreeMap free;
 
-    bool ready = false; // pages may be read without asking for others' changes
+    bool ready = false; // pages may be read without checking for others' changes
     int readDepth = 0;
     std::uint64_t version = 1;
 
     Savepoints changes;
-    PageNumber pagesBefore = 0; // as the transaction began
+    PageNumber pagesBefore = 0; // at the start of the transaction
     std::array<const PageCache::Frame*, RecentEdits> recent{};
     std::size_t edits = 0;
 };
 
 // ---- Reading
 
-// Pages may be others than they were.
+// Pages may have changed.
 void FilePager::Impl::forgetDerived() {
     free.forget();
     ++version;
@@ -215,7 +215,7 @@ void FilePager::beginChange(bool undoable) {
     d.user.checkWritable();
     d.user.lockWriting();
     try {
-        d.beginOperation(); // inside a Reading, too: a change begins at the newest state
+        d.beginOperation(); // also inside a Reading: a change begins at the newest state
         try {
             d.user.refuseForeignUsers();
         } catch (...) {
@@ -284,7 +284,7 @@ void FilePager::Impl::cutTo(PageNumber pages) {
     forgetDerived();
 }
 
-// Puts the pages of a large transaction into the log, uncommitted.
+// Writes the pages of a large transaction to the log, uncommitted.
 void FilePager::Impl::spill() {
     cache.clean([this](const PageCache::Frame& frame) {
         if (std::find(recent.begin(), recent.end(), &frame) != recent.end())
@@ -306,7 +306,7 @@ void FilePager::Impl::commitOutermost() {
         if (stored.logLength() >= logPages)
             user.checkpoint(BriefWait);
     } catch (const Error&) {
-        // The transaction is in the log; a later commit tries again, and flush() says what is wrong.
+        // The transaction is in the log; a later commit tries again, and flush() reports the error.
     }
     endOutermost();
 }
@@ -338,7 +338,7 @@ void FilePager::flush() {
     d.user.lockWriting();
     try {
         d.beginOperation();
-        // When readers do not let the file be written, what is in the log survives as well.
+        // If readers prevent writing to the file, the log is durable as well.
         if (!d.user.checkpoint(BriefWait))
             d.stored.flushLog();
     } catch (...) {
@@ -397,7 +397,7 @@ FilePager::~FilePager() {
     try {
         close();
     } catch (const Error&) {
-        // What is committed is in the log and comes back at the next opening.
+        // Committed data is in the log and is recovered at the next opening.
     }
 }
 

@@ -1,5 +1,5 @@
-// The pages of a database file as its user (FileUser.h) reads and changes them: a cache with a limit, and
-// transactions that nest. Not for several threads.
+// Reads and changes the pages of a database file for its user (FileUser.h): a bounded cache, and nested
+// transactions. Not thread-safe.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -15,9 +15,9 @@ class Storage;
 
 class FilePager final : public Pager {
 public:
-    // Opens a Jet 4 file; what an earlier session left in its log is recovered. Throws FileNotFound,
-    // Unrecognised, InvalidPassword, FileLocked, CannotOpenFile. A file that must not or can not be written
-    // is opened for reading; changes then throw CannotUpdateReadOnly with the reason.
+    // Opens a Jet 4 file, and recovers what an earlier session left in its log. Throws FileNotFound,
+    // Unrecognised, InvalidPassword, FileLocked, CannotOpenFile. A file that must not or cannot be written is
+    // opened for reading; changes then throw CannotUpdateReadOnly with the reason.
     FilePager(Storage& storage, const std::string& path, const OpenOptions& options);
     // Rolls back what is not committed and closes; errors are ignored (close() reports them).
     ~FilePager() override;
@@ -36,24 +36,24 @@ public:
     void beginChange(bool undoable) override;
     void commitChange() override;
     void rollbackChange() noexcept override;
-    // How many changes are begun and not ended.
+    // The number of open changes.
     int changeDepth() const;
 
-    // Returns when all commits so far survive a power cut. Not inside a transaction.
+    // Returns when all commits so far are durable. Not inside a transaction.
     void flush();
     // Whether nobody else can open the file.
     bool isHeldAlone() const;
-    // As such a user: brings everything into the file and removes the write-ahead log.
+    // In that case: brings everything into the file and removes the write-ahead log.
     void emptyLog();
-    // Takes notice of what other programs have written, also of such that know nothing of the write-ahead
-    // log.
+    // Reads what other programs have written, including
+    // programs that do not know the write-ahead log.
     void refresh();
-    // Brings everything into the file; the last user removes the write-ahead log and the lock file. Running
+    // Brings everything into the file; the last user removes the write-ahead log and the lock file. Open
     // changes are rolled back. After an error everything committed is still in the log.
     void close();
 
     const PageZero& header() const;
-    // Empty: pages may be changed. Otherwise why not.
+    // Empty: pages may be changed. Otherwise the reason why not.
     const std::string& readOnlyReason() const;
 
 private:

@@ -8,7 +8,7 @@ namespace jet {
 namespace {
 
 constexpr std::chrono::seconds ForeignUserCheck{1};
-// How long a user who leaves waits for readers to let it empty the log.
+// How long a leaving user waits for readers before emptying the log.
 constexpr Sharing::Wait BriefWait{20};
 
 std::string whyReadOnly(const OpenOptions& options, bool writable, const PageZero& header) {
@@ -32,7 +32,7 @@ FileUser::FileUser(Storage& storage, const std::string& path, const OpenOptions&
     : storage_(storage)
     , path_(path)
     , options_(options)
-    // Only a file that is open for writing can be locked against all others.
+    // Exclusive locking needs a file that is open for writing.
     , file_(storage, path, cache, options.readOnly && !options.exclusive)
     , readOnlyReason_(whyReadOnly(options, file_.isWritable(), file_.header())) {}
 
@@ -67,7 +67,7 @@ void FileUser::settleSwap() const {
     try {
         Swap::settle(storage_, path_);
     } catch (const Error&) {
-        // What a dead process left beside the file takes room and does no harm.
+        // Files left by a dead process only take up space.
     }
 }
 
@@ -84,11 +84,11 @@ void FileUser::takeOverLog(Sharing::Others others) {
     } catch (const Error&) {
         if (others.any)
             throw;
-        // No room, say. The log stays in use, and nothing is lost.
+        // For instance no room. The log stays in use, and nothing is lost.
     }
 }
 
-// ---- At work
+// ---- Working
 
 void FileUser::checkHere() const {
     if (left_)
@@ -145,7 +145,7 @@ void FileUser::leave(const std::function<void()>& catchUp) {
     try {
         sharing_->finishLeaving(last);
     } catch (const Error&) {
-        // The locks go with the file, and an old entry in the lock file does no harm.
+        // The locks disappear with the file, and an old entry in the lock file is harmless.
     }
     file_.closeFiles();
     if (failure)
@@ -158,7 +158,7 @@ void FileUser::bringIn(bool last, const std::function<void()>& catchUp) {
             if (last)
                 file_.removeEmptyLog();
         } catch (const Error&) {
-            // Who may not write need not tidy up.
+            // A user without write access need not clean up.
         }
     } else if (last) {
         catchUp();
@@ -170,7 +170,7 @@ void FileUser::bringIn(bool last, const std::function<void()>& catchUp) {
                 checkpoint(BriefWait);
             }
         } catch (const Error&) {
-            // The others go on with the log; that it is on the disk is what counts.
+            // The others keep using the log; it only has to be on the disk.
         }
         if (!file_.isFlushed())
             file_.flushLog();

@@ -1,6 +1,6 @@
-// One user of a database file: how it enters among the others and takes over what a dead session left, the
-// locks that it works under, how it brings the log into the file, and how it leaves. docs/formats/jet.md
-// states the protocol. What the pages hold is the business of the pager above.
+// One user of a database file: how it joins the others and recovers what a dead session left, the locks it
+// works under, how it brings the log into the file, and how it leaves. docs/formats/jet.md describes the
+// protocol. The pager above interprets the pages.
 #pragma once
 
 #include "jet/pager/LoggedFile.h"
@@ -13,16 +13,16 @@ namespace jet {
 
 class FileUser {
 public:
-    // Opens the file, not yet entered. `cache`: pages that need not be read to be copied. Throws
-    // FileNotFound, CannotOpenFile, Unrecognised.
+    // Opens the file without joining. `cache`: pages that need not be read to be copied. Throws FileNotFound,
+    // CannotOpenFile, Unrecognised.
     FileUser(Storage& storage, const std::string& path, const OpenOptions& options, const PageCache& cache);
 
-    // Enters and takes over the log. False: the file was replaced before this user was in, by one that is to
-    // be opened in its place. Throws InvalidPassword, FileLocked, CannotStart.
+    // Joins and takes over the log. False: the file was replaced before this user had joined; the new one
+    // must be opened instead. Throws InvalidPassword, FileLocked, CannotStart.
     bool enter();
-    // Leaves: brings what is committed into the file as far as others allow it, and to the disk in any case.
-    // `catchUp` begins an operation that reads: whoever brings the log into the file has seen all of it.
-    // Throws what keeps that from being done; the user has left all the same.
+    // Leaves: brings committed data into the file as far as others allow it, and to the disk in any case.
+    // `catchUp` begins an operation that reads: whoever brings the log into the file has read all of it.
+    // Throws the errors of that; the user has left all the same.
     void leave(const std::function<void()>& catchUp);
     bool hasLeft() const { return left_; }
 
@@ -30,23 +30,23 @@ public:
     const LoggedFile& file() const { return file_; }
     Sharing& sharing() { return *sharing_; }
     const std::string& path() const { return path_; }
-    // Nobody else can enter.
+    // Nobody else can join.
     bool isAlone() const { return sharing_->isExclusive(); }
-    // Empty: pages may be changed. Otherwise why not.
+    // Empty: pages may be changed. Otherwise the reason why not.
     const std::string& readOnlyReason() const { return readOnlyReason_; }
 
-    // Throws InvalidArgument when the user has left.
+    // Throws InvalidArgument if the user has left.
     void checkHere() const;
     // Throws CannotUpdateReadOnly.
     void checkWritable() const;
-    // Takes the writing lock. Throws RecordLocked when another user's transaction lasts longer than
+    // Takes the writing lock. Throws RecordLocked if another user's transaction takes longer than
     // OpenOptions::lockWait.
     void lockWriting();
-    // Throws FileLocked while a program has the file open that does not know the write-ahead log. Looks at
+    // Throws FileLocked while a program that does not know the write-ahead log has the file open. Checks at
     // most once a second.
     void refuseForeignUsers();
-    // Brings the log into the file. The writing lock is held, and no change is running. False: others are
-    // reading, and still were after that time.
+    // Brings the log into the file. Needs the writing lock, and no open change. False: others were still
+    // reading after that time.
     bool checkpoint(Sharing::Wait wait);
 
 private:

@@ -61,7 +61,7 @@ void LoggedFile::read(PageNumber page, std::uint8_t* into) {
         CryptPage(header_.databaseKey, page, {into, PageSize});
 }
 
-// ---- What other users, or an earlier session, have put into the log
+// ---- What other users, or an earlier session, have written to the log
 
 bool LoggedFile::findLog() {
     log_ = WriteAheadLog::open(storage_, WriteAheadLog::PathFor(path_), !writable_, identity_);
@@ -96,8 +96,8 @@ LoggedFile::News LoggedFile::takeNews(const OnPage& changed) {
     return emptied && !sawAll ? News::Everything : News::Pages;
 }
 
-// A log that cannot be taken is let go of, so that nothing of it gets into the file: the next operation finds
-// it anew, and says the same unless it was mended.
+// A log that cannot be read is closed, so that nothing of it gets into the file: the next operation opens it
+// again, and reports the same unless it was repaired.
 void LoggedFile::takeFrames(std::uint32_t from, const OnPage& changed) {
     if (from == 0)
         forgetFrames();
@@ -140,7 +140,7 @@ void LoggedFile::setFrame(PageNumber page, std::uint32_t frame) {
 // ---- A transaction
 
 void LoggedFile::ensureLog() {
-    if (log_ == nullptr) // without the pages that this transaction has appended: nobody else may see them yet
+    if (log_ == nullptr) // without the pages appended by this transaction: others must not see them yet
         log_ = WriteAheadLog::create(storage_, WriteAheadLog::PathFor(path_), identity_, pagesInFile());
     log_->setShared(shared_);
 }
@@ -192,7 +192,7 @@ void LoggedFile::flushLog() {
 void LoggedFile::writePages() {
     log_->flush();
     std::sort(logged_.begin(), logged_.end());
-    while (!logged_.empty() && logged_.back() >= pages_) { // appended and given up again
+    while (!logged_.empty() && logged_.back() >= pages_) { // appended and discarded again
         frameOf_[logged_.back()] = 0;
         logged_.pop_back();
     }
@@ -231,7 +231,7 @@ void LoggedFile::retireLog() {
     try {
         storage_.remove(WriteAheadLog::PathFor(path_));
     } catch (const Error&) {
-        log_->reset(pages_); // a full one that is found again could spoil what other programs write meanwhile
+        log_->reset(pages_); // a full one, if found again, could destroy later writes of other programs
     }
     log_.reset();
 }

@@ -1,5 +1,5 @@
-// A database whose pages live in memory: for building a new file, for reading the older format, and for
-// tests.
+// A database with its pages in memory: for building a new
+// file, for reading the older format, and for tests.
 #pragma once
 
 #include "jet/base/Value.h"
@@ -14,7 +14,7 @@ namespace jet {
 
 class MemoryPager final : public Pager {
 public:
-    // Pages that belong to no database: allocate() takes what was released last, or appends.
+    // Pages that belong to no database: allocate() reuses the page released last, or appends.
     explicit MemoryPager(PageNumber pages = 1);
     // A database image, a whole number of pages: its own map of free pages serves allocate() and release().
     explicit MemoryPager(const Bytes& image);

@@ -81,7 +81,7 @@ NewFile::Frame& NewFile::insert(PageNumber page) {
     return *frames_[page];
 }
 
-// The page that was not used for the longest time leaves (second chance).
+// Evicts the page that was not used for the longest time (second chance).
 void NewFile::makeRoom() {
     for (;;) {
         const PageNumber page = resident_.front();
@@ -98,7 +98,7 @@ void NewFile::makeRoom() {
     }
 }
 
-// Writes a page and the changed ones that follow it.
+// Writes a page and the changed pages that follow it.
 void NewFile::write(PageNumber page) {
     stretch_.clear();
     for (PageNumber next = page; next < pageCount() && stretch_.size() < stretchPages * PageSize; ++next) {

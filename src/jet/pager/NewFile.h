@@ -1,5 +1,5 @@
-// The pages of a file that is being made and that nobody else sees yet: written as they leave a small cache,
-// in long stretches, without transactions. finish() makes it last.
+// The pages of a file under construction that nobody else sees yet: written when they leave a small cache, in
+// long stretches, without transactions. finish() makes them durable.
 #pragma once
 
 #include "jet/base/Storage.h"
@@ -17,8 +17,8 @@ class NewFile final : public Pager {
 public:
     static constexpr std::size_t CachedPages = 512;
 
-    // `header`: page 0, with the file's key if it is to be encrypted. Makes pages 0 and 1, of which the
-    // latter holds the map of free pages. The storage outlives this.
+    // `header`: page 0, with the file's key if it is to be encrypted. Makes pages 0 and 1; page 1 holds the
+    // map of free pages. The storage outlives this.
     NewFile(StorageFile& file, const PageZero& header);
 
     const std::uint8_t* read(PageNumber page) override { return frame(page).bytes.data(); }
@@ -27,14 +27,14 @@ public:
     void release(PageNumber page) override { free_.release(page); }
     PageNumber pageCount() override { return static_cast<PageNumber>(frames_.size()); }
 
-    // Writes what is not written yet and flushes the file.
+    // Writes the rest and flushes the file.
     void finish();
 
 private:
     struct Frame {
         std::array<std::uint8_t, PageSize> bytes;
         bool dirty = false;
-        bool used = true; // since the hand passed by
+        bool used = true; // since the clock hand passed
     };
     Frame& frame(PageNumber page);
     Frame& insert(PageNumber page);

@@ -1,4 +1,4 @@
-// How a database file is to be opened.
+// Options for opening a database file.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@
 namespace jet {
 
 struct OpenOptions {
-    bool readOnly = false;         // what a session left in the log is read, and stays there
+    bool readOnly = false;         // reads what a session left in the log, and leaves it there
     bool exclusive = false;        // no other program may open the file; saves all checks for their changes
     std::u16string password;       // of the database, if it has one
     std::size_t cachePages = 4096; // limit of the page cache (at least 256); a transaction's pages count too

@@ -1,5 +1,5 @@
-// Pages of a file held in memory, found by their number without a search. Clean pages leave, the longest
-// unused first, when there are more than the limit; dirty ones stay until they are cleaned or dropped.
+// Pages of a file in memory, found by number without a search. Above the limit, clean pages are evicted,
+// least recently used first; dirty ones stay until they are cleaned or dropped.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -16,9 +16,9 @@ public:
         alignas(64) std::uint8_t bytes[PageSize];
         PageNumber page = 0;
         bool dirty = false;
-        std::uint64_t used = 0;    // the cache's clock at the last use
-        std::uint64_t savedIn = 0; // the nested change that holds a copy of the page as it was before
-        Frame* newer = nullptr;    // list of clean frames in order of their use
+        std::uint64_t used = 0;    // the cache's clock at its last use
+        std::uint64_t savedIn = 0; // the nested change that has a copy of the page's earlier state
+        Frame* newer = nullptr;    // list of clean frames in order of use
         Frame* older = nullptr;
     };
 
@@ -29,21 +29,21 @@ public:
 
     std::size_t limit() const { return limit_; }
 
-    // Null: not here. Costs one look into a table.
+    // Null: not cached. Costs one table look-up.
     Frame* find(PageNumber page) const { return page < table_.size() ? table_[page].get() : nullptr; }
-    // Notes that a frame is used.
+    // Marks a frame as used.
     void touch(Frame& frame) {
         if (frame.used != clock_ && !frame.dirty)
             moveToFront(frame);
     }
-    // A clean frame for a page that is not here, its bytes undefined. Others may leave for it.
+    // A clean frame for a page that is not cached, its bytes undefined. Others may be evicted for it.
     Frame& add(PageNumber page);
     void drop(PageNumber page);
     void dropClean();
 
     void makeDirty(Frame& frame);
-    // All frames of dirty() that `accept` accepts are clean from now on. When it throws, the frame it was
-    // asked about and those after it stay dirty.
+    // From now on, all frames of dirty() that `accept` accepts are clean. If it throws, the current frame and
+    // those after it stay dirty.
     template<typename Accept>
     void clean(Accept accept) {
         std::vector<Frame*> frames;

@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-// Bytes of the database file that stand for things locked, all beyond the 2 GB that a file can reach.
+// Bytes of the database file that represent locks, all beyond 2 GB, the limit of a file.
 constexpr std::uint64_t LockBase = 0x80000000;
 constexpr std::uint64_t OpenByte = LockBase;         // shared by each user, exclusive for an exclusive one
 constexpr std::uint64_t ReadingByte = LockBase + 1;  // shared by readers, exclusive while pages are written
@@ -22,14 +22,14 @@ constexpr std::uint64_t WriterByte = LockBase + 4;   // shared by each user who 
 constexpr std::uint64_t DraftByte = LockBase + 5;    // exclusive while the file is being made
 constexpr std::uint64_t UserBase = LockBase + 0x100; // + n: user n of the lock file is of this engine
 
-// The lock file: an entry of two texts per user, and a byte far beyond them that its user holds locked.
+// The lock file: an entry of two texts per user, and a byte far beyond them that its user keeps locked.
 constexpr int MaximumUsers = 255;
 constexpr std::uint64_t EntryLength = 64;
 constexpr std::uint64_t NameLength = 32;
 constexpr std::uint64_t UserLockBase = 0x10000001; // + n - 1
 constexpr char UserName[] = "Admin";
 
-// Tries until it works or `wait` is over, at ever longer intervals.
+// Tries at ever longer intervals until it succeeds or `wait` is over.
 bool tryFor(Sharing::Wait wait, const std::function<bool()>& attempt) {
     const auto end = std::chrono::steady_clock::now() + wait;
     auto pause = std::chrono::microseconds(20);
@@ -79,7 +79,7 @@ Sharing::Others Sharing::join(bool exclusive) {
     const Others others{file_.findLock(OpenByte, 1).has_value(), file_.findLock(WriterByte, 1).has_value()};
     if (exclusive && (others.any || hasForeignUsers()))
         throw Error(ErrorNumber::CannotStart, path_ + describeOthers());
-    // Nobody enters meanwhile, so this cannot fail.
+    // Nobody can join meanwhile, so this cannot fail.
     exclusive_ = exclusive && writable_ && file_.lock(OpenByte, 1, true, false);
     if (writable_)
         file_.lock(WriterByte, 1, false, false);
@@ -122,14 +122,14 @@ void Sharing::enterLockFile() {
         std::string(UserName).copy(entry.data() + NameLength, NameLength - 1);
         lockFile_->write(EntryLength * static_cast<std::uint64_t>(slot_ - 1), entry.data(), entry.size());
     } catch (const Error&) {
-        // A folder that may not be written, say: the list of users is a courtesy, the locks are on the
+        // For instance a read-only folder: the list of users is only informative, the locks are on the
         // database.
         if (slot_ == 0)
             lockFile_.reset();
     }
 }
 
-// The byte of the database first: whoever meets the entry locked always sees that it is one of this engine.
+// The database's byte first: whoever sees the entry locked also sees that it belongs to this engine.
 bool Sharing::takeSlot(std::uint64_t slot) {
     const std::uint64_t entry = UserLockBase + slot - 1;
     if (lockFile_->findLock(entry, 1))
@@ -143,7 +143,7 @@ bool Sharing::takeSlot(std::uint64_t slot) {
 
 std::vector<int> Sharing::otherSlots() {
     std::vector<int> slots;
-    std::unique_ptr<StorageFile> own; // an exclusive user has none open
+    std::unique_ptr<StorageFile> own; // an exclusive user has no lock file open
     StorageFile* lockFile = lockFile_.get();
     if (lockFile == nullptr && storage_.exists(lockPath_)) {
         own = storage_.open(lockPath_, Storage::Open::ReadOnly);
@@ -179,7 +179,7 @@ bool Sharing::hasForeignUsers() {
                 return false;
         return true;
     };
-    // One of ours may be between its two locks, coming or going.
+    // One of ours may be between its two locks, joining or leaving.
     return !tryFor(std::chrono::milliseconds(200), noneNow);
 }
 

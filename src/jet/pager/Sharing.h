@@ -1,6 +1,6 @@
-// Who uses a database file at the same time: the locks that keep users of this engine apart, and the lock
-// file
-// (.LDB) in which users of every engine enter themselves.
+// Who uses a database file at the same time: the locks that
+// coordinate users of this engine, and the lock file (.LDB)
+// in which users of every engine are listed.
 #pragma once
 
 #include "jet/base/Storage.h"
@@ -14,20 +14,20 @@ class Sharing {
 public:
     using Wait = std::chrono::milliseconds;
 
-    // `file`: the open database. `writable`: it is open for writing; without that no exclusive lock can be
-    // held, and the user can only ever be one of several readers.
+    // `file`: the open database. `writable`: it is open for writing; otherwise no exclusive lock is possible,
+    // and the user can only be one of several readers.
     Sharing(Storage& storage, StorageFile& file, const std::string& path, bool writable, Wait wait);
 
-    // Which other users of this engine are here.
+    // The other users of this engine.
     struct Others {
         bool any = false;
         bool writers = false; // with the file open for writing
     };
-    // Enters the user. Throws CannotStart (exclusive and others are there) or FileLocked (another one is
-    // there exclusively). Until joined() is called nobody else enters or leaves.
+    // Joins the others. Throws CannotStart (exclusive, and there are others) or FileLocked (another user is
+    // exclusive). Until joined() is called nobody else joins or leaves.
     Others join(bool exclusive);
     void joined();
-    // Begins leaving; until finishLeaving() nobody else enters or leaves. True: this is the last user.
+    // Begins leaving; until finishLeaving() nobody else joins or leaves. True: this is the last user.
     bool leave();
     void finishLeaving(bool last);
 
@@ -36,29 +36,29 @@ public:
     // Held through an operation that reads: no page of the file changes meanwhile.
     void lockReading();
     void unlockReading() noexcept;
-    // In place of lockReading(), by the holder of the writing lock: nobody reads meanwhile. False: somebody
-    // does.
+    // Used instead of lockReading() by the holder of the writing lock: nobody reads meanwhile. False: there
+    // are readers.
     bool lockPages(Wait wait);
-    // Held through a transaction. False: another one holds it for longer than `wait`.
+    // Held through a transaction. False: another user holds it for longer than `wait`.
     bool lockWriting();
     bool tryLockWriting();
     void unlockWriting() noexcept;
 
-    // Whether somebody has the file open who is no user of this engine and knows neither these locks nor the
-    // log.
+    // Whether anyone who does not use this engine, and so knows neither these locks nor the log, has the file
+    // open.
     bool hasForeignUsers();
 
     // Whether another user of this engine has the file open, alone or not.
     bool isInUse();
 
-    // Locks a file that others do not know yet as its only user does. It is open to them when it is closed.
+    // Locks a file that is still unknown to others as its only user. Closing opens it to them.
     static void holdAlone(StorageFile& file);
-    // Locks a file that is being made, against others who would take it over. No user of a database minds
-    // this lock. False: another holds it.
+    // Locks a file under construction against others who would take it over. Users of a database ignore this
+    // lock. False: another process holds it.
     static bool lockDraft(StorageFile& file, bool wait);
 
     static std::string LockFileOf(const std::string& database);
-    // The computers entered in the lock file by users who are there now, but for this one.
+    // The computers in the lock file whose users are connected, except this one.
     std::vector<std::string> otherUsers();
 
 private:

@@ -17,12 +17,12 @@ std::string noteOf(const std::string& database) {
     return database + "-swap";
 }
 
-// Where a copy of the old file is made on a disk whose files have one name only.
+// The place for a copy of the old file on a disk that does not support second names.
 std::string oldCopyOf(const std::string& database) {
     return database + "-swap-old";
 }
 
-// What the last line "key=path\n" of a note says; empty when there is none that is whole.
+// The path in the last line "key=path\n" of a note; empty if there is no complete one.
 std::string noted(const std::string& note, const std::string& key) {
     std::string path;
     for (std::size_t at = 0; at < note.size();) {
@@ -67,7 +67,7 @@ Swap::~Swap() {
     try {
         settle(storage_, database_);
     } catch (const Error&) {
-        // The next who opens the database does it.
+        // Left to the next program that opens the database.
     }
 }
 
@@ -89,13 +89,13 @@ void Swap::finish(const std::function<std::string(int)>& backup) {
         storage_.rename(copy_, database_);
     } catch (const Error&) {
         if (!file_->isNow(database_))
-            throw; // else it is in place, and only the folder would not be flushed
+            throw; // else it is in place, and only the flush of the folder failed
     }
     note_.reset();
     try {
         storage_.remove(noteOf(database_));
     } catch (const Error&) {
-        // The next who opens the database does it.
+        // Left to the next program that opens the database.
     }
 }
 
@@ -132,7 +132,7 @@ void Swap::settle(Storage& storage, const std::string& database) {
     const std::string note = readNote(storage, noteOf(database));
     const std::string copy = noted(note, "copy");
     const std::string backup = noted(note, "backup");
-    // Each name was free when it was noted: what has it now was made here, unless it is another file.
+    // Each name was free when it was noted: whatever has it now was made here, unless it is another file.
     if (!backup.empty() && storage.exists(backup) &&
         storage.open(backup, Storage::Open::ReadOnly)->isNow(database))
         storage.remove(backup);

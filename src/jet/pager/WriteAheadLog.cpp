@@ -12,8 +12,8 @@ namespace jet {
 
 namespace {
 
-// The header: what stays while the log lives, and in a sector of its own, as it changes with every commit,
-// the published state.
+// The header: a fixed part and, in a sector of its own because it changes with every commit, the published
+// state.
 constexpr char Magic[] = "JETREDO1";
 constexpr std::size_t MagicLength = 8;
 constexpr std::size_t SaltAt = 8;
@@ -31,8 +31,8 @@ constexpr std::size_t FrameHead = 16;
 constexpr std::size_t FrameLength = FrameHead + PageSize;
 constexpr std::uint32_t FramesInBuffer = 64;
 
-// Checksum of a number of bytes that is a multiple of 8, continuing `seed`: four lanes so that the processor
-// works on them at once.
+// Checksum of a number of bytes that is a multiple of 8, continuing `seed`: in four lanes, which the
+// processor handles in parallel.
 std::uint64_t checksum(std::uint64_t seed, const std::uint8_t* bytes, std::size_t length) {
     constexpr std::uint64_t Prime = 0x9E3779B97F4A7C15;
     std::uint64_t lanes[4] = {seed, seed ^ Prime, ~seed, seed + Prime};
@@ -71,7 +71,7 @@ void encodeState(const WriteAheadLog::State& state, std::uint8_t* at) {
     Store64(at + 32, checksum(0, at, 32));
 }
 
-// Keeps a log under another name, and those that were kept before.
+// Keeps a log under another name, and earlier kept ones too.
 void setAside(Storage& storage, const std::string& path) {
     for (int number = 1;; ++number) {
         try {
@@ -141,7 +141,7 @@ bool WriteAheadLog::readState(State& state) {
     return true;
 }
 
-// Holds the published state locked.
+// Keeps the published state locked.
 class WriteAheadLog::StateLock {
 public:
     StateLock(const WriteAheadLog& log, bool exclusive)
@@ -264,10 +264,10 @@ void WriteAheadLog::rollback() noexcept {
     if (!written)
         return;
     try {
-        // Not for order's sake alone: what was written may be a whole transaction whose publishing failed.
+        // Required, not just tidy: the written frames may be a whole transaction whose publishing failed.
         file_->truncate(offsetOf(end_));
     } catch (const Error&) {
-        // The next transaction writes over it.
+        // The next transaction overwrites it.
     }
 }
 
@@ -287,15 +287,15 @@ void WriteAheadLog::reset(PageNumber pages) {
     try {
         file_->truncate(FramesAt);
     } catch (const Error&) {
-        // Old frames fit no checksum any more; they only take room.
+        // Old frames no longer match any checksum; they only take up space.
     }
 }
 
 void WriteAheadLog::finishReset() {
     if (!resetPending_)
         return;
-    // The new header must be on the disk before a frame is written over the old ones: an old header with a
-    // part of its frames would bring back old pages.
+    // The new header must be on the disk before the old frames are overwritten: an old header with some of
+    // its frames would restore old pages.
     writeHeader();
     flush();
     resetPending_ = false;

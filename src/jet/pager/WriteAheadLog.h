@@ -1,7 +1,7 @@
-// The write-ahead log beside a database: whole pages as transactions left them, each under a checksum that
-// continues the one before, so that the log is valid up to the first page that did not get there.
-// docs/formats/jet.md has its bytes. The pager above decides when it is written, flushed and emptied, and
-// holds the locks.
+// The write-ahead log beside a database: whole pages as left by transactions, each under a checksum that
+// continues the previous one, so that the log is valid up to the first page that was not written.
+// docs/formats/jet.md describes its bytes. The pager above decides when it is written, flushed and emptied,
+// and holds the locks.
 #pragma once
 
 #include "jet/base/Pager.h"
@@ -26,28 +26,28 @@ public:
     };
 
     static std::string PathFor(const std::string& database) { return database + "-redo"; }
-    // The number that ties a log to its database: made of page zero, which changes when the file is replaced
-    // by another or when another engine writes to it (the commit bytes).
+    // The number that ties a log to its database: derived from page zero, which changes when the file is
+    // replaced or another engine writes to it (the commit bytes).
     static std::uint64_t IdentityOf(const std::uint8_t* pageZero);
 
-    // Opens the log of a database. Null: there is none, or it is of another database, or was never finished
-    // being made and so holds nothing.
+    // Opens the log of a database. Null: there is none, or it belongs to another database, or was never
+    // completed and so holds nothing.
     static std::unique_ptr<WriteAheadLog> open(Storage& storage, const std::string& path, bool readOnly,
                                                std::uint64_t identity);
     // Whether others may read and publish at the same time: both then lock the log for that moment, which
-    // also makes other machines see what was written to a share.
+    // also makes writes to a share visible to other machines.
     void setShared(bool shared) { shared_ = shared; }
-    // Makes an empty log. One that is of another database is kept under another name.
+    // Makes an empty log. An existing one of another database is kept under another name.
     static std::unique_ptr<WriteAheadLog> create(Storage& storage, const std::string& path,
                                                  std::uint64_t identity, PageNumber pages);
 
     const State& state() const { return state_; }
-    // Frames with those of the running transaction.
+    // Frames, including those of the running transaction.
     std::uint32_t end() const { return end_; }
 
-    // Reads what the other users have published. Changes nothing but state() and end(). False: nothing new.
+    // Reads what the other users have published. Changes only state() and end(). False: nothing new.
     bool refresh();
-    // Finds the committed frames by their checksums alone, for use when no other user lives and the published
+    // Finds the committed frames by their checksums alone, for when there is no other user and the published
     // state cannot be trusted.
     void recover();
 
@@ -56,21 +56,21 @@ public:
                  const std::function<void(std::uint32_t, PageNumber)>& each);
     void read(std::uint32_t frame, std::uint8_t* into);
 
-    // Appends a page for the running transaction. `commitPages`: not 0 for its last page, the count of pages
-    // of the database. It is in the file only after publish() or writeOut().
+    // Appends a page for the running transaction. `commitPages`: for its last page the page count of the
+    // database, else 0. It is in the file only after publish() or writeOut().
     void append(PageNumber page, const std::uint8_t* bytes, PageNumber commitPages);
     void writeOut();
-    // Makes the appended frames committed ones, which other users see from now on.
+    // Commits the appended frames: other users see them from now on.
     void publish(PageNumber pages);
-    // Forgets the appended frames.
+    // Discards the appended frames.
     void rollback() noexcept;
 
-    // Returns when all published frames survive a power cut. A log whose flush failed once cannot be trusted
-    // to be on the disk any more, so that every later flush fails too; the next opening recovers what is
-    // there.
+    // Returns when all published frames are durable. After a failed
+    // flush the log on disk cannot be trusted any more, so every
+    // later flush fails too; the next opening recovers what is there.
     void flush();
-    // Empties the log: its pages are in the database for good. If it throws, the log is empty all the same,
-    // and appending tries again to bring that to the disk before anything else.
+    // Empties the log: its pages are in the database for good. Even if it throws the log is empty, and the
+    // next append first tries again to bring that to the disk.
     void reset(PageNumber pages);
 
 private:

@@ -24,14 +24,14 @@ void flushFoldersOf(const std::string& from, const std::string& to) {
         FlushFolderOf(from);
 }
 
-// False: files of this file system have one name only.
+// False: this file system does not support second names.
 bool makeLink(const std::string& path, const std::string& second) {
     if (::link(path.c_str(), second.c_str()) == 0)
         return true;
     const int error = errno;
     struct stat one {};
     struct stat other {};
-    // A server may have done it and its answer been lost: the repeated call then finds the link.
+    // A server may have succeeded and its answer been lost: the repeated call then finds the link.
     if (error == EEXIST && ::stat(path.c_str(), &one) == 0 && ::stat(second.c_str(), &other) == 0 &&
         IsSameFile(one, other))
         return true;
@@ -40,7 +40,7 @@ bool makeLink(const std::string& path, const std::string& second) {
     FailAtFile(second, "link", error, ErrorNumber::DiskIo);
 }
 
-// The three ways of publishing. The first two give false where the file system does not know them.
+// The three ways of publishing. The first two return false if the file system does not support them.
 
 bool renameWithoutReplacing([[maybe_unused]] const std::string& from,
                             [[maybe_unused]] const std::string& to) {

@@ -1,5 +1,5 @@
-// Names of files on a POSIX system: looking for them, giving and taking them. The files themselves are in
-// MachineStorage.cpp. Everything throws jet::Error with the path and what the system said.
+// File names on a POSIX system: finds, makes and removes them. The files themselves are in
+// MachineStorage.cpp. Everything throws jet::Error with the path and the system's message.
 #pragma once
 
 #include "jet/base/Error.h"
@@ -10,19 +10,19 @@
 
 namespace jet {
 
-// Throws the error for an errno. `otherwise`: the number for what has none of its own.
+// Throws the error for an errno. `otherwise`: the number for an errno without one of its own.
 [[noreturn]] void FailAtFile(const std::string& path, const char* what, int error, ErrorNumber otherwise);
 
 bool IsSameFile(const struct stat& one, const struct stat& other);
 
-// Makes names made in the folder of a path survive a power cut.
+// Makes new names in the folder of a path durable.
 void FlushFolderOf(const std::string& path);
 
-// Where a chain of links that begins at a path ends, whether something is there or not. A folder above may
-// still be a link.
+// The end of a chain of links that begins at a path, whether it exists or not. A parent folder may still be a
+// link.
 std::string FollowLinks(const std::string& path);
 
-// What Storage promises of exists(), remove(), rename(), publish() and link().
+// Implementations of exists(), remove(), rename(), publish() and link() of Storage.
 bool FileIsThere(const std::string& path);
 void RemoveName(const std::string& path);
 void RenameFile(const std::string& from, const std::string& to);

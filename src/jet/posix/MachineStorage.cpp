@@ -120,7 +120,7 @@ public:
         return IsSameFile(ours, named);
     }
 
-    // A foreign owner cannot always be given; the group and the mode then still can.
+    // A foreign owner cannot always be set; group and mode still can.
     void takeRightsOf(const std::string& path) override {
         struct stat other {};
         if (::stat(path.c_str(), &other) != 0)
@@ -145,7 +145,7 @@ private:
 
     int file_;
     std::string path_;
-    bool folderPending_; // the name is not yet known to survive a power cut
+    bool folderPending_; // the name is not known to be durable yet
 };
 
 class MachineFiles final : public Storage {
@@ -162,7 +162,7 @@ public:
             ::close(file);
             throw Error(ErrorNumber::CannotOpenFile, path + ": not a file");
         }
-        // A file that nobody may write is marked read-only: that holds for a user who may write everything.
+        // A file without any write permission is marked read-only, even for a user who may write all files.
         if (how == Open::ReadWrite && (status.st_mode & 0222) == 0) {
             ::close(file);
             throw Error(ErrorNumber::CannotOpenFile, path + ": marked read-only");

@@ -7,7 +7,7 @@ namespace jet {
 
 namespace {
 
-// A Numeric that is not fixed may say a size that follows from its precision; its values have the full one.
+// A Numeric in a variable column may have a size derived from its precision; its values have the full one.
 bool hasSize(const Column& column) {
     const int size = StoredSize(column.type);
     if (size != 0 && (column.isFixed() || column.type != ColumnType::Numeric))

@@ -1,5 +1,5 @@
-// The properties of an object and its columns ("Required", "AllowZeroLength", "DefaultValue", ...), as kept
-// in the LvProp column of the catalogue. What is not known is kept as it is.
+// The properties of an object and its columns ("Required", "AllowZeroLength", "DefaultValue", ...), from the
+// LvProp column of the catalogue. Unknown ones are kept as they are.
 #pragma once
 
 #include "jet/base/Value.h"
@@ -10,7 +10,7 @@ namespace jet {
 
 struct Property {
     std::u16string name;
-    bool definition = false; // part of the table's design; false: a program's own remark
+    bool definition = false; // part of the table's design; false: a program's own annotation
     ColumnType type = ColumnType::Text;
     Bytes value; // Boolean: one byte; text: UTF-16
 };
@@ -25,7 +25,7 @@ struct PropertyBlob {
         std::vector<Property> properties;
         Bytes reserved; // after the name in the head
     };
-    // A block of a kind not known here.
+    // A block of an unknown kind.
     struct Other {
         std::uint16_t kind = 0;
         Bytes content;
@@ -45,7 +45,7 @@ struct PropertyBlob {
     bool empty() const { return owners.empty() && others.empty(); }
 };
 
-// Empty bytes give an empty blob. Throws Corrupt for bytes that are no properties.
+// Empty bytes are an empty blob. Throws Corrupt for bytes that are not properties.
 PropertyBlob DecodeProperties(std::span<const std::uint8_t> bytes);
 Bytes EncodeProperties(const PropertyBlob& blob);
 

@@ -13,16 +13,16 @@ namespace jet {
 namespace {
 
 constexpr int CountLength = 2; // of the column count before the fixed columns
-// A long value of more bytes may push the row's page out of memory while it is read.
+// Reading a longer value may evict the row's page from memory.
 constexpr std::uint32_t PinnedLength = 32 * PageSize;
 
-// For putting the pieces of a memo together.
+// Buffer for assembling the pieces of a memo.
 Bytes& scratch() {
     thread_local Bytes bytes;
     return bytes;
 }
 
-// The alternative of the value in `into`, kept if it is there already so that its memory is used again.
+// The alternative of the value in `into`, kept if it is already there so that its memory is reused.
 template<class T>
 T& alternative(Value& into) {
     if (T* held = std::get_if<T>(&into))
@@ -47,7 +47,7 @@ void append64(Bytes& into, std::uint64_t value) {
     Store64(into.data() + into.size() - 8, value);
 }
 
-// Appends the stored form of anything but Boolean, Memo and OLE.
+// Appends the stored form of anything except Boolean, Memo and OLE.
 void appendStored(const Column& column, const Value& value, Bytes& into) {
     switch (column.type) {
     case ColumnType::Byte:
@@ -112,8 +112,8 @@ void RowView::moveTo(std::span<const std::uint8_t> bytes, PageNumber page, bool 
         Damaged(page, "a row is too short for its columns");
     if (!hasVariableColumns)
         return;
-    // A row from before the first variable column was appended has no such part, and then no column asks for
-    // it.
+    // A row from before the first variable column was added
+    // lacks that part, and then no column needs it.
     variableEnd_ = mask_ - 2;
     if (variableEnd_ < FixedBegin)
         return;
@@ -245,7 +245,7 @@ void RowEncoder::encode(std::span<const Field> fields, const PutLongValue& putLo
     for (const int index : fixed_) {
         if (!isSet(index))
             continue;
-        // Written after the fixed part first: so one routine serves fixed and variable columns.
+        // First written after the fixed part: so one routine serves fixed and variable columns.
         const Field& field = fields[static_cast<std::size_t>(index)];
         const Column& column = definition_.columns[static_cast<std::size_t>(index)];
         std::size_t length = 0;
@@ -263,8 +263,8 @@ void RowEncoder::encode(std::span<const Field> fields, const PutLongValue& putLo
     }
 
     if (!variable_.empty()) {
-        // Where each variable column begins; 255 of them at most, but a file made elsewhere may have dropped
-        // many.
+        // Where each variable column begins; 255 of them at most, but in another engine's file many may have
+        // been dropped.
         thread_local std::vector<std::uint16_t> offsets;
         offsets.clear();
         for (const int index : variable_) {

@@ -1,4 +1,4 @@
-// One row as bytes: taking columns out of it, and building it from values.
+// One row as bytes: extracts its columns, and builds it from values.
 #pragma once
 
 #include "jet/record/TableDefinition.h"
@@ -9,16 +9,16 @@
 
 namespace jet {
 
-// Longest row that a page is asked to hold.
+// Longest row that is stored on a page.
 inline constexpr int MaximumRowLength = 4060;
 
-// A row where it lies, on a page or elsewhere: nothing is copied, so it lives as long as the bytes. Of a row
-// on a page that is until the next call that changes pages (see Pager::read()): take a Reading around
-// fetching a row and using its view.
+// A row in place, on a page or elsewhere: nothing is copied, so it is valid as long as the bytes. On a page
+// that is until the next call that changes pages (see Pager::read()): surround fetching a row and using its
+// view with a Reading.
 class RowView {
 public:
     RowView() = default;
-    // Throws ReadVerification, naming `page`, if the parts of the row do not fit into its bytes.
+    // Throws ReadVerification, naming `page`, if the parts of the row exceed its bytes.
     RowView(std::span<const std::uint8_t> bytes, PageNumber page, bool hasVariableColumns) {
         moveTo(bytes, page, hasVariableColumns);
     }
@@ -27,8 +27,8 @@ public:
 
     // Null as stored. A Boolean is never null.
     bool isNull(const Column& column) const { return column.type != ColumnType::Boolean && isUnset(column); }
-    // The stored bytes of a column that is not null; of a null one nothing. Memo and OLE: the definition of
-    // the long value (LongValue.h). A Boolean has no bytes.
+    // The stored bytes of a column; empty if it is null. Memo and OLE: the definition of the long value
+    // (LongValue.h). A Boolean has no bytes.
     std::span<const std::uint8_t> bytes(const Column& column) const {
         if (column.type == ColumnType::Boolean || isUnset(column))
             return {};
@@ -45,12 +45,12 @@ public:
     }
     bool boolean(const Column& column) const { return maskBit(column.number); }
     // Whether the row has room for fixed columns of this length (TableDefinition::fixedLength()): then
-    // bytes() throws for none of them.
+    // bytes() does not throw for any of them.
     bool holdsFixed(int length) const { return length <= mask_ - FixedBegin; }
     // All bytes of the row.
     std::span<const std::uint8_t> all() const { return bytes_; }
     PageNumber page() const { return page_; }
-    // Copies the bytes, so that the view outlives the page's stay in memory.
+    // Copies the bytes, so that the view outlives the cached page.
     void keep() const;
 
 private:
@@ -70,22 +70,22 @@ private:
     PageNumber page_ = 0;
     int columns_ = 0;     // column count stored in the row
     int variables_ = 0;   // variable columns stored in the row
-    int variableEnd_ = 0; // where the number of variable columns stands
+    int variableEnd_ = 0; // where the number of variable columns is stored
     int mask_ = 0;        // where the null mask begins
 };
 
-// The value of a column of a row, put into `value`, whose memory is used again where it fits. Memo and OLE
-// are read whole through the pager. Throws ReadVerification for bytes that are no such value.
+// Reads the value of a column of a row into `value`, reusing its memory if possible. Memo and OLE are read
+// completely through the pager. Throws ReadVerification for bytes that are not such a value.
 void DecodeColumn(Pager& pager, const RowView& row, const Column& column, Value& value);
 
-// The same for the stored bytes of anything but Boolean, Memo and OLE.
+// The same for the stored bytes of anything except Boolean, Memo and OLE.
 void DecodeStored(const Column& column, std::span<const std::uint8_t> bytes, PageNumber page, Value& value);
 
-// Builds rows of one table. Made once and used for many rows: it knows where each column goes.
+// Builds rows of one table. Made once and used for many rows: it knows the place of each column.
 class RowEncoder {
 public:
-    // What a column of the new row holds: a value of the column's own kind (Convert.h makes it so), or the
-    // bytes that a row holds already. Neither: null.
+    // The new content of a column: a value of the column's own kind (Convert.h converts it), or the bytes of
+    // an existing row. Neither: null.
     struct Field {
         const Value* value = nullptr;
         const RowView* stored = nullptr;
@@ -95,8 +95,8 @@ public:
 
     // The definition must live as long as the encoder. Throws ReadVerification if columns overlap.
     explicit RowEncoder(const TableDefinition& definition);
-    // Builds a row from one field for each column of the definition. `into` is replaced and its memory used
-    // again. Throws FieldTooSmall, DataTypeMismatch or RecordTooLarge.
+    // Builds a row from one field per column of the definition. Replaces `into`, reusing its memory. Throws
+    // FieldTooSmall, DataTypeMismatch or RecordTooLarge.
     void encode(std::span<const Field> fields, const PutLongValue& putLong, Bytes& into) const;
 
 private:

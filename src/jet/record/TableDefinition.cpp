@@ -23,17 +23,17 @@ constexpr std::uint32_t CounterLength = 12;
 constexpr std::uint32_t DistinctField = 4; // in a counter
 constexpr std::uint16_t NoColumn = 0xFFFF;
 constexpr std::uint16_t EndMark = 0xFFFF;
-// Far above what 255 columns and their indexes with the longest names take.
+// Far above the need of 255 columns and their indexes with the longest names.
 constexpr std::uint32_t MaximumLength = 1u << 20;
 constexpr std::uint32_t ContinuationData = PageSize - PageHead;
-// Others may allow a few more than are made here.
+// Other engines may allow slightly more than this one creates.
 constexpr std::uint32_t MostIndexes = 8 * MaximumIndexes;
 
 std::size_t pagesFor(std::size_t length) {
     return length <= PageSize ? 1 : 1 + (length - PageSize + ContinuationData - 1) / ContinuationData;
 }
 
-// Takes fields one after the other, each checked against the end.
+// Reads fields one after the other, each checked against the end.
 class Reader {
 public:
     Reader(std::span<const std::uint8_t> bytes, PageNumber page)
@@ -188,7 +188,7 @@ const std::uint8_t* readDefinitionPage(Pager& pager, PageNumber page) {
     return bytes;
 }
 
-// The whole definition: its first page, and the others without their heads, cut to the stored length.
+// The complete definition: its first page, and the others without their heads, cut to the stored length.
 Bytes joinedPages(Pager& pager, PageNumber page) {
     Bytes bytes;
     for (const PageNumber one : DefinitionPages(pager, page)) {
@@ -397,7 +397,7 @@ Bytes EncodeTableDefinition(const TableDefinition& definition) {
     out.u8(1);
     out.u16(0);
     out.u32(0);
-    out.u32(0); // the length, below
+    out.u32(0); // the length, set below
     out.u32(definition.stamp);
     out.u32(definition.rowCount);
     out.u32(definition.lastAutonumber);

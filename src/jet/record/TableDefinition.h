@@ -1,6 +1,6 @@
-// What a table is made of: its columns, its indexes, where its pages are listed and its counters; and how
-// that is stored in definition pages. Fields without a meaning known here are kept as they were read, so that
-// a definition read and written again is the same, byte by byte.
+// The definition of a table: its columns, its indexes, where its pages are listed and its counters; and its
+// stored form in definition pages. Fields of unknown meaning are kept as read, so that a definition is
+// written back byte for byte as it was read.
 #pragma once
 
 #include "jet/base/RowPointer.h"
@@ -33,9 +33,9 @@ struct Column {
     std::u16string name;
     ColumnType type = ColumnType::Long;
     std::uint16_t number = 0;        // bit in the null mask of rows
-    std::uint16_t variableIndex = 0; // among the variable columns; of a fixed column: how many come before it
-    std::uint16_t ordinal = 0;       // place for display
-    std::uint16_t language = EnglishLanguage; // of Numeric: precision, then scale in the high byte
+    std::uint16_t variableIndex = 0; // among the variable columns; for a fixed column: how many precede it
+    std::uint16_t ordinal = 0;       // place in the display order
+    std::uint16_t language = EnglishLanguage; // for Numeric: precision, then scale in the high byte
     std::uint8_t sortVersion = 0;             // 0: the order known here
     std::uint8_t flags = Updatable;
     std::uint8_t extended = 0;
@@ -106,7 +106,7 @@ struct TableDefinition {
 
     PageNumber page = 0; // the first definition page: the table's identity
     std::uint32_t rowCount = 0;
-    std::uint32_t lastAutonumber = 0; // last one given
+    std::uint32_t lastAutonumber = 0; // the last one assigned
     std::uint8_t type = UserTable;
     std::uint16_t columnNumbers = 0;   // highest column number ever given, plus 1
     std::uint16_t variableColumns = 0; // variable columns ever made
@@ -118,15 +118,15 @@ struct TableDefinition {
     std::uint32_t stamp = TableStamp;
     std::array<std::uint8_t, 16> reserved = {1}; // the first one lets the engine give autonumbers
 
-    // Position of the column with this name (case does not matter) or number; -1: none.
+    // Position of the column with this name (in any case) or number; -1: none.
     int findColumn(std::u16string_view name) const;
     int findColumnNumber(std::uint16_t number) const;
     // The index with this name, or of the primary key; null: none.
     const LogicalIndex* findIndex(std::u16string_view name) const;
     const LogicalIndex* primaryKey() const;
-    // A tree of keys as faults name it: "index 'Main'".
+    // The name of a tree of keys in faults: "index 'Main'".
     std::string nameOfIndex(std::size_t realIndex) const;
-    // Takes a tree out with all its names; the numbers of those after it go down by one.
+    // Removes a tree with all its names; the numbers of those after it decrease by one.
     void removeIndex(std::size_t realIndex);
     // Positions of the columns in the order in which they are shown.
     std::vector<int> displayOrder() const;
@@ -134,35 +134,35 @@ struct TableDefinition {
     int fixedLength() const;
 };
 
-// The bytes that a value of a kind takes in a row; 0 for kinds whose columns say their own size.
+// The bytes that a value of a kind takes in a row; 0 for kinds whose columns state their own size.
 int StoredSize(ColumnType type);
 
-// Whether two names of tables, columns or indexes are the same one: in the order of texts, in which case does
-// not count.
+// Whether two names of tables, columns or indexes are equal: compared in the order of texts, without regard
+// to case.
 bool SameName(std::u16string_view a, std::u16string_view b);
 
-// Reads the definition that begins on `page`, over as many pages as it has, and checks what reading rows
+// Reads the definition that begins on `page`, on all its pages, and checks everything that reading rows
 // relies on: counts, lengths, column numbers and offsets, the columns of indexes. Throws ReadVerification if
 // it is not sound.
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
-// The same with its numbers as they stand, for mending (DefinitionRepair.h). Throws ReadVerification only if
-// the bytes hold no definition.
+// The same with its numbers unchecked, for repair (DefinitionRepair.h). Throws ReadVerification only if the
+// bytes are not a definition.
 TableDefinition ReadUncheckedDefinition(Pager& pager, PageNumber page);
 
-// The bytes that a stored definition takes, its end mark included.
+// The length of a stored definition, including its end mark.
 std::size_t TableDefinitionLength(Pager& pager, PageNumber page);
 
-// The pages that a definition lies on, the first one included.
+// The pages of a definition, including the first one.
 std::vector<PageNumber> DefinitionPages(Pager& pager, PageNumber page);
 
-// Writes a definition to its page and as many more as it needs; pages it needs no longer are freed.
+// Writes a definition to its page and as many more as it needs; frees pages it no longer needs.
 void WriteTableDefinition(Pager& pager, const TableDefinition& definition);
 
 // The definition as one string of bytes, the head of the first page included, and back.
 Bytes EncodeTableDefinition(const TableDefinition& definition);
 TableDefinition DecodeTableDefinition(std::span<const std::uint8_t> bytes, PageNumber page);
 
-// The counters lie at fixed places of the first page and are read and changed there, so that they follow the
+// The counters have fixed places on the first page and are read and changed there, so that they follow the
 // pager's transactions.
 struct TableCounters {
     static std::uint32_t rowCount(Pager& pager, PageNumber page);

@@ -21,7 +21,7 @@ void appendNumber(Number number, std::string& into) {
     into.append(text, result.ptr);
 }
 
-// Digits with a point before the last `scale` of them and without zeros at their end.
+// Digits with a point before the last `scale` of them and without trailing zeros.
 void appendDecimal(bool negative, std::string digits, int scale, std::string& into) {
     const auto decimals = static_cast<std::size_t>(std::max(scale, 0));
     if (digits.size() <= decimals)
@@ -86,8 +86,8 @@ bool parseGuid(std::string_view text, Guid& guid) {
     return true;
 }
 
-// Sign and digits of a decimal number, brought to `scale` decimals. False: no number, or more decimals that
-// are not zero.
+// Sign and digits of a decimal number, scaled to `scale` decimals. False: not a number, or it has more
+// decimals that are not zero.
 bool parseDecimal(std::string_view text, int scale, bool& negative, std::string& digits) {
     negative = text.starts_with('-');
     text.remove_prefix(negative ? 1 : 0);

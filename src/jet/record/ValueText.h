@@ -8,19 +8,19 @@
 
 namespace jet {
 
-// Appends a value; nothing for null. `scale`: of a Numeric. `dateSeparator` stands between day and time. A
-// date outside the years 100 to 9999 is given as its number.
+// Appends a value; nothing for null. `scale`: of a Numeric. `dateSeparator` goes between day and time. A date
+// outside the years 100 to 9999 is written as its number.
 void AppendValueText(const Value& value, int scale, std::string& into, char dateSeparator = ' ');
 
 // Appends a whole number.
 void AppendWhole(std::int32_t number, std::string& into);
 
-// The value that the text stands for in a column of this kind. Throws TypeConversion naming the text.
-// Booleans may also be "true" and "false" in any case, dates also have a T between day and time.
+// The value of the text in a column of this kind. Throws TypeConversion naming the text. Booleans may also be
+// "true" and "false" in any case, dates may also have a T between day and time.
 Value ParseValueText(std::string_view text, const Column& column);
 
 void AppendBase64(const std::uint8_t* bytes, std::size_t length, std::string& into);
-// False: no base64 (RFC 4648, padded).
+// False: not base64 (RFC 4648, padded).
 bool ParseBase64(std::string_view text, Bytes& into);
 
 } // namespace jet

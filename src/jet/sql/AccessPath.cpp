@@ -18,17 +18,17 @@ using sql::Comparison;
 using sql::Expression;
 using Kind = Expression::Kind;
 
-// What the predicate says of one column. Bounds are taken as inclusive: the predicate is asked again.
+// The predicate's constraints on one column. Bounds are inclusive: the predicate is evaluated again anyway.
 struct Bounds {
     std::vector<Value> equal;            // one of these; null stands for IS NULL
-    std::optional<std::u16string> start; // of the text, in whatever case
+    std::optional<std::u16string> start; // of the text, in any case
     std::optional<Value> low;
     std::optional<Value> high;
 };
 
 using BoundsByColumn = std::map<int, Bounds>;
 
-// Values, and stretches of an index, beyond which all rows are looked at instead.
+// Limits on values and index ranges; beyond them all rows are scanned.
 constexpr std::size_t MostValues = 256;
 
 template<typename Whole>
@@ -50,7 +50,7 @@ double numberOf(const Value& value) {
 }
 
 std::optional<Value> numberAs(ColumnType type, double number) {
-    constexpr double currencyLimit = 9e14; // ten thousandths fit a double's whole part below it
+    constexpr double currencyLimit = 9e14; // below it a double holds ten thousandths exactly as whole numbers
     switch (type) {
     case ColumnType::Boolean:
         return number == -1 || number == 0 ? std::optional<Value>(number != 0) : std::nullopt;
@@ -75,7 +75,7 @@ std::optional<Value> numberAs(ColumnType type, double number) {
     }
 }
 
-// The literal as a value of the column's own kind, if that is the same value.
+// The literal converted to the column's own kind, if that is the same value.
 std::optional<Value> literalAs(ColumnType type, const Value& literal) {
     if (IsNull(literal) || ClassOf(literal) != ClassOf(type))
         return std::nullopt;
@@ -134,7 +134,7 @@ private:
         }
     }
 
-    // What is known of a column; the kind of its values.
+    // The constraints on a column, and the kind of its values.
     Bounds* boundsOf(const Expression& field, ColumnType& type) {
         const int column = table_.definition().findColumn(field.field);
         if (column < 0)
@@ -143,7 +143,7 @@ private:
         return &bounds_[column];
     }
 
-    // The fewer values the better: each of these conditions holds.
+    // Fewer values are better: each of these conditions holds.
     void give(const Expression& field, std::vector<Value> values) {
         ColumnType type{};
         Bounds* bounds = boundsOf(field, type);
@@ -202,8 +202,8 @@ private:
     BoundsByColumn bounds_;
 };
 
-// Appends what bounds the keys of one column: the code of the bound, or the byte that every value that is not
-// null begins with (comparisons never choose null).
+// Appends the bound on the keys of one column: the code of the bound, or the byte with which every value
+// except null begins (comparisons never match null).
 void appendBound(const KeyEncoder::Part& part, const std::optional<Value>& value, Bytes& into) {
     constexpr std::uint8_t ascendingValue = 0x7F;
     constexpr std::uint8_t descendingValue = 0x80;
@@ -218,7 +218,7 @@ void appendStart(const KeyEncoder::Part& part, const std::u16string& text, Bytes
     AppendTextStart(part.ascending, text, into);
 }
 
-// Puts each of the codes behind each of the stretches' beginnings.
+// Appends each of the codes to the beginnings of each range.
 void multiply(std::vector<IndexRange::Stretch>& stretches, const KeyEncoder::Part& part,
               const std::vector<Value>& values) {
     std::vector<IndexRange::Stretch> longer;
@@ -237,7 +237,7 @@ std::optional<IndexRange> rangeOf(const Table& table, int realIndex, const Bound
     IndexRange range;
     range.realIndex = realIndex;
     range.stretches.emplace_back();
-    const Bounds* last = nullptr; // of the column after those with given values
+    const Bounds* last = nullptr; // of the column after those with known values
     for (const KeyEncoder::Part& part : encoder.parts()) {
         const auto found = bounds.find(part.column);
         if (found == bounds.end() ||
@@ -270,7 +270,7 @@ std::optional<IndexRange> rangeOf(const Table& table, int realIndex, const Bound
             appendBound(part, part.ascending ? last->high : last->low, stretch.upper);
         }
     }
-    // Codes are no beginnings of each other, so that stretches are apart unless they are the same.
+    // No code is a prefix of another, so ranges are either disjoint or equal.
     auto& all = range.stretches;
     std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.lower < b.lower; });
     all.erase(std::unique(all.begin(), all.end()), all.end());
@@ -296,7 +296,7 @@ std::optional<IndexRange> ChooseAccessPath(const Table& table, const Expression&
             if (range && (!best || rank(table, *range) > rank(table, *best)))
                 best = std::move(range);
         } catch (const Error& error) {
-            // A text that cannot be ordered is in no index; the walk over all rows answers.
+            // A text that cannot be ordered is in no index; a scan of all rows answers.
             if (error.code() != ErrorNumber::InvalidArgument)
                 throw;
         }
@@ -316,7 +316,7 @@ std::optional<IndexWalk> ChooseWalk(const Table& table, std::span<const SortTerm
         for (std::size_t at = 0; at < order.size(); ++at) {
             const KeyEncoder::Part& part = encoder.parts()[at];
             const Column& column = definition.columns[static_cast<std::size_t>(part.column)];
-            // A descending code of a Numeric is not the reverse of an ascending one.
+            // A descending code of a Numeric is not the inverse of the ascending one.
             serves = serves && part.column == order[at].column && IsOrderKnown(column) &&
                      (part.ascending == order[at].descending) == backward &&
                      !(backward && part.type == ColumnType::Numeric);

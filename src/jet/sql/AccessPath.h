@@ -1,5 +1,5 @@
-// Which index serves a WHERE: the comparisons with literals that every chosen row must fulfil, matched with
-// the leading columns of the indexes.
+// Chooses the index for a WHERE: matches the comparisons with literals that every selected row must satisfy
+// with the leading columns of the indexes.
 #pragma once
 
 #include "jet/sql/Sql.h"
@@ -9,23 +9,23 @@
 
 namespace jet {
 
-// Stretches of an index. They hold every row that the predicate can choose and perhaps others: the predicate
-// is still to be asked.
+// Ranges of an index. They contain every row that the predicate can select and perhaps others: the predicate
+// must still be evaluated.
 struct IndexRange {
     struct Stretch {
-        Bytes lower; // the first key is not below
-        Bytes upper; // no key is above, unless it begins with these bytes
+        Bytes lower; // the first key is not below this
+        Bytes upper; // no key is above this, unless it begins with these bytes
         bool operator==(const Stretch&) const = default;
     };
     int realIndex = 0;
-    std::vector<Stretch> stretches; // ascending, none within another
-    int equalColumns = 0;           // leading columns with one value, or with some
-    bool bounded = false;           // the column after those has bounds, or a text that it begins with
+    std::vector<Stretch> stretches; // ascending and disjoint
+    int equalColumns = 0;           // leading columns with one or several known values
+    bool bounded = false;           // the column after those has bounds, or a known prefix
 };
 
-// The range with the most columns that are given; nothing if no index serves. Only comparisons with literals,
-// IN and LIKE that are joined by AND at the top count; a literal that its column cannot hold exactly does
-// not.
+// The range with the most known columns; nothing if no index helps. Only
+// comparisons with literals, IN and LIKE that are joined by AND at the
+// top are used; a literal that its column cannot hold exactly is not.
 std::optional<IndexRange> ChooseAccessPath(const Table& table, const sql::Expression& where);
 
 // One term of ORDER BY.
@@ -34,7 +34,7 @@ struct SortTerm {
     bool descending = false;
 };
 
-// An index that has all rows in this order, or wholly reversed.
+// An index with all rows in this order, or completely reversed.
 struct IndexWalk {
     int realIndex = 0;
     bool backward = false;

@@ -9,9 +9,9 @@ namespace jet {
 // The table a statement names. Throws TableNotFound.
 Table FindTable(const Catalog& catalog, std::u16string_view name);
 
-// Runs INSERT, UPDATE or DELETE, wholly or not at all, and gives the number of rows it changed. An UPDATE or
-// DELETE chooses its rows before it changes the first. Throws InvalidArgument for a SELECT, what parsing and
-// Predicate throw, and what Table throws for a row that cannot be stored.
+// Runs INSERT, UPDATE or DELETE, completely or not at all, and returns the number of changed rows. An UPDATE
+// or DELETE selects its rows before it changes the first. Throws InvalidArgument for a SELECT, the errors of
+// parsing and of Predicate, and those of Table for a row that cannot be stored.
 std::uint32_t Execute(Catalog& catalog, std::u16string_view sql);
 std::uint32_t Execute(Catalog& catalog, const sql::Statement& statement);
 

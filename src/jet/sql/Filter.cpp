@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-// A key for sorting. Texts that hold characters without a known place come after all others, by code.
+// A sort key. Texts with characters of unknown order come after all others, by code.
 void appendSortKey(const Column& column, bool ascending, const Value& value, Bytes& into) {
     const auto* text = std::get_if<std::u16string>(&value);
     if (text == nullptr || !FindUnorderable(*text)) {
@@ -31,7 +31,7 @@ void appendSortKey(const Column& column, bool ascending, const Value& value, Byt
     add(0);
 }
 
-// The order of a key and a bound; 0 if one begins with the other.
+// The order of a key and a bound; 0 if one is a prefix of the other.
 int compareStart(KeyView key, const Bytes& bound) {
     const std::size_t length = std::min(key.size(), bound.size());
     return length == 0 ? 0 : std::memcmp(key.data(), bound.data(), length);
@@ -108,7 +108,7 @@ std::vector<RowPointer> Filter::rows() const {
     if (sorts())
         return sorted();
     std::vector<RowPointer> pointers;
-    if (range_ && !predicate_) { // the rows need not be looked at
+    if (range_ && !predicate_) { // the rows need not be read
         const auto take = [&](RowPointer at) {
             pointers.push_back(at);
             return true;
@@ -155,7 +155,7 @@ void Filter::walkForward(const Offer& offer) const {
     }
 }
 
-// Rows with equal keys come in the order of the table, as they do when rows are sorted.
+// Rows with equal keys come in table order, as they do after sorting.
 void Filter::walkBackward(const Offer& offer) const {
     IndexCursor cursor(table_.index(range_->realIndex));
     Bytes key;
@@ -182,7 +182,7 @@ void Filter::walkBackward(const Offer& offer) const {
 
 std::vector<RowPointer> Filter::sorted() const {
     struct Place {
-        std::size_t key = 0; // where its key begins; it ends where the next one was begun
+        std::size_t key = 0; // start of its key, which ends where the next one starts
         std::size_t end = 0;
         RowPointer at;
     };

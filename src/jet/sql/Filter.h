@@ -1,4 +1,4 @@
-// The rows of one table that a SELECT chooses, in the order it asks for.
+// The rows of one table that a SELECT selects, in the requested order.
 #pragma once
 
 #include "jet/sql/AccessPath.h"
@@ -10,7 +10,7 @@
 
 namespace jet {
 
-// A row of a table as a predicate sees it: columns are taken out when they are asked for.
+// A row of a table, as a predicate sees it: columns are extracted on request.
 class TableRow final : public RowValues {
 public:
     explicit TableRow(const Table& table);
@@ -27,29 +27,29 @@ private:
 
 class Filter {
 public:
-    // The table outlives the filter. Throws what Predicate does, and UnknownField for a field to show or
+    // The table outlives the filter. Throws the errors of Predicate, and UnknownField for a field to show or
     // to sort by.
     Filter(const Table& table, const sql::Select& select);
-    // All fields of the rows for which `where` holds; without one, all rows.
+    // All fields of the rows that satisfy `where`; without one, all rows.
     Filter(const Table& table, const std::optional<sql::Expression>& where);
 
     const Table& table() const { return table_; }
     // Positions of the fields to show.
     const std::vector<int>& fields() const { return fields_; }
-    // The index that finds the rows; nothing: all rows of the table are looked at.
+    // The index that finds the rows; nothing: the table is scanned.
     const std::optional<IndexRange>& index() const { return range_; }
 
-    // Whether the rows must be sorted: no index has them in the order that is asked for, or another one finds
-    // them faster.
+    // Whether the rows must be sorted: no index has them in the requested order, or another one finds them
+    // faster.
     bool sorts() const { return !order_.empty() && !walk_; }
 
-    // Gives every chosen row, until `visit` says false. Without ORDER BY in the order of the index used or of
-    // the table. Nothing is kept in memory unless rows are sorted: then their pointers and sort keys are.
-    // `visit` must not change the table.
+    // Passes every selected row to `visit`, until it returns false. Without ORDER BY in the order of the
+    // index used or of the table. Only sorting needs memory: for the rows' pointers and sort keys. `visit`
+    // must not change the table.
     using Visit = std::function<bool(RowPointer, const RowView&)>;
     void forEach(const Visit& visit) const;
 
-    // The chosen rows' pointers.
+    // The pointers of the selected rows.
     std::vector<RowPointer> rows() const;
 
 private:
@@ -64,7 +64,7 @@ private:
     std::vector<SortTerm> order_;
     std::optional<Predicate> predicate_;
     std::optional<IndexRange> range_;
-    std::optional<IndexWalk> walk_; // gives the rows of range_ in order_
+    std::optional<IndexWalk> walk_; // delivers the rows of range_ in order_
 };
 
 } // namespace jet

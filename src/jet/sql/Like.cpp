@@ -13,11 +13,11 @@ namespace {
 int compare(char16_t a, char16_t b) {
     const int order = a == b ? 0 : CompareTexts({&a, 1}, {&b, 1});
     if (order == 0 && a != b && (a == u' ' || b == u' '))
-        return a == u' ' ? 1 : -1; // as texts, blanks and characters that do not count are alike
+        return a == u' ' ? 1 : -1; // texts compare blanks and ignored characters as equal
     return order;
 }
 
-// Whether they are equal; for the commonest characters without a call.
+// Whether they are equal; without a call for the commonest characters.
 bool same(char16_t a, char16_t b) {
     const bool plain = a < PlainEnd && b < PlainEnd && PlainWeights[a] != 0 && PlainWeights[b] != 0;
     if (a == b || !plain || a == u' ' || b == u' ')
@@ -46,7 +46,7 @@ LikePattern::LikePattern(std::u16string_view pattern) {
                 throw Error(ErrorNumber::SyntaxError, "a set without ']' in the pattern of LIKE");
             std::u16string_view set = pattern.substr(i + 1, end - i - 1);
             i = end;
-            if (set.empty()) // stands for nothing
+            if (set.empty()) // matches nothing
                 continue;
             const bool outside = set.size() > 1 && set.front() == u'!';
             set.remove_prefix(outside ? 1 : 0);
@@ -84,7 +84,7 @@ bool LikePattern::fits(const Element& element, char16_t c) {
 }
 
 bool LikePattern::matches(std::u16string_view text) const {
-    // One place to come back to is enough: a later * always serves at least as well as an earlier one.
+    // One place to backtrack to is enough: a later * always works at least as well as an earlier one.
     std::size_t at = 0;
     std::size_t element = 0;
     std::size_t afterAny = elements_.size() + 1;

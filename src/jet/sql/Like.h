@@ -1,7 +1,7 @@
 // The pattern of a LIKE: * any characters, ? one character, # one digit, [a-z] one of a set or range, [!a-z]
-// one that is not in it, and every other character itself, without regard to case. A sign stands for itself
-// in a set: [*]. Accented letters differ from plain ones, as in the order of texts, and a blank from all
-// else.
+// one outside it; every other character matches itself, without regard to case. A wildcard in a set is
+// literal: [*]. Accented letters differ from plain ones, as in the order of texts, and a blank differs from
+// everything else.
 #pragma once
 
 #include <string>
@@ -13,14 +13,14 @@ namespace jet {
 
 class LikePattern {
 public:
-    // Throws SyntaxError for a set without its end or a range that runs backwards.
+    // Throws SyntaxError for an unterminated set or a reversed range.
     explicit LikePattern(std::u16string_view pattern);
 
     // Cost: linear for patterns with one *, at worst length of text times length of pattern.
     bool matches(std::u16string_view text) const;
 
-    // The characters that every text begins with, without regard to case; empty if the pattern begins with a
-    // wildcard.
+    // The literal prefix of every match, without regard to
+    // case; empty if the pattern begins with a wildcard.
     std::u16string start() const;
 
 private:

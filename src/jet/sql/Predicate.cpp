@@ -118,7 +118,7 @@ Truth Predicate::truth(const Node& node, RowValues& row) {
     return IsNull(value) ? Truth::Unknown : ToTruth(CompareValues(value, false) != 0);
 }
 
-// AND is the least of its parts, OR the greatest; the decisive value ends the walk.
+// AND is the minimum of its parts, OR the maximum; a decisive value ends the loop.
 Truth Predicate::chain(const Node& node, RowValues& row, Truth decisive) {
     Truth result = Not(decisive);
     for (const Node& part : node.operands) {

@@ -1,4 +1,4 @@
-// What follows WHERE, bound to the columns of a table and ready to be asked of its rows.
+// The text after WHERE, bound to the columns of a table and ready to be evaluated on its rows.
 #pragma once
 
 #include "jet/record/TableDefinition.h"
@@ -12,22 +12,22 @@ namespace jet {
 class RowValues {
 public:
     virtual ~RowValues() = default;
-    // The value of the column at this position of TableDefinition::columns; valid until the row moves on.
+    // The value of the column at this position of TableDefinition::columns; valid until the row changes.
     virtual const Value& value(int column) = 0;
 };
 
-// The position of a field of a table. Throws UnknownField with its name; so does the name of another table.
+// The position of a field of a table. Throws UnknownField with its name, also for the name of another table.
 int FindField(const TableDefinition& definition, std::u16string_view tableName, std::u16string_view table,
               std::u16string_view field);
 
 class Predicate {
 public:
-    // Throws UnknownField for a name that the table has no field of, DataTypeMismatch where kinds do not
-    // compare (whatever the rows hold), SyntaxError for a bad pattern.
+    // Throws UnknownField for a name that is not a field of the table, DataTypeMismatch if kinds cannot be
+    // compared (whatever the rows hold), SyntaxError for a bad pattern.
     Predicate(const TableDefinition& definition, std::u16string_view tableName,
               const sql::Expression& expression);
 
-    // Comparisons with null are unknown; only rows for which the whole is true are chosen.
+    // Comparisons with null are unknown; only rows for which the whole is true are selected.
     Truth evaluate(RowValues& row) const { return truth(root_, row); }
     bool chooses(RowValues& row) const { return evaluate(row) == Truth::True; }
 

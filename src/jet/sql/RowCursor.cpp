@@ -72,7 +72,7 @@ bool ListCursor::isThere(RowPointer at) const {
     return table_ == nullptr || table_->fetch(at, row);
 }
 
-// To the first row there is from a position on; to the last one before a position.
+// Moves to the first existing row from a position on; to the last one before a position.
 bool ListCursor::forward(std::size_t from) {
     gap_ = false;
     for (position_ = from; position_ < rows_.size(); ++position_)
@@ -106,7 +106,7 @@ bool ListCursor::previous() {
 }
 
 bool ListCursor::moveTo(RowPointer at) {
-    // The place itself, most of the time.
+    // Usually at the place itself.
     const bool here = !gap_ && position_ < rows_.size() && rows_[position_] == at;
     const auto found = here ? rows_.begin() + static_cast<std::ptrdiff_t>(position_)
                             : std::find(rows_.begin(), rows_.end(), at);

@@ -1,6 +1,6 @@
-// The orders in which a recordset walks over rows: that of the table's pages, that of an index, and that of a
-// list of rows which a query selected. Each is a place among the rows and finds its way on when rows come and
-// go around it, the one it stands on among them.
+// The orders in which a recordset visits rows: that of the table's pages, that of an index, and that of a
+// list of rows selected by a query. Each is a place among the rows and continues correctly when rows around
+// it, including its own, are added or removed.
 #pragma once
 
 #include "jet/index/IndexTree.h"
@@ -16,16 +16,16 @@ public:
     RowCursor& operator=(const RowCursor&) = delete;
     virtual ~RowCursor() = default;
 
-    // Each moves to a row and gives true, or gives false; then only first(), last() and moveTo() may follow.
+    // Each returns true after moving to a row. After false only first(), last() and moveTo() may follow.
     virtual bool first() = 0;
     virtual bool last() = 0;
     virtual bool next() = 0;
     virtual bool previous() = 0;
     virtual RowPointer at() const = 0;
-    // To this row, or where it is now that it was changed; false if it is not there.
+    // Moves to this row, or to its new place if it was changed; false if it does not exist.
     virtual bool moveTo(RowPointer at) = 0;
 
-    // The row of the place was removed; next() and previous() go to its neighbours.
+    // The row at the place was removed; next() and previous() go to its neighbours.
     virtual void removed() {}
     // A row was added to the table.
     virtual void added(RowPointer at) { static_cast<void>(at); }
@@ -72,14 +72,14 @@ private:
     const Table& table_;
     KeyEncoder encoder_;
     IndexCursor cursor_;
-    std::vector<Value> values_; // of a row, as far as the index needs them
+    std::vector<Value> values_; // of a row, as far as the index has them
     Bytes key_;
 };
 
-// Chosen rows. Those that others have removed meanwhile are passed over.
+// Selected rows. Those that others have removed meanwhile are skipped.
 class ListCursor final : public RowCursor {
 public:
-    // Without a table all rows are there for good.
+    // Without a table all rows exist for ever.
     ListCursor(const Table* table, std::vector<RowPointer> rows)
         : table_(table)
         , rows_(std::move(rows)) {}

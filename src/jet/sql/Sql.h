@@ -1,5 +1,5 @@
-// The engine's small SQL as a tree: SELECT, INSERT, UPDATE and DELETE on one table, and a predicate by
-// itself.
+// The engine's small SQL as a tree: SELECT, INSERT, UPDATE and DELETE on one table, and a predicate on its
+// own.
 //
 //   SELECT * | field, ...  FROM table [WHERE predicate] [ORDER BY field [ASC | DESC], ...]
 //   INSERT INTO table [(field, ...)] VALUES (operand, ...)
@@ -9,7 +9,7 @@
 // A predicate is made of =, <>, <, <=, >, >=, [NOT] LIKE, IS [NOT] NULL, [NOT] BETWEEN .. AND, [NOT] IN (..),
 // NOT, AND, OR and parentheses over fields and literals: numbers, 'text' or "text" (the quote doubled
 // inside), #dates# (month/day/year or year-month-day, with or without a time), TRUE, FALSE, NULL. Names with
-// blanks or signs stand in [brackets]; table.field is accepted. Words of the language may be in any case.
+// blanks or signs are written in [brackets]; table.field is accepted. Keywords may be in any case.
 #pragma once
 
 #include "jet/base/Value.h"
@@ -22,9 +22,9 @@
 
 namespace jet::sql {
 
-// Parentheses and NOTs inside each other; a longer statement is refused before it can exhaust the stack.
+// Nesting of parentheses and NOTs; a deeper statement is refused before it can exhaust the stack.
 inline constexpr int MaximumDepth = 100;
-// UTF-16 units of one statement.
+// Length of a statement in UTF-16 units.
 inline constexpr std::size_t MaximumLength = 64000;
 
 enum class Comparison { Equal, NotEqual, Less, LessEqual, Greater, GreaterEqual };
@@ -64,7 +64,7 @@ struct Select {
 
 struct Insert {
     std::u16string table;
-    std::vector<std::u16string> fields; // empty: all, in the order in which they are shown
+    std::vector<std::u16string> fields; // empty: all, in display order
     std::vector<Expression> values;     // literals
 };
 
@@ -86,9 +86,9 @@ struct Delete {
 
 using Statement = std::variant<Select, Insert, Update, Delete>;
 
-// Both throw SyntaxError, which names the place. Cost: linear in the length of the text.
+// Both throw SyntaxError with the position. Cost: linear in the length of the text.
 Statement ParseStatement(std::u16string_view text);
-// What may follow WHERE.
+// The text after WHERE.
 Expression ParsePredicate(std::u16string_view text);
 
 } // namespace jet::sql

@@ -1,4 +1,4 @@
-// Cuts a statement into words.
+// Splits a statement into tokens.
 #pragma once
 
 #include "jet/base/Value.h"
@@ -11,7 +11,7 @@ namespace jet::sql {
 struct Token {
     enum class Kind {
         End,
-        Word, // a word of the language or a plain name
+        Word, // a keyword or a plain name
         Name, // [a name in brackets]
         Literal,
         Sign, // ( ) , . * ; = <> < <= > >= + -
@@ -19,7 +19,7 @@ struct Token {
     Kind kind = Kind::End;
     std::u16string text; // words as written; names and texts without their quotes
     Value literal;
-    std::size_t at = 0; // where it begins in the statement
+    std::size_t at = 0; // its position in the statement
 };
 
 // Throws SyntaxError on anything but a token: an open quote, a bad number or date, a strange sign.

@@ -1,5 +1,5 @@
-// Recursive descent, one token ahead. AND and OR chains become one node with many operands, so that only
-// parentheses and NOT make a tree deeper.
+// Recursive descent, one token of lookahead. AND and OR chains become one node with many operands, so that
+// only parentheses and NOT deepen the tree.
 #include "jet/base/Error.h"
 #include "jet/sql/Sql.h"
 #include "jet/sql/SqlLexer.h"

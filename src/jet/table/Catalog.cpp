@@ -50,7 +50,7 @@ T get(const Table& table, const RowView& row, int column, T absent = {}) {
     return absent;
 }
 
-// A row of null values but for the given ones.
+// A row of nulls except for the given values.
 void insertRow(Table& table, std::initializer_list<std::pair<const char16_t*, Value>> fields) {
     std::vector<Value> values(table.definition().columns.size());
     for (const auto& [name, value] : fields)
@@ -62,9 +62,9 @@ void insertRow(Table& table, std::initializer_list<std::pair<const char16_t*, Va
     throw Error(error);
 }
 
-// The security identifiers as engines write them when nothing else is known: of the administrator, and of the
-// one that stands for whoever made an object. Both are stored under a key of the file, so the second is found
-// from the first by what they differ in.
+// The security identifiers that engines write when nothing else is known: of the administrator, and of the
+// placeholder for the creator of an object. Both are stored under a key of the file, so the second is derived
+// from the first by their difference.
 const Bytes DefaultAdministrator{0x64, 0x8B};
 const Bytes DefaultCreator{0x65, 0x8E};
 
@@ -140,8 +140,8 @@ Bytes SecurityIdOf(const Bytes& sid, const Bytes& administrator) {
     return own;
 }
 
-// Objects that the catalogue counts but that are not found are damage, too: what looks for a table must not
-// take it for one that is not there.
+// Objects that the catalogue counts but that are missing are damage, too: a missing table must not be
+// mistaken for one that does not exist.
 std::vector<CatalogObject> Catalog::readObjects(const OnDamage& damaged) const {
     const Reading reading(*pager_);
     const Table table(*pager_, ObjectsPage);
@@ -172,7 +172,7 @@ std::optional<CatalogObject> Catalog::findTable(std::u16string_view name) const 
         if (object.isTable() && SameName(object.name, name))
             return std::move(object);
     if (damage)
-        throw Error(*damage); // it may be the table's
+        throw Error(*damage); // it may be the missing table's
     return std::nullopt;
 }
 

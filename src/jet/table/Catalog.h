@@ -1,5 +1,5 @@
-// The catalogue of a database: which objects there are, where the tables' definitions lie, the properties of
-// objects and columns, and who may use what.
+// The catalogue of a database: its objects, where the tables' definitions lie, the properties of objects and
+// columns, and permissions.
 #pragma once
 
 #include "jet/record/PropertyBlob.h"
@@ -24,7 +24,7 @@ struct CatalogObject {
     static constexpr std::uint32_t HiddenFlag = 8;
 
     RowPointer row;
-    std::int32_t id = 0; // of a table: its definition page
+    std::int32_t id = 0; // for a table: its definition page
     std::int32_t parent = 0;
     std::u16string name;
     std::int16_t kind = TableKind; // or a kind of another program
@@ -47,13 +47,13 @@ struct RelationshipColumn {
     std::u16string referencedColumn;
 };
 
-// The rows of MSysObjects and of MSysRelationships that can be read; damage goes to `damaged`, and single
-// columns that cannot be read are left empty. Throws ReadVerification if the table lacks a column.
+// The readable rows of MSysObjects and of MSysRelationships; `damaged` gets the damage, and single unreadable
+// columns are left empty. Throws ReadVerification if the table lacks a column.
 std::vector<CatalogObject> ReadObjects(const Table& table, const OnDamage& damaged);
 std::vector<RelationshipColumn> ReadRelationships(const Table& table, const OnDamage& damaged);
 
-// A security identifier as a file stores it, of which others of the same file differ by what theirs do in a
-// new file: `sid` is stored in a new file, `administrator` the administrator's in this one.
+// Converts a security identifier to this file's form. Identifiers differ in the same way in every file: `sid`
+// is the form in a new file, `administrator` is the administrator's form in this one.
 Bytes SecurityIdOf(const Bytes& sid, const Bytes& administrator);
 
 // The computer's local time, as the catalogue keeps it.
@@ -74,16 +74,16 @@ public:
 
     Pager& pager() const { return *pager_; }
 
-    // All objects in the order of the catalogue's rows. Throws ReadVerification if one cannot be read or
-    // found.
+    // All objects in the order of the catalogue's rows. Throws ReadVerification if one is unreadable or
+    // missing.
     std::vector<CatalogObject> objects() const;
-    // Those that can be read; damage goes to `damaged`, and single columns that cannot be read are left
-    // empty.
+    // The readable ones; `damaged` gets the damage, and
+    // single unreadable columns are left empty.
     std::vector<CatalogObject> readObjects(const OnDamage& damaged) const;
     // The user's tables (neither system nor linked), in the order of the catalogue.
     std::vector<CatalogObject> tables() const;
-    // The table of this name, system tables included. Damage of other objects does not matter; when there is
-    // some and no table of this name is found, it is thrown. Cost: one walk over the catalogue's rows.
+    // The table of this name, including system tables. Damage to other objects is ignored if the table is
+    // found, and thrown if it is not. Cost: one scan of the catalogue's rows.
     std::optional<CatalogObject> findTable(std::u16string_view name) const;
 
     // Opens a table. Throws ItemNotFound with the name.
@@ -93,24 +93,24 @@ public:
     PropertyBlob properties(const CatalogObject& object) const;
     // Stores the properties of an object and the time of the change.
     void setProperties(const CatalogObject& object, const PropertyBlob& properties);
-    // Throws TableExists for a name that another object has.
+    // Throws TableExists if another object has the name.
     void rename(const CatalogObject& object, std::u16string_view name);
     // Sets the time of the last change of an object's design to now.
     void touch(const CatalogObject& object);
 
-    // Enters a new table with its permissions, given as the engine gives them: each inheritable one of the
-    // container of tables. `flags`: as CatalogObject's. Throws TableExists for a name that an object has.
+    // Adds a new table with the permissions that the engine gives: every inheritable one of the container of
+    // tables. `flags`: as in CatalogObject. Throws TableExists if an object has the name.
     void addTable(PageNumber definition, std::u16string_view name, const PropertyBlob& properties,
                   std::uint32_t flags = 0);
-    // Takes out an object's row and its permissions.
+    // Removes an object's row and its permissions.
     void remove(const CatalogObject& object);
 
-    // Gives an object what its container hands down; what that has for whoever makes an object goes to the
+    // Gives an object the permissions that its container passes on; those for an object's creator go to the
     // owner of the database.
     void inheritPermissions(std::int32_t object, std::int32_t container);
 
     std::vector<RelationshipColumn> relationships() const;
-    // Enters the new name of a table, or of one of its columns, in the relationships.
+    // Updates the relationships to the new name of a table, or of one of its columns.
     void renameInRelationships(std::u16string_view table, std::u16string_view name);
     void renameInRelationships(std::u16string_view table, std::u16string_view column,
                                std::u16string_view name);

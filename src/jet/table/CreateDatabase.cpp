@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-// The tables that every database has, as the engine lays them out. All four have their maps on one page.
+// The tables that every database has, in the engine's layout. All four have their maps on one page.
 constexpr PageNumber MapPage = 6;
 constexpr int MapRows = 31;
 constexpr PageNumber FirstDataPage = 14;
@@ -179,9 +179,9 @@ TableDefinition definitionOf(const TableRow& table) {
     return definition;
 }
 
-// Security identifiers, and the time of creation that goes with them: they are stored under a key that
-// depends on that time. These values are known together from a file of the engine, so every new file carries
-// them.
+// Security identifiers, and the creation time that belongs to them: they
+// are stored under a key that depends on that time. These values are
+// known together from a file of the engine, so every new file uses them.
 constexpr std::uint64_t HeaderDate = 0x40E4AB3E3BD3853E;
 const Bytes Administrator{0x64, 0x8B};
 const Bytes Users{0x65, 0x8B};

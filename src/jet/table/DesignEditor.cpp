@@ -18,7 +18,7 @@ constexpr int DefaultSize = 255;
 constexpr int LongestText = 255;
 constexpr int LongestBinary = 510;
 constexpr int HighestPrecision = 28;
-// A counter of changes of design in a part of the definition page that means nothing to the engine.
+// A counter of design changes in a part of the definition page that the engine ignores.
 constexpr std::size_t DesignCounter = 12;
 
 constexpr const char16_t* Required = u"Required";
@@ -83,7 +83,7 @@ void CheckName(std::u16string_view name) {
         throw Error(ErrorNumber::InvalidArgument, "'" + ToUtf8(name) + "' cannot be a name");
 }
 
-// A new, empty map on one of the pages that hold maps of this table, or on a new one.
+// A new, empty map on one of the pages with maps of this table, or on a new one.
 RowPointer DesignEditor::makeMap() {
     std::set<PageNumber> pages{definition_.ownedMap.page, definition_.freeMap.page};
     for (const RealIndex& index : definition_.realIndexes)
@@ -116,7 +116,7 @@ void DesignEditor::dropMap(RowPointer map) {
         pager_.release(map.page);
 }
 
-// Pages that a damaged map lists belong to others perhaps: all are looked at before the first is freed.
+// Pages that a damaged map lists may belong to others: all are checked before the first is freed.
 void DesignEditor::freeMapAndDataPages(RowPointer map, std::uint32_t owner) {
     const std::vector<PageNumber> pages = UsageMap(pager_, map).pages();
     for (const PageNumber page : pages)
@@ -284,7 +284,7 @@ void DesignEditor::renameIndex(std::u16string_view name, std::u16string_view to)
     sortIndexes();
 }
 
-// The engine keeps indexes in the order of their names.
+// The engine keeps indexes sorted by name.
 void DesignEditor::sortIndexes() {
     std::stable_sort(
         definition_.logicalIndexes.begin(), definition_.logicalIndexes.end(),
@@ -302,7 +302,7 @@ void DesignEditor::destroy() {
     freeMapAndDataPages(definition_.ownedMap, definition_.page);
     dropMap(definition_.freeMap);
     for (const PageNumber page : DefinitionPages(pager_, definition_.page)) {
-        // A freed page keeps its bytes; without its kind nobody takes it for a definition any more.
+        // A freed page keeps its bytes; without its kind nobody mistakes it for a definition.
         pager_.edit(page)[0] = 0;
         pager_.release(page);
     }

@@ -1,5 +1,5 @@
-// Changes one table's definition: columns, indexes, and the maps and trees behind them. What TableDesign's
-// routines are made of.
+// Changes one table's definition: columns, indexes, and the maps and trees behind them. The routines of
+// TableDesign use it.
 #pragma once
 
 #include "jet/table/TableDesign.h"
@@ -8,7 +8,7 @@ namespace jet {
 
 class DesignEditor {
 public:
-    // Both are changed; save() writes the definition. The properties are the caller's to store.
+    // Both are changed; save() writes the definition. The caller stores the properties.
     DesignEditor(Pager& pager, TableDefinition& definition, PropertyBlob& properties)
         : pager_(pager)
         , definition_(definition)
@@ -18,25 +18,25 @@ public:
     void makeMaps();
 
     void addField(const FieldDesign& field);
-    // The pages of its long values are freed.
+    // Frees the pages of its long values.
     void dropField(int column);
     void renameField(int column, std::u16string_view name);
 
-    // Gives the position of the real index, whose tree is empty.
+    // Returns the position of the real index, whose tree is empty.
     int addIndex(const IndexDesign& index);
-    // The tree goes with the last index that uses it.
+    // The tree is removed with the last index that uses it.
     void dropIndex(std::u16string_view name);
     void renameIndex(std::u16string_view name, std::u16string_view to);
 
-    // Frees everything that belongs to the table, its definition included.
+    // Frees everything that belongs to the table, including its definition.
     void destroy();
-    // Writes the definition so that Table objects made before notice that they are stale.
+    // Writes the definition so that earlier Table objects notice that they are stale.
     void save();
 
 private:
     RowPointer makeMap();
     void dropMap(RowPointer map);
-    // `owner`: what their heads say.
+    // `owner`: as in their heads.
     void freeMapAndDataPages(RowPointer map, std::uint32_t owner);
     void freeTree(const RealIndex& index);
     void freePages(RowPointer map, const std::vector<PageNumber>& pages);
@@ -49,7 +49,7 @@ private:
     PropertyBlob& properties_;
 };
 
-// Throws InvalidArgument for what cannot be the name of a table, field or index.
+// Throws InvalidArgument for an invalid name of a table, field or index.
 void CheckName(std::u16string_view name);
 
 } // namespace jet

@@ -9,7 +9,7 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t Ahead = 8; // rows that are asked of memory beforehand
+constexpr std::size_t Ahead = 8; // rows prefetched
 
 } // namespace
 
@@ -21,7 +21,7 @@ OrderedRows::OrderedRows(const Table& table, ExternalSort& entries, std::size_t 
     try {
         pages = table.pages().size();
     } catch (const Error&) {
-        // It is only for an estimate.
+        // It is only used for an estimate.
     }
     const std::size_t rows = std::max<std::size_t>(table.rowCount(), 1);
     rowLength_ = std::min<std::size_t>(pages * PageSize / rows, MaximumRowLength);
@@ -73,7 +73,7 @@ bool OrderedRows::fill() {
         Item& item = items_[static_cast<std::uint32_t>(byPage_[i])];
         RowView row;
         if (!table_.fetch(item.at, row))
-            continue; // next() finds the same
+            continue; // next() will find the same
         item.row = static_cast<std::uint32_t>(bytes_.size());
         item.length = static_cast<std::uint16_t>(row.all().size());
         item.page = row.page();

@@ -1,5 +1,5 @@
-// Rows in the order of their sorted keys. Fetching them one by one would look for a page for each; so many at
-// a time are fetched in the order of their pages, and given in that of their keys.
+// Rows in the order of their sorted keys. Fetching them one by one would look up a page for each; instead a
+// batch is fetched in page order, and returned in key order.
 #pragma once
 
 #include "jet/index/ExternalSort.h"
@@ -11,14 +11,14 @@ class OrderedRows {
 public:
     static constexpr std::size_t DefaultMemory = std::size_t{32} << 20;
 
-    // `entries`: sorted, none given yet. Both outlive this. `memory`: bytes for keys and rows, about. Stands
+    // `entries`: sorted, none read yet. Both outlive this. `memory`: approximate bytes for keys and rows. Use
     // inside a Reading.
     OrderedRows(const Table& table, ExternalSort& entries, std::size_t memory = DefaultMemory);
 
-    // Goes to the first row, then to the next one; false: there is none. Rows that are not there are passed
-    // over.
+    // Moves to the first row, then to the next one; false:
+    // there is none. Missing rows are skipped.
     bool next();
-    // Of the row; until the next call of next().
+    // Of the row; valid until the next call of next().
     KeyView key() const { return {bytes_.data() + item().key, item().keyLength}; }
     RowPointer at() const { return item().at; }
     const RowView& row() const { return row_; }
@@ -27,10 +27,10 @@ private:
     struct Item {
         RowPointer at;
         std::uint16_t keyLength = 0;
-        std::uint16_t length = 0; // of the row; 0: it is to be fetched by itself
+        std::uint16_t length = 0; // of the row; 0: it must be fetched separately
         std::uint32_t key = 0;    // where they begin in bytes_
         std::uint32_t row = 0;
-        PageNumber page = 0; // that the row really lies on
+        PageNumber page = 0; // of the row's actual data
     };
     const Item& item() const { return items_[taken_ - 1]; }
     bool fill();
@@ -38,7 +38,7 @@ private:
     const Table& table_;
     ExternalSort& entries_;
     std::size_t memory_;
-    std::size_t rowLength_; // as the number of pages and that of rows let expect
+    std::size_t rowLength_; // estimated from the numbers of pages and rows
     std::vector<Item> items_;
     std::size_t taken_ = 0;
     std::vector<std::uint64_t> byPage_; // a row's pointer, and the number of its item

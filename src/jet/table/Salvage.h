@@ -1,4 +1,4 @@
-// Reading what can be read of a damaged database: walks that go on after damage.
+// Reads what is readable in a damaged database: walks that continue after damage.
 #pragma once
 
 #include "jet/base/Error.h"
@@ -15,8 +15,8 @@ inline bool IsDamage(const Error& error) {
 
 using OnDamage = std::function<void(PageNumber, const Error&)>;
 
-// Runs a step and gives damage that it meets at a page to `damaged(PageNumber, const Error&)`. False: there
-// was some.
+// Runs a step and reports damage at a page to
+// `damaged(PageNumber, const Error&)`. False: there was some.
 template<typename Damaged, typename Step>
 bool DespiteDamage(PageNumber page, const Damaged& damaged, const Step& step) {
     try {
@@ -30,7 +30,7 @@ bool DespiteDamage(PageNumber page, const Damaged& damaged, const Step& step) {
     }
 }
 
-// Gives every row of a table that can be found to `visit(RowPointer, const RowView&)`, and every damage to
+// Passes every row of a table that can be found to `visit(RowPointer, const RowView&)`, and every damage to
 // `damaged`.
 template<typename Visit>
 void WalkReadable(const Table& table, Visit visit, const OnDamage& damaged) {

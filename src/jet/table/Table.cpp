@@ -43,7 +43,7 @@ bool Table::isOwn(const std::uint8_t* page) const {
     return datapage::IsDataPage(page) && datapage::Owner(page) == definition_->page;
 }
 
-// The row in a slot of a page of this table; false if it is none.
+// The row in a slot of a page of this table; false if there is none.
 bool Table::view(const std::uint8_t* page, RowPointer at, RowView& row) const {
     datapage::Slot slot = datapage::Find(page, at.page, at.row);
     if (slot.hidden)
@@ -69,7 +69,7 @@ std::vector<PageNumber> Table::pages() const {
     return pages_ ? *pages_ : UsageMap(*pager_, definition_->ownedMap).pages();
 }
 
-// The lowest page that is not below `from`, and the highest one below `before`; 0: there is none.
+// The lowest page from `from` on, and the highest one below `before`; 0: there is none.
 PageNumber Table::nextPage(PageNumber from) const {
     if (!pages_)
         return UsageMap(*pager_, definition_->ownedMap).next(from);
@@ -101,7 +101,7 @@ bool Table::next(RowPointer& at, RowView& row) const {
             slot = 0;
             if (number >= pager_->pageCount()) // and so does all that follows
                 Damaged(number, "of table '" + ToUtf8(name_) + "' lies beyond the end of the file");
-            at = {number, LastSlot}; // if the page is damaged the walk goes on after it
+            at = {number, LastSlot}; // if the page is damaged the walk continues after it
         }
         const std::uint8_t* page = pager_->read(number);
         if (isOwn(page)) {
@@ -175,7 +175,7 @@ IndexTree Table::index(int realIndex) const {
 
 void Table::checkWritable() const {
     for (const RealIndex& index : definition_->realIndexes) {
-        const KeyEncoder encoder(*definition_, index); // throws if it names a column that is not there
+        const KeyEncoder encoder(*definition_, index); // throws if it names a missing column
         for (const KeyEncoder::Part& part : encoder.parts()) {
             const Column& column = definition_->columns[static_cast<std::size_t>(part.column)];
             if (!IsOrderKnown(column))
@@ -194,8 +194,8 @@ TableWriter& Table::writer() {
     return *writer_;
 }
 
-// Runs the two halves of a change as one transaction. When the first one refuses, nothing was changed yet,
-// and a transaction around this one goes on.
+// Runs the two halves of a change as one transaction. If the first one refuses, nothing has changed yet, and
+// a transaction around this one continues.
 template<class Prepare, class Apply>
 void Table::change(Prepare prepare, Apply apply) {
     Changing change(*pager_);

@@ -1,8 +1,8 @@
-// The rows of one table: walking over them, fetching one by its pointer, and inserting, changing and removing
-// rows together with their index entries, long values and counters. Reading and writing go straight to the
-// pager's pages and nothing about rows is remembered besides a hint where there is room, so that several
-// Table objects on one table, and a rollback, do no harm. A change of the table's design makes a Table stale:
-// open a new one.
+// The rows of one table: walks over them, fetches one by its pointer, and inserts, changes
+// and removes rows together with their index entries, long values and counters. Reading
+// and writing go directly to the pager's pages; nothing about rows is cached except a hint
+// about free room, so that several Table objects on one table, and a rollback, are
+// harmless. A change of the table's design makes a Table stale: open a new one.
 #pragma once
 
 #include "jet/index/IndexTree.h"
@@ -20,7 +20,7 @@ struct FieldChange {
     Value value;
 };
 
-// What the properties of a column demand of its values.
+// The constraints of a column's properties on its values.
 struct FieldRule {
     bool required = false;
     bool zeroLength = true; // empty text is allowed
@@ -31,11 +31,11 @@ class TableWriter;
 class Table {
 public:
     // `properties`: of the table's catalogue entry; they say which fields are required and may hold empty
-    // text. Catalog::table() is the usual way to get here.
+    // text. Usually called by Catalog::table().
     Table(Pager& pager, PageNumber definitionPage, std::u16string name = {},
           const PropertyBlob& properties = {});
-    // For saving rows of a damaged table: by a definition that was mended, on these pages, which are
-    // ascending, if its list of them is broken.
+    // For saving rows of a damaged table: with a repaired definition, on these pages, in ascending order, if
+    // its list of them is broken.
     Table(Pager& pager, TableDefinition definition, std::u16string name,
           std::optional<std::vector<PageNumber>> pages = std::nullopt);
 
@@ -49,35 +49,35 @@ public:
 
     // The pages of its rows. Throws ReadVerification if the list of them is broken.
     std::vector<PageNumber> pages() const;
-    // Number of rows, as the table's own counter says.
+    // Number of rows, from the table's own counter.
     std::uint32_t rowCount() const;
 
-    // Walks over the rows in the order of their pages: moves `at` to the next (previous) live row and gives a
-    // view of it; a default RowPointer begins before the first (after the last). False: there is none. A row
-    // that was moved is met at its slot. Rows may be inserted and removed during the walk. After a damaged
-    // row or page (ReadVerification) the walk can go on after it, unless `at` has not moved: then the list
-    // of pages is broken.
+    // Walks over the rows in page order: moves `at` to the next (previous) live row and
+    // returns a view of it; a default RowPointer begins before the first (after the last).
+    // False: there is none. A moved row is visited at its slot. Rows may be inserted and
+    // removed during the walk. After a damaged row or page (ReadVerification) the walk can
+    // continue, unless `at` has not moved: then the list of pages is broken.
     bool next(RowPointer& at, RowView& row) const;
     bool previous(RowPointer& at, RowView& row) const;
     // The row in a slot; false if there is none (any more).
     bool fetch(RowPointer at, RowView& row) const;
 
-    // One value of a row, into memory that is used again.
+    // One value of a row, into reused memory.
     void value(const RowView& row, int column, Value& into) const;
     // All values, in the order of definition().columns.
     void values(const RowView& row, std::vector<Value>& into) const;
 
-    // Adds a row. `values` has one value for each of definition().columns; they are converted to the columns'
-    // kinds; an autonumber that is null gets the next number. On return they are the values as stored. Throws
+    // Adds a row. `values` has one value per column of definition().columns; they are converted to the
+    // columns' kinds; a null autonumber gets the next number. On return they are the values as stored. Throws
     // DuplicateKey, NullNotAllowed, RequiredFieldEmpty, ZeroLengthNotAllowed, FieldTooSmall, TypeConversion,
     // RecordTooLarge before anything is changed.
     RowPointer insert(std::span<Value> values);
-    // Changes columns of a row; the others keep their stored bytes. Throws as insert() does, or
-    // RecordDeleted.
+    // Changes columns of a row; the others keep their
+    // stored bytes. Throws like insert(), or RecordDeleted.
     void update(RowPointer at, std::span<const FieldChange> changes);
     void remove(RowPointer at);
 
-    // Whether rows may be changed: throws CannotUpdateReadOnly if an index is in an order not known here.
+    // Whether rows may be changed: throws CannotUpdateReadOnly if an index has an unknown sort order.
     void checkWritable() const;
 
     // One of definition().realIndexes.
@@ -94,7 +94,7 @@ private:
 
     Pager* pager_;
     std::u16string name_;
-    std::unique_ptr<TableDefinition> definition_; // stays where it is when the table is moved
+    std::unique_ptr<TableDefinition> definition_; // must not move when the table does
     std::optional<std::vector<PageNumber>> pages_;
     std::vector<FieldRule> rules_;
     std::unique_ptr<TableWriter> writer_; // made for the first change

@@ -26,7 +26,7 @@ int findField(const TableDefinition& definition, std::u16string_view field) {
     return column;
 }
 
-// An existing table whose design is changed, in a transaction.
+// An existing table during a change of its design, in a transaction.
 struct Redesign {
     Redesign(Catalog& catalogue, std::u16string_view table)
         : catalog(catalogue)
@@ -54,7 +54,7 @@ struct Redesign {
     DesignEditor editor;
 };
 
-// Fills the empty tree of an index from the rows of the table, and enters its counters in the definition.
+// Fills the empty tree of an index from the rows of the table, and stores its counters in the definition.
 void fill(const Table& table, TableDefinition& definition, int realIndex) {
     Pager& pager = table.pager();
     RealIndex& index = definition.realIndexes.at(static_cast<std::size_t>(realIndex));
@@ -80,7 +80,7 @@ void fill(const Table& table, TableDefinition& definition, int realIndex) {
     index.distinctKeys = builder.distinctKeys();
 }
 
-// Brings rows that were there before a field was appended into the form that they have now, where it differs.
+// Converts rows from before a field was added to their new form, if it differs.
 void updateRows(Table& table, int field) {
     const bool numbered = table.definition().columns[static_cast<std::size_t>(field)].isAutonumber();
     std::int32_t number = 0;
@@ -147,8 +147,8 @@ void AppendField(Catalog& catalog, std::u16string_view table, const FieldDesign&
     const bool firstVariable = design.definition.variableColumns == 0;
     design.editor.addField(field);
     design.save(true);
-    // Rows without any variable column lack that part; readers tell it from the definition, so all must get
-    // it.
+    // Rows without any variable column lack that part; readers derive this from the definition, so all rows
+    // must get it.
     if ((firstVariable && design.definition.variableColumns > 0) || field.autonumber) {
         Table rows = catalog.table(design.object);
         updateRows(rows, design.definition.findColumn(field.name));
@@ -234,7 +234,7 @@ TableDesign DescribeTable(const Catalog& catalog, const CatalogObject& object) {
         index.ignoreNulls = real.ignoresNulls();
         design.indexes.push_back(std::move(index));
     }
-    // Everything else that the properties say.
+    // All other properties.
     for (const PropertyBlob::Owner& owner : properties.owners) {
         auto* into = &design.properties;
         if (owner.kind == PropertyBlob::Owner::ColumnKind) {

@@ -1,6 +1,6 @@
-// Changing what a database is made of: appending, dropping and renaming tables, fields and indexes, on empty
-// tables and on filled ones. Properties, permissions, relationships and objects of other programs are kept.
-// Open Table objects of a table that was changed here are stale.
+// Changes the design of a database: adds, drops and renames tables, fields and indexes, on empty tables and
+// on filled ones. Properties, permissions, relationships and objects of other programs are kept. Open Table
+// objects of a changed table are stale.
 #pragma once
 
 #include "jet/table/Catalog.h"
@@ -40,32 +40,32 @@ struct TableDesign {
     std::vector<Property> properties; // of the table itself
 };
 
-// Each of these is one transaction, or an undoable part of the one that runs.
+// Each of these is one transaction, or an undoable part of the running one.
 
 // Throws TableExists, FieldExists, IndexExists, TooManyFields, TooManyIndexes, ItemNotFound (a field of an
-// index), or InvalidArgument (name or size). Gives the page of the definition.
+// index), or InvalidArgument (name or size). Returns the page of the definition.
 PageNumber AppendTable(Catalog& catalog, const TableDesign& design);
 // A table that takes part in a relationship cannot be dropped: UsedInRelationship.
 void DropTable(Catalog& catalog, std::u16string_view table);
 void RenameTable(Catalog& catalog, std::u16string_view table, std::u16string_view name);
 
-// Rows that are there already hold null in a new field, or false, or are numbered in an autonumber.
+// Existing rows have null in a new field, or false, or are numbered in an autonumber.
 void AppendField(Catalog& catalog, std::u16string_view table, const FieldDesign& field);
 // A field that an index uses cannot be dropped: UsedInIndex.
 void DropField(Catalog& catalog, std::u16string_view table, std::u16string_view field);
 void RenameField(Catalog& catalog, std::u16string_view table, std::u16string_view field,
                  std::u16string_view name);
 
-// On a filled table the index is built from its rows; DuplicateKey or NullNotAllowed leave the table as it
-// was.
+// On a filled table the index is built from its rows; DuplicateKey or NullNotAllowed leave the table
+// unchanged.
 void AppendIndex(Catalog& catalog, std::u16string_view table, const IndexDesign& index);
 // An index that a relationship uses cannot be dropped: UsedInRelationship.
 void DropIndex(Catalog& catalog, std::u16string_view table, std::u16string_view index);
 void RenameIndex(Catalog& catalog, std::u16string_view table, std::u16string_view index,
                  std::u16string_view name);
 
-// What a table looks like: fields in the order in which they are shown, without the indexes that belong to
-// relationships.
+// The design of a table: fields in display order, without
+// the indexes that belong to relationships.
 TableDesign DescribeTable(const Catalog& catalog, const CatalogObject& table);
 
 } // namespace jet

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t PointerLength = 4;
 constexpr std::uint32_t CountedExactly = 1024;
 constexpr std::uint32_t SampleEvery = 16;
-// The parts of a definition page that a change of design alters: the definition's length, and its head from
+// The parts of a definition page that a design change alters: the definition's length, and its head from
 // after the counters up to the maps.
 constexpr std::size_t LengthField = 0x08;
 constexpr std::size_t HeadBegin = 0x18;
@@ -51,7 +51,7 @@ TableWriter::TableWriter(Pager& pager, const TableDefinition& definition, std::v
             autonumber_ = static_cast<int>(i);
 }
 
-// Throws if another program, or another part of this one, has changed the table's design since it was opened.
+// Throws if another program, or another part of this one, changed the table's design since it was opened.
 void TableWriter::checkDesign() {
     const std::uint8_t* page = pager_.read(definition_.page);
     if (std::memcmp(page + LengthField, design_.data(), 4) != 0 ||
@@ -71,8 +71,8 @@ void TableWriter::checkRule(std::size_t column, const Value& value) const {
         throw Error(ErrorNumber::ZeroLengthNotAllowed, ToUtf8(definition_.columns[column].name));
 }
 
-// The number of distinct keys in an index is there for whoever plans queries. In a large table one row in
-// SampleEvery is looked at and stands for all of them, unless the index must be searched anyway.
+// The number of distinct keys of an index helps query planners. In a large table one row in SampleEvery is
+// examined and represents all of them, unless the index must be searched anyway.
 void TableWriter::chooseSample() {
     const std::uint32_t rows = TableCounters::rowCount(pager_, definition_.page);
     sample_ = rows < CountedExactly ? 1 : rows % SampleEvery == 0 ? SampleEvery : 0;
@@ -84,7 +84,7 @@ void TableWriter::countKeys(std::size_t index) {
                                        indexes_[index].newKeys);
 }
 
-// Makes the key of a row, and refuses a null or a duplicate where the index does not take it.
+// Builds the key of a row, and refuses a null or a duplicate that the index does not allow.
 void TableWriter::prepareKey(Index& index, std::span<const Value> values) {
     const RealIndex& real = *index.definition;
     const KeyKind kind = index.encoder.encodeRow(values, index.key);
@@ -106,7 +106,7 @@ void TableWriter::prepareKey(Index& index, std::span<const Value> values) {
         index.newKeys = mustDiffer ? 1 : sample_;
 }
 
-// Builds the row; long values that do not stay in it have an empty definition for now.
+// Builds the row; long values stored outside it have an empty definition for now.
 void TableWriter::encode(bool allApart) {
     apart_.clear();
     const auto putLong = [&](int column, const Value& value, Bytes& into) {
@@ -201,7 +201,7 @@ void TableWriter::keepOld(const RowView& row) {
     old_ = RowView(oldRow_, row.page(), definition_.variableColumns > 0);
 }
 
-// Takes the values that an index is made of out of the old row.
+// Extracts the values of an index from the old row.
 void TableWriter::decodeKeyColumns(const Index& index) {
     for (const KeyEncoder::Part& part : index.encoder.parts()) {
         const auto column = static_cast<std::size_t>(part.column);
@@ -259,21 +259,21 @@ void TableWriter::update(RowPointer at) {
     }
 }
 
-// Frees what a Memo or OLE field of the old row has outside of it.
+// Frees the external parts of a Memo or OLE field of the old row.
 void TableWriter::removeLongValue(std::size_t column) {
     const Column& definition = definition_.columns[column];
     if (definition.isLong() && !old_.isNull(definition))
         store(column).remove(old_.bytes(definition), old_.page());
 }
 
-// Where a row was moved to; no page if it is at home.
+// Where a row was moved to; no page if it was not.
 RowPointer TableWriter::movedTo(RowPointer at) {
     const std::uint8_t* page = pager_.read(at.page);
     const datapage::Slot slot = datapage::Find(page, at.page, at.row);
     return slot.pointer ? LoadRowPointer(page + slot.offset) : RowPointer{};
 }
 
-// Puts the built row in the place of the one at `at`: there, or where that was moved to, or elsewhere.
+// Replaces the row at `at` by the built one: there, or at its moved place, or elsewhere.
 void TableWriter::place(RowPointer at) {
     const int length = static_cast<int>(row_.size());
     const auto canReplace = [&](RowPointer where, int size) {

@@ -1,4 +1,4 @@
-// The changing half of a Table: made with the first change, it keeps what is needed for many of them.
+// The writing half of a Table: made with the first change, it keeps what many changes need.
 #pragma once
 
 #include "jet/index/IndexPath.h"
@@ -10,12 +10,12 @@ namespace jet {
 
 class TableWriter {
 public:
-    // The table's definition must stay where it is.
+    // The table's definition must not move.
     TableWriter(Pager& pager, const TableDefinition& definition, std::vector<FieldRule> rules);
 
-    // Each change has two halves. The first checks everything and throws what the caller is to blame for; no
-    // page is changed. The second, which must follow at once, changes pages; what it throws is a fault of the
-    // file.
+    // Each change has two halves. The first checks everything and throws
+    // the caller's errors; it changes no page. The second, which must
+    // follow immediately, changes pages; its errors are faults of the file.
     void prepareInsert(std::span<Value> values);
     RowPointer insert();
     // `row`: the view of the row at `at`.
@@ -29,15 +29,15 @@ private:
         KeyEncoder encoder;
         IndexTree tree;
         const RealIndex* definition;
-        Bytes key; // of the row as it shall be
+        Bytes key; // of the new row
         Bytes oldKey;
         bool present = false; // the row has an entry
         bool oldPresent = false;
         std::uint32_t newKeys = 0; // what the row adds to the number of distinct keys
-        bool searched = false;     // the new key is not there yet, and would go to `place`
+        bool searched = false;     // the new key does not exist yet, and would go to `place`
         IndexPath place = {};
     };
-    // A long value of the row being built that goes to pages of its own.
+    // A long value of the row being built that is stored on pages of its own.
     struct Apart {
         std::size_t column = 0;
         std::size_t at = 0; // of its definition in the row
@@ -62,19 +62,19 @@ private:
     Pager& pager_;
     const TableDefinition& definition_;
     std::vector<FieldRule> rules_;
-    Bytes design_; // the head of the definition page as it was
+    Bytes design_; // the original head of the definition page
     RowEncoder encoder_;
     RowSpace space_;
     std::vector<Index> indexes_;
     std::vector<std::unique_ptr<LongValueStore>> stores_; // by column
     int autonumber_ = -1;
 
-    // Used again from row to row.
+    // Reused from row to row.
     Bytes row_;
     Bytes oldRow_;
     RowView old_;                     // of oldRow_
     std::uint32_t newAutonumber_ = 0; // 0: none
-    std::uint32_t sample_ = 1;        // for how many rows this one stands
+    std::uint32_t sample_ = 1;        // how many rows this one represents
     std::vector<RowEncoder::Field> fields_;
     std::vector<Value> values_;
     std::vector<Value> changed_;

@@ -15,9 +15,9 @@ using Kind = CharacterOrder::Kind;
 constexpr std::uint8_t EndOfWeights = 0x01;
 constexpr std::uint8_t NoAccent = 0x02;
 constexpr std::uint8_t MinorMark = 0x06;
-constexpr std::uint8_t UnknownWeight = 0xFF; // above all weights, for comparing only
+constexpr std::uint8_t UnknownWeight = 0xFF; // above all weights, used only in comparisons
 
-// Characters whose order is not known weigh FF and their own two bytes.
+// Characters of unknown order weigh FF and their own two bytes.
 constexpr CharacterOrder Unknown{Kind::Letter, 1, 0, 0};
 
 const CharacterOrder& orderOf(char16_t unit) {
@@ -25,7 +25,7 @@ const CharacterOrder& orderOf(char16_t unit) {
     return order != nullptr ? *order : Unknown;
 }
 
-// Texts are spans of UTF-16 units or, where each character is below 100, of bytes.
+// Texts are spans of UTF-16 units or, if each character is below 100, of bytes.
 template<typename Unit>
 using Text = std::span<const Unit>;
 
@@ -95,13 +95,13 @@ struct MinorWalk {
     }
 };
 
-// Walks over the weight bytes of a text; 0 at its end, as the end of the weights is below every weight.
+// Walks over the weight bytes of a text; 0 at its end, because the end is below every weight.
 struct WeightWalk {
     Text<char16_t> text;
     std::size_t at = 0;
     std::uint8_t pending[2] = {};
     int waiting = 0;
-    bool plain = true; // nothing but letters without accents was met
+    bool plain = true; // only unaccented letters so far
 
     std::uint8_t next() {
         if (waiting > 0)
@@ -236,7 +236,7 @@ int CompareTexts(std::u16string_view textA, std::u16string_view textB) {
         if (weightA != weightB)
             return weightA < weightB ? -1 : 1;
         if (weightA == 0)
-            // What the common beginning brings is the same for both.
+            // The common prefix contributes the same to both.
             return walkA.plain && walkB.plain ? 0 : compareSecondary(a, b);
     }
 }

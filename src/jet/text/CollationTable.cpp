@@ -6,7 +6,7 @@ namespace {
 
 using Kind = CharacterOrder::Kind;
 
-// Short words for the tables below: n ignored, w weight, e two letters in one, a accented letter, d two
+// Abbreviations for the tables below: n ignored, w weight, e two letters in one, a accented letter, d two
 // accented letters in one, p minor character, m mark.
 constexpr CharacterOrder n{};
 constexpr CharacterOrder w(std::uint16_t weight) {

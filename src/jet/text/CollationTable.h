@@ -1,4 +1,4 @@
-// What each character brings into a text's key, as the General order has it.
+// The contribution of each character to a text's key in the General order.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ struct CharacterOrder {
         Ignored,
         Letter,   // has a weight: any character that counts by itself, or two letters in one (ss, ae)
         Accented, // a weight, and an accent for each of its positions
-        Minor,    // hyphens, apostrophes, controls: count by their place, after everything else
+        Minor,    // hyphens, apostrophes, controls: compared by position, after everything else
         Mark,     // changes the accent of the letter before it
     };
     Kind kind = Kind::Ignored;
@@ -21,19 +21,19 @@ struct CharacterOrder {
     std::uint16_t code = 0; // accent (two positions: that of the first in the high byte), Minor or Mark code
 };
 
-// The characters that nearly all texts are made of, found without a search.
+// The most common characters, found without a search.
 inline constexpr char16_t LatinEnd = 0x218;
 extern const CharacterOrder LatinOrders[LatinEnd];
 
-// The weights of the commonest ones again: letters without accents, and all else that brings nothing but one
-// byte. 0: see the order.
+// The weights of the most common ones again: letters without accents, and everything else that contributes
+// exactly one byte. 0: see the order.
 inline constexpr std::size_t PlainEnd = 0x100;
 extern const std::array<std::uint8_t, PlainEnd> PlainWeights;
 
-// The same for all others.
+// The same for all other characters.
 const CharacterOrder* FindOrderBeyondLatin(char16_t unit);
 
-// Null: the place of this UTF-16 unit in the order is not known.
+// Null: the order of this UTF-16 unit is unknown.
 inline const CharacterOrder* FindCharacterOrder(char16_t unit) {
     return unit < LatinEnd ? &LatinOrders[unit] : FindOrderBeyondLatin(unit);
 }

@@ -14,7 +14,7 @@ constexpr sys_days firstDay = year{100} / January / 1;
 constexpr sys_days lastDay = year{9999} / December / 31;
 constexpr int secondsPerDay = 86400;
 
-// Reads digits and signs from the front of a text; the first thing that does not fit ends it for good.
+// Reads digits and signs from the front of a text; the first mismatch ends it for good.
 class Reader {
 public:
     explicit Reader(std::string_view text)

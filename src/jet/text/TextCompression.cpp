@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint8_t Mark[] = {0xFF, 0xFE};
 constexpr char16_t MarkUnit = 0xFEFF;
-// The engine squeezes texts of these lengths only.
+// The engine compresses only texts of these lengths.
 constexpr std::size_t ShortestSqueezed = 3;
 constexpr std::size_t LongestSqueezed = 1024;
 
@@ -72,7 +72,7 @@ std::optional<std::span<const std::uint8_t>> PlainText(std::span<const std::uint
 
 void EncodeText(std::u16string_view text, bool compress, Bytes& into) {
     while (!text.empty() && text.front() == MarkUnit)
-        text.remove_prefix(1); // its bytes would be taken for the mark
+        text.remove_prefix(1); // its bytes would be mistaken for the mark
     const std::size_t start = into.size();
     const bool squeezed =
         compress && text.size() >= ShortestSqueezed && text.size() <= LongestSqueezed &&

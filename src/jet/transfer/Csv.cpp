@@ -36,7 +36,7 @@ bool CsvReader::next(std::vector<CsvField>& fields) {
     return true;
 }
 
-// Says whether another field of the record follows.
+// Returns whether another field of the record follows.
 bool CsvReader::readField(CsvField& field) {
     field.text.clear();
     field.quoted = input_.peek() == '"';
@@ -51,7 +51,7 @@ bool CsvReader::readField(CsvField& field) {
         if (byte == '\r' && input_.peek() == '\n')
             continue;
         if (field.quoted)
-            throw Error(ErrorNumber::InvalidArgument, "text behind a closing quote");
+            throw Error(ErrorNumber::InvalidArgument, "text after a closing quote");
         if (field.text.size() == TextInput::MaximumLength)
             throw Error(ErrorNumber::InvalidArgument, "a field is too long");
         field.text += static_cast<char>(byte);

@@ -1,4 +1,4 @@
-// Comma-separated values after RFC 4180, in UTF-8. An empty field without quotes is null, "" is empty text.
+// Comma-separated values per RFC 4180, in UTF-8. An empty field without quotes is null, "" is empty text.
 #pragma once
 
 #include "jet/transfer/TextInput.h"
@@ -9,7 +9,7 @@
 
 namespace jet {
 
-// Appends a field that is not null, in quotes where it needs them.
+// Appends a field that is not null, in quotes if necessary.
 void AppendCsvField(std::string_view text, std::string& into);
 
 struct CsvField {
@@ -23,8 +23,8 @@ public:
     explicit CsvReader(TextInput& input)
         : input_(input) {}
 
-    // The fields of the next record; false: there is none. Lines end with LF or CR LF; quoted fields may hold
-    // line ends. Throws InvalidArgument for a quote that is not closed or has text after it.
+    // The fields of the next record; false: there is none. Lines end with LF or CR LF; quoted fields may
+    // contain line ends. Throws InvalidArgument for an unclosed quote or text after a closed one.
     bool next(std::vector<CsvField>& fields);
 
 private:

@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::size_t pieceLength = 65536;
 
-// What a byte of a squeezed text stands for.
-constexpr std::uint8_t Switch = 1;     // no character: what follows is written otherwise
+// The meaning of a byte of a compressed text.
+constexpr std::uint8_t Switch = 1;     // not a character: the rest has another encoding
 constexpr std::uint8_t TwoBytes = 2;   // in UTF-8
 constexpr std::uint8_t CsvQuoted = 4;  // makes a field need quotes
-constexpr std::uint8_t JsonEscape = 8; // stands for itself nowhere in JSON
+constexpr std::uint8_t JsonEscape = 8; // must be escaped in JSON
 constexpr auto signsOfBytes = [] {
     std::array<std::uint8_t, 256> signs{};
     for (std::size_t c = 1; c < ' '; ++c)
@@ -33,7 +33,7 @@ constexpr auto signsOfBytes = [] {
     return signs;
 }();
 
-// Writes one row after the other into a buffer. The commonest kinds go from the page to the buffer without
+// Writes one row after the other into a buffer. The most common kinds go from the page to the buffer without
 // becoming a Value.
 class RowWriter {
 public:
@@ -79,10 +79,10 @@ private:
     struct Field {
         int position;
         const Column* column;
-        std::string prefix; // what stands before the value
+        std::string prefix; // precedes the value
     };
 
-    // False: this is to be read as a value.
+    // False: this must be read as a value.
     bool appendStored(const Column& column, std::span<const std::uint8_t> bytes, std::string& into) {
         switch (column.type) {
         case ColumnType::Long:
@@ -133,7 +133,7 @@ private:
 
     void appendValue(const Field& field, const RowView& row, std::string& into) {
         if (field.column->isLong())
-            row.keep(); // long values may lie on more pages than stay in place meanwhile
+            row.keep(); // long values may lie on more pages than stay cached meanwhile
         table_.value(row, field.position, value_);
         text_.clear();
         const bool csv = format_ == TextFormat::Csv;

@@ -28,7 +28,7 @@ const Column& columnAt(const Table& table, int column) {
     throw Error(error.code(), detail);
 }
 
-// Takes one row out of the input at a time.
+// Reads one row of the input at a time.
 class CsvRows {
 public:
     CsvRows(const Table& table, TextInput& input)
@@ -100,7 +100,7 @@ private:
     std::vector<JsonMember> members_;
 };
 
-// Reads and stores one row; false: there is no more.
+// Reads and stores one row; false: there are no more.
 template<typename Rows>
 bool importRow(Table& table, Rows& rows, std::vector<Value>& values, std::uint32_t& line) {
     values.assign(table.definition().columns.size(), Value{});

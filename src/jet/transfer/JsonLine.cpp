@@ -79,7 +79,7 @@ private:
         }
         if (c != 'u')
             fail("an escape");
-        // All escapes that follow each other at once, so that surrogates find together.
+        // All consecutive escapes together, so that surrogates pair up.
         std::u16string units(1, unit());
         while (text_.substr(at_).starts_with("\\u")) {
             at_ += 2;

@@ -14,11 +14,11 @@ struct JsonMember {
     enum class Kind { Null, Flag, Number, Text };
     std::string key;
     Kind kind = Kind::Null;
-    std::string text; // of a number its digits as written; of a flag "true" or "false"
+    std::string text; // for a number its digits as written; for a flag "true" or "false"
 };
 
-// Parses one line. Throws InvalidArgument with the position for anything but a flat object, and for a key
-// that is there twice.
+// Parses one line. Throws InvalidArgument with the position for anything except a flat object, and for a
+// duplicate key.
 void ParseJsonLine(std::string_view line, std::vector<JsonMember>& members);
 
 } // namespace jet

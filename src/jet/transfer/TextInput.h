@@ -1,4 +1,4 @@
-// Text that is read once from front to back, from wherever the caller gets it.
+// Text that is read once from front to back, from a source of the caller.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@ namespace jet {
 
 class TextInput {
 public:
-    // Fills a buffer and says with how many bytes; 0: the end.
+    // Fills a buffer and returns the number of bytes; 0: the end.
     using Fill = std::function<std::size_t(char* into, std::size_t length)>;
     explicit TextInput(Fill fill);
 
     static constexpr int End = -1;
-    // Longest field or line that is taken in (a Memo holds less than 1 GB).
+    // Longest accepted field or line (a Memo holds less than 1 GB).
     static constexpr std::size_t MaximumLength = std::size_t{1} << 30;
 
-    // The next byte without and with going past it. A byte order mark at the start is passed over.
+    // The next byte, without and with moving past it. A byte order mark at the start is skipped.
     int peek() {
         if (at_ == length_ && !fill())
             return End;

@@ -1,5 +1,5 @@
-// The formats that audio files of this machine can be recorded in: format tags, as a WAV file numbers them,
-// and for each the channels, rates and sample sizes that can be written. Asked of the system's codecs once.
+// The formats in which this machine can record audio files: format tags, numbered as in a WAV file, and for
+// each the channels, rates and sample sizes that can be written. The system's codecs are asked once.
 #pragma once
 
 #include <QList>
@@ -13,7 +13,7 @@ struct AudioFormat {
     qint32 tag = 1; // 1: plain PCM
     qint32 channels = 2;
     qint32 rate = 44100; // hertz
-    qint32 bits = 16;    // of a sample; 0 where the format has none
+    qint32 bits = 16;    // per sample; 0 if the format has none
 
     friend bool operator==(const AudioFormat&, const AudioFormat&) = default;
 };
@@ -21,26 +21,26 @@ struct AudioFormat {
 struct AudioFormatTag {
     qint32 tag = 0;
     QString name;
-    QList<AudioFormat> formats; // by rate, channels, bits
+    QList<AudioFormat> formats; // sorted by rate, channels, bits
 };
 
-// By number.
+// Sorted by number.
 const QList<AudioFormatTag>& AudioFormatTags();
-// Null when this machine does not know the tag.
+// Null if this machine does not know the tag.
 const AudioFormatTag* FindAudioFormatTag(qint32 tag);
 
-// The format nearest to the one wanted: of the same tag, else plain PCM; of the same channels where there is
-// one, then the nearest rate, then the nearest sample size to 16 bits. Nothing on a machine without formats.
+// The closest format to the wanted one: the same tag, else plain PCM; the same channels if possible, then the
+// nearest rate, then the sample size nearest to 16 bits. Nothing on a machine without formats.
 std::optional<AudioFormat> SuggestAudioFormat(qint32 tag, qint32 channels, qint32 rate);
 
 // "44.100 kHz, 16 Bit, Stereo".
 QString AudioFormatDetails(const AudioFormat& format);
 
-// Name of the tag and details: "PCM 44.100 kHz, 16 Bit, Stereo". A tag that this machine does not know shows
-// as its number, without the size of a sample.
+// Name of the tag and details: "PCM 44.100 kHz, 16 Bit, Stereo". A tag that this machine does not know
+// appears as its number, without a sample size.
 QString DescribeAudioFormat(qint32 tag, qint32 channels, qint32 rate);
 
-// What the system's codecs can write; AudioFormatTags keeps it.
+// Asks the system's codecs what they can write; AudioFormatTags keeps the answer.
 QList<AudioFormatTag> FindAudioFormats();
 
 } // namespace tolvex::platform

@@ -63,7 +63,7 @@ std::optional<int> dataBitsOf(const QString& text) {
                                                                   : std::nullopt;
 }
 
-// Takes a field that is not empty into the line; false when it means nothing.
+// Takes a field that is not empty into the line; false if it is not valid.
 template<typename Value>
 bool take(const QString& field, std::optional<Value> (*meaning)(const QString&), Value& value) {
     if (field.isEmpty())

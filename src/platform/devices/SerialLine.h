@@ -1,4 +1,4 @@
-// How a serial line is set: speed, parity, data and stop bits, as the suite writes them in one text
+// Settings of a serial line: speed, parity, data and stop bits, which the suite writes as one text
 // ("9600,n,8,1"), and handshaking.
 #pragma once
 
@@ -21,12 +21,12 @@ struct SerialLine {
     bool operator==(const SerialLine&) const = default;
 };
 
-// Numbers as command files hold them.
+// Numbered as in command files.
 enum class Handshaking : qint32 { None = 0, XonXoff = 1, RtsCts = 2, RtsCtsXonXoff = 3 };
 
-// Takes a settings text: speed, parity, data bits, stop bits between commas, letters in any case, blanks
+// Parses a settings text: speed, parity, data bits and stop bits between commas, letters in any case, blanks
 // anywhere. A speed of two digits is the system's short form (96 is 9600). Parity is n, e, o, m or s, or the
-// word. What is left out at the end or between two commas has its default. Nothing, with a sentence in *why,
+// word. Fields that are empty or left out at the end have their defaults. Nothing, with a sentence in *why,
 // for anything else.
 std::optional<SerialLine> ParseSerialSettings(const QString& text, QString* why = nullptr);
 

@@ -17,9 +17,9 @@ namespace tolvex::platform {
 
 namespace {
 
-// How long a device may take nothing at all before its bytes are given up.
+// How long a device may accept nothing at all before its bytes are discarded.
 constexpr int patienceMilliseconds = 2000;
-// Between two looks at how much the system still has to send.
+// The interval at which the system's unsent bytes are counted.
 constexpr int lookMilliseconds = 10;
 
 constexpr std::array parities = {QSerialPort::NoParity, QSerialPort::EvenParity, QSerialPort::OddParity,
@@ -43,7 +43,7 @@ SerialFault inUse(const SerialPortFacts& facts) {
     return {SerialPortInUse, QStringLiteral("%1 is in use by %2.").arg(facts.name(), holder)};
 }
 
-// What stands against opening the port, as far as that shows beforehand.
+// Why the port cannot be opened, as far as this is known beforehand.
 SerialFault obstacle(const SerialPortFacts& facts) {
     if (facts.device.isEmpty())
         return {SerialPortMissing,
@@ -71,8 +71,8 @@ public:
             if (watch_.isActive())
                 look();
         });
-        // A device that went away reports without end for as long as it is open, and inside its report it
-        // cannot be closed.
+        // A device that went away keeps reporting while it is open, and it cannot be closed from inside its
+        // report.
         QObject::connect(&port_, &QSerialPort::errorOccurred, &port_,
                          [this](QSerialPort::SerialPortError error) {
                              QTimer::singleShot(0, &port_, [this, error, opening = opening_] {
@@ -107,7 +107,7 @@ public:
             return refused(facts);
         if (handshaking == Handshaking::RtsCtsXonXoff)
             AddXonXoff(port_);
-        port_.clear(); // what came before is no answer to anybody here
+        port_.clear(); // what came before answers nobody here
         held_ = std::make_unique<SerialPortUse>(device, use_);
         return {};
     }
@@ -137,7 +137,7 @@ public:
         return all;
     }
 
-    // Bytes that have not gone onto the line yet.
+    // Bytes that are not on the line yet.
     qint64 left() const {
         if (!port_.isOpen())
             return 0;
@@ -152,7 +152,7 @@ public:
     SerialLine line_;
     Handshaking handshaking_ = Handshaking::None;
     bool closing_ = false;
-    QTimer watch_; // runs while bytes are leaving
+    QTimer watch_; // runs while bytes are being sent
 
 private:
     SerialFault refused(const SerialPortFacts& facts) {
@@ -174,7 +174,7 @@ private:
             owner_.onReceived(bytes);
     }
 
-    // Looks how far the bytes have come.
+    // Checks how many bytes are still unsent.
     void look() {
         const qint64 now = left();
         if (now < leftBefore_)
@@ -223,7 +223,7 @@ private:
     }
 
     std::unique_ptr<SerialPortUse> held_;
-    QElapsedTimer progress_; // since something left
+    QElapsedTimer progress_; // since bytes were last sent
     qint64 leftBefore_ = 0;
     int opening_ = 0; // counts the calls of open
 };

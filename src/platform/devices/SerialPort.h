@@ -1,5 +1,5 @@
-// An open serial port. It works on the event loop: bytes are handed over and leave in the background; what
-// arrives, what has left and what goes wrong comes as calls.
+// An open serial port. It works on the event loop: bytes are handed over and sent in the background; received
+// bytes, the end of sending and faults arrive as calls.
 //
 //     SerialPort port("the radio clock");
 //     port.onReceived = [](const QByteArray& bytes) { ... };
@@ -16,7 +16,7 @@
 
 namespace tolvex::platform {
 
-// Numbers of the suite's serial control, with what happened in words; number 0 is no fault.
+// Numbers of the suite's serial control, and what happened in words; number 0 is no fault.
 enum SerialError : int {
     SerialPortMissing = 8002,
     SerialPortInUse = 8005,
@@ -32,24 +32,24 @@ struct SerialFault {
 
 class SerialPort {
 public:
-    // `use` names what holds the port, for others who want it: "the radio clock".
+    // `use` says what holds the port, for others who want it: "the radio clock".
     explicit SerialPort(const QString& use);
     // Closes the port.
     ~SerialPort();
     SerialPort(const SerialPort&) = delete;
     SerialPort& operator=(const SerialPort&) = delete;
 
-    // Called from the event loop; the port is not destroyed inside them. In onReceived there are always
-    // bytes; if nobody takes them they are gone.
+    // Called from the event loop; the port must not be destroyed inside them. onReceived always gets bytes;
+    // without a receiver they are lost.
     std::function<void(const QByteArray& bytes)> onReceived;
-    // Everything that was written has left the port.
+    // Everything that was written has been sent.
     std::function<void()> onSent;
-    // A sentence: bytes that the device does not take for two seconds were given up, or the device went away,
-    // which is reported once. isOpen says whether the port is still open.
+    // A sentence: bytes that the device did not accept for two seconds were discarded, or the device went
+    // away, which is reported once. isOpen says whether the port is still open.
     std::function<void(const QString& what)> onFailed;
 
-    // Opens a port by its number; one that is open is closed first. Refused with a reason: a port that is not
-    // there, may not be used by this user, or is held by somebody, who is named, and a line that the device
+    // Opens a port by its number, after closing one that is open. Refused with a reason: a missing port, one
+    // that this user may not use, one that is in use (the user is named), and a line setting that the device
     // does not offer.
     SerialFault open(int number, const SerialLine& line, Handshaking handshaking);
     bool isOpen() const;
@@ -57,15 +57,15 @@ public:
     const SerialLine& line() const;
     Handshaking handshaking() const;
 
-    // Hands over bytes; they leave in the order of the calls. False when the port is not open.
+    // Hands over bytes; they are sent in the order of the calls. False if the port is not open.
     bool write(const QByteArray& bytes);
-    // Bytes handed over that have not left yet.
+    // Bytes handed over and not sent yet.
     bool sending() const;
-    // Closes as soon as everything has left, or was given up. Another write before that still goes out;
-    // keepOpen takes it back.
+    // Closes as soon as everything was sent or discarded. A later write is still sent before that; keepOpen
+    // cancels it.
     void closeWhenSent();
     void keepOpen();
-    // Closes now. What is still to leave gets up to `milliseconds` for it; false when some of it was lost.
+    // Closes now, after up to `milliseconds` for unsent bytes. False if some of them were lost.
     bool close(int milliseconds = 2000);
 
 private:

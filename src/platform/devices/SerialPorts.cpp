@@ -17,7 +17,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// Uses of this program by the real path of the device they hold.
+// Uses within this program, by the real path of their device.
 QHash<QString, QString>& uses() {
     static QHash<QString, QString> all;
     return all;
@@ -27,7 +27,7 @@ QString realPath(const QString& device) {
     return QFileInfo(device).canonicalFilePath();
 }
 
-// The name of a device that stays with its adapter; else its plain path.
+// The name that stays with the adapter, else the plain path.
 QString lastingName(const QString& device) {
     const QDir names(QStringLiteral("/dev/serial/by-id"));
     for (const QFileInfo& name : names.entryInfoList(QDir::System | QDir::Files, QDir::Name))
@@ -36,7 +36,7 @@ QString lastingName(const QString& device) {
     return device;
 }
 
-// Built-in ports first, adapters after them, each in order of their numbers.
+// Built-in ports first, then adapters, each in order of their numbers.
 QStringList systemDevices() {
     QStringList devices;
     for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
@@ -65,14 +65,14 @@ bool anyEntry() {
     return false;
 }
 
-// What the entries lead to, by number from 1; the entries are made first where there are none.
+// What the entries lead to, by number from 1. Makes the entries first if there are none.
 QStringList devicesByNumber() {
     QStringList devices(SerialPortCount + 1);
     if (!anyEntry()) {
         const QStringList found = listDevices().mid(0, SerialPortCount);
         for (int i = 0; i < found.size(); ++i) {
             devices[i + 1] = found[i];
-            // One that cannot be made is tried again next time; the number means the same until then.
+            // If it cannot be made, the next call tries again; its number stays the same.
             if (!LookingOnly())
                 MakeHostLink(HostName(found[i]), HostName(entryOf(i + 1)));
         }

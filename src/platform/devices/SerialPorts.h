@@ -1,7 +1,7 @@
-// The serial ports of the machine by their numbers, COM1 to COM16. Each is an entry "com<n>" among the
-// machine folder's devices, a link to a device of the system. A machine folder that has none yet gets one for
-// each port that is there, in order; by the name that stays with an adapter where the system has one, so that
-// numbers do not move when adapters are plugged in again. From then on the links are the engineer's.
+// The serial ports of the machine by number, COM1 to COM16. Each is an entry "com<n>" among the machine
+// folder's devices, a link to a device of the system. A machine folder without any gets one for each existing
+// port, in order, by the name that stays with the adapter if there is one, so that numbers do not move when
+// adapters are plugged in again. After that the links belong to the engineer.
 #pragma once
 
 #include <QList>
@@ -13,21 +13,21 @@ inline constexpr int SerialPortCount = 16;
 
 struct SerialPortFacts {
     int number = 0;       // from 1
-    QString device;       // host path that it leads to, for showing; empty: it has no entry
-    bool present = false; // the device is there
-    QString description;  // of the device, as the system has it; may be empty
-    // Who has it open: a use of this program ("the radio clock"), or a program; empty: nobody that is known.
+    QString device;       // host path that it leads to, for display; empty: it has no entry
+    bool present = false; // the device exists
+    QString description;  // of the device, from the system; may be empty
+    // Who has it open: a use of this program ("the radio clock"), or a program; empty: nobody known.
     QString holder;
 
     // "COM3".
     QString name() const;
 };
 
-// A port by its number; one outside 1 to SerialPortCount has no entry.
+// A port by number; one outside 1 to SerialPortCount has no entry.
 SerialPortFacts FactsOfSerialPort(int number);
 QList<SerialPortFacts> SerialPorts();
 
-// Marks the device of a port as taken by a use of this program, for as long as the object lives.
+// Marks the device of a port as in use by this program while the object lives.
 class SerialPortUse {
 public:
     SerialPortUse(const QString& device, const QString& use);
@@ -39,8 +39,8 @@ private:
     QString device_;
 };
 
-// The devices that a new machine folder gets entries for; tests put others in place, null brings back the
-// system's.
+// The devices for which a new machine folder gets entries.
+// Tests set others; null restores the system's.
 void SetSerialDevices(QStringList (*devices)());
 
 } // namespace tolvex::platform

@@ -32,7 +32,7 @@ QList<WaveDevice> devicesOf(const QList<KnownWaveDevice>& known) {
 Numbered numberDevices() {
     const KnownWaveDevices found = FindWaveDevices();
     const QString path = MachineFolder() + QStringLiteral("/wavedevices.txt");
-    // Where nothing can be written the numbers hold for this run, in the order the devices are found in.
+    // If nothing can be written, the numbers hold for this run, in the order of detection.
     const FileLock lock(path);
     const QByteArray before = ReadHostFile(path, 1 << 20).value_or(QByteArray());
     KnownWaveDevices known = ReadKnownWaveDevices(before);

@@ -1,9 +1,9 @@
-// Which wave device has which number. The settings of the suite name devices by number, so a device keeps its
-// number for as long as this machine remembers it, whether it is there or not.
+// Assigns numbers to wave devices. The settings of the suite name devices by number, so a device keeps its
+// number while this machine remembers it, even when it is unplugged.
 //
-// What is remembered lies in the machine folder, in "wavedevices.txt": a line a device in the order of their
-// numbers, outputs and inputs apart, fields between tabs: "out" or "in", place, id, formats in hexadecimal,
-// name.
+// The memory is "wavedevices.txt" in the machine folder: one line per device
+// in the order of their numbers, outputs and inputs apart; tabs separate the
+// fields: "out" or "in", place, id, formats in hexadecimal, name.
 #pragma once
 
 #include "platform/devices/WaveDevices.h"
@@ -12,19 +12,19 @@
 
 namespace tolvex::platform {
 
-// A device as it is found or remembered.
+// A device, as detected or as remembered.
 struct KnownWaveDevice {
     WaveDevice device;
-    // Where it is plugged in, which tells two cards of one make apart; empty where the system does not tell.
+    // Where it is plugged in, which distinguishes two equal cards; empty if the system does not say.
     QString place;
-    // It is there, but another program has it, so that its formats could not be asked.
+    // It is present, but another program uses it, so its formats are unknown.
     bool busy = false;
 };
 
-// The remembered devices with those found now. A found one takes the number of the remembered one in the same
-// place with the same id, else in the same place, else of the same id; a new one comes last. Those not found
-// stay, absent and without formats. A busy one has the formats it had last, all of them when it was never
-// asked. Beyond 64 the last absent ones are forgotten.
+// Merges the remembered devices with the detected ones. A detected device takes the number of the remembered
+// one with the same place and id, else the same place, else the same id; a new one goes to the end. Those not
+// detected stay, absent and without formats. A busy one has the formats it had last, or all of them if it was
+// never asked. Beyond 64 the last absent ones are forgotten.
 QList<KnownWaveDevice> NumberWaveDevices(QList<KnownWaveDevice> remembered,
                                          const QList<KnownWaveDevice>& found);
 
@@ -36,7 +36,7 @@ struct KnownWaveDevices {
 // The devices that the sound system has now, in its order.
 KnownWaveDevices FindWaveDevices();
 
-// The text of "wavedevices.txt" and back. Lines that are not of its form are passed over.
+// Parses and writes "wavedevices.txt". Lines of any other form are skipped.
 QByteArray WriteKnownWaveDevices(const KnownWaveDevices& known);
 KnownWaveDevices ReadKnownWaveDevices(const QByteArray& text);
 

@@ -1,5 +1,5 @@
-// Text files that are read over and over while they hardly ever change: each is kept in its parsed form for
-// as long as the file is the same one. Bounded in memory; the file used last is always kept.
+// Text files that are read often and rarely change: each is kept in parsed form while the file stays the
+// same. Bounded in memory; the file used last is always kept.
 #pragma once
 
 #include "platform/host/HostFiles.h"
@@ -10,7 +10,7 @@
 
 namespace tolvex::platform {
 
-// What tells one state of a file from another without reading it.
+// Identifies the state of a file without reading it.
 struct FileStamp {
     quint64 device = 0;
     quint64 number = 0;
@@ -21,14 +21,14 @@ struct FileStamp {
     bool operator==(const FileStamp&) const = default;
 };
 
-// Nothing when there is no such regular file. Cost: one stat.
+// Nothing if there is no such regular file. Cost: one stat.
 std::optional<FileStamp> StampOf(const QString& hostPath);
 
-// Whether another write might still leave the same stamp: file systems count time in steps, of 2 seconds at
-// worst.
+// Whether another write could still leave the same stamp: file systems count time in steps, of up to 2
+// seconds.
 bool IsFresh(const FileStamp& stamp);
 
-// `Document` is made from the bytes of a file, or from none, and tells valid() and its cost() in bytes.
+// `Document` is constructed from the bytes of a file, or from none, and has valid() and cost() in bytes.
 template<class Document>
 class FileCache {
 public:
@@ -37,8 +37,8 @@ public:
         : limit_(limit)
         , budget_(budget) {}
 
-    // The file as it is now; null when it cannot be read. Cost: one stat while it is unchanged; while its
-    // last change is fresh its bytes are compared as well.
+    // The file as it is now; null if it cannot be read. Cost: one stat while it is unchanged; while its last
+    // change is recent, its bytes are compared as well.
     std::shared_ptr<const Document> open(const QString& hostPath) {
         const std::optional<FileStamp> stamp = StampOf(hostPath);
         const qsizetype at = indexOf(hostPath);
@@ -67,10 +67,10 @@ private:
     struct Entry {
         QString path;
         FileStamp stamp;
-        QByteArray bytes; // as long as the stamp alone proves nothing
+        QByteArray bytes; // while the stamp alone proves nothing
         std::shared_ptr<const Document> document;
     };
-    // A file a cache, few enough to be searched one by one.
+    // One entry per file, few enough for a linear search.
     static constexpr qsizetype mostFiles = 32;
 
     qsizetype indexOf(const QString& path) const {

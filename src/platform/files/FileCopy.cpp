@@ -35,7 +35,7 @@ int systemNumber(int fileError) {
     }
 }
 
-// Makes the folders above a path that are missing.
+// Makes the missing parent folders of a path.
 void makeFoldersAbove(const QString& path) {
     const qsizetype slash = std::max(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/'));
     const QString folder = path.left(std::max<qsizetype>(slash, 0));

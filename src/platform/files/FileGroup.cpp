@@ -20,7 +20,7 @@ namespace {
 constexpr qint64 longestRecord = 1 << 20;
 const QString recordFormat = QStringLiteral("tolvex-interrupted-change");
 
-// Waiting for a group that is at work.
+// How long to wait for another group.
 constexpr int recordWait = 3000; // milliseconds
 
 QString hashOf(const QByteArray& bytes) {
@@ -31,14 +31,14 @@ bool isThere(const QString& hostPath) {
     return LinkStatusOf(HostName(hostPath)).has_value();
 }
 
-// One file of a group at work.
+// A file of a group while the group changes.
 struct Part {
     QString path;
     QString host;
     std::unique_ptr<FileLock> lock;
     std::optional<QByteArray> before;
     QByteArray after;
-    QString backup; // Windows path; empty where there was no file
+    QString backup; // Windows path; empty if there was no file
     std::unique_ptr<Replacement> replacement;
 };
 
@@ -48,14 +48,14 @@ public:
         : limit_(limit)
         , stamp_(stamp) {}
 
-    // The steps of the work, each for all files. False, with the result filled, at the first that fails.
+    // The steps, each for all files. On the first failure they fill in the result and return false.
     bool read(const QList<GroupMember>& members);
     bool copyAndPrepare();
     bool writeRecord(const QString& hostRecord);
-    // The record goes when all files have their new bytes. False when something failed and not every file
-    // could be put back; then the record stays and tells the next start.
+    // Removes the record once all files have their new bytes. False if something failed and not every file
+    // could be restored; the record then stays for the next start.
     bool putInPlace(const QString& hostRecord);
-    // After a failure that left every file as it was: nothing needs the copies.
+    // After a failure that left every file unchanged, the copies are not needed.
     void dropBackups();
 
     bool isEmpty() const { return parts_.empty(); }
@@ -90,8 +90,8 @@ bool Group::readPart(Part& part) {
     return true;
 }
 
-// The part of a member's file, read when it is the first one of that file. Null, with the result filled, when
-// it cannot be read.
+// The entry for a member's file, read on first use. Null,
+// with the result filled in, if it cannot be read.
 Part* Group::partOf(const GroupMember& member) {
     const ResolvedPath at(member.path);
     Part fresh;
@@ -152,11 +152,11 @@ bool Group::writeRecord(const QString& hostRecord) {
                              {QStringLiteral("after"), hashOf(part.after)}};
     const QJsonObject all{{QStringLiteral("format"), recordFormat}, {QStringLiteral("files"), files}};
     result.error = ReplaceHostFile(hostRecord, QJsonDocument(all).toJson());
-    // It may be there all the same, not flushed for certain.
+    // It may exist all the same, but is perhaps not flushed.
     return result.error == NoError || (RemoveHostFile(hostRecord), false);
 }
 
-// The old bytes of the first `count` files. False when one could not be put back.
+// Restores the old bytes of the first `count` files. False if one could not be restored.
 bool Group::putBack(std::size_t count) {
     bool good = true;
     for (std::size_t i = 0; i < count; ++i) {
@@ -176,7 +176,7 @@ bool Group::putInPlace(const QString& hostRecord) {
             return putBack(i + 1) && RemoveHostFile(hostRecord) == NoError;
         }
     result.error = RemoveHostFile(hostRecord);
-    // A record that stays would undo, some day, what is complete now.
+    // A record left behind would later undo a complete change.
     return result.error == NoError || (putBack(parts_.size()) && RemoveHostFile(hostRecord) == NoError);
 }
 
@@ -185,14 +185,14 @@ void Group::dropBackups() {
         RemoveHostFile(ResolvedPath(backup).host);
 }
 
-// A file that a record names.
+// A file named in a record.
 struct Recorded {
     QString path;
     QString backup;
     QString after;
 };
 
-// The files of a record; nothing when it is none.
+// The files of a record; nothing if it is not a record.
 std::optional<std::vector<Recorded>> readRecord(const QString& hostRecord) {
     const QByteArray bytes = ReadHostFile(hostRecord, longestRecord).value_or(QByteArray());
     const QJsonObject all = QJsonDocument::fromJson(bytes).object();
@@ -213,7 +213,7 @@ bool holdsNewBytes(const Recorded& file, qint64 limit) {
     return now && hashOf(*now) == file.after;
 }
 
-// Puts one file back when it has its new bytes; FileError.
+// Restores one file if it has its new bytes; FileError.
 int restore(const Recorded& file, qint64 limit, UndoneGroup& undone) {
     const QString host = ResolvedPath(file.path).host;
     const FileLock lock(host);

@@ -1,9 +1,9 @@
-// Changing several files as one: all of them, or none.
+// Changes several files together: all of them, or none.
 //
-// Every file is locked, read, changed and written beside before the first one gets its new bytes; then only
-// names change. When one of these changes fails, the files before it get their old bytes back. For a process
-// that dies in between there is a record, a small file that says which files were to change and where their
-// old bytes lie; whoever starts next puts them back (UndoInterruptedGroup).
+// Every file is locked, read, changed and written beside before the first one gets its new bytes; after that
+// only names change. If one of these changes fails, the files before it get their old bytes back. A record, a
+// small file, covers a process that dies in between: it lists the files and where their old bytes lie, and
+// the next program to start restores them (UndoInterruptedGroup).
 #pragma once
 
 #include "platform/files/FileUpdate.h"
@@ -20,29 +20,29 @@ struct GroupMember {
 
 struct GroupResult {
     int error = NoError; // FileError
-    QString path;        // the file that it is about
-    QStringList backups; // copies of the files as they were, beside them
+    QString path;        // the file that failed
+    QStringList backups; // copies of the original files, beside them
 };
 
-// Copies each file that changes to "<path>.<stamp>.bak" (or "....<n>.bak" where that name is taken) and
-// applies the changes. `record` is the Windows path of the record, which is there only while the files
-// change; another group with the same record waits, and one that was interrupted has to be undone first
-// (FileAlreadyExists). Files of more than `limit` bytes are refused (DeviceIoError).
+// Copies each file that changes to "<path>.<stamp>.bak" (or "....<n>.bak" if that name is taken) and applies
+// the changes. `record` is the Windows path of the record, which exists only while the files change; another
+// group with the same record waits, and an interrupted one must be undone first (FileAlreadyExists). Files of
+// more than `limit` bytes are refused (DeviceIoError).
 GroupResult UpdateTogether(const QList<GroupMember>& members, qint64 limit, const QString& record,
                            const QString& stamp);
 
-// Whether a group was interrupted: its record is there, and nobody is at work on it.
+// Whether a group was interrupted: its record exists, and no program is working on it.
 bool GroupWasInterrupted(const QString& record);
 
 struct UndoneGroup {
     bool found = false;  // there was a record
-    int error = NoError; // why the record is still there: files could not be put back
+    int error = NoError; // why the record still exists: files could not be restored
     QStringList restored;
-    QStringList changedSince; // left as they are: they hold neither the old bytes nor the new ones
+    QStringList changedSince; // left unchanged: they hold neither the old bytes nor the new ones
 };
 
-// Puts the files of an interrupted group back as they were before it, and removes the record. A group of
-// which every file had its new bytes is complete: nothing is put back.
+// Restores the files of an interrupted group and removes the record. If every file already has its new bytes
+// the group is complete, and nothing is restored.
 UndoneGroup UndoInterruptedGroup(const QString& record);
 
 } // namespace tolvex::platform

@@ -87,7 +87,7 @@ int RenameFile(const QString& from, const QString& to) {
     if (const std::optional<HostStatus> there = LinkStatusOf(target.name)) {
         if (!there->isSameFile(*ours))
             return FileAlreadyExists;
-        // A change of case alone finds the file itself; so does giving it the name it has.
+        // A change of case alone finds the file itself, and so does renaming it to its own name.
         const std::optional<PathParts> spelled = SplitPath(to, {});
         const bool isNamed = spelled && !spelled->names.isEmpty();
         error = RenameHostFile(source.host, isNamed ? HostFolder(target.host) + u'/' + spelled->names.last()
@@ -97,7 +97,7 @@ int RenameFile(const QString& from, const QString& to) {
     }
     if (error != LiesOnOtherDisk)
         return error;
-    // A file moves to another disk by being copied.
+    // A move to another disk is a copy.
     error = CopyWholeFile(from, to);
     return error == NoError ? RemoveFile(from) : error;
 }

@@ -1,5 +1,5 @@
-// The names in a folder one after the other, in the order of the disk: for folders so large, or so far away,
-// that one listing would hold up a window. FolderNames (Files.h) gives all of them sorted.
+// Reads the names in a folder one by one, in disk order: for folders so large, or so far away, that one
+// listing would block a window. FolderNames (Files.h) returns all of them sorted.
 #pragma once
 
 #include <QString>
@@ -16,12 +16,12 @@ public:
     FolderReader(const FolderReader&) = delete;
     FolderReader& operator=(const FolderReader&) = delete;
 
-    // False where the folder is missing or may not be read; it then has no names.
+    // False if the folder is missing or unreadable; it then has no names.
     bool isOpen() const;
 
     // The next name of a file or folder, without "." and ".."; false at the end. Names that are not UTF-8 are
-    // passed over. A name that comes or goes meanwhile may be given or not. Cost: a quarter of a microsecond,
-    // and a system call for some hundred names.
+    // skipped. Whether a name that is added or removed meanwhile is returned is undefined. Cost: a quarter of
+    // a microsecond, and a system call for every few hundred names.
     bool next(QString& name);
 
 private:

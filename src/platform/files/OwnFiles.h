@@ -9,7 +9,7 @@
 
 namespace tolvex::platform {
 
-// The whole file. Nothing, with the FileError in *error, when it cannot be read or is longer than a megabyte.
+// The whole file. Nothing, with the FileError in *error, if it cannot be read or is longer than a megabyte.
 std::optional<QByteArray> ReadOwnFile(const QString& name, int* error);
 // Replaces or makes it as a whole. FileError number.
 int WriteOwnFile(const QString& name, const QByteArray& bytes);

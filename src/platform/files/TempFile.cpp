@@ -13,7 +13,7 @@ namespace {
 constexpr int prefixLength = 3;
 constexpr unsigned numbers = 0xFFFF;
 
-// Where the search begins: another number at every call, so that it seldom has to look twice.
+// The start of the search changes with every call, so that it rarely needs a second try.
 unsigned firstNumber() {
     return static_cast<unsigned>(NowInNanoseconds() % 1'000'000'000 / 1000 +
                                  QCoreApplication::applicationPid());

@@ -10,8 +10,8 @@ namespace tolvex::platform {
 
 namespace {
 
-// The user's own trash, which takes what no drive's trash takes. Qt takes for granted that its folder can be
-// made, and otherwise moves the file into the current folder.
+// The user's own trash, which takes what no drive's trash takes. Qt assumes that its folder can be made, and
+// otherwise moves the file into the current folder.
 bool hasHomeTrash() {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     return QDir::isAbsolutePath(data) && QDir().mkpath(data + QStringLiteral("/Trash/files")) &&

@@ -1,11 +1,11 @@
-// The desktop's trash, from which a file that was removed by mistake can be taken back.
+// The desktop's trash, from which a file deleted by mistake can be restored.
 #pragma once
 
 #include <QString>
 
 namespace tolvex::platform {
 
-// Moves a file there. False when its drive has none, or will not take it: the file is then where it was.
+// Moves a file there. False if its drive has no trash or refuses it: the file then stays where it was.
 bool MoveToTrash(const QString& path);
 
 } // namespace tolvex::platform

@@ -1,4 +1,4 @@
-// A file that is changed where it lies, since its folder takes no new files.
+// Changes a file in place because its folder accepts no new files.
 #pragma once
 
 #include "platform/host/FileError.h"
@@ -12,17 +12,17 @@ namespace tolvex::platform {
 
 class FileInPlace {
 public:
-    // Opens the file of a host path and locks it; waits for another holder up to 3 seconds.
+    // Opens the file at a host path and locks it; waits up to 3 seconds for another holder.
     explicit FileInPlace(const QString& hostPath);
     ~FileInPlace();
     FileInPlace(const FileInPlace&) = delete;
     FileInPlace& operator=(const FileInPlace&) = delete;
 
-    // NoError when it is open and locked; PermissionDenied when another program kept the lock all the time.
+    // NoError if it is open and locked; PermissionDenied if another program kept the lock all the time.
     int error() const { return error_; }
 
     // Changes the file, which holds `now`, to hold `next`: from the first byte that differs, once the disk
-    // has room for it. FileError; a full disk leaves the file as it was.
+    // has room for it. FileError; a full disk leaves the file unchanged.
     int overwrite(const QByteArray& now, const QByteArray& next);
 
 private:

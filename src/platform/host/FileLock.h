@@ -1,10 +1,10 @@
 // A lock for a file that several programs and workstations change by replacing it whole.
 //
 // The file itself cannot carry the lock, since each replacement is another file. The lock lies on a companion
-// beside it ("<name>.lock"), which is made for it and removed, still locked, with it; whoever waited on
-// a removed one notices and starts again. When its holder dies the system frees the lock, and the companion
-// that stays behind is taken over by the next. Whole-file locks of the system work between processes, within
-// one process, and over network file systems.
+// beside it ("<name>.lock"), which is made for the lock and removed, still locked, with it; a program that
+// waited for a removed one notices and starts again. If the holder dies the system frees the lock, and the
+// next holder takes over the companion left behind. Whole-file locks of the system work between processes,
+// within one process, and over network file systems.
 //
 //     const FileLock lock(hostPath);
 //     if (!lock.held())
@@ -22,20 +22,20 @@ namespace tolvex::platform {
 
 class FileLock {
 public:
-    // Locks the file of a host path, whether it is there or not, and waits for another holder up to
-    // `milliseconds`. A link is followed, so that all names of one file share one lock. Cost: five system
+    // Locks the file at a host path, even if the file does not exist, and waits up to `milliseconds` for
+    // another holder. A link is followed, so that all names of one file share one lock. Cost: five system
     // calls.
     explicit FileLock(const QString& hostPath, int milliseconds = 3000);
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // Whether somebody holds the lock of a file now. Changes nothing.
+    // Whether anybody holds the lock of a file now. Changes nothing.
     static bool isHeld(const QString& hostPath);
 
     bool held() const { return companion_ != nullptr; }
-    // FileError: PermissionDenied when another program kept the lock all the time; PathFileAccess or
-    // PathNotFound when the folder does not take files; NoError when held.
+    // FileError: PermissionDenied if another program kept the lock all the time; PathFileAccess or
+    // PathNotFound if the folder accepts no files; NoError while held.
     int error() const { return error_; }
 
 private:

@@ -1,6 +1,6 @@
-// Changes of the host's own file system, one call each, for this floor only. They do not ask whether the
-// machine is only looked at (LookOnly.h): their callers do. What is to survive a power cut stands in
-// Replacement.h.
+// Changes to the host's own file system, one call each, for this floor
+// only. They do not check for a LookOnly (LookOnly.h): their callers
+// do. Changes that must survive a power cut are in Replacement.h.
 #pragma once
 
 #include "platform/host/FileError.h"
@@ -10,31 +10,31 @@
 
 namespace tolvex::platform {
 
-// Makes one folder in an existing one. FileError; PathFileAccess when something of that name is there.
+// Makes one folder in an existing one. FileError; PathFileAccess if something of that name exists.
 int MakeHostFolder(const QString& hostPath);
 
-// Makes a folder with those above it, as far as they are missing. Empty, or what the system says stands in
-// the way.
+// Makes a folder and its missing parents. Empty, or the
+// system's reason why it cannot.
 QString MakeHostFolders(const QString& hostPath);
 
-// Makes a link; one that is there already stays as it is. Empty, or what the system says stands in the way.
+// Makes a link; an existing one stays as it is. Empty, or the system's reason why it cannot.
 QString MakeHostLink(const QByteArray& target, const QByteArray& name);
 
-// Makes a file without bytes where nothing has its name. FileError.
+// Makes an empty file under a name that is free. FileError.
 int MakeEmptyHostFile(const QString& hostPath);
 
 // Removes a file or link. FileError.
 int RemoveHostName(const QString& hostPath);
 
-// Beside a FileError: the new name lies on another disk.
+// In addition to FileError: the new name lies on another disk.
 inline constexpr int LiesOnOtherDisk = -1;
-// Gives a file or folder another name, in place of what has that name. FileError or LiesOnOtherDisk.
+// Renames a file or folder, replacing whatever has the new name. FileError or LiesOnOtherDisk.
 int RenameHostFile(const QString& from, const QString& to);
-// The same where nothing has the new name, even when another program takes it at this moment.
+// The same if nothing has the new name, even if another program takes it at this moment.
 int RenameToFreeName(const QString& from, const QString& to);
 
-// Appends to a regular file, made if missing, in one write; what does not fit as a whole is taken back.
-// FileError.
+// Appends to a regular file, made if missing, in one write;
+// a partial write is taken back. FileError.
 int AppendToHostFile(const QString& hostPath, const QByteArray& bytes);
 
 } // namespace tolvex::platform

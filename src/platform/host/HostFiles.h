@@ -1,6 +1,6 @@
 // The host's own file system, for this floor only: host paths in, error numbers of the suite's run-time out.
-// What the rest of the program uses stands in files/Files.h, on top of this. Here is what looks and reads;
-// HostChanges.h has what changes something.
+// The rest of the program uses files/Files.h, which is built on this. This header reads; HostChanges.h has
+// the changes.
 #pragma once
 
 #include "platform/host/FileError.h"
@@ -13,15 +13,15 @@
 
 namespace tolvex::platform {
 
-// The bytes of a host path as the system takes them. Names are UTF-8.
+// The bytes of a host path for system calls. Names are UTF-8.
 inline QByteArray HostName(const QString& hostPath) {
     return hostPath.toUtf8();
 }
 
-// The longest host path that the system takes, in bytes, its ending zero counted.
+// The longest host path that the system accepts, in bytes, with its terminating zero.
 inline constexpr qsizetype LongestHostPath = 4096;
 
-// A time of change, as far as the file system tells it.
+// A time of change, as precise as the file system has it.
 struct HostTime {
     qint64 seconds = 0; // since 1970
     qint32 nanoseconds = 0;
@@ -34,11 +34,11 @@ struct HostTime {
 // Nanoseconds since 1970 by the clock that file systems use.
 qint64 NowInNanoseconds();
 
-// What lies at a host path.
+// What a host path leads to.
 struct HostStatus {
     enum class Kind { File, Folder, Link, CharacterDevice, Other };
     Kind kind = Kind::Other;
-    quint64 device = 0; // with the number it tells a file from every other one
+    quint64 device = 0; // together with `number` it identifies a file
     quint64 number = 0;
     qint64 size = 0; // bytes
     HostTime modified;
@@ -51,46 +51,46 @@ struct HostStatus {
     }
 };
 
-// Links are followed. Nothing when nothing is there, or may be seen. Cost: one system call.
+// Links are followed. Nothing if nothing is there or visible. Cost: one system call.
 std::optional<HostStatus> StatusOf(const QByteArray& name);
-// The same of the link itself; the FileError in *error when there is nothing.
+// The same for the link itself; the FileError in *error if there is nothing.
 std::optional<HostStatus> LinkStatusOf(const QByteArray& name, int* error = nullptr);
 
-// Whether a folder lies at a host path, or at the end of its links.
+// Whether a host path is a folder, or a link to one.
 bool IsHostFolder(const QString& hostPath);
 
-// Whether something is there that this user may use so.
+// Whether it exists and this user may use it in this way.
 enum class Access { Exists, Read, Write, ReadAndWrite, Run };
 bool MayAccess(const QString& hostPath, Access access);
 
-// Where a chain of links that begins at `hostPath` ends, whether something is there or not; the path itself
-// when it is not a link. Nothing when the links go round in a circle.
+// The end of the chain of links that begins at `hostPath`, whether it exists or not; the path itself if it is
+// not a link. Nothing if the links form a circle.
 std::optional<QString> FollowLinks(const QString& hostPath);
 
-// What is written in a link; empty when it is not one.
+// The target written in a link; empty if it is not one.
 QByteArray LinkTarget(const QByteArray& name);
 
-// The path of something that exists, with all links followed; nothing when it does not exist.
+// The path with all links followed; nothing if it does not exist.
 std::optional<QByteArray> CanonicalName(const QByteArray& name);
 
-// The folder of a host path: what stands before its last separator.
+// The folder of a host path: the text before its last separator.
 QString HostFolder(const QString& hostPath);
 
-// Names of files and folders in a folder, without "." and "..", in the order of the disk; nothing when they
-// may not be read.
+// Names of files and folders in a folder, without "." and "..", in disk order; nothing if they are
+// unreadable.
 std::optional<QByteArrayList> HostNamesIn(const QByteArray& folder);
 
-// Whether a file system is reached over a network (`hostPath`: any file on it).
+// Whether a path lies on a network file system (`hostPath`: any file on it).
 bool OnNetwork(const QString& hostPath);
 
-// The file of the program that runs.
+// The path of the running program.
 QString ProgramFile();
 
-// The whole of a regular file. Nothing, with the FileError in *error, when it cannot be read or is longer
-// than `limit` bytes.
+// The whole of a regular file. Nothing, with the FileError in *error, if it cannot be read or is longer than
+// `limit` bytes.
 std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, int* error = nullptr);
 
-// The first bytes of a file, at most `most` of them, into `bytes`: how many there are, or -1 when it cannot
+// Reads up to `most` of the first bytes of a file into `bytes` and returns their number, or -1 if it cannot
 // be read.
 qint64 ReadHostFileStart(const QByteArray& name, char* bytes, qint64 most);
 

@@ -6,7 +6,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// Threads that ask drives read it too.
+// Also read by the threads that ask drives.
 std::atomic<int> lookers = 0;
 
 } // namespace

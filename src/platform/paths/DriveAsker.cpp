@@ -15,11 +15,11 @@ namespace tolvex::platform {
 
 namespace {
 
-// Between two looks at the user's Stop.
+// The interval for checking the user's Stop.
 constexpr std::chrono::milliseconds Pause{20};
 
 struct Question {
-    int call; // of ask, counted
+    int call; // number of the call of ask
     QString path;
     DriveQuestion ask;
 };
@@ -34,7 +34,7 @@ QChar driveOf(const QString& path) {
     return path[0].toUpper();
 }
 
-// A drive that has not told everything yet.
+// A drive with unanswered questions.
 struct Waiting {
     qsizetype open = 0;
     QElapsedTimer silence; // since its last answer
@@ -49,9 +49,9 @@ struct DriveAsker::Talk {
     std::condition_variable told;
     std::map<QChar, std::deque<Question>> questions; // of each drive that has a thread
     QList<DriveAnswer> answers;                      // not collected yet
-    bool over = false;                               // the asker has gone
+    bool over = false;                               // the asker is gone
 
-    // A thread's life.
+    // The body of a thread.
     void answer(QChar drive) {
         std::unique_lock lock(mutex);
         for (;;) {
@@ -77,7 +77,7 @@ struct DriveAsker::Talk {
         told.wait_for(lock, Pause, [this] { return !answers.isEmpty(); });
         return std::exchange(answers, {});
     }
-    // Takes back what no thread has begun with.
+    // Withdraws questions that no thread has started.
     void forget() {
         const std::scoped_lock lock(mutex);
         for (auto& [drive, left] : questions)
@@ -95,7 +95,7 @@ DriveAsker::~DriveAsker() {
     talk_->asked.notify_all();
 }
 
-// False when the system has no thread left.
+// False if the system has no thread left.
 bool DriveAsker::startThread(QChar drive) {
     {
         const std::scoped_lock lock(talk_->mutex);

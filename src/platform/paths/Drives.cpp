@@ -1,4 +1,4 @@
-// Which drives there are, and what is behind each.
+// The drives, and the kind of each.
 #include "platform/paths/PathState.h"
 #include "platform/paths/Paths.h"
 
@@ -14,7 +14,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// File systems by the names the kernel lists them under.
+// File systems by their names in the kernel.
 constexpr const char* opticalSystems[] = {"cdfs", "iso9660", "udf"};
 
 template<size_t count>
@@ -39,8 +39,8 @@ DriveType TypeOfDrive(QChar letter) {
     if (const auto placed = pathState().driveTypes.constFind(letter.toUpper());
         placed != pathState().driveTypes.constEnd())
         return *placed;
-    // A root that the list of mounts leaves out, as that of a container may be, has no system's name: what
-    // lies below it is of this machine.
+    // A root that is missing from the list of mounts, as in a container, has no file system name: it belongs
+    // to this machine.
     const QByteArray system = QStorageInfo(root).fileSystemType();
     if (IsNetworkSystem(system))
         return DriveType::Remote;

@@ -6,13 +6,13 @@ namespace tolvex::platform {
 
 namespace {
 
-// Beyond this the cache begins anew; about 50 MB.
+// Beyond this the cache is emptied; about 50 MB.
 constexpr qsizetype mostNames = 300'000;
 
 constexpr qint64 second = 1'000'000'000; // in nanoseconds
 
-// The longest tick of a file system's clock: two of the slowest kernel timer, or, where times have no
-// fraction, the two seconds of the oldest disk formats and a bit.
+// The longest tick of a file system's clock: two ticks of the slowest kernel timer, or, where times have no
+// fraction, the two seconds of the oldest disk formats plus a margin.
 qint64 tickOf(const HostStatus& status) {
     return status.modified.nanoseconds == 0 ? second * 5 / 2 : second / 50;
 }
@@ -64,7 +64,7 @@ std::optional<QByteArray> FolderCache::find(const QByteArray& folder, const QStr
         return std::nullopt;
     const QByteArray exact = name.toUtf8();
     if (!names->readable) {
-        // A folder that may be entered but not listed: names in it must be spelled as they are.
+        // A folder that may be entered but not listed: names in it must be spelled exactly.
         return LinkStatusOf(folder + '/' + exact) ? std::optional(exact) : std::nullopt;
     }
     const QString folded = FoldName(name);

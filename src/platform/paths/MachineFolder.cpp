@@ -1,4 +1,4 @@
-// The machine folder: choosing it, laying it out, and the folders that every machine has.
+// The machine folder: chooses it, lays it out, and knows the folders that every machine has.
 #include "platform/paths/PathState.h"
 #include "platform/paths/Paths.h"
 
@@ -18,7 +18,7 @@ thread_local PathState* stateOfThread = nullptr;
 
 constexpr int longestSystemPath = 145;
 
-// The folders that the suite takes for granted on drive C:.
+// The folders that the suite expects on drive C:.
 constexpr const char* standardFolders[] = {"WINDOWS", "WINDOWS/SYSTEM32", "WINDOWS/TEMP", "Program Files",
                                            "Program Files/Common Files"};
 
@@ -47,20 +47,20 @@ constexpr ShellFolder shellFolders[] = {
 QString defaultMachineFolder() {
     if (QString chosen = qEnvironmentVariable("TOLVEX_HOME"); !chosen.isEmpty())
         return chosen;
-    // A relative data folder does not count, says the convention that defines it.
+    // The convention that defines it says to ignore a relative data folder.
     QString data = qEnvironmentVariable("XDG_DATA_HOME");
     if (!data.startsWith(u'/'))
         data = QDir::homePath() + QStringLiteral("/.local/share");
     return data + QStringLiteral("/tolvex");
 }
 
-// A machine that is only looked at is taken as it is, unless there is none yet.
+// In read-only mode the folder is used as it is, unless there is none yet.
 bool mayLayOut(const QString& folder) {
     return !LookingOnly() || !QFile::exists(folder + QStringLiteral("/dosdevices"));
 }
 
-// Drives C: and Z: of a machine folder that had no dosdevices/ yet, and the standard folders. A sentence
-// about what went wrong, or an empty text.
+// Makes drives C: and Z: in a machine folder that has no dosdevices/ yet, and the standard folders. A
+// sentence about what failed, or an empty text.
 QString layOut(const QString& folder) {
     const QString devices = folder + QStringLiteral("/dosdevices");
     const bool isNew = !QFile::exists(devices);
@@ -84,7 +84,7 @@ QString layOut(const QString& folder) {
 
 void makeStandardFolders() {
     for (const char* name : standardFolders) {
-        // A folder that cannot be made is missed, with its name, by whoever needs it first.
+        // If a folder cannot be made, the first user of it reports its name.
         MakeHostFolder(HostPath(QStringLiteral("C:\\") + QLatin1String(name)));
     }
 }

@@ -14,7 +14,7 @@ constexpr const char* networkSystems[] = {
     "nfs4",        "smb3",       "smbfs",
 };
 
-// Blanks and the like stand as "\" and three octal digits in the table.
+// In the table, blanks and the like are "\" and three octal digits.
 QByteArray unescaped(const QByteArray& text) {
     QByteArray plain;
     for (qsizetype i = 0; i < text.size(); ++i) {

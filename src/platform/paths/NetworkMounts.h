@@ -1,5 +1,5 @@
-// Where network file systems are mounted, read from the kernel's own table: nothing here asks a file system,
-// so nothing waits for a server that is gone.
+// Mount points of network file systems, read from the kernel's own table: this asks no file system, so it
+// never waits for a server that is gone.
 #pragma once
 
 #include <QByteArray>
@@ -7,13 +7,13 @@
 
 namespace tolvex::platform {
 
-// Whether the kernel's name of a file system ("cifs", "nfs4") is that of one reached over a network.
+// Whether the kernel's name of a file system ("cifs", "nfs4") is that of a network file system.
 bool IsNetworkSystem(const QByteArray& name);
 
-// The mount points (host paths) of all network file systems. `table`: in the form of /proc/self/mountinfo.
+// The mount points (host paths) of all network file systems; `table` is as in /proc/self/mountinfo.
 QByteArrayList NetworkMounts(const QByteArray& table);
 
-// Whether `path` is `folder` or something below it, by their spelling.
+// Whether `path` is `folder` or lies below it, judged by spelling.
 bool IsBelow(const QByteArray& path, const QByteArray& folder);
 
 } // namespace tolvex::platform

@@ -8,8 +8,8 @@ bool isDriveAt(const QString& path) {
     return path.size() >= 2 && path[1] == u':' && path[0].toUpper() >= u'A' && path[0].toUpper() <= u'Z';
 }
 
-// "COM1" to "COM256" and "LPT1" the like, with or without a trailing colon, name a device wherever they stand
-// alone. Gives the name of its link, or an empty text.
+// "COM1" to "COM256" and "LPT1" and so on, with or without a trailing colon, name a device if they stand
+// alone. Returns the name of its link, or an empty text.
 QString deviceLink(const QString& path) {
     if (path.size() > 7)
         return {};
@@ -50,7 +50,7 @@ bool arePlain(QStringView text) {
     return true;
 }
 
-// At most `most` plain characters of a text, in upper case.
+// Up to `most` plain characters of a text, in upper case.
 QString plainStart(QStringView text, int most) {
     QString start;
     for (const QChar c : text)
@@ -94,7 +94,7 @@ std::optional<PathParts> SplitPath(const QString& path, const PathParts& current
 
     PathParts parts;
     if (text.startsWith(u"\\\\")) {
-        // Each of server and share is one name by itself: ".." after them must not climb to a neighbour.
+        // Server and share are one unit: ".." after them must not lead to another share.
         const qsizetype server = text.indexOf(u'\\', 2);
         const qsizetype share = server < 0 ? -1 : text.indexOf(u'\\', server + 1);
         parts.root = {QStringLiteral("unc")};

@@ -1,4 +1,4 @@
-// The machine folder in force and what is remembered about it. Only the sources behind Paths.h use it.
+// The current machine folder and its caches. Only the sources behind Paths.h use it.
 #pragma once
 
 #include "platform/paths/FolderCache.h"
@@ -13,17 +13,17 @@ struct PathState {
     PathParts current{{QStringLiteral("c:")}, {}};
     FolderCache folders;
     QString applicationFolder; // empty: ask the system
-    // Put in place by tests.
+    // Set by tests.
     QHash<QChar, DriveType> driveTypes;
     QByteArray mountTable = "/proc/self/mountinfo";
 };
 
-// The state, after the default machine folder was chosen where nobody chose one. A thread beside the main one
-// has a state of its own.
+// The state; chooses the default machine folder if none was chosen. Each thread beside the main one has a
+// state of its own.
 PathState& pathState();
 
-// Puts a state in force for the present thread, for its life. What only looks (Files.h, HostPath, the type of
-// a drive) may then be used there; what sets something stays with the main thread.
+// Installs a state for the current thread while it lives. Only reading (Files.h, HostPath, the type of a
+// drive) is allowed there; changes belong to the main thread.
 class OwnPathState {
 public:
     explicit OwnPathState(PathState& own);

@@ -22,14 +22,14 @@ bool isThere(const QByteArray& hostPath) {
     return StatusOf(hostPath).has_value();
 }
 
-// The pieces of a path, a bare name going to the Windows folder where that is the rule.
+// The pieces of a path; a bare name goes to the Windows folder if that rule applies.
 std::optional<PathParts> partsOf(const QString& path, BareName bareName) {
     if (bareName == BareName::WindowsFolder && IsBareName(path))
         return SplitPath(WindowsFolder() + u'\\' + path, pathState().current);
     return SplitPath(path, pathState().current);
 }
 
-// Where the root of a drive, share or device lies, if it leads somewhere.
+// The root of a drive, share or device, if it leads somewhere.
 std::optional<QByteArray> resolveRoot(const QStringList& root) {
     QByteArray folder = pathState().devices;
     for (const QString& name : root) {
@@ -51,7 +51,7 @@ std::optional<QByteArray> canonical(const QByteArray& hostPath) {
     return path;
 }
 
-// Which links lead to network file systems, by what is written in them: no server is asked.
+// Which links lead to network file systems, judged by their text: no server is asked.
 class NetworkLinks {
 public:
     NetworkLinks() {
@@ -59,7 +59,7 @@ public:
         if (table.open(QIODevice::ReadOnly))
             mounts_ = NetworkMounts(table.readAll());
     }
-    // Whether `link` leads into a network file system that does not hold `path`.
+    // Whether `link` leads to a network file system that does not contain `path`.
     bool leadsAwayFrom(const QByteArray& path, const QByteArray& link) const {
         if (mounts_.isEmpty())
             return false;
@@ -76,7 +76,7 @@ private:
     QByteArrayList mounts_;
 };
 
-// The same for a path whose last names need not exist.
+// The same for a path whose last names may not exist.
 QByteArray canonicalAsFarAsThere(const QByteArray& hostPath) {
     if (hostPath.size() >= LongestHostPath)
         return hostPath;
@@ -86,7 +86,7 @@ QByteArray canonicalAsFarAsThere(const QByteArray& hostPath) {
     return hostPath;
 }
 
-// Keeps the root whose folder holds a path most closely.
+// Keeps the root with the deepest folder that contains a path.
 class ClosestRoot {
 public:
     explicit ClosestRoot(QByteArray path)
@@ -118,8 +118,8 @@ QString HostPath(const QString& path, BareName bareName) {
     const std::optional<PathParts> parts = partsOf(path, bareName);
     if (!parts || pathState().devices.isEmpty())
         return {};
-    // Most paths are spelled as they are on disk: one question settles them. It is also what gives an exact
-    // spelling its precedence.
+    // Most paths are spelled as they are on disk, and one call settles them. It also gives the exact spelling
+    // its precedence.
     QByteArray spelled = pathState().devices;
     for (const QStringList* names : {&parts->root, &parts->names})
         for (const QString& name : *names)
@@ -127,7 +127,7 @@ QString HostPath(const QString& path, BareName bareName) {
     if (isThere(spelled))
         return QString::fromUtf8(spelled);
 
-    // The same of its folder: most often only the last name is new, or spelled in another way.
+    // The same for its folder: usually only the last name is new, or spelled differently.
     if (!parts->names.isEmpty()) {
         const QByteArray folder = spelled.left(spelled.lastIndexOf('/'));
         bool isFolder = false;

@@ -1,5 +1,5 @@
-// A Windows path on its way to a call of the host: resolved (Paths.h), with the error that stands for one
-// that does not resolve.
+// A Windows path ready for a host call: resolved (Paths.h),
+// with the error for a path that does not resolve.
 #pragma once
 
 #include "platform/host/HostFiles.h"
@@ -8,7 +8,7 @@ namespace tolvex::platform {
 
 struct ResolvedPath {
     explicit ResolvedPath(const QString& windowsPath);
-    // The error that forbids giving it to a new file or folder; an existing one may keep any name.
+    // The error that forbids this name for a new file or folder; an existing one may keep any name.
     int asNew() const;
 
     QString host;

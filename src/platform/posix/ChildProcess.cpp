@@ -7,7 +7,7 @@
 namespace tolvex::platform {
 
 void SetFree(QProcess& process) {
-    // Nothing that a library of ours holds open is any business of another program.
+    // Other programs must not inherit what our libraries hold open.
     ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
     // A detached program outlives the terminal anyway.
     process.setChildProcessModifier([] { ::setsid(); });

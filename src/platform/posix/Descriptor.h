@@ -15,7 +15,7 @@ public:
     Descriptor& operator=(Descriptor&& other) noexcept;
     int get() const { return number_; }
     bool open() const { return number_ >= 0; }
-    // Closes now; the errno of it, or 0.
+    // Closes now; returns the errno, or 0.
     int close();
 
 private:

@@ -30,7 +30,7 @@ bool lockFile(int descriptor) {
     return true;
 }
 
-// Room first, then the bytes that differ, then the length: a full disk leaves the file as it was. 0 or errno.
+// Reserves space, writes the differing bytes, sets the length: a full disk changes nothing. 0 or errno.
 int overwriteFile(int descriptor, const QByteArray& now, const QByteArray& next) {
     if (next.size() > now.size()) {
         if (const int full = ::posix_fallocate(descriptor, now.size(), next.size() - now.size()); full != 0) {

@@ -1,6 +1,6 @@
-// Audio formats through libsndfile: of the encodings that it lists, those that it really writes into a WAV
-// file. Its format check names some that this build of it cannot write, so each one is tried in memory; the
-// header that it writes says which tag and sample size the encoding has.
+// Audio formats through libsndfile: those of its encodings that it can really write into a WAV file. Its
+// format check accepts some that this build cannot write, so each one is tried in memory; the header it
+// writes shows which tag and sample size the encoding has.
 #include "platform/devices/AudioFormats.h"
 
 #include <QMap>
@@ -19,7 +19,7 @@ namespace {
 // The rates that audio files of the suite have.
 constexpr qint32 rates[] = {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000};
 
-// Names that users of the suite know; another tag goes by the library's name of its encoding.
+// Names that users of the suite know; other tags use the library's name of the encoding.
 struct TagName {
     qint32 tag;
     const char* name;
@@ -67,7 +67,7 @@ SF_VIRTUAL_IO inMemory() {
             [](void* user) { return fileOf(user).position; }};
 }
 
-// The format that an empty WAV file of the encoding states in its header; nothing when it cannot be written.
+// The format in the header of an empty WAV file of the encoding; nothing if it cannot be written.
 std::optional<AudioFormat> tryToWrite(int encoding, qint32 channels, qint32 rate) {
     SF_INFO info{};
     info.format = SF_FORMAT_WAV | encoding;

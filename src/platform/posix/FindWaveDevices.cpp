@@ -11,7 +11,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// Names that the sound system itself declares: ways to reach a device that is listed anyway, or none at all.
+// Names that the sound system itself declares: other ways to a listed device, or no device at all.
 constexpr const char* systemNames[] = {
     "null",       "default",    "sysdefault", "pulse",      "pipewire", "jack",       "oss",
     "lavrate",    "samplerate", "speex",      "speexrate",  "upmix",    "vdownmix",   "a52",
@@ -40,7 +40,7 @@ quint32 formatsOf(snd_pcm_t* pcm) {
                                                                                      &snd_pcm_hw_params_free);
     quint32 formats = 0;
     for (const FormatQuestion& question : questions)
-        // Every question begins anew: a channel count may forbid a rate.
+        // Each query starts from scratch: a channel count may rule out a rate.
         if (snd_pcm_hw_params_any(pcm, parameters) >= 0 &&
             snd_pcm_hw_params_set_format(pcm, parameters, SND_PCM_FORMAT_S16_LE) == 0 &&
             snd_pcm_hw_params_set_channels(pcm, parameters, question.channels) == 0 &&
@@ -49,7 +49,7 @@ quint32 formatsOf(snd_pcm_t* pcm) {
     return formats;
 }
 
-// Adds a device in the direction given, if it opens there.
+// Adds a device in the given direction, if it opens there.
 void ask(QList<KnownWaveDevice>& found, snd_pcm_stream_t direction, const QString& id, const QString& name,
          const QString& place) {
     KnownWaveDevice known;
@@ -73,7 +73,7 @@ void ask(KnownWaveDevices& found, const QString& id, const QString& name) {
     ask(found.inputs, SND_PCM_STREAM_CAPTURE, id, name, {});
 }
 
-// Where a card is plugged in, by the system's device tree.
+// Where a card is plugged in, from the system's device tree.
 QString placeOfCard(int card) {
     const QByteArray link = "/sys/class/sound/card" + QByteArray::number(card) + "/device";
     const std::unique_ptr<char, void (*)(void*)> path(::realpath(link.constData(), nullptr), &std::free);
@@ -110,7 +110,7 @@ void askCard(KnownWaveDevices& found, int card) {
         }
 }
 
-// The description of a declared device, its first line.
+// The description of a declared device, first line only.
 QString hintText(const void* hint, const char* field) {
     const std::unique_ptr<char, void (*)(void*)> text(snd_device_name_get_hint(hint, field), &std::free);
     return QString::fromUtf8(text.get()).section(u'\n', 0, 0).trimmed();
@@ -137,13 +137,13 @@ void askDeclared(KnownWaveDevices& found) {
 KnownWaveDevices FindWaveDevices() {
     KnownWaveDevices found;
     snd_lib_error_set_handler(&keepQuiet);
-    // Another configuration may be in force than the last time.
+    // The configuration may have changed since the last time.
     snd_config_update_free_global();
     for (int card = -1; snd_card_next(&card) == 0 && card >= 0;)
         askCard(found, card);
     askDeclared(found);
-    // A sound server without cards of this machine: its one device. Beside others it would be one of them
-    // twice.
+    // A sound server without cards of this machine: its one device. Beside other devices it would list one of
+    // them twice.
     if (found.outputs.isEmpty() && found.inputs.isEmpty())
         ask(found, QStringLiteral("default"), QStringLiteral("Default sound device"));
     snd_config_update_free_global();

@@ -15,7 +15,7 @@ QByteArray readAll(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The first other process that has one of these open, by what the links of its open files say.
+// The first other process that has one of these open, according to the links of its open files.
 std::optional<Holder> findHolder(const QSet<QByteArray>& targets) {
     const QStringList names = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& name : names) {
@@ -36,7 +36,7 @@ std::optional<Holder> findHolder(const QSet<QByteArray>& targets) {
     return std::nullopt;
 }
 
-// Adds the sockets of a table of the system that listen on the port, as the links of open files call them.
+// Adds the sockets of a system table that listen on the port, named as in the links of open files.
 void addListeners(QSet<QByteArray>& sockets, const QString& table, quint16 port) {
     constexpr int addressField = 1;
     constexpr int stateField = 3;

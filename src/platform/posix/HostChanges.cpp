@@ -19,7 +19,7 @@ QString systemText(int error) {
     return error == 0 ? QString() : QString::fromLocal8Bit(std::strerror(error));
 }
 
-// 0, or the errno that stands in the way of a folder at `path`.
+// 0, or the errno that prevents a folder at `path`.
 int makeFolders(const QString& path) {
     const QByteArray name = HostName(path);
     struct stat info {};
@@ -39,7 +39,7 @@ int makeFolders(const QString& path) {
     return error == EEXIST ? ENOENT : error;
 }
 
-// False with the errno; a file system that can do neither of these two is trusted to be used by nobody else.
+// False with the errno. A file system that supports neither of the two is assumed to have no other user.
 bool renameToNew(const QByteArray& from, const QByteArray& to) {
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
         return true;
@@ -50,7 +50,7 @@ bool renameToNew(const QByteArray& from, const QByteArray& to) {
     return errno != EEXIST && errno != EXDEV && hostCalls().rename(from.constData(), to.constData()) == 0;
 }
 
-// How a change of names went, by the errno that it left.
+// The result of a rename, from its errno.
 int renameError(bool renamed, const QString& to) {
     return renamed ? NoError : errno == EXDEV ? LiesOnOtherDisk : FileErrorFor(errno, to);
 }
@@ -60,7 +60,7 @@ int renameError(bool renamed, const QString& to) {
 int MakeHostFolder(const QString& hostPath) {
     if (::mkdir(HostName(hostPath).constData(), 0777) == 0)
         return NoError;
-    // What is missing is the folder above, never the folder to be made.
+    // The missing one is the parent folder, never the folder to be made.
     return errno == EEXIST ? PathFileAccess : errno == ENOENT ? PathNotFound : FileErrorFor(errno, hostPath);
 }
 
@@ -102,7 +102,7 @@ int AppendToHostFile(const QString& hostPath, const QByteArray& bytes) {
     // One write, so that lines of several programs do not mix.
     qint64 written = 0;
     const int failed = WriteFully(file.get(), bytes.constData(), bytes.size(), &written);
-    // Half a line is taken back, unless somebody wrote after it.
+    // Take half a line back, unless another program wrote after it.
     const qint64 end = ::lseek(file.get(), 0, SEEK_CUR);
     if (failed != 0 && written > 0 && ::fstat(file.get(), &info) == 0 && info.st_size == end &&
         ::ftruncate(file.get(), end - written) != 0)

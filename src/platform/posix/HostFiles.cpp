@@ -21,7 +21,7 @@ namespace {
 
 static_assert(LongestHostPath == PATH_MAX);
 
-// File systems that <linux/magic.h> of some systems does not name.
+// File systems that <linux/magic.h> of some systems lacks.
 constexpr long cifsMagic = 0xFF534D42;
 constexpr long smb2Magic = 0xFE534D42;
 
@@ -125,7 +125,7 @@ std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, in
             *error = number;
         return std::nullopt;
     };
-    // Without O_NONBLOCK a named pipe in place of the file would wait for ever.
+    // Without O_NONBLOCK opening a named pipe would block for ever.
     const Descriptor file(::open(HostName(hostPath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.open())
         return fail(FileErrorFor(errno, hostPath));
@@ -136,7 +136,7 @@ std::optional<QByteArray> ReadHostFile(const QString& hostPath, qint64 limit, in
         return fail(PathFileAccess);
     if (info.st_size > limit)
         return fail(DeviceIoError);
-    // One byte more than it should have, so that growth meanwhile is noticed without another call.
+    // One byte more than the file should have, so that growth shows without another call.
     QByteArray bytes(info.st_size + 1, Qt::Uninitialized);
     qint64 length = 0;
     for (;;) {

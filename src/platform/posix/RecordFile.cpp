@@ -21,8 +21,8 @@ namespace tolvex::platform {
 
 namespace {
 
-// How long pages are taken for the file's without asking: for its length and its being there at all; and,
-// over a network, where pages are a copy, for its contents.
+// How long the mapped pages are trusted without a check: for the file's length and existence; and, over a
+// network, where pages are a copy, for their contents.
 constexpr std::chrono::milliseconds trustLocal{100};
 constexpr std::chrono::milliseconds trustNetwork{250};
 
@@ -66,7 +66,7 @@ public:
             if (const int error = readFromDisk(offset); error != NoError)
                 return error;
         } else if (isAllZero(scratch_)) {
-            // What lies beyond the new end of a file cut short shows as zeros up to the end of its page.
+            // Beyond the new end of a truncated file, the rest of its page reads as zeros.
             const int error = look();
             if (error != NoError || end > size_)
                 return error != NoError ? error : PastEndOfFile;
@@ -85,7 +85,7 @@ public:
         if ((!isTrusted && look() != NoError) || end > pages_.length())
             return false;
         const bool isCopied = pages_.copy(offset, length, records);
-        // What was cut off meanwhile may have shown as zeros.
+        // Bytes cut off meanwhile may have read as zeros.
         if (isCopied && this->count() * recordLength_ >= end)
             return true;
         pages_.unmap();
@@ -110,14 +110,14 @@ public:
     }
 
 private:
-    // Takes the file as it is now: its length, and its pages where they have to be taken anew.
+    // Updates to the current file: its length, and its pages if they must be mapped again.
     int look() {
         struct stat info {};
         if (::fstat(file_.get(), &info) != 0)
             return DeviceIoError;
         if (info.st_nlink == 0)
             return FileNotFound;
-        // A new map of a file on a share makes the system ask whether its copy still holds.
+        // A new map of a file on a share makes the system check its copy.
         if (network_ || info.st_size != pages_.length())
             pages_.map(file_.get(), info.st_size);
         size_ = info.st_size;
@@ -139,7 +139,7 @@ private:
         return NoError;
     }
 
-    // Writes `copies` of a record from `offset` on. What does not fit as a whole is taken back.
+    // Writes `copies` of a record from `offset` on. A partial write is taken back.
     int put(qint64 offset, const QByteArray& record, qint64 copies) {
         if (!writable_)
             return PathFileAccess;
@@ -155,7 +155,7 @@ private:
         int failed = 0;
         qint64 at = offset;
         while (at < end && failed == 0) {
-            // Every write begins where the last ended, which need not be between two records.
+            // A write begins where the last one ended, which may be inside a record.
             const qint64 begin = (at - offset) % recordLength_;
             const qint64 length = std::min<qint64>(bytes.size() - begin, end - at);
             const ssize_t now =

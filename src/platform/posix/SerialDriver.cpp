@@ -12,7 +12,7 @@ int BytesInDriver(const QSerialPort& port) {
     int inSystem = 0;
     if (::ioctl(port.handle(), TIOCOUTQ, &inSystem) != 0)
         inSystem = 0;
-    // Not every chip can be asked.
+    // Not every chip supports this query.
     unsigned status = TIOCSER_TEMT;
     if (inSystem == 0 && ::ioctl(port.handle(), TIOCSERGETLSR, &status) != 0)
         status = TIOCSER_TEMT;

@@ -21,14 +21,14 @@ namespace {
 
 constexpr std::array endSignals = {SIGTERM, SIGINT, SIGHUP};
 
-// Where the handler says that a signal came.
+// The pipe in which the handler reports a signal.
 volatile int wakeUp = -1;
 
 void handle(int) {
     const int saved = errno;
     const char byte = 1;
     if (::write(wakeUp, &byte, 1) < 0) {
-        // Full: the loop will wake up all the same.
+        // If it is full, the loop will wake up all the same.
     }
     errno = saved;
 }
@@ -88,7 +88,7 @@ bool TellServiceManager(const QByteArray& lines) {
         return false;
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
-    if (name[0] == '@') // a name that is in no folder
+    if (name[0] == '@') // an abstract name, in no folder
         address.sun_path[0] = '\0';
     const Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (!socket.open())

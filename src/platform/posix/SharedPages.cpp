@@ -12,7 +12,7 @@ namespace tolvex::platform {
 
 namespace {
 
-// The copy under way on this thread, for the handler: a fault outside it is not ours.
+// The current copy of this thread, for the handler: a fault outside it is not ours.
 struct Copy {
     std::uintptr_t begin = 0;
     std::uintptr_t end = 0;
@@ -29,10 +29,10 @@ void passOn(int signal, siginfo_t* info, void* context) {
     else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN)
         previous.sa_handler(signal);
     else
-        ::sigaction(signal, &previous, nullptr); // the touch is repeated and meets the default
+        ::sigaction(signal, &previous, nullptr); // the access is repeated and meets the default
 }
 
-// Only mmap is called here, which is a bare system call, safe at any instruction.
+// Calls only mmap, a bare system call, which is safe at any instruction.
 void onLostPage(int signal, siginfo_t* info, void* context) {
     const auto address = reinterpret_cast<std::uintptr_t>(info->si_addr);
     const std::uintptr_t page = address & ~(pageSize - 1);
@@ -46,7 +46,7 @@ void onLostPage(int signal, siginfo_t* info, void* context) {
 void installHandler() {
     static const bool installed = [] {
         pageSize = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-        copying.failed = 0; // the thread's record exists before a handler needs it
+        copying.failed = 0; // creates the thread's record before a handler needs it
         struct sigaction action {};
         action.sa_sigaction = &onLostPage;
         action.sa_flags = SA_SIGINFO | SA_NODEFER;
@@ -82,8 +82,8 @@ bool SharedPages::copy(qint64 offset, qint64 length, char* out) const {
     copying.failed = 0;
     copying.begin = reinterpret_cast<std::uintptr_t>(from);
     copying.end = copying.begin + static_cast<std::uintptr_t>(length);
-    // The handler reads the bounds: they must be set before the first byte is touched and stay until the
-    // last.
+    // The handler reads the bounds: they must be set before
+    // the first byte is read and stay until the last.
     std::atomic_signal_fence(std::memory_order_seq_cst);
     std::memcpy(out, from, static_cast<size_t>(length));
     std::atomic_signal_fence(std::memory_order_seq_cst);

@@ -1,9 +1,9 @@
-// The bytes of an open file as pages of memory that this program shares with the system and every other
-// program: reading them costs no system call and shows at once what others write.
+// The bytes of an open file as memory pages shared with the system and every other program: reading them
+// costs no system call and shows at once what others write.
 //
-// Another program may cut the file short while it is mapped, and a disk or share may fail; a touch of such
-// a page raises SIGBUS. A handler of ours then puts an empty page in its place, and the read that touched it
-// reports failure. A SIGBUS that is not ours goes where it went before.
+// Another program may truncate the file while it is mapped, and a disk or share may fail; reading such a page
+// raises SIGBUS. Our handler then puts an empty page in its place, and the read reports failure. A SIGBUS
+// that is not ours goes to the previous handler.
 #pragma once
 
 #include <QtGlobal>
@@ -17,14 +17,14 @@ public:
     SharedPages(const SharedPages&) = delete;
     SharedPages& operator=(const SharedPages&) = delete;
 
-    // Maps the first `length` bytes of a file in place of what was mapped. False, with nothing mapped, where
-    // the file system does not map files or the length is 0.
+    // Maps the first `length` bytes of a file in place of the previous map. False, with nothing mapped, if
+    // the file system cannot map files or the length is 0.
     bool map(int descriptor, qint64 length);
     void unmap();
     qint64 length() const { return length_; }
 
-    // Copies bytes that lie below length(). False when a page of them is no longer there; `out` is then
-    // worthless, and so is the whole map.
+    // Copies bytes that lie below length(). False if one of their pages is gone; `out` and the whole map are
+    // then unusable.
     bool copy(qint64 offset, qint64 length, char* out) const;
 
 private:

@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    // A device that ran empty or full goes on from here.
+    // Recovers a device after an underrun or overrun.
     qint64 moved(snd_pcm_sframes_t frames) {
         if (frames >= 0)
             return frames;
@@ -52,7 +52,7 @@ private:
     int channels_;
 };
 
-// 16 bits, the wanted rate or the nearest, two channels or one; the rate, 0 when the device refuses.
+// 16 bits, the wanted rate or the nearest, two channels or one. Returns the rate, 0 if the device refuses.
 int setUp(snd_pcm_t* pcm, unsigned channels) {
     snd_pcm_hw_params_t* parameters = nullptr;
     snd_pcm_hw_params_alloca(&parameters);
@@ -68,7 +68,7 @@ int setUp(snd_pcm_t* pcm, unsigned channels) {
     return snd_pcm_hw_params(pcm, parameters) < 0 ? 0 : int(rate);
 }
 
-// Who has a card's device open: "hw:CARD=name,DEV=number" and its like.
+// Who has a card's device open: "hw:CARD=name,DEV=number" and the like.
 std::optional<Holder> holderOf(const QString& id, WaveDirection direction) {
     const QString card = id.section(QStringLiteral("CARD="), 1).section(u',', 0, 0);
     const int index = card.isEmpty() ? -1 : snd_card_get_index(card.toUtf8().constData());

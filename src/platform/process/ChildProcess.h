@@ -1,11 +1,11 @@
-// What the system is asked for so that a program that is started stands on its own.
+// Asks the system to make a started program independent of this one.
 #pragma once
 
 class QProcess;
 
 namespace tolvex::platform {
 
-// Before the start: the program inherits nothing that is open here, and outlives our terminal.
+// Before the start: the program inherits no open files, and outlives our terminal.
 void SetFree(QProcess& process);
 
 } // namespace tolvex::platform

@@ -1,4 +1,4 @@
-// Which program holds a device or a network port that somebody else wants.
+// Finds the program that holds a device or a network port.
 #pragma once
 
 #include <QString>
@@ -15,9 +15,9 @@ struct Holder {
     QString text() const { return QStringLiteral("%1 (process %2)").arg(program).arg(process); }
 };
 
-// A program that has the device open, or that listens on the TCP port; this program is not looked at. Nothing
-// when there is none, or when it belongs to another user and the system does not say. Reads the system's list
-// of processes: some milliseconds.
+// A program that has the device open, or that listens on the TCP port; this program is not considered.
+// Nothing if there is none, or if it belongs to another user and the system does not say. Reads the system's
+// list of processes: some milliseconds.
 std::optional<Holder> HolderOfDevice(const QString& hostPath);
 std::optional<Holder> HolderOfTcpPort(quint16 port);
 

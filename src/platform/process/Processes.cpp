@@ -17,11 +17,11 @@ namespace tolvex::platform {
 
 namespace {
 
-// Longest time, in milliseconds, that a wait leaves the events alone, whatever step is asked for.
+// Longest time, in milliseconds, that a wait blocks events, regardless of the requested step.
 constexpr int longestRest = 20;
 
-// The host path of a program: a path as it stands; a bare name in the folders the platform searches, then on
-// the host's own search path; each also with ".exe" appended. Empty when there is none.
+// The host path of a program: a path as it stands; a bare name in the folders that the platform searches,
+// then on the host's own search path; each also with ".exe" appended. Empty if there is none.
 QString findProgram(const QString& program) {
     for (const QString& name : {program, program + QStringLiteral(".exe")}) {
         if (name.contains(u'\\') || name.contains(u'/') || name.contains(u':')) {
@@ -43,9 +43,9 @@ bool isWindowsProgram(const QString& hostPath) {
     return file.open(QIODevice::ReadOnly) && file.read(2) == "MZ";
 }
 
-// Splits arguments at blanks outside double quotes, as the platform's C run-time does: quotes do not become
-// part of an argument, but for one that two in a row stand for inside quotes; a pair with nothing in it is an
-// argument without characters.
+// Splits arguments at blanks outside double quotes, as the platform's C
+// run-time does: quotes are not part of an argument, except that two in
+// a row inside quotes stand for one; an empty pair is an empty argument.
 QStringList splitArguments(const QString& text) {
     QStringList arguments;
     QString argument;
@@ -70,7 +70,7 @@ QStringList splitArguments(const QString& text) {
     return arguments;
 }
 
-// The parts of the process that are the same however it is waited for.
+// The settings of a process that do not depend on how it is awaited.
 void prepare(QProcess& process, const QString& hostPath, const QString& arguments,
              const std::optional<int>& windowStyle) {
     process.setProgram(hostPath);
@@ -79,7 +79,7 @@ void prepare(QProcess& process, const QString& hostPath, const QString& argument
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    // Programs of the suite are to find the machine that this one works on.
+    // Programs of the suite must find the same machine folder.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("TOLVEX_HOME"), MachineFolder());
     if (windowStyle)
@@ -88,7 +88,7 @@ void prepare(QProcess& process, const QString& hostPath, const QString& argument
     SetFree(process);
 }
 
-// Starts a program by its name, which may stand in quotes.
+// Starts a program by its name, which may be in quotes.
 bool start(const QString& program, const QString& arguments, ProcessWait wait, int stepMilliseconds,
            const std::optional<int>& windowStyle, QString* why) {
     QString name = program.trimmed();

@@ -1,4 +1,4 @@
-// What a service needs of the system: a request to end, and the service manager that started it.
+// What a service needs from the system: the request to end, and the service manager that started it.
 #pragma once
 
 #include <QByteArray>
@@ -22,8 +22,8 @@ private:
     std::unique_ptr<Signals> signals_;
 };
 
-// Sends lines of its protocol ("READY=1", "STATUS=...") to the service manager that started this program and
-// waits for them. True when they were sent; false also if no manager waits.
+// Sends lines of its protocol ("READY=1", "STATUS=...") to the service manager that started this program.
+// Waits until they are sent. True on success; false also without a manager.
 bool TellServiceManager(const QByteArray& lines);
 
 } // namespace tolvex::platform

@@ -16,7 +16,7 @@ constexpr char wideMark[] = "\xFF\xFE";
 const QString lineEnd = QStringLiteral("\r\n");
 constexpr int noOwner = -1; // the "section" under which headers are looked up
 
-// What counts as white space around names and values. Ctrl-Z does: old editors end a text with it.
+// White space around names and values. It includes Ctrl-Z, with which old editors end a text.
 bool isSpace(QChar c) {
     return c == u' ' || (c >= u'\t' && c <= u'\r') || c == QChar(0x1A);
 }
@@ -25,14 +25,14 @@ bool isLineBreak(QChar c) {
     return c == u'\r' || c == u'\n';
 }
 
-// Finds where line ends end: after a LF with every CR before it, or after a CR alone. Text-mode writers turn
-// CR LF into CR CR LF; taken apart, that would be a line and a blank one, with room for a new key between.
+// Finds the end of line ends: after a LF with all CRs before it, or after a CR alone. Text-mode writers turn
+// CR LF into CR CR LF; split, that would be a line and a blank one, with room for a new key between.
 class LineEnds {
 public:
     LineEnds(const QChar* text, int size)
         : text_(text)
         , size_(size) {}
-    // `at` is at a line break. Looks at each character once over all calls from front to back.
+    // `at` is at a line break. Over all calls from front to back, looks at each character once.
     int endAfter(int at) {
         if (at < noFeedBefore_)
             return at + 1;
@@ -48,7 +48,7 @@ public:
 private:
     const QChar* text_;
     int size_;
-    int noFeedBefore_ = 0; // the CRs before this place have no LF after them
+    int noFeedBefore_ = 0; // the CRs before this position have no LF after them
 };
 
 QStringView stripped(QStringView text) {
@@ -88,7 +88,7 @@ QString writable(QString text) {
     return narrowed(text);
 }
 
-// A name as the operations take it.
+// A name as the operations use it.
 QString plainName(const QString& given) {
     const QString name = writable(given);
     qsizetype begin = 0;
@@ -122,7 +122,7 @@ void ProfileDocument::parse() {
     const QChar* text = text_.constData();
     const int size = static_cast<int>(text_.size());
     int begin = wide_ && size > 0 && text[0] == QChar(byteOrderMark) ? 1 : 0;
-    lines_.push_back({0, begin}); // the mark, or nothing: what a first header is put after
+    lines_.push_back({0, begin}); // the mark, or nothing: a first header is inserted after it
     int header = -1;
     LineEnds ends(text, size);
     while (begin < size && valid()) {
@@ -157,7 +157,7 @@ void ProfileDocument::parseAgain() {
     parse();
 }
 
-// What stands on a line before its end.
+// The text of a line without its end.
 QStringView ProfileDocument::content(const Line& line) const {
     QStringView text = QStringView(text_).sliced(line.begin, line.end - line.begin);
     while (!text.isEmpty() && isLineBreak(text.back()))
@@ -185,7 +185,7 @@ QStringView ProfileDocument::nameOf(const Line& line) const {
     return stripped(beforeZero(text));
 }
 
-// Where a name is looked up: FNV-1a, 64 bits wide, so that names that share a place hardly ever occur.
+// The hash of a name: FNV-1a, 64 bits wide, so that collisions hardly ever occur.
 quint64 ProfileDocument::placeOf(int owner, QStringView name) const {
     constexpr quint64 prime = 0x100000001B3;
     quint64 place = (0xCBF29CE484222325 ^ static_cast<quint32>(owner)) * prime;
@@ -272,7 +272,7 @@ void ProfileDocument::unindex(int owner, int number) {
         places_.erase(place);
 }
 
-// Gives a line another text.
+// Replaces the text of a line.
 void ProfileDocument::rewrite(int number, const QString& text) {
     Line& line = at(number);
     line.begin = static_cast<int>(text_.size());
@@ -280,7 +280,7 @@ void ProfileDocument::rewrite(int number, const QString& text) {
     line.end = static_cast<int>(text_.size());
 }
 
-// Adds the line end that the last line of a text may lack.
+// Adds the line end that the last line may lack.
 void ProfileDocument::endLine(int number) {
     const Line& line = at(number);
     if (line.end > line.begin && !isLineBreak(text_[line.end - 1]))
@@ -316,7 +316,7 @@ void ProfileDocument::unlink(int number) {
                         isLineBreak(text_[behind.begin]));
 }
 
-// The last Key line of a section, looked for upwards from one of its lines.
+// The last Key line of a section, searched upwards from one of its lines.
 void ProfileDocument::findLastKey(int header, int from) {
     while (from != header && at(from).kind != Kind::Key)
         from = at(from).previous;
@@ -390,7 +390,7 @@ void ProfileDocument::removeSection(const QString& section) {
         return;
     unindex(noOwner, header);
     unlink(header);
-    // Its keys need not leave the index: nothing leads to their section any more.
+    // Its keys may stay in the index: nothing leads to their section any more.
     for (int number = at(header).next; number >= 0;) {
         const Line& line = at(number);
         if (line.kind == Kind::Header)
@@ -424,7 +424,7 @@ QByteArray ProfileDocument::bytes() const {
 }
 
 qsizetype ProfileDocument::cost() const {
-    // Of the index: a place, its share of the table's empty slots, and the hash's bookkeeping.
+    // Of the index: an entry, its share of the table's empty slots, and the hash's bookkeeping.
     constexpr qsizetype perPlace = 40;
     return text_.capacity() * 2 + static_cast<qsizetype>(lines_.capacity() * sizeof(Line)) +
            places_.size() * perPlace;

@@ -1,12 +1,12 @@
-// The text of one private profile file, without a file: parsed once, asked by name, edited in place.
+// The text of one private profile file, without the file: parsed once, queried by name, edited in place.
 //
-// Only the line that a change concerns is touched; every other byte stays as it is, whatever it is. The text
-// is code page 1252, or UTF-16 little-endian where it begins with that byte order mark; bytes() gives it back
-// in its own encoding. docs/formats/profile.md tells the form.
+// An edit touches only its own line; every other byte stays as it is. The text is code page 1252, or UTF-16
+// little-endian if it begins with that byte order mark; bytes() returns it in its own encoding.
+// docs/formats/profile.md describes the format.
 //
-// Section and key names match without regard to case, and lose outer blanks (not tabs) first. Characters
-// that code page 1252 does not have become '?', and line breaks and zero characters are taken out of what is
-// written.
+// Section and key names match without regard to case and without outer
+// blanks (not tabs). Characters outside code page 1252 become '?', and
+// line breaks and zero characters are removed from what is written.
 #pragma once
 
 #include <QByteArray>
@@ -21,35 +21,35 @@ namespace tolvex::platform {
 
 class ProfileDocument {
 public:
-    // More lines than any profile has; a file of that kind is refused rather than held in memory.
+    // More lines than any profile has; a longer file is refused rather than held in memory.
     static constexpr size_t mostLines = 4'000'000;
 
-    // Cost: one pass over the bytes. Any bytes are a profile.
+    // Cost: one pass over the bytes. Any bytes are a valid profile.
     explicit ProfileDocument(const QByteArray& bytes = {});
 
-    // False when it has more than `mostLines`; nothing is to be asked of it then.
+    // False if it has more than `mostLines`; it must then not be queried.
     bool valid() const { return lines_.size() <= mostLines; }
 
-    // The text after the first "=" of the first such key in the first such section: outer white space taken
-    // off, up to its first zero character. Nothing when there is no such key. Cost: one hash look-up.
+    // The text after the first "=" of the first such key in the first such section, without outer white
+    // space, up to its first zero character. Nothing if there is no such key. Cost: one hash look-up.
     std::optional<QString> value(const QString& section, const QString& key) const;
 
-    // Names as they are spelled, in file order, repeats included, empty ones left out.
+    // Names as spelled, in file order, with repeats, without empty ones.
     QStringList sections() const;
     QStringList keys(const QString& section) const;
 
-    // Sets one key. A present one keeps its place and spelling (a text without "=" of that name becomes the
-    // key); a new one goes after the last key of its section, a new section to the end of the text. A value
-    // that is there already changes nothing. Cost: independent of the length of the text.
+    // Sets one key. An existing one keeps its place and spelling (a line of that name without "=" becomes the
+    // key); a new one goes after the last key of its section, a new section to the end of the text. An equal
+    // value changes nothing. Cost: independent of the length of the text.
     void set(const QString& section, const QString& key, const QString& value);
     // Removes the first such key.
     void remove(const QString& section, const QString& key);
-    // Removes the first such section: its header and everything below but blank lines and comments.
+    // Removes the first such section: its header and everything below except blank lines and comments.
     void removeSection(const QString& section);
 
     QByteArray bytes() const;
 
-    // Memory held, in bytes, nearly.
+    // Approximate memory use, in bytes.
     qsizetype cost() const;
 
 private:
@@ -59,13 +59,13 @@ private:
         Bare, // text without "="
         Header
     };
-    // A line, or a run of Other lines, in file order by `next`.
+    // A line, or a run of Other lines, linked in file order by `next`.
     struct Line {
         int begin = 0; // in text_
         int end = 0;   // after its line end
         int previous = -1;
         int next = -1;
-        int nextSame = -1; // the next one that is looked up by the same name
+        int nextSame = -1; // the next one with the same name in the index
         int lastKey = -1;  // of a header: the last Key line of its section
         Kind kind = Kind::Other;
     };

@@ -27,7 +27,7 @@ bool fitsOnALine(const QString& text) {
                         [](QChar c) { return c.isNull() || c == u'\r' || c == u'\n'; });
 }
 
-// Lines with their ends; a value that goes on after a "\" is one line.
+// Lines with their ends; a value continued after a "\" is one line.
 QStringList splitLines(const QString& text) {
     QStringList lines;
     qsizetype begin = 0;
@@ -63,7 +63,7 @@ RegistryDocument::RegistryDocument(const QByteArray& bytes) {
     index();
 }
 
-// Lines count in their order, so the last one of a name is the one that holds.
+// Lines count in order, so the last one of a name wins.
 void RegistryDocument::index() {
     keys_.clear();
     Key* key = nullptr;

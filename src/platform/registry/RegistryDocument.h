@@ -1,9 +1,9 @@
-// The text of a registry export ("Windows Registry Editor Version 5.00"), without a file: parsed once, asked
-// by key path and name, edited line by line. Lines that no change names stay as they are, be they of other
-// hives, of value types that the suite does not use, or no registry text at all.
+// The text of a registry export ("Windows Registry Editor Version 5.00"), independent of the file: parsed
+// once, queried by key path and name, edited line by line. Untouched lines stay as they are, including those
+// of other hives, of value types that the suite does not use, and text that is not a registry line.
 //
 // Paths begin with the hive's name ("HKEY_LOCAL_MACHINE\Software\Norvane"). Paths and names match without
-// regard to case. docs/formats/registry.md tells the form.
+// regard to case. docs/formats/registry.md describes the format.
 #pragma once
 
 #include "platform/registry/RegistryStore.h"
@@ -14,24 +14,24 @@ namespace tolvex::platform {
 
 class RegistryDocument {
 public:
-    // Any bytes are taken; UTF-16 little-endian with its mark, else code page 1252. Cost: one pass.
+    // Accepts any bytes; UTF-16 little-endian with its mark, else code page 1252. Cost: one pass.
     explicit RegistryDocument(const QByteArray& bytes = {});
 
     bool valid() const { return true; }
-    // Memory held, in bytes, nearly.
+    // Approximate memory use, in bytes.
     qsizetype cost() const;
 
     std::optional<RegistryValue> value(const QString& path, const QString& name) const;
-    // Whether the key is there, with values or as the parent of another.
+    // Whether the key exists, with values or as the parent of another.
     bool hasKey(const QString& path) const;
     // Sorted without regard to case.
     QStringList valueNames(const QString& path) const;
     QStringList subkeys(const QString& path) const;
 
-    // Sets a value, making its key. False, and nothing changed, for a path or name that cannot be written (a
+    // Sets a value, making its key. False, with nothing changed, for a path or name that cannot be written (a
     // line break or zero in it, no key below the hive).
     bool set(const QString& path, const QString& name, const RegistryValue& value);
-    // Removes a value; its key stays. False when it was not there.
+    // Removes a value; its key stays. False if it did not exist.
     bool remove(const QString& path, const QString& name);
 
     QByteArray bytes() const;

@@ -16,7 +16,7 @@ bool isText(RegistryType type) {
     return type == RegistryType::Text || type == RegistryType::ExpandText || type == RegistryType::MultiText;
 }
 
-// A quoted text from `at`, which is moved after its closing quote. Nothing when it is not closed.
+// A quoted text from `at`, which moves past its closing quote. Nothing if it is not closed.
 std::optional<QString> quoted(QStringView line, qsizetype& at) {
     if (at >= line.size() || line[at] != u'"')
         return std::nullopt;
@@ -64,7 +64,7 @@ std::optional<quint32> hexNumber(QStringView text, qsizetype digits) {
 std::optional<QByteArray> hexBytes(QStringView text) {
     QByteArray bytes;
     int pending = -1;
-    bool comma = true; // whether the next byte may begin
+    bool comma = true; // whether a byte may start here
     for (const QChar c : text) {
         const int digit = hexDigit(c);
         if (digit >= 0 && pending >= 0) {
@@ -134,7 +134,7 @@ std::optional<RegistryValue> parseValue(QStringView text, bool ansi) {
     return std::nullopt;
 }
 
-// Text that has a place between quotes on one line; the export writes its ending zero by itself.
+// Text that fits between quotes on one line; the export adds its terminating zero itself.
 std::optional<QString> quotable(const RegistryValue& value) {
     if (value.type != RegistryType::Text)
         return std::nullopt;

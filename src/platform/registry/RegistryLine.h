@@ -14,10 +14,10 @@ struct RegistryLine {
 // `ansi`: texts in hexadecimal are code page 1252, not UTF-16. Nothing for any other line.
 std::optional<RegistryLine> ParseRegistryLine(QStringView line, bool ansi);
 
-// The path of a header line "[path]", normalised; empty when it is none.
+// The normalised path of a header line "[path]"; empty for any other line.
 QString ParseRegistryHeader(QStringView line);
 
-// The line (or the lines) for a value, with line ends, wrapped as the platform's own export does.
+// The line (or lines) for a value, with line ends, wrapped as in the platform's own export.
 QString FormatRegistryLine(const QString& name, const RegistryValue& value, bool ansi);
 
 // A key path without empty components.

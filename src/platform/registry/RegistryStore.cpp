@@ -10,10 +10,10 @@ namespace tolvex::platform {
 
 namespace {
 
-// No store is longer; what is holds something else.
+// No store is longer; a longer file is something else.
 constexpr qint64 longestFile = 64 << 20;
 
-// The data engine is part of this program. A new store says so the way an installation of it would have.
+// The data engine is part of this program. A new store reports it as an installation would.
 constexpr char engineKey[] = "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\DataAccess";
 constexpr char engineName[] = "FullInstallVer";
 constexpr char engineVersion[] = "2.81.1117.0";
@@ -33,7 +33,7 @@ RegistryDocument newStore() {
     return document;
 }
 
-// The store as it is now; null when it cannot be read. A missing one is a new one.
+// The store as it is now; null if it cannot be read. A missing one is a new one.
 std::shared_ptr<const RegistryDocument> open() {
     static FileCache<RegistryDocument> cache(longestFile);
     const QString file = storeFile();
@@ -44,13 +44,13 @@ std::shared_ptr<const RegistryDocument> open() {
     return cache.open(file);
 }
 
-// The path with its hive; empty for a hive that is none.
+// The path with its hive; empty for an unknown hive.
 QString fullPath(quint32 hive, const QString& key) {
     const quint32 number = hive - firstHive;
     return number < std::size(hives) ? QLatin1String(hives[number]) + u'\\' + key : QString();
 }
 
-// Applies one change to the store as it is; `change` says whether it could.
+// Applies one change to the current store; `change` says whether it succeeded.
 template<class Change>
 bool update(Change change) {
     bool done = false;

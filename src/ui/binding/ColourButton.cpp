@@ -63,7 +63,7 @@ QSize ColourButton::sizeHint() const {
 void ColourButton::changeEvent(QEvent* event) {
     QPushButton::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        showColour(); // the colours of the system may be others now
+        showColour(); // the system colours may have changed
 }
 
 void ShowColoursOn(QWidget* panel, ColourButton* ground, ColourButton* text) {

@@ -1,6 +1,6 @@
 // A button that holds a colour and shows it as a sample beside its text; a click, Space or Enter opens the
-// chooser of colours. Colours are the suite's (ui/style/Colours.h): a colour of the system stays one until
-// another is chosen.
+// chooser of colours. Colours are the suite's (ui/style/Colours.h): a system colour stays one until another
+// is chosen.
 #pragma once
 
 #include <QPushButton>
@@ -32,8 +32,8 @@ private:
     qint32 colour_ = 0;
 };
 
-// A sample panel that always shows the colours of two buttons, its ground and its text; either may be null
-// and leaves the panel's own. Its tool tip says how well the text can be read: below 4.5 to 1 it is hard to.
+// A sample panel that always shows the colours of two buttons, background and text; either may be null and
+// leaves the panel's own. Its tool tip rates the contrast: below 4.5 to 1 text is hard to read.
 void ShowColoursOn(QWidget* panel, ColourButton* ground, ColourButton* text);
 
 } // namespace tolvex

@@ -17,7 +17,7 @@ namespace tolvex {
 
 namespace {
 
-// The entry that carries the value, else the one at that place.
+// The entry with this value, else the one at that position.
 int entryOf(const QComboBox& list, qint32 value) {
     for (int entry = 0; entry < list.count(); ++entry)
         if (list.itemData(entry).isValid())
@@ -50,7 +50,7 @@ bool isInGrid(const QWidget* widget) {
 bool isInput(const QWidget* widget) {
     if (const auto* button = qobject_cast<const QAbstractButton*>(widget))
         return button->isCheckable() || qobject_cast<const ColourButton*>(widget);
-    if (const auto* box = qobject_cast<const QLineEdit*>(widget)) // not the one inside another control
+    if (const auto* box = qobject_cast<const QLineEdit*>(widget)) // not one inside another control
         return !qobject_cast<const QComboBox*>(box->parentWidget()) &&
                !qobject_cast<const QAbstractSpinBox*>(box->parentWidget());
     return qobject_cast<const QComboBox*>(widget) || qobject_cast<const QSpinBox*>(widget) ||

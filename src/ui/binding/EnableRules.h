@@ -1,5 +1,5 @@
-// Which controls of a form can be used when, as a table. A control that cannot be used says why, in its tool
-// tip and to who has it read aloud.
+// When each control of a form is enabled, as a table. A disabled control gives the reason in its tool tip and
+// to screen readers.
 //
 //     EnableRules rules(this, {
 //         {"txtFade lblFade", "Tick \"Fade\" to set how long it takes.", IsOn("chkFade")},
@@ -18,17 +18,17 @@ struct EnableRule {
         Disables,
         Locks // text boxes: their text can be read and copied, not changed
     };
-    QString controls; // names with a blank between
-    QString reason;   // a sentence: why they cannot be used
+    QString controls; // names separated by blanks
+    QString reason;   // a sentence: why they are disabled
     std::function<bool(const FormView& form)> when;
     Effect effect = Effect::Disables;
 };
 
-// A box that is ticked, or a radio button that is chosen.
+// A ticked box, or a chosen radio button.
 std::function<bool(const FormView&)> IsOn(const char* box);
 
-// A control that several rules name can be used when all of them hold; the first that does not gives the
-// reason.
+// A control with several rules is enabled if all of them
+// hold; the first that does not gives the reason.
 class EnableRules : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ public:
     // Applies the rules now and after each change of an input. Belongs to the form.
     EnableRules(QWidget* form, std::vector<EnableRule> rules);
 
-    // For what no input tells, such as a change of the form's record.
+    // Call after changes that no input signals, such as of the form's record.
     void apply();
 
 private:
@@ -44,7 +44,7 @@ private:
         QWidget* control = nullptr;
         std::vector<std::size_t> rules;
         bool usable = true;
-        QString toolTip; // its own, while the reason stands in their place
+        QString toolTip; // its own, while the reason replaces it
         QString description;
     };
     void apply(Controlled& controlled);

@@ -1,4 +1,4 @@
-// An error of one field, shown where it is.
+// Shows an error at its field.
 #pragma once
 
 #include "platform/Prompts.h"
@@ -7,9 +7,9 @@ class QWidget;
 
 namespace tolvex {
 
-// Selects the tab on which the field stands and marks tab and field, gives the message, and puts the focus on
-// the field with its text selected. The marks go with the next edit anywhere in the window. Gives false, so
-// that a check can say `return ShowFieldError(...)`.
+// Selects the tab of the field and marks tab and field, shows the message, and moves the focus to the field
+// with its text selected. The next edit anywhere in the window removes the marks. Returns false, so that a
+// check can say `return ShowFieldError(...)`.
 bool ShowFieldError(QWidget* field, const QString& message,
                     platform::Icon icon = platform::Icon::Exclamation);
 

@@ -37,7 +37,7 @@ bool carriesValues(const QComboBox& list) {
     return false;
 }
 
-// What is added to the place of an entry to get what it stands for.
+// Added to the position of an entry to get its value.
 qint32 offsetOf(const FieldLook& look, const QWidget* control) {
     const auto* list = qobject_cast<const QComboBox*>(control);
     return list && !carriesValues(*list) ? look.first : 0;
@@ -85,7 +85,7 @@ void FormBinding::bind(const FieldLook& look, std::function<FieldRef()> field) {
     ties_.push_back(std::move(tie));
 }
 
-// What the one control of a field shows while the record holds what it holds.
+// What the one control of a field shows while the record is unchanged.
 ControlValue FormBinding::shown(const Tie& tie) const {
     const FieldRef field = tie.field();
     const QWidget* control = tie.controls.front();

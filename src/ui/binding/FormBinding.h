@@ -1,5 +1,5 @@
-// Ties the fields of a record to the controls of a form: fill shows them, take stores what stands in the
-// controls. The rows are a table, for any record, by member pointers; the settings bring their own
+// Ties the fields of a record to the controls of a form: fill shows them, take stores the contents of the
+// controls. The rows are a table, for any record, by member pointers; the settings have their own rows
 // (ui/binding/SettingBinding.h).
 //
 //     const BoundField<Command> fields[] = {
@@ -23,11 +23,11 @@ using FieldRef = std::variant<bool*, qint16*, qint32*, float*, double*, QString*
 
 // How a field is shown.
 struct FieldLook {
-    QString control;  // or several radio buttons with a blank between: the field says which is chosen
-    QString help;     // tool tip of a control that has none
-    qint32 first = 0; // what the first entry of a list without values, or the first radio button, stands for
-    qint32 ticked = -1;        // what a ticked box is stored as
-    qint32 lowest = INT32_MIN; // of a number that is typed
+    QString control;    // or several radio buttons separated by blanks: the field selects one
+    QString help;       // tool tip of a control that has none
+    qint32 first = 0;   // the value of the first entry of a list without values, or of the first radio button
+    qint32 ticked = -1; // the stored value of a ticked box
+    qint32 lowest = INT32_MIN; // for a typed number
     qint32 highest = INT32_MAX;
     int longest = 0; // characters of a text; 0: no limit
 };
@@ -76,7 +76,7 @@ auto Bound(const char* control) {
     return field;
 }
 
-// A field whose control cannot be stored, and why, as a sentence.
+// A field whose control cannot be stored, and the reason, as a sentence.
 struct WrongField {
     QWidget* control = nullptr;
     QString message;
@@ -93,17 +93,17 @@ public:
         for (const BoundField<Record>& field : fields)
             bind(field.look, [&record, at = field.at] { return at(record); });
     }
-    // One field, whose place is asked for each time.
+    // One field whose address is computed each time.
     void bind(const FieldLook& look, std::function<FieldRef()> field);
 
     // Shows the record. A value that a list or radio buttons do not offer leaves nothing chosen.
     void fill();
-    // Stores what the controls say. A list or a choice with nothing chosen leaves its field as it is; a text
-    // stands for the number in front of it, 0 for none, moved to the nearer end of what the field's type
-    // holds.
+    // Stores the contents of the controls. A list or group with nothing chosen leaves its field as it is; for
+    // a number field, a text means its leading number, 0 for none, moved to the nearer end of the field
+    // type's range.
     void take();
-    // The first number, of the controls that can be used, which lies outside its range or does not fit its
-    // field.
+    // The first number in an enabled control that is
+    // outside its range or does not fit its field.
     std::optional<WrongField> wrong() const;
     // Whether take() would change the record.
     bool changed() const;

@@ -1,4 +1,4 @@
-// Whether a form holds changes that were not stored, and the one question that is asked before they are lost.
+// Whether a form holds unsaved changes, and the one question before they are lost.
 #pragma once
 
 #include "ui/binding/Controls.h"
@@ -7,19 +7,19 @@
 
 namespace tolvex {
 
-// A control that is disabled counts for nothing: what disabled it counts.
+// A disabled control is ignored: the control that disabled it counts.
 class FormChanges : public QObject {
     Q_OBJECT
 
 public:
-    // Compares the inputs of the form, but for those named, with what they hold now. Belongs to the form.
+    // Compares the inputs of the form, except those named, with their current values. Belongs to the form.
     explicit FormChanges(QWidget* form, const QString& leftOut = {});
 
-    // What stands in the form is stored: changes count from here.
+    // The contents of the form are stored: changes count from here.
     void markStored();
 
     bool any() const;
-    // The names of the controls that were changed (NameOf), for a list of what OK will store.
+    // The names of the changed controls (NameOf), for a list of what OK will store.
     QStringList names() const;
 
 private:
@@ -32,7 +32,7 @@ private:
     QList<Input> inputs_;
 };
 
-// Asks "<what>\n\nClose without them?", with No as default. True when the user wants to lose the changes.
+// Asks "<what>\n\nClose without them?", with No as default. True if the user wants to lose the changes.
 // `what` is a sentence: "The changes to the hardware lines have not been applied."
 bool AskToLoseChanges(const QString& what);
 

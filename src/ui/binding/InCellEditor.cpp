@@ -72,7 +72,7 @@ void InCellEditor::openList(OptionList* list, const QModelIndex& cell, const Cho
         list->press(*key);
 }
 
-// Closed first: what follows, such as the loss of the focus, must not end it a second time.
+// Closed first: consequences such as the loss of focus must not end it a second time.
 QWidget* InCellEditor::close() {
     QWidget* control = std::exchange(control_, nullptr);
     if (!control)

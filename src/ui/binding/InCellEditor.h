@@ -1,6 +1,6 @@
-// The editor of a grid's cells: a text box or a list that lies over the cell being edited. It is closed or
-// open, and what is open ends once, by commit() or by drop(), whatever becomes of its grid in between: a box
-// that loses the focus or is hidden behind another tab is committed, Escape drops it.
+// The editor of a grid's cells: a text box or a list over the cell being edited. It is closed or open, and an
+// open one ends exactly once, by commit() or by drop(), whatever happens to its grid meanwhile: a box that
+// loses the focus or is hidden behind another tab is committed, Escape drops it.
 //
 //     box = editor.addTextBox("txtName", "Name of the workstation");
 //     connect(&editor, &InCellEditor::committed, this, [this](QWidget*) { store(box->text()); });
@@ -27,29 +27,29 @@ public:
     // Serves this grid, and belongs to it.
     explicit InCellEditor(QTableView* grid);
 
-    // The controls that it opens, hidden at first: made once for each kind of cell, with the name by which
-    // the form knows them and the one that is read aloud.
+    // The controls that it opens, initially hidden: made once for each kind of cell, with the name used by
+    // the form and the accessible name.
     QLineEdit* addTextBox(const char* name, const char* accessibleName);
     OptionList* addList(const char* name, const char* accessibleName);
 
     bool isOpen() const { return control_ != nullptr; }
 
-    // Open a control over a cell; one that is open is committed before. A box has `selected` characters of
-    // its text selected. `key` is the key that opened it, null for none: in a box it replaces the text, in a
-    // list it chooses.
+    // Opens a control over a cell; an open one is committed first. In a box `selected` characters of its text
+    // are selected. `key` is the key that opened it, null for none: in a box it replaces the text, in a list
+    // it chooses.
     void openText(QLineEdit* box, const QModelIndex& cell, const QString& text, qsizetype selected,
                   const QKeyEvent* key = nullptr);
     void openList(OptionList* list, const QModelIndex& cell, const Choices& choices, int selected,
                   const QKeyEvent* key = nullptr);
 
-    // Ends what is open; nothing when it is closed. The grid gets the focus back where the control had it.
+    // Ends what is open; does nothing if closed. The focus returns to the grid if the control had it.
     void commit();
     void drop();
 
 signals:
-    // An entry of the open list, each time that a key reaches one or the mouse chooses it.
+    // An entry of the open list, whenever a key reaches one or the mouse chooses it.
     void chosen(qint32 value);
-    // It was closed, and this control ended so. Of a list the last choice stands.
+    // The editor was closed, and this control ended in this way. The last choice in a list stays.
     void committed(QWidget* control);
     void dropped(QWidget* control);
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int MostVisible = 14;
 
-// Keys that choose nothing: they only change what others mean.
+// Keys that choose nothing: they only modify others.
 bool choosesNothing(const QKeyEvent& key) {
     switch (key.key()) {
     case Qt::Key_Shift:
@@ -34,7 +34,7 @@ OptionList::OptionList(QWidget* parent)
     setMaxVisibleItems(MostVisible);
     setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; border-radius: 0; padding: 0 4px; "
                                  "min-height: 0; }"));
-    // A list without entries has no list to drop: its keys come to the box.
+    // A list without entries cannot drop open: its keys come to the box.
     view()->installEventFilter(this);
     installEventFilter(this);
     hidden_.setSingleShot(true);
@@ -70,12 +70,12 @@ void OptionList::press(const QKeyEvent& key) {
 bool OptionList::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::Hide:
-        // An entry that the mouse chose is told after this.
+        // An entry chosen by the mouse is reported after this.
         if (watched == view())
             hidden_.start(0);
         break;
     case QEvent::FocusOut:
-        // Of a box without a list; otherwise the list has the focus.
+        // For a box without a list; otherwise the list has the focus.
         if (watched == this && count() == 0 &&
             static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
             emit committed();
@@ -100,7 +100,7 @@ bool OptionList::handleKey(QObject* watched, QKeyEvent* key) {
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
     case Qt::Key_F4:
-        key->accept(); // the list would choose its entry by the event before the key's own
+        key->accept(); // otherwise the list would choose its entry by the event before the key's own
         if (pressed && key->key() == Qt::Key_Escape)
             emit dropped();
         else if (pressed)
@@ -115,7 +115,7 @@ bool OptionList::handleKey(QObject* watched, QKeyEvent* key) {
     }
     if (!pressed)
         return QComboBox::eventFilter(watched, key);
-    // The list moves to where the key leads before the entry is taken.
+    // The list moves to the key's target before the entry is taken.
     passing_ = true;
     QCoreApplication::sendEvent(watched, key);
     passing_ = false;

@@ -1,4 +1,4 @@
-// The list that drops open in a cell. It is there only while it is open; InCellEditor opens and closes it.
+// The list that drops open in a cell. It is visible only while open; InCellEditor opens and closes it.
 #pragma once
 
 #include "core/text/Choices.h"
@@ -14,15 +14,15 @@ class OptionList : public QComboBox {
 public:
     explicit OptionList(QWidget* parent);
 
-    // Fills itself and drops open where it lies. `selected` is an entry, -1 for none.
+    // Fills itself and drops open in place. `selected` is an entry, -1 for none.
     void open(const Choices& choices, int selected);
-    // Takes itself away without a signal.
+    // Closes without a signal.
     void close();
-    // A key pressed while it is open, also by whoever opened it.
+    // A key pressed while it is open, including the key that opened it.
     void press(const QKeyEvent& key);
 
 signals:
-    // By the mouse, which ends the choice then, or by a key, after which the list stays open.
+    // By the mouse, which ends the choice, or by a key, after which the list stays open.
     void chosen(qint32 value);
     // Enter, Tab, a click on an entry or outside the list.
     void committed();
@@ -35,7 +35,7 @@ private:
     bool handleKey(QObject* watched, QKeyEvent* key);
     void chooseReached();
 
-    QTimer hidden_; // runs out after the list of entries was hidden, which ends the choice
+    QTimer hidden_; // expires after the list of entries was hidden, which ends the choice
     bool passing_ = false;
 };
 

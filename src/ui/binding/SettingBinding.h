@@ -1,4 +1,4 @@
-// Ties the settings that a form holds to its controls: the rows of the settings table name form and control.
+// Ties the settings of a form to its controls: the rows of the settings table name form and control.
 #pragma once
 
 #include "core/settings/Settings.h"
@@ -6,8 +6,8 @@
 
 namespace tolvex {
 
-// Binds each row that is declared by `.on(form, control)` and whose form has the object name of this one,
-// with the row's range and length, its help line as tool tip. The settings outlive the binding.
+// Binds each row that was declared with `.on(form, control)` for a form with this object name, with the row's
+// range and length, and its help line as tool tip. The settings outlive the binding.
 void BindSettings(FormBinding& binding, const QWidget* form, Settings& settings);
 
 } // namespace tolvex

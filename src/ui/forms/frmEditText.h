@@ -18,7 +18,7 @@ public:
     explicit frmEditText(QWidget* parent = nullptr);
     ~frmEditText() override;
 
-    // The text to edit, set before showing; after OK the edited text, after Cancel the one that was set.
+    // The text to edit, set before showing; after OK the edited text, after Cancel the original.
     QString Tag;
 
 protected:

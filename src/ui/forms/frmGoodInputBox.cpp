@@ -17,7 +17,7 @@ namespace tolvex {
 
 namespace {
 
-// A line edit whose masked characters are a given one instead of the style's.
+// A line edit with a given mask character instead of the style's.
 class MaskStyle : public QProxyStyle {
 public:
     explicit MaskStyle(QChar mask)
@@ -85,7 +85,7 @@ void frmGoodInputBox::setMode(Mode mode) {
 void frmGoodInputBox::setPrompt(const QString& prompt) {
     prompt_ = prompt;
     control()->setAccessibleName(prompt);
-    // A prompt is no caption: an ampersand in it is itself, although the label has a buddy.
+    // A prompt is not a caption: an ampersand in it is literal, although the label has a buddy.
     ui_->lblCaption->setText(QString(prompt).replace(u'&', QStringLiteral("&&")));
 }
 
@@ -125,7 +125,7 @@ void frmGoodInputBox::setPasswordCharacter(const QString& character) {
 
 void frmGoodInputBox::setBackColour(qint32 colour) {
     if (colour < 0)
-        return; // a system colour: the palette's own background is it
+        return; // a system colour: it is the palette's own background
     const QColor back = ToColor(colour, palette());
     QPalette colours = palette();
     colours.setColor(QPalette::Window, back);
@@ -138,12 +138,12 @@ bool frmGoodInputBox::cancelled() const {
     return ui_->CancelL->text().toInt() > 0;
 }
 
-// Typing beyond the limit is refused; a text that was longer from the start may only shrink.
+// Typing beyond the limit is refused; a text that was longer from the start can only be shortened.
 void frmGoodInputBox::holdLength(const QString& text) {
     if (maximumLength_ > 0 && text.size() > maximumLength_ && text.size() > lastText_.size()) {
         const int typed = static_cast<int>(text.size() - lastText_.size());
         const int cursor = std::max(0, ui_->Text1->cursorPosition() - typed);
-        // A paste is cut to what fits; a single key is dropped.
+        // A paste is cut to fit; a single key is dropped.
         const QString kept = lastText_.size() < maximumLength_ ? text.left(maximumLength_) : lastText_;
         ui_->Text1->setText(kept);
         ui_->Text1->setCursorPosition(kept == lastText_ ? cursor : maximumLength_);

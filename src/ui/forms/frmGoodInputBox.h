@@ -17,7 +17,7 @@ class frmGoodInputBox : public QDialog {
     Q_OBJECT
 
 public:
-    // The entry control that is visible, and what the answer is.
+    // The visible entry control, and what the answer is.
     enum class Mode {
         Text,         // Text1: the text
         Combo,        // comboCombo: the text, free or chosen
@@ -32,15 +32,15 @@ public:
 
     void setMode(Mode mode);
     void setPrompt(const QString& prompt);
-    // The items of the mode in force.
+    // The items of the current mode.
     void setItems(const QStringList& items);
     void setText(const QString& text);
-    // Longest text that typing may reach, 0 for no limit; a longer text that is there already stays until
-    // changed.
+    // Longest text that can be typed, 0 for no limit; a
+    // longer existing text stays until changed.
     void setMaximumLength(int length);
     // The first character masks the input; empty: plain input.
     void setPasswordCharacter(const QString& character);
-    // A colour of the suite; text follows so that it stays readable.
+    // A colour of the suite; the text colour follows so that it stays readable.
     void setBackColour(qint32 colour);
 
     bool cancelled() const;
@@ -66,8 +66,8 @@ private:
     bool shown_ = false;
 };
 
-// Asks for a text. True when the user cancelled: `result` is then empty. `modal`: shown modally on ownerForm,
-// else shown and waited for with events running. The icon comes from parentForm, else from ownerForm.
+// Asks for a text. True if the user cancelled: `result` is then empty. `modal`: shown modally on ownerForm,
+// else shown and waited for while events run. The icon comes from parentForm, else from ownerForm.
 bool GoodInputBox(const QString& prompt, const QString& title, const QString& initial, qint32 maxLength,
                   QString& result, QWidget* ownerForm, const QString& passwordChar = {}, bool modal = true,
                   qint32 backColour = SystemButtonFace, QWidget* parentForm = nullptr);

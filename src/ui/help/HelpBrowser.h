@@ -1,4 +1,4 @@
-// A text browser whose pages and pictures come out of the help file.
+// A text browser with pages and pictures from the help file.
 #pragma once
 
 #include <QTextBrowser>

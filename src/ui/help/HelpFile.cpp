@@ -11,7 +11,7 @@ namespace tolvex {
 
 namespace {
 
-// Larger than any page or picture of a help file; a damaged length must not take the memory.
+// Larger than any page or picture of a help file; protects memory from a damaged length.
 constexpr LONGUINT64 LongestObject = 16 << 20;
 
 class ChmFile : public HelpFile {
@@ -63,7 +63,7 @@ public:
         return entries;
     }
 
-    // A small page of our own inside the file says which page each context opens: "100 console.html".
+    // A small page of our own inside the file lists the page of each context: "100 console.html".
     QString pageOf(int context) const override {
         QString fallback = QStringLiteral("/index.html");
         const QByteArray table = read(QStringLiteral("/contexts.txt")).value_or(QByteArray());

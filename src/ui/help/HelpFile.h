@@ -1,5 +1,5 @@
-// Reads the program's compiled help file: its pages, its contents tree and which page belongs to a help
-// context.
+// Reads the program's compiled help file: its pages, its
+// contents tree and the page of each help context.
 #pragma once
 
 #include <QByteArray>
@@ -14,7 +14,7 @@ namespace tolvex {
 
 class HelpFile {
 public:
-    // Nothing when the file (a Windows path) is missing or no compiled help.
+    // Nothing if the file (a Windows path) is missing or is not compiled help.
     static std::unique_ptr<HelpFile> open(const QString& path);
     virtual ~HelpFile() = default;
 

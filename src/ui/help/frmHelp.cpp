@@ -105,7 +105,7 @@ void frmHelp::keyPressEvent(QKeyEvent* event) {
 
 bool ShowHelp(const QString& helpFile, int context) {
     static QPointer<frmHelp> window;
-    // Beside a modal form only a window of its own can be used.
+    // Beside a modal form only a separate window can be used.
     QWidget* const owner = QApplication::activeModalWidget();
     if (window && window->parentWidget() != owner)
         delete window;

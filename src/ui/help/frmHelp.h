@@ -32,12 +32,12 @@ private:
     void fillContents();
     void markCurrent(const QUrl& source);
 
-    std::unique_ptr<HelpFile> file_; // read from as long as the page is shown
+    std::unique_ptr<HelpFile> file_; // used while the page is shown
     std::unique_ptr<Ui::frmHelp> ui_;
 };
 
-// Opens the viewer, or brings it to the front, at a context of a help file (a Windows path). False when the
-// file is missing or no help file; nothing is shown then.
+// Opens the viewer, or brings it to the front, at a context of a help file (a Windows path). False, with
+// nothing shown, if the file is missing or is not a help file.
 bool ShowHelp(const QString& helpFile, int context);
 
 } // namespace tolvex

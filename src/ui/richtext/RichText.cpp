@@ -19,7 +19,7 @@ namespace tolvex {
 
 namespace {
 
-// What the reader does with the text of a group.
+// How the reader treats the text of a group.
 enum class Destination { Body, FontTable, ColourTable, Skip };
 
 struct State {
@@ -27,18 +27,18 @@ struct State {
     QTextCharFormat character;
     QTextBlockFormat paragraph;
     int font = 0;
-    int unicodeSkip = 1; // characters that stand in for one \u character
+    int unicodeSkip = 1; // characters that replace one \u character for old readers
     bool hidden = false;
 };
 
 struct Font {
     QString family;
-    bool symbol = false; // a pi font: its bytes are no letters
+    bool symbol = false; // a pi font: its bytes are not letters
 };
 
 constexpr double PixelsPerTwip = 96.0 / 1440.0;
 
-// Groups whose text is no text of the document, even without the \* mark.
+// Groups whose text is not part of the document, even without the \* mark.
 bool isSkippedGroup(const QByteArray& word) {
     static const QList<QByteArray> skipped = {
         "stylesheet", "info",       "pict",     "header",    "headerl",   "headerr", "headerf", "footer",
@@ -100,7 +100,7 @@ private:
         if (depth_ <= MaxRichTextDepth) {
             saved_.append(state_);
         } else {
-            // Too deep to remember: its text is dropped until the depth is back.
+            // Nested too deeply: its text is dropped until the depth is back.
             state_.destination = Destination::Skip;
         }
     }
@@ -115,7 +115,7 @@ private:
             state_ = saved_.takeLast();
         --depth_;
         if (depth_ == 0)
-            depth_ = -1; // the outermost group is closed: the rest is no document
+            depth_ = -1; // the outermost group is closed: the rest is not part of the document
     }
 
     void readControl() {
@@ -356,7 +356,7 @@ private:
             }
             return;
         case Destination::Body:
-            // The dot of a symbol font is the usual bullet; its other signs have no letters to show.
+            // The dot of a symbol font is the usual bullet; its other signs have no equivalent letters.
             if (fonts_.value(state_.font).symbol)
                 putCharacter(u'\u2022');
             else
@@ -383,7 +383,7 @@ private:
         run_.clear();
     }
 
-    // The last paragraph has no end of its own; it takes its format before its group gives it back.
+    // The last paragraph has no end of its own; it gets its format before its group is closed.
     void endDocument() {
         endRun();
         cursor_.setBlockFormat(state_.paragraph);
@@ -409,8 +409,8 @@ private:
     QString run_;
     QTextCharFormat runFormat_;
     bool formatChanged_ = true;
-    int skip_ = 0;         // stand-in characters of a \u character still to drop
-    bool starred_ = false; // the group may be ignored by those who do not know it
+    int skip_ = 0;         // replacement characters of a \u character still to skip
+    bool starred_ = false; // readers that do not know the group may ignore it
 };
 
 } // namespace

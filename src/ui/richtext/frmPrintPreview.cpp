@@ -129,7 +129,7 @@ void frmPrintPreview::save() {
     const std::optional<QString> chosen = platform::prompts().pickFile(question);
     if (!chosen || chosen->trimmed().isEmpty())
         return;
-    // The file's own bytes: a copy of rich text keeps all of its formatting.
+    // The file's own bytes: a copy of rich text keeps all its formatting.
     if (const int error = platform::ReplaceWholeFile(chosen->trimmed(), contents_))
         ProblemReport(QStringLiteral("saving the file ") + chosen->trimmed(), error);
 }
@@ -138,7 +138,7 @@ void frmPrintPreview::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (std::exchange(shown_, true))
         return;
-    // Most of the screen's height where nobody chose a size, so that a notice needs little scrolling.
+    // Most of the screen's height unless a size was chosen, so that a notice needs little scrolling.
     if (!testAttribute(Qt::WA_Resized))
         resize(width(), screen()->availableGeometry().height() * 3 / 4);
     clsMonitors().CenterFormOnMonitor(this, parentWidget());

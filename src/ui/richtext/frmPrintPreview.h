@@ -23,11 +23,11 @@ public:
     // the first.
     void DisplayFolder(const QString& folder, const QString& extension);
     void HideFolder();
-    // Shows a file; an empty or missing one shows an empty view. Files longer than 32 MB are cut there.
+    // Shows a file; an empty or missing one shows an empty view. Files longer than 32 MB are truncated.
     void LoadFile(const QString& path);
-    // Shows a text that is in no file.
+    // Shows a text that is not in a file.
     void ShowText(const QString& text);
-    // Contents are shown as plain text from the next LoadFile on, whatever they are.
+    // From the next LoadFile on, contents are shown as plain text, whatever they are.
     void SetTextDisplay(bool flag);
 
 protected:
@@ -43,7 +43,7 @@ private:
     QString fileName_;
     QString folder_;
     QString extension_;
-    QByteArray contents_; // of the file shown: what Save writes
+    QByteArray contents_; // of the file shown; Save writes it
     bool textDisplay_ = false;
     bool shown_ = false;
 };

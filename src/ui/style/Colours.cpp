@@ -8,7 +8,7 @@ namespace tolvex {
 
 namespace {
 
-// System colours by their number, as near as the palette's roles come.
+// System colours by number, mapped to the closest roles of the palette.
 constexpr QPalette::ColorRole systemColours[] = {
     QPalette::Mid,             // 0 scroll bar
     QPalette::Dark,            // 1 desktop
@@ -25,7 +25,7 @@ constexpr QPalette::ColorRole systemColours[] = {
     QPalette::Dark,            // 12 application workspace
     QPalette::Highlight,       // 13 highlight
     QPalette::HighlightedText, // 14 highlighted text
-    QPalette::Window,          // 15 button face: the ground of every form
+    QPalette::Window,          // 15 button face: the background of every form
     QPalette::Dark,            // 16 button shadow
     QPalette::PlaceholderText, // 17 grey text
     QPalette::ButtonText,      // 18 button text

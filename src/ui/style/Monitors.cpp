@@ -18,7 +18,7 @@ enum Metric {
     MonitorsOnDesktop = 80
 };
 
-// Cells of the walk over the virtual screen: a monitor that holds no middle of a cell is missed.
+// Cells of the scan over the virtual screen: a monitor without the middle of any cell is missed.
 constexpr int CellWidth = 640;
 constexpr int CellHeight = 480;
 
@@ -152,7 +152,7 @@ void clsMonitors::Refresh() {
                                  QRect(QPoint(0, 0), system_->screen().size())));
         return;
     }
-    // The walk runs from the virtual screen's origin and covers its size, negative origins included.
+    // The scan starts at the virtual screen's origin and covers its size, including negative origins.
     const int right = DesktopLeft() + DesktopWidth();
     const int bottom = DesktopTop() + DesktopHeight();
     for (int y = DesktopTop(); y < bottom; y += CellHeight) {
@@ -182,8 +182,8 @@ void clsMonitors::CenterFormOnMonitor(QWidget* form, const QWidget* owner) const
         if (const auto areas = system_->areas(handle))
             monitor = areas->whole;
     }
-    // Truncation towards zero, as the formula in twips gives it, also where the form is larger than the
-    // monitor.
+    // Truncation towards zero, as in the formula in twips,
+    // even if the form is larger than the monitor.
     const QSize size = form->frameGeometry().size();
     form->move(monitor.left() + (monitor.width() - size.width()) / 2,
                monitor.top() + (monitor.height() - size.height()) / 2);

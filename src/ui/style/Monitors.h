@@ -1,4 +1,4 @@
-// One view of the display, on one screen or several, and centring of windows on the monitor they belong to.
+// One view of the display, on one screen or several, and centring of windows on their monitor.
 #pragma once
 
 #include <QRect>
@@ -29,15 +29,15 @@ struct clsMonitor {
     qint32 WorkWidth = 0;
 };
 
-// What is asked of the display. The real one answers from the screens of the running program; tests declare
-// screens. Rectangles hold the first pixel and the size, as QRect does.
+// Queries to the display. The real one uses the screens of the running program; tests declare screens.
+// Rectangles hold the first pixel and the size, like QRect.
 class MonitorSystem {
 public:
     virtual ~MonitorSystem() = default;
     // System metrics by their numbers: 76 to 79 left, top, width and height of the virtual screen, 80 the
     // number of monitors (0: no support for several).
     virtual int metric(int number) const = 0;
-    // The monitor that a rectangle lies on; 0 when it lies on none and `nearest` is false.
+    // The monitor of a rectangle; 0 if it lies on none and `nearest` is false.
     virtual qint32 monitorFromRect(const QRect& rect, bool nearest) const = 0;
     // Whole area and work area of a monitor; nothing for an unknown handle.
     struct Areas {
@@ -49,17 +49,17 @@ public:
     virtual QRect screen() const = 0;
 };
 
-// The screens of the running program; monitor handles are 1, 2, ... in the order of the system's list.
+// The screens of the running program; monitor handles are 1, 2, ... in the system's order.
 std::unique_ptr<MonitorSystem> RealMonitors();
 
-// Flags of the look-ups: what to answer for a place on no monitor.
+// Flags of the look-ups: the answer for a place on no monitor.
 enum class MonitorDefault { Null = 0, Primary = 1, Nearest = 2 };
 
 inline constexpr int TwipsPerPixel = 15; // 1440 twips an inch, 96 pixels an inch
 
 class clsMonitors {
 public:
-    // Takes the real screens when no system is given, and fills the collection.
+    // Uses the real screens if no system is given, and fills the collection.
     explicit clsMonitors(std::unique_ptr<MonitorSystem> system = RealMonitors());
     ~clsMonitors();
 
@@ -73,7 +73,7 @@ public:
     void CenterFormOnMonitor(QWidget* form, const QWidget* owner = nullptr) const;
     void Refresh();
     qint16 Count() const { return static_cast<qint16>(monitors_.size()); }
-    // 1-based; nothing when out of range.
+    // 1-based; nothing if out of range.
     std::optional<clsMonitor> Monitor(qint16 index) const;
 
 private:

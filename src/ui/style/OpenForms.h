@@ -1,5 +1,5 @@
-// The collection of open forms: who is open beside the console, in the order of opening. The console unloads
-// them from the last to the first when it closes.
+// The collection of open forms beside the console, in the order of opening. The console unloads them from the
+// last to the first when it closes.
 #pragma once
 
 #include <QList>
@@ -8,7 +8,7 @@ class QWidget;
 
 namespace tolvex {
 
-// Entered at opening; leaves by itself when the form is destroyed. Entering twice changes nothing.
+// Added at opening; removed automatically when the form is destroyed. Adding twice changes nothing.
 void EnterForm(QWidget* form);
 QList<QWidget*> OpenForms();
 

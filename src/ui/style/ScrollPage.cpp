@@ -10,7 +10,7 @@ ScrollPage::ScrollPage(QWidget* parent)
     setFrameShape(NoFrame);
     setStyleSheet(QStringLiteral("tolvex--ScrollPage { background: transparent; border: none; }"));
     viewport()->setAutoFillBackground(false);
-    // The field that the Tab key reaches comes into sight.
+    // The field reached by the Tab key is scrolled into view.
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { follow(now); });
 }
 
@@ -24,7 +24,7 @@ void ScrollPage::follow(QWidget* focus) {
         ensureWidgetVisible(focus, 0, 8);
 }
 
-// The tab's own ground shows through.
+// The tab's own background shows through.
 void ScrollPage::showEvent(QShowEvent* event) {
     QScrollArea::showEvent(event);
     if (widget())

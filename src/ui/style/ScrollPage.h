@@ -1,5 +1,5 @@
-// A page of a form: it asks for the room that its content needs, and scrolls on a screen that is too small to
-// give it.
+// A page of a form: it requests the space that its content needs, and scrolls on a screen that is too
+// small.
 #pragma once
 
 #include <QScrollArea>
@@ -13,7 +13,7 @@ public:
     explicit ScrollPage(QWidget* parent = nullptr);
     ~ScrollPage() override;
     QSize sizeHint() const override;
-    // What the content needs at a width; counts once followContent was called.
+    // What the content needs at a width; used after followContent was called.
     int heightForWidth(int width) const override;
     // From now on the page's height follows its content, whose texts may wrap or change.
     void followContent();

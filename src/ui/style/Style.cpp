@@ -10,7 +10,7 @@
 #include <QStyleFactory>
 #include <QSvgRenderer>
 
-// Resources of a static library must be asked for, outside any namespace.
+// Resources of a static library must be initialised explicitly, outside any namespace.
 static void initIcons() {
     Q_INIT_RESOURCE(icons);
 }
@@ -63,7 +63,7 @@ QPalette paletteOf(const Tokens& t, Scheme scheme) {
 }
 
 // Sizes are in logical pixels and paddings in steps of 4; heights follow the font, so that larger text is
-// never cut.
+// never cut off.
 constexpr const char* sheet = R"(
 QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QPushButton { background: %surface%; color: %text%; border: 1px solid %line%; border-radius: 6px; padding: 5px 16px; }

@@ -20,7 +20,7 @@ namespace {
 
 const QString MarkName = QStringLiteral("lblMark");
 
-// Calls a routine each time that the box gets or loses the focus.
+// Calls a routine each time the box gets or loses the focus.
 class OnFocus : public QObject {
 public:
     OnFocus(QLineEdit* box, QEvent::Type type, std::function<void()> then)
@@ -49,7 +49,7 @@ void SelectAll(QLineEdit* box) {
 }
 
 void SelectAllOnFocus(QLineEdit* box) {
-    // After the click that gave the focus has placed its cursor.
+    // After the click that gave it the focus has placed its cursor.
     new OnFocus(box, QEvent::FocusIn, [box] { QTimer::singleShot(0, box, [box] { SelectAll(box); }); });
 }
 
@@ -118,7 +118,7 @@ void ClampOnLeaving(QLineEdit* box, qint32 lowest, qint32 highest) {
         if (clamped != number || box->text().isEmpty())
             box->setText(QString::number(clamped));
     };
-    QObject::connect(box, &QLineEdit::editingFinished, box, clamp); // Enter as well
+    QObject::connect(box, &QLineEdit::editingFinished, box, clamp); // also on Enter
     new OnFocus(box, QEvent::FocusOut, clamp);
 }
 

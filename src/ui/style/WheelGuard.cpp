@@ -13,8 +13,8 @@ namespace tolvex {
 
 namespace {
 
-// The field that a widget is or belongs to, such as a list, a number or the tabs of a strip; null for all
-// that holds no value.
+// The field that a widget is or belongs to, such as a list, a number or the tabs of a strip; null for a
+// widget without a value.
 const QWidget* fieldOf(const QWidget* widget) {
     for (; widget && !widget->isWindow(); widget = widget->parentWidget()) {
         if (qobject_cast<const QComboBox*>(widget) || qobject_cast<const QAbstractSpinBox*>(widget) ||
@@ -47,7 +47,7 @@ public:
         const QWidget* focus = QApplication::focusWidget();
         if (field == focus || field->isAncestorOf(focus))
             return false;
-        event->ignore(); // it goes on to what the field stands in
+        event->ignore(); // passes it on to the surrounding widget
         return true;
     }
 };

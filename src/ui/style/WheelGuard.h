@@ -1,5 +1,5 @@
-// Keeps the mouse wheel away from fields that do not have the focus: there it scrolls what the field stands
-// in, and changes no value that happens to pass under the pointer.
+// Keeps the mouse wheel away from fields without the focus: there it scrolls the surroundings of the field,
+// and changes no value that happens to be under the pointer.
 #pragma once
 
 class QApplication;

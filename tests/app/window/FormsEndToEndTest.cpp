@@ -1,5 +1,5 @@
-// Every form as its user meets it: opened in the console, worked in by mouse and keys, closed by Cancel, by
-// Escape and by OK. What counts is what the files hold afterwards, and what the next start shows.
+// Every form as its user sees it: opened in the console, operated by mouse and keys, closed by Cancel, by
+// Escape and by OK. The test compares the files afterwards, and the display at the next start.
 #include "app/window/Program.h"
 
 #include "support/QtPrinters.h"
@@ -31,7 +31,7 @@ struct FormCase {
     Act work;
     QStringList stored; // by OK
     QStringList kept;   // by the program's exit after Cancel
-    QString question;   // that Cancel asks, its beginning
+    QString question;   // of Cancel, its beginning
     Act shown;          // what the form shows at the next start
     const char* cancel = "cmdCancel";
 };
@@ -83,10 +83,10 @@ void workInHardware(QWidget& form) {
     QTest::keyClicks(text, "Red lamp");
     QTest::keyClick(text, Qt::Key_Return);
     clickCell(2, 2);
-    // Taken away and back.
+    // Removed and restored.
     QTest::keyClick(grid, Qt::Key_Delete);
     QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
-    // An action from the list, and another tab while it is open.
+    // An action from the list, and a change of tab while it is open.
     clickCell(1, 4);
     auto* list = find<QComboBox>(card, "ListOptions");
     QTest::keyClick(list->view(), Qt::Key_Down);
@@ -193,7 +193,7 @@ const FormCase cases[] = {
      },
      {"Display/AdjustTheSystemColors=1", "Display/FormBackcolor=3153936", "Display/ShowClock=0",
       "Display/SingleClickPlayCarts=1", "Display/UseInformationWindow=2"},
-     {"Display/FormBackcolor=3153936"}, // a colour counts at once
+     {"Display/FormBackcolor=3153936"}, // a colour applies at once
      {},
      [](QWidget& form) {
          EXPECT_TRUE(find<QCheckBox>(form, "chkUseSingleClick")->isChecked());
@@ -261,7 +261,7 @@ const FormCase cases[] = {
     {"cmdCommands",
      "cmdClose",
      [](QWidget& form) {
-         // Each command is stored by its editor; the list has nothing to take back.
+         // Each command is stored by its editor; the list has nothing to revert.
          withNextForm([](QWidget& editor) {
              typeInto(editor, "txtCommandFile", "Door");
              keyInto(editor, "txtSerialCommand", {Qt::Key_G, Qt::Key_O, Qt::Key_Return});

@@ -1,5 +1,5 @@
 // The whole program in a test: its console and forms on a station of the test's own, with its own prompts;
-// what changed in its files; what every form must stand.
+// the changes in its files; and checks for every form.
 #pragma once
 
 #include "TestPlaces.h"
@@ -40,7 +40,7 @@ inline QMap<QString, QString> valuesOf(const QByteArray& ini) {
     return values;
 }
 
-// "Section/Key=value" for what one file says and the other does not; "-Section/Key" for what went.
+// "Section/Key=value" for what only the first file has; "-Section/Key" for what was removed.
 inline QStringList changes(const QByteArray& before, const QByteArray& after) {
     const QMap<QString, QString> from = valuesOf(before);
     const QMap<QString, QString> to = valuesOf(after);
@@ -54,7 +54,7 @@ inline QStringList changes(const QByteArray& before, const QByteArray& after) {
     return all;
 }
 
-// As large as its content asks for, as far as the screen reaches.
+// As large as its content needs, if the screen is large enough.
 inline void expectSaneSize(const QWidget& form) {
     const QSize screen = form.screen()->availableSize();
     const QSize wanted = form.sizeHint().boundedTo(screen);
@@ -69,7 +69,7 @@ inline void expectSaneSize(const QWidget& form) {
     EXPECT_TRUE(form.width() >= 200 && form.height() >= 100) << size.toStdString();
 }
 
-// A wheel that passes over the fields of a form changes none of them.
+// The wheel over the fields of a form changes none of them.
 inline void expectWheelHarmless(QWidget& form) {
     QList<QWidget*> fields;
     for (QWidget* widget : form.findChildren<QWidget*>())
@@ -114,7 +114,7 @@ protected:
         machine_.write("C:\\APP\\config.chm", help.readAll());
         QObject::connect(&answering_, &QTimer::timeout, &answering_, [this] { answer(); });
         answering_.start(5);
-        // The first run makes the lists, which coming back from the locations opens, and its end saves every
+        // The first run makes the lists, which returning from the locations opens, and its end saves every
         // setting.
         start();
         open("cmdFileLocations", [](QWidget& form) { click(form, "cmdCancel"); });
@@ -122,7 +122,7 @@ protected:
     }
     ~Program() override { close(); }
 
-    // A start of the program, which remembers nothing of the last one.
+    // A start of the program, without any memory of the last one.
     bool start() {
         close();
         platform::ForgetProfiles();
@@ -142,7 +142,7 @@ protected:
         EXPECT_FALSE(console_->isVisible());
     }
 
-    // Opens a form by its button in the console and comes back when it is closed.
+    // Opens a form by its button in the console and returns when it is closed.
     void open(const char* button, const Act& act) {
         const ConsoleJob* job = FindConsoleJob(button);
         auto* strip = find<QTabWidget>(*console_, "tbsConfig")->tabBar();

@@ -98,7 +98,7 @@ TEST(QtPrompts, ProgressCanBeStoppedAndTellsWhatIsDone) {
     EXPECT_FALSE(progress.step(51, 100, "third"));
 }
 
-// The form that began a job is not used again before the box is there to say that it is busy.
+// The form that began a job cannot be used before the box appears to say that it is busy.
 TEST(QtPrompts, ProgressKeepsTheFormFromBeingUsed) {
     const Window window;
     QPushButton form("OK");
@@ -119,7 +119,7 @@ TEST(QtPrompts, ProgressKeepsTheFormFromBeingUsed) {
     EXPECT_EQ(pressed, 2);
 }
 
-// The window is alive while a drive holds its asker in the system, and its button ends the wait.
+// The window stays responsive while a drive blocks its asker, and its button ends the wait.
 TEST(QtPrompts, StopsASearchWhileADriveHangs) {
     Window window;
     const QByteArray pipe = QFile::encodeName(window.machine.path() + "/pipe");

@@ -1,4 +1,4 @@
-// The console: its start in the right order, which buttons are usable, keys, the check at the exit, its end.
+// The console: the order of its start, which buttons are enabled, keys, the check at the exit, its end.
 #include "console/forms/Station.h"
 
 #include "TestPlaces.h"
@@ -78,7 +78,7 @@ TEST(Console, StartsInOrderAndShowsTheConfiguration) {
     EXPECT_EQ(console.prompts.pointer(), platform::Pointer::Default);
     EXPECT_TRUE(console.machine.exists("C:\\DATA\\Terminal.Lst"));
     EXPECT_TRUE(console.machine.exists("C:\\WALL\\GLIC.Lst"));
-    // No help file in the application folder: no entry for it.
+    // No help file in the application folder: no menu entry for it.
     EXPECT_FALSE(find<QAction>(console.form, "mnuHelpContents")->isVisible());
     EXPECT_TRUE(find<QAction>(console.form, "mnuAbout")->isVisible());
 }
@@ -106,7 +106,7 @@ TEST(Console, EndsAtOnceWithoutEngineInASecondInstanceOrAfterACancelledChoice) {
     }
 }
 
-// An import that was cut short with the local file changed: the record says what the file was to hold.
+// An import interrupted after it changed the local file: the record says what the file was to hold.
 TEST(Console, PutsAnInterruptedImportBackBeforeItLoads) {
     Console console;
     const QByteArray half = "[FileLocations]\r\nData=C:\\ELSEWHERE\r\n";
@@ -128,7 +128,7 @@ TEST(Console, PutsAnInterruptedImportBackBeforeItLoads) {
 }
 
 TEST(Console, AsksOnAMachineThatWasNeverConfigured) {
-    // Nine bytes are no configuration, ten are.
+    // Nine bytes are not a configuration, ten are.
     for (const QByteArray& ini : {QByteArray(), QByteArray("[a]\r\nb=c9"), QByteArray("[a]\r\nb=c10")}) {
         Console console(ini);
         console.prompts.answers = {platform::Answer::No};
@@ -203,8 +203,8 @@ TEST(Console, TabMovesTheStripAndLettersPressButtons) {
 TEST(Console, ALetterMarkedTwiceReachesBothInTurn) {
     Console console;
     ASSERT_TRUE(console.start());
-    // "d" stands on the display settings and, once it can be opened, on the audio setup; here both are made
-    // usable.
+    // "d" marks the display settings and, once it can be
+    // opened, the audio setup; here both are enabled.
     find<JobTile>(console.form, "cmdAudioSetup")->setEnabled(true);
     QTest::keyClick(&console.form, Qt::Key_D);
     EXPECT_EQ(console.form.focusWidget()->objectName(), "cmdAudioSetup");
@@ -233,7 +233,7 @@ TEST(Console, SearchFindsASettingByItsWordsAndOpensItsForm) {
     EXPECT_EQ(opened, "frmDisplayOptions");
     EXPECT_FALSE(list->isVisible());
 
-    // A setting is found by its key too; nonsense says so.
+    // A setting is also found by its key; nonsense gets a message.
     console.form.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&console.form));
     QTest::keyClick(&console.form, Qt::Key_F, Qt::ControlModifier);
@@ -320,7 +320,7 @@ TEST(Console, ThePanelLeadsToTheFormThatMends) {
     EXPECT_EQ(links.front()->text(), QString::fromUtf8("File Locations ›"));
     EXPECT_EQ(find<JobTile>(console.form, "cmdFileLocations")->accessibleDescription(),
               "1 AudioWall Location/s have not been set");
-    // Mending it through the link takes the line away.
+    // Correcting it through the link removes the line.
     console.allowLists();
     withNextForm([](QWidget& form) {
         QTest::keyClicks(find<QLineEdit>(form, "txtCartLocations_3"), "c:\\wall");

@@ -1,5 +1,5 @@
-// Every form's design: usable by keyboard, readable by a screen reader, no access key twice but where the
-// system's own captions say so.
+// Every form's design: usable by keyboard, readable by a screen reader, no duplicate access keys except in
+// the system's own captions.
 #include "TestPlaces.h"
 
 #include <QDomDocument>
@@ -34,7 +34,7 @@ QString propertyOf(const QDomElement& widget, const char* name) {
     return {};
 }
 
-// The controls of a form in reading order: layouts are written in it, grids row by row.
+// The controls of a form in reading order: layouts are written in this order, grids row by row.
 void collect(const QDomElement& element, QList<Control>& controls) {
     for (QDomElement child = element.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
@@ -75,7 +75,7 @@ TEST_P(Design, IsUsableByKeyboardAndScreenReader) {
     for (const Control& control : controls) {
         const bool labelled = std::any_of(controls.begin(), controls.end(),
                                           [&](const Control& label) { return label.buddy == control.name; });
-        // The input box gives its controls their name, the prompt, when it is shown.
+        // The input box gives its controls their accessible name, the prompt, when it is shown.
         if (inputs.contains(control.type) && !GetParam().ends_with("frmGoodInputBox.ui")) {
             EXPECT_TRUE(labelled || !control.accessibleName.isEmpty())
                 << control.name.toStdString() << " has no label and no accessible name";

@@ -128,7 +128,7 @@ TEST(MultiConfig, DeletesBySubstringAndNeverTheLast) {
     EXPECT_EQ(station.prompts.asked.last().text, "Are you sure you want to delete the B Configuration Set?");
     EXPECT_EQ(station.prompts.asked.last().defaultAnswer, platform::Answer::No);
     EXPECT_FALSE(station.machine.exists("C:\\WINDOWS\\b.ini"));
-    // "ab.ini" loses the end that it has in common with the deleted name.
+    // "ab.ini" loses the end that it shares with the deleted name.
     EXPECT_EQ(storedList(), "a   c.ini");
     EXPECT_EQ(shown(form), (QStringList{"a", "c.ini"}));
 

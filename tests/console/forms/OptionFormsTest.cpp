@@ -1,4 +1,4 @@
-// File locations, display options, date and time: what the forms show, take and write.
+// File locations, display options, date and time: what the forms show, accept and write.
 #include "console/forms/Station.h"
 
 #include "console/forms/frmDateTimeSetup.h"
@@ -35,7 +35,7 @@ TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     form.setIniFile("TOLVEX.INI");
     form.show();
     EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), "C:\\OLD");
-    // All boxes are empty and so alike: the one-location box came up ticked.
+    // All boxes are empty and so equal: the one-location box was initially ticked.
     click(form, "chkUseOneCartLocation");
     type(form, "txtDataLocation", "c:\\data\\");
     EXPECT_EQ(find<QLineEdit>(form, "txtDataLocation")->text(), "C:\\DATA\\");

@@ -81,7 +81,7 @@ TEST(ConsoleRoutines, TheFirstStartLeadsToAConfiguredStation) {
     console.form.close();
     EXPECT_FALSE(console.workstation.users.database);
 
-    // At the next start nothing is asked, and there is nothing left to do.
+    // The next start asks nothing, and there is nothing left to do.
     console.prompts.forget();
     frmConfigure again(console.workstation);
     ASSERT_TRUE(again.load());
@@ -89,7 +89,7 @@ TEST(ConsoleRoutines, TheFirstStartLeadsToAConfiguredStation) {
     EXPECT_TRUE(console.workstation.users.database);
 }
 
-// One message that names the damaged database, and the console is there.
+// One message names the damaged database, and the console works.
 TEST(ConsoleRoutines, StartsWithADamagedDatabase) {
     Console console(configuredIni());
     ASSERT_TRUE(console.start());
@@ -205,7 +205,7 @@ TEST(ConsoleRoutines, CompactionShowsWhatCouldNotBeSaved) {
     EXPECT_TRUE(shown.contains("Table Description:\n    page " + QString::number(page)))
         << shown.toStdString();
 
-    // The users database is the program's own while it runs; it is compacted all the same.
+    // The program holds the users database open while it runs; it is compacted all the same.
     console.prompts.files = {UsersDatabaseFile(console.settings)};
     console.press("mnuCompactDatabase", {Answer::Yes});
     EXPECT_TRUE(console.prompts.texts().last().startsWith("Your Database has been successfully"));

@@ -61,17 +61,17 @@ Widget* find(QWidget& form, const char* name) {
 inline void click(QWidget& form, const char* name) {
     auto* button = find<QAbstractButton>(form, name);
     ASSERT_TRUE(button->isVisible() && button->isEnabled()) << name;
-    // Check boxes and radio buttons are hit on their mark: their text may not reach the middle.
+    // Check boxes and radio buttons are clicked on their mark: their text may not reach the middle.
     const bool mark = qobject_cast<QPushButton*>(button) == nullptr;
     QTest::mouseClick(button, Qt::LeftButton, {}, mark ? QPoint(8, button->height() / 2) : QPoint());
 }
 
-// Does something with the form that the next action opens, as soon as it is there; fails when none comes.
+// Calls a routine with the form that the next action opens, as soon as it is there; fails if none comes.
 inline void withNextForm(const std::function<void(QWidget&)>& act) {
     auto* timer = new QTimer(qApp);
     timer->setInterval(5);
     auto tries = std::make_shared<int>(0);
-    // A later form may lie at the same address: only a form that is still there is the one before.
+    // A later form may have the same address: only a form that still exists is the earlier one.
     const QPointer<QWidget> before = QApplication::activeModalWidget();
     QObject::connect(timer, &QTimer::timeout, timer, [timer, tries, act, before] {
         QWidget* form = QApplication::activeModalWidget();
@@ -86,7 +86,7 @@ inline void withNextForm(const std::function<void(QWidget&)>& act) {
     timer->start();
 }
 
-// Does something with the form of that name as soon as it can be seen, modal or not.
+// Calls a routine with the form of that name as soon as it is visible, modal or not.
 inline void withForm(const QString& name, const std::function<void(QWidget&)>& act) {
     auto* timer = new QTimer(qApp);
     QObject::connect(timer, &QTimer::timeout, timer, [timer, name, act, tries = 0]() mutable {
@@ -105,8 +105,8 @@ inline void withForm(const QString& name, const std::function<void(QWidget&)>& a
     timer->start(5);
 }
 
-// What a window manager does with a window in front; this platform takes a menu for the active window also
-// when it is gone.
+// Activates a window as a window manager does; this platform takes a menu for the active window even after it
+// is gone.
 inline void activate(const QWidget& part) {
     QApplication::processEvents();
     part.window()->activateWindow();

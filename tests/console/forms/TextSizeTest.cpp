@@ -1,4 +1,4 @@
-// No form cuts its texts off, at the usual text size and at twice that size.
+// No form cuts off its texts, at the usual text size and at twice that size.
 #include "console/forms/Station.h"
 
 #include "audio/forms/frmCartDetails.h"
@@ -26,10 +26,10 @@ using namespace tolvex::tests;
 
 namespace {
 
-// Every visible text has the room that it asks for.
+// Every visible text has the room that it needs.
 void expectNothingCut(QWidget& form) {
     FitForm(&form);
-    // This platform's screen is low: at twice the size some forms fill it and give a little.
+    // This platform's screen is low: at twice the size some forms fill it and shrink slightly.
     const QSize screen = form.screen()->availableSize();
     if (form.width() >= screen.width() || form.height() >= screen.height())
         return;

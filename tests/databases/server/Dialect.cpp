@@ -12,7 +12,7 @@ bool isWordLetter(char letter) {
            (letter & 0x80) != 0;
 }
 
-// A quoted piece that starts at `at`, its closing sign doubled inside; `at` moves behind it.
+// A quoted piece that starts at `at`, with its closing sign doubled inside; `at` moves past it.
 std::string quotedPiece(const std::string& sql, std::size_t& at, char closing) {
     std::string piece;
     for (++at; at < sql.size(); ++at) {
@@ -36,7 +36,7 @@ void replaceAll(Tokens& tokens, const std::vector<const char*>& wanted, const To
     }
 }
 
-// Texts compare as the server's do, and are not longer than they may be.
+// Texts compare as in the server, and are limited to their length.
 void translateTypes(Tokens& tokens) {
     for (std::size_t i = 1; i + 3 < tokens.size(); ++i) {
         if (!tokens[i].is("NVARCHAR") || !tokens[i + 1].is("("))
@@ -57,7 +57,7 @@ void translateIndex(Tokens& tokens) {
             tokens[i + 1].text = IndexName(tokens[i + 3].text, tokens[i + 1].text);
 }
 
-// A text between two signs, any in it doubled.
+// A text between two signs, with these doubled inside.
 std::string between(const std::string& text, char sign) {
     std::string whole(1, sign);
     for (const char letter : text)

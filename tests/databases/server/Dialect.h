@@ -1,4 +1,4 @@
-// What a statement for a SQL server becomes for the engine that the test server keeps its databases in.
+// Translates statements for a SQL server to the engine in which the test server keeps its databases.
 #pragma once
 
 #include <string>
@@ -20,15 +20,15 @@ struct BadStatement {
 // Throws BadStatement.
 Tokens Tokenize(const std::string& sql);
 
-// The statement for the engine: without owners and lock hints, types and the names of indexes as the engine
-// can hold them, `master..sysdatabases` as a table.
+// The statement for the engine: without owners and lock hints, with types and index names that the engine
+// supports, `master..sysdatabases` as a table.
 std::string Translate(Tokens tokens);
 
 // "CREATE DATABASE name": the name; else empty.
 std::string DatabaseToCreate(const Tokens& tokens);
 
 // "ALTER TABLE table ALTER COLUMN column ... NOT NULL" and "ALTER TABLE table ADD CONSTRAINT name PRIMARY KEY
-// (columns)", which the engine cannot do by itself; else `table` is empty.
+// (columns)", which the engine does not support; else `table` is empty.
 struct Alteration {
     std::string table;
     std::string constraint; // empty: the columns lose their nulls
@@ -40,7 +40,7 @@ Alteration FindAlteration(const Tokens& tokens);
 bool NamesBare(const Tokens& tokens, const std::string& table);
 
 std::string Quoted(const std::string& name);
-// Names under which the engine keeps what belongs to a table.
+// Names in the engine for the parts of a table.
 std::string IndexName(const std::string& table, const std::string& index);
 
 } // namespace testserver

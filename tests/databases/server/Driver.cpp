@@ -21,7 +21,7 @@ struct Handle {
 struct Connection : Handle {
     std::unique_ptr<Session> session;
     bool hasTimeLimit = false;
-    const Handle* busy = nullptr; // the statement whose rows have not all been fetched
+    const Handle* busy = nullptr; // the statement with rows left to fetch
 };
 
 struct Parameter {
@@ -34,7 +34,7 @@ struct Statement : Handle {
     explicit Statement(Connection* on)
         : connection(on) {}
     ~Statement() { isDone(); }
-    // One statement at a time is served on a connection, as a common server does.
+    // A connection handles one statement at a time, as in a common server.
     void begin() {
         if (connection->busy != nullptr && connection->busy != this)
             throw Fault{"HY000", 0, "[Test Server]Connection is busy with results for another command"};
@@ -47,7 +47,7 @@ struct Statement : Handle {
     Connection* connection;
     bool hasTimeLimit = false;
     Rows rows;
-    bool waiting = false; // a row that was stepped to and not fetched
+    bool waiting = false; // a row that was moved to and not fetched
     bool done = false;
     std::vector<Parameter> parameters;
     int column = 0; // being read piece by piece
@@ -63,7 +63,7 @@ std::string textOf(const SQLWCHAR* text, SQLLEN length) {
                                          : std::u16string_view(letters, static_cast<std::size_t>(length)));
 }
 
-// Copies a text with its ending zero, as much as there is room for, in letters; gives its full length.
+// Copies a text with its terminating zero, as far as it fits, in letters; returns its full length.
 SQLSMALLINT give(const std::string& text, SQLWCHAR* into, SQLSMALLINT room) {
     const std::u16string letters = jet::ToUtf16(text);
     if (into != nullptr && room > 0) {
@@ -74,7 +74,7 @@ SQLSMALLINT give(const std::string& text, SQLWCHAR* into, SQLSMALLINT room) {
     return static_cast<SQLSMALLINT>(letters.size());
 }
 
-// Runs a call; what it throws becomes a record of the handle.
+// Runs a call; an exception becomes a diagnostic record of the handle.
 template<typename Call>
 SQLRETURN guarded(Handle& handle, Call call) {
     handle.faults.clear();

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int LockWait = 2000; // milliseconds
 
-// How the engine's faults look from a server.
+// The server's errors for the engine's faults.
 constexpr struct {
     int code;           // of the engine, extended
     const char* phrase; // of its text
@@ -55,7 +55,7 @@ std::map<std::string, std::string> parse(const std::string& text) {
     return found;
 }
 
-// The order of a server's texts: neither case nor blanks behind count.
+// The order of a server's texts: case and trailing blanks are ignored.
 int compareTexts(void*, int firstBytes, const void* first, int secondBytes, const void* second) {
     const auto folded = [](int bytes, const void* data) {
         std::u16string text(static_cast<const char16_t*>(data), static_cast<std::size_t>(bytes) / 2);
@@ -108,7 +108,7 @@ void Session::open(const std::string& file, int flags) {
         fail();
     sqlite3_extended_result_codes(opened, 1);
     sqlite3_busy_timeout(opened, LockWait);
-    // A name that is unknown is no text.
+    // An unknown name is not a text.
     sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_create_collation(opened, "SERVER", SQLITE_UTF16, nullptr, compareTexts);
@@ -226,7 +226,7 @@ bool Session::exists(const std::string& kind, const std::string& name) {
     return step(readyFor("SELECT 1 FROM sqlite_master WHERE type = '" + kind + "' AND name = ?", name));
 }
 
-// A column without nulls is one with a trigger, a primary key a unique index over such columns.
+// A column without nulls is implemented by a trigger, a primary key by a unique index over such columns.
 void Session::alter(const Alteration& alteration) {
     const std::string table = Quoted(alteration.table);
     const auto triggerFor = [&](const std::string& column) {
@@ -248,7 +248,7 @@ void Session::alter(const Alteration& alteration) {
                         "[Test Server]Cannot define PRIMARY KEY on a column that takes nulls."};
         columns += (columns.empty() ? "" : ", ") + Quoted(column);
     }
-    // The name of a constraint is one of the whole database.
+    // Names of constraints are unique in the whole database.
     if (step(readyFor("SELECT 1 FROM sqlite_master WHERE name LIKE '%|' || ?", alteration.constraint)))
         throw Fault{"42S01", 2714,
                     "[Test Server]There is already an object named '" + alteration.constraint + "'"};

@@ -2,10 +2,10 @@
 // dialect that the suite uses and answers with a SQL server's error numbers.
 //
 // Attributes of a connect string: Server (the folder), Database, PWD (any but "right" is refused), and faults
-// to order: LoseAfter=N (the connection breaks behind N statements), UndoAfter=N (the statement behind N is
-// chosen to end a deadlock, and its transaction undone), ReadOnly=1 (the source says so),
-// Locked=1 (the database refuses changes), Slow=1 (a statement takes longer than any limit), Deny=TABLE (may
-// not be read without its owner's name).
+// on request: LoseAfter=N (the connection breaks after N statements), UndoAfter=N (the statement after N is
+// chosen to end a deadlock, and its transaction is rolled back), ReadOnly=1 (the source says so), Locked=1
+// (the database refuses changes), Slow=1 (a statement takes longer than any limit), Deny=TABLE (may not be
+// read without its owner's name).
 #pragma once
 
 #include "databases/server/Dialect.h"
@@ -36,13 +36,13 @@ public:
     explicit Session(const std::string& attributes);
 
     bool readOnlySource() const { return attribute("ReadOnly") == "1"; }
-    // Makes a statement ready; null when it was one that has been done.
+    // Prepares a statement; null if it was executed directly.
     Rows prepare(const std::string& sql, bool hasTimeLimit);
-    // The first row: whether there is one.
+    // Moves to the first row: whether there is one.
     bool step(const Rows& rows);
     void setAutomaticCommit(bool on) { automatic_ = on; }
     void end(bool commit);
-    // The catalogue, as the standard has it.
+    // The catalogue, with the standard's layout.
     Rows columns(const std::string& table);
     Rows indexes(const std::string& table);
 

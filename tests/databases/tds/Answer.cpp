@@ -4,7 +4,7 @@ namespace testserver::tds {
 
 namespace {
 
-// Tokens that an answer is made of.
+// The tokens of an answer.
 enum Token : int {
     ReturnStatus = 0x79,
     ColumnMetadata = 0x81,

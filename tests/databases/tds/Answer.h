@@ -1,4 +1,4 @@
-// What the server says in an answer: rows, errors, the ends of statements.
+// The server's answer: rows, errors, the ends of statements.
 #pragma once
 
 #include "databases/server/Server.h"
@@ -15,20 +15,20 @@ void WriteEnd(Writer& to, End what, int flags, std::uint64_t rows = 0);
 void WriteError(Writer& to, const Fault& fault);
 
 enum class Change : int { Database = 1, Collation = 7, Begun = 8, Committed = 9, RolledBack = 10 };
-// What has changed about the connection. `now` and `before` with their lengths before them.
+// A change of the connection. `now` and `before` with their lengths before them.
 void WriteChange(Writer& to, Change what, std::string_view now, std::string_view before);
 void WriteLoginDone(Writer& to);
 
-// The end of a procedure: its status, and a number that it gives back if there is one.
+// The end of a procedure: its status, and its returned number if there is one.
 void WriteProcedureEnd(Writer& to, int flags, int givenBack = 0);
 
 // Columns of an answer: their names and types.
 using Columns = std::vector<std::pair<std::string, Type>>;
 Columns ColumnsOf(sqlite3_stmt* rows);
-// Those of the catalogue's procedures. Session gives the same in the same order, but for the last ones.
+// Those of the catalogue's procedures. Session returns the same in the same order, except the last ones.
 const Columns& ColumnsOfTables();
 const Columns& ColumnsOfIndexes();
-// Writes all rows; gives their number.
+// Writes all rows; returns their number.
 std::uint64_t WriteRows(Writer& to, const Columns& columns, Session& session, const Rows& rows);
 
 } // namespace testserver::tds

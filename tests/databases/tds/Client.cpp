@@ -48,7 +48,7 @@ std::string capitals(std::string text) {
     return text;
 }
 
-// The value of an attribute in braces, any closing one doubled.
+// The value of an attribute in braces, with closing braces doubled.
 std::string braced(const std::string& value) {
     std::string whole = "{";
     for (const char letter : value)
@@ -63,7 +63,7 @@ void Client::serve() {
         for (;;)
             answer(Receive(socket_));
     } catch (const WireError&) {
-        // It has gone.
+        // It is gone.
     }
 }
 
@@ -108,7 +108,7 @@ void Client::handle(const Message& request, Writer& reply) {
         throw WireError("a request of an unknown kind");
 }
 
-// Options by number, with their big-endian places and lengths, and their values behind them.
+// Options by number, with their big-endian places and lengths, followed by their values.
 void Client::refuseEncryption(Writer& reply) {
     reply.raw({"\x00\x00\x0B\x00\x06"
                "\x01\x00\x11\x00\x01\xFF",

@@ -9,15 +9,15 @@ namespace testserver::tds {
 
 class Client {
 public:
-    // `folder`: where the server's databases lie. More attributes for the session come as the name of the
-    // client's program ("LoseAfter=3;Locked=1"). `answersLeft`: counted down, and the connection broken in
-    // place of the answer that makes it zero.
+    // `folder`: where the server's databases lie. More attributes for the session arrive as the name of the
+    // client's program ("LoseAfter=3;Locked=1"). `answersLeft`: counted down, and the connection is broken
+    // instead of the answer that makes it zero.
     Client(int socket, std::string folder, std::atomic<int>& answersLeft)
         : socket_(socket)
         , folder_(std::move(folder))
         , answersLeft_(answersLeft) {}
 
-    // Answers until the client goes, or the session says that the connection breaks.
+    // Answers until the client leaves, or the session breaks the connection.
     void serve();
 
 private:
@@ -40,7 +40,7 @@ private:
     std::string folder_;
     std::atomic<int>& answersLeft_;
     std::unique_ptr<Session> session_;
-    std::vector<std::string> prepared_; // a statement's handle is its place, from 1
+    std::vector<std::string> prepared_; // a statement's handle is its index, from 1
 };
 
 } // namespace testserver::tds

@@ -1,7 +1,7 @@
 // The test server as a program that drivers reach over TCP, by the TDS protocol: tds_server FOLDER. It prints
-// its port, listens on this machine alone, and ends with the program that holds its standard input. SIGUSR1
-// breaks all connections; it prints their number when the last one has gone, with its transaction. SIGUSR2
-// with a number n breaks the connection that is about to get the n-th answer from now; it prints the number.
+// its port, listens on this machine only, and ends with the program that holds its standard input. SIGUSR1
+// breaks all connections; it prints their number after the last one has gone, with its transaction. SIGUSR2
+// with a number n breaks the connection that would get the n-th answer from now; it prints the number.
 #include "databases/tds/Client.h"
 
 #include <atomic>

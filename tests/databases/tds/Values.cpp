@@ -11,7 +11,7 @@ namespace testserver::tds {
 
 namespace {
 
-// Types of the protocol, as far as they are sent or received here.
+// The types of the protocol that are used here.
 enum Code : int {
     IntN = 0x26,
     BitN = 0x68,
@@ -30,7 +30,7 @@ constexpr std::uint64_t NullOfText = 0xFFFF;
 constexpr std::string_view Collation("\x09\x04\xD0\x00\x34", 5);
 constexpr int TicksPerSecond = 300;
 
-// Days are counted from these.
+// The dates from which days are counted.
 constexpr std::chrono::sys_days FirstOf1900 = std::chrono::year{1900} / 1 / 1;
 constexpr std::chrono::sys_days FirstOfAll = std::chrono::year{1} / 1 / 1;
 
@@ -205,7 +205,7 @@ void Parameter::bind(sqlite3_stmt* statement, int number) const {
 Parameter ReadParameter(Reader& from) {
     Parameter parameter;
     parameter.name = from.shortText();
-    from.byte(); // whether it is one to give back
+    from.byte(); // whether it is an output parameter
     const int code = from.byte();
     if (code == NText || code == NVarChar || code == NChar || code == BigVarChar) {
         readText(from, code, parameter);

@@ -1,4 +1,4 @@
-// Kinds of columns and values on the wire, and as the engine of the test server has them.
+// Kinds of columns and values on the wire, and in the engine of the test server.
 #pragma once
 
 #include "databases/tds/Wire.h"
@@ -14,7 +14,7 @@ struct Type {
     void write(Writer& to) const;
 };
 
-// Of a column of what a statement gives, by its declaration.
+// Of a result's column, by its declaration.
 Type TypeOfColumn(sqlite3_stmt* rows, int column);
 // A value of the current row.
 void WriteValue(Writer& to, const Type& type, sqlite3_stmt* rows, int column);

@@ -11,7 +11,7 @@ namespace testserver::tds {
 
 using Bytes = std::string;
 
-// The client sent what the protocol does not allow, or went away.
+// The client violated the protocol, or disconnected.
 struct WireError : std::runtime_error {
     using runtime_error::runtime_error;
 };
@@ -26,12 +26,12 @@ public:
     std::uint64_t number(int bytes);
     std::int64_t signedNumber(int bytes);
     std::uint8_t byte() { return static_cast<std::uint8_t>(number(1)); }
-    // Texts as UTF-8: of that many letters, or with their number before them in a byte or in two.
+    // Texts as UTF-8: with a given number of letters, or with that number before them in one or two bytes.
     std::string text(std::size_t letters);
     std::string shortText() { return text(byte()); }
     std::string longText() { return text(static_cast<std::size_t>(number(2))); }
     std::string restAsText() { return text(left_.size() / 2); }
-    // What stands before a request: the transaction it belongs to, and the like.
+    // The header of a request: its transaction, and the like.
     void skipHeaders();
 
 private:
@@ -60,7 +60,7 @@ struct Message {
     Bytes body;
 };
 
-// Throw WireError when the other end is gone.
+// Throw WireError if the other end is gone.
 Message Receive(int socket);
 void Send(int socket, const Bytes& body);
 

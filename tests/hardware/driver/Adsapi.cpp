@@ -1,5 +1,5 @@
-// A driver library as the loader finds one: device 7 is a board of 40 inputs and 24 outputs, device 9 one of
-// ports, any other does not open.
+// A driver library for the loader: device 7 is a board of 40 inputs and 24 outputs, device 9 one of ports,
+// others do not open.
 #include <cstdint>
 #include <cstring>
 

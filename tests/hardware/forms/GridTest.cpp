@@ -1,5 +1,5 @@
-// The grid under mouse and keyboard: ranges in both directions, lists and boxes in the cell, Enter, Escape
-// and focus, rows through the clipboard, the filter.
+// The grid with mouse and keyboard: ranges in both directions, lists and boxes in the cell, Enter, Escape and
+// focus, rows through the clipboard, the filter.
 #include "hardware/forms/HardwareForm.h"
 
 #include "support/QtPrinters.h"
@@ -34,7 +34,7 @@ TEST(HardwareGrid, ABlockIsNumberedInTheDirectionOfItsSelection) {
     hw.drag(1, 24, 20, ColumnAction);
     hw.choose(1, "Player Control");
     EXPECT_EQ(hw.firstData(1, 20, 24), (QList<qint32>{5, 4, 3, 2, 1}));
-    // The second parameter for all of them, by Shift and a click.
+    // Sets the second parameter of all of them, by Shift and a click.
     hw.click(1, 20, ColumnInfo2);
     hw.key(Qt::Key_Escape);
     hw.click(1, 22, ColumnInfo2, Qt::ShiftModifier);
@@ -43,7 +43,7 @@ TEST(HardwareGrid, ABlockIsNumberedInTheDirectionOfItsSelection) {
     EXPECT_EQ(hw.cards[1].Lines[22].ActionData[1], 240);
     EXPECT_EQ(hw.cards[1].Lines[23].ActionData[1], 0);
     EXPECT_EQ(hw.cell(1, 20, ColumnDescription), "Inhibit Logging Player 5");
-    // Types belong to the card.
+    // The card determines the types.
     hw.click(1, 20, ColumnType);
     EXPECT_EQ(hw.cell(1, 20, ColumnType), "Input");
 }
@@ -71,7 +71,7 @@ TEST(HardwareGrid, KeysAloneSelectChooseAndLeave) {
     hw.key(Qt::Key_Return);
     EXPECT_FALSE(hw.list(1)->isVisible());
     EXPECT_TRUE(hw.grid(1)->hasFocus());
-    // A letter opens the list and goes to its entry; Escape puts all of it back.
+    // A letter opens the list and goes to its entry; Escape restores everything.
     QTest::keyClicks(hw.grid(1), "s");
     QApplication::processEvents();
     EXPECT_EQ(hw.cell(1, 6, ColumnAction), "Station Control");
@@ -83,7 +83,7 @@ TEST(HardwareGrid, KeysAloneSelectChooseAndLeave) {
     hw.key(Qt::Key_Delete);
     EXPECT_EQ(hw.firstData(1, 4, 6), (QList<qint32>{0, 0, 0}));
     EXPECT_EQ(hw.cell(1, 4, ColumnDescription), "");
-    // Going past "Not in use" on the way to another action costs no parameter.
+    // Moving past "Not in use" on the way to another action loses no parameter.
     hw.line(6).Action = 4;
     hw.line(6).ActionData = {6, 3, 0, 0};
     hw.click(1, 6, ColumnAction);
@@ -150,7 +150,7 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     ASSERT_TRUE(QApplication::activePopupWidget());
     EXPECT_TRUE(box->isVisible());
     QApplication::activePopupWidget()->close();
-    // Leaving the box stores it, for every line of the range; a click elsewhere edits that cell then.
+    // Leaving the box stores it, for every line of the range; a click elsewhere then edits that cell.
     hw.drag(1, 6, 5, ColumnDescription);
     box->setText("Lamp");
     hw.click(1, 1, ColumnLogic);
@@ -176,8 +176,8 @@ TEST(HardwareGrid, TextIsStoredByEnterAndFocusAndDroppedByEscape) {
     EXPECT_TRUE(hw.ini().contains("Action3Data2=55"));
 }
 
-// What is typed in a cell is there after the tab was changed, by mouse or by key, and however the form is
-// left then.
+// Text typed in a cell survives a change of tab, by mouse
+// or by key, and any way of leaving the form.
 class TypedTextAndTabs : public testing::TestWithParam<std::tuple<bool, const char*, const char*>> {};
 
 TEST_P(TypedTextAndTabs, SurvivesTheChange) {
@@ -199,7 +199,7 @@ TEST_P(TypedTextAndTabs, SurvivesTheChange) {
     hw.press(button);
     const QByteArray stored = number ? "Action3Data2=4321" : "Description3=4321";
     if (button == std::string("cmdCancel")) {
-        // Asked, and nothing lost by No.
+        // Asks, and No loses nothing.
         ASSERT_EQ(hw.prompts.asked.size(), 1);
         ASSERT_TRUE(hw.form->isVisible());
         hw.clickTab(1);
@@ -238,7 +238,7 @@ TEST(HardwareGrid, AListIsGoneAfterATabChangeAndItsChoiceStands) {
     EXPECT_TRUE(hw.list(1)->isHidden());
     EXPECT_TRUE(hw.grid(1)->hasFocus());
     EXPECT_EQ(hw.line(5).Description, "Mine");
-    // The keys that go with others choose nothing either.
+    // Modifier keys choose nothing either.
     hw.click(1, 5, ColumnAction);
     for (const int key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_CapsLock})
         hw.key(key);
@@ -265,10 +265,10 @@ TEST(HardwareGrid, AnEditorStaysOnItsCellAndStoresForItsLines) {
     QApplication::processEvents();
     EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(2, ColumnDescription)));
     QTest::keyClicks(box, "Three");
-    // So it does beside a column that becomes wider.
+    // It also does beside a column that becomes wider.
     grid->setColumnWidth(ColumnType, grid->columnWidth(ColumnType) + 30);
     EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(2, ColumnDescription)));
-    // The filter would put another line under the box.
+    // The filter would move another line under the box.
     hw.on<QCheckBox>(1, "chkOnlyInUse")->click();
     EXPECT_TRUE(box->isHidden());
     EXPECT_EQ(hw.line(3).Description, "Three");
@@ -289,7 +289,7 @@ TEST(HardwareGrid, DescriptionsTakeWhatTheFileCanHold) {
     box->selectAll();
     QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(box->text(), QString::fromUtf8("ód B") + QString(248, u'x'));
-    // What is left keeps the cursor where it was.
+    // The rest keeps the cursor in place.
     box->setCursorPosition(2);
     QApplication::clipboard()->setText(QString::fromUtf8("ŁaŁ"));
     QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
@@ -321,7 +321,7 @@ TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
     hw.key(Qt::Key_Up);
     hw.key(Qt::Key_Return);
     EXPECT_EQ(hw.line(5).ActionData[0], 5);
-    // A list that is left without a choice is no change.
+    // Leaving a list without a choice is not a change.
     hw.click(1, 6, ColumnInfo1);
     hw.key(Qt::Key_Return);
     hw.key(Qt::Key_Z, Qt::ControlModifier);
@@ -336,7 +336,7 @@ TEST(HardwareGrid, UndoTakesBackOneChangeAfterTheOther) {
     EXPECT_EQ(hw.changes(), "");
     hw.key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(hw.changes(), "");
-    // Another type of card has other lines: what was changed before stays.
+    // Another type of card has other lines: earlier changes stay.
     hw.click(1, 4, ColumnLogic);
     hw.type(1)->setCurrentText("Joystick Port");
     hw.grid(1)->setFocus();
@@ -361,7 +361,7 @@ TEST(HardwareGrid, InfoColumnsAreThereWhenTheyAreUsed) {
     hw.click(1, 1, ColumnAction);
     hw.choose(1, "Cart Control");
     EXPECT_EQ(shown(), "0123456");
-    // The cell one is in never goes.
+    // The current cell's column never disappears.
     hw.click(1, 1, ColumnInfo1);
     hw.key(Qt::Key_Return);
     hw.key(Qt::Key_Delete);

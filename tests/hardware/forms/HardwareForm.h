@@ -1,4 +1,4 @@
-// The hardware form on a workstation of a test's own, with what a user does to its grids.
+// The hardware form on a workstation of a test's own, with a user's actions on its grids.
 #pragma once
 
 #include "support/MachineFolder.h"
@@ -93,7 +93,7 @@ struct HardwareForm {
     void click(int card, int line, int column, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::mouseClick(grid(card)->viewport(), Qt::LeftButton, modifiers, at(card, line, column));
     }
-    // Presses on one line, moves over the others, wandering into a neighbouring column, and lets go.
+    // Presses on one line, moves over the others and into a neighbouring column, and releases.
     void drag(int card, int first, int last, int column) const {
         QWidget* viewport = grid(card)->viewport();
         const int half = grid(card)->columnWidth(column) / 2 + 4;
@@ -120,10 +120,10 @@ struct HardwareForm {
         QApplication::processEvents();
         EXPECT_FALSE(options->isVisible());
     }
-    // A key into whatever has it: the open list or the widget with the focus.
+    // Sends a key to the open list or the widget with the focus.
     void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
         const QWidget* popup = QApplication::activePopupWidget();
-        // This platform takes a list that dropped open for the active window, also when it is gone.
+        // This platform takes a dropped-down list for the active window even after it is gone.
         QApplication::processEvents();
         const auto ready = [&] {
             form->activateWindow();

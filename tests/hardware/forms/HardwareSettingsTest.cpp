@@ -32,7 +32,7 @@ struct PrintedWord {
     double left;
 };
 
-// The words of a PDF file in reading order, as another program finds them on its pages.
+// The words of a PDF file in reading order, from an independent reader.
 QList<PrintedWord> printedWords(const QString& hostPath) {
     QProcess reader;
     reader.start("pdftotext", {"-bbox", hostPath, "-"});
@@ -72,7 +72,7 @@ TEST(HardwareSettings, OpensWithTheCardsAsTheyAreStored) {
     EXPECT_FALSE(hw.address(3)->isEnabled());
     EXPECT_NE(hw.grid(1)->model()->index(0, ColumnAction).data(Qt::ForegroundRole),
               hw.grid(1)->model()->index(1, ColumnAction).data(Qt::ForegroundRole));
-    // A default description made on opening is no change of the user's.
+    // A default description made on opening is not a change by the user.
     EXPECT_EQ(hw.changes(), "");
     EXPECT_EQ(hw.prompts.pointer(), platform::Pointer::Default);
     EXPECT_TRUE(hw.prompts.asked.isEmpty());
@@ -105,10 +105,10 @@ TEST(HardwareSettings, AMissingDriverIsToldOncePerActionAndNotPerKey) {
     QTest::keyClicks(hw.address(1), "12");
     EXPECT_EQ(hw.driver.calls.filter("open"), (QStringList{"open 1", "open 12"}));
     hw.grid(1)->setFocus();
-    // "1" did not answer, but it was only on the way.
+    // "1" did not answer, but it was only an intermediate text.
     EXPECT_EQ(hw.prompts.asked.size(), 3);
     EXPECT_EQ(hw.grid(1)->model()->rowCount(), 6);
-    // Choosing a type is an action of its own.
+    // Choosing a type is a separate action.
     hw.type(2)->setCurrentIndex(2);
     EXPECT_EQ(hw.grid(2)->model()->rowCount(), 2);
     EXPECT_EQ(hw.prompts.asked.size(), 3);
@@ -133,7 +133,7 @@ TEST(HardwareSettings, FieldsAndLinesFollowTheType) {
         EXPECT_EQ(hw.address(1)->isEnabled(), c.address) << c.type;
         EXPECT_EQ(hw.on<QComboBox>(1, "ComPortlist")->isEnabled(), c.port) << c.type;
         EXPECT_EQ(hw.grid(1)->model()->rowCount(), c.rows) << c.type;
-        // Each type forced its lines for good.
+        // Each type set its lines permanently.
         EXPECT_FALSE(hw.cards[1].Lines[4].isOutput());
         EXPECT_TRUE(hw.cards[1].Lines[5].isOutput());
     }
@@ -153,7 +153,7 @@ TEST(HardwareSettings, ApplyStopsAtTheFirstFaultAndOkClosesAfterAnEarlierApply) 
     EXPECT_EQ(hw.prompts.asked.back().icon, platform::Icon::Information);
     EXPECT_TRUE(hw.form->isVisible());
     EXPECT_EQ(hw.ini(), before);
-    EXPECT_EQ(hw.cards[1].BaseAddress, 4); // taken up already
+    EXPECT_EQ(hw.cards[1].BaseAddress, 4); // already taken up
     EXPECT_TRUE(hw.on<QComboBox>(3, "ComPortlist")->hasFocus());
     EXPECT_EQ(hw.cards[3].CardType, 0);
     EXPECT_TRUE(hw.changes().contains("1 and 3"));
@@ -209,7 +209,7 @@ TEST(HardwareSettings, OkWritesAndAFileThatCannotBeWrittenKeepsTheFormOpen) {
     hw.settings.LocalIniFile = "TOLVEX.INI";
     hw.press("cmdOK");
     EXPECT_FALSE(hw.form->isVisible());
-    // The line that is not in use is not stored; the description that was made is.
+    // The unused line is not stored; the generated description is.
     EXPECT_TRUE(hw.ini().contains("Description1=IC Trigger 4\r\n"));
     EXPECT_FALSE(hw.ini().contains("ActiveLow2"));
 }
@@ -253,7 +253,7 @@ TEST(HardwareSettings, TheSizeFollowsTheLinesUpToTheScreen) {
         EXPECT_EQ(grid->verticalScrollBar()->maximum() > 0, inputs == 90) << inputs;
         EXPECT_LE(form.width(), screen.width());
         EXPECT_EQ(form.height() == screen.height(), inputs == 90) << inputs;
-        // Room beyond the columns goes to the descriptions; a long one takes no more than its share.
+        // Room beyond the columns goes to the descriptions; a long one takes only its share.
         EXPECT_GE(grid->horizontalHeader()->length(), grid->viewport()->width());
         const int width = grid->sizeHint().width();
         hw.cards[1].Lines[1].Description = QString(60, u'W');
@@ -362,7 +362,7 @@ TEST(HardwareSettings, ThePrintedPageCanBeReadAtTheCabinet) {
     hw.settings.LinkMeshId = 3;
     hw.settings.ConfigName = "Studio 1";
     hw.type(3)->setCurrentText("Joystick Port");
-    // A long text and a number that nobody knows must not move a card's columns.
+    // A long text and an unknown number must not move a card's columns.
     hw.cards[2].Lines[2].Description = QString("Wiring ").repeated(12);
     hw.cards[2].Lines[1].Action = 999;
     hw.cards[2].Lines[1].ActionData[1] = 7;
@@ -383,7 +383,7 @@ TEST(HardwareSettings, ThePrintedPageCanBeReadAtTheCabinet) {
               QString("1 Input Normal IC Trigger 4 IC Trigger, Instant Cart 4"),
               QString("Action 999, 0, 7, 0, 0")})
             EXPECT_TRUE(text.contains(part)) << part.toStdString() << " in " << text.toStdString();
-        // The columns of all cards stand under each other.
+        // The columns of all cards are aligned.
         const QStringList headings = {"Line", "Type", "Logic", "Description", "Action"};
         QList<QList<double>> lefts;
         for (qsizetype i = 0; i + headings.size() <= texts.size(); ++i) {

@@ -1,4 +1,4 @@
-// The formats of this machine's codecs, proven by files that are written in them.
+// The formats of this machine's codecs, verified by files written in them.
 #include "platform/devices/AudioFormats.h"
 
 #include <gtest/gtest.h>

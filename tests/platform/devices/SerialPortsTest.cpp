@@ -1,4 +1,4 @@
-// Serial ports by number, on pseudo terminals: what is sent arrives whole, whatever the device does.
+// Serial ports by number, on pseudo terminals: data arrives complete, whatever the device does.
 #include "platform/devices/SerialPorts.h"
 #include "platform/devices/SerialPort.h"
 #include "platform/host/LookOnly.h"
@@ -93,7 +93,7 @@ TEST_F(SerialPortsTest, EveryByteGoesBothWaysAndAClosedPortHasSentAll) {
     EXPECT_TRUE(port.close());
     EXPECT_TRUE(waitFor([&] { return device.received == everyByte; }));
 
-    // More than the device takes at once, and a second command before the first has left.
+    // More than the device accepts at once, and a second command before the first was sent.
     ASSERT_FALSE(port.open(1, {}, Handshaking::None));
     const QByteArray much = everyByte.repeated(200);
     device.received.clear();
@@ -115,7 +115,7 @@ TEST_F(SerialPortsTest, ADeviceThatTakesNothingHoldsNobodyUp) {
     EXPECT_TRUE(failures[0].startsWith("COM1 does not take what is sent: ")) << failures[0].toStdString();
     EXPECT_TRUE(port.isOpen() && !port.sending());
     EXPECT_EQ(sent, 0);
-    // It works again without being opened again, and what was given up does not come late.
+    // It works again without being reopened, and discarded bytes do not arrive late.
     device.setDeaf(false);
     runEvents(50);
     device.received.clear();
@@ -135,7 +135,7 @@ TEST_F(SerialPortsTest, ADeviceThatGoesAwayIsNoticedOnce) {
     EXPECT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures[0].contains("is gone")) << failures[0].toStdString();
     EXPECT_FALSE(port.isOpen());
-    // The system may give the name of the terminal to another program at once; that of a real device is gone.
+    // The system may give the terminal's name to another program at once; a real device's name disappears.
     ASSERT_TRUE(QFile::remove(machine.path() + "/dosdevices/com1"));
     machine.link("com1", machine.path() + "/no-such-device");
     EXPECT_EQ(port.open(1, {}, Handshaking::None).number, SerialPortMissing);
@@ -201,7 +201,7 @@ TEST_F(SerialPortsTest, APortThatCannotBeOpenedSaysWhy) {
     }));
 }
 
-// Numbers are given once, to what is there; from then on they stay what they are.
+// Existing devices get their numbers once; from then on these stay.
 TEST(SerialPortNumbers, AreGivenAtTheFirstStart) {
     static QStringList there;
     SetSerialDevices([] { return there; });

@@ -14,7 +14,7 @@ namespace {
 constexpr quint32 mono = WaveFormat1M16 | WaveFormat2M16 | WaveFormat4M16;
 constexpr quint32 stereo = WaveFormat1S16 | WaveFormat2S16 | WaveFormat4S16;
 
-// A machine whose sound system is what the test declares, and nothing of this machine's own.
+// A machine with the sound system that the test declares, and nothing of this machine's own.
 class WaveDevices : public testing::Test {
 protected:
     ~WaveDevices() override {
@@ -61,7 +61,7 @@ TEST_F(WaveDevices, TellWhatEachCanDo) {
     EXPECT_EQ(WaveOutputs()[0].formats, mono | stereo);
     EXPECT_EQ(WaveOutputs()[1].formats, WaveFormat1M16);
     EXPECT_EQ(WaveOutputs()[2].formats, WaveFormat4S16);
-    EXPECT_EQ(WaveOutputs()[3].formats, mono | stereo); // never asked, so not ruled out
+    EXPECT_EQ(WaveOutputs()[3].formats, mono | stereo); // never asked, so not excluded
     EXPECT_EQ(WaveInputs()[2].formats, WaveFormat4M16);
     EXPECT_EQ(WaveOutputs()[0].id, "console");
 }
@@ -86,7 +86,7 @@ TEST_F(WaveDevices, KeepTheirNumbersFromStartToStart) {
     declare({{"a", "type studio rates [ 44100 ] channels [ 2 ] direction playback"}});
     EXPECT_EQ(namesOf(WaveOutputs()), QStringList({"The a", "(The b)", "(The c)", "(The new)"}));
     EXPECT_EQ(WaveOutputs()[0].formats, WaveFormat4S16);
-    // A list that cannot be kept is no reason to have no devices.
+    // Without a writable list there are devices all the same.
     const QString list = machine.path() + "/wavedevices.txt";
     ASSERT_TRUE(QFile::remove(list) && QDir().mkpath(list + "/in/the/way"));
     declare({{"b", out}});
@@ -108,11 +108,11 @@ TEST(WaveNumbers, TellTwoCardsOfOneMakeApartByTheirPlaces) {
     };
     const QList<KnownWaveDevice> first =
         NumberWaveDevices({}, {card("Device", "usb1"), card("Device_1", "usb2"), card("PCH", "pci")});
-    // The system counts the cards the other way round: ids swap, places do not.
+    // The system numbers the cards in reverse: ids swap, places do not.
     EXPECT_EQ(
         ids(NumberWaveDevices(first, {card("PCH", "pci"), card("Device", "usb2"), card("Device_1", "usb1")})),
         QStringList({"Device_1@usb1", "Device@usb2", "PCH@pci"}));
-    // One is gone: the other stays itself, though it now has the first one's id.
+    // One is gone: the other keeps its number, although it now has the first one's id.
     EXPECT_EQ(ids(NumberWaveDevices(first, {card("Device", "usb2")})),
               QStringList({"-Device@usb1", "Device@usb2", "-PCH@pci"}));
     // Plugged in elsewhere.

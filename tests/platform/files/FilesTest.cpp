@@ -1,4 +1,4 @@
-// Files by Windows path: what a failure leaves behind, and what it is called.
+// Files by Windows path: what a failure leaves behind, and its error number.
 #include "platform/files/FileCopy.h"
 #include "platform/host/HostFiles.h"
 #include "platform/posix/HostCalls.h"
@@ -20,7 +20,7 @@ using tolvex::tests::TestMachine;
 
 namespace {
 
-// Everything in drive C:'s root but the standard folders, hidden names too.
+// Everything in drive C:'s root except the standard folders, including hidden names.
 QStringList leftIn(const TestMachine& machine) {
     QStringList names =
         QDir(machine.host("C:\\")).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
@@ -33,7 +33,7 @@ protected:
     TestMachine machine;
 };
 
-// The number of the call to fail, of those that make bytes last; counts down.
+// The number of the call to fail, among those that make bytes durable; counts down.
 int callsUntilFailure = 0;
 int failure = 0;
 bool failsNow() {
@@ -86,7 +86,7 @@ TEST_F(Files, KeepModeAndLinkWhenReplaced) {
     EXPECT_TRUE(QFileInfo(machine.host("C:\\Link.ini")).isSymLink());
 }
 
-// Two programs give the same name at the same moment: one gets it, and the other's file keeps its own.
+// Two programs use the same name at the same moment: one gets it, and the other's file keeps its own.
 TEST_F(Files, AreNeverReplacedByARename) {
     for (int round = 0; round < 150 && !HasFailure(); ++round) {
         machine.write("C:\\a.txt", "a");
@@ -140,7 +140,7 @@ TEST_F(Files, NameTheirErrors) {
     EXPECT_EQ(MakeFolder(""), BadFileNumber);
     EXPECT_EQ(ReplaceWholeFile("C:\\Folder", "x"), PathFileAccess);
     EXPECT_EQ(ReplaceWholeFile("C:\\missing\\x", "x"), PathNotFound);
-    EXPECT_EQ(ReplaceWholeFile("COM1", "x"), PathFileAccess); // never a device by a file
+    EXPECT_EQ(ReplaceWholeFile("COM1", "x"), PathFileAccess); // a device is never replaced by a file
     EXPECT_EQ(AppendToFile("C:\\Folder", "x"), PathFileAccess);
     EXPECT_EQ(AppendToFile("COM1", "x"), PathFileAccess);
     EXPECT_EQ(CopyWholeFile("C:\\a.txt", "C:\\A.TXT"), PathFileAccess);

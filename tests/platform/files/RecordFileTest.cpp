@@ -36,7 +36,7 @@ protected:
         machine.write("C:\\Carts1.lst", recordOf('A').repeated(records));
         file = RecordFile::open("C:\\CARTS1.LST", length, false);
     }
-    // What another program does to the file.
+    // The change that another program makes to the file.
     int other() const {
         return ::open(HostName(machine.host("C:\\CARTS1.LST")).constData(), O_RDWR | O_CREAT, 0600);
     }
@@ -75,7 +75,7 @@ TEST_F(RecordFiles, ShowAtOnceWhatOtherProgramsWrite) {
 TEST_F(RecordFiles, TellOfAFileCutShortAndDoNotCrash) {
     ASSERT_EQ(read(records), NoError);
     const Descriptor writer(other());
-    // To the middle of a page, whose rest then shows as zeros; and to nothing, so that no page is left.
+    // To the middle of a page, whose rest then reads as zeros; and to nothing, so that no page is left.
     ASSERT_EQ(::ftruncate(writer.get(), 5 * length), 0);
     EXPECT_EQ(read(6), PastEndOfFile);
     EXPECT_EQ(read(records), PastEndOfFile);
@@ -84,7 +84,7 @@ TEST_F(RecordFiles, TellOfAFileCutShortAndDoNotCrash) {
     EXPECT_EQ(read(1), PastEndOfFile);
     EXPECT_EQ(got, recordOf('?'));
     EXPECT_EQ(file->count(), 0);
-    // And it comes back. A record of zeros is a record.
+    // And it returns. A record of zeros is a record.
     ASSERT_EQ(::ftruncate(writer.get(), 2 * length), 0);
     EXPECT_EQ(read(2), NoError);
     EXPECT_EQ(got, recordOf(0));
@@ -114,7 +114,7 @@ TEST_F(RecordFiles, SurviveAProgramThatEmptiesAndFillsTheFileAllTheTime) {
 TEST_F(RecordFiles, TellOfAFileThatWasReplacedOrRemoved) {
     ASSERT_EQ(read(1), NoError);
     ASSERT_EQ(ReplaceWholeFile("C:\\Carts1.lst", recordOf('N').repeated(3)), NoError);
-    // Writing into the file that nobody sees any more would lose the record.
+    // Writing to the file that nobody can see any more would lose the record.
     EXPECT_EQ(file->write(1, recordOf('W').constData()), FileNotFound);
     EXPECT_EQ(file->append(recordOf('W'), 2), FileNotFound);
     EXPECT_EQ(file->count(), 0);
@@ -124,8 +124,8 @@ TEST_F(RecordFiles, TellOfAFileThatWasReplacedOrRemoved) {
 }
 
 TEST_F(RecordFiles, AreReadWithoutASystemCallPerRecord) {
-    // In strict mode the system kills a process at any call but read, write and exit. The check that comes
-    // ten times a second is such a call: on a busy machine it may hit a try, not all.
+    // In strict mode the system kills a process at any call except read, write and exit. The check that comes
+    // ten times a second is such a call: on a busy machine it may hit one try, but not all.
     int status = -1;
     for (int attempt = 0; attempt < 20 && status != 0; ++attempt) {
         const pid_t child = ::fork();

@@ -1,4 +1,4 @@
-// What a user meets who may not do everything. The tests' user often may: they run as somebody else then.
+// Errors for a user without rights. If the tests' user has all rights, they run as somebody else.
 #include "platform/files/Files.h"
 #include "platform/host/FileLock.h"
 #include "platform/host/HostFiles.h"
@@ -46,7 +46,7 @@ TEST(Rights, ThatAreMissingGiveAnErrorAndChangeNothing) {
         EXPECT_EQ(FileSize("C:\\Data\\Secret.ini"), -1);
         EXPECT_EQ(FileSize("C:\\Data\\READONLY.INI"), 4);
         EXPECT_EQ(ReadWholeFile("C:\\Data\\Secret.ini"), std::nullopt);
-        // Names in a folder that may not be listed are found as they are spelled.
+        // Names in a folder that may not be listed are found by their exact spelling.
         EXPECT_EQ(FolderNames("C:\\Unlisted"), QStringList());
         EXPECT_EQ(FileSize("C:\\UNLISTED\\Here.ini"), 4);
 

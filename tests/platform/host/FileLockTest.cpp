@@ -13,7 +13,7 @@ using namespace tolvex::platform;
 
 namespace {
 
-// Runs `work` in a process of its own and gives its process number.
+// Runs `work` in a process of its own and returns its process number.
 template<class Work>
 pid_t inAnotherProcess(Work work) {
     const pid_t child = ::fork();

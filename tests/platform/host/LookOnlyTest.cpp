@@ -1,4 +1,4 @@
-// While the machine is only looked at, every way to change a file of it fails and leaves no trace.
+// In read-only mode every way to change a file fails and leaves no trace.
 #include "platform/host/LookOnly.h"
 
 #include "platform/files/FileCopy.h"

@@ -1,4 +1,4 @@
-// Files replaced whole, and what a writer that died leaves beside them.
+// Files replaced as a whole, and what a writer that died leaves beside them.
 #include "platform/host/Replacement.h"
 
 #include <QDir>
@@ -95,7 +95,7 @@ TEST_F(ReplacementTest, TakesAnotherNameWhereADeadProcessOfItsNumberLeftOne) {
     }
     const QString start = name.section('-', 0, 1);
     const int number = name.section('-', 2).section('.', 0, 0).toInt();
-    for (int next = number + 1; next < number + 20; ++next) // folders: nobody removes them
+    for (int next = number + 1; next < number + 20; ++next) // folders cannot be removed
         ASSERT_TRUE(QDir(folder_.path()).mkdir(start + '-' + QString::number(next) + ".new"));
     EXPECT_EQ(ReplaceHostFile(path("a.ini"), "a"), NoError);
     EXPECT_EQ(read("a.ini"), "a");

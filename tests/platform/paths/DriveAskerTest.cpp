@@ -1,4 +1,4 @@
-// Drives that do not answer: nobody waits for them longer than agreed, Stop works, and the program can end.
+// Drives that do not answer: the wait is limited, Stop works, and the program can end.
 #include "platform/paths/DriveAsker.h"
 #include "platform/files/Files.h"
 #include "support/MachineFolder.h"
@@ -27,10 +27,10 @@ protected:
             ADD_FAILURE() << "no pipe to hang on";
     }
     ~DriveAskerTest() override { release(); }
-    // Lets go of whoever hangs on the pipe.
+    // Releases the thread that is blocked on the pipe.
     void release() const { ::close(::open(QFile::encodeName(fifo).constData(), O_RDWR)); }
 
-    // Files' lengths; whatever is on drive M: keeps its asker in a system call that does not return.
+    // Lengths of files; on drive M: each question blocks in a system call that does not return.
     DriveQuestion withDeadM() const {
         return [name = QFile::encodeName(fifo)](const QString& path) -> qint64 {
             if (path[0].toUpper() == u'M')
@@ -58,7 +58,7 @@ TEST_F(DriveAskerTest, GivesWhatTheDrivesHold) {
                                    {"C:\\FOLDER", -1},
                                    {"C:\\NONE", -1},
                                    {"Q:\\NONE", -1}}));
-    // What changed meanwhile is seen.
+    // Changes made meanwhile are seen.
     machine.write("C:\\NONE", "1");
     EXPECT_EQ(asker.ask({"C:\\NONE"}, FileSize, *progress), (DriveAsker::Answers{{"C:\\NONE", 1}}));
     EXPECT_EQ(asker.unreachable(), "");
@@ -72,7 +72,7 @@ TEST_F(DriveAskerTest, GivesUpADriveThatHangsAndAsksTheOthersMeanwhile) {
               (DriveAsker::Answers{{"C:\\A", 1}, {"N:\\A", 2}}));
     EXPECT_EQ(asker.unreachable(), "M");
     EXPECT_GT(prompts.processed, 3) << "events ran while the dead drive was waited for";
-    // It is not asked again, not even when it comes back.
+    // It is not asked again, even if it returns.
     release();
     EXPECT_EQ(asker.ask({"M:\\A", "C:\\A"}, FileSize, *progress), (DriveAsker::Answers{{"C:\\A", 1}}));
 }
@@ -84,14 +84,14 @@ TEST_F(DriveAskerTest, StopsWhenTheUserSaysSoWhateverADriveDoes) {
     EXPECT_FALSE(asker.ask({"M:\\A", "C:\\A"}, withDeadM(), *progress));
     EXPECT_TRUE(prompts.progressGoesOn.empty());
     EXPECT_EQ(asker.unreachable(), "");
-    // What the drive answers to that later is no answer to what it is asked now.
+    // The drive's late answer to that question is not used for a later one.
     release();
     EXPECT_EQ(asker.ask(
                   {"M:\\A", "M:\\B"}, [](const QString&) { return qint64{7}; }, *progress),
               (DriveAsker::Answers{{"M:\\A", 7}, {"M:\\B", 7}}));
 }
 
-// The thread wakes up long after everybody has gone, and finds nothing of theirs to touch.
+// The thread wakes up long after everybody has gone, and touches nothing of theirs.
 TEST_F(DriveAskerTest, ADriveThatAnswersTooLateDisturbsNobody) {
     EXPECT_EQ(DriveAsker(50ms).ask({"M:\\A", "M:\\B"}, withDeadM(), *progress), DriveAsker::Answers());
     release();

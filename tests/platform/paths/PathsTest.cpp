@@ -1,4 +1,4 @@
-// Where Windows paths lie on this machine.
+// How Windows paths map to this machine.
 #include "TestPlaces.h"
 #include "platform/paths/PathParts.h"
 #include "platform/paths/PathState.h"
@@ -78,14 +78,14 @@ TEST_F(Paths, PreferTheExactSpellingOfTwoAtEveryLevel) {
     EXPECT_EQ(HostPath("C:\\Audio"), inC("/Audio"));
     EXPECT_EQ(HostPath("C:\\audio\\CARTS1.LST"), inC("/audio/Carts1.lst"));
     EXPECT_EQ(HostPath("C:\\AUDIO\\CARTS1.LST"), inC("/AUDIO/CARTS1.LST"));
-    EXPECT_EQ(HostPath("C:\\aUdIo"), inC("/AUDIO")); // none is exact: the first in byte order
+    EXPECT_EQ(HostPath("C:\\aUdIo"), inC("/AUDIO")); // no exact match: the first in byte order
 }
 
 TEST_F(Paths, NoticeWhatOtherProgramsChangeAtOnce) {
     const QString folder = inC("/Data");
     ASSERT_TRUE(QDir().mkpath(folder));
     for (int round = 0; round < 50; ++round) {
-        // Now and then the folder is at rest, so that its listing counts until it changes.
+        // Now and then the folder is at rest, so that its listing is valid until it changes.
         if (round % 10 == 5)
             tolvex::tests::LetAge(folder);
         const QString name = QString("File%1.Lst").arg(round);
@@ -97,7 +97,7 @@ TEST_F(Paths, NoticeWhatOtherProgramsChangeAtOnce) {
     }
     ASSERT_TRUE(QDir().rename(folder, inC("/DaTa")));
     EXPECT_EQ(HostPath("C:\\data\\FILE1.LST"), inC("/DaTa/file1.lst"));
-    // A drive whose link is turned to another place.
+    // A drive whose link is changed to another place.
     machine.addDrive(u'M');
     machine.write("M:\\Old.txt", "x");
     EXPECT_TRUE(FileExists("m:\\OLD.TXT"));
@@ -137,8 +137,8 @@ TEST_F(Paths, TurnHostPathsBackByTheClosestDrive) {
     EXPECT_EQ(WindowsPath(QString()), QString());
 }
 
-// A network drive is not looked at for a path that cannot be on it: its server may be gone. Here a link on
-// the drive leads out of it, which only a look would tell.
+// A network drive is not read for a path that cannot be on it: its server may be gone. Here a link on the
+// drive leads out of it, which only a read would show.
 TEST_F(Paths, TurnHostPathsBackWithoutAskingNetworkDrives) {
     const QString net = machine.path() + "/net drive";
     const QString outside = machine.path() + "/outside";
@@ -183,9 +183,9 @@ TEST_F(Paths, HaveShortFormsThatLeadBackToTheSameFile) {
     }
     EXPECT_EQ(ShortPath("C:\\WINDOWS\\SYSTEM32"), "C:\\WINDOWS\\SYSTEM32");
     EXPECT_EQ(ShortPath("C:\\missing"), QString());
-    // A stored short path has to mean the same file next year.
+    // A stored short path must mean the same file next year.
     EXPECT_EQ(ShortName("Program Files"), "PRO~JELO");
-    // Where a short form would mean two files, the later one keeps its name.
+    // If a short form would mean two files, the later one keeps its name.
     const QString taken = ShortName("A name that is long.text");
     machine.write("C:\\Twice\\A name that is long.text", "long");
     ASSERT_TRUE(QFile(inC("/Twice/") + taken.toLower()).open(QIODevice::WriteOnly));
@@ -197,7 +197,7 @@ TEST_F(Paths, SurviveNamesThatNobodyWouldChoose) {
     EXPECT_EQ(FileSize("C:\\" + longName), -1);
     EXPECT_EQ(MakeFolder("C:\\" + longName), BadFileNumber);
     EXPECT_FALSE(FolderExists("C:\\" + QString("deep\\").repeated(20000)));
-    // A name that is not UTF-8 is passed over, not mangled.
+    // A name that is not UTF-8 is skipped, not mangled.
     const QByteArray odd = QFile::encodeName(inC("/")) + "\xE9t\xE9";
     ASSERT_EQ(::mkdir(odd.constData(), 0700), 0);
     EXPECT_FALSE(FolderNames("C:\\").contains(QString::fromUtf8("\xE9t\xE9")));
@@ -210,7 +210,7 @@ TEST_F(Paths, SurviveNamesThatNobodyWouldChoose) {
 TEST_F(Paths, KnowTheDrivesAndTheirTypes) {
     machine.addDrive(u'M', DriveType::Remote);
     machine.link("n:", "/nowhere/at/all");
-    machine.link("q:", "/proc/self/status"); // a file is no drive
+    machine.link("q:", "/proc/self/status"); // a file is not a drive
     EXPECT_EQ(LogicalDrives(), 1U << 2 | 1U << 12 | 1U << 25);
     EXPECT_EQ(TypeOfDrive(u'c'), DriveType::Fixed);
     EXPECT_EQ(TypeOfDrive(u'm'), DriveType::Remote);

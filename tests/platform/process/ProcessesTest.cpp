@@ -30,11 +30,11 @@ protected:
         machine.write(path, text);
         ::chmod(machine.host(path).toUtf8().constData(), 0755);
     }
-    // A pipe for what a program that nobody waits for has to say.
+    // A pipe for the output of a program that nobody waits for.
     void pipe(const QString& path) const {
         ASSERT_EQ(::mkfifo(machine.host(path).toUtf8().constData(), 0600), 0);
     }
-    // All that comes out of it, until its writer ends.
+    // All its output, until its writer ends.
     QByteArray arrived(const QString& path) const {
         const int end = ::open(machine.host(path).toUtf8().constData(), O_RDONLY | O_NONBLOCK);
         QByteArray all;
@@ -64,7 +64,7 @@ TEST_F(Processes, GetTheirArgumentsFolderAndMachineAndNothingElse) {
     pipe("C:\\Work\\out");
     ASSERT_TRUE(SetCurrentFolder("C:\\Work"));
     // A file that a careless library left open for children, under a number that the script's shell does not
-    // use for its own.
+    // use itself.
     const int leak = ::fcntl(STDERR_FILENO, F_DUPFD, 200);
     ASSERT_GE(leak, 200);
     QString why;

@@ -18,7 +18,7 @@ TEST(SingleInstance, OneForEachMachineFolderAndNoneLeftBehindByACrash) {
         machine.use();
     }
     EXPECT_TRUE(SingleInstance().first());
-    // The lock of a program that died without taking it away: a process number that is not in use.
+    // The lock of a program that died without removing it: an unused process number.
     QFile stale(machine.path() + "/tolvex-config.lock");
     ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
     stale.write("4194303\ntolvex-config\n" + QSysInfo::machineHostName().toUtf8() + "\n");

@@ -1,5 +1,5 @@
-// The registry store: values come back as they went in, whatever their type; what others put into the file
-// stays; and the file is one that the platform's own editor imports.
+// The registry store: values read back as written, whatever their type; additions of others to the file stay;
+// and the platform's own editor can import the file.
 #include "platform/registry/RegistryStore.h"
 #include "platform/host/HostFiles.h"
 #include "platform/host/Replacement.h"
@@ -127,7 +127,7 @@ TEST_F(RegistryStore, WhatOthersPutThereStays) {
 TEST_F(RegistryStore, TakesTheOlderFormAndFilesThatAreNoneOfIt) {
     store("REGEDIT4\n[HKEY_LOCAL_MACHINE\\Software\\Norvane\\Tolvex "
           "v2]\n\"a\"=hex(2):e9,00\n\"a\"=\"\xE9\"\n\"b\"=\"x\n");
-    EXPECT_EQ(read("a"), "1:\xE9"); // the last one holds
+    EXPECT_EQ(read("a"), "1:\xE9"); // the last one wins
     EXPECT_EQ(read("b"), "none");
     ASSERT_TRUE(RegistryWrite(LocalMachineHive, key, "c", {RegistryType::ExpandText, "\x80"}));
     EXPECT_EQ(ReadHostFile(path(), 1000)->count("\n\"c\"=hex(2):80\r\n"), 1);

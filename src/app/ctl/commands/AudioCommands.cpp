@@ -186,10 +186,8 @@ CommandRows AudioCommands() {
          "Measure the level of the recording device",
          level,
          {{"--seconds", "N", "for so long; 3 without it"}}},
-        Changing(
-            {"audio repair", "",
-             "Give players and recording the numbers that their devices have now; 1 when one is not there",
-             repair}),
+        Changing({"audio repair", "",
+                  "Correct the device numbers of players and recording; 1 if a device is missing", repair}),
     };
 }
 

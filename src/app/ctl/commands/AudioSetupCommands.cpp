@@ -201,11 +201,9 @@ CommandRows AudioSetupCommands() {
                   players,
                   {{"--auto", nullptr, "the players take the suitable outputs in turn"},
                    {"--manual", nullptr, "each player has the device given, or keeps the one it has"}}}),
-        {"audio formats", "[TAG]",
-         "List the formats that new audio can be recorded in, or those of one of them, by number or name",
+        {"audio formats", "[TAG]", "List the recording formats, or the variants of one, by number or name",
          formats},
-        Changing(
-            {"audio format", "TAG CHANNELS RATE", "Set the format that new audio is recorded in", format}),
+        Changing({"audio format", "TAG CHANNELS RATE", "Set the recording format", format}),
     };
 }
 

@@ -100,7 +100,7 @@ CommandRows AudiowallCommands() {
         {"audiowall show", "", "Show the size of the audiowall, its carts and its jump buttons", show},
         Changing({"audiowall size", "N", "Set the number of carts", size}),
         Changing({"audiowall jump", "N CART [TEXT]",
-                  "Set what a jump button jumps to, adding buttons up to it; cart 0 empties it", jump}),
+                  "Set the target of a jump button, adding buttons up to it; cart 0 empties it", jump}),
     };
 }
 

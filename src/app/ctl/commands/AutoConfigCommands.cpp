@@ -13,7 +13,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// For people the items of a kind are one line: the first one, and how many there are besides.
+// For people the items of a kind are one line: the first one, and the number of others.
 QJsonArray inShort(const QList<InstalledItem>& items) {
     QJsonArray lines;
     for (qsizetype first = 0; first < items.size();) {
@@ -35,7 +35,7 @@ QJsonArray inShort(const QList<InstalledItem>& items) {
     return lines;
 }
 
-// Tells what is there now. The exit status says whether that is everything, and whether it can be used.
+// Reports the present state. The exit status says whether it is complete, and whether it can be used.
 int tell(Call& call, bool usersOpened) {
     const Settings& values = call.station.settings;
     const QList<InstalledItem> items = LookAtInstallation(call.station);
@@ -110,7 +110,7 @@ CommandRows AutoConfigCommands() {
             {"autoconfig network", "", "Configure it for data on drive M: and audio on drive U:", network}),
         Changing({"autoconfig search",
                   "",
-                  "Look for an existing system on the drives and configure this workstation for it",
+                  "Search the drives for an existing system and configure this workstation for it",
                   search,
                   {{"--network-only", nullptr, "look at network drives only"}}}),
     };

@@ -96,7 +96,7 @@ int show(Call& call) {
         return call.fail(QStringLiteral("Cart %1 could not be read.").arg(*number));
     qint16 status = 0;
     const CartRecord cart = ReadCart(call.station.carts, *number, &status);
-    // What a list does not hold yet is an empty cart to the suite.
+    // A cart beyond the end of a list is an empty cart to the suite.
     if (status != platform::NoError && status != platform::PastEndOfFile)
         return call.fail(QStringLiteral("Cart %1 could not be read (error %2).").arg(*number).arg(status));
     call.output.record(CartAsJson(*number, cart, status), {{"number", "Cart"},
@@ -135,7 +135,7 @@ int check(Call& call) {
     return faults.isEmpty() ? Done : No;
 }
 
-// Mends the list of one part, making a missing one when the user wants it. What was done, and how it is now.
+// Repairs the list of one part; makes a missing one if the user wants it. Reports action and result.
 QJsonObject mend(const Call& call, int part, int* error) {
     CartListRepair repair;
     const CartListFacts before = LookAtCartList(call.station.carts, part);
@@ -168,7 +168,7 @@ int repair(Call& call) {
         const QJsonObject mended = mend(call, part, &error);
         records += mended;
         if (error != platform::NoError)
-            call.output.say(QStringLiteral("%1 could not be mended (error %2); nothing of it is lost.")
+            call.output.say(QStringLiteral("%1 could not be repaired (error %2); nothing of it is lost.")
                                 .arg(CartListPath(call.station.carts, part))
                                 .arg(error));
         if (mended[QLatin1String("after")] != QLatin1String("sound"))
@@ -196,16 +196,15 @@ int backup(Call& call) {
 
 CommandRows CartCommands() {
     return {
-        {"carts locations", "", "List the folders of the audiowall; 0 when all that are needed are there",
+        {"carts locations", "", "List the folders of the audiowall; 0 if all that are needed exist",
          locations},
         {"carts list", "[FIRST[-LAST]]", "List the carts that are not empty", list},
         CartFindCommand(),
-        {"carts show", "N", "Print all that the lists hold of a cart; 1 when it is empty", show},
-        {"carts check", "", "Find torn and short lists, carts without audio, doubles; 0 when there are none",
+        {"carts show", "N", "Print everything in the lists about a cart; 1 if it is empty", show},
+        {"carts check", "", "Find torn and short lists, carts without audio, duplicates; 0 if there are none",
          check},
         Changing({"carts repair", "",
-                  "Bring every list to its length with empty carts; torn bytes are kept in a file beside it",
-                  repair}),
+                  "Fill every list up with empty carts; torn bytes are kept in a file beside it", repair}),
         Changing(
             {"carts backup", "", "Copy the cart lists to the Backups folders of their locations", backup}),
     };

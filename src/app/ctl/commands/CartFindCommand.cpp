@@ -10,10 +10,10 @@ namespace tolvex::ctl {
 
 namespace {
 
-// What a window's search gives or takes unless it is told otherwise.
+// The defaults of the window's search.
 constexpr double usualGive = 3;
 
-// How long the search goes on without a look at how many carts were found.
+// How long the search runs between checks of the number of carts found.
 constexpr std::chrono::milliseconds slice{50};
 
 constexpr double mostGive = 86400; // seconds: a day
@@ -57,7 +57,7 @@ QString takeOptions(const Call& call, CartQuery& query) {
     return {};
 }
 
-// Opens the lists that the search will meet. False when none opens.
+// Opens the lists that the search will read. False if none opens.
 bool openLists(const Call& call) {
     bool any = false;
     for (int part = 1; part <= PartOfCart(call.station.settings.NoCarts); ++part)
@@ -96,15 +96,15 @@ int find(Call& call) {
 Command CartFindCommand() {
     return {"carts find",
             "TEXT",
-            "List the carts whose description holds a text, in whatever case; \"*\" finds all",
+            "List the carts whose description contains a text, in any case; \"*\" finds all",
             find,
             {{"--lines", "1,2,3", "look at these lines only, each by itself"},
              {"--notes", nullptr, "look at the first 10,000 bytes of a cart's notes, too"},
              {"--length", "M:SS", "only carts of about this length"},
-             {"--give", "SECONDS", "how far from that length a cart may be; 3 without it"},
+             {"--give", "SECONDS", "how far from that length a cart may be; default 3"},
              {"--from", "N", "begin at this cart; without it, the whole audiowall"},
              {"--backwards", nullptr, "go to lower numbers"},
-             {"--whole", nullptr, "begin at the first cart, backwards at the last, whatever --from says"},
+             {"--whole", nullptr, "begin at the first cart, backwards at the last, regardless of --from"},
              {"--max", "N", "end after so many carts"}}};
 }
 

@@ -1,4 +1,4 @@
-// The radio clock's receiver from a shell. Nothing here sets the computer's clock.
+// The radio clock's receiver from a shell. These commands never set the computer's clock.
 #include "app/ctl/Commands.h"
 
 #include "app/ctl/ClockRecords.h"
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int testSeconds = 10;
 
-// The port that was named, as a number or "COM<n>", else the workstation's own; 0 if there is none.
+// The named port, as a number or "COM<n>", else the workstation's own; 0 if there is none.
 std::optional<int> portOf(const Call& call) {
     if (call.arguments.isEmpty())
         return call.session.read() ? qMax(int{call.station.settings.RadioClockComPort}, 0) : 0;

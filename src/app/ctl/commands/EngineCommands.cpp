@@ -1,4 +1,4 @@
-// Any Jet file: its tables, their design, rows out and in, queries, check and compaction.
+// Any Jet file: its tables, their design, export and import of rows, queries, check and compaction.
 #include "app/ctl/Commands.h"
 
 #include "databases/compaction/CompactRepair.h"
@@ -29,7 +29,7 @@ QString toQString(std::u16string_view text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// Runs what needs the engine; its error becomes the command's.
+// Runs a step that uses the engine; its error becomes the command's.
 template<typename Job>
 int guarded(Call& call, Job job) {
     try {
@@ -85,13 +85,13 @@ const char* nameOf(jet::ColumnType type) {
     return "unknown";
 }
 
-// Says what is damaged of a database, while the rest of it is listed.
+// Reports the damage of a database while the rest of it is listed.
 class Damage {
 public:
     explicit Damage(const Call& call)
         : call_(call) {}
     void operator()(jet::PageNumber, const jet::Error& error) { say(error); }
-    // Lists a table, and says why it cannot be.
+    // Lists a table, or reports why it cannot be.
     template<typename List>
     void list(const jet::CatalogObject& table, List list) {
         const auto damaged = [&](jet::PageNumber, const jet::Error& error) {
@@ -215,7 +215,7 @@ jet::TextFormat formatOf(const Call& call) {
 }
 
 void exportRows(Call& call, const jet::Filter& selection) {
-    call.output.piece({}); // no rows are no document either
+    call.output.piece({}); // makes a valid document even without rows
     jet::ExportRows(selection, formatOf(call), [&](std::string_view text) { call.output.piece(text); });
 }
 
@@ -302,7 +302,7 @@ int check(Call& call) {
     });
 }
 
-// Silent: a script that says "db compact" has been asked. What fails is reported on standard error.
+// Silent: a script that says "db compact" has already decided. Failures are reported on standard error.
 int compact(Call& call) {
     QJsonArray losses;
     const auto lost = [&](const jet::Fault& loss) { losses += recordOf(loss); };
@@ -316,7 +316,7 @@ int compact(Call& call) {
 } // namespace
 
 CommandRows EngineCommands() {
-    const Option system{"--system", nullptr, "with the tables of the system"};
+    const Option system{"--system", nullptr, "include system tables"};
     return {
         {"db tables", "FILE", "List the tables of a database with their numbers of rows", tables, {system}},
         {"db schema", "FILE [TABLE]", "Show the columns and indexes of the tables", schema, {system}},
@@ -325,7 +325,7 @@ CommandRows EngineCommands() {
         Changing({"db import", "FILE TABLE",
                   "Add rows from standard input, CSV or with --json JSON lines: all or none", importTable}),
         Changing({"db query", "FILE SQL",
-                  "Run SELECT, INSERT, UPDATE or DELETE; rows are written as export does", query},
+                  "Run SELECT, INSERT, UPDATE or DELETE; rows are written as by export", query},
                  queryChanges),
         {"db check", "FILE", "Check the integrity of a database and list its faults", check},
         Changing(

@@ -1,4 +1,4 @@
-// The hardware cards and what their lines do.
+// The hardware cards and the actions of their lines.
 #include "app/ctl/Commands.h"
 
 #include "core/settings/Settings.h"
@@ -36,14 +36,14 @@ bool readCards(Call& call, DriverReports& reports) {
     if (!call.session.read())
         return false;
     ReadHardwareSettings(call.station.cards, call.station.settings.LocalIniFile, reports);
-    // The file knows the types of a joystick's lines only where they are in use; the card has one for all.
+    // For a joystick the file has the types of used lines only; all lines of the card have one type.
     for (HardwareCard& card : call.station.cards)
         if (card.CardType == CardJoystick)
             SelectCardType(card, card.CardType, {}, reports);
     return true;
 }
 
-// Where the lines of an Advantech card came from.
+// The source of an Advantech card's line counts.
 void noteOrigin(const Call& call, int number) {
     const HardwareCard& card = call.station.cards[number];
     if (card.CardType == CardAdvantech)
@@ -146,7 +146,7 @@ int set(Call& call) {
     DriverReports reports;
     if (!readCards(call, reports))
         return call.fail(QStringLiteral("No local ini file was chosen."));
-    HardwareCard card = call.station.cards[*number]; // a copy, until all of it is found good
+    HardwareCard card = call.station.cards[*number]; // a copy, until everything is found valid
     const int lines = qMin(int{card.NumberLines}, LinesPerCard);
     const std::optional<int> n = numberIn(call.argument(1), lines);
     if (!n)
@@ -219,7 +219,7 @@ CommandRows HardwareCommands() {
         {"hardware list", "[CARD]", "List the lines of the hardware cards and what they do", list},
         Changing({"hardware set",
                   "CARD LINE [P1 [P2]]",
-                  "Say what a line is; parameters of the action by the words of its lists",
+                  "Set up a line; parameters of the action by the words of its lists",
                   set,
                   {{"--type", "input|output", "what the line is"},
                    {"--action", "NAME", "what it does; without it the action stays"},

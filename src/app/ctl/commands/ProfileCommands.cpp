@@ -12,7 +12,7 @@ namespace {
 
 using namespace platform;
 
-// Long enough for any value there is.
+// Long enough for any value.
 constexpr int wholeValue = 1 << 26;
 
 int nothing(const Call& call) {
@@ -50,7 +50,7 @@ int getInteger(Call& call) {
     return Done;
 }
 
-// Why a key that is written under these names could not be read again; empty when it could.
+// Why a key under these names could not be read back; empty if it could.
 QString unreadable(const QString& section, const QString& key, const QString& value) {
     for (const QString& text : {section, key, value}) {
         if (text.contains(u'\n') || text.contains(u'\r'))

@@ -52,7 +52,7 @@ QJsonValue valueOf(const RegistryValue& value) {
     return QString::fromLatin1(value.data.toHex(' '));
 }
 
-// A key as it was given, without its hive.
+// A key as given, without its hive.
 QString keyArgument(const QString& given) {
     for (const char* hive : {"HKEY_LOCAL_MACHINE", "HKLM"}) {
         const QLatin1String name(hive);
@@ -148,7 +148,7 @@ CommandRows RegistryCommands() {
                   "KEY NAME VALUE",
                   "Set a value, making its key",
                   set,
-                  {{"--dword", nullptr, "a number in place of a text"}}}),
+                  {{"--dword", nullptr, "a number instead of a text"}}}),
         Changing({"registry delete", "KEY NAME", "Remove a value", remove}),
     };
 }

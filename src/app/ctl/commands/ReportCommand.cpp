@@ -1,4 +1,4 @@
-// Everything about a workstation that somebody who is asked for help wants to see, in one file.
+// Everything that a supporter wants to see about a workstation, in one file.
 #include "app/ctl/Asking.h"
 
 #include "core/system/Product.h"
@@ -19,15 +19,15 @@ namespace {
 constexpr qint64 LongestLog = 256 << 20;
 constexpr int LogLines = 400;
 
-// What is asked, in the order in which the report has it.
+// The questions, in the order of the report.
 constexpr const char* asked[] = {
     "status",          "carts check",     "settings list", "sets list",     "registry list",
     "audio devices",   "audio show",      "ports list",    "hardware list", "terminals list",
     "automation show", "automation list", "commands list", "remote access",
 };
 
-// Passwords stand in connection strings ("PWD=..."), in log lines and under names of keys. A value that is
-// not in quotes or braces ends at a semicolon or with its line.
+// Passwords appear in connection strings ("PWD=..."), in log lines and under names of keys. A value without
+// quotes or braces ends at a semicolon or at the end of its line.
 QString withoutPasswords(QString text) {
     static const QRegularExpression given(
         QStringLiteral(
@@ -57,7 +57,7 @@ QString lineOf(const QJsonValue& value) {
     return QStringLiteral("[%1]").arg(parts.join(QStringLiteral(", ")));
 }
 
-// A setting or registry value stands as "section\key=value", so that a name that tells of a password is seen.
+// Settings and registry values appear as "section\key=value", so that names that mean passwords are seen.
 QString recordLine(const QJsonObject& record) {
     const QString name = record[QLatin1String("key")].toString();
     if (!record.contains(QLatin1String("value")))

@@ -73,7 +73,7 @@ void print(const Call& call, const ServerEvent& event) {
                               .toUtf8());
 }
 
-// Takes the options that say where to listen; a sentence about what is wrong with them.
+// Stores the options about where to listen; a sentence about what is wrong with them.
 QString takePlace(const Call& call, RemoteControlSetup& remote) {
     if (call.has("--port")) {
         bool isNumber = false;

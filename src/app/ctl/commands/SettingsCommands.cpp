@@ -1,4 +1,4 @@
-// The declared settings of this workstation: listing, changing one, comparing, keeping and carrying over.
+// The declared settings of this workstation: lists, changes, compares, exports and imports them.
 #include "app/ctl/Commands.h"
 
 #include "core/exchange/SettingsImport.h"
@@ -57,7 +57,7 @@ int list(Call& call) {
     return Done;
 }
 
-// The setting that the first two arguments name; nothing when there is none.
+// The setting that the first two arguments name; nothing if there is none.
 std::optional<StoredSetting> named(const Call& call) {
     for (const StoredSetting& setting : ReadStoredSettings(FilesInForce(call.station.settings)))
         if (call.argument(0).compare(QLatin1String(setting.place.row->section), Qt::CaseInsensitive) == 0 &&
@@ -72,7 +72,7 @@ int get(Call& call) {
     const std::optional<StoredSetting> setting = named(call);
     if (!setting)
         return call.no(
-            QStringLiteral("There is no setting %2 in section %1; \"tolvexctl settings list\" tells all.")
+            QStringLiteral("There is no setting %2 in section %1; \"tolvexctl settings list\" lists all.")
                 .arg(call.argument(0), call.argument(1)));
     if (call.output.json())
         call.output.record(recordOf(*setting), {});
@@ -200,18 +200,17 @@ int import(Call& call) {
 CommandRows SettingsCommands() {
     return {
         {"settings list", "[SECTION]", "List the declared settings with value, default and kind", list},
-        {"settings get", "SECTION KEY", "Print the value of a setting, its default where it has none", get},
-        Changing({"settings set", "SECTION KEY VALUE",
-                  "Change a setting; what its kind or range forbids is refused", set}),
+        {"settings get", "SECTION KEY", "Print the value of a setting, or its default", get},
+        Changing({"settings set", "SECTION KEY VALUE", "Change a setting; invalid values are refused", set}),
         ForIniFiles({"settings diff", "A.INI B.INI",
-                     "List what differs between two workstations; 0 when nothing does", diff}),
+                     "List the differences between two workstations; 0 if there are none", diff}),
         Changing({"settings export", "[FILE]", "Write all stored settings as one document", exportAll},
                  [](const Call& call) { return !call.arguments.isEmpty(); }),
         Changing({"settings import",
                   "FILE",
-                  "Take over such a document, all of it or nothing, keeping a copy of the files as they were",
+                  "Import such a document, all of it or nothing, after copying the files",
                   import,
-                  {{"--preview", nullptr, "only tell what it would change and what it does not know"}}},
+                  {{"--preview", nullptr, "only show what it would change and what it does not know"}}},
                  [](const Call& call) { return !call.has("--preview"); }),
     };
 }

@@ -51,7 +51,7 @@ int status(Call& call) {
 
 CommandRows StatusCommands() {
     return {
-        {"status", "", "Tell how this workstation is configured and what is missing", status},
+        {"status", "", "Show how this workstation is configured and what is missing", status},
     };
 }
 

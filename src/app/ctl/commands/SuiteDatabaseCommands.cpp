@@ -1,5 +1,5 @@
-// Databases of the suite, files and those on a server: what they say about themselves, making and checking
-// them, their private settings.
+// Databases of the suite, files and those on a server: their information, making and checking them, and their
+// private settings.
 #include "app/ctl/Commands.h"
 
 #include "automation/AutomationSchema.h"
@@ -26,7 +26,7 @@ const Option typeOption{"--type", "N", "the kind of database: 0 users, 14 automa
 const Option connectOption{"--connect", "STRING",
                            "FILE is the name of a database on the server of this string, \"ODBC;DSN=...\""};
 
-// The connect string as the suite's routines know one; empty for a file.
+// The connect string in the form of the suite's routines; empty for a file.
 QString connectOf(const Call& call) {
     const QString given = call.option("--connect");
     const QString prefix = QStringLiteral("ODBC;");
@@ -43,14 +43,14 @@ int failure(const Call& call, const DatabaseError& error) {
                      error.number);
 }
 
-// Throws DatabaseError when the server cannot be asked.
+// Throws DatabaseError if the server cannot be asked.
 bool isThere(const Call& call) {
     if (connectOf(call).isEmpty())
         return FileLength(fileOf(call)) > 0;
     return !ConnectToServer(connectOf(call))->databases(DatabasesStatement(fileOf(call))).isEmpty();
 }
 
-// Why a file that is there counts as missing.
+// Why an existing file counts as missing.
 QString unreadable(const QString& file) {
     return QStringLiteral("%1 is empty, or may not be read.").arg(file);
 }
@@ -62,7 +62,7 @@ int missing(const Call& call) {
     return call.no(QStringLiteral("There is no database %1.").arg(fileOf(call)));
 }
 
-// The number that --type gives. False when it is not a number.
+// The number of --type. False if it is not a number.
 bool typeGiven(const Call& call, qint32* type) {
     bool good = false;
     *type = call.option("--type").toInt(&good);
@@ -89,7 +89,7 @@ int info(Call& call) {
     call.output.record(QJsonObject{{QStringLiteral("fullName"), found.FullName},
                                    {QStringLiteral("fileName"), found.FileName},
                                    {QStringLiteral("description"), found.Description},
-                                   // As it is written, not as a float has it.
+                                   // In its usual notation, not as a float prints it.
                                    {QStringLiteral("version"), QString::number(found.Version).toDouble()},
                                    {QStringLiteral("engineVersion"), found.EngineVersion},
                                    {QStringLiteral("type"), found.Type},
@@ -109,14 +109,14 @@ int info(Call& call) {
     return Done;
 }
 
-// The tables that a database of its kind has besides its description.
+// The tables of a database of its kind, besides its description.
 TableList tablesOf(qint32 type) {
     return type == UsersDatabaseType ? UsersDatabaseTables()
            : type == KOVAType        ? KOVADatabaseTables()
                                      : TableList();
 }
 
-// Everything that a database of its kind has.
+// Everything that a database of its kind contains.
 int validateAll(Call& call, qint32 type, QString title, bool silent) {
     const QString file = fileOf(call);
     const QString connect = connectOf(call);
@@ -146,7 +146,7 @@ int create(Call& call) {
     if (status != Done || title.isEmpty() ||
         GetDatabaseInformation(fileOf(call), &made, true, connectOf(call)) != 0 || made.Description == title)
         return status;
-    return alreadyThere(call); // somebody else was first
+    return alreadyThere(call); // another program was first
 }
 
 int validate(Call& call) {
@@ -165,7 +165,7 @@ int validate(Call& call) {
     return validateAll(call, type, {}, false);
 }
 
-// Files of the folder that the search takes for missing.
+// Files of the folder that the search considers missing.
 void notePassedOver(const Call& call) {
     const QString folder = call.path(0).endsWith(u'\\') ? call.path(0) : call.path(0) + u'\\';
     for (const QString& name : platform::FolderNames(folder))
@@ -180,7 +180,7 @@ int find(Call& call) {
     const bool onServer = !connectOf(call).isEmpty();
     if (!onServer && call.arguments.isEmpty())
         return call.wrong(QStringLiteral("db find takes a folder, or --connect and a server."));
-    if (onServer) // which is told when it does not answer; the search would pass it over
+    if (onServer) // a server that does not answer is reported; the search would skip it
         ConnectToServer(connectOf(call));
     else if (!DirectoryExists(call.path(0)))
         return call.no(QStringLiteral("There is no folder %1.").arg(call.path(0)));
@@ -279,7 +279,7 @@ CommandRows SuiteDatabaseCommands() {
     return {
         {"db info",
          "FILE",
-         "Tell what a database of the suite says about itself",
+         "Show what a database of the suite says about itself",
          asked<info>,
          {connectOption}},
         Changing({"db create",
@@ -289,7 +289,7 @@ CommandRows SuiteDatabaseCommands() {
                   {typeOption, {"--title", "TEXT", "its description"}, connectOption}}),
         Changing({"db validate",
                   "FILE",
-                  "Add what a database lacks of its kind",
+                  "Add everything of its kind that a database lacks",
                   asked<validate>,
                   {typeOption, connectOption}}),
         {"db find",

@@ -15,7 +15,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// Loads the settings and opens the list. The exit status that says why there is none, or nothing.
+// Loads the settings and opens the list. The exit status if there is none, or nothing.
 std::optional<int> open(Call& call, bool mayMakeIt) {
     if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
@@ -87,7 +87,7 @@ int choose(Call& call) {
     const QString own = platform::ComputerName();
     const TerminalRow row =
         TerminalRows(ReadTerminals(terminals), own, platform::clock().now()).value(id - 1);
-    // Whoever takes the number between this look and the step under the lock keeps it.
+    // Whoever takes the number between this check and the change under the lock keeps it.
     QString holder;
     const int error = AssignTerminal(
         terminals, id, {}, own, row.networkName.isNull() ? QStringLiteral("") : row.networkName, &holder);

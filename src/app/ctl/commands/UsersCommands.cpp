@@ -9,7 +9,7 @@ namespace tolvex::ctl {
 
 namespace {
 
-// A field of a table with its place in a record.
+// A field of a table and its key in a record.
 struct Shown {
     const char* field;
     const char* key;
@@ -43,7 +43,7 @@ QJsonValue jsonOf(const QVariant& value) {
     return QJsonValue::fromVariant(value);
 }
 
-// The rows of a table in the order of its index, the last `last` of them.
+// The rows of a table in index order, the last `last` of them.
 int show(Call& call, const QString& table, std::span<const Shown> fields, int last = INT_MAX) {
     if (!call.session.read())
         return call.fail(QStringLiteral("No local ini file was chosen."));
@@ -119,7 +119,7 @@ CommandRows UsersCommands() {
          "",
          "List what users did, oldest first",
          history,
-         {{"--last", "N", "the newest N events only"}}},
+         {{"--last", "N", "only the newest N events"}}},
         Changing({"users process", "",
                   "Purge old history, disable expired accounts, delete those that are due", process}),
     };

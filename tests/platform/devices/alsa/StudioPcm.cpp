@@ -1,5 +1,5 @@
-// An ALSA device type for tests, "studio": it can do exactly the rates and channel counts it is declared
-// with, in one direction or both, and plays nothing.
+// An ALSA device type for tests, "studio": it supports exactly its declared rates and channel counts, in one
+// direction or both, and plays nothing.
 //
 //     pcm.card1 { type studio rates [ 44100 48000 ] channels [ 1 2 ] direction playback busy 0 hint { ... } }
 #include <alsa/asoundlib.h>
