@@ -39,7 +39,12 @@ void ScrollPage::followContent() {
 
 int ScrollPage::heightForWidth(int width) const {
     const int frame = 2 * frameWidth();
-    return widget() ? widget()->heightForWidth(width - frame) + frame : -1;
+    if (!widget())
+        return -1;
+    // Without texts that wrap the content is as high at any width.
+    const int height = widget()->hasHeightForWidth() ? widget()->heightForWidth(width - frame)
+                                                     : widget()->sizeHint().height();
+    return height + frame;
 }
 
 bool ScrollPage::eventFilter(QObject* watched, QEvent* event) {

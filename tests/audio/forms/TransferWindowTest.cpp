@@ -173,9 +173,9 @@ TEST_F(TransferWindow, KeepsTheRegistryToo) {
 
 TEST_F(TransferWindow, ShowsTenThousandLists) {
     machine.makeFolder("D:\\LISTS");
+    const QString folder = machine.host("D:\\LISTS");
     for (int n = 0; n < 10000; ++n)
-        QFile(machine.host("D:\\LISTS") + QStringLiteral("/List %1.OTL").arg(n, 5, 10, QChar(u'0')))
-            .open(QIODevice::WriteOnly);
+        QFile(folder + QStringLiteral("/List %1.OTL").arg(n, 5, 10, QChar(u'0'))).open(QIODevice::WriteOnly);
     openOn(used);
     EXPECT_EQ(list()->count(), 10000);
     EXPECT_EQ(label("lblListState"), "The default list \"Night\" is not in this folder.");
