@@ -116,7 +116,7 @@ void CartView::paintEvent(QPaintEvent*) {
     const int line = QFontMetrics(small).height();
     painter.setPen(ToColor(empty ? looks_.emptyNumber : looks_.number, palette()));
     painter.drawText(QRect(inner.left(), inner.top(), inner.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
-                     QString::number(face_.number));
+                     face_.number > 0 ? QString::number(face_.number) : QString());
     painter.setPen(fore);
     int right = inner.right() - MarkSize;
     if (face_.hasAudio) {

@@ -42,9 +42,9 @@ frmJumpToCart::frmJumpToCart(CartStore& carts, CartPicking& picking, QWidget* pa
     // Lit digits on a dark ground in either scheme of colours.
     const Tokens& dark = TokensOf(Scheme::Dark);
     ui_->fraDisplay->setStyleSheet(
-        QStringLiteral("QFrame#fraDisplay { background: %1; border-radius: 6px; } "
+        QStringLiteral("QFrame#fraDisplay { background: %1; border: 1px solid %3; border-radius: 6px; } "
                        "QLCDNumber { border: none; color: %2; background: transparent; }")
-            .arg(dark.background.name(), dark.good.name()));
+            .arg(dark.background.name(), dark.good.name(), dark.line.name()));
     for (QLCDNumber* led : {ui_->LED1, ui_->LED2, ui_->LED3, ui_->LED4, ui_->LED5}) {
         QSizePolicy policy = led->sizePolicy();
         policy.setRetainSizeWhenHidden(true);
