@@ -55,13 +55,12 @@ void RemoteCommands::keep(QByteArray bytes) {
         bytes.remove(0, end + 1);
         skipping_ = false;
     }
-    const qsizetype waiting = buffer_.lastIndexOf('\r') + 1;
-    if (waiting == 0 || buffer_.size() + bytes.size() <= LongestBuffer) {
+    if (buffer_.size() + bytes.size() <= LongestBuffer) {
         buffer_ += bytes;
         return;
     }
-    // A part of a command would be taken for another one.
-    buffer_.truncate(waiting);
+    // Only whole commands stay: a part of one would be taken for another.
+    buffer_.truncate(buffer_.lastIndexOf('\r') + 1);
     skipping_ = !bytes.endsWith('\r');
     hasLost_ = true;
 }

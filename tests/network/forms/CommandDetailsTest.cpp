@@ -266,11 +266,15 @@ TEST_F(CommandDetails, FitsA600LinesScreenWithItsButtons) {
     put("Door", serial(0, 4, "9600,n,8,1"));
     open("Door");
     form->resize(760, 560);
-    runEvents(20);
     EXPECT_LE(form->minimumSizeHint().height(), 560);
+    find<QLabel>(*form, "lblPort")->setText(QString("a device with a long name ").repeated(3));
+    expectTextsFit(*form);
+    const auto* pages = find<QWidget>(*form, "pages");
+    const auto* box = find<QPlainTextEdit>(*form, "txtSerialCommand");
+    EXPECT_TRUE(
+        waitFor([&] { return pages->rect().contains(QRect(box->mapTo(pages, QPoint()), box->size())); }));
     for (const char* name : {"cmdOK", "cmdCancel", "cmdTest"})
         EXPECT_TRUE(form->rect().contains(find<QWidget>(*form, name)->geometry())) << name;
-    expectTextsFit(*form);
 }
 
 TEST_F(CommandDetails, TriesWhatIsTypedAndStoresNothing) {

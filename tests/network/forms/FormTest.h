@@ -33,14 +33,21 @@ inline void clickCell(QTableView& grid, int row, int column) {
     QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(cell).center());
 }
 
-// No text of the form is cut off.
+// The labels whose texts are cut off.
+inline QStringList cutTexts(const QWidget& form) {
+    QStringList cut;
+    for (const QLabel* label : form.findChildren<QLabel*>()) {
+        const int needed =
+            label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+        if (label->isVisible() && !label->text().isEmpty() && label->height() < needed)
+            cut += label->objectName();
+    }
+    return cut;
+}
+// The form is laid out so that no text is cut off.
 inline void expectTextsFit(const QWidget& form) {
-    for (const QLabel* label : form.findChildren<QLabel*>())
-        if (label->isVisible() && !label->text().isEmpty()) {
-            EXPECT_GE(label->height(),
-                      label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height())
-                << label->objectName().toStdString();
-        }
+    EXPECT_TRUE(waitFor([&form] { return cutTexts(form).isEmpty(); }))
+        << cutTexts(form).join(u' ').toStdString();
 }
 
 class FormTest : public testing::Test {

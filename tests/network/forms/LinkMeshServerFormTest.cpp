@@ -145,7 +145,6 @@ TEST_F(ServerForm, ShowsTheRadioClockAndComesForwardWhenItsBatteryIsLow) {
     // The form grows with its texts.
     find<QLabel>(*form, "lblRemoteControlStatus")->setText(QString("a long reason ").repeated(40));
     find<QLabel>(*form, "lblLowBattery")->show();
-    runEvents(50);
     expectTextsFit(*form);
 }
 
