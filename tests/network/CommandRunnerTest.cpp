@@ -117,7 +117,9 @@ TEST_F(Commands, GoToASerialPortAndKeepItAsTheirFlagsSay) {
     firm.Handshaking = 1;
     firm.Text = "firm;";
     save("Firm", firm);
-    save("Four", serial("four", 0, 4));
+    CommandRecord padded = serial("four", 0, 4);
+    padded.Settings += QString(QChar(0)).repeated(4) + "1"; // as a program that pads with zeros writes it
+    save("Four", padded);
 
     EXPECT_TRUE(runner.PerformCommand(" plain ", false));
     EXPECT_TRUE(runner.PerformCommand("Four", false));
@@ -196,7 +198,9 @@ TEST_F(Commands, ConnectSendAndCloseOverTcp) {
     Peer peer;
     const QByteArray much = everyByte.repeated(800);
     save("Much", tcp(peer, much));
-    save("Nothing", tcp(peer, ""));
+    CommandRecord padded = tcp(peer, "");
+    padded.Address += QString(QChar(0)).repeated(4) + "1";
+    save("Nothing", padded);
     EXPECT_TRUE(runner.PerformCommand("Much", false));
     ASSERT_TRUE(waitFor([&] { return peer.ended == 1; }));
     EXPECT_EQ(peer.received, QList<QByteArray>{much});
