@@ -55,12 +55,13 @@ void RemoteCommands::keep(QByteArray bytes) {
         bytes.remove(0, end + 1);
         skipping_ = false;
     }
-    if (buffer_.size() + bytes.size() <= LongestBuffer) {
+    const qsizetype waiting = buffer_.lastIndexOf('\r') + 1;
+    if (waiting == 0 || buffer_.size() + bytes.size() <= LongestBuffer) {
         buffer_ += bytes;
         return;
     }
-    // Only whole commands stay: a part of one would be taken for another.
-    buffer_.truncate(buffer_.lastIndexOf('\r') + 1);
+    // A part of a command would be taken for another one.
+    buffer_.truncate(waiting);
     skipping_ = !bytes.endsWith('\r');
     hasLost_ = true;
 }
