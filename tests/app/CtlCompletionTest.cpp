@@ -46,6 +46,10 @@ TEST_F(CtlCompletion, FollowsTheRowsOfTheCommands) {
     EXPECT_EQ(complete({"settings", "import", "--preview", "C:\\DATA\\N"}),
               List({"C:\\DATA\\NOTES.TXT", ":files"}));
     EXPECT_EQ(complete({"automation", "settings", "li"}), List("list")) << "a file may be left out";
+    EXPECT_EQ(complete({"automation", "settings", "get", ""}), List())
+        << "an item, where there is a database";
+    ASSERT_EQ(run({"commands", "add", "Door", "--serial", "2", "--text", "x"}).status, 0);
+    EXPECT_EQ(complete({"commands", "show", ""}), List("Door"));
     EXPECT_EQ(complete({"commands", "add", ""}), List()) << "a new name";
     EXPECT_EQ(complete({"profile", "get", "--", "--d"}), List(":files"));
     EXPECT_EQ(complete({"nonsense", "x"}), List());
