@@ -64,6 +64,7 @@ TEST_F(CtlCompletion, AsksTheMachine) {
     EXPECT_EQ(complete({"profile", "get", "tolvex.ini", "FileLocations", ""}), List("Data"));
     EXPECT_EQ(complete({"db", "check", "c"}), List({"C:\\DATA\\USERS\\FOUND.MDB", "C:\\", ":files"}));
     EXPECT_EQ(complete({"db", "find", "C:\\DATA\\"}), List({"C:\\DATA\\USERS\\", ":folders"}));
+    EXPECT_EQ(complete({"db", "find", "c"}), List({"C:\\", ":folders"})) << "a folder, no database";
     ASSERT_EQ(run({"db", "create", "C:\\DATA\\LOG.MDB", "--type", "14"}).status, 0);
     EXPECT_EQ(complete({"db", "export", "C:\\DATA\\LOG.MDB", "Desc"}), List("Description"));
     EXPECT_EQ(complete({"db", "export", "C:\\DATA\\NOTES.TXT", ""}), List());
