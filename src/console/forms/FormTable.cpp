@@ -118,10 +118,6 @@ const Row* find(const QString& form) {
 
 } // namespace
 
-bool FormExists(const QString& form) {
-    return find(form) != nullptr;
-}
-
 QDialog* MakeForm(const QString& form, Workstation& station, QWidget* owner) {
     const Row* row = find(form);
     return row ? row->make(station, owner) : nullptr;

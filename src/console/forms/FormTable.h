@@ -1,5 +1,4 @@
-// The forms that the console can open and the routines that it can start, by name. A job whose form has no
-// row here cannot be opened yet, and its button says so.
+// The forms that the console can open and the routines that it can start, by name.
 #pragma once
 
 #include <QString>
@@ -10,8 +9,6 @@ class QWidget;
 namespace tolvex {
 
 struct Workstation;
-
-bool FormExists(const QString& form);
 
 // A new form, not shown; null if there is none of that name.
 QDialog* MakeForm(const QString& form, Workstation& station, QWidget* owner);

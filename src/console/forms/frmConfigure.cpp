@@ -37,10 +37,6 @@ const QString InhibitUserHistory = QStringLiteral("InhibitUserHistory");
 // A "Tolvex.ini" shorter than this means that the machine was never configured.
 constexpr qint64 ShortestConfiguration = 10;
 
-QString notYet(const QString& what) {
-    return what + QStringLiteral(" is not part of this version yet.");
-}
-
 // Menu entries and the buttons that they stand for.
 struct MenuRow {
     const char* action;
@@ -106,11 +102,6 @@ JobTile* frmConfigure::tile(const ConsoleJob& job) const {
     return findChild<JobTile*>(QString::fromLatin1(job.control));
 }
 
-bool frmConfigure::canStart(const ConsoleJob& job) const {
-    const QString name = QString::fromLatin1(job.form);
-    return job.opening == JobOpening::Routine ? FindRoutine(name) != nullptr : FormExists(name);
-}
-
 bool frmConfigure::load(bool firstInstance) {
     ui_->mnuAllowMulti->setChecked(ReadRegistryLong(LocalMachineHive, TolvexKey, MultiConfigFile, 0) != 0);
     ui_->mnuInhibitUserHistory->setChecked(
@@ -161,20 +152,11 @@ void frmConfigure::UpdateEnabledButtons() {
     ui_->mnuFindCart->setToolTip(state.firstCartLocationExists ? QString() : cartsNeeded);
     for (const ConsoleJob& job : ConsoleJobs()) {
         JobTile* button = tile(job);
-        const QString caption = QString::fromLatin1(job.caption).remove(u'&');
-        const bool able = canStart(job);
-        button->setEnabled(able && IsEnabled(job.enabling, state));
-        button->setToolTip(!able                 ? notYet(caption)
-                           : button->isEnabled() ? QString()
+        button->setEnabled(IsEnabled(job.enabling, state));
+        button->setToolTip(button->isEnabled() ? QString()
                            : job.enabling == JobEnabling::FirstCartLocationExists
                                ? cartsNeeded
                                : QStringLiteral("The Data Location (in File Locations) is needed for this."));
-    }
-    for (const MenuRow& row : menuRows) {
-        const ConsoleJob* job = FindConsoleJob(QString::fromLatin1(row.control));
-        auto* action = findChild<QAction*>(QString::fromLatin1(row.action));
-        action->setEnabled(canStart(*job));
-        action->setToolTip(action->isEnabled() ? QString() : tile(*job)->toolTip());
     }
     showGlance();
 }

@@ -45,7 +45,6 @@ protected:
 
 private:
     JobTile* tile(const ConsoleJob& job) const;
-    bool canStart(const ConsoleJob& job) const;
     void startJob(const ConsoleJob& job);
     void openForm(const ConsoleJob& job);
     void runRoutine(ConsoleRoutine routine);

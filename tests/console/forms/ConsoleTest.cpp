@@ -4,7 +4,6 @@
 #include "TestPlaces.h"
 #include "automation/AutomationSchema.h"
 #include "console/ConsoleJobs.h"
-#include "console/forms/FormTable.h"
 #include "console/forms/JobTile.h"
 #include "console/forms/WorkstationPanel.h"
 #include "console/forms/frmConfigure.h"
@@ -144,8 +143,6 @@ TEST(Console, EnablesWhatHasAPlaceToWorkIn) {
     QStringList always;
     QStringList withData;
     for (const ConsoleJob& job : ConsoleJobs()) {
-        if (job.opening != JobOpening::Routine && !FormExists(job.form))
-            continue;
         withData += job.control;
         if (job.enabling == JobEnabling::Always || job.enabling == JobEnabling::FirstCartLocationExists)
             always += job.control;
