@@ -87,8 +87,8 @@ QString ClearedJumpsText(const QList<JumpCartButton>& jumps, qint32 cartsInForce
 // Clamps a number of jump buttons to 1 to MostJumpButtons; a message says so when it is above.
 int TakeJumpButtonCount(qint32 wanted);
 
-// An estimate of how many carts of a size (twips, above 0) fit the primary screen. Halves round to the even number,
-// as every number of the suite does.
+// An estimate of how many carts of a size (twips, above 0) fit the primary screen. Halves round to the even
+// number, as every number of the suite does.
 struct CartGrid {
     qint32 columns = 0;
     qint32 rows = 0;

@@ -1,5 +1,5 @@
-// How carts look on the audiowall, as one record, which CartView paints from. Colours are the suite's (ui/style/
-// Colours.h), system colours included.
+// How carts look on the audiowall, as one record, which CartView paints from. Colours are the suite's
+// (ui/style/ Colours.h), system colours included.
 #pragma once
 
 #include <QString>

@@ -1,6 +1,6 @@
-// The grid of jump buttons: one row for each, with the number of its cart and its description. One entry box moves
-// over the cells: clicking a cell or typing on the grid opens it, Return and Tab store and move on, Escape
-// leaves the cell as it was.
+// The grid of jump buttons: one row for each, with the number of its cart and its description. One entry box
+// moves over the cells: clicking a cell or typing on the grid opens it, Return and Tab store and move on,
+// Escape leaves the cell as it was.
 #pragma once
 
 #include "core/settings/Settings.h"

@@ -1,4 +1,5 @@
-// Shows a level as a bar: the highest peak of the last moments is held, with its decibels and a word beside it.
+// Shows a level as a bar: the highest peak of the last moments is held, with its decibels and a word beside
+// it.
 #pragma once
 
 #include "audio/devices/LevelReader.h"
