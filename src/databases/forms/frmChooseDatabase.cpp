@@ -70,7 +70,7 @@ frmChooseDatabase::frmChooseDatabase(QWidget* parent)
     selection_ = ui_->lViewDetails->selectionModel();
     ui_->lViewDatabases->setSelectionModel(selection_);
     ui_->lViewDatabases->setItemDelegate(new IconLabel(ui_->lViewDatabases));
-    ui_->lViewDatabases->setTextElideMode(Qt::ElideRight);
+    ui_->lViewDatabases->setTextElideMode(Qt::ElideMiddle); // the file name stays
     // The selection covers the whole entry with its icon: selected icons are white.
     const QString marked = QStringLiteral(
         "::item { padding: 4px; border: none; background: transparent; } %1::item:selected { background: "
@@ -200,7 +200,7 @@ void frmChooseDatabase::showView(int mode) {
     icons->setFlow(mode == List ? QListView::TopToBottom : QListView::LeftToRight);
     const int line = fontMetrics().height();
     icons->setIconSize(mode == LargeIcons ? QSize(3 * line, 3 * line) : QSize(line, line));
-    icons->setGridSize(mode == LargeIcons ? QSize(9 * line, 7 * line) : QSize(16 * line, 2 * line));
+    icons->setGridSize(mode == LargeIcons ? QSize(11 * line, 8 * line) : QSize(16 * line, 2 * line));
     icons->setWordWrap(mode == LargeIcons);
     if (selection_->currentIndex().isValid())
         icons->scrollTo(selection_->currentIndex());
