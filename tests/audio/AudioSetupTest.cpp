@@ -120,6 +120,7 @@ TEST_F(AudioSetups, TakeWhatTheListsShowByTheNumberOfPlayers) {
     const Case cases[] = {
         {0, 2, 2, 2, 2, 1, 2, 0, 0, 0, 255, 0, 0},
         {1, 5, 6, 5, 0, 0, 4, 1, 1, 6, 255, 1, 1}, // one player: the order of starting is taken as it is
+        {2, 0, 0, 1, 0, 0, 0, 1, 0, 255, 1, 1, 1},
         {3, -1, 0, 2, 1, -1, 5, 1, 0, 255, 2, 3, 3},
         {4, 3, 4, 2, 3, 1, 0, 4, 4, 3, 255, 2, 1},
         {6, 4, 6, -1, -1, 1, 5, 5, 6, 0, 0, 2, 6},
@@ -260,6 +261,11 @@ TEST_F(AudioSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
     EXPECT_EQ(value("Audiowall", "AllowAudioFileLinking", wallIni), "1");
     EXPECT_EQ(value("CartChunk", "UseCopyrightInCartChunk", wallIni), "1");
     EXPECT_TRUE(settings.AllowAudioFileLinking && settings.UseCopyrightInCartChunk);
+    machine.write(wallIni, "[Audiowall]\r\nAllowAudioFileLinking=0\r\n");
+    setup = LoadAudioSetup(settings);
+    setup.players = 4;
+    ASSERT_TRUE(setup.allowAudioFileLinking && StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(value("Audiowall", "AllowAudioFileLinking", wallIni), "0");
     // Without a location there is no such file.
     settings.CartPartTable[1].Location = " ";
     setup.useCopyright = false;

@@ -190,6 +190,7 @@ TEST_F(AudiowallSetups, AreNotHalfSavedWhereOneFileFails) {
     machine.write(wallIni, "[Other]\r\nKey=1\r\n[Audiowall]\r\nNoCarts=600\r\n");
     const QByteArray wall = machine.read(wallIni);
     settings.LocalIniFile = "D:\\NOWHERE\\X.INI";
+    failToReplace<'A'>(); // Audwall.ini is not even tried
     nothingStored(settings.LocalIniFile, "its folder is not there (error 3)");
     EXPECT_EQ(machine.read(wallIni), wall);
     settings.LocalIniFile = iniPath;

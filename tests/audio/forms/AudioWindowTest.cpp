@@ -6,7 +6,6 @@
 #include "audio/forms/frmChooseAudioFormat.h"
 #include "ui/binding/ColourButton.h"
 
-#include <QAbstractItemView>
 #include <QClipboard>
 #include <QListWidget>
 
@@ -157,7 +156,7 @@ TEST_F(AudioWindow, OpensOverAnyDevicesAndNumbers) {
         open();
         EXPECT_LE(form->width(), form->screen()->availableSize().width());
         EXPECT_EQ(on<QComboBox>("listCartPlayer_1")->count(), count + 1);
-        EXPECT_LE(on<QComboBox>("listCartPlayer_1")->view()->sizeHintForColumn(0), form->width());
+        EXPECT_LE(on<QComboBox>("listCartPlayer_1")->itemText(1).size(), 60);
         EXPECT_EQ(on<QComboBox>("listCartPlayer_1")->currentIndex(), 0);
         EXPECT_EQ(on<QComboBox>("listCartPlayer_3")->currentIndex(), count == 40 ? 40 : 0);
         EXPECT_EQ(on<QComboBox>("listRecordPlayer")->currentIndex(), count - 1);
