@@ -54,7 +54,7 @@ TEST_F(CtlCompletion, FollowsTheRowsOfTheCommands) {
     EXPECT_EQ(complete({"profile", "get", "--", "--d"}), List(":files"));
     EXPECT_EQ(complete({"nonsense", "x"}), List());
     EXPECT_EQ(run({"--complete", "stat"}).out,
-              "status\tTell how this workstation is configured and what is missing\n");
+              "status\tShow how this workstation is configured and what is missing\n");
 }
 
 TEST_F(CtlCompletion, AsksTheMachine) {

@@ -129,7 +129,7 @@ TEST_F(RippingSetupTest, OverwritesNothingThatAnotherWorkstationStoredMeanwhile)
     const SetupOutcome outcome = store();
     EXPECT_EQ(outcome.message,
               "Another workstation has changed these settings in the meantime:\n\nServer of CD titles.\n"
-              "E-mail address that is told to the server.\n\nNothing has been stored yet. What you did not "
+              "E-mail address sent to the server.\n\nNothing has been stored yet. What you did not "
               "change is shown as it is now; click OK again to store the rest.");
     EXPECT_EQ(file(), before);
     EXPECT_EQ(setup.email, "new@b.c");

@@ -98,7 +98,7 @@ TEST_F(TransferSetupTest, OverwritesNothingThatAnotherWorkstationStoredMeanwhile
                   "[OPALTransfers]\r\nDirectory=D:\\NEW\r\nDefault=Night\r\nPromptDeleteAfterSend=1\r\n");
     platform::ForgetProfiles();
     EXPECT_TRUE(
-        store().message.contains("\n\nFolder of the transport lists; empty when transfers are off.\n\n"));
+        store().message.contains("\n\nFolder of the transport lists; empty if transfers are off.\n\n"));
     EXPECT_EQ(value("OPALTransfers", "PromptForDestinationCart", Ini), "<none>");
     EXPECT_EQ(setup.directory, "D:\\NEW");
     EXPECT_TRUE(setup.askDestination);
