@@ -2,6 +2,7 @@
 #include "console/AutoConfiguration.h"
 
 #include "console/Installation.h"
+#include "console/WorkstationGlance.h"
 #include "core/system/Registry.h"
 #include "platform/Machine.h"
 #include "platform/profile/ProfileFile.h"
@@ -103,6 +104,16 @@ TEST_F(AutoConfigurationTest, AMachineThatHasNothingBecomesAWorkstation) {
     EXPECT_EQ(list.left(128), terminal(platform::ComputerName().toLatin1()));
     EXPECT_EQ(list.size(), 32 * 128);
     EXPECT_EQ(station.settings.LinkMeshId, 1);
+    EXPECT_FALSE(LookAtWorkstation(station).facts[2].missing) << "the number of the workstation";
+
+    // While no database is chosen, one of the kind under another name serves as well.
+    ASSERT_TRUE(QFile::rename(machine.host("C:\\TOLVEX\\SYSTEM\\SCHEDULE\\KOVA26.MDB"),
+                              machine.host("C:\\TOLVEX\\SYSTEM\\SCHEDULE\\OWN.MDB")));
+    machine.write(
+        "C:\\WINDOWS\\TOLVEX.INI",
+        machine.read("C:\\WINDOWS\\TOLVEX.INI").replace("DefaultDatabase=KOVA26.MDB", "DefaultDatabase="));
+    start();
+    EXPECT_TRUE(MissingItems(station).isEmpty());
 }
 
 TEST_F(AutoConfigurationTest, ASecondRunKeepsWhatTheFirstOneAndOthersMade) {
