@@ -314,6 +314,9 @@ TEST_F(RemoteControlTest, ManyConnectsInARowLeaveNothingBehind) {
 
 // When the process has no file number left a connection cannot be accepted, and the listener stops by itself.
 TEST_F(RemoteControlTest, ListensAgainAfterRunningOutOfFileNumbers) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer itself needs file numbers";
+#endif
     control.listen();
     const quint16 port = control.port();
     const int waiting = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -327,7 +330,6 @@ TEST_F(RemoteControlTest, ListensAgainAfterRunningOutOfFileNumbers) {
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     struct rlimit none = before;
     none.rlim_cur = static_cast<rlim_t>(next);
-    (void)platform::clock().now(); // the sanitizer opens a pipe when it first meets a class
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
     EXPECT_EQ(::connect(waiting, reinterpret_cast<struct sockaddr*>(&address), sizeof address), 0);
     const bool stopped = waitFor([&] { return !control.isListening(); });

@@ -167,27 +167,28 @@ void RemoteControl::accept(QTcpSocket* socket) {
 }
 
 void RemoteControl::lookUpName() {
-    if (!peer_)
+    if (!peer_ || std::exchange(lookingUp_, true))
         return;
-    // Qt 6.4 leaks the function of a look-up whose receiver goes first, so this one stays.
+    // Qt 6.4 leaks the function of a look-up that is aborted or whose receiver goes first: the receiver
+    // stays, and a look-up that nobody waits for any more runs to its end before the next one begins.
     static auto* const receiver = new QObject;
-    lookUp_ =
-        QHostInfo::lookupHost(address_, receiver, [this, server = QPointer(&server_)](const QHostInfo& host) {
-            if (!server || host.lookupId() != lookUp_)
-                return;
-            lookUp_ = -1;
-            if (!host.hostName().isEmpty())
-                name_ = host.hostName();
-            statusChanged();
-        });
+    QHostInfo::lookupHost(address_, receiver,
+                          [this, server = QPointer(&server_), address = address_](const QHostInfo& host) {
+                              if (!server)
+                                  return;
+                              lookingUp_ = false;
+                              if (address != address_)
+                                  return lookUpName();
+                              if (!host.hostName().isEmpty())
+                                  name_ = host.hostName();
+                              statusChanged();
+                          });
 }
 
 // Drops the peer, and with it what it sent and nobody performed.
 void RemoteControl::dropPeer(const QString& why) {
     if (!peer_)
         return;
-    if (lookUp_ >= 0)
-        QHostInfo::abortHostLookup(std::exchange(lookUp_, -1));
     peer_.reset();
     commands_.clear();
     tell(ServerEvent(ServerEvent::Kind::Closed, why));

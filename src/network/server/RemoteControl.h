@@ -80,9 +80,9 @@ private:
     std::unique_ptr<QTcpSocket, Release> peer_;
     RemoteCommands commands_;
     QString listenError_;
-    QString address_; // of the peer
-    QString name_;    // of its host; the address until the name is known
-    int lookUp_ = -1; // of the name, while it is under way
+    QString address_;        // of the peer
+    QString name_;           // of its host; the address until the name is known
+    bool lookingUp_ = false; // a look-up of a name is under way
     // What this peer was warned of already.
     bool losesBytes_ = false;    // an arrival is longer than what is read of it
     bool losesCommands_ = false; // no room is left for the commands that wait
