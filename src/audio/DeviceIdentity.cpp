@@ -92,8 +92,10 @@ int storedOf(const Settings& settings, int player) {
     return settings.CartPlayerTable[player].Device;
 }
 
-// Empty where no device has the number.
+// Empty where no device has the number. -1 is the system's own choice.
 QString nameOf(const QList<WaveDevice>& devices, int number) {
+    if (number < 0)
+        return platform::WaveMapperName();
     return number < devices.size() ? devices[number].name : QString();
 }
 
@@ -112,13 +114,24 @@ int numberNow(const Remembered& one) {
     return -1;
 }
 
+// Whether a number that has no device any more may have become that of another use of it: the window shows
+// the last recording device instead, and for a player the system's own choice, and OK stores what is shown. A
+// user who wants that chooses it, which is known (`DeviceUses`).
+bool isPulledDown(const Settings& settings, const Remembered& one) {
+    if (one.player == 0)
+        return one.stored > devicesFor(0).size() && storedOf(settings, 0) == devicesFor(0).size();
+    return one.player <= settings.TotalNumberCartPlayers && !settings.AutomaticPlayerAssignment &&
+           settings.CartPlayerTable[one.player].Device == 0;
+}
+
 // Whether the number of a use in the settings means another device than it did.
 bool hasMoved(const Settings& settings, const Remembered& one) {
     const QList<WaveDevice>& devices = devicesFor(one.player);
     const int stored = storedOf(settings, one.player);
-    const bool pulledDown = one.player == 0 && one.stored > devices.size() && stored == devices.size();
-    if (one.stored < 1 || (one.stored != stored && !pulledDown))
+    if (one.stored < 1)
         return false;
+    if (one.stored != stored)
+        return isPulledDown(settings, one);
     return one.stored > devices.size() || !isSame(devices[one.stored - 1], one);
 }
 
@@ -155,8 +168,10 @@ QString MovedDevice::text() const {
         player ? QStringLiteral("Player %1").arg(player) : QStringLiteral("The recording device");
     const QString where =
         now < 0 ? QStringLiteral("not there now") : QStringLiteral("now number %1").arg(now);
-    const QString instead = other.isEmpty() ? QStringLiteral("no device has number %1 now").arg(number)
-                                            : QStringLiteral("number %1 is now '%2'").arg(number).arg(other);
+    const QString instead = number < 0 ? QStringLiteral("it has '%1' now").arg(other)
+                            : other.isEmpty()
+                                ? QStringLiteral("no device has number %1 now").arg(number)
+                                : QStringLiteral("number %1 is now '%2'").arg(number).arg(other);
     return QStringLiteral("%1 was '%2', which is %3; %4").arg(use, name, where, instead);
 }
 

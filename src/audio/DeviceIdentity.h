@@ -20,7 +20,7 @@ struct MovedDevice {
     int player = 0; // 0: the recording device
     QString name;   // of the device that was meant
     int now = -1;   // its number today; -1: it is not there
-    int number = 0; // the one that is in force
+    int number = 0; // the one that is in force; -1: the system's own choice
     QString other;  // the device that has this number today; empty: none has it
 
     // "Player 2 was 'X', which is now number 4; number 1 is now 'Y'".
@@ -37,7 +37,8 @@ using DeviceUses = std::bitset<CartPlayerCount + 1>;
 QString RememberDevices(const Settings& settings, DeviceUses chosen = {});
 
 // Those of the settings' devices that are not what was remembered. A number that was changed since then
-// counts as meant, except that of a recording device that is gone: loading lowers it to the last one.
+// counts as meant, with two exceptions, because the window cannot show a device that is gone: a recording
+// device becomes the last one, and that of a player the system's own choice.
 QList<MovedDevice> FindMovedDevices(const Settings& settings);
 QStringList MovedDeviceTexts(const Settings& settings);
 

@@ -106,6 +106,29 @@ TEST_F(DeviceIdentities, OfARecordingDeviceThatIsGoneAreToldUnderTheNumberThatLo
     EXPECT_EQ(texts(), QStringList());
 }
 
+TEST_F(DeviceIdentities, OfAPlayersDeviceThatIsGoneAreToldAndRepairedAfterAnOkThatShowedAnother) {
+    plug({{"One", "1", ""}, {"Two", "2", ""}, {"Three", "3", ""}}, {{"Line", "l", ""}});
+    settings.CartPlayerTable[2].Device = 3;
+    RememberDevices(settings);
+    plug({{"Three", "3", ""}, {"One", "1", ""}}, {{"Line", "l", ""}});
+    settings.CartPlayerTable[1].Device = 2;
+    settings.CartPlayerTable[2].Device = 0; // as OK stores it
+    RememberDevices(settings);
+    const QStringList told("Player 2 was 'Three', which is now number 0; it has '" + WaveMapperName() +
+                           "' now");
+    EXPECT_EQ(texts(), told);
+    // It does not end when the numbers mean the same again.
+    plug({{"One", "1", ""}, {"Two", "2", ""}, {"Three", "3", ""}}, {{"Line", "l", ""}});
+    RememberDevices(settings);
+    EXPECT_TRUE(texts().join(u'|').contains("Player 2 was 'Three', which is now number 2;"));
+    ASSERT_TRUE(RepairDevices(settings).stored());
+    EXPECT_EQ(settings.CartPlayerTable[2].Device, 3);
+    EXPECT_EQ(texts(), QStringList());
+    settings.CartPlayerTable[2].Device = 0;
+    RememberDevices(settings, 1 << 2); // the user has chosen it
+    EXPECT_EQ(texts(), QStringList());
+}
+
 TEST_F(DeviceIdentities, PassOverAFileThatIsDamaged) {
     QFile file(machine.path() + "/audiodevices.txt");
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
