@@ -220,9 +220,7 @@ SetupOutcome writeFiles(const AudioSetup& setup, Settings& next, Settings& setti
     return {};
 }
 
-} // namespace
-
-AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
+AudioSetup fill(const Settings& settings, bool zqs) {
     AudioSetup setup;
     setup.zqs = zqs;
     for (const FlagRow& row : flags)
@@ -248,10 +246,64 @@ AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
     return setup;
 }
 
-SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings) {
-    if (SetupOutcome refused = check(setup); !refused.stored())
+// The record with the newer values of the settings, where the user left it as it was loaded.
+AudioSetup withNewer(const AudioSetup& setup, const Settings& settings) {
+    const AudioSetup& loaded = *setup.loaded;
+    const AudioSetup newer = fill(settings, setup.zqs);
+    AudioSetup held = setup;
+    const auto follow = [&](auto... members) { Follow(held, loaded, newer, members...); };
+    for (const FlagRow& row : flags)
+        follow(row.held);
+    follow(&AudioSetup::players);
+    follow(&AudioSetup::fadePercent);
+    follow(&AudioSetup::editorPriority);
+    follow(&AudioSetup::format, &AudioSetup::channels, &AudioSetup::rate);
+    for (const NumberRow& row : volumes)
+        follow(row.held);
+    for (const NumberRow& row : zqsVolumes)
+        follow(row.held);
+    for (const ListRow& row : lists)
+        if (row.index != &AudioSetup::recordInto || !setup.chosen[0])
+            follow(row.index);
+    follow(&AudioSetup::audioEditor);
+    follow(&AudioSetup::lockPlayer, &AudioSetup::lockedPlayer);
+    for (int n = 1; n <= CartPlayerCount; ++n) {
+        const auto followPlayer = [&](auto member) {
+            Follow(held.player[n], loaded.player[n], newer.player[n], member);
+        };
+        if (!setup.chosen[size_t(n)])
+            followPlayer(&AudioSetup::Player::device);
+        followPlayer(&AudioSetup::Player::backColor);
+        followPlayer(&AudioSetup::Player::foreColor);
+    }
+    // "As many as there are devices" is not a number that OK can store.
+    if (held.players < 0)
+        held.players = setup.players;
+    return held;
+}
+
+} // namespace
+
+AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
+    AudioSetup setup = fill(settings, zqs);
+    setup.loaded = std::make_shared<const AudioSetup>(setup);
+    setup.localKeys = LocalKeys(settings);
+    return setup;
+}
+
+SetupOutcome StoreAudioSetup(const AudioSetup& shown, Settings& settings) {
+    if (SetupOutcome refused = check(shown); !refused.stored())
         return refused;
     Settings next = settings;
+    AudioSetup setup = shown;
+    if (shown.localKeys.takeNewer(next) > 0) {
+        setup = withNewer(shown, next);
+        if (SetupOutcome refused = check(setup); !refused.stored()) {
+            refused.message += QStringLiteral("\n\nAnother program has stored settings in the meantime. "
+                                              "Nothing was stored; open this window again to see them.");
+            return refused;
+        }
+    }
     {
         const platform::PointerKeeper pointer(platform::Pointer::Wait);
         for (const NumberRow& row : numbers)

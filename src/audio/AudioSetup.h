@@ -4,8 +4,11 @@
 #pragma once
 
 #include "audio/DeviceIdentity.h"
+#include "audio/LocalKeys.h"
 #include "audio/SetupOutcome.h"
 #include "core/settings/Settings.h"
+
+#include <memory>
 
 namespace tolvex {
 
@@ -64,6 +67,10 @@ struct AudioSetup {
     int debugMode = 0;
     bool useLegacyCopyMode = false;
     bool useCopyright = false;
+
+    // The record as it was filled, and what the local ini file held then.
+    std::shared_ptr<const AudioSetup> loaded;
+    LocalKeys localKeys;
 };
 
 // The highest AudioEditorPriority that the window offers; a higher stored value is kept.
@@ -73,11 +80,11 @@ inline constexpr int HighestEditorPriority = 20;
 AudioSetup LoadAudioSetup(const Settings& settings, bool zqs = false);
 
 // The OK: checks the record, takes it into the settings, and writes them to the local ini file and, where the
-// first part of the audiowall has a location, two keys to its Audwall.ini. There the keys that the user did
-// not change stay as the file has them now (AudiowallKeys.h). Warnings and notices go through the prompts. A
-// refused record, or a file that is known before to take no change, changes nothing; a message about a write
-// that failed says what was stored.
-SetupOutcome StoreAudioSetup(const AudioSetup& setup, Settings& settings);
+// first part of the audiowall has a location, two keys to its Audwall.ini. In both, keys that the user did
+// not change stay as the file has them now (LocalKeys.h, AudiowallKeys.h). Warnings and notices go through
+// the prompts. A refused record, or a file that is known before to take no change, changes nothing; a message
+// about a write that failed says what was stored.
+SetupOutcome StoreAudioSetup(const AudioSetup& shown, Settings& settings);
 
 // The warning for more players than suitable outputs; empty when there are enough.
 QString TooFewOutputsText(int players);

@@ -184,9 +184,8 @@ SetupOutcome writeFiles(const AudiowallSetup& setup, Settings& next) {
     return {};
 }
 
-} // namespace
-
-AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
+// What lies in the local ini file.
+AudiowallSetup fill(const Settings& settings) {
     AudiowallSetup setup;
     for (const FlagRow& row : flags)
         setup.*row.held = settings.*row.setting != 0;
@@ -212,6 +211,62 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     setup.cartWidth = std::max(settings.CartMinimumWidth, LowestCartWidth);
     for (const JumpCartButton& jump : settings.JumpCartButtons)
         setup.jumps += jump.Cart > 0 ? jump : JumpCartButton{};
+    return setup;
+}
+
+// Jump buttons one by one: those that the user left as they were follow, also in their number.
+void followJumps(QList<JumpCartButton>& held, const QList<JumpCartButton>& loaded,
+                 const QList<JumpCartButton>& newer) {
+    const bool sameNumber = held.size() == loaded.size();
+    const auto same = [](const JumpCartButton& a, const JumpCartButton& b) {
+        return a.Cart == b.Cart && a.Description == b.Description;
+    };
+    for (qsizetype i = 0; i < std::min(held.size(), loaded.size()); ++i)
+        if (same(held[i], loaded[i]))
+            held[i] = i < newer.size() ? newer[i] : JumpCartButton{};
+    if (sameNumber && newer.size() > held.size())
+        held += newer.mid(held.size());
+    while (sameNumber && held.size() > newer.size() && same(held.last(), {}))
+        held.removeLast();
+}
+
+// The record with the newer values of the settings, where the user left it as it was loaded.
+AudiowallSetup withNewer(const AudiowallSetup& setup, const Settings& settings) {
+    using A = AudiowallSetup;
+    using L = CartLooks;
+    const A& loaded = *setup.loaded;
+    const A newer = fill(settings);
+    A held = setup;
+    const auto follow = [&](auto... members) { Follow(held, loaded, newer, members...); };
+    const auto followLook = [&](auto... members) {
+        Follow(held.looks, loaded.looks, newer.looks, members...);
+    };
+    for (const FlagRow& row : flags)
+        follow(row.held);
+    follow(&A::showInstantCarts, &A::instantCarts);
+    follow(&A::autoUpdate, &A::updateInterval);
+    follow(&A::useLevelTrigger, &A::triggerLevel);
+    follow(&A::highlight, &A::highlightByTimes, &A::highlightSeconds, &A::highlightTimes);
+    follow(&A::fadeSeconds);
+    follow(&A::cartHeight);
+    follow(&A::cartWidth);
+    followJumps(held.jumps, loaded.jumps, newer.jumps);
+    followLook(&L::fontName, &L::fontSize, &L::fontBold);
+    followLook(&L::timesBar, &L::timesBarText);
+    followLook(&L::selectedPushedIn);
+    followLook(&L::bevel);
+    for (bool L::*look : {&L::timesBarInColour, &L::audioAsSquare, &L::showCompressed, &L::timeInHours})
+        followLook(look);
+    for (qint32 L::*colour : {&L::selectedBack, &L::selectedText, &L::playedRecently, &L::number,
+                              &L::emptyNumber, &L::emptyBack, &L::emptyFore})
+        followLook(colour);
+    return held;
+}
+
+} // namespace
+
+AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
+    AudiowallSetup setup = fill(settings);
     setup.numberCarts = settings.NoCarts;
     QString extension = settings.PictureFileExtension;
     if (hasLocation(settings)) {
@@ -225,19 +280,28 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     setup.pictureType = pictureTypeOf(extension).value_or(0);
     setup.loadedNumberCarts = setup.numberCarts;
     setup.loadedPictureType = setup.pictureType;
+    setup.loaded = std::make_shared<const AudiowallSetup>(setup);
+    setup.localKeys = LocalKeys(settings);
     return setup;
 }
 
-SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings) {
-    if (SetupOutcome refused = checkFade(setup); !refused.stored())
+SetupOutcome StoreAudiowallSetup(const AudiowallSetup& shown, Settings& settings) {
+    if (SetupOutcome refused = checkFade(shown); !refused.stored())
         return refused;
     Settings next = settings;
-    if (SetupOutcome refused = takeHighlight(setup, next); !refused.stored()) {
+    if (SetupOutcome refused = takeHighlight(shown, next); !refused.stored()) {
         settings.HighlightPlayedCarts = next.HighlightPlayedCarts;
         return refused;
     }
-    if (SetupOutcome refused = checkStorable(setup); !refused.stored())
+    if (SetupOutcome refused = checkStorable(shown); !refused.stored())
         return refused;
+    AudiowallSetup setup = shown;
+    Settings newer = settings;
+    if (shown.localKeys.takeNewer(newer) > 0) {
+        setup = withNewer(shown, newer);
+        next = newer;
+        takeHighlight(setup, next); // what another program has stored is not refused
+    }
 
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
     next.LevelTrigger = qint16(valueWhen(setup.useLevelTrigger, setup.triggerLevel));

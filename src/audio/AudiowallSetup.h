@@ -4,8 +4,11 @@
 #pragma once
 
 #include "audio/CartLooks.h"
+#include "audio/LocalKeys.h"
 #include "audio/SetupOutcome.h"
 #include "core/settings/Settings.h"
+
+#include <memory>
 
 namespace tolvex {
 
@@ -55,6 +58,10 @@ struct AudiowallSetup {
     int pictureType = 0; // of PictureTypes
     qint32 loadedNumberCarts = 0;
     int loadedPictureType = 0;
+
+    // The record as it was filled, and what the local ini file held then.
+    std::shared_ptr<const AudiowallSetup> loaded;
+    LocalKeys localKeys;
 };
 
 struct PictureType {
@@ -70,11 +77,11 @@ inline constexpr PictureType PictureTypes[] = {
 AudiowallSetup LoadAudiowallSetup(const Settings& settings);
 
 // The OK: checks the record, takes it into the settings, and writes them to Audwall.ini, where the first part
-// of the audiowall has a location, and to the local ini file. Number of carts and type of pictures stay as
-// Audwall.ini has them now unless they differ from what was loaded. Notices go through the prompts. A record
+// of the audiowall has a location, and to the local ini file. In both, keys that the user did not change stay
+// as the file has them now (LocalKeys.h, AudiowallKeys.h). Notices go through the prompts. A record
 // that is refused and a file that cannot be written leave settings and files as they are, but for
 // HighlightPlayedCarts, which a refused highlight time leaves at 1.
-SetupOutcome StoreAudiowallSetup(const AudiowallSetup& setup, Settings& settings);
+SetupOutcome StoreAudiowallSetup(const AudiowallSetup& shown, Settings& settings);
 
 // The number of carts in force, by which OK clears jump buttons: that of Audwall.ini as it is now, else that
 // of the settings.

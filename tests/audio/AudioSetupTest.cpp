@@ -273,6 +273,53 @@ TEST_F(AudioSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
     EXPECT_EQ(value("CartChunk", "UseCopyrightInCartChunk", wallIni), "1");
 }
 
+TEST_F(AudioSetups, LeaveWhatAnotherProgramHasStoredSinceTheyWereLoaded) {
+    setup = LoadAudioSetup(settings);
+    Settings their = settings;
+    their.DuckAudioVolume = 33;
+    AudioSetup theirs = LoadAudioSetup(their);
+    theirs.players = 2;
+    theirs.automatic = false;
+    theirs.player[1].device = 3;
+    theirs.player[2].device = 4;
+    theirs.format = 6;
+    theirs.channels = 1;
+    theirs.rate = 8000;
+    ASSERT_TRUE(StoreAudioSetup(theirs, their).stored());
+    setup.generalVolume = 90;
+    setup.player[2].device = 0;
+    setup.chosen.set(2); // the entry that was shown before
+    ASSERT_TRUE(StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(value("CartPlayers", "TotalNumberCartPlayers"), "2");
+    EXPECT_EQ(value("CartPlayers", "SoundCardNumber1"), "3");
+    EXPECT_EQ(value("CartPlayers", "SoundCardNumber2"), "0");
+    EXPECT_EQ(value("Audio", "Format"), "6");
+    EXPECT_EQ(value("Audio", "GeneralVolume"), "90");
+    EXPECT_EQ(settings.KHz, 8000);
+    // The parts of a format stay together.
+    theirs = LoadAudioSetup(their = loaded());
+    theirs.rate = 11025;
+    setup = LoadAudioSetup(settings);
+    setup.format = 49;
+    theirs.maintainLegacy = false;
+    theirs.individualCartFiles = true;
+    ASSERT_TRUE(StoreAudioSetup(theirs, their).stored());
+    ASSERT_TRUE(StoreAudioSetup(setup, settings).stored());
+    EXPECT_EQ(std::tie(settings.Format, settings.KHz), std::make_tuple(49, 8000));
+    EXPECT_EQ(value("Audio", "MaintainLegacyCartList"), "0");
+    // Each alone is right, both together would be refused.
+    theirs = LoadAudioSetup(their = loaded());
+    theirs.maintainLegacy = true;
+    ASSERT_TRUE(StoreAudioSetup(theirs, their).stored());
+    settings = loaded();
+    setup = LoadAudioSetup(settings);
+    setup.maintainLegacy = false;
+    theirs.individualCartFiles = false;
+    ASSERT_TRUE(StoreAudioSetup(theirs, their).stored());
+    EXPECT_TRUE(StoreAudioSetup(setup, settings).message.contains("Another program has stored settings"));
+    EXPECT_EQ(value("Audio", "MaintainLegacyCartList"), "1");
+}
+
 TEST_F(AudioSetups, AreStoredTheSameAgainAfterALoad) {
     for (const int players : {0, 1, 6})
         for (const int last : {-1, 2, 5}) {

@@ -223,6 +223,43 @@ TEST_F(AudiowallSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
     EXPECT_EQ(value("Audiowall", "PictureFileExtension", wallIni), "JPG");
 }
 
+TEST_F(AudiowallSetups, LeaveWhatAnotherProgramHasStoredSinceTheyWereLoaded) {
+    settings.JumpCartButtons = {{1, "one"}, {2, "two"}, {3, "three"}};
+    ASSERT_TRUE(StoreAudiowallSetup(LoadAudiowallSetup(settings), settings).stored());
+    settings = all();
+    setup = LoadAudiowallSetup(settings);
+    Settings their = all();
+    their.GeneralVolume = 77;
+    their.TotalNumberCartPlayers = 2;
+    AudiowallSetup theirs = LoadAudiowallSetup(their);
+    theirs.jumps[1] = {22, "theirs"};
+    theirs.jumps += {4, "four"};
+    theirs.looks.fontName = "Their Font";
+    theirs.highlight = true;
+    theirs.highlightSeconds = 30;
+    ASSERT_TRUE(StoreAudiowallSetup(theirs, their).stored());
+    setup.jumps[0] = {11, "ours"};
+    setup.looks.bevel = 7;
+    ASSERT_TRUE(StoreAudiowallSetup(setup, settings).stored());
+    const Settings now = all();
+    EXPECT_EQ(std::tie(now.GeneralVolume, now.TotalNumberCartPlayers, now.HighlightPLayedCartsInterval,
+                       now.CartBevelWidth),
+              std::make_tuple(77, 2, 30, 7));
+    EXPECT_EQ(now.CartFontName, "Their Font");
+    QStringList jumps;
+    for (const JumpCartButton& jump : now.JumpCartButtons)
+        jumps += QString::number(jump.Cart) + jump.Description;
+    EXPECT_EQ(jumps, QStringList({"11ours", "22theirs", "3three", "4four"}));
+    EXPECT_EQ(settings.GeneralVolume, 77); // the end of the program stores the same
+    // Fewer buttons.
+    theirs = LoadAudiowallSetup(their = all());
+    theirs.jumps.resize(2);
+    setup = LoadAudiowallSetup(settings);
+    ASSERT_TRUE(StoreAudiowallSetup(theirs, their).stored());
+    ASSERT_TRUE(StoreAudiowallSetup(setup, settings).stored());
+    EXPECT_EQ(settings.NumberCartJumpButtons, 2);
+}
+
 TEST(JumpButtons, ThatOkClearsAreNamed) {
     QList<JumpCartButton> jumps = {{501, "a"}, {}, {500, "b"}};
     EXPECT_EQ(ClearedJumpsText(jumps, 501), "");

@@ -45,6 +45,7 @@ const Row rows[] = {
      }},
     {"frmAudioSetup",
      [](Workstation& station, QWidget* owner) -> QDialog* {
+         LoadLocalSettings(station);
          return new frmAudioSetup(station.settings, owner);
      }},
     {"frmAudioWallSetup",

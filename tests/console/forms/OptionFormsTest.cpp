@@ -1,6 +1,7 @@
 // File locations, display options, date and time: what the forms show, accept and write.
 #include "console/forms/Station.h"
 
+#include "console/forms/FormTable.h"
 #include "console/forms/frmDateTimeSetup.h"
 #include "console/forms/frmDisplayOptions.h"
 #include "console/forms/frmFileLocations.h"
@@ -28,6 +29,18 @@ void type(QWidget& form, const char* name, const QString& text) {
 }
 
 } // namespace
+
+// The shell may have stored settings while the console was open.
+TEST(SoundWindows, OpenOnWhatTheFileHoldsNow) {
+    Station station(configuredIni());
+    station.settings.GeneralVolume = 12;
+    station.settings.CartBevelWidth = 9;
+    const std::unique_ptr<QDialog> audio(MakeForm("frmAudioSetup", station.workstation, nullptr));
+    EXPECT_EQ(find<QLineEdit>(*audio, "txtGeneralVolume")->text(), "100");
+    const std::unique_ptr<QDialog> wall(MakeForm("frmAudioWallSetup", station.workstation, nullptr));
+    EXPECT_EQ(find<QComboBox>(*wall, "comboBevelWidth")->currentIndex(), station.settings.CartBevelWidth);
+    EXPECT_NE(station.settings.CartBevelWidth, 9);
+}
 
 TEST(FileLocations, StoresTidyPathsAndMakesTheFolders) {
     Station station("[FileLocations]\r\n; kept\r\nData=C:\\OLD\r\nOther=1\r\n");
