@@ -4,7 +4,6 @@
 #include "audio/DeviceIdentity.h"
 #include "audio/WaveSearch.h"
 #include "core/report/ProblemReport.h"
-#include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingCheck.h"
 #include "core/settings/SettingText.h"
 #include "core/settings/StoredSettings.h"
@@ -175,7 +174,7 @@ int writeZqsVolumes(const Settings& settings) {
 }
 
 AudiowallKeys keysOf(const AudioSetup& setup, const Settings& before) {
-    AudiowallKeys keys(before);
+    AudiowallKeys keys(before, setup.wallFileExisted);
     const auto set = [&](const SettingRow& row, bool held, qint16 loaded) {
         keys.set(row, QString::number(held ? 1 : 0), held != (loaded != 0),
                  [](const QString&) { return true; });
@@ -192,9 +191,9 @@ SetupOutcome writeFiles(const AudioSetup& setup, Settings& next, Settings& setti
     if (!next.CartPartTable[1].Location.trimmed().isEmpty())
         keys = keysOf(setup, settings);
     if (const int error = keys && keys->changed() ? keys->check() : 0)
-        return NothingStored(error, keys->file());
+        return {keys->errorText(error) + QStringLiteral("; nothing was stored."), {}, error};
     const QString local = platform::ProfilePath(next.LocalIniFile);
-    if (const int error = SaveLocalSettings(next, next.LocalIniFile))
+    if (const int error = SaveLocalFile(next))
         return NothingStored(error, local);
     const int volumesError = setup.zqs ? writeZqsVolumes(next) : 0;
     const int wallError = keys && !volumesError ? keys->write(next) : 0;
@@ -211,13 +210,13 @@ SetupOutcome writeFiles(const AudioSetup& setup, Settings& next, Settings& setti
                 {},
                 volumesError};
     if (wallError && keys->changed())
-        return {ProfileErrorText(wallError, keys->file()) +
+        return {keys->errorText(wallError) +
                     QStringLiteral("; the settings of this workstation were stored."),
                 {},
                 wallError};
     if (wallError)
-        SayWallNotWritten(wallError, keys->file());
-    return {};
+        keys->sayNotWritten(wallError);
+    return {{}, {}, wallError};
 }
 
 AudioSetup fill(const Settings& settings, bool zqs) {
@@ -288,6 +287,7 @@ AudioSetup LoadAudioSetup(const Settings& settings, bool zqs) {
     AudioSetup setup = fill(settings, zqs);
     setup.loaded = std::make_shared<const AudioSetup>(setup);
     setup.localKeys = LocalKeys(settings);
+    setup.wallFileExisted = AudiowallFileExists(settings);
     return setup;
 }
 
@@ -304,6 +304,7 @@ SetupOutcome StoreAudioSetup(const AudioSetup& shown, Settings& settings) {
             return refused;
         }
     }
+    SetupOutcome outcome;
     {
         const platform::PointerKeeper pointer(platform::Pointer::Wait);
         for (const NumberRow& row : numbers)
@@ -322,15 +323,16 @@ SetupOutcome StoreAudioSetup(const AudioSetup& shown, Settings& settings) {
             next.*row.setting = flagOf(setup.*row.held);
         next.WLDebugMode = setup.debugMode;
 
-        if (SetupOutcome failed = writeFiles(setup, next, settings); !failed.stored())
-            return failed;
+        outcome = writeFiles(setup, next, settings);
+        if (!outcome.stored())
+            return outcome;
     }
     if (setup.zqs)
         platform::prompts().ask(
             {.text = QStringLiteral("You will have to restart %1 for these changes to take effect")
                          .arg(QLatin1String(ProductName)),
              .icon = platform::Icon::Information});
-    return {};
+    return outcome;
 }
 
 QString TooFewOutputsText(int players) {

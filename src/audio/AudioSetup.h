@@ -68,9 +68,10 @@ struct AudioSetup {
     bool useLegacyCopyMode = false;
     bool useCopyright = false;
 
-    // The record as it was filled, and what the local ini file held then.
+    // The record as it was filled, what the local ini file held then, and whether there was an Audwall.ini.
     std::shared_ptr<const AudioSetup> loaded;
     LocalKeys localKeys;
+    bool wallFileExisted = false;
 };
 
 // The highest AudioEditorPriority that the window offers; a higher stored value is kept.

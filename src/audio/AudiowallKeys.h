@@ -14,10 +14,14 @@ namespace tolvex {
 
 struct Settings;
 
+// Whether the settings lead to an Audwall.ini that is there.
+bool AudiowallFileExists(const Settings& settings);
+
 class AudiowallKeys {
 public:
-    // Of the Audwall.ini that the settings lead to.
-    explicit AudiowallKeys(const Settings& settings);
+    // Of the Audwall.ini that the settings lead to. One that was there when the window was filled and is gone
+    // now is not made anew with two keys: that is an error (ProfileFileNotFound).
+    AudiowallKeys(const Settings& settings, bool wasThere);
 
     // A key and the text that the window holds for it. A key that the user did not change keeps the text that
     // the file has now, as long as `fits` says that the window can show it; otherwise it is written.
@@ -34,6 +38,12 @@ public:
     // Gives the file the texts that it had before write(). ProfileError.
     int putBack();
 
+    // What such an error means: "FILE was not changed: ... (error 5)".
+    QString errorText(int profileError) const;
+    // Says through the prompts that the file was not written, though the user changed nothing that it holds,
+    // and that everything else was.
+    void sayNotWritten(int profileError) const;
+
     const QString& file() const { return file_; }
 
 private:
@@ -44,8 +54,10 @@ private:
         bool isWritten;
     };
     bool needsWriting() const;
+    int commit() const;
 
     QString file_;
+    bool isGone_;
     QList<Key> keys_;
     bool changed_ = false;
 };

@@ -3,7 +3,6 @@
 #include "audio/AudiowallKeys.h"
 #include "audio/LoadAudioSettings.h"
 #include "core/report/ProblemReport.h"
-#include "core/settings/SaveLocalSettings.h"
 #include "core/settings/SettingCheck.h"
 #include "core/settings/SettingText.h"
 #include "core/settings/SettingsLoader.h"
@@ -145,7 +144,7 @@ std::optional<int> pictureTypeOf(const QString& extension) {
 }
 
 AudiowallKeys keysOf(const AudiowallSetup& setup, const Settings& settings) {
-    AudiowallKeys keys(settings);
+    AudiowallKeys keys(settings, setup.wallFileExisted);
     keys.set(RowOf<&Settings::NoCarts>(), QString::number(std::clamp(setup.numberCarts, 1, MostCarts)),
              setup.numberCarts != setup.loadedNumberCarts, [](const QString& stored) {
                  const qint32 carts = platform::LeadingInteger(stored);
@@ -169,9 +168,9 @@ SetupOutcome writeFiles(const AudiowallSetup& setup, Settings& next) {
         keys = keysOf(setup, next);
         wallError = keys->write(next);
         if (wallError && keys->changed())
-            return NothingStored(wallError, keys->file());
+            return {keys->errorText(wallError) + QStringLiteral("; nothing was stored."), {}, wallError};
     }
-    if (const int error = SaveLocalSettings(next, next.LocalIniFile)) {
+    if (const int error = SaveLocalFile(next)) {
         if (!keys || wallError || keys->putBack() == platform::ProfileOk)
             return NothingStored(error, local);
         return {QStringLiteral("%1; the number of carts and the type of pictures were stored in %2.")
@@ -180,8 +179,8 @@ SetupOutcome writeFiles(const AudiowallSetup& setup, Settings& next) {
                 error};
     }
     if (wallError)
-        SayWallNotWritten(wallError, keys->file());
-    return {};
+        keys->sayNotWritten(wallError);
+    return {{}, {}, wallError};
 }
 
 // What lies in the local ini file.
@@ -282,6 +281,7 @@ AudiowallSetup LoadAudiowallSetup(const Settings& settings) {
     setup.loadedPictureType = setup.pictureType;
     setup.loaded = std::make_shared<const AudiowallSetup>(setup);
     setup.localKeys = LocalKeys(settings);
+    setup.wallFileExisted = AudiowallFileExists(settings);
     return setup;
 }
 
@@ -328,10 +328,10 @@ SetupOutcome StoreAudiowallSetup(const AudiowallSetup& shown, Settings& settings
                                 .arg(MostCarts));
         next.NoCarts = std::clamp(setup.numberCarts, 1, MostCarts);
     }
-    if (SetupOutcome failed = writeFiles(setup, next); !failed.stored())
-        return failed;
-    settings = next;
-    return {};
+    const SetupOutcome outcome = writeFiles(setup, next);
+    if (outcome.stored())
+        settings = next;
+    return outcome;
 }
 
 qint32 CartsInForce(const Settings& settings) {

@@ -59,9 +59,10 @@ struct AudiowallSetup {
     qint32 loadedNumberCarts = 0;
     int loadedPictureType = 0;
 
-    // The record as it was filled, and what the local ini file held then.
+    // The record as it was filled, what the local ini file held then, and whether there was an Audwall.ini.
     std::shared_ptr<const AudiowallSetup> loaded;
     LocalKeys localKeys;
+    bool wallFileExisted = false;
 };
 
 struct PictureType {

@@ -1,7 +1,6 @@
 #include "audio/DeviceIdentity.h"
 
 #include "core/report/ProblemReport.h"
-#include "core/settings/SaveLocalSettings.h"
 #include "core/settings/Settings.h"
 #include "core/settings/StoredSettings.h"
 #include "platform/devices/WaveDevices.h"
@@ -223,7 +222,7 @@ SetupOutcome RepairDevices(Settings& settings) {
     }
     if (!changed)
         return {};
-    if (const int error = SaveLocalSettings(next, next.LocalIniFile))
+    if (const int error = SaveLocalFile(next))
         return NothingStored(error, platform::ProfilePath(next.LocalIniFile));
     settings = next;
     if (const QString fault = RememberDevices(settings); !fault.isEmpty())

@@ -1,6 +1,6 @@
 #include "audio/SetupOutcome.h"
 
-#include "core/report/ProblemReport.h"
+#include "core/settings/SaveLocalSettings.h"
 #include "core/settings/Settings.h"
 #include "core/settings/StoredSettings.h"
 #include "platform/profile/ProfileCheck.h"
@@ -12,13 +12,15 @@ int CheckLocalFile(const Settings& settings) {
                                                      : platform::CheckProfileWrite(settings.LocalIniFile);
 }
 
-SetupOutcome NothingStored(int profileError, const QString& file) {
-    return {ProfileErrorText(profileError, file) + QStringLiteral("; nothing was stored."), {}, profileError};
+int SaveLocalFile(Settings& settings) {
+    Settings again = settings; // saving tidies them
+    const int error = SaveLocalSettings(settings, settings.LocalIniFile);
+    // A file that was put in place needs no second write.
+    return error == platform::ProfileDeviceError ? SaveLocalSettings(again, again.LocalIniFile) : error;
 }
 
-void SayWallNotWritten(int profileError, const QString& file) {
-    ShowExclamation(ProfileErrorText(profileError, file) +
-                    QStringLiteral("; the settings of this workstation were stored."));
+SetupOutcome NothingStored(int profileError, const QString& file) {
+    return {ProfileErrorText(profileError, file) + QStringLiteral("; nothing was stored."), {}, profileError};
 }
 
 } // namespace tolvex

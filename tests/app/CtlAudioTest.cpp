@@ -103,4 +103,12 @@ TEST_F(CtlAudio, SetsTheAudiowall) {
     EXPECT_EQ(wall["carts"], 99999);
     EXPECT_EQ(wall["jumps"].toArray()[4].toObject(),
               (QJsonObject{{"button", 5}, {"cart", 100}, {"description", "News"}}));
+    // A file that was not written is a failure, also where the command changes nothing that it holds.
+    QFile::remove(onC("WALL/Audwall.ini"));
+    QDir().mkpath(onC("WALL/Audwall.ini"));
+    const Result players = hear("audio players 1");
+    EXPECT_EQ(players.status, 3);
+    EXPECT_TRUE(players.err.contains("the settings of this workstation were stored"))
+        << players.err.toStdString();
+    EXPECT_EQ(stored("CartPlayers", "TotalNumberCartPlayers"), "1");
 }

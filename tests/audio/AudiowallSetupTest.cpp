@@ -207,6 +207,40 @@ TEST_F(AudiowallSetups, AreNotHalfSavedWhereOneFileFails) {
     EXPECT_EQ(value("Audio", "PlayerFadeSeconds"), "5");
 }
 
+TEST_F(AudiowallSetups, MakeNoNewFileInPlaceOfOneThatIsGone) {
+    machine.write(wallIni, "[Other]\r\nKey=1\r\n[Audiowall]\r\nNoCarts=600\r\n");
+    setup = LoadAudiowallSetup(settings);
+    ASSERT_TRUE(QFile::remove(machine.host(wallIni)));
+    const QByteArray before = machine.read(iniPath);
+    setup.fadeSeconds = 8;
+    setup.numberCarts = 700;
+    EXPECT_EQ(StoreAudiowallSetup(setup, settings).message,
+              wallIni + " is gone since its settings were read (error 2); nothing was stored.");
+    EXPECT_EQ(machine.read(iniPath), before);
+    setup.numberCarts = setup.loadedNumberCarts; // nothing of that file was changed
+    EXPECT_EQ(StoreAudiowallSetup(setup, settings).error, 2);
+    EXPECT_EQ(prompts.texts(), QStringList{wallIni + " is gone since its settings were read (error 2); the "
+                                                     "settings of this workstation were stored."});
+    EXPECT_EQ(value("Audio", "PlayerFadeSeconds"), "8");
+    EXPECT_FALSE(machine.exists(wallIni));
+    EXPECT_EQ(StoreAudiowallSetup(LoadAudiowallSetup(settings), settings).error, 0);
+    EXPECT_TRUE(machine.exists(wallIni));
+}
+
+TEST_F(AudiowallSetups, AreStoredWhenOnlyTheFoldersCannotBeFlushed) {
+    setup.fadeSeconds = 8;
+    setup.numberCarts = 700;
+    platform::hostCalls().flush = [](int descriptor) {
+        struct stat info {};
+        return ::fstat(descriptor, &info) == 0 && S_ISDIR(info.st_mode) ? (errno = EIO, -1) : 0;
+    };
+    const SetupOutcome outcome = StoreAudiowallSetup(setup, settings);
+    EXPECT_EQ(outcome.message, "");
+    EXPECT_EQ(outcome.error, 0);
+    EXPECT_EQ(value("Audio", "PlayerFadeSeconds"), "8");
+    EXPECT_EQ(value("Audiowall", "NoCarts", wallIni), "700");
+}
+
 TEST_F(AudiowallSetups, LeaveToAudwallIniWhatTheUserDidNotChange) {
     machine.write(wallIni, "[Audiowall]\r\nNoCarts=12000\r\nPictureFileExtension=bmp\r\n");
     setup.jumps = {{12000, "their last"}, {12001, "beyond"}};

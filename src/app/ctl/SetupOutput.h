@@ -15,10 +15,11 @@ inline bool ReadForSetup(Call& call, int* status) {
     return read;
 }
 
-// A refused value is wrong usage, with the window's message.
+// A refused value is wrong usage, with the window's message. A file that was not written is a failure, also
+// when the rest was stored.
 inline int EndSetup(const Call& call, const SetupOutcome& outcome) {
     if (outcome.stored())
-        return Done;
+        return outcome.error ? Failed : Done;
     return outcome.error ? call.fail(outcome.message, outcome.error) : call.wrong(outcome.message);
 }
 
