@@ -4,6 +4,7 @@
 #include "audio/LoadAudioSettings.h"
 #include "audio/forms/CartContrast.h"
 #include "core/report/Folders.h"
+#include "core/settings/SettingsTable.h"
 #include "core/system/Programs.h"
 #include "core/text/Numbers.h"
 #include "core/text/PathNames.h"
@@ -205,6 +206,9 @@ void frmAudioSetup::addFilters() {
     for (QLineEdit* box : {ui_->txtCartVolume, ui_->txtCartGroupVolume, ui_->txtAdvertVolume})
         TakeDigits(box);
     SelectAllOnFocus(ui_->txtDuckVolume);
+    // Its usual value lies 10 below the volume of carts, so it can be below 0.
+    const SettingRow& duck = RowOf<&Settings::DuckAudioVolume>();
+    ClampOnLeaving(ui_->txtDuckVolume, duck.lowest, duck.highest);
     TypeInUpperCase(ui_->txtAudioEditor);
     TakeDigits(ui_->txtNumberCartPlayers);
     ui_->txtNumberCartPlayers->installEventFilter(this);

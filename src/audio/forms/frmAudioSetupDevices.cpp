@@ -133,6 +133,8 @@ void frmAudioSetup::refreshDevices() {
         {ui_->listRecordPlayer, ui_->listRecordPlayer->currentIndex()}};
     for (int n = 1; n <= CartPlayerCount; ++n)
         choices += {deviceList(n), deviceList(n)->currentIndex()};
+    for (const auto& [list, chosen] : choices)
+        list->hidePopup(); // its marked row would be lost
     fillDevices();
     for (const auto& [list, chosen] : choices)
         list->setCurrentIndex(chosen < list->count() ? chosen : -1);

@@ -100,7 +100,9 @@ TEST_F(AudioWindow, EnablesWhatTheNumberOfPlayersAndTheOptionsAllow) {
     tab(3);
     EXPECT_TRUE(enabled("txtDuckVolume"));
     EXPECT_FALSE(enabled("txtSweeperVol"));
+    type("txtDuckVolume", "99999999999");
     press("optSweeper");
+    EXPECT_EQ(text("txtDuckVolume"), "100");
     EXPECT_FALSE(enabled("txtDuckVolume"));
     type("txtSweeperVol", "101");
     type("txtGeneralVolume", "-7.5");

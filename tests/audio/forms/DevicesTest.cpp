@@ -10,6 +10,7 @@
 #include "audio/forms/frmAudioSetup.h"
 #include "platform/devices/WaveDeviceWatch.h"
 
+#include <QAbstractItemView>
 #include <QPushButton>
 
 #include <gtest/gtest.h>
@@ -165,10 +166,12 @@ TEST_F(SoundWindow, FollowsDevicesThatComeAndGoWithoutLosingAChoice) {
     EXPECT_EQ(list->itemText(3), "The extra");
     EXPECT_EQ(on<QComboBox>("listCartPlayer_2")->currentText(), "The desk");
     on<QLabel>("lblStatus")->clear();
+    list->showPopup();
     sound.declare({"phones", "desk", "extra"}, {"line"});
     QFile node(platform::SoundDeviceFolder() + "/pcmC1D0p");
     ASSERT_TRUE(node.open(QIODevice::WriteOnly));
     ASSERT_TRUE(waitFor("The sound devices of this computer have changed."));
+    EXPECT_FALSE(list->view()->isVisible()); // an open list closes, with the choice that it had
     EXPECT_EQ(list->currentText(), "The phones");
     press("cmdOK");
     EXPECT_EQ(value("CartPlayers", "SoundCardNumber1"), "2");
