@@ -7,6 +7,7 @@
 #include "platform/Prompts.h"
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
+#include "ui/style/ChooseFont.h"
 #include "ui/style/Colours.h"
 #include "ui/style/FitForm.h"
 #include "ui/style/OpenForms.h"
@@ -14,7 +15,6 @@
 #include "ui/style/TextBoxes.h"
 #include "ui_frmAudioWallSetup.h"
 
-#include <QFontDialog>
 #include <QLocale>
 
 namespace tolvex {
@@ -277,14 +277,13 @@ void frmAudioWallSetup::changeFont() {
     CartLooks& looks = setup_.looks;
     QFont font(looks.fontName, qMax(1, looks.fontSize));
     font.setBold(looks.fontBold);
-    bool chosen = false;
-    font = QFontDialog::getFont(&chosen, font, this, QStringLiteral("Font of the carts"),
-                                QFontDialog::DontUseNativeDialog);
+    const std::optional<QFont> chosen = ChooseFont(font, QStringLiteral("Font of the carts"), this);
     if (!chosen)
         return;
-    looks.fontName = font.family();
-    looks.fontSize = font.pointSize();
-    looks.fontBold = font.bold();
+    looks.fontName = chosen->family();
+    if (chosen->pointSize() != font.pointSize())
+        looks.fontSize = chosen->pointSize();
+    looks.fontBold = chosen->bold();
     showSamples();
 }
 

@@ -14,6 +14,7 @@
 #include "ui/binding/EnableRules.h"
 #include "ui/binding/FieldError.h"
 #include "ui/binding/FormChanges.h"
+#include "ui/style/ChooseFont.h"
 #include "ui/style/Colours.h"
 #include "ui/style/OpenForms.h"
 #include "ui/style/Style.h"
@@ -21,7 +22,6 @@
 #include "ui_frmKOVADatabaseSettings.h"
 
 #include <QFontDatabase>
-#include <QFontDialog>
 #include <QLocale>
 #include <QTabBar>
 #include <QToolButton>
@@ -46,46 +46,6 @@ QFont fontOf(const KOVADatabaseSettings& record) {
     font.setUnderline(record.KOVA_LogFont_FontUnderLine);
     return font;
 }
-
-// Which parts of a font the user has changed in the dialog. It shows another font for one that is not
-// installed on this machine, and must not choose that for the user.
-class FontChanges {
-public:
-    explicit FontChanges(QFontDialog& dialog)
-        : last_(dialog.currentFont()) {
-        QObject::connect(&dialog, &QFontDialog::currentFontChanged, &dialog,
-                         [this](const QFont& now) { note(now); });
-    }
-    void takeInto(KOVADatabaseSettings& record) const {
-        if (family_)
-            record.KOVA_LogFont_FontName = last_.family();
-        if (size_)
-            record.KOVA_LogFont_FontSize = static_cast<qint16>(last_.pointSize());
-        if (style_) {
-            record.KOVA_LogFont_FontBold = last_.bold();
-            record.KOVA_LogFont_FontItalic = last_.italic();
-        }
-        if (effects_) {
-            record.KOVA_LogFont_FontStrikeThru = last_.strikeOut();
-            record.KOVA_LogFont_FontUnderLine = last_.underline();
-        }
-    }
-
-private:
-    void note(const QFont& now) {
-        family_ = family_ || now.family() != last_.family();
-        size_ = size_ || now.pointSize() != last_.pointSize();
-        style_ = style_ || now.bold() != last_.bold() || now.italic() != last_.italic();
-        effects_ = effects_ || now.strikeOut() != last_.strikeOut() || now.underline() != last_.underline();
-        last_ = now;
-    }
-
-    QFont last_;
-    bool family_ = false;
-    bool size_ = false;
-    bool style_ = false;
-    bool effects_ = false;
-};
 
 // Black or white, whichever is easier to read on a colour.
 qint32 readableOn(const QColor& ground) {
@@ -355,13 +315,17 @@ void frmKOVADatabaseSettings::chooseFormat() {
 }
 
 void frmKOVADatabaseSettings::chooseFont() {
-    QFontDialog dialog(fontOf(shown_), this);
-    dialog.setOption(QFontDialog::DontUseNativeDialog);
-    dialog.setWindowTitle(QStringLiteral("Font"));
-    FontChanges changes(dialog);
-    if (dialog.exec() != QDialog::Accepted)
+    const QFont before = fontOf(shown_);
+    const std::optional<QFont> font = ChooseFont(before, QStringLiteral("Font"), this);
+    if (!font)
         return;
-    changes.takeInto(shown_);
+    shown_.KOVA_LogFont_FontName = font->family();
+    if (font->pointSize() != before.pointSize())
+        shown_.KOVA_LogFont_FontSize = static_cast<qint16>(font->pointSize());
+    shown_.KOVA_LogFont_FontBold = font->bold();
+    shown_.KOVA_LogFont_FontItalic = font->italic();
+    shown_.KOVA_LogFont_FontStrikeThru = font->strikeOut();
+    shown_.KOVA_LogFont_FontUnderLine = font->underline();
     showFont();
 }
 

@@ -225,6 +225,16 @@ TEST_F(AudiowallWindow, KeepsAFontThatIsNotInstalledAndTakesAnother) {
     QTimer::singleShot(50, form.get(), [] {
         auto* chooser = qobject_cast<QFontDialog*>(QApplication::activeModalWidget());
         ASSERT_TRUE(chooser);
+        QFont font = chooser->currentFont(); // another one stands in for it
+        font.setPointSize(9);
+        chooser->setCurrentFont(font);
+        chooser->accept();
+    });
+    press("cmdChangeFont");
+    EXPECT_EQ(label("lblFontName"), "No Such Font, 9 pt");
+    QTimer::singleShot(50, form.get(), [] {
+        auto* chooser = qobject_cast<QFontDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(chooser);
         QFont font("DejaVu Sans", 14);
         font.setBold(true);
         chooser->setCurrentFont(font);
