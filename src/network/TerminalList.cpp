@@ -5,6 +5,7 @@
 #include "core/text/RecordListFault.h"
 #include "core/time/Dates.h"
 #include "platform/Clock.h"
+#include "platform/CodePage.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "platform/files/Files.h"
@@ -171,6 +172,13 @@ bool OpenTerminalList(TerminalList& terminals) {
     return terminals.file != nullptr;
 }
 
+bool ReopenTerminalList(TerminalList& terminals) {
+    CloseTerminalList(terminals);
+    if (terminals.settings.LastOneWas != -1 && platform::FileSize(TerminalListPath(terminals)) >= 0)
+        terminals.file = openFile(terminals);
+    return terminals.file != nullptr;
+}
+
 void CloseTerminalList(TerminalList& terminals) {
     terminals.file.reset();
 }
@@ -206,6 +214,16 @@ QList<TerminalRecord> ReadTerminals(const TerminalList& terminals) {
     return records;
 }
 
+std::optional<QList<TerminalRecord>> ReadTerminalsAnew(TerminalList& terminals) {
+    if (!ReopenTerminalList(terminals))
+        return std::nullopt;
+    QList<TerminalRecord> records(terminals.settings.NumberTerminals);
+    for (int id = 1; id <= records.size(); ++id)
+        if (read(terminals, id, records[id - 1]) != platform::NoError)
+            return std::nullopt;
+    return records;
+}
+
 void ReadOwnTerminalRecord(TerminalList& terminals) {
     OpenTerminalList(terminals);
     if (terminals.settings.LinkMeshId >= 1)
@@ -236,8 +254,14 @@ ClaimedTerminal ClaimTerminal(TerminalList& terminals, const QString& computerNa
     return claimed;
 }
 
+bool FitsTerminalName(QChar character) {
+    return character.category() != QChar::Other_Control &&
+           platform::FirstOutsideCodePage(QString(character)) < 0;
+}
+
 int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
-                   const QString& computerName, const QString& seenName, QString* holder) {
+                   const QString& computerName, const QString& seenName, QString* holder,
+                   const std::function<bool()>& confirm) {
     const Step step(terminals);
     if (step.error() != platform::NoError)
         return step.error();
@@ -252,7 +276,13 @@ int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idN
         return TerminalTaken;
     }
     int error = platform::NoError;
+    QList<TerminalRecord> before;
     for (int id = 1; id <= terminals.settings.NumberTerminals && error == platform::NoError; ++id) {
+        TerminalRecord held;
+        error = read(terminals, id, held);
+        if (error != platform::NoError)
+            break;
+        before += held;
         error = change(terminals, id, [&](TerminalRecord& record) {
             if (id <= idNames.size() && !idNames[id - 1].isNull())
                 record.IdName = idNames[id - 1].trimmed();
@@ -262,6 +292,9 @@ int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idN
                 record.NetworkName.clear();
         });
     }
+    if (error != platform::NoError || (confirm && !confirm()))
+        for (int id = 1; id <= before.size(); ++id)
+            change(terminals, id, [&](TerminalRecord& record) { record = before[id - 1]; });
     return error;
 }
 

@@ -11,7 +11,9 @@
 #include <QStringList>
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace tolvex {
 
@@ -53,6 +55,8 @@ struct TerminalList {
 // then not open. False on Cancel, without system settings or workstations, and when the file cannot be
 // opened.
 bool OpenTerminalList(TerminalList& terminals);
+// Opens a list that is there, without a question and without changing it. False when it cannot be opened.
+bool ReopenTerminalList(TerminalList& terminals);
 void CloseTerminalList(TerminalList& terminals);
 bool TerminalListIsOpen(const TerminalList& terminals);
 // What is wrong with the list's file, a sentence: it is torn inside a record, or has too few workstations.
@@ -70,6 +74,8 @@ int WriteTerminal(TerminalList& terminals, int id, const TerminalRecord& record)
 
 // The records of numbers 1 to NumberTerminals; entry 0 is number 1.
 QList<TerminalRecord> ReadTerminals(const TerminalList& terminals);
+// The same from the file that stands at the list's path now; nothing if a record cannot be read.
+std::optional<QList<TerminalRecord>> ReadTerminalsAnew(TerminalList& terminals);
 
 // Opens the list and reads the record of this workstation's number, if that is 1 or more.
 void ReadOwnTerminalRecord(TerminalList& terminals);
@@ -94,14 +100,20 @@ struct ClaimedTerminal {
 // one without a network name by putting the computer's name on it; otherwise number 1, whose name stays.
 ClaimedTerminal ClaimTerminal(TerminalList& terminals, const QString& computerName);
 
+// Whether a name of the list can hold a character: one of the file's code page, and no control character.
+bool FitsTerminalName(QChar character);
+
 // Goes through the records from 1 to NumberTerminals: the name from `idNames` (entry 0 is number 1; where the
 // list is shorter, or its text is null, the name stays), this computer's name on `chosenId`, and none where
 // another one holds that name. A record that cannot be read is not written. TerminalTaken, and nothing
 // written, when the chosen record names another computer than `seenName`, the one that the user saw there;
-// *holder is then that computer. A null `seenName` takes it over from anybody.
+// *holder is then that computer. A null `seenName` takes it over from anybody. `confirm` runs while the step
+// is held and the records are written. All or nothing: where it gives false, or a record cannot be written,
+// the records get back what they held.
 inline constexpr int TerminalTaken = -1;
 int AssignTerminal(TerminalList& terminals, int chosenId, const QStringList& idNames,
-                   const QString& computerName, const QString& seenName = {}, QString* holder = nullptr);
+                   const QString& computerName, const QString& seenName = {}, QString* holder = nullptr,
+                   const std::function<bool()>& confirm = {});
 
 // Gives a number another name.
 int RenameTerminal(TerminalList& terminals, int id, const QString& name);

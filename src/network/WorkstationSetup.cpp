@@ -5,6 +5,7 @@
 #include "core/settings/StoredSettings.h"
 #include "core/time/Dates.h"
 #include "platform/files/Files.h"
+#include "platform/profile/ProfileCheck.h"
 
 namespace tolvex {
 
@@ -71,6 +72,26 @@ QString TakeoverNotice(const TerminalRow& row) {
         .arg(row.stateText);
 }
 
+NumberOutcome StoreNumber(int id, const QStringList& idNames, const QString& ownName, const QString& seenName,
+                          TerminalList& terminals, Settings& values) {
+    const SettingRow& row = RowOf<&Settings::LinkMeshId>();
+    const QString& file = values.LocalIniFile;
+    const QString text = QString::number(id);
+    NumberOutcome outcome;
+    // A name can be changed while the file is write-protected: the number in it stays.
+    const bool isStored = StoredTextOf(row, 0, file) == text;
+    outcome.iniError = isStored ? platform::ProfileOk : platform::CheckProfileWrite(file);
+    if (outcome.iniError != platform::ProfileOk)
+        return outcome;
+    outcome.listError = AssignTerminal(terminals, id, idNames, ownName, seenName, &outcome.holder, [&] {
+        outcome.iniError = isStored ? platform::ProfileOk : WriteSettingText(row, text, file);
+        return outcome.iniError == platform::ProfileOk;
+    });
+    if (outcome.listError == platform::NoError && outcome.iniError == platform::ProfileOk)
+        values.LinkMeshId = id;
+    return outcome;
+}
+
 WorkstationResult StoreWorkstations(const WorkstationChoice& choice, const QString& ownName,
                                     TerminalList& terminals, Settings& values) {
     if (choice.chosenId <= 0 || choice.chosenId > values.NumberTerminals)
@@ -86,23 +107,21 @@ WorkstationResult StoreWorkstations(const WorkstationChoice& choice, const QStri
     for (auto name = choice.names.begin(); name != choice.names.end(); ++name)
         if (name.key() >= 1 && name.key() <= names.size())
             names[name.key() - 1] = name.value().isNull() ? QStringLiteral("") : name.value();
-    QString holder;
     // A null name would take the number from anybody; here it means that the number was free.
     const QString seen = choice.seenName.isNull() ? QStringLiteral("") : choice.seenName;
-    const int error = AssignTerminal(terminals, choice.chosenId, names, ownName, seen, &holder);
+    const NumberOutcome stored = StoreNumber(choice.chosenId, names, ownName, seen, terminals, values);
     CloseTerminalList(terminals);
-    if (error == TerminalTaken)
+    if (stored.listError == TerminalTaken)
         return {Outcome::TakenSince,
                 QStringLiteral("%1 has taken number %2 in the meantime. Choose another number, or press OK "
                                "again to take it over.")
-                    .arg(holder)
+                    .arg(stored.holder)
                     .arg(choice.chosenId)};
-    if (error != platform::NoError)
-        return {Outcome::Failed, ProblemReport(QStringLiteral("writing the Terminal List"), error, true)};
-    values.LinkMeshId = choice.chosenId;
-    if (const int failed = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(choice.chosenId),
-                                            values.LocalIniFile))
-        return {Outcome::Failed, ProfileErrorText(failed, ProfilePath(values.LocalIniFile))};
+    if (stored.listError != platform::NoError)
+        return {Outcome::Failed,
+                ProblemReport(QStringLiteral("writing the Terminal List"), stored.listError, true)};
+    if (stored.iniError != platform::ProfileOk)
+        return {Outcome::Failed, ProfileErrorText(stored.iniError, ProfilePath(values.LocalIniFile))};
     return {};
 }
 

@@ -48,6 +48,18 @@ struct WorkstationResult {
     QString message; // what the form shows; empty for Stored
 };
 
+// What became of a number that was to be stored.
+struct NumberOutcome {
+    int listError = 0; // FileError of the list, or TerminalTaken
+    int iniError = 0;  // ProfileError of the local ini file
+    QString holder;    // for TerminalTaken: who has the number
+};
+
+// Puts this computer on a number as AssignTerminal does, and the number into the local ini file and `values`.
+// All or nothing: the file is asked before the list is written. The list is open.
+NumberOutcome StoreNumber(int id, const QStringList& idNames, const QString& ownName, const QString& seenName,
+                          TerminalList& terminals, Settings& values);
+
 // Stores the choice: names and this computer's number in the list, the number in `values` and in the local
 // ini file. A cell that was not touched keeps the name that the record has by then. The list is closed
 // afterwards.

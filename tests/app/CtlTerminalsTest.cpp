@@ -2,6 +2,7 @@
 #include "RunCtl.h"
 
 #include "platform/Machine.h"
+#include "platform/host/FileLock.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -56,6 +57,18 @@ TEST_F(Ctl, ChoosesAndNamesWorkstations) {
     for (const char* id : {"0", "33", "x", "1.5"})
         EXPECT_EQ(run({"terminals", "choose", id}).status, 2) << id;
     EXPECT_EQ(run({"terminals", "rename", "33", "x"}).status, 2);
-    EXPECT_EQ(run({"terminals", "rename", "3", QString(31, 'x')}).status, 2);
+    for (const QString& name :
+         {QString(31, 'x'), QString::fromUtf8("Caf\u00e9 \u4e2d"), QString("a\tb"), QString("a\x01")})
+        EXPECT_EQ(run({"terminals", "rename", "3", name}).status, 2) << name.toStdString();
+    EXPECT_EQ(run({"terminals", "rename", "3", QString::fromUtf8("Caf\u00e9 \u20ac")}).status, 0);
     EXPECT_EQ(run({"profile", "get", "tolvex.ini", "LinkMesh", "LinkMeshId"}).out, "7\n");
+
+    // While the ini file cannot be written the list keeps the number as well.
+    list = read(onC("DATA/Terminal.Lst"));
+    const QByteArray ini = read(onC("WINDOWS/TOLVEX.INI"));
+    const tolvex::platform::FileLock busy(onC("WINDOWS/TOLVEX.INI"));
+    ASSERT_TRUE(busy.held());
+    EXPECT_EQ(run({"terminals", "choose", "8"}).status, 3);
+    EXPECT_EQ(read(onC("DATA/Terminal.Lst")), list);
+    EXPECT_EQ(read(onC("WINDOWS/TOLVEX.INI")), ini);
 }

@@ -6,12 +6,15 @@
 #include "platform/files/Files.h"
 #include "platform/host/FileLock.h"
 #include "platform/paths/Paths.h"
+#include "platform/posix/HostCalls.h"
 #include "platform/profile/ProfileFile.h"
 #include "support/FixedClock.h"
 #include "support/MachineFolder.h"
 #include "support/ScriptedPrompts.h"
 
 #include <gtest/gtest.h>
+
+#include <cerrno>
 
 using namespace tolvex;
 using namespace tolvex::tests;
@@ -97,6 +100,31 @@ TEST_F(WorkstationSetupTest, WithoutAListNothingIsStored) {
     }
     EXPECT_EQ(settings.LinkMeshId, 0);
     EXPECT_EQ(platform::FileSize("C:\\DATA\\Terminal.Lst"), -1);
+}
+
+// The suite reads the number from the ini file and who has it from the list: they must agree.
+TEST_F(WorkstationSetupTest, TheNumberGoesIntoBothFilesOrNone) {
+    ASSERT_EQ(StoreWorkstations({3, {}, ""}, "MYPC", terminals, settings).outcome, Outcome::Stored);
+    const QByteArray list = machine.read("C:\\DATA\\Terminal.Lst");
+    const QByteArray ini = machine.read("C:\\WINDOWS\\TOLVEX.INI");
+    const auto refuses = [&] {
+        const WorkstationResult result = StoreWorkstations({4, {{1, "x"}}, ""}, "MYPC", terminals, settings);
+        EXPECT_EQ(result.outcome, Outcome::Failed);
+        EXPECT_TRUE(result.message.contains("TOLVEX.INI")) << result.message.toStdString();
+        EXPECT_EQ(machine.read("C:\\DATA\\Terminal.Lst"), list);
+        EXPECT_EQ(machine.read("C:\\WINDOWS\\TOLVEX.INI"), ini);
+        EXPECT_EQ(settings.LinkMeshId, 3);
+    };
+    {
+        const platform::FileLock busy(machine.host("C:\\WINDOWS\\TOLVEX.INI"));
+        ASSERT_TRUE(busy.held());
+        refuses();
+    }
+    // A disk that fails shows only while the file is written.
+    platform::hostCalls().rename = [](const char*, const char*) { return errno = EIO, -1; };
+    refuses();
+    platform::RestoreHostCalls();
+    EXPECT_EQ(StoreWorkstations({4, {}, ""}, "MYPC", terminals, settings).outcome, Outcome::Stored);
 }
 
 TEST_F(WorkstationSetupTest, TwoWhoChooseOneNumberAreTold) {

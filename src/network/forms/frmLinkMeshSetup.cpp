@@ -3,7 +3,6 @@
 #include "network/WorkstationSetup.h"
 #include "network/forms/TerminalModel.h"
 #include "platform/Clock.h"
-#include "platform/CodePage.h"
 #include "platform/Machine.h"
 #include "platform/Prompts.h"
 #include "ui/binding/FormChanges.h"
@@ -28,7 +27,7 @@ constexpr int refreshMilliseconds = 5000;
 QString fittingName(const QString& text) {
     QString fitting;
     for (const QChar character : text)
-        if (platform::FirstOutsideCodePage(QString(character)) < 0)
+        if (FitsTerminalName(character))
             fitting += character;
     return fitting;
 }
@@ -99,7 +98,12 @@ void frmLinkMeshSetup::showEvent(QShowEvent* event) {
 }
 
 void frmLinkMeshSetup::refresh() {
-    model_->show(TerminalRows(ReadTerminals(terminals_), platform::ComputerName(), platform::clock().now()));
+    const std::optional<QList<TerminalRecord>> records = ReadTerminalsAnew(terminals_);
+    readable_ = records.has_value();
+    // What cannot be read now stays as it was shown; before that there are blank rows.
+    if (records || model_->rowCount() == 0)
+        model_->show(TerminalRows(records ? *records : ReadTerminals(terminals_), platform::ComputerName(),
+                                  platform::clock().now()));
     showNotice();
 }
 
@@ -111,6 +115,9 @@ void frmLinkMeshSetup::choose(int id) {
 void frmLinkMeshSetup::showNotice() {
     const TerminalRow chosen = model_->terminal(model_->chosenId());
     QString notice = TakeoverNotice(chosen);
+    if (!readable_ && model_->rowCount() > 0)
+        notice = QStringLiteral("%1 cannot be read now. The rows show what was last read from it.")
+                     .arg(TerminalListPath(terminals_));
     QColor colour = tokens().warningText;
     if (notice.isEmpty()) {
         colour = tokens().quiet;
@@ -161,9 +168,6 @@ void frmLinkMeshSetup::store() {
                           platform::ComputerName(), terminals_, settings_);
     if (result.outcome == WorkstationResult::Outcome::Stored)
         return accept();
-    // Open again before the box: the list behind it is read on while it waits.
-    if (result.outcome != WorkstationResult::Outcome::NotChosen)
-        OpenTerminalList(terminals_);
     platform::prompts().ask({result.message, platform::Icon::Exclamation, platform::Buttons::Ok});
     refresh();
 }

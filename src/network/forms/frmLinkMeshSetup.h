@@ -48,6 +48,7 @@ private:
     int edited_ = 0; // the number whose name is open; 0: none
     QTimer refresh_;
     bool shown_ = false;
+    bool readable_ = false; // whether the rows are what the list holds now
 };
 
 } // namespace tolvex

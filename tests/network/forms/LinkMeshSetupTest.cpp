@@ -113,6 +113,32 @@ TEST_F(LinkMeshSetup, NamesGoIntoTheirCellsAsTheyAreTyped) {
                                             QString(30, 'x') + '=', "Spare=" + platform::ComputerName()}));
 }
 
+TEST_F(LinkMeshSetup, KeepsTheRowsWhileTheListIsAwayAndAsksOnceWhetherToMakeIt) {
+    settings.LinkMeshId = 2;
+    open();
+    const QStringList rows = column(Column::UsedBy);
+    const QString list = machine.host("C:\\DATA\\Terminal.Lst");
+    ASSERT_TRUE(QFile::rename(list, list + ".away"));
+    prompts.answers = {Answer::No};
+    clickButton("cmdOK");
+    EXPECT_EQ(prompts.texts().size(), 2); // the question, and that nothing was stored
+    EXPECT_TRUE(prompts.texts().first().startsWith("The Terminal List has not been found."));
+    EXPECT_EQ(column(Column::UsedBy), rows);
+    EXPECT_TRUE(notice().contains("cannot be read now")) << notice().toStdString();
+
+    ASSERT_TRUE(QFile::rename(list + ".away", list));
+    EXPECT_TRUE(waitFor([&] { return notice() == "This workstation uses number 2."; }));
+    EXPECT_EQ(column(Column::UsedBy), rows);
+
+    ASSERT_TRUE(QFile::remove(list));
+    prompts.forget();
+    prompts.answers = {Answer::Yes};
+    clickButton("cmdOK");
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(prompts.asked.size(), 1);
+    EXPECT_EQ(station.lines()[1], "=" + platform::ComputerName());
+}
+
 TEST_F(LinkMeshSetup, StaysUntilANumberIsChosenAndTellsWhoWasFaster) {
     open();
     clickButton("cmdOK");

@@ -2,13 +2,14 @@
 #include "app/ctl/Commands.h"
 
 #include "core/report/Folders.h"
-#include "core/settings/SettingText.h"
 #include "core/settings/Settings.h"
+#include "core/settings/StoredSettings.h"
 #include "network/WorkstationSetup.h"
 #include "platform/Clock.h"
 #include "platform/Machine.h"
 #include "platform/profile/ProfileFile.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace tolvex::ctl {
@@ -88,22 +89,18 @@ int choose(Call& call) {
     const TerminalRow row =
         TerminalRows(ReadTerminals(terminals), own, platform::clock().now()).value(id - 1);
     // Whoever takes the number between this check and the change under the lock keeps it.
-    QString holder;
-    const int error = AssignTerminal(
-        terminals, id, {}, own, row.networkName.isNull() ? QStringLiteral("") : row.networkName, &holder);
-    if (error == TerminalTaken)
-        return call.no(QStringLiteral("%1 has taken number %2 at this moment.").arg(holder).arg(id));
-    if (error != platform::NoError)
-        return notWritten(call, error);
+    const NumberOutcome stored =
+        StoreNumber(id, {}, own, row.networkName.isNull() ? QStringLiteral("") : row.networkName, terminals,
+                    call.station.settings);
+    if (stored.listError == TerminalTaken)
+        return call.no(QStringLiteral("%1 has taken number %2 at this moment.").arg(stored.holder).arg(id));
+    if (stored.listError != platform::NoError)
+        return notWritten(call, stored.listError);
+    if (stored.iniError != platform::ProfileOk)
+        return call.fail(ProfileErrorText(stored.iniError, ProfilePath(call.station.settings.LocalIniFile)),
+                         stored.iniError);
     if (row.state == TerminalRow::State::Taken)
         call.output.note(QStringLiteral("Number %1 was taken over from %2.").arg(id).arg(row.networkName));
-    call.station.settings.LinkMeshId = id;
-    if (const int failed = WriteSettingText(RowOf<&Settings::LinkMeshId>(), QString::number(id),
-                                            call.station.settings.LocalIniFile))
-        return call.fail(QStringLiteral("%1 could not be written (error %2).")
-                             .arg(call.station.settings.LocalIniFile)
-                             .arg(failed),
-                         failed);
     return Done;
 }
 
@@ -115,6 +112,10 @@ int rename(Call& call) {
         return wrongNumber(call);
     if (call.argument(1).trimmed().size() > TerminalNameLength)
         return call.wrong(QStringLiteral("A name has at most %1 characters.").arg(TerminalNameLength));
+    const QString name = call.argument(1).trimmed();
+    if (const auto wrong = std::find_if_not(name.begin(), name.end(), FitsTerminalName); wrong != name.end())
+        return call.wrong(
+            QStringLiteral("The file cannot hold character %1 of the name.").arg(wrong - name.begin() + 1));
     if (const int error = RenameTerminal(call.station.terminals, id, call.argument(1)))
         return notWritten(call, error);
     return Done;
