@@ -106,7 +106,8 @@ frmCommandDetails::frmCommandDetails(const CommandFolder& folder, const QString&
 
     binding_.bind(fields_, boundFields);
     load();
-    const auto mayStore = [this](const FormView& form) { return !isUnreadable(form.text("txtCommandFile")); };
+    // showName looks at each name before the rules do.
+    const auto mayStore = [this](const FormView&) { return !isUnreadable(); };
     const auto exists = [this](const FormView& form) { return folder_.has(form.text("txtCommandFile")); };
     new EnableRules(this, {{QStringLiteral("chkUseExisting chkLeaveOpen"),
                             QStringLiteral("Only serial and TCP/IP commands have a connection."),
@@ -146,13 +147,12 @@ void frmCommandDetails::load() {
         if (command)
             why = UnknownTypeMessage(command->Type);
         if (command && why.isEmpty()) {
-            before_ = *command;
+            opened_ = before_ = *command;
             fields_ = FieldsOf(name_, before_);
         }
     }
     binding_.fill();
-    unreadable_ = !why.isEmpty();
-    if (unreadable_)
+    if (!why.isEmpty())
         platform::prompts().ask({why, Icon::Exclamation, Buttons::Ok});
     shownText_ = formOf(before_.Type) == TextForm::Escaped ? ShowCommandText(before_.Text, true)
                                                            : platform::FromCodePage(before_.Text);
@@ -163,8 +163,28 @@ void frmCommandDetails::load() {
     loaded_ = true;
 }
 
-bool frmCommandDetails::isUnreadable(const QString& typed) const {
-    return unreadable_ && typed.trimmed().compare(name_, Qt::CaseInsensitive) == 0;
+void frmCommandDetails::look() {
+    const QString typed = ui_->txtCommandFile->text().trimmed();
+    replaced_ = folder_.read(typed);
+    const bool isRead = replaced_ && UnknownTypeMessage(replaced_->Type).isEmpty();
+    seen_ = isRead ? Seen::Readable : folder_.has(typed) ? Seen::Unreadable : Seen::Missing;
+    if (typed.compare(name_, Qt::CaseInsensitive) == 0)
+        replaced_ = opened_;
+}
+
+bool frmCommandDetails::mayReplace(const QString& name) {
+    const std::optional<CommandRecord> now = folder_.read(name);
+    if (now == replaced_)
+        return true;
+    const QString what =
+        now ? QStringLiteral("The command \"%1\" has been changed elsewhere since you opened "
+                             "it. Do you want to replace it?")
+            : QStringLiteral("The command \"%1\" has been deleted elsewhere since you opened "
+                             "it. Do you want to store it again?");
+    return platform::prompts().ask({.text = what.arg(name.trimmed()),
+                                    .icon = Icon::Question,
+                                    .buttons = Buttons::YesNo,
+                                    .defaultAnswer = Answer::No}) == Answer::Yes;
 }
 
 qint32 frmCommandDetails::type() const {
@@ -247,10 +267,11 @@ void frmCommandDetails::showPort() {
 
 void frmCommandDetails::showName() {
     const QString typed = ui_->txtCommandFile->text().trimmed();
+    look();
     const QString other = folder_.otherSpelling(typed);
     const bool isSame = typed.compare(name_, Qt::CaseInsensitive) == 0;
     QString hint;
-    if (isUnreadable(typed))
+    if (isUnreadable())
         hint = unreadableHint;
     else if (isSame && !other.isEmpty() && typed != name_)
         hint = QStringLiteral("The command keeps its spelling, \"%1\".").arg(other);
@@ -338,7 +359,7 @@ bool frmCommandDetails::isRight(const CommandFields& fields, bool emptyIsRight) 
 
 void frmCommandDetails::store() {
     const CommandFields now = fields();
-    if (!isRight(now, !hasText(now.type)))
+    if (!isRight(now, !hasText(now.type)) || !mayReplace(now.name))
         return;
     const platform::PointerKeeper pointer(platform::Pointer::Wait);
     if (!folder_.save(now.name, CommandOf(now, before_)))

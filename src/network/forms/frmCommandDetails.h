@@ -44,8 +44,12 @@ protected:
 private:
     void fillLists();
     void load();
-    // Whether a name is that of the command which was opened and could not be read.
-    bool isUnreadable(const QString& typed) const;
+    // Whether the command in the name's box exists and could not be read.
+    bool isUnreadable() const { return seen_ == Seen::Unreadable; }
+    // Looks at the command of the name that is typed, which OK would replace.
+    void look();
+    // Asks when another workstation has changed that command since. Whether OK may go on.
+    bool mayReplace(const QString& name);
     qint32 type() const;
     // The box of the type's text; null for one without a text.
     QWidget* textBox() const;
@@ -69,15 +73,18 @@ private:
     QString name_;
     CommandUseSource uses_;
     std::unique_ptr<Ui::frmCommandDetails> ui_;
+    // As it was opened, and as the one was that OK replaces; nothing: missing, or not readable.
+    std::optional<CommandRecord> opened_;
+    std::optional<CommandRecord> replaced_;
+    enum class Seen { Missing, Readable, Unreadable } seen_ = Seen::Missing;
     CommandRecord before_; // as it was read
     QString shownText_;    // its text as its box showed it: while it still does, the bytes stay
     CommandFields fields_;
     FormBinding binding_{this};
     FormChanges* changes_ = nullptr;
     EventModel* events_;
-    bool unreadable_ = false; // the command that was opened
-    bool loaded_ = false;     // until then, changes are the form's own
-    bool answered_ = false;   // in the test that runs
+    bool loaded_ = false;   // until then, changes are the form's own
+    bool answered_ = false; // in the test that runs
     bool needsRefresh_ = false;
     CommandTrial trial_;
 };

@@ -106,6 +106,26 @@ TEST_F(CommandDetails, KeepsEveryByteAndEveryFieldOfWhatIsOnlyLookedAt) {
     EXPECT_EQ(*folder.read("Look"), records[0]);
 }
 
+TEST_F(CommandDetails, AsksBeforeItReplacesWhatAnotherWorkstationStoredMeanwhile) {
+    put("Door", serial(0, 1, "9600,n,8,1"));
+    open("Door");
+    const CommandRecord theirs = serial(0, 4, "19200,n,8,1");
+    put("Door", theirs);
+    choose("comboSerialPort", "Com Port 2");
+    // Typing the name away and back does not make it the one that was opened.
+    type<QLineEdit>("txtCommandFile", "Door");
+    type<QPlainTextEdit>("txtSerialCommand", "x");
+    prompts.answers = {Answer::No, Answer::Yes};
+    clickButton("cmdOK");
+    EXPECT_EQ(prompts.texts(), QStringList{"The command \"Door\" has been changed elsewhere since you opened "
+                                           "it. Do you want to replace it?"});
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(*folder.read("Door"), theirs);
+    clickButton("cmdOK");
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(folder.read("Door")->SerialPort, 2);
+}
+
 TEST_F(CommandDetails, StoresWhatIsTypedWithLineBreaksAndEscapes) {
     open();
     auto* ok = find<QPushButton>(*form, "cmdOK");
@@ -249,6 +269,10 @@ TEST_F(CommandDetails, SaysWhatAnotherNameMeansAndDeletesOnlyWhatExists) {
     EXPECT_TRUE(find<QPushButton>(*form, "cmdDelete")->isEnabled());
     type<QLineEdit>("txtCommandFile", "Later 2");
     clickButton("cmdOK");
+    open(); // nor by a new one
+    type<QLineEdit>("txtCommandFile", "later");
+    EXPECT_FALSE(find<QPushButton>(*form, "cmdOK")->isEnabled());
+    EXPECT_TRUE(label("lblNameHint").startsWith("This command could not be read"));
     EXPECT_TRUE(folder.has("Later 2"));
     EXPECT_EQ(folder.read("Later")->Type, 77);
     // OK asks for a port that exists.
