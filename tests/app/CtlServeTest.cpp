@@ -60,6 +60,10 @@ TEST_F(CtlServe, ServesUntilItIsAskedToEnd) {
     ASSERT_TRUE(waitFor([this] { return process.state() == QProcess::NotRunning; }));
     EXPECT_EQ(process.exitCode(), 0);
     EXPECT_TRUE(process.readAllStandardOutput().contains("  Listening on port " + QByteArray::number(port)));
+    // An address that is not this computer's.
+    const Result never = run({"--yes", "serve", "--bind", "192.0.2.1", "--seconds", "1"});
+    EXPECT_EQ(never.status, 3);
+    EXPECT_TRUE(never.err.contains("The server could not listen: ")) << never.err.constData();
     for (const QStringList& wrong :
          {QStringList{"--port", "x"}, {"--port", "65536"}, {"--bind", "here"}, {"--seconds", "0"}})
         EXPECT_EQ(run(QStringList{"serve"} + wrong).status, 2) << wrong[1].toStdString();

@@ -99,15 +99,20 @@ int serve(Call& call) {
         return call.wrong(QStringLiteral("--seconds is a number from 1 upward."));
 
     Run run;
-    LinkMeshServer server(setup, [&call](const ServerEvent& event) { print(call, event); });
+    bool hasListened = false;
+    LinkMeshServer server(setup, [&](const ServerEvent& event) {
+        hasListened = hasListened || event.kind == ServerEvent::Kind::Listening;
+        print(call, event);
+    });
     const auto status = [&server] { return "STATUS=" + server.remote().status().trimmed().toUtf8(); };
     server.start();
     platform::TellServiceManager("READY=1\n" + status());
     server.remote().onStatus = [&status] { platform::TellServiceManager(status()); };
     run.go(*seconds);
     platform::TellServiceManager("STOPPING=1");
+    const QString why = server.remote().listenError();
     server.close();
-    return Done;
+    return hasListened ? Done : call.fail(QStringLiteral("The server could not listen: %1").arg(why));
 }
 
 int access(Call& call) {
