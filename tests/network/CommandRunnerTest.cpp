@@ -409,6 +409,11 @@ TEST_F(Commands, CanBeTriedWithoutBeingStored) {
     program.Type = ExternalCommand;
     program.Text = "true";
     EXPECT_EQ(tried(program), QString("RC"));
+    // Who types a path of the host is told what the drives call it.
+    program.Text = "/bin/sh -c true";
+    EXPECT_EQ(tried(program), QString("F"));
+    EXPECT_TRUE(events.last().text.endsWith("In a command its path is \"Z:\\bin\\sh\"."))
+        << events.last().text.toStdString();
     EXPECT_TRUE(prompts.asked.isEmpty());
 
     // A port that a command keeps open is not taken away from it.
