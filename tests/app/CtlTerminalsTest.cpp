@@ -65,10 +65,10 @@ TEST_F(Ctl, ChoosesAndNamesWorkstations) {
 
     // While the ini file cannot be written the list keeps the number as well.
     list = read(onC("DATA/Terminal.Lst"));
-    const QByteArray ini = read(onC("WINDOWS/TOLVEX.INI"));
-    const tolvex::platform::FileLock busy(onC("WINDOWS/TOLVEX.INI"));
+    const QByteArray ini = read(onC("WINDOWS/tolvex.ini"));
+    const tolvex::platform::FileLock busy(onC("WINDOWS/tolvex.ini"));
     ASSERT_TRUE(busy.held());
     EXPECT_EQ(run({"terminals", "choose", "8"}).status, 3);
     EXPECT_EQ(read(onC("DATA/Terminal.Lst")), list);
-    EXPECT_EQ(read(onC("WINDOWS/TOLVEX.INI")), ini);
+    EXPECT_EQ(read(onC("WINDOWS/tolvex.ini")), ini);
 }
