@@ -409,12 +409,6 @@ TEST_F(Commands, CanBeTriedWithoutBeingStored) {
     program.Type = ExternalCommand;
     program.Text = "true";
     EXPECT_EQ(tried(program), QString("RC"));
-    // Who types a path of the host is told what the drives call it.
-    machine.write("C:\\DATA\\go.sh", "");
-    program.Text = machine.host("C:\\DATA\\go.sh").toUtf8() + " now";
-    EXPECT_EQ(tried(program), QString("F"));
-    EXPECT_TRUE(events.last().text.endsWith("In a command its path is \"C:\\DATA\\go.sh\"."))
-        << events.last().text.toStdString();
     EXPECT_TRUE(prompts.asked.isEmpty());
 
     // A port that a command keeps open is not taken away from it.

@@ -3,7 +3,6 @@
 #include "core/report/ProblemReport.h"
 #include "platform/CodePage.h"
 #include "platform/files/Files.h"
-#include "platform/paths/Paths.h"
 #include "platform/process/Processes.h"
 
 #include <QTimer>
@@ -237,21 +236,6 @@ bool CommandRunner::runTcpIp(const QString& name, const CommandRecord& command, 
 
 // ---- Programs
 
-namespace {
-
-// For a command line whose program is named by its path on the host: how the drives name it.
-QString pathHint(const QString& line) {
-    const QString trimmed = line.trimmed();
-    const QString program =
-        trimmed.startsWith(u'"') ? trimmed.section(u'"', 1, 1) : trimmed.section(u' ', 0, 0);
-    const QString path = program.startsWith(u'/') ? platform::WindowsPath(program) : QString();
-    return path.isEmpty() || !platform::FileExists(path)
-               ? QString()
-               : QStringLiteral(" In a command its path is \"%1\".").arg(path);
-}
-
-} // namespace
-
 bool CommandRunner::runExternal(const QString& name, const CommandRecord& command, bool quiet) {
     const QString line = platform::FromCodePage(command.Text);
     QString why;
@@ -259,7 +243,7 @@ bool CommandRunner::runExternal(const QString& name, const CommandRecord& comman
         tell(CommandEvent::Kind::Started, name, line);
         return true;
     }
-    tell(CommandEvent::Kind::Failed, name, line, {}, why + pathHint(line));
+    tell(CommandEvent::Kind::Failed, name, line, {}, why);
     if (!quiet)
         ShowExclamation(QStringLiteral("The file specified in Command: %1 could not be executed.").arg(name));
     return false;
