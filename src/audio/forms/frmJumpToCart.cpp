@@ -177,7 +177,9 @@ bool frmJumpToCart::cartReacts() const {
 }
 
 bool frmJumpToCart::handleMouse(QEvent* event) {
-    const auto* mouse = static_cast<QMouseEvent*>(event);
+    const auto* mouse = dynamic_cast<QMouseEvent*>(event);
+    if (!mouse)
+        return false;
     switch (event->type()) {
     case QEvent::MouseButtonPress:
         drag_.press(*mouse, cartReacts() ? number() : 0);
